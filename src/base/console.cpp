@@ -1,0 +1,60 @@
+#include "base/console.h"
+
+#include <cerrno>
+#include <string>
+#include <unistd.h>
+
+namespace lcp::console {
+
+namespace {
+
+constexpr std::size_t FULL = 1 << 14; // characters collected before they are written
+
+struct State {
+  std::string collected;
+  bool failed = false;
+};
+
+State& state() {
+  static State s;
+  return s;
+}
+
+} // namespace
+
+void text(std::string_view words) {
+  state().collected.append(words);
+  if (state().collected.size() > FULL) flush();
+}
+
+void line(std::string_view words) {
+  text(words);
+  text("\n");
+}
+
+void rule(char sign, int length) { line(std::string(static_cast<std::size_t>(length), sign)); }
+
+void openStars() {
+  line();
+  rule('*', STARS);
+  line("Corvo.exe: ERROR");
+}
+
+void closeStars() { rule('*', STARS); }
+
+bool flush() {
+  State& s = state();
+  std::size_t done = 0;
+  while (!s.failed && done < s.collected.size()) {
+    const ssize_t n = write(STDOUT_FILENO, s.collected.data() + done, s.collected.size() - done);
+    if (n > 0) {
+      done += static_cast<std::size_t>(n);
+    } else if (n == 0 || errno != EINTR) {
+      s.failed = true;
+    }
+  }
+  s.collected.clear();
+  return !s.failed;
+}
+
+} // namespace lcp::console

@@ -1,0 +1,31 @@
+// The console: plain lines to the standard output, collected and written in one piece.
+//
+// The texts stand whole where they are printed, so that a search for the words on the console
+// finds the line of code. What several messages share are the rules around them.
+#pragma once
+
+#include <fmt/format.h>
+#include <string_view>
+#include <utility>
+
+namespace lcp::console {
+
+void text(std::string_view words); // without a line end
+void line(std::string_view words = {});
+
+template <class... Args> void print(fmt::format_string<Args...> form, Args&&... args) {
+  line(fmt::format(form, std::forward<Args>(args)...));
+}
+
+void rule(char sign, int length); // a line of one sign: asterisks, equal signs, hyphens
+constexpr int STARS = 43;         // length of the usual line of asterisks
+
+// The usual frame: an empty line, asterisks and "Corvo.exe: ERROR" before the message lines,
+// asterisks behind them. The caller ends the run.
+void openStars();
+void closeStars();
+
+// Writes out what was collected. False when the standard output did not take it.
+bool flush();
+
+} // namespace lcp::console

@@ -1,0 +1,125 @@
+// Dense matrices in column order. A matrix argument is a view: where its first element stands and
+// the leading dimension of the store it is part of; the order is an argument of its own.
+#pragma once
+
+#include "base/table.h"
+
+#include <complex>
+#include <cstddef>
+#include <span>
+#include <type_traits>
+
+namespace lcp {
+
+using Complex = std::complex<double>;
+using extended = long double; // accumulators of sums whose stopping rules hang on the last bits
+
+// View of a matrix with 1-based rows and columns.
+template <class T> struct View {
+  T* first = nullptr;
+  int ld = 0;
+
+  View() = default;
+  View(T* p, int leading) : first(p), ld(leading) {}
+  // A view that may write is a view that may read.
+  template <class U>
+  requires std::is_same_v<const U, T> View(const View<U>& other)
+      : first(other.first), ld(other.ld) {} // NOLINT(*-explicit-*)
+
+  T& operator()(int i, int j) const {
+    checkIndex(i, ld);
+    return first[static_cast<std::ptrdiff_t>(j - 1) * ld + (i - 1)];
+  }
+  T* column(int j) const { return first + static_cast<std::ptrdiff_t>(j - 1) * ld; }
+};
+
+using CView = View<Complex>;
+using CConstView = View<const Complex>;
+using RView = View<double>;
+using RConstView = View<const double>;
+
+// A square store of order N, of which a corner is in use.
+template <class T, int N> struct SquareStore {
+  T elements[static_cast<std::size_t>(N) * N];
+
+  static constexpr int order = N;
+  T& operator()(int i, int j) {
+    checkIndex(i, N);
+    checkIndex(j, N);
+    return elements[static_cast<std::ptrdiff_t>(j - 1) * N + (i - 1)];
+  }
+  const T& operator()(int i, int j) const {
+    checkIndex(i, N);
+    checkIndex(j, N);
+    return elements[static_cast<std::ptrdiff_t>(j - 1) * N + (i - 1)];
+  }
+  operator View<T>() { return {elements, N}; }             // NOLINT(*-explicit-*)
+  operator View<const T>() const { return {elements, N}; } // NOLINT(*-explicit-*)
+  View<T> view() { return {elements, N}; }
+  View<const T> view() const { return {elements, N}; }
+};
+
+// A function of frequency: S steps side by side.
+template <class T, int S> struct Curve {
+  T steps[S];
+
+  T& operator[](int k) {
+    checkIndex(k, S);
+    return steps[k - 1];
+  }
+  const T& operator[](int k) const {
+    checkIndex(k, S);
+    return steps[k - 1];
+  }
+  std::span<T> first(int n) { return {steps, static_cast<std::size_t>(n)}; }
+  std::span<const T> first(int n) const { return {steps, static_cast<std::size_t>(n)}; }
+};
+
+// N functions of frequency, one a mode.
+template <class T, int N, int S> struct CurveVector {
+  Curve<T, S> curves[N];
+
+  Curve<T, S>& curve(int i) {
+    checkIndex(i, N);
+    return curves[i - 1];
+  }
+  const Curve<T, S>& curve(int i) const {
+    checkIndex(i, N);
+    return curves[i - 1];
+  }
+  T& operator()(int k, int i) { return curve(i)[k]; }
+  const T& operator()(int k, int i) const { return curve(i)[k]; }
+};
+
+// An N by N matrix function of frequency, the frequency step fastest: the curve of an element is
+// contiguous, as the fits want it, and a small line touches few pages.
+template <class T, int N, int S> struct CurveMatrix {
+  Curve<T, S> curves[static_cast<std::size_t>(N) * N];
+
+  Curve<T, S>& curve(int i, int j) {
+    checkIndex(i, N);
+    checkIndex(j, N);
+    return curves[static_cast<std::ptrdiff_t>(j - 1) * N + (i - 1)];
+  }
+  const Curve<T, S>& curve(int i, int j) const {
+    checkIndex(i, N);
+    checkIndex(j, N);
+    return curves[static_cast<std::ptrdiff_t>(j - 1) * N + (i - 1)];
+  }
+  T& operator()(int k, int i, int j) { return curve(i, j)[k]; }
+  const T& operator()(int k, int i, int j) const { return curve(i, j)[k]; }
+
+  // The n by n corner of one step, out of the store and into it.
+  void load(int k, View<T> m, int n) const {
+    for (int j = 1; j <= n; ++j) {
+      for (int i = 1; i <= n; ++i) m(i, j) = (*this)(k, i, j);
+    }
+  }
+  void store(int k, View<const T> m, int n) {
+    for (int j = 1; j <= n; ++j) {
+      for (int i = 1; i <= n; ++i) (*this)(k, i, j) = m(i, j);
+    }
+  }
+};
+
+} // namespace lcp

@@ -1,0 +1,34 @@
+// A line of a file, built from left to right by columns.
+#pragma once
+
+#include "base/number_forms.h"
+
+#include <string>
+#include <string_view>
+
+namespace lcp {
+
+class Record {
+public:
+  Record() = default;
+  explicit Record(std::string_view start) : characters(start) {}
+
+  Record& text(std::string_view words) { return characters.append(words), *this; }
+  Record& blanks(int n) { return characters.append(static_cast<std::size_t>(n), ' '), *this; }
+  Record& integer(long long v, int w) { return text(integerField(v, w)); }
+  Record& fixed(double v, int w, int d) { return text(fixedField(v, w, d)); }
+  Record& scientific(double v, int w, int d) { return text(scientificField(v, w, d)); }
+  Record& general(double v, int w, int d) { return text(generalField(v, w, d)); }
+  // Blanks up to the 1-based column, so that the next field starts there.
+  Record& column(int c) {
+    if (static_cast<int>(characters.size()) < c - 1)
+      characters.resize(static_cast<std::size_t>(c - 1), ' ');
+    return *this;
+  }
+  std::string_view view() const { return characters; }
+
+private:
+  std::string characters;
+};
+
+} // namespace lcp

@@ -1,0 +1,3 @@
+#include "base/stop.h"
+
+int main() { lcp::stop(0); }

@@ -1,0 +1,39 @@
+// Every capacity of the program, in one place.
+#pragma once
+
+namespace lcp {
+
+// Run control
+constexpr int FILENAMELEN = 200; // file names, in characters
+constexpr int ARGUMENTLEN = 30;  // a numeric value or a keyword on the command line
+constexpr int MAXSTEPS = 999;    // length steps, each with a name of its own
+
+// Description file
+constexpr int LINELENGTH = 120;   // columns of an input line that are read
+constexpr int MAXCOND = 720;      // physical conductors
+constexpr int MAXEQUIV = 48;      // equivalent conductors of an overhead line
+constexpr int MAXSUB = 15;        // sub-conductors of a bundle
+constexpr int MAXCABLE = 100;     // cables
+constexpr int MAXPIPE = 1;        // pipes
+constexpr int MAXEXTRECORDS = 50; // records of an external conductor file
+constexpr int EXTRECORDLEN = 49;  // numbers of such a record
+constexpr int LINENAMELEN = 30;   // name of the line, in characters
+constexpr int LIBPATHLEN = 110;   // conductor library path
+constexpr int LIBNAMELEN = 113;   // name searched in a library
+constexpr int EXTFILELEN = 100;   // external conductor file
+constexpr int MAXLIBLINES = 5000; // lines searched in a library of the new format
+
+// Solve
+constexpr int LDMAT = 49;     // order and leading dimension of a line matrix
+constexpr int MAXFREQ = 1020; // frequency steps
+constexpr int MAXINV = 120;   // largest order that the inversion kernels take
+
+// Writing
+constexpr int ROWELEMENTS = 25;    // elements of a matrix row on one line of a file
+constexpr int BERGERONVALUES = 40; // values of a mode on one line of a Bergeron file
+constexpr int MANUALCOLUMNS = 99;  // columns of a manual output file that are copied
+
+// Message package
+constexpr int MAXNAMES = 100; // depth of the stack of routine names
+
+} // namespace lcp

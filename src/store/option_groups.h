@@ -1,0 +1,102 @@
+// Groups of the run store: choice of the line model and the options of the model sections.
+#pragma once
+
+#include "store/run_groups.h"
+
+namespace lcp {
+
+constexpr int MODELNONE = -10;
+
+struct ModelChoice {
+  int MODEL = MODELNONE; // 1 PI, 2 Bergeron, 3 mode, 4 phase, 5 MFDTD, 6 HALO
+  bool MODPI = false;
+  bool MODBERG = false;
+  bool MODFDM = false;
+  bool MODFDP = false;
+  bool MODMFDTD = false;
+  bool MODHALO = false;
+
+  bool fitted() const { return MODFDM || MODFDP || MODMFDTD; }
+};
+
+struct BergeronOptions {
+  double FLOSS = 60.0;  // frequency for loss approximation, Hz
+  int HFAPPROX = 1;     // 0: FLOSS becomes SSFREQ at the end of input
+  double TAU0 = 1e-9;   // shaping time constant of the ground mode, s
+  double TAUMET = 1e-9; // ... of the metallic modes, s
+};
+
+// Options that the Bergeron and the fitted models share.
+struct FlagLines {
+  bool INTTT = true;   // interpolate travel times
+  bool INFLEN = false; // infinite line length
+};
+
+struct FitOptions {
+  double FSTART = 0.5; // fit range, Hz
+  double FEND = 1.0e6;
+  int NFINC = 100;          // frequency increments over the fit range
+  bool CONSTT = true;       // constant transformation, evaluated at FCT; see the grid
+  double FCT = 2000.0;      // frequency of the constant transformation, Hz
+  int DCCORR = 0;           // DC correction type
+  bool DCCORRF = false;     // ... and whether one was asked for
+  double CSHUNTG = 3.0e-10; // shunt conductance of cables
+  int DIELM = 1;            // dielectric loss method of cables
+  bool ELIMHF = false;      // eliminate the error at high frequency
+  bool SMARTF = false;      // no computation uses it
+  int MAXPZ = 20;           // most poles: surge impedance
+  int MAXPY = 20;           // ... surge admittance
+  int MAXPA = 20;           // ... attenuation constant
+  int MAXP4 = 20;           // ... transformation; has no key
+  double ERRZ = 2.0;        // largest fitting error, %: surge impedance
+  double ERRY = 2.0;        // ... surge admittance
+  double ERRA = 2.0;        // ... attenuation constant
+  double ERR4 = 2.0;        // ... transformation; has no key
+  double VMAX = 0;          // largest voltage
+  double ERRTD = 0.01;      // largest error of the delay extraction, %
+  int NPTRH = 40;           // starting poles of the fit of the trace of H
+  double ERRTRH = 0.1;      // its largest error, %
+  double RPRATIO = 100.0;   // largest ratio of residue to pole
+  double WF1 = 0;           // fit weight below the steady-state frequency
+  double WF2 = 0;           // ... at it
+  double WF3 = 0;           // ... above it
+  bool WDETAIL = false;     // write the detail curve files
+};
+
+struct PassivityOptions {
+  double PFLO = 0;      // range of the check, Hz
+  bool PFLOSET = false; // a check was asked for
+  double PFHI = 0;
+  int NPFINC = 0;        // frequency increments of the check
+  int PFDIST = 1;        // their distribution
+  int PMAXIT = 0;        // iterations of the enforcement
+  bool PITERSET = false; // an enforcement was asked for
+  double PMAXERR = 0;    // its largest relative error
+  double PEIGTOL = 0;    // eigenvalue tolerance
+};
+
+struct DisplayOptions {
+  double DISPFREQ = 60.0;   // frequency of the report, Hz
+  double ZEROTOL = 1.0e-19; // magnitudes up to this are shown as 0
+  double VBASEDISP = 0;     // base of per-unit values, kV line to line
+  double MVABASEDISP = 0;   // base of per-unit values, MVA
+  bool MANOUT = false;      // a manual file replaces the model file
+  FileName MANOUTF;         // that file
+  bool CREATEPI = false;    // write a Coupled Pi component
+  double GPARLIM = 1.0e-5;  // conductances below this are left out of it, S
+};
+
+// Options of field, corona and noise calculations, which are accepted and not used.
+struct HaloOptions {
+  double height = 2.0;
+  double mobilityPositive = 0.15;
+  double mobilityNegative = 0.15;
+  double smoothness = 1.0;
+  double xStart = -30.0;
+  double xEnd = 30.0;
+  int coronaLosses = 1;
+  int audibleNoise = 1;
+  int radioInterference = 1;
+};
+
+} // namespace lcp

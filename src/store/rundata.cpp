@@ -1,0 +1,22 @@
+#include "store/rundata.h"
+
+namespace lcp {
+
+RunData RUNDATA;
+
+void RunData::resetInput() {
+  line = {};
+  cond = {};
+  unused = {};
+  ground = {};
+  cable = {};
+  model = {};
+  bergeron = {};
+  flags = {};
+  fit = {};
+  passivity = {};
+  display = {};
+  halo = {};
+}
+
+} // namespace lcp

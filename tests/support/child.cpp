@@ -1,0 +1,44 @@
+#include "support/child.h"
+
+#include "base/console.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace lcp::test {
+
+ChildResult runChild(const std::function<void()>& code) {
+  ChildResult result;
+  int ends[2];
+  console::flush();
+  if (pipe(ends) != 0) return result;
+  const pid_t child = fork();
+  if (child == 0) {
+    dup2(ends[1], STDOUT_FILENO);
+    close(ends[0]);
+    close(ends[1]);
+    code();
+    console::flush();
+    std::_Exit(0);
+  }
+  close(ends[1]);
+  char buffer[4096];
+  for (ssize_t n = 0; (n = read(ends[0], buffer, sizeof buffer)) > 0;) {
+    result.console.append(buffer, static_cast<std::size_t>(n));
+  }
+  close(ends[0]);
+  int status = 0;
+  waitpid(child, &status, 0);
+  if (WIFEXITED(status)) result.status = WEXITSTATUS(status);
+  return result;
+}
+
+std::string lines(std::initializer_list<std::string> texts) {
+  std::string all;
+  for (const std::string& t : texts) all += t + "\n";
+  return all;
+}
+
+} // namespace lcp::test
