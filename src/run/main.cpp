@@ -1,3 +1,5 @@
-#include "base/stop.h"
+#include "run/lcpmain.h"
 
-int main() { lcp::stop(0); }
+int main(int count, char** values) {
+  lcp::LCPMAIN(std::span<char* const>(values + (count > 0 ? 1 : 0), values + count));
+}

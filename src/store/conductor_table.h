@@ -48,15 +48,4 @@ struct ConductorTable {
   }
 };
 
-// Values of the Circuit section that no computation uses.
-struct UnusedConductorData {
-  int CTYPE = 0;
-  double CIMAG = 0;
-  double CVMAG = 0;
-  CondReals CVDC;
-  CondReals CIDC;
-  CondReals CVANG;
-  CondReals CIANG;
-};
-
 } // namespace lcp

@@ -7,7 +7,6 @@ RunData RUNDATA;
 void RunData::resetInput() {
   line = {};
   cond = {};
-  unused = {};
   ground = {};
   cable = {};
   model = {};

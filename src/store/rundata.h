@@ -15,7 +15,6 @@ struct RunData {
   RunControl run;
   LineSummary line;
   ConductorTable cond;
-  UnusedConductorData unused;
   Ground ground;
   CableTable cable;
   ModelChoice model;

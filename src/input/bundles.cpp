@@ -1,0 +1,94 @@
+#include "input/bundles.h"
+
+#include "base/console.h"
+#include "base/constants.h"
+#include "base/number_forms.h"
+#include "input/reader_state.h"
+#include "store/rundata.h"
+
+#include <array>
+#include <cmath>
+
+namespace lcp {
+
+namespace {
+
+constexpr int POSITIONCOLUMN = 5;
+
+// Angle of the first sub-conductor of bundles of 2, 3, ... 15.
+constexpr std::array<double, MAXSUB - 1> STARTANGLES = {
+    0,      PI / 2,  PI / 4, 3 * PI / 10, 0,      PI / 14, PI / 8,
+    PI / 6, PI / 10, PI / 2, 0,           PI / 2, PI / 14, PI / 2};
+
+// x and y of the current line into an entry.
+void readPosition(int entry) {
+  ConductorTable& C = RUNDATA.cond;
+  std::array<double, 2> xy{};
+  const bool open = entryOpen(entry);
+  if (open) xy = {C.CX[entry], C.CY[entry]};
+  const std::string_view line = READER.LINE;
+  if (line.size() > POSITIONCOLUMN && !readReals(line.substr(POSITIONCOLUMN), xy)) readError();
+  if (!open) return;
+  C.CX[entry] = xy[0];
+  C.CY[entry] = xy[1];
+}
+
+} // namespace
+
+Offset regularOffset(int k, int s, double spacing) {
+  const double R = spacing / (2.0 * std::sin(PI / s));
+  const double a = (k - 1) * TWOPI / s + STARTANGLES[static_cast<std::size_t>(s - 2)];
+  return {R * std::cos(a), R * std::sin(a)};
+}
+
+void checkSubConductorCount(int s) {
+  if (s <= MAXSUB) return;
+  console::print("Circuit {} has {} Sub-Conductors,", integerField(RUNDATA.cond.NCIRC, 3),
+                 integerField(s, 3));
+  console::print("Maximum of {} Allowed!", MAXSUB);
+  readError();
+}
+
+void openBundle(int s) {
+  ConductorTable& C = RUNDATA.cond;
+  if (s < 0) readError();
+  checkSubConductorCount(s);
+  const int n = READER.CURN;
+  const int f = firstEntry();
+  checkConductorCount(f - 1 + n * s);
+  for (int j = f; j <= f + n - 1; ++j) {
+    for (int m = 1; m <= s - 1; ++m) {
+      C.CX[j + m * n] = C.CX[j];
+      C.CY[j + m * n] = C.CY[j];
+      C.CMAP[j + m * n] = j;
+    }
+  }
+  READER.offsetLine = 0;
+}
+
+void moveSubConductors(int k, Offset offset) {
+  ConductorTable& C = RUNDATA.cond;
+  if (k > READER.CURSUB) return; // more offsets than sub-conductors
+  const int start = firstEntry() + (k - 1) * READER.CURN;
+  for (int e = start; e <= start + READER.CURN - 1; ++e) {
+    C.CX[e] += offset.dx;
+    C.CY[e] += offset.dy;
+  }
+}
+
+void spreadBundle(double spacing) {
+  const int s = READER.CURSUB;
+  if (s < 2) return;
+  for (int k = 1; k <= s; ++k) moveSubConductors(k, regularOffset(k, s, spacing));
+}
+
+void readPositions() {
+  readPosition(firstEntry());
+  for (int c = 2; c <= READER.CURN; ++c) {
+    if (!nextLine()) return;
+    if (!READER.LINE.starts_with('P')) readError();
+    readPosition(firstEntry() + c - 1);
+  }
+}
+
+} // namespace lcp

@@ -1,0 +1,128 @@
+// Section keys as data: what a key looks like, where its value stands, and where the value goes.
+//
+// A section is a constexpr table of rows, in the order of comparison; the first row whose text the
+// line begins with is the line's key, whatever stands behind it. What a plain store cannot say is a
+// rule: a number of the section's own that its switch picks up after the store.
+#pragma once
+
+#include "input/free_form.h"
+#include "store/conductor_table.h"
+#include "store/run_groups.h"
+
+#include <cstddef>
+#include <limits>
+#include <span>
+#include <string_view>
+
+namespace lcp {
+
+enum class KeyKind {
+  Real,    // one real, times the factor, at least the floor
+  Integer, // one integer
+  SetBy1,  // an integer; 1 sets the flag, other values do nothing
+  IsIt1,   // an integer; 1 sets the flag, other values clear it
+  Name,    // one word into a file name
+  Bare     // no value of the usual form: the rule reads what it needs
+};
+
+// Where in the conductor table a value goes: the first or second entry of the open group.
+enum class Entry { First, Second };
+
+constexpr int NORULE = 0;
+
+struct KeyRow {
+  std::string_view text;
+  KeyKind kind = KeyKind::Bare;
+  int column = 0; // where the value starts in the line, counted from 0
+  double factor = 1.0;
+  double floor = -std::numeric_limits<double>::infinity();
+  Entry entry = Entry::First;
+  int rule = NORULE;
+  double* real = nullptr;
+  int* integer = nullptr;
+  bool* flag = nullptr;
+  FileName* name = nullptr;
+  CondReals* reals = nullptr;
+  bool* alsoSet = nullptr;       // a flag that reading the key sets, whatever its value
+  CondFlags* alsoMark = nullptr; // ... the entry's mark in the conductor table
+
+  constexpr KeyRow at(int c) const { return with(&KeyRow::column, c); }
+  constexpr KeyRow times(double f) const { return with(&KeyRow::factor, f); }
+  constexpr KeyRow atLeast(double f) const { return with(&KeyRow::floor, f); }
+  constexpr KeyRow second() const { return with(&KeyRow::entry, Entry::Second); }
+  constexpr KeyRow then(int r) const { return with(&KeyRow::rule, r); }
+  constexpr KeyRow setting(bool* f) const { return with(&KeyRow::alsoSet, f); }
+  constexpr KeyRow marking(CondFlags* f) const { return with(&KeyRow::alsoMark, f); }
+
+private:
+  template <class T> constexpr KeyRow with(T KeyRow::*member, T value) const {
+    KeyRow row = *this;
+    row.*member = value;
+    return row;
+  }
+};
+
+// Rows for each kind. The value starts two characters behind the key: a colon and a blank.
+constexpr KeyRow bareKey(std::string_view text, int rule) {
+  KeyRow row;
+  row.text = text;
+  row.column = static_cast<int>(text.size()) + 2;
+  row.rule = rule;
+  return row;
+}
+constexpr KeyRow keyOf(std::string_view text, KeyKind kind) {
+  KeyRow row = bareKey(text, NORULE);
+  row.kind = kind;
+  return row;
+}
+constexpr KeyRow realKey(std::string_view text, double* target) {
+  KeyRow row = keyOf(text, KeyKind::Real);
+  row.real = target;
+  return row;
+}
+constexpr KeyRow realKey(std::string_view text, CondReals* target) {
+  KeyRow row = keyOf(text, KeyKind::Real);
+  row.reals = target;
+  return row;
+}
+constexpr KeyRow integerKey(std::string_view text, int* target) {
+  KeyRow row = keyOf(text, KeyKind::Integer);
+  row.integer = target;
+  return row;
+}
+constexpr KeyRow setBy1Key(std::string_view text, bool* target) {
+  KeyRow row = keyOf(text, KeyKind::SetBy1);
+  row.flag = target;
+  return row;
+}
+constexpr KeyRow isIt1Key(std::string_view text, bool* target) {
+  KeyRow row = keyOf(text, KeyKind::IsIt1);
+  row.flag = target;
+  return row;
+}
+constexpr KeyRow nameKey(std::string_view text, FileName* target) {
+  KeyRow row = keyOf(text, KeyKind::Name);
+  row.name = target;
+  return row;
+}
+
+// True when every row can be met: no earlier row's text begins a later one's.
+template <std::size_t N> constexpr bool noRowHidden(const KeyRow (&rows)[N]) {
+  for (std::size_t late = 1; late < N; ++late) {
+    for (std::size_t early = 0; early < late; ++early) {
+      if (rows[late].text.starts_with(rows[early].text)) return false;
+    }
+  }
+  return true;
+}
+
+// The first row whose text the line begins with, nullptr when there is none.
+const KeyRow* findKey(std::span<const KeyRow> rows, std::string_view line);
+
+// The value field of a row's key: from its column to the end of the line.
+std::string_view valueField(const KeyRow& row, std::string_view line);
+
+// Reads the value of the row's key and stores it; a malformed value takes the common error exit.
+Got readKey(const KeyRow& row, std::string_view line);
+
+} // namespace lcp

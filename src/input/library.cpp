@@ -1,0 +1,194 @@
+// Rows of the old format: name, radius (m), resistance (ohm/km), and optionally permeability and
+// inner radius (m). Behind a line "#Format 1": name, radius (mm), resistance (ohm/km), strands,
+// strand radius (mm), permeability. Ground wires read the first four columns of the old format.
+#include "input/library.h"
+
+#include "base/console.h"
+#include "base/constants.h"
+#include "base/number_forms.h"
+#include "base/text_source.h"
+#include "input/reader_state.h"
+#include "store/rundata.h"
+
+#include <cmath>
+#include <string>
+
+namespace lcp {
+
+namespace {
+
+constexpr std::string_view FORMATMARK = "#Format";
+constexpr double PERKM = 0.001; // ohm/km to ohm/m
+constexpr double MM = 0.001;    // m
+using LibName = TextField<LIBNAMELEN>;
+
+struct Library {
+  TextSource file;
+  std::string row;
+  LibName LIBNAME;
+  std::string_view kind; // how the messages call it
+
+  [[noreturn]] void cannotOpen() {
+    file.close();
+    console::rule('*', console::STARS);
+    console::print("Error Opening {} Library File: {}", kind == "Conductor" ? "Conductor" : "Grnd",
+                   READER.LIBPATH.whole());
+    console::rule('*', console::STARS);
+    readError();
+  }
+
+  [[noreturn]] void notFound() {
+    file.close();
+    console::rule('*', console::STARS);
+    console::print("Error While Searching {} Library: {}",
+                   kind == "Conductor" ? "Conductor" : "Grnd Wire", READER.LIBPATH.whole());
+    console::print("{} {} Not Found!", kind, LIBNAME.whole());
+    console::rule('*', console::STARS);
+    readError();
+  }
+
+  void open(std::string_view name) {
+    LIBNAME = name;
+    if (!file.open(READER.LIBPATH.whole())) cannotOpen();
+  }
+
+  void nextRow() {
+    switch (file.next(row, LINELENGTH)) {
+    case TextSource::Result::Record: return;
+    case TextSource::Result::End: notFound();
+    case TextSource::Result::Error: cannotOpen();
+    }
+  }
+
+  bool isSought() const { return !LIBNAME.text().empty() && LIBWORD(row, 1) == LIBNAME.text(); }
+
+  // Column n as a number; a row that was selected must have numbers.
+  double real(int n) {
+    double value = 0;
+    if (readReal(LIBWORD(row, n), value) == Got::Malformed) readError();
+    return value;
+  }
+  int integer(int n) {
+    int value = 0;
+    if (readInteger(LIBWORD(row, n), value) == Got::Malformed) readError();
+    return value;
+  }
+};
+
+void warnDefaults(double mur) {
+  RUNDATA.run.WARNFLAG = true;
+  if (READER.libraryWarned) return;
+  READER.libraryWarned = true;
+  console::rule('-', 49);
+  console::line("Warning:  Conductor permeability and inner radius");
+  console::print("information was not found in conductor library{}", READER.LIBPATH.whole());
+  console::line("See online help for updated format. Values");
+  console::line("defaulted to:");
+  console::print("   Permeability = {}", fixedField(mur, 5, 2));
+  console::line("  Inner Radius =  0.00 [m]");
+  console::rule('-', 49);
+}
+
+// An absent column repeats the one before it.
+void takeOldRow(Library& library, int i) {
+  ConductorTable& C = RUNDATA.cond;
+  const double resistance = library.real(3);
+  C.CRAD[i] = library.real(2);
+  C.CRDC[i] = PERKM * resistance;
+  C.CSHUNT[i] = 0;
+  const double permeability = library.real(4);
+  if (permeability == resistance) {
+    warnDefaults(C.CMUR[i]);
+    return;
+  }
+  C.CMUR[i] = permeability;
+  const double inner = library.real(5);
+  if (inner == permeability) return;
+  C.CTUBE[i] = true;
+  C.CTHICK[i] = C.CRAD[i] - inner;
+}
+
+// How many strands of radius r fit round the circle through their centres.
+double outerStrands(double r, double R) {
+  return std::floor(PI / (2.0 * std::asin(r / (2.0 * (R - r)))));
+}
+
+void takeNewRow(Library& library, int i) {
+  ConductorTable& C = RUNDATA.cond;
+  C.CSTRND[i] = true;
+  C.CRAD[i] = MM * library.real(2);
+  C.CRDC[i] = PERKM * library.real(3);
+  C.CNTOT[i] = library.integer(4);
+  C.CSTRAD[i] = MM * library.real(5);
+  C.CMUR[i] = library.real(6);
+  C.CSHUNT[i] = 0;
+  C.CNOUT[i] = outerStrands(C.CSTRAD[i], C.CRAD[i]);
+  // Strands as thick as the conductor leave no ring to count.
+  if (!std::isfinite(C.CNOUT[i])) readError();
+}
+
+void searchNewFormat(Library& library) {
+  if (library.integer(2) != 1) library.cannotOpen();
+  for (int n = 1; n <= MAXLIBLINES; ++n) {
+    library.nextRow();
+    if (library.isSought()) return;
+  }
+  library.notFound();
+}
+
+// The entry to fill; a scratch place when the group does not hold it, so that the row is checked.
+int targetEntry(Entry which) {
+  const int i = entryIndex(which);
+  return entryOpen(i) ? i : 0;
+}
+
+} // namespace
+
+std::string_view LIBWORD(std::string_view text, int n) {
+  std::string_view word;
+  std::size_t at = 0;
+  for (int count = 1; count <= n; ++count) {
+    const std::size_t start = text.find_first_not_of(' ', at);
+    if (start == std::string_view::npos) break;
+    at = std::min(text.find(' ', start), text.size());
+    word = text.substr(start, at - start);
+  }
+  return word;
+}
+
+void lookUpConductor(std::string_view name) {
+  Library library;
+  library.kind = "Conductor";
+  library.open(name);
+  bool newFormat = false;
+  do {
+    library.nextRow();
+    newFormat = LIBWORD(library.row, 1).starts_with(FORMATMARK);
+  } while (!newFormat && !library.isSought());
+  if (newFormat) searchNewFormat(library);
+  const int i = targetEntry(Entry::First);
+  if (i == 0) return;
+  if (newFormat) {
+    takeNewRow(library, i);
+  } else {
+    takeOldRow(library, i);
+  }
+}
+
+void lookUpGroundWire(std::string_view name, Entry target) {
+  ConductorTable& C = RUNDATA.cond;
+  Library library;
+  library.kind = "Ground Wire";
+  library.open(name);
+  do {
+    library.nextRow();
+  } while (!library.isSought());
+  const int i = targetEntry(target);
+  if (i == 0) return;
+  C.CRAD[i] = library.real(2);
+  C.CRDC[i] = PERKM * library.real(3);
+  C.CMUR[i] = library.real(4);
+  C.CSHUNT[i] = 0;
+}
+
+} // namespace lcp

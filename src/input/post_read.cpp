@@ -1,0 +1,88 @@
+#include "input/post_read.h"
+
+#include "base/console.h"
+#include "base/stop.h"
+#include "input/conductor_order.h"
+#include "store/rundata.h"
+
+#include <cmath>
+
+namespace lcp {
+
+namespace {
+
+constexpr double SAMEPLACE = 1e-10;   // m
+constexpr double LEASTLENGTH = 1e-10; // m
+constexpr int EQUALS = 53;
+
+void openRules() {
+  console::rule('=', EQUALS);
+  console::line("ORVEX Line Constants Program: ERROR");
+  console::line();
+}
+
+[[noreturn]] void closeRules() {
+  console::rule('=', EQUALS);
+  stop(1);
+}
+
+void checkLength() {
+  if (RUNDATA.run.LINELEN >= LEASTLENGTH) return;
+  openRules();
+  console::line("Line length is very small. Ensure correct line length");
+  closeRules();
+}
+
+[[noreturn]] void samePosition(int i, int j) {
+  openRules();
+  console::print("Conductors {} and {} have identical positions.", i, j);
+  console::line("If you are using multiple tower components, ensure");
+  console::line("the x-coordinate of each tower centre in the right-");
+  console::line("of-way is properly entered.");
+  closeRules();
+}
+
+// Travelling waves of a Bergeron model need one Y and Z, not a table over frequency.
+void checkMultipleRoute() {
+  if (!RUNDATA.model.MODBERG || RUNDATA.run.DATAFMT != ROUTEMULTIPLE) return;
+  console::rule('*', 45);
+  console::line("Corvo.exe: ERROR");
+  console::print("Line Name: {}", RUNDATA.line.LNAME.whole());
+  console::line("Manual entry of multiple Y and Z data is");
+  console::line("supported only when using the Frequency-");
+  console::line("Dependent models.");
+  console::rule('*', 45);
+  stop(1);
+}
+
+void checkAndOrder() {
+  const RunControl& R = RUNDATA.run;
+  if (R.DATAFMT == ROUTECONSTANTS && R.ISCABLE == OVERHEADLINE) checkConductorPositions();
+  if (RUNDATA.model.MODHALO) return;
+  orderConductors();
+  if (R.ISCABLE == OVERHEADLINE) orderNodes();
+}
+
+} // namespace
+
+void checkConductorPositions() {
+  const ConductorTable& C = RUNDATA.cond;
+  for (int i = 2; i <= C.NCOND; ++i) {
+    for (int j = 1; j <= i - 1; ++j) {
+      const double apart = std::fabs(C.CX[i] - C.CX[j]) + std::fabs(C.CY[i] - C.CY[j]);
+      if (apart <= SAMEPLACE) samePosition(i, j);
+    }
+  }
+}
+
+void postReadPass() {
+  checkLength();
+  if (RUNDATA.run.DATAFMT == ROUTEMANUAL || RUNDATA.run.DATAFMT == ROUTEMULTIPLE) {
+    checkMultipleRoute();
+  } else {
+    checkAndOrder();
+  }
+  if (RUNDATA.bergeron.HFAPPROX == 0) RUNDATA.bergeron.FLOSS = RUNDATA.line.SSFREQ;
+}
+
+} // namespace lcp

@@ -1,0 +1,305 @@
+// A line-driven state machine. A section is a heading line, a line that begins with {, lines of
+// keys, and a line that begins with }. Two tables tell it: the headings of the top level, and what
+// each state reads and where its closing mark leads.
+#include "input/reader.h"
+
+#include "base/console.h"
+#include "base/stop.h"
+#include "input/external_conductors.h"
+#include "input/post_read.h"
+#include "input/reader_state.h"
+#include "input/sections.h"
+#include "store/rundata.h"
+
+#include <algorithm>
+#include <array>
+#include <fmt/format.h>
+
+namespace lcp {
+
+namespace {
+
+enum class Effect {
+  None,
+  Tower,
+  Ground,
+  Pi,
+  Bergeron,
+  Mode,
+  Phase,
+  Mfdtd,
+  Manual,
+  Coax,
+  Pipe,
+  Halo,
+  FourWire,
+  End,
+  Debug
+};
+
+struct Heading {
+  std::string_view text;
+  State state;
+  Effect effect;
+  std::string_view firstProgress, secondProgress;
+};
+
+constexpr std::array HEADINGS = {
+    Heading{"Line Constants Tower", State::Tower, Effect::Tower, "", ""},
+    Heading{"Line Constants Bus Work", State::Tower, Effect::Tower, "", ""},
+    Heading{"Line Constants Ground Data", State::GroundData, Effect::Ground,
+            "Reading Ground Impedance Data...", ""},
+    Heading{"Line Summary", State::Summary, Effect::None, "Reading Line Summary Data...", ""},
+    Heading{"Cable Summary", State::Summary, Effect::None, "Reading Cable Summary Data...", ""},
+    Heading{"PI Model Options", State::PiModel, Effect::Pi, "PI Model Selected...",
+            "Reading PI Model Options..."},
+    Heading{"Bergeron Line Model Options", State::Bergeron, Effect::Bergeron,
+            "Bergeron Model Selected...", "Reading Bergeron Model Options..."},
+    Heading{"Frequency Dep. (Mode) Model Options", State::FittedModel, Effect::Mode,
+            "Reading Fre.-Dep. Model Options...", ""},
+    Heading{"Frequency Dep. (Phase) Model Options", State::FittedModel, Effect::Phase,
+            "Reading Fre.-Dep. Model Options...", ""},
+    Heading{"MFDTD Model Options", State::FittedModel, Effect::Mfdtd, "", ""},
+    Heading{"Manual Data Entry", State::ManualEntry, Effect::Manual, "Reading Manual YZ Data...",
+            ""},
+    Heading{"Coax Cable", State::CoaxCable, Effect::Coax, "Reading Coax Cable Data..", ""},
+    Heading{"Pipe-Type Cable", State::Pipe, Effect::Pipe, "", ""},
+    Heading{"Output File Display Options", State::Display, Effect::None, "", ""},
+    Heading{"HALO Options", State::Halo, Effect::Halo, "", ""},
+    Heading{"Four-Wire Cable", State::FourWire, Effect::FourWire,
+            "Reading 4-Wire Geometry Cable Data..", ""},
+    Heading{"END-OF-CORVO-INPUT-DATA", State::TopLevel, Effect::End, "", ""},
+    Heading{"DATADSO", State::TopLevel, Effect::End, "", ""},
+    Heading{"Line Constants Debug", State::TopLevel, Effect::Debug, "", ""},
+};
+
+bool noKeys() { return false; }
+bool topLevelLine();
+bool externalLine();
+
+// What a state reads, where its closing mark leads, and what the mark finishes.
+struct StateRow {
+  State state;
+  bool (*line)();
+  State closedTo;
+  void (*finish)();
+};
+
+constexpr std::array STATES = {
+    StateRow{State::TopLevel, topLevelLine, State::TopLevel, nullptr},
+    StateRow{State::Tower, towerLine, State::TopLevel, nullptr},
+    StateRow{State::GroundData, groundDataLine, State::TopLevel, nullptr},
+    StateRow{State::Summary, summaryLine, State::TopLevel, nullptr},
+    StateRow{State::Circuit, circuitLine, State::Tower, finishCircuit},
+    StateRow{State::GroundWires, groundWireLine, State::Tower, finishGroundWires},
+    StateRow{State::SubConductors, subConductorLine, State::Circuit, nullptr},
+    StateRow{State::Bergeron, bergeronLine, State::TopLevel, nullptr},
+    StateRow{State::FittedModel, fittedModelLine, State::TopLevel, nullptr},
+    StateRow{State::ManualEntry, noKeys, State::TopLevel, nullptr},
+    StateRow{State::PiModel, noKeys, State::TopLevel, nullptr},
+    StateRow{State::CoaxCable, noKeys, State::TopLevel, nullptr},
+    StateRow{State::FourWire, noKeys, State::TopLevel, nullptr},
+    StateRow{State::Display, displayLine, State::TopLevel, nullptr},
+    StateRow{State::Pipe, noKeys, State::TopLevel, nullptr},
+    StateRow{State::Halo, haloLine, State::TopLevel, nullptr},
+    StateRow{State::ExternalFile, externalLine, State::TopLevel, nullptr},
+};
+
+constexpr std::array STARTMARKS = {std::string_view("CORVO-INPUT-DATA"),
+                                   std::string_view("DATADSD")};
+
+// --- errors of the headings, each ahead of the common error exit
+
+[[noreturn]] void multipleEntryMethods() {
+  console::line("ERROR: corvo.exe");
+  console::line("Multiple Data Entry Methods Selected!");
+  console::line("Select only one Line Data Entry Type Method!");
+  readError();
+}
+
+void chooseConstantsRoute() {
+  int& DATAFMT = RUNDATA.run.DATAFMT;
+  if (DATAFMT != ROUTENONE && DATAFMT != ROUTECONSTANTS) multipleEntryMethods();
+  DATAFMT = ROUTECONSTANTS;
+}
+
+void chooseManualRoute() {
+  int& DATAFMT = RUNDATA.run.DATAFMT;
+  if (DATAFMT == ROUTEMULTIPLE) return;
+  if (DATAFMT != ROUTENONE) multipleEntryMethods();
+  DATAFMT = ROUTEMANUAL;
+}
+
+void chooseModel(int number, bool& flag, std::string_view repeated) {
+  int& MODEL = RUNDATA.model.MODEL;
+  if (MODEL != MODELNONE) {
+    console::line("ERROR: corvo.exe");
+    console::line(repeated);
+    console::line("Select only one Line Model Type!");
+    readError();
+  }
+  MODEL = number;
+  flag = true;
+}
+
+void countCable() {
+  const int NCABLE = ++RUNDATA.cable.NCABLE;
+  if (NCABLE >= 1 && NCABLE <= MAXCABLE) return;
+  console::rule('*', 45);
+  console::line("Corvo.exe: ERROR");
+  console::print("Too Many Cables Entered ({})!", NCABLE);
+  console::print("Cable Number Must be > 0 and <= {}", MAXCABLE);
+  console::line("Check the Cable Number Data for Each Cable");
+  console::line("In the Cable Sub-Page!");
+  console::rule('*', 45);
+  readError();
+}
+
+void checkFileKind(std::string_view what) {
+  if (RUNDATA.run.ISCABLE == CABLESYSTEM) return;
+  console::rule('*', console::STARS);
+  console::line("Corvo: ERROR");
+  console::line(what);
+  console::line("used on Corvo sub-pages!");
+  console::rule('*', console::STARS);
+  readError();
+}
+
+// --- top level
+
+void applyEffect(Effect effect) {
+  constexpr std::string_view COMPONENTS = "Components for > 1 Line Model Selected!";
+  constexpr std::string_view MODELS = "Multiple Line Models Selected!";
+  ModelChoice& M = RUNDATA.model;
+  switch (effect) {
+  case Effect::Tower:
+    chooseConstantsRoute();
+    ++RUNDATA.cond.NTOWER;
+    progress(fmt::format("Reading Line {} Tower Data...", RUNDATA.cond.NTOWER));
+    break;
+  case Effect::Ground: chooseConstantsRoute(); break;
+  case Effect::Pi: chooseModel(1, M.MODPI, COMPONENTS); break;
+  case Effect::Bergeron: chooseModel(2, M.MODBERG, COMPONENTS); break;
+  case Effect::Mode: chooseModel(3, M.MODFDM, COMPONENTS); break;
+  case Effect::Phase: chooseModel(4, M.MODFDP, MODELS); break;
+  case Effect::Mfdtd: chooseModel(5, M.MODMFDTD, MODELS); break;
+  case Effect::Halo:
+    M.MODEL = 6;
+    M.MODHALO = true;
+    break;
+  case Effect::Manual: chooseManualRoute(); break;
+  case Effect::Coax:
+    chooseConstantsRoute();
+    countCable();
+    checkFileKind("Coax Cable components cannot be");
+    break;
+  case Effect::Pipe:
+    chooseConstantsRoute();
+    RUNDATA.cable.PIPEF = true;
+    ++RUNDATA.cable.NPIPE;
+    break;
+  case Effect::FourWire:
+    chooseConstantsRoute();
+    countCable();
+    checkFileKind("Cable components cannot be");
+    RUNDATA.run.ISCABLE = FOURWIRECABLE;
+    break;
+  case Effect::None:
+  case Effect::End:
+  case Effect::Debug: break;
+  }
+}
+
+void readDebugKey() {
+  constexpr KeyRow row = bareKey("Line Constants Debug", NORULE);
+  int value = 0;
+  const Got got = readInteger(valueField(row, READER.LINE), value);
+  if (got == Got::Malformed) readError();
+  if (got == Got::Value) setDebugFile(value == 1);
+}
+
+bool topLevelLine() {
+  const auto heading = std::find_if(HEADINGS.begin(), HEADINGS.end(), [](const Heading& h) {
+    return READER.LINE.starts_with(h.text);
+  });
+  if (heading == HEADINGS.end()) return false;
+  if (heading->effect == Effect::End) READER.ended = true;
+  if (heading->effect == Effect::Debug) readDebugKey();
+  if (heading->effect == Effect::End || heading->effect == Effect::Debug) return true;
+  applyEffect(heading->effect);
+  for (const std::string_view words : {heading->firstProgress, heading->secondProgress}) {
+    if (!words.empty()) progress(words);
+  }
+  if (takeOpeningBrace()) READER.RSTATE = heading->state;
+  return true;
+}
+
+// The line behind the name of an external file is dropped; it is the closing mark of the tower.
+bool externalLine() {
+  readExternalConductors();
+  READER.RSTATE = State::TopLevel;
+  return true;
+}
+
+// --- the main loop
+
+bool isStartMark() {
+  return std::any_of(STARTMARKS.begin(), STARTMARKS.end(),
+                     [](std::string_view mark) { return READER.LINE.starts_with(mark); });
+}
+
+void ignoreUnknownLine() {
+  const std::string& raw = READER.RAWLINE;
+  if (READER.LINE.empty() || raw[0] == '!' || raw[0] == 'C') return;
+  TextField<LINELENGTH> whole;
+  whole = raw;
+  console::print("Unknown Data Line Ignored: {}", whole.whole());
+}
+
+const StateRow& currentState() {
+  return *std::find_if(STATES.begin(), STATES.end(),
+                       [](const StateRow& row) { return row.state == READER.RSTATE; });
+}
+
+void closeBlock(const StateRow& row) {
+  if (row.finish != nullptr) row.finish();
+  READER.RSTATE = row.closedTo;
+}
+
+void takeLine() {
+  if (READER.RSTATE == State::BeforeStart) {
+    if (isStartMark()) READER.RSTATE = State::TopLevel;
+    return;
+  }
+  const StateRow& row = currentState();
+  const bool canClose = row.state != State::TopLevel && row.state != State::ExternalFile;
+  if (canClose && READER.LINE.starts_with('}')) {
+    closeBlock(row);
+  } else if (!row.line()) {
+    ignoreUnknownLine();
+  }
+}
+
+void openInput() {
+  RunControl& R = RUNDATA.run;
+  RUNDATA.resetInput();
+  R.DATAFMT = ROUTENONE;
+  if (openReader(R.FNAME.whole())) return;
+  console::line();
+  console::rule('*', console::STARS);
+  console::print("Error in Opening Input Data File: {}", R.FNAME.whole());
+  console::rule('*', console::STARS);
+  console::line("READTLDATA Ending!");
+  stop(1);
+}
+
+} // namespace
+
+void READTLDATA() {
+  openInput();
+  while (!READER.ended && nextLine()) takeLine();
+  postReadPass();
+  closeReader();
+}
+
+} // namespace lcp

@@ -1,0 +1,118 @@
+#include "input/reader_state.h"
+
+#include "base/console.h"
+#include "base/stop.h"
+#include "base/text_source.h"
+#include "store/rundata.h"
+
+#include <cstdio>
+
+namespace lcp {
+
+ReaderState READER;
+
+namespace {
+
+constexpr const char* DEBUGNAME = "DEBUG.OUT";
+std::FILE* debugFile = nullptr;
+TextSource source; // the description file
+
+// Each line is written at once: the trace is read after runs that ended early.
+void writeDebug(std::string_view words) {
+  const bool good = std::fwrite(words.data(), 1, words.size(), debugFile) == words.size() &&
+                    std::fputc('\n', debugFile) != EOF && std::fflush(debugFile) == 0;
+  if (good) return;
+  console::openStars();
+  console::print("Error in Writing Output File: {}", DEBUGNAME);
+  console::closeStars();
+  stop(1);
+}
+
+} // namespace
+
+bool openReader(std::string_view name) {
+  READER = ReaderState{};
+  setDebugFile(false);
+  return source.open(name);
+}
+
+void closeReader() {
+  source.close();
+  READER.LINE = {};
+}
+
+bool nextLine() {
+  switch (source.next(READER.RAWLINE, LINELENGTH)) {
+  case TextSource::Result::End: READER.ended = true; return false;
+  case TextSource::Result::Error: readError();
+  case TextSource::Result::Record: break;
+  }
+  const std::string_view raw = READER.RAWLINE;
+  READER.LINE = raw.substr(std::min(raw.find_first_not_of(' '), raw.size()));
+  return true;
+}
+
+bool takeOpeningBrace() {
+  if (!nextLine()) return false;
+  if (!READER.LINE.starts_with('{')) readError();
+  return true;
+}
+
+int firstEntry() { return RUNDATA.cond.NCOND - READER.CURN + 1; }
+
+int entryIndex(Entry which) { return firstEntry() + (which == Entry::Second ? 1 : 0); }
+
+bool entryOpen(int i) {
+  const int last = RUNDATA.cond.NCOND + (READER.CURN == 0 ? 1 : 0);
+  return i >= 1 && i <= last && i <= MAXCOND;
+}
+
+void putEntry(CondReals& field, Entry which, double value) {
+  const int i = entryIndex(which);
+  if (entryOpen(i)) field[i] = value;
+}
+
+void markEntry(CondFlags& field, Entry which) {
+  const int i = entryIndex(which);
+  if (entryOpen(i)) field[i] = true;
+}
+
+void readError() {
+  TextField<LINELENGTH> last;
+  last = READER.RAWLINE;
+  console::openStars();
+  console::print("Error in Reading Data File: {}", RUNDATA.run.FNAME.whole());
+  console::print("Last Line Read Was: {}", last.whole());
+  console::closeStars();
+  console::line("READTLDATA Ending!");
+  stop(1);
+}
+
+void checkConductorCount(int count) {
+  if (count <= MAXCOND) return;
+  console::print("Error, Too Many Conductors! (Max= ,{}!)", MAXCOND);
+  stop(1);
+}
+
+void setDebugFile(bool on) {
+  if (debugFile != nullptr) std::fclose(debugFile);
+  debugFile = nullptr;
+  RUNDATA.run.DEBUGF = on;
+  if (!on) return;
+  debugFile = std::fopen(DEBUGNAME, "w");
+  if (debugFile == nullptr) {
+    console::line();
+    console::rule('*', console::STARS);
+    console::line("Error in Opening Debug Output File DEBUG.OUT");
+    console::rule('*', console::STARS);
+    console::line("READTLDATA Ending!");
+    stop(1);
+  }
+  writeDebug(fmt::format("File {} Opened, Reading Data.", RUNDATA.run.FNAME.whole()));
+}
+
+void progress(std::string_view words) {
+  if (RUNDATA.run.DEBUGF) writeDebug(words);
+}
+
+} // namespace lcp

@@ -1,0 +1,84 @@
+// What the sections of the reader share: the current line, the open group, the way out.
+#pragma once
+
+#include "input/key_rows.h"
+
+#include <string>
+#include <string_view>
+
+namespace lcp {
+
+enum class State {
+  BeforeStart = 0,
+  TopLevel = 1,
+  Tower = 2,
+  GroundData = 3,
+  Summary = 4,
+  Circuit = 5,
+  GroundWires = 6,
+  SubConductors = 7,
+  Bergeron = 8,
+  FittedModel = 9,
+  ManualEntry = 10,
+  PiModel = 11,
+  CoaxCable = 12,
+  FourWire = 13,
+  Display = 14,
+  Pipe = 15,
+  Halo = 16,
+  ExternalFile = 17
+};
+
+struct ReaderState {
+  std::string RAWLINE;   // the record as read, at most 120 columns
+  std::string_view LINE; // RAWLINE without the blanks in front
+  State RSTATE = State::BeforeStart;
+  bool ended = false; // end of file or end marker reached
+
+  int CURN = 0;               // conductors of the open group
+  int CURSUB = 1;             // sub-conductors of a bundle of the open circuit
+  int transposed = 0;         // value of "Transposed" of the open circuit
+  int eliminate = 1;          // value of "Eliminate Ground Wires" of the open group
+  int offsetLine = 0;         // offset lines read in the open sub-conductor block
+  double lastShunt = 0;       // last value of "ShuntConductance"
+  bool libraryWarned = false; // the warning on library defaults was given
+  double dropped = 0;         // values that are read and not used
+  int droppedInteger = 0;
+  TextField<LIBPATHLEN> LIBPATH;
+  TextField<EXTFILELEN> EXTFILE;
+};
+
+extern ReaderState READER;
+
+// Starts afresh with a description file. False when it cannot be opened.
+bool openReader(std::string_view name);
+void closeReader();
+
+// Reads the next record into RAWLINE and LINE. False, and `ended` set, at the end of the file.
+bool nextLine();
+
+// Takes the next line, which must open a block; anything else takes the common error exit. False
+// at the end of the file.
+bool takeOpeningBrace();
+
+// First and second entry of the open group in the conductor table.
+int firstEntry();
+int entryIndex(Entry which);
+
+// Stores into an entry of the open group. What the group does not hold is dropped; a key that
+// comes before its count goes to the entry that the count will make the first.
+bool entryOpen(int i);
+void putEntry(CondReals& field, Entry which, double value);
+void markEntry(CondFlags& field, Entry which);
+
+// The common error exit: names the file and the last line read, exit status 1.
+[[noreturn]] void readError();
+
+// Exit for more physical conductors than the table holds, status 1; checks the count.
+void checkConductorCount(int count);
+
+// Opens, closes and writes the debug file; progress lines go there while it is open.
+void setDebugFile(bool on);
+void progress(std::string_view words);
+
+} // namespace lcp

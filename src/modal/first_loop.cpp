@@ -1,0 +1,141 @@
+// Step 1 (on the Bergeron route also step 2) is a full eigen solution; it fixes the order of the
+// modes. Every other step starts from the solution of the step before and follows each mode by
+// Newton-Raphson. The solution accepted at step k is also stored at k + 1, where the next step
+// finds it as the start of its search, should it need one.
+#include "modal/first_loop.h"
+
+#include "base/constants.h"
+#include "kernels/eigen_package.h"
+#include "kernels/inversion.h"
+#include "kernels/matrix_kernels.h"
+#include "modal/frequency_grid.h"
+#include "modal/line_constants.h"
+#include "modal/newton.h"
+#include "modal/tracked_step.h"
+#include "store/rundata.h"
+#include "store/solvedata.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace lcp {
+
+namespace {
+
+void storeConstants(int k) {
+  const int n = RUNDATA.line.NC;
+  SOLVEDATA.at.YSTORE.store(k, SOLVEDATA.first.YMAT, n);
+  SOLVEDATA.at.ZSTORE.store(k, SOLVEDATA.first.ZMAT, n);
+}
+
+// Modes of one ideally transposed circuit: a ground mode and NC - 1 equal aerial modes, with a
+// constant real transformation.
+void idealTransformation() {
+  FirstLoopStore& S = SOLVEDATA.first;
+  const int n = RUNDATA.line.NC;
+  for (int i = 1; i <= n; ++i) {
+    for (int c = 1; c <= n; ++c) S.TI(i, c) = 0.0;
+    S.TI(i, 1) = 1.0;
+    for (int c = 2; c <= i; ++c) S.TI(i, c) = -1.0 / (n - c + 1);
+    if (i < n) S.TI(i, i + 1) = 1.0;
+  }
+  COLNORM(S.TI, S.TI, n);
+  for (int j = 1; j <= n; ++j) {
+    for (int i = 1; i <= n; ++i) S.TIINV(i, j) = S.TI(j, i);
+  }
+}
+
+void idealStep(int k) {
+  FirstLoopStore& S = SOLVEDATA.first;
+  const int n = RUNDATA.line.NC;
+  if (k == 1) idealTransformation();
+  const Complex p = S.PMAT(1, 1);
+  const Complex q = n > 1 ? S.PMAT(1, 2) : Complex();
+  SOLVEDATA.at.MEIG(k, 1) = p + static_cast<double>(n - 1) * q;
+  for (int i = 2; i <= n; ++i) SOLVEDATA.at.MEIG(k, i) = p - q;
+  storeConstants(k);
+}
+
+// Decomposition from scratch, without a start.
+void fullSolution(int k) {
+  static Complex packed[LDMAT * LDMAT];
+  static Complex left[LDMAT * LDMAT];
+  static Complex right[LDMAT * LDMAT];
+  FirstLoopStore& S = SOLVEDATA.first;
+  const int n = RUNDATA.line.NC;
+  PACKC(S.PMAT, packed, n, n);
+  VALVC(S.EIG.data(), left, right, packed, n);
+  UNPACKC(S.TI, right, n, n);
+  UNPACKC(S.TIINV, left, n, n);
+  PIVNORM(S.TI, S.TIINV, S.PIVOT, n);
+  S.PIVOT0 = S.PIVOT;
+  bool singular = false;
+  INVCJD(S.TIINV, S.TI, singular, n);
+  S.PSCALE = 0;
+  for (int i = 1; i <= n; ++i) S.PSCALE += std::abs(S.PMAT(i, i));
+  S.PSCALE /= n;
+  if (k > 1) {
+    static LineMatrix stored;
+    SOLVEDATA.at.MTI.load(1, stored, n);
+    MTRACK(S.TI, S.TIINV, stored, S.EIG, n);
+  }
+}
+
+void noteConstantScale() {
+  FirstLoopStore& S = SOLVEDATA.first;
+  S.PSCALECT = S.PSCALE;
+  S.PIVOTC = S.PIVOT;
+}
+
+// Notes the start of the constant transform step: the last step below its frequency. With the
+// frequency at or below the first step, the scale and the pivots of step 1 serve.
+void noteConstantStart(int k) {
+  FirstLoopStore& S = SOLVEDATA.first;
+  const FrequencyGrid& G = SOLVEDATA.grid;
+  if (!RUNDATA.fit.CONSTT || S.KCT != 0) return;
+  if (G.FREQ[k] < RUNDATA.fit.FCT && k != G.NFREQ) return;
+  S.KCT = std::max(k - 1, 1);
+  noteConstantScale();
+}
+
+void takeStep(int k) {
+  FirstLoopStore& S = SOLVEDATA.first;
+  const double f = gridFrequency(k);
+  storeFrequency(k, f);
+  noteConstantStart(k);
+  if (k > 1 && !RUNDATA.model.MODBERG && !RUNDATA.model.MODMFDTD && !S.IDEALT) {
+    trackedStep(k);
+    return;
+  }
+  constantsAt(f);
+  if (RUNDATA.model.MODMFDTD) {
+    storeConstants(k);
+  } else if (S.IDEALT) {
+    idealStep(k);
+  } else {
+    fullSolution(k);
+    acceptSolution(k);
+    if (S.KCT == 1 && k == 1) noteConstantScale();
+  }
+}
+
+} // namespace
+
+bool isIdeallyTransposed() {
+  const ConductorTable& C = RUNDATA.cond;
+  if (RUNDATA.run.ISCABLE != OVERHEADLINE || RUNDATA.run.DATAFMT == ROUTEMULTIPLE) return false;
+  for (int i = 1; i <= RUNDATA.line.NC; ++i) {
+    if (C.CTRANSP[i] != 1 || C.CCIRC[i] > 1) return false;
+  }
+  return true;
+}
+
+void firstFrequencyLoop() {
+  FirstLoopStore& S = SOLVEDATA.first;
+  S.KCT = 0;
+  S.ISTATUS = true;
+  startTracking();
+  for (int k = 1; k <= SOLVEDATA.grid.NFREQ; ++k) takeStep(k);
+}
+
+} // namespace lcp

@@ -1,0 +1,56 @@
+#include "modal/line_constants.h"
+
+#include "base/console.h"
+#include "base/stop.h"
+#include "overhead/overhead_zy.h"
+#include "store/rundata.h"
+#include "store/solvedata.h"
+
+#include <cmath>
+
+namespace lcp {
+
+namespace {
+
+bool finite(const LineMatrix& A, int n) {
+  double sum = 0; // one infinity or one NaN shows in it
+  for (int j = 1; j <= n; ++j) {
+    for (int i = 1; i <= n; ++i) sum += std::fabs(A(i, j).real()) + std::fabs(A(i, j).imag());
+  }
+  return std::isfinite(sum);
+}
+
+void checkFinite(double f) {
+  const FirstLoopStore& S = SOLVEDATA.first;
+  const int n = RUNDATA.line.NC;
+  if (finite(S.YMAT, n) && finite(S.ZMAT, n) && finite(S.PMAT, n)) return;
+  console::openStars();
+  console::print("The Line Constants at {} Hz are not Finite Numbers", pointedField(f, 11, 4));
+  console::line("Verify Transmission line data");
+  console::closeStars();
+  console::line("QUENT Ending!");
+  stop(1);
+}
+
+} // namespace
+
+void constantsAt(double f) {
+  FirstLoopStore& S = SOLVEDATA.first;
+  switch (RUNDATA.run.ISCABLE) {
+  case OVERHEADLINE: OHZY(f, S.length, S.YMAT, S.ZMAT, S.PMAT); break;
+  case CABLESYSTEM: unavailable("Cable Constants");
+  default: unavailable("Four-Wire Cable Constants");
+  }
+  S.ISTATUS = false;
+  checkFinite(f);
+}
+
+void unavailable(const char* what) {
+  console::openStars();
+  console::print("{}: not available in this version.", what);
+  console::closeStars();
+  console::line("QUENT Ending!");
+  stop(1);
+}
+
+} // namespace lcp

@@ -1,0 +1,61 @@
+// With Y Z = T L T^-1 and g_k = sqrt(l_k), u_k = g_k length:
+//
+//   ZMM_kk = ZM_kk sinh(u_k) / u_k,  YMM_kk = YM_kk tanh(u_k / 2) / (u_k / 2)
+//   YLC = T YMM T^T,  ZLC = T^-T ZMM T^-1
+//
+// in the convention YM = T^-1 Y T^-T, ZM = T^T Z T. Off-diagonal elements of the modal matrices
+// (rounding, where all eigenvalues differ) stay as they are.
+#include "modal/long_line.h"
+
+#include "kernels/eigen_package.h"
+#include "kernels/hyperbolic.h"
+#include "kernels/inversion.h"
+#include "kernels/matrix_kernels.h"
+#include "modal/modal_transform.h"
+#include "store/solvedata.h"
+
+#include <cmath>
+
+namespace lcp {
+
+namespace {
+
+constexpr double NOTSHOWN = 1e-20;
+
+Complex eigenvalues[LDMAT];
+Complex packed[LDMAT * LDMAT], left[LDMAT * LDMAT], right[LDMAT * LDMAT];
+LineMatrix T, Ti, TiT, YMM, ZMM, product;
+
+// Eigenvalues of Y Z, unit vectors T and their inverse.
+void decompose(CConstView Y, CConstView Z, int n) {
+  CMATMUL(product, Y, Z, n);
+  PACKC(product, packed, n, n);
+  VALVC(eigenvalues, left, right, packed, n);
+  UNPACKC(T, right, n, n);
+  COLNORM(T, T, n);
+  bool singular = false;
+  INVCJD(Ti, T, singular, n);
+}
+
+bool canBeShown(Complex z) { return z.real() >= NOTSHOWN && z.imag() >= NOTSHOWN; }
+
+} // namespace
+
+void LONGCOR(CConstView Y, CConstView Z, double length, CView YLC, CView ZLC, int n, bool& LLOK) {
+  decompose(Y, Z, n);
+  formModalMatrices(YMM, ZMM, Y, Z, T, Ti, n);
+  LLOK = true;
+  for (int k = 1; k <= n; ++k) {
+    const Complex u = std::sqrt(eigenvalues[k - 1]) * length;
+    ZMM(k, k) *= CSINH(u) / u;
+    YMM(k, k) *= CTANH(u / 2.0) / (u / 2.0);
+    LLOK = LLOK && canBeShown(ZMM(k, k)) && canBeShown(YMM(k, k));
+  }
+  congruence(YLC, T, YMM, n);
+  for (int j = 1; j <= n; ++j) {
+    for (int i = 1; i <= n; ++i) TiT(i, j) = Ti(j, i);
+  }
+  congruence(ZLC, TiT, ZMM, n);
+}
+
+} // namespace lcp

@@ -1,0 +1,35 @@
+#include "modal/modal_transform.h"
+
+#include "kernels/matrix_kernels.h"
+#include "store/solvedata.h"
+
+namespace lcp {
+
+namespace {
+
+LineMatrix turned;  // a transpose
+LineMatrix product; // on the way
+
+void transpose(CView B, CConstView A, int n) {
+  for (int j = 1; j <= n; ++j) {
+    for (int i = 1; i <= n; ++i) B(i, j) = A(j, i);
+  }
+}
+
+} // namespace
+
+void congruence(CView out, CConstView T, CConstView D, int n) {
+  transpose(turned, T, n);
+  CMATMUL(product, T, D, n);
+  CMATMUL(out, product, turned, n);
+}
+
+void formModalMatrices(CView YM, CView ZM, CConstView Y, CConstView Z, CConstView TI,
+                       CConstView TIINV, int n) {
+  congruence(YM, TIINV, Y, n);
+  transpose(turned, TI, n);
+  CMATMUL(product, turned, Z, n);
+  CMATMUL(ZM, product, TI, n);
+}
+
+} // namespace lcp

@@ -1,0 +1,18 @@
+// Second frequency loop: modal and phase-domain functions at every step of the grid.
+#pragma once
+
+namespace lcp {
+
+// Turns each stored vector so that its element in the row of the largest element at the last full
+// solution is real and positive. Not for an ideally transposed line, nor for MFDTD.
+void alignVectors();
+
+// Fills the second loop's store from YSTORE, ZSTORE, MEIG and MTI; MEIG becomes the squared
+// propagation constant in 1/m^2, TI and TIINV end as those of the last step, with unit columns.
+void secondFrequencyLoop();
+
+// NFUSE and the fit weights: WF1 below the steady-state frequency, WF2 at the step at or just below
+// it, WF3 above.
+void formFitWeights();
+
+} // namespace lcp

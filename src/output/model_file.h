@@ -1,0 +1,23 @@
+// The line model file, which the simulator reads.
+#pragma once
+
+#include "base/text_file.h"
+#include "store/solvedata.h"
+
+namespace lcp {
+
+// The five lines that open every model file.
+void writeModelHead(TextFile& file);
+
+// NOINT and INFLENGTH, as the options ask for them.
+void writeFlagLines(TextFile& file);
+
+// PI model: shunt branches in microfarad and ohm, then the lower triangle of the series data in
+// ohm and henry.
+void writePiModel(TextFile& file);
+
+// Bergeron model: per mode travel time (ms), surge impedance (ohm), resistance at the steady-state
+// and at the loss frequency (ohm/m), and the row of the real transformation.
+void writeBergeronModel(TextFile& file);
+
+} // namespace lcp

@@ -1,0 +1,21 @@
+// The command line: /file, /length, /increment, /steps, each with the next argument as its value.
+#pragma once
+
+#include "store/run_groups.h"
+
+#include <span>
+
+namespace lcp {
+
+struct CommandLine {
+  FileName fileName;    // blank without /file
+  double length = 0;    // m
+  double increment = 0; // added to the length from step to step, m
+  int steps = 1;
+};
+
+// Scans the arguments (without the program's name) and echoes the values to the console. Unknown
+// arguments are skipped. An argument that is too long or a number that is none ends the run.
+CommandLine scanCommandLine(std::span<char* const> arguments);
+
+} // namespace lcp

@@ -1,0 +1,77 @@
+// command line -> description file -> for each length step one solve -> closing message.
+#include "run/lcpmain.h"
+
+#include "base/console.h"
+#include "base/stop.h"
+#include "input/reader.h"
+#include "modal/line_constants.h"
+#include "run/command_line.h"
+#include "run/output_names.h"
+#include "run/solve_driver.h"
+#include "store/rundata.h"
+
+#include <csignal>
+#include <xmmintrin.h>
+
+namespace lcp {
+
+namespace {
+
+constexpr unsigned FLUSHTOZERO = 0x8000; // bits of the SSE control word
+constexpr unsigned DENORMALSAREZERO = 0x0040;
+
+void printBanner() {
+  console::line("Line Constants Program for the ORVEX V5");
+  console::line("Build: 2022.10.28");
+  console::line();
+}
+
+void checkLength(double length) {
+  if (length > 0.0) return;
+  console::line("ERROR: A valid line length must be provided.");
+  console::line("       LCP ending...");
+  stop(1);
+}
+
+[[noreturn]] void unknownRoute() {
+  console::line("***  corvo.exe ERROR ***");
+  console::print("Unknown Data Entry Format: {}", RUNDATA.run.DATAFMT);
+  stop(1);
+}
+
+void solveStep() {
+  switch (RUNDATA.run.DATAFMT) {
+  case ROUTECONSTANTS:
+  case ROUTEMULTIPLE: QUENT(); break;
+  case ROUTEMANUAL: unavailable("Manual Data Entry");
+  default: unknownRoute();
+  }
+}
+
+} // namespace
+
+void flushDenormals() { _mm_setcsr(_mm_getcsr() | FLUSHTOZERO | DENORMALSAREZERO); }
+
+void LCPMAIN(std::span<char* const> arguments) {
+  flushDenormals();
+  std::signal(SIGPIPE, SIG_IGN); // a closed pipe is a write error with a status of its own
+  printBanner();
+  const CommandLine line = scanCommandLine(arguments);
+  checkLength(line.length);
+  RunControl& R = RUNDATA.run;
+  R.LINELEN = line.length;
+  R.FNAME = line.fileName;
+  const BaseName base = chooseBaseName(R);
+  READTLDATA();
+  for (int k = 1; k <= line.steps; ++k) {
+    nameOutputs(R, base, k, line.steps);
+    if (k != 1) R.LINELEN += line.increment;
+    checkLength(R.LINELEN);
+    solveStep();
+  }
+  console::line();
+  console::line("LCP solve constants complete.");
+  stop(R.WARNFLAG ? 2 : 0);
+}
+
+} // namespace lcp
