@@ -1,6 +1,8 @@
 #include "base/console.h"
 
 #include <cerrno>
+#include <csignal>
+#include <fcntl.h>
 #include <string>
 #include <unistd.h>
 
@@ -21,6 +23,15 @@ State& state() {
 }
 
 } // namespace
+
+void prepare() {
+  std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
+  for (const int standard : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    // Open for reading only: what is written to a closed console still fails.
+    if (fcntl(standard, F_GETFD) < 0) open("/dev/null", O_RDONLY);
+  }
+}
 
 void text(std::string_view words) {
   state().collected.append(words);

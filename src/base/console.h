@@ -25,6 +25,11 @@ constexpr int STARS = 43;         // length of the usual line of asterisks
 void openStars();
 void closeStars();
 
+// Once, at the start of the process: a write that fails is an error that the writer sees, for files
+// and console alike, and no signal ends the run (closed pipe, file size limit). A standard
+// descriptor that came closed is occupied, so that no output file takes the console's place.
+void prepare();
+
 // Writes out what was collected. False when the standard output did not take it.
 bool flush();
 

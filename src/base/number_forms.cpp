@@ -1,5 +1,6 @@
 #include "base/number_forms.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <fmt/format.h>
@@ -11,22 +12,17 @@ namespace {
 
 std::string asterisks(int width) { return std::string(static_cast<std::size_t>(width), '*'); }
 
-std::string rightAligned(std::string text, int width) {
+std::string rightAligned(std::string_view text, int width) {
   if (static_cast<int>(text.size()) > width) return asterisks(width);
-  return std::string(static_cast<std::size_t>(width) - text.size(), ' ') + text;
+  return std::string(static_cast<std::size_t>(width) - text.size(), ' ').append(text);
 }
 
-// NaN and Infinity, in the longest form that fits. A plus sign stands where there is room.
+// NaN and Infinity: the longer word where it fits.
 std::string wordField(double value, int width) {
   if (std::isnan(value)) return rightAligned("NaN", width);
   const bool negative = std::signbit(value);
-  const std::string_view sign = negative ? "-" : "+";
-  if (width > 8 || (negative && width == 9))
-    return rightAligned(fmt::format("{}Infinity", sign), width);
-  if (width == 8 && !negative) return "Infinity";
-  if (width > 3) return rightAligned(fmt::format("{}Inf", sign), width);
-  if (width == 3 && !negative) return "Inf";
-  return asterisks(width);
+  const std::string_view word = width - (negative ? 1 : 0) >= 8 ? "Infinity" : "Inf";
+  return rightAligned(fmt::format("{}{}", negative ? "-" : "", word), width);
 }
 
 // A number's text with its leading 0, or without it when the field has no room for it.
@@ -35,7 +31,7 @@ std::string withoutSpareZero(std::string text, int width) {
     const std::size_t zero = text[0] == '-' ? 1 : 0;
     if (text.compare(zero, 2, "0.") == 0 && text.size() > zero + 2) text.erase(zero, 1);
   }
-  return rightAligned(std::move(text), width);
+  return rightAligned(text, width);
 }
 
 // Sign, significant digits and decimal exponent of a value rounded to that many digits:
@@ -59,6 +55,12 @@ Decimal rounded(double value, int digits) {
   if (digits > 1) d.digits.erase(1, 1); // the point
   d.exponent = std::atoi(text.c_str() + e + 1) + 1;
   return d;
+}
+
+double powerOfTen(int exponent) {
+  double power = 1.0;
+  for (int i = 0; i < exponent; ++i) power *= 10.0;
+  return power;
 }
 
 std::string exponentText(int exponent) {
@@ -88,9 +90,19 @@ std::string scientificField(double value, int width, int digits) {
 
 std::string generalField(double value, int width, int digits) {
   if (!std::isfinite(value)) return wordField(value, width);
-  const int exponent = value == 0.0 ? 1 : rounded(value, digits).exponent;
-  if (exponent < 0 || exponent > digits) return scientificField(value, width, digits);
-  return fixedField(value, width - 4, digits - exponent) + "    ";
+  // Compared in floating point, as a Fortran formatted write does: a value one rounding error below
+  // an edge, such as 9.9999999499999994 with 8 digits, counts as standing on it.
+  const double size = std::fabs(value);
+  const double belowEdge = 1.0 - 0.5 / powerOfTen(digits);
+  const bool small = size != 0.0 && size < 0.1 * belowEdge;
+  if (small || powerOfTen(digits) - size <= 0.5) return scientificField(value, width, digits);
+
+  int whole = size == 0.0 ? 1 : 0; // digits before the point
+  for (double power = 1.0; whole < digits && size >= power * belowEdge; power *= 10.0) ++whole;
+  const int blanks = std::min(4, width - 1);
+  std::string text = fixedField(value, width - blanks, digits - whole);
+  return text.front() == '*' ? asterisks(width)
+                             : text.append(static_cast<std::size_t>(blanks), ' ');
 }
 
 std::string pointedField(double value, int width, int decimals) {

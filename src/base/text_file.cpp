@@ -43,6 +43,8 @@ void TextFile::close() {
   descriptor = -1;
   collected.clear();
   if (good) return;
+  // Empty rather than half. Where even that is refused, the message below has to do.
+  [[maybe_unused]] const int emptied = ::truncate(name.c_str(), 0);
   console::openStars();
   console::print("Error in Writing Output File: {}", name);
   console::closeStars();

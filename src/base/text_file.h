@@ -18,7 +18,7 @@ public:
   void line(const Record& record) { line(record.view()); }
 
   // Writes what was collected and closes the file. When the device does not take it to the last
-  // character the run ends with a message and exit status 1: there is never half a file in silence.
+  // character the file is emptied, and the run ends with a message and exit status 1.
   void close();
 
   TextFile() = default;

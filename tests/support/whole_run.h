@@ -1,0 +1,45 @@
+// Runs of the whole program in a process of its own, and the cases that are such runs.
+//
+// A case is a directory under tests/cases/ with
+//   arguments   one argument of the command line a line; paths are relative to the directory of
+//               the run, a scratch directory with copies of the case's input files
+//   console     what the run prints
+//   status      its exit status
+//   expected/   the files it writes, all of them; absent when it writes none
+//   tolerance   how close numbers must be, by kind (see compare_text.h)
+//   source      one line: where the expected numbers come from (an independent calculation, a
+//               book), or "snapshot of this program: guards the layout only"
+// and its input files. With CORVO_REWRITE_SNAPSHOTS set in the environment the cases whose source
+// begins with "snapshot" take what the program does as what is expected; read the change in the
+// tree before you keep it.
+#pragma once
+
+#include <filesystem>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace lcp::test {
+
+struct ProgramRun {
+  int status = -1;                          // exit status; -1 when a signal ended the run
+  bool timedOut = false;                    // the signal was that of the time limit
+  std::string console;                      // standard output and standard error
+  std::map<std::string, std::string> files; // files that are new or changed, by relative path
+};
+
+// Runs the program in the directory.
+ProgramRun runProgram(const std::vector<std::string>& arguments,
+                      const std::filesystem::path& directory);
+// The same for any command, with a time limit of its own.
+ProgramRun runCommand(const std::string& command, const std::vector<std::string>& arguments,
+                      const std::filesystem::path& directory, unsigned seconds);
+
+// The directories of the cases in order; none when the directory does not exist.
+std::vector<std::filesystem::path> casesUnder(const std::filesystem::path& directory);
+// Runs a case. Empty when the run is as expected, else what is not.
+std::string caseDifferences(const std::filesystem::path& directory, const std::string& command);
+// Takes the run as expected. Returns what speaks against it, empty when it is done.
+std::string rewriteCase(const std::filesystem::path& directory, const std::string& command);
+
+} // namespace lcp::test

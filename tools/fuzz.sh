@@ -1,0 +1,30 @@
+#!/usr/bin/env bash
+# Fuzzes the reader of description files. Starts from the kept seeds, the whole-run cases and the
+# examples; what it learns stays in build/fuzz/corpus; inputs that break the reader are kept in
+# tests/fuzz/finds, to be committed together with what mends them.
+# usage: fuzz.sh [SECONDS, default 60]
+set -euo pipefail
+
+seconds=${1:-60}
+cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.."
+tools/install_packages.sh fuzz
+
+cmake --preset fuzz > /dev/null
+cmake --build --preset fuzz --target reader_fuzz
+
+corpus=build/fuzz/corpus
+inputs=build/fuzz/inputs
+rm -rf "$inputs"
+mkdir -p "$corpus" "$inputs" tests/fuzz/finds
+shopt -s nullglob
+for file in tests/cases/*/*.{cvi,cbi,dta} examples/*.{cvi,cbi,dta}; do
+  cp "$file" "$inputs/${file//\//_}"
+done
+seeds=("$inputs")
+[[ ! -d tests/fuzz/seeds ]] || seeds+=(tests/fuzz/seeds)
+dictionary=()
+[[ ! -e tests/fuzz/keys.dict ]] || dictionary=(-dict=tests/fuzz/keys.dict)
+
+build/fuzz/tests/fuzz/reader_fuzz "${dictionary[@]}" -max_total_time="$seconds" -timeout=10 \
+  -rss_limit_mb=4096 -max_len=16384 -artifact_prefix=tests/fuzz/finds/ -print_final_stats=1 \
+  "$corpus" "${seeds[@]}"
