@@ -3,6 +3,7 @@
 #include "base/console.h"
 #include "base/constants.h"
 #include "base/number_forms.h"
+#include "input/key_rows.h"
 #include "input/reader_state.h"
 #include "store/rundata.h"
 

@@ -6,6 +6,7 @@
 #include "base/stop.h"
 #include "base/text_source.h"
 #include "input/bundles.h"
+#include "input/free_form.h"
 #include "input/reader_state.h"
 #include "store/rundata.h"
 

@@ -1,6 +1,7 @@
 // Line Constants Ground Data.
 #include "base/console.h"
 #include "base/stop.h"
+#include "input/key_rows.h"
 #include "input/reader_state.h"
 #include "input/sections.h"
 #include "store/rundata.h"

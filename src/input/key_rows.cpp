@@ -1,7 +1,5 @@
 #include "input/key_rows.h"
 
-#include "input/reader_state.h"
-
 #include <algorithm>
 
 namespace lcp {

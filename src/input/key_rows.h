@@ -6,6 +6,7 @@
 #pragma once
 
 #include "input/free_form.h"
+#include "input/reader_state.h"
 #include "store/conductor_table.h"
 #include "store/run_groups.h"
 
@@ -24,9 +25,6 @@ enum class KeyKind {
   Name,    // one word into a file name
   Bare     // no value of the usual form: the rule reads what it needs
 };
-
-// Where in the conductor table a value goes: the first or second entry of the open group.
-enum class Entry { First, Second };
 
 constexpr int NORULE = 0;
 

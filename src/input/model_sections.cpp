@@ -1,4 +1,5 @@
 // Bergeron, fitted models, Output File Display Options and HALO Options.
+#include "input/key_rows.h"
 #include "input/reader_state.h"
 #include "input/sections.h"
 #include "store/rundata.h"

@@ -6,6 +6,7 @@
 #include "base/console.h"
 #include "base/stop.h"
 #include "input/external_conductors.h"
+#include "input/key_rows.h"
 #include "input/post_read.h"
 #include "input/reader_state.h"
 #include "input/sections.h"

@@ -1,7 +1,7 @@
 // What the sections of the reader share: the current line, the open group, the way out.
 #pragma once
 
-#include "input/key_rows.h"
+#include "store/conductor_table.h"
 
 #include <string>
 #include <string_view>
@@ -28,6 +28,9 @@ enum class State {
   Halo = 16,
   ExternalFile = 17
 };
+
+// Where in the conductor table a value goes: the first or second entry of the open group.
+enum class Entry { First, Second };
 
 struct ReaderState {
   std::string RAWLINE;   // the record as read, at most 120 columns

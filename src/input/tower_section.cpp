@@ -4,6 +4,7 @@
 // group are stored at its first entry and copied to the others by the closing mark.
 #include "input/bundles.h"
 #include "input/external_conductors.h"
+#include "input/key_rows.h"
 #include "input/library.h"
 #include "input/reader_state.h"
 #include "input/sections.h"

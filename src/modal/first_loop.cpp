@@ -58,19 +58,16 @@ void idealStep(int k) {
 
 // Decomposition from scratch, without a start.
 void fullSolution(int k) {
-  static Complex packed[LDMAT * LDMAT];
-  static Complex left[LDMAT * LDMAT];
-  static Complex right[LDMAT * LDMAT];
+  static LineMatrix copy;
   FirstLoopStore& S = SOLVEDATA.first;
   const int n = RUNDATA.line.NC;
-  PACKC(S.PMAT, packed, n, n);
-  VALVC(S.EIG.data(), left, right, packed, n);
-  UNPACKC(S.TI, right, n, n);
-  UNPACKC(S.TIINV, left, n, n);
+  for (int j = 1; j <= n; ++j) {
+    for (int i = 1; i <= n; ++i) copy(i, j) = S.PMAT(i, j);
+  }
+  VALVC(S.EIG, S.TIINV, S.TI, copy, n);
   PIVNORM(S.TI, S.TIINV, S.PIVOT, n);
   S.PIVOT0 = S.PIVOT;
-  bool singular = false;
-  INVCJD(S.TIINV, S.TI, singular, n);
+  INVCJD(S.TIINV, S.TI, n);
   S.PSCALE = 0;
   for (int i = 1; i <= n; ++i) S.PSCALE += std::abs(S.PMAT(i, i));
   S.PSCALE /= n;

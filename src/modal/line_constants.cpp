@@ -1,6 +1,7 @@
 #include "modal/line_constants.h"
 
 #include "base/console.h"
+#include "base/number_forms.h"
 #include "base/stop.h"
 #include "overhead/overhead_zy.h"
 #include "store/rundata.h"

@@ -22,19 +22,15 @@ namespace {
 
 constexpr double NOTSHOWN = 1e-20;
 
-Complex eigenvalues[LDMAT];
-Complex packed[LDMAT * LDMAT], left[LDMAT * LDMAT], right[LDMAT * LDMAT];
+ModeComplex eigenvalues;
 LineMatrix T, Ti, TiT, YMM, ZMM, product;
 
 // Eigenvalues of Y Z, unit vectors T and their inverse.
 void decompose(CConstView Y, CConstView Z, int n) {
   CMATMUL(product, Y, Z, n);
-  PACKC(product, packed, n, n);
-  VALVC(eigenvalues, left, right, packed, n);
-  UNPACKC(T, right, n, n);
+  VALVC(eigenvalues, Ti, T, product, n);
   COLNORM(T, T, n);
-  bool singular = false;
-  INVCJD(Ti, T, singular, n);
+  INVCJD(Ti, T, n);
 }
 
 bool canBeShown(Complex z) { return z.real() >= NOTSHOWN && z.imag() >= NOTSHOWN; }
@@ -46,7 +42,7 @@ void LONGCOR(CConstView Y, CConstView Z, double length, CView YLC, CView ZLC, in
   formModalMatrices(YMM, ZMM, Y, Z, T, Ti, n);
   LLOK = true;
   for (int k = 1; k <= n; ++k) {
-    const Complex u = std::sqrt(eigenvalues[k - 1]) * length;
+    const Complex u = std::sqrt(eigenvalues[k]) * length;
     ZMM(k, k) *= CSINH(u) / u;
     YMM(k, k) *= CTANH(u / 2.0) / (u / 2.0);
     LLOK = LLOK && canBeShown(ZMM(k, k)) && canBeShown(YMM(k, k));

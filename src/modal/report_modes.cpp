@@ -4,7 +4,7 @@
 #include "base/constants.h"
 #include "base/stop.h"
 #include "kernels/inversion.h"
-#include "kernels/lapack_complex.h"
+#include "kernels/lapack_eigen.h"
 #include "kernels/matrix_kernels.h"
 #include "modal/modal_transform.h"
 #include "store/rundata.h"
@@ -51,10 +51,9 @@ void formReportModes() {
   for (int j = 1; j <= n; ++j) {
     for (int i = 1; i <= n; ++i) copy(i, j) = S.PMAT(i, j);
   }
-  eigenvectors(copy, S.EIG.data(), S.TI, n);
+  ZGEEV(copy, S.EIG, S.TI, n);
   COLNORM(S.TI, S.TI, n);
-  bool singular = false;
-  INVCJD(S.TIINV, S.TI, singular, n);
+  INVCJD(S.TIINV, S.TI, n);
   formModalMatrices(T.YM, T.ZM, S.YMAT, S.ZMAT, S.TI, S.TIINV, n);
   CMATMUL(product, T.YM, T.ZM, n);
   const double w = TWOPI * RUNDATA.display.DISPFREQ;

@@ -37,8 +37,7 @@ void loadStep(int k, int n) {
   if (S.IDEALT) return;
   A.MTI.load(k, S.TI, n);
   COLNORM(S.TI, S.TI, n);
-  bool singular = false;
-  INVCJD(S.TIINV, S.TI, singular, n);
+  INVCJD(S.TIINV, S.TI, n);
 }
 
 // Normalised eigenvalues become squared propagation constants; a four-wire cable has them already.
@@ -104,8 +103,7 @@ void storePhaseFunctions(int k, int n) {
   SecondLoopStore& T = SOLVEDATA.second;
   toPhases(
       phases, [&](int i) { return T.GAM[i]; }, n);
-  bool singular = false;
-  INVCJD(inverse, phases, singular, n);
+  INVCJD(inverse, phases, n);
   CMATMUL(phases, inverse, SOLVEDATA.first.YMAT, n);
   T.YCST.store(k, phases, n);
   toPhases(

@@ -126,8 +126,7 @@ const Matrix3& sequenceTransform() {
 void SEQTRANS(CConstView X, CView XS, CConstView T, int n) {
   Matrix3 Ti{};
   Matrix3 product{};
-  bool singular = false;
-  INVCJD(Ti, T, singular, n);
+  INVCJD(Ti, T, n);
   CMATMUL(product, Ti, X, n);
   CMATMUL(XS, product, T, n);
 }

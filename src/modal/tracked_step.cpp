@@ -86,8 +86,7 @@ bool followModes(int k, bool searching) {
       scaled(i, j) = S.PMAT(i, j);
     }
   }
-  bool good = true;
-  NREIG(S.EIG, S.TI, LGUESS, XGUESS, scaled, S.PSCALE, S.PIVOT, n, good);
+  bool good = NREIG(S.EIG, S.TI, LGUESS, XGUESS, scaled, S.PSCALE, S.PIVOT, n);
   if (!good) explainFailure(k);
   for (int i = 1; i <= n; ++i) good = good && S.NRITER[i] < TOOMANYUPDATES;
   return good;
@@ -176,8 +175,7 @@ void acceptSolution(int k) {
   FrequencyStore& A = SOLVEDATA.at;
   const int n = RUNDATA.line.NC;
   PIVNORM(S.TI, S.TIINV, S.PIVOT, n);
-  bool singular = false;
-  INVCJD(S.TIINV, S.TI, singular, n);
+  INVCJD(S.TIINV, S.TI, n);
   for (const int step : {k, k + 1}) {
     for (int i = 1; i <= n; ++i) A.MEIG(step, i) = S.EIG[i];
     A.MTI.store(step, S.TI, n);

@@ -6,6 +6,7 @@
 // mode.
 #pragma once
 
+#include "base/big_store.h"
 #include "base/matrix.h"
 #include "store/capacities.h"
 
@@ -94,6 +95,7 @@ struct SolveData {
   FrequencyStore at;
 };
 
-extern SolveData& SOLVEDATA;
+// Mapped before anything of a file that includes this is initialised.
+inline SolveData& SOLVEDATA = bigStore<SolveData>();
 
 } // namespace lcp

@@ -95,8 +95,14 @@ TEST(Reader, EndsAtItsLimitsWithTheirMessages) {
        tooMany, 1},
       {"721st in a bundle",
        description(circuit + "Conductors: 361\nSub-ConductorsPerBundle: 2\n{\n"), tooMany, 1},
-      {"720 in a bundle, then the file ends",
-       description(circuit + "Conductors: 48\nSub-ConductorsPerBundle: 15\n{\n"), "", 1},
+      {"720 in bundles, then the file ends",
+       "CORVO-INPUT-DATA\n" + circuit + "Conductors: 48\nSub-ConductorsPerBundle: 15\n{\n",
+       lines({std::string(53, '='), "ORVEX Line Constants Program: ERROR", "",
+              "Conductors 2 and 1 have identical positions.",
+              "If you are using multiple tower components, ensure",
+              "the x-coordinate of each tower centre in the right-", "of-way is properly entered.",
+              std::string(53, '=')}),
+       1},
       {"49 nodes", description(summary(49)),
        lines({"Error, Too Many Equivalent Conductors!", "(Max= ,48!)"}), 1},
       {"soil exponent", description("Line Constants Ground Data\n{\nFD Factor: 0\n}\n"),
@@ -177,8 +183,8 @@ TEST(Reader, SurvivesAnyBytes) {
 
 TEST(Reader, KeepsDefaultsAndSetsOptions) {
   readHere(description("Output File Display Options\n{\nParallel R Limit: 1000\n"
-                       "Manual Output File: 2\nMan. Output File Name: 'my file.cvo' x\n"
-                       "Create PI-Section: 1\nFrequency for Calculation: 0\n}\n"
+                       "Manual Output File : 2\nMan. Output File Name : 'my file.cvo' x\n"
+                       "Create PI-Section: 1\nFrequency for Calculation : 0\n}\n"
                        "Bergeron Line Model Options\n{\nInterpolate Travel Times: 0\n"
                        "Frequency for Loss Approximation: 50\nHigh Frequency Approximation: 0\n"
                        "Infinite Line Length: 1\n}\n"));

@@ -123,7 +123,7 @@ TEST(Tower, KeysAheadOfTheCountStayInsideTheTable) {
   std::string circuit =
       "Line Constants Tower\n{\nCircuit\n{\nConductors: 720\n}\nCircuit\n{\n"
       "Radius: 1\nThickness: 1\nP1 : 1 1\nConductor Phase Information: 1\n"
-      "Sub-ConductorsPerBundle: 15\n{\nBundleSpacing: 1\nP : 1 1\n}\nLibrary: x\n";
+      "Sub-ConductorsPerBundle: 15\n{\nBundleSpacing: 1\nP : 1 1\n}\nLibrary : x\n";
   EXPECT_NE(readInChild(description(circuit)).status, -1);
 }
 
@@ -194,11 +194,12 @@ TEST(Library, RowsOfBothFormats) {
   const std::string fresh =
       scratchFile("new.lib", "#Format 1\nx text text\nacsr 10 0.1 19 2 1.2\n");
   const auto read = [&](const std::string& library, const char* name) {
-    return readInChild(description(summary(3) + threePhaseTower("Library: " + library + "\nName: " +
-                                                                std::string(name) + "\n")));
+    return readInChild(
+        description(summary(3) + threePhaseTower("Library : " + library +
+                                                 "\nName: " + std::string(name) + "\n")));
   };
   const auto readHereWith = [&](const std::string& library, const char* name) {
-    readHere(description(summary(3) + threePhaseTower("Library: " + library +
+    readHere(description(summary(3) + threePhaseTower("Library : " + library +
                                                       "\nName: " + std::string(name) + "\n")));
   };
   readHereWith(old, "four");
@@ -257,7 +258,7 @@ TEST(Library, Failures) {
       {good, "two", notFound("Grnd Wire", "Ground Wire", good, "two"), true},
   };
   for (const Case& c : cases) {
-    const std::string keys = "Library: " + c.library + "\nName: " + c.name + "\n";
+    const std::string keys = "Library : " + c.library + "\nName: " + c.name + "\n";
     const std::string text =
         c.wire ? threePhaseTower("", "GroundWires: 1\n{\n" + keys + "}\n") : threePhaseTower(keys);
     const ChildResult r = readInChild(description(summary(3) + text));

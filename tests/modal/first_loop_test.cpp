@@ -1,0 +1,114 @@
+// The first frequency loop over whole grids: solutions, continuity, search, start of the constant
+// transform step.
+#include "modal/first_loop.h"
+
+#include "kernels/matrix_kernels.h"
+#include "modal/line_constants.h"
+#include "store/rundata.h"
+#include "store/solvedata.h"
+#include "support/child.h"
+#include "support/dense_functions.h"
+#include "support/solve.h"
+
+#include <gtest/gtest.h>
+
+using namespace lcp;
+using namespace lcp::test;
+
+namespace {
+
+// Residual of A x = l x over all modes of step k, as the Newton step measures it: A over the mean
+// magnitude of its diagonal, the largest element of x at 1.
+double newtonResidual(int k) {
+  const int n = RUNDATA.line.NC;
+  constantsAt(SOLVEDATA.grid.FREQ[k]);
+  const LineMatrix& A = SOLVEDATA.first.PMAT;
+  double s = 0;
+  for (int i = 1; i <= n; ++i) s += std::abs(A(i, i)) / n;
+  double worst = 0;
+  for (int m = 1; m <= n; ++m) {
+    double e = 0;
+    for (int i = 1; i <= n; ++i) {
+      Complex r = -SOLVEDATA.at.MEIG(k, m) * SOLVEDATA.at.MTI(k, i, m);
+      for (int j = 1; j <= n; ++j) r += A(i, j) * SOLVEDATA.at.MTI(k, j, m);
+      e += std::abs(r) / s;
+    }
+    worst = std::max(worst, e);
+  }
+  return worst;
+}
+
+std::string wideGrid(const char* keys = "") {
+  return phaseModel(std::string("Curve Fitting Start Frequency: 0.02\n"
+                                "Curve Fitting End Frequency: 1e7\n") +
+                    keys);
+}
+
+// How far a mode's vector turns between two steps: 1 - |cosine| of their angle.
+double turn(int k, int mode) {
+  Complex dot;
+  double a = 0, b = 0;
+  for (int i = 1; i <= RUNDATA.line.NC; ++i) {
+    const Complex x = SOLVEDATA.at.MTI(k, i, mode), y = SOLVEDATA.at.MTI(k - 1, i, mode);
+    dot += std::conj(x) * y;
+    a += std::norm(x);
+    b += std::norm(y);
+  }
+  return 1 - std::abs(dot) / std::sqrt(a * b);
+}
+
+} // namespace
+
+TEST(FirstLoop, EveryModeIsSolvedAtEveryFrequency) {
+  for (const std::string& body : {singleCircuit(wideGrid()), doubleCircuit(wideGrid())}) {
+    solveFirstLoop(body);
+    for (int k = 1; k <= SOLVEDATA.grid.NFREQ; ++k) EXPECT_LE(newtonResidual(k), 1.1e-8) << k;
+  }
+}
+
+TEST(FirstLoop, ModesOfADoubleCircuitAreContinuous) {
+  solveFirstLoop(doubleCircuit(wideGrid("Total Number of Frequency Increments: 200\n")));
+  for (int k = 2; k < SOLVEDATA.grid.NFREQ; ++k) {
+    for (int m = 1; m <= 6; ++m) EXPECT_LT(turn(k, m), 0.05) << k << ' ' << m;
+  }
+}
+
+TEST(FirstLoop, TheConstantTransformStepContinuesItsNeighbour) {
+  struct Case {
+    const char* frequency;
+    int start;
+  };
+  // grid of 100 increments from 0.5 Hz to 1 MHz
+  for (const Case& c : {Case{"2000", 63}, Case{"2e6", 106}, Case{"0.01", 1}}) {
+    const auto key =
+        std::string("Frequency to Calculate Constant Transform: ") + c.frequency + "\n";
+    solveFirstLoop(doubleCircuit(phaseModel(key)));
+    EXPECT_EQ(SOLVEDATA.first.KCT, c.start) << c.frequency;
+    EXPECT_LE(newtonResidual(107), 1.1e-8) << c.frequency;
+  }
+}
+
+TEST(FirstLoop, AnIdealLineHasClosedModes) {
+  solveFirstLoop(singleCircuit(phaseModel(), "Transposed: 1\n"));
+  EXPECT_TRUE(SOLVEDATA.first.IDEALT);
+  for (const int k : {1, 50, 107}) {
+    constantsAt(SOLVEDATA.grid.FREQ[k]);
+    const Dense P = corner(SOLVEDATA.first.PMAT, 3);
+    const Dense T = corner(SOLVEDATA.first.TI, 3);
+    const Dense Ti = corner(SOLVEDATA.first.TIINV, 3);
+    Dense D = product(product(Ti, P), T);
+    for (std::size_t i = 0; i < 3; ++i)
+      D[i][i] -= Wide(SOLVEDATA.at.MEIG(k, static_cast<int>(i) + 1));
+    EXPECT_LT(distance(sum(P, D), P), 1e-12) << k;
+  }
+  solveFirstLoop(doubleCircuit(phaseModel()));
+  EXPECT_FALSE(SOLVEDATA.first.IDEALT);
+}
+
+TEST(FirstLoop, BergeronTracksItsSecondFrequency) {
+  solveFirstLoop(doubleCircuit(bergeronModel("Frequency for Loss Approximation: 5000\n")));
+  ASSERT_EQ(SOLVEDATA.grid.NFREQ, 2);
+  for (int m = 1; m <= 6; ++m) EXPECT_LT(turn(2, m), 0.3) << m;
+  EXPECT_LE(newtonResidual(1), 1e-10);
+  EXPECT_LE(newtonResidual(2), 1e-10);
+}

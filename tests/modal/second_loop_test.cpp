@@ -1,0 +1,89 @@
+#include "modal/second_loop.h"
+
+#include "store/rundata.h"
+#include "store/solvedata.h"
+#include "support/dense_functions.h"
+#include "support/solve.h"
+
+#include <gtest/gtest.h>
+
+using namespace lcp;
+using namespace lcp::test;
+
+namespace {
+
+// One step of a curve store as a dense matrix.
+template <class Store> Dense stepOf(const Store& store, int k) {
+  static LineMatrix M;
+  store.load(k, M, RUNDATA.line.NC);
+  return corner(M, RUNDATA.line.NC);
+}
+
+} // namespace
+
+TEST(SecondLoop, PhaseFunctionsAreThoseOfTheMatrices) {
+  // H = exp(-l sqrt(Y Z)), Yc = sqrt(Y Z)^-1 Y
+  const std::string ideal = singleCircuit(phaseModel(), "Transposed: 1\n");
+  for (const std::string& body :
+       {singleCircuit(phaseModel()), doubleCircuit(phaseModel()), ideal}) {
+    for (const double length : {1e3, 1e5}) {
+      solveBothLoops(body, length);
+      for (int k = 1; k <= SOLVEDATA.grid.NFREQ; k += 15) {
+        const Dense Y = stepOf(SOLVEDATA.at.YSTORE, k);
+        const Dense gamma = squareRoot(product(Y, stepOf(SOLVEDATA.at.ZSTORE, k)));
+        const Dense H = exponential(times(-length, gamma));
+        // the eigenvalues are solved to 1e-8, an error that the length multiplies
+        EXPECT_LT(distance(stepOf(SOLVEDATA.second.HST, k), H), 2e-6) << k;
+        EXPECT_LT(distance(stepOf(SOLVEDATA.second.YCST, k), product(inverse(gamma), Y)), 1e-6)
+            << k;
+      }
+    }
+  }
+}
+
+TEST(SecondLoop, ModalStoresHangTogether) {
+  solveBothLoops(doubleCircuit(phaseModel()), 5e4);
+  const SecondLoopStore& T = SOLVEDATA.second;
+  for (int k = 1; k <= SOLVEDATA.grid.NFREQ; k += 9) {
+    for (int i = 1; i <= 6; ++i) {
+      EXPECT_LT(std::abs(T.HMODE(k, i) - std::exp(-T.GAMLEN(k, i))), 1e-14);
+      EXPECT_NEAR(T.HMAG(k, i), std::exp(-T.GAMLEN(k, i).real()), 1e-14);
+      EXPECT_GT(T.GAMLEN(k, i).real(), 0.0);
+      EXPECT_NEAR(T.VELOC(k, i) * T.GAMLEN(k, i).imag(), SOLVEDATA.grid.WFREQ[k] * 5e4, 1e-2);
+      EXPECT_LT(T.VELOC(k, i), 2.998e8);
+      double column = 0;
+      for (int r = 1; r <= 6; ++r) column += std::norm(T.TIST(k, r, i));
+      EXPECT_NEAR(column, 1.0, 1e-13);
+      EXPECT_NEAR(T.TIST(k, SOLVEDATA.first.PIVOT0[i], i).imag(), 0.0, 1e-13);
+      EXPECT_GT(T.TIST(k, SOLVEDATA.first.PIVOT0[i], i).real(), 0.0);
+    }
+  }
+}
+
+TEST(SecondLoop, AFadedModeKeepsItsTravelTime) {
+  solveBothLoops(singleCircuit(phaseModel("Curve Fitting End Frequency: 1e7\n")), 5e5);
+  const SecondLoopStore& T = SOLVEDATA.second;
+  int faded = 0;
+  for (int i = 1; i <= 3; ++i) {
+    int last = 106;
+    while (T.HMAG(last, i) < 1e-10) --last;
+    faded += last < 106 ? 1 : 0;
+    EXPECT_NEAR(T.TAUMS[i], 1000 * T.GAMLEN(last, i).imag() / SOLVEDATA.grid.WFREQ[last], 1e-9);
+  }
+  EXPECT_GT(faded, 0);
+}
+
+TEST(SecondLoop, WeightsTurnAtTheSteadyStateFrequency) {
+  solveFirstLoop(singleCircuit(phaseModel("Weighting Factor 1: 1\nWeighting Factor 2: 2\n"
+                                          "Weighting Factor 3: 3\n")));
+  formFitWeights();
+  const FrequencyGrid& G = SOLVEDATA.grid;
+  EXPECT_EQ(G.NFUSE, 106);
+  int at = 0;
+  for (int k = 1; k <= G.NFUSE; ++k) {
+    const double expected = G.FREQ[k] > 60 ? 3 : (k < G.NFUSE && G.FREQ[k + 1] > 60 ? 2 : 1);
+    EXPECT_EQ(G.WFIT[k], expected) << k;
+    at += G.WFIT[k] == 2 ? 1 : 0;
+  }
+  EXPECT_EQ(at, 1);
+}

@@ -1,0 +1,60 @@
+#include "support/solve.h"
+
+#include "modal/first_loop.h"
+#include "modal/frequency_grid.h"
+#include "modal/second_loop.h"
+#include "store/rundata.h"
+#include "store/solvedata.h"
+#include "support/description.h"
+
+#include <fmt/format.h>
+
+namespace lcp::test {
+
+namespace {
+
+std::string circuit(const char* phases, double x, double y, const char* more) {
+  return fmt::format("Circuit\n{{\nConductors: 3\nConductor Phase Information: {}\nRadius: 0.0153\n"
+                     "DCResistance: 0.0587\nSag: 7\nShuntConductance: 1e-11\n"
+                     "P1 : {} {}\nP2 : {} {}\nP3 : {} {}\n{}}}\n",
+                     phases, x, y, x * 1.3, y + 6.5, x * 0.9, y + 13, more);
+}
+
+} // namespace
+
+std::string singleCircuit(const std::string& model, const std::string& circuitLines) {
+  return summary(3) +
+         threePhaseTower(circuitLines, "GroundWires: 1\n{\nDCResistance: 2.8\nRadius: 0.0055\n"
+                                       "Sag: 5\nP1 : 0.5 28\n}\n") +
+         model;
+}
+
+std::string doubleCircuit(const std::string& model) {
+  return summary(6) + "Line Constants Tower\n{\n" + circuit("1 2 3", -5.5, 17.5, "") +
+         circuit("4 5 6", 5.5, 17.5, "") +
+         "GroundWires: 1\n{\nDCResistance: 2.8\nRadius: 0.0055\nSag: 5\nP1 : 0 40\n}\n}\n" + model;
+}
+
+std::string phaseModel(const std::string& keys) {
+  return "Frequency Dep. (Phase) Model Options\n{\n" + keys + "}\n";
+}
+
+std::string bergeronModel(const std::string& keys) {
+  return "Bergeron Line Model Options\n{\n" + keys + "}\n";
+}
+
+void solveFirstLoop(const std::string& body, double length) {
+  readHere(description(body));
+  RUNDATA.run.LINELEN = length;
+  SOLVEDATA.first.IDEALT = isIdeallyTransposed();
+  layGrid();
+  firstFrequencyLoop();
+}
+
+void solveBothLoops(const std::string& body, double length) {
+  solveFirstLoop(body, length);
+  alignVectors();
+  secondFrequencyLoop();
+}
+
+} // namespace lcp::test

@@ -1,0 +1,19 @@
+// Solves of described lines, in stages, without the program around them.
+#pragma once
+
+#include <string>
+
+namespace lcp::test {
+
+// Descriptions of lines, with the lines of a model section at the end.
+std::string singleCircuit(const std::string& model, const std::string& circuitLines = "");
+std::string doubleCircuit(const std::string& model); // two untransposed circuits on one tower
+
+std::string phaseModel(const std::string& keys = ""); // frequency dependent (phase)
+std::string bergeronModel(const std::string& keys = "");
+
+// Reads the description, lays the grid and runs the loops.
+void solveFirstLoop(const std::string& body, double length = 1e5);
+void solveBothLoops(const std::string& body, double length = 1e5);
+
+} // namespace lcp::test
