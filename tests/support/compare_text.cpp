@@ -159,23 +159,30 @@ double largestElement(const Line& line) {
   return largest;
 }
 
+double largestNumber(const Line& line) {
+  double largest = 0.0;
+  for (const Real& r : line.reals) largest = std::max(largest, std::fabs(r.value));
+  return largest;
+}
+
 // By how much numbers of this size may differ that were written with this last digit. The small
 // excess is the rounding of the difference itself.
 double allowed(double tolerance, double size, double unit) {
   return tolerance > 0.0 ? std::max(tolerance * size, 1.0001 * unit) : 0.0;
 }
 
-// Does the number (or pair) i of a line differ? `scale` is the largest of its matrix, 0 elsewhere.
+// Does the number (or pair) i of a line differ? `scale` is the largest of its matrix.
 bool differs(const Line& expected, const Line& actual, std::size_t i, double scale,
              const Tolerances& t) {
-  const bool pair = expected.pairs[i];
-  const std::size_t last = pair ? i + 1 : i;
-  const double own = pair ? std::abs(pairAt(expected, i)) : std::fabs(expected.reals[i].value);
+  const std::size_t last = expected.pairs[i] ? i + 1 : i;
+  const double own = last > i ? std::abs(pairAt(expected, i)) : std::fabs(expected.reals[i].value);
   const double tolerance = expected.onlyPairs ? t.matrix : t.scalar;
+  const double noise = expected.onlyPairs ? 0.0 : t.line * largestNumber(expected);
   for (std::size_t k = i; k <= last; ++k) {
     const double unit = std::max(expected.reals[k].unit, actual.reals[k].unit);
     const double away = std::fabs(expected.reals[k].value - actual.reals[k].value);
-    if (!(away <= allowed(tolerance, expected.onlyPairs ? scale : own, unit))) return true;
+    const double may = allowed(tolerance, expected.onlyPairs ? scale : own, unit);
+    if (!(away <= std::max(may, noise))) return true;
   }
   return false;
 }
@@ -243,8 +250,7 @@ private:
 } // namespace
 
 bool readTolerances(std::string_view text, Tolerances& t) {
-  bool matrix = false;
-  bool scalar = false;
+  t = {-1.0, -1.0, 0.0};
   std::istringstream in{std::string(text)};
   for (std::string line; std::getline(in, line);) {
     std::istringstream words(line);
@@ -252,17 +258,10 @@ bool readTolerances(std::string_view text, Tolerances& t) {
     std::string rest;
     double value = -1.0;
     if (!(words >> name >> value) || words >> rest || !(value >= 0.0)) return false;
-    if (name == "matrix") {
-      t.matrix = value;
-      matrix = true;
-    } else if (name == "scalar") {
-      t.scalar = value;
-      scalar = true;
-    } else {
-      return false;
-    }
+    if (name != "matrix" && name != "scalar" && name != "line") return false;
+    (name == "matrix" ? t.matrix : name == "scalar" ? t.scalar : t.line) = value;
   }
-  return matrix && scalar;
+  return t.matrix >= 0.0 && t.scalar >= 0.0;
 }
 
 std::string textDifferences(std::string_view expected, std::string_view actual,

@@ -7,6 +7,8 @@
 //     kind, each element relative to the largest magnitude in it;
 //   - a complex pair in another line: relative to its magnitude;
 //   - any other real number: relative to itself.
+// Where rounding noise stands beside proper numbers (a vector that is 0 by symmetry), a number out
+// of a matrix may also differ by the tolerance `line` times the largest number of its line.
 // A difference of one unit in the last digit written passes where the tolerance is not 0, since
 // two values however close can round to neighbours. NaN never passes, not even against NaN.
 #pragma once
@@ -19,9 +21,11 @@ namespace lcp::test {
 struct Tolerances {
   double matrix = 0.0;
   double scalar = 0.0;
+  double line = 0.0;
 };
 
-// Lines "matrix 1e-9" and "scalar 1e-9". False when a line is anything else or one is missing.
+// Lines "matrix 1e-9", "scalar 1e-9" and, where it is needed, "line 1e-12". False when a line is
+// anything else or one of the first two is missing.
 bool readTolerances(std::string_view text, Tolerances& t);
 
 // Empty when the texts agree, else the first differences, each with its line number.

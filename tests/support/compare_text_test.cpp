@@ -85,6 +85,17 @@ TEST(CompareText, ScalarsAreRelativeToThemselves) {
   EXPECT_FALSE(same("0.50000E+00", "0.50051E+00", {1.0, 1e-3})); // the tolerance of its own kind
 }
 
+TEST(CompareText, NoiseBesideProperNumbers) {
+  const char* expected = "  607.546    -0.2355E-15     0.7071    ";
+  const char* actual = "  607.546     0.7000E-16     0.7071    ";
+  EXPECT_FALSE(same(expected, actual));
+  EXPECT_TRUE(same(expected, actual, {1e-9, 1e-9, 1e-12}));
+  EXPECT_FALSE(same(expected, "  607.546     0.7000E-08     0.7071    ", {1e-9, 1e-9, 1e-12}));
+  EXPECT_FALSE(same(expected, "  607.546    -0.2355E-15     0.7073    ", {1e-9, 1e-9, 1e-12}));
+  EXPECT_FALSE(same("  607.546\n 0.2355E-15", "  607.546\n 0.7000E-16", {1e-9, 1e-9, 1e-12}));
+  EXPECT_FALSE(same("  0.607E+00,0.200E-15", "  0.607E+00,0.400E-14", {1e-15, 1e-15, 1.0}));
+}
+
 TEST(CompareText, MatrixElementsAreRelativeToTheLargest) {
   const std::string head = "Z:\n";
   const std::string row1 = "    0.100000E+04,0.200000E+01   0.300000E-03,-.400000E-03\n";
@@ -140,9 +151,13 @@ TEST(CompareText, Tolerances) {
   ASSERT_TRUE(readTolerances("matrix 1e-9\nscalar 0\n", t));
   EXPECT_EQ(t.matrix, 1e-9);
   EXPECT_EQ(t.scalar, 0.0);
+  EXPECT_EQ(t.line, 0.0);
+  ASSERT_TRUE(readTolerances("matrix 0\nline 1e-12\nscalar 1e-9", t));
+  EXPECT_EQ(t.line, 1e-12);
   for (const char* wrong :
-       {"", "matrix 1e-9\n", "scalar 1e-9\n", "matrix\nscalar 1\n", "matrix 1 1\nscalar 1\n",
-        "matrix 1\nscalar 1\npole 1\n", "matrix -1\nscalar 1\n", "matrix nan\nscalar 1\n"}) {
+       {"", "matrix 1e-9\n", "scalar 1e-9\n", "line 1e-9\n", "matrix\nscalar 1\n",
+        "matrix 1 1\nscalar 1\n", "matrix 1\nscalar 1\npole 1\n", "matrix -1\nscalar 1\n",
+        "matrix nan\nscalar 1\n"}) {
     EXPECT_FALSE(readTolerances(wrong, t)) << wrong;
   }
 }
