@@ -1,5 +1,6 @@
 #include "support/solve.h"
 
+#include "base/console.h"
 #include "modal/first_loop.h"
 #include "modal/frequency_grid.h"
 #include "modal/second_loop.h"
@@ -49,6 +50,7 @@ void solveFirstLoop(const std::string& body, double length) {
   SOLVEDATA.first.IDEALT = isIdeallyTransposed();
   layGrid();
   firstFrequencyLoop();
+  console::flush();
 }
 
 void solveBothLoops(const std::string& body, double length) {
