@@ -10,7 +10,6 @@
 #include "run/solve_driver.h"
 #include "store/rundata.h"
 
-#include <csignal>
 #include <xmmintrin.h>
 
 namespace lcp {
@@ -54,7 +53,7 @@ void flushDenormals() { _mm_setcsr(_mm_getcsr() | FLUSHTOZERO | DENORMALSAREZERO
 
 void LCPMAIN(std::span<char* const> arguments) {
   flushDenormals();
-  std::signal(SIGPIPE, SIG_IGN); // a closed pipe is a write error with a status of its own
+  console::prepare();
   printBanner();
   const CommandLine line = scanCommandLine(arguments);
   checkLength(line.length);
