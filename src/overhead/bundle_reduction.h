@@ -1,0 +1,19 @@
+// Reduction of a symmetric matrix over all physical conductors to the equivalent ones, and the
+// inverse of what is left.
+#pragma once
+
+#include "base/matrix.h"
+
+namespace lcp {
+
+// Folds the sub-conductors of bundles into their main conductors and eliminates sub-conductors and
+// ground wires, by the roles CMAP of the conductor table. M is symmetric, n by n, overwritten: the
+// corner of the kept conductors, which come first, is the result; what lies beyond is of no use
+// afterwards.
+void BUNDRED(CView M, int n);
+
+// In-place inverse of the symmetric n by n corner of M. No pivot search, no check for singularity:
+// for matrices of potential coefficients, which are positive definite.
+void SYMINV(CView M, int n);
+
+} // namespace lcp

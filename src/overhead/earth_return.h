@@ -1,0 +1,24 @@
+// Earth return of conductors above ground: the soil, its complex depth, and the term that it adds
+// to the series impedance.
+//
+// All terms are normalised: a value E stands for the impedance j w mu0 / (2 pi) GMUR E, ohm/m.
+#pragma once
+
+#include "base/matrix.h"
+
+namespace lcp {
+
+// Complex conductivity S + j B of the frequency-dependent soil at the angular frequency w, S/m.
+Complex soilAdmittivity(double w);
+
+// Complex depth p of the ground at the angular frequency w > 0, m.
+Complex GRDDEPTH(double w);
+
+// Principal log(1 + z) without loss of accuracy at small z.
+Complex LOG1P(Complex z);
+
+// Earth term of the physical conductors i and j (self term when equal), at the depth that stands in
+// the overhead store, by the formula EARTHF. Another formula than 0 and 2 ends the run, status 1.
+Complex EARTHTERM(int i, int j);
+
+} // namespace lcp

@@ -1,0 +1,129 @@
+// Overhead line constants in normalised form, so that geometry enters as plain logarithms:
+//
+//   Zn = Z / (j w L0)          Zn(i, i) = log(2 h / r) + GMUR E_ii + Zi / (j w L0)
+//                              Zn(i, j) = 1/2 log(D2 / d2) + GMUR E_ij
+//   Pn = inverse of Y / (j w C0), the same logarithms alone (Maxwell's potential coefficients)
+//
+// h average height, r radius, D2 and d2 squared distances of conductor j to the image of i and to i
+// itself, E earth return, Zi internal impedance. Built over all physical conductors, then reduced
+// to the equivalent ones and averaged over transposed circuits.
+#include "overhead/overhead_zy.h"
+
+#include "base/constants.h"
+#include "overhead/bundle_reduction.h"
+#include "overhead/earth_return.h"
+#include "overhead/internal_impedance.h"
+#include "overhead/overhead_store.h"
+#include "overhead/transposition.h"
+#include "store/rundata.h"
+#include "store/solvedata.h"
+
+#include <cmath>
+
+namespace lcp {
+
+namespace {
+
+// Logarithms and image distances of all pairs of physical conductors.
+void prepareGeometry(int n) {
+  const ConductorTable& C = RUNDATA.cond;
+  OverheadStore& S = OVERHEAD;
+  for (int j = 1; j <= n; ++j) {
+    const double image = 2.0 * C.CYAVG[j];
+    S.PGEO(j, j) = std::log(image / C.CRAD[j]);
+    S.DINV(j, j) = 1.0 / (image * image);
+    for (int i = 1; i < j; ++i) {
+      const double x = C.CX[i] - C.CX[j];
+      const double above = C.CYAVG[i] + C.CYAVG[j];
+      const double beside = C.CYAVG[i] - C.CYAVG[j];
+      const double D2 = above * above + x * x;
+      const double d2 = x * x + beside * beside;
+      S.DINV(i, j) = S.DINV(j, i) = 1.0 / D2;
+      S.PGEO(i, j) = S.PGEO(j, i) = 0.5 * std::log(D2 / d2);
+    }
+  }
+}
+
+// The potential coefficients of the equivalent conductors and their inverse.
+void prepareAdmittance(int n, int nc) {
+  OverheadStore& S = OVERHEAD;
+  for (int j = 1; j <= n; ++j) {
+    for (int i = 1; i <= n; ++i) S.PRED(i, j) = S.PGEO(i, j);
+  }
+  BUNDRED(S.PRED, n);
+  TRANSAV(S.groups, S.PRED, nc);
+  for (int j = 1; j <= nc; ++j) {
+    for (int i = 1; i <= nc; ++i) S.PINV(i, j) = S.PRED(i, j);
+  }
+  SYMINV(S.PINV, nc);
+}
+
+void fillImpedance(double w, int n) {
+  OverheadStore& S = OVERHEAD;
+  const double GMUR = RUNDATA.ground.GMUR;
+  S.DEPTH = GRDDEPTH(w);
+  S.DEPTHINV = 1.0 / S.DEPTH;
+  const Complex normalise(0.0, -TWOPI / (w * MU0));
+  for (int i = 1; i <= n; ++i) {
+    S.ZWORK(i, i) = S.PGEO(i, i) + GMUR * EARTHTERM(i, i) + ZINT(w, i) * normalise;
+    for (int j = i + 1; j <= n; ++j) {
+      S.ZWORK(j, i) = S.ZWORK(i, j) = S.PGEO(j, i) + GMUR * EARTHTERM(i, j);
+    }
+  }
+}
+
+// Conductance stands on the diagonal of Y alone, as the imaginary part of Y / (j w C0).
+void setConductance(double w, int nc) {
+  for (int i = 1; i <= nc; ++i) {
+    OVERHEAD.PINV(i, i).imag(-RUNDATA.cond.CSHUNT[i] / (w * C0));
+  }
+}
+
+// Row i of PINV ZWORK as a sum of columns of ZWORK, both symmetric: PINV is real but for its
+// diagonal, so that the sum runs over reals side by side.
+void productRow(int i, int nc) {
+  OverheadStore& S = OVERHEAD;
+  double row[2 * LDMAT] = {};
+  for (int k = 1; k <= nc; ++k) {
+    const double factor = S.PINV(k, i).real();
+    const double* z = reinterpret_cast<const double*>(S.ZWORK.view().column(k));
+    for (int m = 0; m < 2 * nc; ++m) row[m] += factor * z[m];
+  }
+  const Complex conductance(0.0, S.PINV(i, i).imag());
+  for (int j = 1; j <= nc; ++j) {
+    S.PZWORK(i, j) = Complex(row[2 * j - 2], row[2 * j - 1]) + conductance * S.ZWORK(i, j);
+  }
+}
+
+// j x value; the sum with 0 keeps a zero part from a minus sign.
+Complex timesJ(double x, Complex value) { return {0.0 - x * value.imag(), x * value.real()}; }
+
+} // namespace
+
+void OHZY(double f, double& length, CView YMAT, CView ZMAT, CView PMAT) {
+  OverheadStore& S = OVERHEAD;
+  const int n = RUNDATA.cond.NCOND;
+  const int nc = RUNDATA.line.NC;
+  const double w = TWOPI * f;
+  length = RUNDATA.run.LINELEN;
+  const bool first = SOLVEDATA.first.ISTATUS;
+  if (first) {
+    prepareGeometry(n);
+    SPLITCIRC(S.groups, nc);
+  }
+  fillImpedance(w, n);
+  BUNDRED(S.ZWORK, n);
+  TRANSAV(S.groups, S.ZWORK, nc);
+  if (first) prepareAdmittance(n, nc);
+  setConductance(w, nc);
+  for (int i = 1; i <= nc; ++i) productRow(i, nc);
+  for (int j = 1; j <= nc; ++j) {
+    for (int i = 1; i <= nc; ++i) {
+      YMAT(i, j) = timesJ(w * C0, S.PINV(i, j));
+      ZMAT(i, j) = timesJ(w * L0, S.ZWORK(i, j));
+      PMAT(i, j) = S.PZWORK(i, j);
+    }
+  }
+}
+
+} // namespace lcp

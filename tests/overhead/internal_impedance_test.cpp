@@ -1,0 +1,139 @@
+#include "overhead/internal_impedance.h"
+
+#include "base/constants.h"
+#include "store/rundata.h"
+
+#include <cmath>
+#include <gtest/gtest.h>
+
+using namespace lcp;
+
+namespace {
+
+constexpr int POINTS = 4000;
+
+// exp(-z) I_n(z) by the integral of exp(z (cos a - 1)) cos(n a) over a half turn, which the
+// trapezium rule takes to rounding.
+Complex besselI(int n, Complex z) {
+  Complex sum = 0.5 * (1.0 + std::exp(-2.0 * z) * std::cos(n * PI));
+  for (int k = 1; k < POINTS; ++k) {
+    const double a = PI * k / POINTS;
+    sum += std::exp(z * (std::cos(a) - 1.0)) * std::cos(n * a);
+  }
+  return sum / static_cast<double>(POINTS);
+}
+
+// exp(z) K_n(z) by the integral of exp(-z (cosh a - 1)) cosh(n a) from 0 on.
+Complex besselK(int n, Complex z) {
+  const double step = std::acosh(1.0 + 60.0 / z.real()) / POINTS;
+  Complex sum = 0.5;
+  for (int k = 1; k < POINTS; ++k) {
+    const double a = step * k;
+    sum += std::exp(-z * (std::cosh(a) - 1.0)) * std::cosh(n * a);
+  }
+  return step * sum;
+}
+
+// Impedance of a round conductor of outer radius r and inner radius q with a field outside only.
+Complex exact(double w, double r, double q, double R, double mur) {
+  const double rho = R * PI * (r * r - q * q);
+  const Complex m = std::sqrt(Complex(0.0, w * MU0 * mur / rho));
+  const Complex outer = rho * m / (TWOPI * r);
+  if (q == 0.0) return outer * besselI(0, m * r) / besselI(1, m * r);
+  const Complex through = std::exp(-2.0 * m * (r - q));
+  return outer *
+         (besselI(0, m * r) * besselK(1, m * q) + besselK(0, m * r) * besselI(1, m * q) * through) /
+         (besselI(1, m * r) * besselK(1, m * q) - besselK(1, m * r) * besselI(1, m * q) * through);
+}
+
+void setShape(bool tube, bool strands, double mur = 1.0) {
+  ConductorTable& C = RUNDATA.cond;
+  RUNDATA = {};
+  C.CRAD[1] = 0.0152;
+  C.CRDC[1] = 6e-5;
+  C.CMUR[1] = mur;
+  C.CTUBE[1] = tube;
+  C.CSTRND[1] = strands;
+  C.CTHICK[1] = 0.006;
+  C.CSTRAD[1] = 0.0017;
+  C.CNOUT[1] = 24;
+  C.CNTOT[1] = 54;
+}
+
+} // namespace
+
+TEST(InternalImpedance, TendsToTheDirectCurrentResistance) {
+  struct {
+    bool tube, strands;
+    double factor;
+  } const cases[] = {{false, false, 0.3179 + 0.5 / 0.733}, {true, false, 1.0}, {false, true, 1.0}};
+  for (const auto& c : cases) {
+    setShape(c.tube, c.strands);
+    const Complex Z = ZINT(TWOPI * 1e-6, 1);
+    EXPECT_NEAR(Z.real() / 6e-5, c.factor, 1e-12);
+    EXPECT_GT(Z.imag(), 0.0);
+    EXPECT_LT(Z.imag(), 1e-6 * 6e-5);
+  }
+}
+
+TEST(InternalImpedance, SkinTermAtHighFrequencyIsOneOfAPlaneSurface) {
+  const double w = TWOPI * 1e8;
+  ConductorTable& C = RUNDATA.cond;
+  setShape(false, false);
+  const double area = PI * 0.0152 * 0.0152;
+  const double surface = std::sqrt(w * MU0 * 6e-5 * area / 2) / (TWOPI * 0.0152);
+  const Complex solid = ZINT(w, 1);
+  EXPECT_NEAR(solid.imag() / surface, 1.0, 1e-12);
+  EXPECT_NEAR((solid.real() - 0.3179 * 6e-5) / surface, 1.0, 1e-12);
+
+  setShape(true, false);
+  const double q = 0.0152 - 0.006;
+  const double rho = 6e-5 * PI * (0.0152 * 0.0152 - q * q);
+  const Complex tube = ZINT(w, 1);
+  EXPECT_NEAR((tube.real() - rho / (TWOPI * 0.0152 * (q + 0.0152))) / tube.imag(), 1.0, 1e-12);
+
+  setShape(false, true);
+  const Complex strands = ZINT(w, 1);
+  const double metal = PI * C.CSTRAD[1] * C.CSTRAD[1] * 54 * 6e-5;
+  const double term = 2.25 * metal / (26 * PI * C.CSTRAD[1]);
+  EXPECT_NEAR(strands.imag() / (term * std::sqrt(w * MU0 / metal / 2)), 1.0, 1e-12);
+  EXPECT_NEAR((strands.real() - 6e-5 + term / (0.777 * 0.0152)) / strands.imag(), 1.0, 1e-12);
+}
+
+TEST(InternalImpedance, TubeGoesBeforeStrands) {
+  setShape(true, true);
+  const Complex both = ZINT(1e5, 1);
+  setShape(true, false);
+  RUNDATA.cond.CSTRAD[1] = RUNDATA.cond.CNOUT[1] = RUNDATA.cond.CNTOT[1] = 0;
+  EXPECT_EQ(both, ZINT(1e5, 1));
+}
+
+// The error of the closed form, largest where the skin depth is about the wall or the radius. A
+// tube is taken for a plane sheet, which costs more the thicker its wall.
+TEST(InternalImpedance, FollowsTheBesselFunctions) {
+  struct {
+    double wall; // over the radius; 1 a solid conductor
+    double error;
+  } const cases[] = {{1.0, 0.03}, {0.05, 2e-4}, {0.1, 8e-4}, {0.2, 0.005}, {0.5, 0.025}};
+  for (const auto& c : cases) {
+    double worst = 0;
+    for (const double mur : {1.0, 60.0}) {
+      for (int half = 0; half <= 14; ++half) {
+        const double w = TWOPI * std::pow(10.0, 0.5 * half);
+        setShape(c.wall < 1.0, false, mur);
+        RUNDATA.cond.CTHICK[1] = c.wall * 0.0152;
+        const Complex Z = exact(w, 0.0152, (1.0 - c.wall) * 0.0152, 6e-5, mur);
+        worst = std::max(worst, std::abs(ZINT(w, 1) - Z) / std::abs(Z));
+      }
+    }
+    EXPECT_LT(worst, c.error) << c.wall;
+    EXPECT_GT(worst, 0.1 * c.error) << c.wall;
+  }
+}
+
+TEST(InternalImpedance, CotangentOfALargeArgumentIsOne) {
+  EXPECT_EQ(COTH({400.0, 3.0}), Complex(1.0, 0.0));
+  EXPECT_LT(std::abs(COTH({20.0, 20.0}) - 1.0), 1e-16);
+  const Complex z(0.3, 0.4);
+  EXPECT_LT(std::abs(COTH(z) - std::cosh(z) / std::sinh(z)), 1e-15);
+}
