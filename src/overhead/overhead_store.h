@@ -4,6 +4,7 @@
 // solve fills what depends on geometry alone, and the later calls rely on it.
 #pragma once
 
+#include "base/big_store.h"
 #include "base/matrix.h"
 #include "overhead/transposition.h"
 #include "store/capacities.h"
@@ -27,6 +28,7 @@ struct OverheadStore {
   Complex DEPTHINV;       // 1 / p, 1/m
 };
 
-extern OverheadStore& OVERHEAD;
+// Mapped before anything of a file that includes this is initialised.
+inline OverheadStore& OVERHEAD = bigStore<OverheadStore>();
 
 } // namespace lcp
