@@ -44,6 +44,13 @@ struct KeyRow {
   bool* alsoSet = nullptr;       // a flag that reading the key sets, whatever its value
   CondFlags* alsoMark = nullptr; // ... the entry's mark in the conductor table
 
+  // The row with one member changed.
+  template <class T> constexpr KeyRow with(T KeyRow::*member, T value) const {
+    KeyRow row = *this;
+    row.*member = value;
+    return row;
+  }
+
   constexpr KeyRow at(int c) const { return with(&KeyRow::column, c); }
   constexpr KeyRow times(double f) const { return with(&KeyRow::factor, f); }
   constexpr KeyRow atLeast(double f) const { return with(&KeyRow::floor, f); }
@@ -51,13 +58,6 @@ struct KeyRow {
   constexpr KeyRow then(int r) const { return with(&KeyRow::rule, r); }
   constexpr KeyRow setting(bool* f) const { return with(&KeyRow::alsoSet, f); }
   constexpr KeyRow marking(CondFlags* f) const { return with(&KeyRow::alsoMark, f); }
-
-private:
-  template <class T> constexpr KeyRow with(T KeyRow::*member, T value) const {
-    KeyRow row = *this;
-    row.*member = value;
-    return row;
-  }
 };
 
 // Rows for each kind. The value starts two characters behind the key: a colon and a blank.

@@ -2,6 +2,9 @@
 
 #include "store/rundata.h"
 #include "support/description.h"
+#include "support/scratch.h"
+
+#include <filesystem>
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
@@ -178,6 +181,18 @@ TEST(Reader, SurvivesAnyBytes) {
   const std::string whole = description(summary(3) + threePhaseTower());
   for (std::size_t n = 0; n < whole.size(); ++n) {
     EXPECT_NE(readInChild(whole.substr(0, n)).status, -1) << "cut after " << n << " characters";
+  }
+}
+
+TEST(Reader, SurvivesWhatTheFuzzerFound) {
+  for (const char* kept : {"/fuzz/seeds", "/fuzz/finds"}) {
+    const std::filesystem::path folder = std::string(CORVO_TEST_DATA) + kept;
+    if (!std::filesystem::exists(folder)) continue;
+    for (const auto& file : std::filesystem::directory_iterator(folder)) {
+      for (const int iscable : {0, 1}) {
+        EXPECT_NE(readInChild(contentOf(file.path()), iscable).status, -1) << file.path();
+      }
+    }
   }
 }
 

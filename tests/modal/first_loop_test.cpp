@@ -112,3 +112,28 @@ TEST(FirstLoop, BergeronTracksItsSecondFrequency) {
   EXPECT_LE(newtonResidual(1), 1e-10);
   EXPECT_LE(newtonResidual(2), 1e-10);
 }
+
+TEST(FirstLoop, ASearchIsToldOnceForTheSolveAndOnceForTheStep) {
+  const ChildResult r = runChild([] {
+    solveFirstLoop(doubleCircuit(wideGrid()));
+    solveFirstLoop(doubleCircuit(wideGrid())); // a further length step tells it again
+  });
+  const auto count = [&](const std::string& words) {
+    int n = 0;
+    for (auto at = r.console.find(words); at != std::string::npos; ++n) {
+      at = r.console.find(words, at + 1);
+    }
+    return n;
+  };
+  const std::string stars(53, '*');
+  EXPECT_EQ(count(lines({stars, "NEWTON-RAPHSON EIGENVALUE PROCEDURE", stars, "", "",
+                         " Frequency Step # 46:  0.6034E+02 Hz", std::string(31, '-'),
+                         "NR proceedure required too many iterations while ",
+                         "  solving eigenvalue/eigenvectors at this frequency ",
+                         "  step.  Searching for a stable frequency to re-solve",
+                         "  at before continuing."})),
+            2);
+  EXPECT_EQ(count("NEWTON-RAPHSON"), 2);
+  EXPECT_EQ(count(" Frequency Step # 47: "), 2);
+  EXPECT_GT(count("<>>>>>>>>>>"), 6); // a digit deeper, ten sub-steps, the step's own frequency last
+}
