@@ -1,0 +1,77 @@
+//   sinh z = (e^z - e^-z) / 2                 cosh z = (e^z + e^-z) / 2
+//   tanh z = (1 - e^-2z) / (1 + e^-2z)        coth z = 1 / tanh z
+//
+// With e^-2z for Re z > 1 and e^2z for Re z < -1 neither power grows beyond 1; in between the
+// symmetric form serves. Below |z| = 1e-5 coth z = 1/z + z/3 - ... is 1/z to rounding.
+#include "kernels/hyperbolic.h"
+
+#include "base/constants.h"
+
+#include <algorithm>
+#include <complex>
+
+namespace lcp {
+
+namespace {
+
+constexpr double CAP = 30.0;        // largest real part of sine and cosine
+constexpr double ONESIDED = 1.0;    // real part beyond which one of the two powers is dropped
+constexpr double RECIPROCAL = 1e-5; // up to this |z| coth z = 1 / z
+constexpr double NOTHING = 1e-20;   // up to this |z| the cotangent is cut off
+constexpr double POLE = 1e20;       // ... at this value
+
+constexpr double NOANGLE = 1e-25; // parts up to this have no angle
+constexpr double QUARTERTURN = 1.5707963267948966;
+constexpr double THREEQUARTERS = 4.71238898038469;
+
+Complex capped(Complex z) { return {std::min(z.real(), CAP), z.imag()}; }
+
+} // namespace
+
+Complex CSINH(Complex z) {
+  const Complex u = capped(z);
+  return (std::exp(u) - std::exp(-u)) / 2.0;
+}
+
+Complex CCOSH(Complex z) {
+  const Complex u = capped(z);
+  return (std::exp(u) + std::exp(-u)) / 2.0;
+}
+
+Complex CTANH(Complex z) {
+  if (z.real() > ONESIDED) {
+    const Complex E = std::exp(-2.0 * z);
+    return (1.0 - E) / (1.0 + E);
+  }
+  if (z.real() < -ONESIDED) {
+    const Complex E = std::exp(2.0 * z);
+    return (E - 1.0) / (E + 1.0);
+  }
+  const Complex p = std::exp(z), q = std::exp(-z);
+  return (p - q) / (p + q);
+}
+
+Complex CCOTH(Complex z) {
+  if (std::abs(z) <= NOTHING) return POLE;
+  if (std::abs(z) <= RECIPROCAL) return 1.0 / z;
+  if (z.real() > ONESIDED) {
+    const Complex E = std::exp(-2.0 * z);
+    return (1.0 + E) / (1.0 - E);
+  }
+  if (z.real() < -ONESIDED) {
+    const Complex E = std::exp(2.0 * z);
+    return (E + 1.0) / (E - 1.0);
+  }
+  const Complex p = std::exp(z), q = std::exp(-z);
+  return (p + q) / (p - q);
+}
+
+double PHASE2(double y, double x) {
+  const bool angled = std::fabs(x) > NOANGLE || std::fabs(y) > NOANGLE;
+  double a = angled ? std::atan2(y, x) : 0.0;
+  if (a <= -QUARTERTURN) a += TWOPI;
+  if (a > THREEQUARTERS) a -= TWOPI;
+  return a;
+}
+
+} // namespace lcp

@@ -1,0 +1,52 @@
+// Small dense complex matrices: products, packing, the scale of eigenvectors, display clean-up.
+//
+// Every kernel takes views and the order n, and touches the n by n corner only.
+#pragma once
+
+#include "base/matrix.h"
+#include "store/solvedata.h"
+
+namespace lcp {
+
+// The left factor of many products: its columns packed without gaps, and beside them the same
+// columns times j. A complex multiple of a column is then two real multiples over contiguous data.
+struct LeftFactor {
+  int n = 0;
+  double columns[2 * MAXINV * MAXINV];
+  double turned[2 * MAXINV * MAXINV];
+};
+
+// Packs the corner of A; n up to MAXINV.
+void prepare(LeftFactor& F, CConstView A, int n);
+
+// y = A x. Each element is summed in the order of the columns. y must not be x.
+void multiply(Complex* y, const LeftFactor& F, const Complex* x);
+
+// C = A B, formed column by column; n up to MAXINV. C must be neither A nor B.
+void CMATMUL(CView C, CConstView A, CConstView B, int n);
+
+// Copies the n by m corner of A to P, columns one behind the other, and back.
+void PACKC(CConstView A, Complex* P, int n, int m);
+void UNPACKC(CView A, const Complex* P, int n, int m);
+
+// B = A with columns of unit Euclidean length; a column of length 1e-30 or less stays as it is.
+// B may be A.
+void COLNORM(CView B, CConstView A, int n);
+void RCOLNORM(RView B, RConstView A, int n);
+
+// R = Re A.
+void REALPT(RView R, CConstView A, int n);
+
+// Divides column j of T by its element of largest modulus and multiplies row j of U by it, so that
+// T U stays unchanged for U the inverse of T. P(j) is the row of that element, the last one among
+// equals. A column without an element above 1e-30 stays as it is.
+void PIVNORM(CView T, CView U, ModeInts& P, int n);
+
+// Turns each column of T so that its element in row P(j), which must not be 0, is real and
+// positive.
+void COLROT(CView T, const ModeInts& P, int n);
+
+// Sets real and imaginary parts of at most ZEROTOL to 0, for display.
+void ZEROSM(CView A, int n, double ZEROTOL);
+
+} // namespace lcp

@@ -1,0 +1,112 @@
+#include "kernels/matrix_kernels.h"
+
+#include "support/line_matrices.h"
+
+#include <gtest/gtest.h>
+
+using namespace lcp;
+using namespace lcp::test;
+
+TEST(MatrixKernels, ProductIsThePlainOneInEveryOrder) {
+  static LineMatrix A, B, C;
+  std::mt19937 random(11);
+  for (int n : {1, 2, 3, 8, 49}) {
+    for (LineMatrix* m : {&A, &B, &C}) fillNaN(*m);
+    fillRandom(A, n, n, random);
+    fillRandom(B, n, n, random);
+    CMATMUL(C, A, B, n);
+    ASSERT_TRUE(onlyCornerSet(C, n)) << n;
+    for (int j = 1; j <= n; ++j) {
+      for (int i = 1; i <= n; ++i) {
+        Complex sum = 0.0;
+        for (int l = 1; l <= n; ++l) sum += A(i, l) * B(l, j);
+        ASSERT_EQ(C(i, j), sum) << n;
+      }
+    }
+  }
+}
+
+TEST(MatrixKernels, PacksAndUnpacksACorner) {
+  static LineMatrix A, B;
+  std::mt19937 random(12);
+  fillNaN(A);
+  fillNaN(B);
+  fillRandom(A, 3, 2, random);
+  Complex P[6];
+  PACKC(A, P, 3, 2);
+  EXPECT_EQ(P[3], A(1, 2));
+  UNPACKC(B, P, 3, 2);
+  EXPECT_EQ(B(3, 2), A(3, 2));
+  EXPECT_TRUE(std::isnan(B(1, 3).real()) && std::isnan(B(4, 1).real()));
+}
+
+TEST(MatrixKernels, UnitColumns) {
+  static LineMatrix A;
+  static RealMatrix R;
+  fillNaN(A);
+  const Complex values[3][3] = {
+      {3.0, {0.0, 2e-31}, 0.0}, {{0.0, 4.0}, 0.0, 1e-20}, {0.0, 0.0, 0.0}};
+  for (int i = 1; i <= 3; ++i) {
+    for (int j = 1; j <= 3; ++j) A(i, j) = values[i - 1][j - 1];
+  }
+  REALPT(R, A, 3);
+  RCOLNORM(R, R, 3);
+  COLNORM(A, A, 3);
+  EXPECT_TRUE(onlyCornerSet(A, 3));
+  EXPECT_EQ(A(1, 1), 3.0 * (1.0 / 5.0));
+  EXPECT_EQ(A(2, 1), Complex(0.0, 4.0 * (1.0 / 5.0)));
+  EXPECT_EQ(A(1, 2), Complex(0.0, 2e-31)); // too short to be scaled
+  EXPECT_DOUBLE_EQ(A(2, 3).real(), 1.0);
+  EXPECT_EQ(R(1, 1), 1.0);
+  EXPECT_EQ(R(2, 1), 0.0);
+  EXPECT_EQ(R(1, 2), 0.0); // a zero column stays
+}
+
+TEST(MatrixKernels, PivotColumnsKeepTheProduct) {
+  static LineMatrix T, U;
+  ModeInts P;
+  std::mt19937 random(13);
+  const int n = 7;
+  fillNaN(T);
+  fillNaN(U);
+  fillRandom(T, n, n, random);
+  T(2, 1) = {0.0, 5.0}; // equal moduli: the last row counts
+  T(4, 1) = {-3.0, 4.0};
+  for (int i = 1; i <= n; ++i) T(i, 3) = 0.0; // no pivot at all
+  fillRandom(U, n, n, random);
+  const Complex row1 = U(1, 2), row3 = U(3, 5), pivot = T(4, 1);
+  PIVNORM(T, U, P, n);
+  EXPECT_TRUE(onlyCornerSet(T, n));
+  EXPECT_EQ(P[1], 4);
+  EXPECT_EQ(P[3], n);
+  EXPECT_EQ(U(1, 2), row1 * pivot);
+  EXPECT_EQ(U(3, 5), row3);
+  for (int j = 1; j <= n; ++j) {
+    for (int i = 1; i <= n; ++i) EXPECT_LE(std::abs(T(i, j)), 1.0 + 1e-15);
+    if (j != 3) {
+      EXPECT_EQ(T(P[j], j), 1.0);
+    }
+  }
+  T(P[2], 2) = {-0.6, 0.8};
+  const double other = std::abs(T(P[2] % n + 1, 2));
+  P[3] = 1;
+  T(1, 3) = 2.0;
+  COLROT(T, P, n);
+  EXPECT_NEAR(std::abs(T(P[2], 2) - 1.0), 0.0, 1e-15);
+  EXPECT_NEAR(std::abs(T(P[2] % n + 1, 2)), other, 1e-15);
+}
+
+TEST(MatrixKernels, DisplayCleanUp) {
+  static LineMatrix A;
+  fillNaN(A);
+  A(1, 1) = {1e-19, -1e-19};
+  A(2, 1) = {-2e-19, 1e-25};
+  A(1, 2) = {0.5e-19, 3.0};
+  A(2, 2) = {7.0, -1.1e-19};
+  ZEROSM(A, 2, 1e-19);
+  EXPECT_TRUE(onlyCornerSet(A, 2));
+  EXPECT_EQ(A(1, 1), 0.0);
+  EXPECT_EQ(A(2, 1), -2e-19);
+  EXPECT_EQ(A(1, 2), Complex(0.0, 3.0));
+  EXPECT_EQ(A(2, 2), Complex(7.0, -1.1e-19));
+}

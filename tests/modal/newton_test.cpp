@@ -1,0 +1,226 @@
+#include "modal/newton.h"
+
+#include "support/mode_walk.h"
+
+#include <gtest/gtest.h>
+
+using namespace lcp;
+using namespace lcp::test;
+
+namespace {
+
+int updates(int k) { return SOLVEDATA.first.NRITER[k]; }
+Complex& LSTEP(int k) { return SOLVEDATA.first.LSTEP[k]; }
+
+// Sum of |A x - l x| of a mode in units of the scale.
+double residual(const Walk& W, int k, int n) {
+  double e = 0.0;
+  for (int i = 1; i <= n; ++i) {
+    Complex r = -W.EIG[k] * W.TI(i, k);
+    for (int j = 1; j <= n; ++j) r += W.A(i, j) * W.TI(j, k);
+    e += std::abs(r) / W.s;
+  }
+  return e;
+}
+
+// Eigenvalue of mode k at the place t of a family of matrices.
+Complex eigenvalue(int k, double t) {
+  return {2.0 + std::cos(t + 1.3 * k), 0.5 * std::sin(2.0 * t - 0.7 * k)};
+}
+
+void family(LineMatrix& A, double t, int n) {
+  static LineMatrix X, XI, XL;
+  std::mt19937 random(51);
+  fillRandom(X, n, n, random);
+  for (int j = 1; j <= n; ++j) {
+    X(j, j) += 4.0 + Complex(0.0, t);
+    X(j % n + 1, j) *= std::polar(1.0, 0.8 * t);
+  }
+  INVCJD(XI, X, n);
+  for (int j = 1; j <= n; ++j) {
+    for (int i = 1; i <= n; ++i) XL(i, j) = X(i, j) * eigenvalue(j, t);
+  }
+  CMATMUL(A, XL, XI, n);
+}
+
+// A = diag(entries), mode k guessed as (l, x).
+struct Single {
+  LineMatrix A, TI, X;
+  ModeComplex EIG, L;
+  ModeInts P;
+  double s = 0.0;
+};
+
+bool solveDiagonal(Single& S, std::initializer_list<double> entries) {
+  int n = 0;
+  for (double a : entries) {
+    ++n;
+    for (int j = 1; j <= LDMAT; ++j) S.A(n, j) = 0.0;
+    S.A(n, n) = a;
+  }
+  return NREIG(S.EIG, S.TI, S.L, S.X, S.A, S.s, S.P, n);
+}
+
+} // namespace
+
+TEST(Newton, KeepsTheModesOfASmoothFamilyApart) {
+  static Walk W;
+  const int n = 6;
+  for (LineMatrix* m : {&W.A, &W.TI, &W.TIINV}) fillNaN(*m);
+  family(W.A, 0.0, n);
+  start(W, n);
+  Table<int, n> mode; // of the family, in the numbering of the decomposition
+  for (int k = 1; k <= n; ++k) {
+    for (int m = 1; m <= n; ++m) {
+      if (std::abs(W.EIG[k] - eigenvalue(m, 0.0)) < 1e-6) mode[k] = m;
+    }
+  }
+  for (int i = 1; i < 150; ++i) {
+    const double t = 0.02 * i;
+    family(W.A, t, n);
+    ASSERT_TRUE(step(W, n)) << t;
+    for (int k = 1; k <= n; ++k) {
+      ASSERT_LE(updates(k), 9) << t;
+      ASSERT_LT(std::abs(W.EIG[k] - eigenvalue(mode[k], t)), 1e-6) << t << ' ' << k;
+      ASSERT_LT(residual(W, k, n), 1.001e-8) << t << ' ' << k;
+    }
+  }
+  EXPECT_TRUE(onlyCornerSet(W.TI, n));
+}
+
+TEST(Newton, EndsAtTheModesOfAFreshDecomposition) {
+  static Walk W, fresh;
+  const int n = 12;
+  lineProduct(W.A, 50.0, towers(n));
+  start(W, n);
+  for (double f = 50.0; f < 500.0;) {
+    f *= 1.03;
+    lineProduct(W.A, f, towers(n));
+    ASSERT_TRUE(step(W, n)) << f;
+  }
+  fresh.A = W.A;
+  start(fresh, n);
+  std::vector<double> nearest(n, 1.0);
+  for (int k = 1; k <= n; ++k) {
+    for (int m = 1; m <= n; ++m) {
+      double& d = nearest[static_cast<std::size_t>(m - 1)];
+      d = std::min(d, std::abs(W.EIG[k] / fresh.EIG[m] - 1.0));
+    }
+  }
+  for (double d : nearest) EXPECT_LT(d, 1e-7); // every mode of the decomposition was kept
+}
+
+TEST(Newton, ExactGuessLeavesTheOutputAlone) {
+  static Walk W;
+  const int n = 3;
+  lineProduct(W.A, 60.0, towers(n));
+  start(W, n);
+  ASSERT_TRUE(step(W, n));
+  const LineMatrix TI = W.TI;
+  const ModeComplex EIG = W.EIG;
+  ASSERT_TRUE(step(W, n));
+  for (int k = 1; k <= n; ++k) {
+    EXPECT_EQ(updates(k), 1);
+    EXPECT_EQ(W.EIG[k], EIG[k]);
+    for (int i = 1; i <= n; ++i) EXPECT_EQ(W.TI(i, k), TI(i, k));
+  }
+}
+
+TEST(Newton, StepsAreLimited) {
+  Single S;
+  S.P.fill(1);
+  S.X(1, 1) = 1.0;
+  // Eigenvalue 1 from 1.2 by 5 % each: 1.14, 1.083, 1.02885, 1.
+  S.L[1] = 1.2;
+  EXPECT_TRUE(solveDiagonal(S, {7.0}));
+  EXPECT_EQ(updates(1), 4);
+  EXPECT_NEAR(S.EIG[1].real(), 7.0, 1e-12);
+  EXPECT_EQ(S.s, 7.0);
+  // An element of the vector from 0.11 to 0 by 0.025 each: the fifth step is a full one.
+  S.L[1] = 0.5;
+  S.X(2, 1) = {0.0, 0.11};
+  S.L[2] = 1.5;
+  S.X(2, 2) = 1.0;
+  S.P[2] = 2;
+  EXPECT_TRUE(solveDiagonal(S, {1.0, 3.0}));
+  EXPECT_EQ(updates(1), 5);
+  EXPECT_EQ(updates(2), 1);
+  EXPECT_EQ(LSTEP(1), 0.5);
+}
+
+TEST(Newton, FailingModeLeavesTheOthersAlone) {
+  Single S;
+  // Mode 1: a step of the eigenvalue 0 is limited to nothing. Mode 2 converges.
+  S.P[1] = 1;
+  S.X(1, 1) = 1.0;
+  S.L[1] = 0.0;
+  S.P[2] = 2;
+  S.X(2, 2) = 1.0;
+  S.L[2] = 1.4;
+  EXPECT_FALSE(solveDiagonal(S, {1.0, 3.0}));
+  EXPECT_EQ(updates(1), MAXNEWTON + 1);
+  EXPECT_EQ(S.EIG[1], 0.0);
+  EXPECT_EQ(S.TI(1, 1), 1.0);
+  EXPECT_LE(updates(2), 3);
+  EXPECT_NEAR(std::abs(S.EIG[2] - 3.0), 0.0, 1e-7);
+}
+
+TEST(Newton, SingularJacobianMovesTheEigenvalue) {
+  Single S;
+  const double grown = std::pow(1.01, MAXNEWTON);
+  for (Complex before : {Complex(0.0), Complex(0.2, 0.3)}) {
+    // A zero vector has a singular Jacobian at any eigenvalue.
+    S.P.fill(1);
+    S.TI(1, 1) = 42.0;
+    S.L[1] = {0.5, -0.1};
+    LSTEP(1) = before;
+    S.X(2, 2) = 1.0;
+    S.P[2] = 2;
+    S.L[2] = 1.5;
+    EXPECT_FALSE(solveDiagonal(S, {1.0, 3.0}));
+    EXPECT_EQ(updates(1), MAXNEWTON + 1);
+    EXPECT_LT(std::abs(LSTEP(1) / grown - (before == 0.0 ? S.L[1] : before)), 1e-13);
+    EXPECT_EQ(S.EIG[1], 2.0 * LSTEP(1));
+    EXPECT_EQ(S.TI(1, 1), 42.0); // no vector was found
+  }
+  // At one of two equal eigenvalues the way is open again after one such move.
+  S.X(1, 1) = 1.0;
+  S.X(3, 1) = 0.01;
+  S.L[1] = LSTEP(1) = 0.6;
+  S.X(3, 3) = 1.0;
+  S.L[2] = 0.6;
+  S.P[3] = 3;
+  S.L[3] = 1.8;
+  EXPECT_TRUE(solveDiagonal(S, {1.0, 1.0, 3.0}));
+  EXPECT_GE(updates(1), 2);
+  EXPECT_NEAR(std::abs(S.EIG[1] - 1.0), 0.0, 1e-7);
+}
+
+TEST(ModeTracking, RestoresOrderAndSigns) {
+  static LineMatrix V, TI, TIINV;
+  ModeComplex EIG;
+  std::mt19937 random(52);
+  const int n = 5, from[] = {4, 2, 5, 1, 3};
+  const double sign[] = {-1.0, 1.0, 1.0, -1.0, -1.0};
+  fillNaN(TI);
+  fillNaN(TIINV);
+  fillRandom(V, n, n, random);
+  for (int k = 1; k <= n; ++k) {
+    for (int i = 1; i <= n; ++i) TI(i, k) = sign[k - 1] * V(i, from[k - 1]) + 1e-3 * i;
+    EIG[k] = 10.0 * from[k - 1];
+  }
+  INVCJD(TIINV, TI, n);
+  MTRACK(TI, TIINV, V, EIG, n);
+  EXPECT_TRUE(onlyCornerSet(TI, n));
+  EXPECT_LT(distanceFromInverse(TIINV, TI, n), 1e-13);
+  for (int k = 1; k <= n; ++k) {
+    EXPECT_EQ(EIG[k], 10.0 * k);
+    for (int i = 1; i <= n; ++i) EXPECT_LT(std::abs(TI(i, k) - V(i, k)), 6e-3) << k;
+  }
+  // Among equally near vectors the first one counts; it is reversed, and turned.
+  for (int i = 1; i <= n; ++i) TI(i, 1) = TI(i, 2) = -V(i, 1);
+  EIG[2] = 99.0;
+  MTRACK(TI, TIINV, V, EIG, 2);
+  EXPECT_EQ(EIG[1], 10.0);
+  EXPECT_EQ(TI(1, 1), V(1, 1));
+}
