@@ -33,7 +33,4 @@ constexpr int ROWELEMENTS = 25;    // elements of a matrix row on one line of a 
 constexpr int BERGERONVALUES = 40; // values of a mode on one line of a Bergeron file
 constexpr int MANUALCOLUMNS = 99;  // columns of a manual output file that are copied
 
-// Message package
-constexpr int MAXNAMES = 100; // depth of the stack of routine names
-
 } // namespace lcp

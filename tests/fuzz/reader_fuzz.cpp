@@ -32,9 +32,10 @@ namespace {
 
 void checkTables() {
   const ConductorTable& C = RUNDATA.cond;
-  if (C.NCOND < 0 || C.NCOND > MAXCOND || RUNDATA.line.NC < 0 || RUNDATA.line.NC > MAXEQUIV) {
-    std::abort();
-  }
+  // a cable system counts its conductors in the solve only
+  const int most = RUNDATA.run.ISCABLE == OVERHEADLINE ? MAXEQUIV : MAXCOND;
+  const int NC = RUNDATA.line.NC;
+  if (C.NCOND < 0 || C.NCOND > MAXCOND || NC < 0 || NC > most) std::abort();
   for (int i = 1; i <= C.NCOND; ++i) {
     if (C.CMAP[i] < MAPKEPT || C.CMAP[i] > C.NCOND) std::abort();
   }
