@@ -135,5 +135,6 @@ TEST(FirstLoop, ASearchIsToldOnceForTheSolveAndOnceForTheStep) {
             2);
   EXPECT_EQ(count("NEWTON-RAPHSON"), 2);
   EXPECT_EQ(count(" Frequency Step # 47: "), 2);
-  EXPECT_GT(count("<>>>>>>>>>>"), 6); // a digit deeper, ten sub-steps, the step's own frequency last
+  EXPECT_GT(count("<>>>>>>>>>>"),
+            6); // a digit deeper, ten sub-steps, the step's own frequency last
 }
