@@ -1,0 +1,56 @@
+// The fitted phase-domain model: poles and residues of the characteristic admittance Yc and of the
+// propagation matrix H. At s = j w, with letters r, c for the element, g for a delay group and m
+// for a pole:
+//
+//   Yc(r,c) = YD(r,c) + sum over m of YRES(r,c)[m] / (s - YPOLE[m])
+//   H(r,c)  = sum over g of exp(-s TAU[g]) sum over m of HRES[g](r,c)[m] / (s - HPOLE[g][m])
+//
+// All elements of Yc share their poles, all elements of H those of each group. Complex poles come
+// in conjugate pairs side by side, with conjugate residues; no pole has a positive real part.
+#pragma once
+
+#include "base/big_store.h"
+#include "base/matrix.h"
+#include "store/capacities.h"
+#include "store/solvedata.h"
+
+namespace lcp {
+
+using PoleTable = Table<Complex, MAXPOLES>;
+using GroupReals = Table<double, NGMAX>;
+using GroupInts = Table<int, NGMAX>;
+
+// The residues of every element over one set of poles, those of an element side by side.
+struct ResidueMatrix {
+  PoleTable elements[static_cast<std::size_t>(LDMAT) * LDMAT];
+
+  PoleTable& operator()(int r, int c) {
+    checkIndex(r, LDMAT);
+    checkIndex(c, LDMAT);
+    return elements[static_cast<std::ptrdiff_t>(c - 1) * LDMAT + (r - 1)];
+  }
+  const PoleTable& operator()(int r, int c) const {
+    checkIndex(r, LDMAT);
+    checkIndex(c, LDMAT);
+    return elements[static_cast<std::ptrdiff_t>(c - 1) * LDMAT + (r - 1)];
+  }
+};
+
+struct FitModel {
+  int NC;             // conductors: the order of all matrices
+  int NPY;            // poles of Yc
+  PoleTable YPOLE;    // rad/s
+  ResidueMatrix YRES; // S rad/s; symmetric
+  RealMatrix YD;      // constant term, S; symmetric
+
+  int NGROUP;                       // delay groups
+  GroupReals TAU;                   // delay of group g, s; 0 beyond NGROUP
+  GroupInts NH;                     // poles of group g
+  Table<PoleTable, NGMAX> HPOLE;    // rad/s
+  Table<ResidueMatrix, NGMAX> HRES; // rad/s
+};
+
+// Mapped before anything of a file that includes this is initialised.
+inline FitModel& FITMODEL = bigStore<FitModel>();
+
+} // namespace lcp
