@@ -125,6 +125,7 @@ void PIVNORM(CView T, CView U, ModeInts& P, int n) {
 void COLROT(CView T, const ModeInts& P, int n) {
   for (int j = 1; j <= n; ++j) {
     const Complex x = T(P[j], j);
+    if (x == 0.0) continue;
     const Complex turn = std::abs(x) / x;
     for (int i = 1; i <= n; ++i) T(i, j) *= turn;
   }

@@ -42,8 +42,8 @@ void REALPT(RView R, CConstView A, int n);
 // equals. A column without an element above 1e-30 stays as it is.
 void PIVNORM(CView T, CView U, ModeInts& P, int n);
 
-// Turns each column of T so that its element in row P(j), which must not be 0, is real and
-// positive.
+// Turns each column of T so that its element in row P(j) is real and positive; a column with 0
+// there stays as it is.
 void COLROT(CView T, const ModeInts& P, int n);
 
 // Sets real and imaginary parts of at most ZEROTOL to 0, for display.

@@ -94,6 +94,9 @@ TEST(MatrixKernels, PivotColumnsKeepTheProduct) {
   COLROT(T, P, n);
   EXPECT_NEAR(std::abs(T(P[2], 2) - 1.0), 0.0, 1e-15);
   EXPECT_NEAR(std::abs(T(P[2] % n + 1, 2)), other, 1e-15);
+  T(P[2], 2) = 0.0; // no direction to turn to
+  COLROT(T, P, n);
+  EXPECT_NEAR(std::abs(T(P[2] % n + 1, 2)), other, 1e-15);
 }
 
 TEST(MatrixKernels, DisplayCleanUp) {
