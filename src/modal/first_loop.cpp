@@ -28,31 +28,12 @@ void storeConstants(int k) {
   SOLVEDATA.at.ZSTORE.store(k, SOLVEDATA.first.ZMAT, n);
 }
 
-// Modes of one ideally transposed circuit: a ground mode and NC - 1 equal aerial modes, with a
-// constant real transformation.
-void idealTransformation() {
-  FirstLoopStore& S = SOLVEDATA.first;
-  const int n = RUNDATA.line.NC;
-  for (int i = 1; i <= n; ++i) {
-    for (int c = 1; c <= n; ++c) S.TI(i, c) = 0.0;
-    S.TI(i, 1) = 1.0;
-    for (int c = 2; c <= i; ++c) S.TI(i, c) = -1.0 / (n - c + 1);
-    if (i < n) S.TI(i, i + 1) = 1.0;
-  }
-  COLNORM(S.TI, S.TI, n);
-  for (int j = 1; j <= n; ++j) {
-    for (int i = 1; i <= n; ++i) S.TIINV(i, j) = S.TI(j, i);
-  }
-}
-
 void idealStep(int k) {
   FirstLoopStore& S = SOLVEDATA.first;
   const int n = RUNDATA.line.NC;
   if (k == 1) idealTransformation();
-  const Complex p = S.PMAT(1, 1);
-  const Complex q = n > 1 ? S.PMAT(1, 2) : Complex();
-  SOLVEDATA.at.MEIG(k, 1) = p + static_cast<double>(n - 1) * q;
-  for (int i = 2; i <= n; ++i) SOLVEDATA.at.MEIG(k, i) = p - q;
+  idealEigenvalues(S.EIG, S.PMAT, n);
+  for (int i = 1; i <= n; ++i) SOLVEDATA.at.MEIG(k, i) = S.EIG[i];
   storeConstants(k);
 }
 
@@ -125,6 +106,28 @@ bool isIdeallyTransposed() {
     if (C.CTRANSP[i] != 1 || C.CCIRC[i] > 1) return false;
   }
   return true;
+}
+
+void idealTransformation() {
+  FirstLoopStore& S = SOLVEDATA.first;
+  const int n = RUNDATA.line.NC;
+  for (int i = 1; i <= n; ++i) {
+    for (int c = 1; c <= n; ++c) S.TI(i, c) = 0.0;
+    S.TI(i, 1) = 1.0;
+    for (int c = 2; c <= i; ++c) S.TI(i, c) = -1.0 / (n - c + 1);
+    if (i < n) S.TI(i, i + 1) = 1.0;
+  }
+  COLNORM(S.TI, S.TI, n);
+  for (int j = 1; j <= n; ++j) {
+    for (int i = 1; i <= n; ++i) S.TIINV(i, j) = S.TI(j, i);
+  }
+}
+
+void idealEigenvalues(ModeComplex& L, const LineMatrix& P, int n) {
+  const Complex p = P(1, 1);
+  const Complex q = n > 1 ? P(1, 2) : Complex();
+  L[1] = p + static_cast<double>(n - 1) * q;
+  for (int i = 2; i <= n; ++i) L[i] = p - q;
 }
 
 void firstFrequencyLoop() {

@@ -7,7 +7,10 @@
 #include "modal/frequency_grid.h"
 #include "modal/line_constants.h"
 #include "modal/second_loop.h"
+#include "output/manual_output.h"
 #include "output/model_file.h"
+#include "output/output_file.h"
+#include "output/phase_model_file.h"
 #include "output/report.h"
 #include "store/rundata.h"
 #include "store/solvedata.h"
@@ -25,29 +28,24 @@ void checkConductors() {
   stop(1);
 }
 
-bool openOutput(TextFile& file, const FileName& name) {
-  if (file.open(name.whole())) return true;
-  console::line();
-  console::line(" ****** corvo.exe: ERROR *****");
-  console::print("Cannot Open Output file ! ******{}", name.whole());
-  return false;
+void writeModel(TextFile& file) {
+  const ModelChoice& M = RUNDATA.model;
+  if (M.MODPI) writePiModel(file);
+  if (M.MODBERG) writeBergeronModel(file);
+  if (M.MODFDM) unavailable("Frequency Dependent (Mode) Model");
+  if (M.MODFDP) writePhaseModel(file);
+  if (M.MODMFDTD) unavailable("MFDTD Model");
 }
 
-// False when the model file cannot be opened.
+// False when the model file cannot be opened, or replaced by the user's own.
 bool runModel() {
   const ModelChoice& M = RUNDATA.model;
-  if (M.MODFDM) unavailable("Frequency Dependent (Mode) Model");
-  if (M.MODFDP) unavailable("Frequency Dependent (Phase) Model");
-  if (M.MODMFDTD) unavailable("MFDTD Model");
   TextFile file;
   if (!openOutput(file, RUNDATA.run.FOUTM)) return false;
-  if (M.MODPI) {
-    writePiModel(file);
-  } else {
-    writeBergeronModel(file);
-  }
+  writeModel(file);
   file.close();
-  return true;
+  const bool replaced = RUNDATA.display.MANOUT && (M.MODFDP || M.MODMFDTD);
+  return !replaced || copyManualOutput();
 }
 
 void runComponent() {
@@ -70,6 +68,7 @@ void QUENT() {
   if (RUNDATA.run.DATAFMT == ROUTEMULTIPLE) unavailable("Multiple Y and Z Data");
   SOLVEDATA.first.IDEALT = isIdeallyTransposed();
   layGrid();
+  if (RUNDATA.model.fitted() && RUNDATA.fit.WDETAIL) unavailable("Detailed Output Files");
   firstFrequencyLoop();
   alignVectors();
   secondFrequencyLoop();

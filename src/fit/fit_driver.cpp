@@ -1,0 +1,76 @@
+#include "fit/fit_driver.h"
+
+#include "base/console.h"
+#include "base/stop.h"
+#include "fit/admittance_fit.h"
+#include "fit/fit_console.h"
+#include "fit/propagation_fit.h"
+#include "modal/line_constants.h"
+#include "store/fitmodel.h"
+#include "store/rundata.h"
+
+namespace lcp {
+
+namespace {
+
+constexpr double PERCENT = 0.01;
+constexpr double LARGEDELAY = 1.0; // s
+
+void printHeading() {
+  console::line();
+  console::line();
+  fitRule('=');
+  console::line(" CURVE FITTING OUTPUT");
+  fitRule('=');
+  console::line();
+  console::line(" Fitting Characteristic Admittance Yc:");
+  fitRule('=');
+}
+
+// The elements below the diagonal stand for both.
+void makeSymmetric() {
+  const int n = FITMODEL.NC;
+  for (int c = 1; c <= n; ++c) {
+    for (int r = c + 1; r <= n; ++r) {
+      for (int m = 1; m <= FITMODEL.NPY; ++m) FITMODEL.YRES(c, r)[m] = FITMODEL.YRES(r, c)[m];
+      FITMODEL.YD(c, r) = FITMODEL.YD(r, c);
+    }
+  }
+}
+
+void fitAdmittance() {
+  const FitOptions& F = RUNDATA.fit;
+  printHeading();
+  YCFIT({F.ERRY * PERCENT, F.MAXPY, F.DCCORR});
+  fitRule('=');
+  console::line();
+  makeSymmetric();
+}
+
+void checkDelay(double tau) {
+  if (tau < 0.0) {
+    console::openStars();
+    console::print("The travel time ({} s) is negative ", tau);
+    console::closeStars();
+    console::line("QUENT Ending!");
+    stop(1);
+  }
+  if (tau > LARGEDELAY) {
+    console::print("*WARNING*: The travel time ({} s ) ", tau);
+    console::line(" is very large");
+  }
+}
+
+} // namespace
+
+void FITDRIVE() {
+  const FitOptions& F = RUNDATA.fit;
+  FITMODEL.NC = RUNDATA.line.NC;
+  fitAdmittance();
+  HFIT({F.ERRA, F.MAXPA, F.RPRATIO, F.DCCORR});
+  if (RUNDATA.passivity.PITERSET) unavailable("Passivity Enforcement");
+  fitRule('=');
+  for (int g = 1; g <= FITMODEL.NGROUP; ++g) checkDelay(FITMODEL.TAU[g]);
+}
+
+} // namespace lcp

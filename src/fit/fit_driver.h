@@ -1,0 +1,11 @@
+// The phase-domain fit, from the sampled Yc and H to the record that the model file is written
+// from.
+#pragma once
+
+namespace lcp {
+
+// Fits Yc and H of the solve store into FITMODEL, with the options of the run store, and prints the
+// fit tables. A negative delay ends the run with a message, exit status 1.
+void FITDRIVE();
+
+} // namespace lcp

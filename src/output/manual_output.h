@@ -1,0 +1,11 @@
+// A user's file in place of the computed model file.
+#pragma once
+
+namespace lcp {
+
+// Copies the lines of MANOUTF, which must exist, over FOUTM: each line in 99 columns, longer ones
+// cut, shorter ones filled up with blanks. False, behind a message, when one of the files cannot be
+// opened; a read error ends the run, exit status 1.
+bool copyManualOutput();
+
+} // namespace lcp

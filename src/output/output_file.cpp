@@ -1,0 +1,19 @@
+#include "output/output_file.h"
+
+#include "base/console.h"
+
+namespace lcp {
+
+void sayCannotOpen(const FileName& name) {
+  console::line();
+  console::line(" ****** corvo.exe: ERROR *****");
+  console::print("Cannot Open Output file ! ******{}", name.whole());
+}
+
+bool openOutput(TextFile& file, const FileName& name) {
+  if (file.open(name.whole())) return true;
+  sayCannotOpen(name);
+  return false;
+}
+
+} // namespace lcp

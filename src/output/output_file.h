@@ -1,0 +1,15 @@
+// Opening of the files of a solve.
+#pragma once
+
+#include "base/text_file.h"
+#include "store/run_groups.h"
+
+namespace lcp {
+
+// The message for a file of a solve that cannot be opened.
+void sayCannotOpen(const FileName& name);
+
+// Opens a file for writing; false, behind the message, when that fails.
+bool openOutput(TextFile& file, const FileName& name);
+
+} // namespace lcp

@@ -1,0 +1,30 @@
+#include "output/phase_model_file.h"
+
+#include "fit/fit_driver.h"
+#include "modal/line_constants.h"
+#include "output/fit_parameters.h"
+#include "output/model_file.h"
+#include "store/rundata.h"
+
+namespace lcp {
+
+namespace {
+
+void writeFirstLine(TextFile& file) {
+  Record record("Fre-Phase ");
+  record.integer(RUNDATA.line.NC, 2).column(14).text("0").column(30).text("1").column(41).text("1");
+  file.line(record.general(RUNDATA.run.LINELEN, 16, 7).text(" /"));
+}
+
+} // namespace
+
+void writePhaseModel(TextFile& file) {
+  writeModelHead(file);
+  writeFirstLine(file);
+  writeFlagLines(file);
+  FITDRIVE();
+  FITPARMS(file);
+  if (RUNDATA.passivity.PFLOSET) unavailable("Passivity Check");
+}
+
+} // namespace lcp
