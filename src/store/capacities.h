@@ -28,6 +28,16 @@ constexpr int LDMAT = 49;     // order and leading dimension of a line matrix
 constexpr int MAXFREQ = 1020; // frequency steps
 constexpr int MAXINV = 120;   // largest order that the inversion kernels take
 
+// Rational fits
+constexpr int NPMAX = 100;            // poles of a fit
+constexpr int MAXPOLES = NPMAX + 1;   // ... with room for the real pole of a DC correction
+constexpr int NGMAX = LDMAT;          // delay groups
+constexpr int LSROWS = 2 * MAXFREQ;   // rows of a least-squares problem: real above imaginary parts
+constexpr int LSCOLS = 2 * NPMAX + 4; // its columns, of a fit with one set of poles
+constexpr int LSRHS = LDMAT * LDMAT;  // its right-hand sides, one an element of a line matrix
+constexpr int MAXCOLUMNS = NGMAX * MAXPOLES; // columns of a problem over all delay groups
+constexpr int LSWORK = 6120;                 // work numbers of a LAPACK call in a fit
+
 // Writing
 constexpr int ROWELEMENTS = 25;    // elements of a matrix row on one line of a file
 constexpr int BERGERONVALUES = 40; // values of a mode on one line of a Bergeron file
