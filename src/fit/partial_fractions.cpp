@@ -1,0 +1,116 @@
+#include "fit/partial_fractions.h"
+
+#include "base/console.h"
+
+#include <algorithm>
+
+namespace lcp {
+
+void classifyPoles(const PoleTable& P, int N, PoleClasses& CINDEX) {
+  std::fill_n(CINDEX.data(), N, REALPOLE);
+  for (int m = 1; m <= N; ++m) {
+    if (P[m].imag() == 0) continue;
+    if (m > 1 && CINDEX[m - 1] == PAIRFIRST) {
+      CINDEX[m] = PAIRSECOND;
+    } else {
+      CINDEX[m] = PAIRFIRST;
+      if (m < N) CINDEX[m + 1] = PAIRSECOND;
+    }
+  }
+}
+
+namespace {
+
+Complex timesJ(Complex z) { return {-z.imag(), z.real()}; }
+
+Complex pairSum(Complex s, Complex p) { return poleTerm(s, p) + poleTerm(s, std::conj(p)); }
+
+Complex pairDifference(Complex s, Complex p) {
+  return timesJ(poleTerm(s, p)) - timesJ(poleTerm(s, std::conj(p)));
+}
+
+} // namespace
+
+Complex basisFunction(const PoleTable& P, const PoleClasses& CINDEX, int m, Complex s) {
+  switch (CINDEX[m]) {
+  case REALPOLE: return poleTerm(s, P[m]);
+  case PAIRFIRST: return pairSum(s, P[m]);
+  case PAIRSECOND: return pairDifference(s, P[m - 1]);
+  default: console::line("ERROR 2"); return 0;
+  }
+}
+
+void basisCurve(const PoleTable& P, const PoleClasses& CINDEX, int m, const FreqCurve& WFREQ,
+                int NS, ComplexCurve& phi) {
+  const Complex p = P[CINDEX[m] == PAIRSECOND ? m - 1 : m];
+  switch (CINDEX[m]) {
+  case REALPOLE: poleCurve(p, WFREQ, NS, phi); break;
+  case PAIRFIRST:
+    for (int k = 1; k <= NS; ++k) phi[k] = pairSum(Complex(0, WFREQ[k]), p);
+    break;
+  case PAIRSECOND:
+    for (int k = 1; k <= NS; ++k) phi[k] = pairDifference(Complex(0, WFREQ[k]), p);
+    break;
+  default:
+    console::line("ERROR 2");
+    for (int k = 1; k <= NS; ++k) phi[k] = 0;
+  }
+}
+
+void curveColumn(const ComplexCurve& F, const FreqCurve& WFIT, int NS, ColumnRows to) {
+  for (int k = 1; k <= NS; ++k) {
+    to.re[k - 1] = WFIT[k] * F[k].real();
+    to.im[k - 1] = WFIT[k] * F[k].imag();
+  }
+}
+
+void constantColumn(const FreqCurve& WFIT, int NS, ColumnRows to) {
+  std::copy_n(WFIT.steps, NS, to.re);
+  std::fill_n(to.im, NS, 0.0);
+}
+
+void proportionalColumn(const FreqCurve& WFREQ, const FreqCurve& WFIT, int NS, ColumnRows to) {
+  std::fill_n(to.re, NS, 0.0);
+  for (int k = 1; k <= NS; ++k) to.im[k - 1] = WFIT[k] * WFREQ[k];
+}
+
+Complex residueOf(const PoleClasses& CINDEX, int m, RConstView X, int c) {
+  switch (CINDEX[m]) {
+  case PAIRFIRST: return {X(m, c), X(m + 1, c)};
+  case PAIRSECOND: return {X(m - 1, c), -X(m, c)};
+  default: return {X(m, c), 0};
+  }
+}
+
+void residuesOf(const PoleClasses& CINDEX, int N, RConstView X, int c, PoleTable& R) {
+  for (int m = 1; m <= N; ++m) R[m] = residueOf(CINDEX, m, X, c);
+}
+
+double basisFactor(const PoleClasses& CINDEX, int m, const PoleTable& R) {
+  return CINDEX[m] == PAIRSECOND ? R[m - 1].imag() : R[m].real();
+}
+
+Complex partialFractions(const PoleTable& P, const PoleTable& R, int N, double D, double E,
+                         Complex s) {
+  Complex F = D + s * E;
+  for (int m = 1; m <= N; ++m) F += R[m] * poleTerm(s, P[m]);
+  return F;
+}
+
+void partialFractionCurve(const PoleTable& P, const PoleTable& R, int N, double D, double E,
+                          const FreqCurve& WFREQ, int NS, ComplexCurve& F) {
+  for (int k = 1; k <= NS; ++k) F[k] = Complex(D, WFREQ[k] * E);
+  for (int m = 1; m <= N; ++m) {
+    for (int k = 1; k <= NS; ++k) F[k] += R[m] * poleTerm(Complex(0, WFREQ[k]), P[m]);
+  }
+}
+
+void poleCurve(Complex p, const FreqCurve& WFREQ, int NS, ComplexCurve& u) {
+  for (int k = 1; k <= NS; ++k) u[k] = poleTerm(Complex(0, WFREQ[k]), p);
+}
+
+void addTimes(Complex R, const ComplexCurve& u, int NS, ComplexCurve& F) {
+  for (int k = 1; k <= NS; ++k) F[k] += R * u[k];
+}
+
+} // namespace lcp
