@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 extern "C" {
 void dgelsy_(const int* m, const int* n, const int* nrhs, double* a, const int* lda, double* b,
@@ -42,12 +43,27 @@ int DGELSY(RView A, RView B, int m, int n, int nrhs, double rcond) {
   return DGELSY(A, B, m, n, nrhs, JPVT, rcond);
 }
 
+namespace {
+
+bool allNumbers(RView A, int n) {
+  for (int c = 1; c <= n; ++c) {
+    const double* a = A.column(c);
+    if (std::any_of(a, a + n, [](double x) { return std::isnan(x); })) return false;
+  }
+  return true;
+}
+
+} // namespace
+
 void DGEEV(RView A, int n, Table<double, NPMAX>& WR, Table<double, NPMAX>& WI) {
+  const bool numbers = allNumbers(A, n); // LAPACK may end the process otherwise
+  // What stands where an iteration without end leaves values out.
+  std::fill_n(WR.data(), n, numbers ? 0.0 : std::numeric_limits<double>::quiet_NaN());
+  std::fill_n(WI.data(), n, 0.0);
+  if (!numbers) return;
   const int one = 1;
   double none = 0; // the vectors, which are not asked for
   int info = 0;
-  std::fill_n(WR.data(), n, 0.0); // what an iteration without end leaves out
-  std::fill_n(WI.data(), n, 0.0);
   dgeev_("N", "N", &n, A.first, &A.ld, WR.data(), WI.data(), &none, &one, &none, &one, work,
          &LSWORK, &info, 1, 1);
 }

@@ -37,7 +37,7 @@ int DGELSY(RView A, RView B, int m, int n, int nrhs, double rcond);
 
 // Eigenvalues WR + j WI of the real matrix A of order n up to NPMAX, in the order in which LAPACK
 // finds them: the two of a pair side by side, exact conjugates, positive imaginary part first.
-// A is overwritten.
+// A is overwritten. A matrix with an element that is no number has eigenvalues that are none.
 void DGEEV(RView A, int n, Table<double, NPMAX>& WR, Table<double, NPMAX>& WI);
 
 // Singular values S, falling, of A (m by n, overwritten) and its singular vectors: U is m by
