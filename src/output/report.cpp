@@ -5,6 +5,7 @@
 #include "modal/long_line.h"
 #include "modal/report_modes.h"
 #include "modal/sequence.h"
+#include "store/fitmodel.h"
 #include "store/rundata.h"
 #include "store/solvedata.h"
 
@@ -195,7 +196,11 @@ void SEQMATS(TextFile& file, int n) {
   writeMatrix(file, " SEQUENCE ADMITTANCE MATRIX (Ysq) [mhos/m]: ", sequences, n);
 }
 
-// The recommended time step is a tenth of the smallest delay (ms).
+std::span<const double> first(std::span<const double> values, int n) {
+  return values.first(static_cast<std::size_t>(n));
+}
+
+// The recommended time step is a tenth of the smallest delay. Delays in ms, or else in s.
 void MINDELAY(TextFile& file, std::span<const double> delays, bool milliseconds) {
   double m = 1e6;
   for (const double delay : delays) m = std::min(m, delay);
@@ -231,10 +236,8 @@ void writeReport(TextFile& file) {
   }
   if (M.MODPI || M.MODBERG) writeModalDomain(file, n);
   if (hasSequenceMatrices()) SEQMATS(file, n);
-  if (M.MODBERG) {
-    MINDELAY(file, std::span(SOLVEDATA.second.TAUMS.entries).first(static_cast<std::size_t>(n)),
-             true);
-  }
+  if (M.MODBERG) MINDELAY(file, first(SOLVEDATA.second.TAUMS.entries, n), true);
+  if (M.MODFDP) MINDELAY(file, first(FITMODEL.TAU.entries, FITMODEL.NGROUP), false);
 }
 
 } // namespace lcp
