@@ -21,20 +21,7 @@ using GroupReals = Table<double, NGMAX>;
 using GroupInts = Table<int, NGMAX>;
 
 // The residues of every element over one set of poles, those of an element side by side.
-struct ResidueMatrix {
-  PoleTable elements[static_cast<std::size_t>(LDMAT) * LDMAT];
-
-  PoleTable& operator()(int r, int c) {
-    checkIndex(r, LDMAT);
-    checkIndex(c, LDMAT);
-    return elements[static_cast<std::ptrdiff_t>(c - 1) * LDMAT + (r - 1)];
-  }
-  const PoleTable& operator()(int r, int c) const {
-    checkIndex(r, LDMAT);
-    checkIndex(c, LDMAT);
-    return elements[static_cast<std::ptrdiff_t>(c - 1) * LDMAT + (r - 1)];
-  }
-};
+using ResidueMatrix = SquareStore<PoleTable, LDMAT>;
 
 struct FitModel {
   int NC;             // conductors: the order of all matrices
