@@ -263,6 +263,7 @@ void finishCircuit() {
   ConductorTable& C = RUNDATA.cond;
   const int f = firstEntry();
   const int l = C.NCOND + (READER.CURSUB - 1) * READER.CURN;
+  checkConductorCount(l); // the count may have followed the bundle
   if (READER.CURN == 0) clearEntry(f);
   for (int e = f; e <= l; ++e) {
     for (CondReals ConductorTable::*field :
