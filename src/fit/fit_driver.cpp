@@ -3,6 +3,7 @@
 #include "base/console.h"
 #include "base/stop.h"
 #include "fit/admittance_fit.h"
+#include "fit/dc_values.h"
 #include "fit/fit_console.h"
 #include "fit/propagation_fit.h"
 #include "modal/line_constants.h"
@@ -47,6 +48,13 @@ void fitAdmittance() {
   makeSymmetric();
 }
 
+void fitPropagation() {
+  static RealMatrix YDC, HDC;
+  const FitOptions& F = RUNDATA.fit;
+  if (F.DCCORR >= DCCONSTRAINED) DCVALUES(YDC, HDC);
+  HFIT({F.ERRA, F.MAXPA, F.RPRATIO, F.DCCORR, &HDC});
+}
+
 void checkDelay(double tau) {
   if (tau < 0.0) {
     console::openStars();
@@ -64,10 +72,9 @@ void checkDelay(double tau) {
 } // namespace
 
 void FITDRIVE() {
-  const FitOptions& F = RUNDATA.fit;
   FITMODEL.NC = RUNDATA.line.NC;
   fitAdmittance();
-  HFIT({F.ERRA, F.MAXPA, F.RPRATIO, F.DCCORR});
+  fitPropagation();
   if (RUNDATA.passivity.PITERSET) unavailable("Passivity Enforcement");
   fitRule('=');
   for (int g = 1; g <= FITMODEL.NGROUP; ++g) checkDelay(FITMODEL.TAU[g]);
