@@ -22,6 +22,7 @@ namespace {
 
 constexpr int DEEPEST = 5;         // decimal digits of the walk
 constexpr int TOOMANYUPDATES = 10; // Newton updates of a step that was too long
+constexpr double MERGED = 1e-9;    // relative; two modes that differ by less are one
 constexpr int HYPHENS = 31;
 
 bool failureInSolve = false; // the banner of the solve was printed
@@ -67,8 +68,33 @@ int startingStep(int k, bool searching, double& scale) {
   return searching ? k : k - 1;
 }
 
-// True when every mode was followed, in a reasonable number of updates. A mode whose start is
-// already exact keeps it, so the outputs are set to the start beforehand.
+// The step was so long that a mode ended on the eigenvalue and the vector of another one. Equal
+// eigenvalues alone are no fault: modes of a balanced line have them, with vectors of their own.
+bool sameMode(int a, int b, int n) {
+  const FirstLoopStore& S = SOLVEDATA.first;
+  if (std::abs(S.EIG[a] - S.EIG[b]) > MERGED * std::abs(S.EIG[a])) return false;
+  Complex dot;
+  double aa = 0, bb = 0;
+  for (int i = 1; i <= n; ++i) {
+    dot += std::conj(S.TI(i, a)) * S.TI(i, b);
+    aa += std::norm(S.TI(i, a));
+    bb += std::norm(S.TI(i, b));
+  }
+  return std::norm(dot) > (1 - MERGED) * aa * bb;
+}
+
+bool anyModesMerged(int n) {
+  for (int a = 1; a <= n; ++a) {
+    for (int b = a + 1; b <= n; ++b) {
+      if (sameMode(a, b, n)) return true;
+    }
+  }
+  return false;
+}
+
+// True when every mode was followed, in a reasonable number of updates and to a solution of its
+// own. A mode whose start is already exact keeps it, so the outputs are set to the start
+// beforehand.
 bool followModes(int k, bool searching) {
   static LineMatrix scaled;
   static LineMatrix XGUESS;
@@ -89,7 +115,7 @@ bool followModes(int k, bool searching) {
   bool good = NREIG(S.EIG, S.TI, LGUESS, XGUESS, scaled, S.PSCALE, S.PIVOT, n);
   if (!good) explainFailure(k);
   for (int i = 1; i <= n; ++i) good = good && S.NRITER[i] < TOOMANYUPDATES;
-  return good;
+  return good && !anyModesMerged(n);
 }
 
 // --- the walk

@@ -73,6 +73,19 @@ TEST(FirstLoop, ModesOfADoubleCircuitAreContinuous) {
   }
 }
 
+TEST(FirstLoop, NoTwoModesEndOnOneSolution) {
+  // With twenty wires a step from grid point to grid point leads two modes to one eigenvalue.
+  solveFirstLoop(manyCircuits(20, phaseModel()));
+  const int n = RUNDATA.line.NC;
+  static LineMatrix T;
+  for (int k = 1; k <= SOLVEDATA.grid.NFREQ; ++k) {
+    SOLVEDATA.at.MTI.load(k, T, n);
+    const Dense V = corner(T, n);
+    EXPECT_LT(distance(product(V, inverse(V)), identity(static_cast<std::size_t>(n))), 1e-12) << k;
+    EXPECT_LE(newtonResidual(k), 1.1e-8) << k;
+  }
+}
+
 TEST(FirstLoop, TheConstantTransformStepContinuesItsNeighbour) {
   struct Case {
     const char* frequency;

@@ -8,6 +8,8 @@
 #include "store/solvedata.h"
 #include "support/description.h"
 
+#include <algorithm>
+#include <cmath>
 #include <fmt/format.h>
 
 namespace lcp::test {
@@ -34,6 +36,30 @@ std::string doubleCircuit(const std::string& model) {
   return summary(6) + "Line Constants Tower\n{\n" + circuit("1 2 3", -5.5, 17.5, "") +
          circuit("4 5 6", 5.5, 17.5, "") +
          "GroundWires: 1\n{\nDCResistance: 2.8\nRadius: 0.0055\nSag: 5\nP1 : 0 40\n}\n}\n" + model;
+}
+
+std::string manyCircuits(int n, const std::string& model) {
+  std::string body = summary(n);
+  int node = 1;
+  for (int circuits = 0; node <= n; ++circuits) {
+    const int tower = circuits / 4, side = circuits % 2 == 0 ? -1 : 1;
+    if (circuits % 4 == 0)
+      body += circuits == 0 ? "Line Constants Tower\n{\n" : "}\nLine Constants Tower\n{\n";
+    const int last = std::min(node + 2, n);
+    body +=
+        fmt::format("Circuit\n{{\nConductors: {}\nConductor Phase Information:", last - node + 1);
+    for (int i = node; i <= last; ++i) body += fmt::format(" {}", i);
+    body += "\nRadius: 0.0153\nDCResistance: 0.0587\nSag: 7\nShuntConductance: 1e-11\n";
+    for (int i = node; i <= last; ++i) {
+      const int phase = i - node;
+      body += fmt::format("P{} : {:.6f} {:.6f}\n", phase + 1,
+                          45 * tower + 8 * side + 2.1 * side * (phase - 1) + 0.13 * node,
+                          16 + 7 * (circuits % 4 / 2) + 2.3 * phase + std::fmod(0.17 * node, 3));
+    }
+    body += "}\n";
+    node = last + 1;
+  }
+  return body + "}\n" + model;
 }
 
 std::string phaseModel(const std::string& keys) {

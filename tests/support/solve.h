@@ -9,6 +9,9 @@ namespace lcp::test {
 std::string singleCircuit(const std::string& model, const std::string& circuitLines = "");
 std::string doubleCircuit(const std::string& model); // two untransposed circuits on one tower
 
+std::string manyCircuits(int n, const std::string& model); // n wires in circuits of three, four to
+                                                           // a tower, no two alike
+
 std::string phaseModel(const std::string& keys = ""); // frequency dependent (phase)
 std::string bergeronModel(const std::string& keys = "");
 
