@@ -192,9 +192,9 @@ TEST(PhaseResidues, FitMoreColumnsThanRows) {
     for (int g = 1; g <= C.groups; ++g) {
       groups.push_back({1e-4 * g, {}});
       for (int m = 1; m <= C.poles; ++m)
-        groups.back().poles.emplace_back(-std::pow(10, 1 + 4.0 * m / C.poles));
+        groups.back().poles.emplace_back(-std::pow(10, 3 + 3.0 * m / C.poles));
     }
-    laySampleGrid(10, 10, 1e5);
+    laySampleGrid(10, 1e3, 1e6);
     setGroups(2, groups);
     sampleH(strange);
     const PhaseFit fit = HPHASEFIT(0, nullptr, false);
