@@ -1,0 +1,32 @@
+#include "fit/order_reduction.h"
+
+#include "fit/propagation_tables.h"
+
+namespace lcp {
+
+void PRUNEPOLE(double RATIOMAX, bool& DONE) {
+  GroupInts KILL;
+  const double Q = POLERATIO(KILL);
+  DONE = true;
+  if (Q <= RATIOMAX) return;
+  for (int g = 1; g <= FITMODEL.NGROUP; ++g) {
+    if (KILL[g] == 0) continue;
+    REMOVEPOLE(g, KILL[g]);
+    DONE = false; // also a limit below 0 comes to an end, when no real pole is left
+  }
+}
+
+PhaseFit REDUCEORDER(double RATIOMAX) {
+  printReductionHeading();
+  HPHASEFIT(0, nullptr, true);
+  PhaseFit fit{};
+  for (bool DONE = false; !DONE;) {
+    fit = HPHASEFIT(0, nullptr, false);
+    PRUNEPOLE(RATIOMAX, DONE);
+  }
+  printReducedGroups();
+  printPhaseFit(fit);
+  return fit;
+}
+
+} // namespace lcp

@@ -1,0 +1,280 @@
+// With the real basis functions phi_q of all poles of all groups in a row, q = 1 to n, and the
+// delay of each pole's group, the model of each element of H is
+//
+//   M(s) = sum over q of x_q B_q(s),   B_q(s) = phi_q(s) exp(-s tau_q),
+//
+// linear in the real unknowns x. All elements share the matrix and its factorisation. Rows are the
+// weighted real parts at s = j w_k above the imaginary ones. Columns are scaled to unit length.
+//
+// A DC correction gives one real pole a of group 1, the closing pole c, the residue that follows
+// from M(0) = Hdc, where all delay factors are 1:
+//
+//   -x_c / a + sum' x_q phi_q(0) = Hdc   ->   x_c = a (sum' x_q phi_q(0) - Hdc)
+//
+// over all poles but the closing one. Constrained, the fit knows this beforehand:
+//
+//   sum' x_q (B_q + a phi_q(0) B_c) = H + a Hdc B_c
+//
+// otherwise the closing pole comes to a fit that was made without it.
+#include "fit/phase_residues.h"
+
+#include "base/big_store.h"
+#include "base/constants.h"
+#include "fit/lapack.h"
+#include "fit/partial_fractions.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace lcp {
+
+namespace {
+
+constexpr int CONSTRAINED = 1; // DC correction types
+constexpr int EXTRAPOLE = 2;
+
+constexpr double RCOND = 1e-12;
+constexpr double LEASTVALUE = 1e-14; // of a singular value over the largest that counts
+constexpr double NORESIDUE = 1e-20;  // magnitude up to which a residue is none
+constexpr double IMAGZERO = 1e-20;   // imaginary part, rad/s, up to which a first pole can close
+constexpr double RATIOMARGIN = 1.1;  // by which a ratio must lead to take the place of another
+constexpr double CLOSINGPOLE = -PI;  // rad/s
+
+// Sized for all groups full; a problem stands in them without gaps, and touches what it needs.
+struct PhaseProblem {
+  Complex basis[static_cast<std::size_t>(MAXFREQ) * MAXCOLUMNS];
+  double A[static_cast<std::size_t>(LSROWS) * MAXCOLUMNS];
+  double B[static_cast<std::size_t>(std::max(LSROWS, MAXCOLUMNS)) * LSRHS];
+  double U[static_cast<std::size_t>(LSROWS) * LSROWS];
+  double VT[static_cast<std::size_t>(LSROWS) * MAXCOLUMNS];
+};
+
+PhaseProblem& STORE = bigStore<PhaseProblem>();
+
+// One call's problem: its sizes, and views of the store.
+struct Problem {
+  int NS = 0;
+  int poles = 0;    // of all groups, with the closing one
+  int unknowns = 0; // without it
+  int closing = 0;  // where it stands, in group 1; 0 for none
+  double a = 0;     // its value, rad/s
+  bool constrained = false;
+  CView basis; // B_q, a column each
+  RView A;
+  RView B;
+};
+
+Table<PoleClasses, NGMAX> CINDEX;
+ColumnReals atZero; // phi_q(0)
+ColumnReals x;      // unknowns of one element, and the residue of the closing pole
+ColumnReals SCALE;
+ComplexCurve lag, curve;
+
+// The pole of group 1 that meets the DC value, added where there is none.
+int closingPole(int DCTYPE) {
+  if (DCTYPE != CONSTRAINED && DCTYPE != EXTRAPOLE) return 0;
+  PoleTable& P = FITMODEL.HPOLE[1];
+  int& NH = FITMODEL.NH[1];
+  if (DCTYPE == CONSTRAINED && NH > 0 && std::fabs(P[1].imag()) <= IMAGZERO) return 1;
+  P[++NH] = CLOSINGPOLE;
+  return NH;
+}
+
+Problem layProblem(int DCTYPE) {
+  Problem p;
+  p.NS = SOLVEDATA.grid.NFUSE;
+  p.closing = closingPole(DCTYPE);
+  if (p.closing > 0) p.a = FITMODEL.HPOLE[1][p.closing].real();
+  p.constrained = DCTYPE == CONSTRAINED;
+  for (int g = 1; g <= FITMODEL.NGROUP; ++g) p.poles += FITMODEL.NH[g];
+  p.unknowns = p.poles - (p.closing > 0 ? 1 : 0);
+  p.basis = {STORE.basis, p.NS};
+  p.A = {STORE.A, 2 * p.NS};
+  p.B = {STORE.B, std::max(2 * p.NS, p.unknowns)};
+  return p;
+}
+
+// lag = exp(-j w tau)
+void formLag(double tau, int NS) {
+  for (int k = 1; k <= NS; ++k) {
+    const double turn = SOLVEDATA.grid.WFREQ[k] * tau;
+    lag[k] = Complex(std::cos(turn), -std::sin(turn));
+  }
+}
+
+void formBasis(const Problem& p) {
+  int q = 0;
+  for (int g = 1; g <= FITMODEL.NGROUP; ++g) {
+    const PoleTable& P = FITMODEL.HPOLE[g];
+    const int NH = FITMODEL.NH[g];
+    classifyPoles(P, NH, CINDEX[g]);
+    formLag(FITMODEL.TAU[g], p.NS);
+    for (int m = 1; m <= NH; ++m) {
+      basisCurve(P, CINDEX[g], m, SOLVEDATA.grid.WFREQ, p.NS, curve);
+      Complex* b = p.basis.column(++q);
+      for (int k = 1; k <= p.NS; ++k) b[k - 1] = curve[k] * lag[k];
+      atZero[q] = basisFunction(P, CINDEX[g], m, 0.0).real();
+    }
+  }
+}
+
+// curve = F + factor B_c, of a constrained fit; F otherwise
+void formCurve(const Problem& p, const Complex* F, double factor) {
+  std::copy_n(F, p.NS, curve.steps);
+  if (!p.constrained) return;
+  const Complex* b = p.basis.column(p.closing);
+  for (int k = 0; k < p.NS; ++k) curve.steps[k] += factor * b[k];
+}
+
+void fillMatrix(const Problem& p) {
+  int c = 0;
+  for (int q = 1; q <= p.poles; ++q) {
+    if (q == p.closing) continue;
+    formCurve(p, p.basis.column(q), p.a * atZero[q]);
+    curveColumn(curve, SOLVEDATA.grid.WFIT, p.NS, columnRows(p.A, ++c, p.NS));
+  }
+}
+
+int elementNumber(int r, int c) { return (r - 1) * FITMODEL.NC + c; }
+
+void fillRightSides(const Problem& p, const RealMatrix* HDC) {
+  for (int c = 1; c <= FITMODEL.NC; ++c) {
+    for (int r = 1; r <= FITMODEL.NC; ++r) {
+      const double dc = p.constrained ? (*HDC)(r, c) : 0.0;
+      formCurve(p, SOLVEDATA.second.HST.curve(r, c).steps, p.a * dc);
+      curveColumn(curve, SOLVEDATA.grid.WFIT, p.NS, columnRows(p.B, elementNumber(r, c), p.NS));
+    }
+  }
+}
+
+// A of m rows and n columns becomes the sum of its singular triples that count: A = U S V^T.
+void truncateRank(RView A, int m, int n) {
+  static Table<double, LSROWS> S;
+  const int least = std::min(m, n);
+  const RView U(STORE.U, m);
+  const RView VT(STORE.VT, least);
+  DGESVD(A, m, n, S, U, VT);
+  int K = 0;
+  while (K < least && S[K + 1] > LEASTVALUE * S[1]) ++K;
+  for (int c = 1; c <= n; ++c) {
+    double* a = A.column(c);
+    std::fill_n(a, m, 0.0);
+    for (int i = 1; i <= K; ++i) {
+      const double factor = S[i] * VT(i, c);
+      const double* u = U.column(i);
+      for (int r = 0; r < m; ++r) a[r] += factor * u[r];
+    }
+  }
+}
+
+void solve(const Problem& p, bool SVDFLAG) {
+  const int m = 2 * p.NS;
+  const int n = p.unknowns;
+  const int elements = FITMODEL.NC * FITMODEL.NC;
+  if (n < 1) return;
+  scaleColumns(p.A, m, n, SCALE);
+  if (SVDFLAG) truncateRank(p.A, m, n);
+  DGELSY(p.A, p.B, m, n, elements, RCOND);
+  unscaleRows(p.B, n, elements, SCALE);
+}
+
+// x from the solution of an element.
+void takeUnknowns(const Problem& p, int element, const RealMatrix* HDC, int r, int c) {
+  const double* solution = p.B.column(element);
+  double sum = 0;
+  for (int q = 1; q <= p.poles; ++q) {
+    x[q] = q == p.closing ? 0.0 : *solution++;
+    sum += x[q] * atZero[q];
+  }
+  if (p.closing > 0) x[p.closing] = p.a * (sum - (*HDC)(r, c));
+}
+
+void storeResidues(int r, int c) {
+  double* first = x.data();
+  for (int g = 1; g <= FITMODEL.NGROUP; ++g) {
+    const int NH = FITMODEL.NH[g];
+    residuesOf(CINDEX[g], NH, RConstView(first, MAXPOLES), 1, FITMODEL.HRES[g](r, c));
+    first += NH;
+  }
+}
+
+// The larger of two; not a number stays.
+double larger(double a, double b) { return b > a || std::isnan(b) ? b : a; }
+
+void addDeviation(const Problem& p, const ComplexCurve& H, PhaseFit& fit) {
+  std::fill_n(curve.steps, p.NS, Complex());
+  for (int q = 1; q <= p.poles; ++q) {
+    const Complex* b = p.basis.column(q);
+    for (int k = 0; k < p.NS; ++k) curve.steps[k] += x[q] * b[k];
+  }
+  double squares = 0;
+  for (int k = 1; k <= p.NS; ++k) {
+    const double e = std::abs(curve[k] - H[k]);
+    squares += e * e;
+    fit.MAXERR = larger(fit.MAXERR, e);
+  }
+  fit.RMSERR = larger(fit.RMSERR, std::sqrt(squares / p.NS));
+}
+
+void takeElements(const Problem& p, const RealMatrix* HDC, PhaseFit& fit) {
+  for (int c = 1; c <= FITMODEL.NC; ++c) {
+    for (int r = 1; r <= FITMODEL.NC; ++r) {
+      takeUnknowns(p, elementNumber(r, c), HDC, r, c);
+      storeResidues(r, c);
+      addDeviation(p, SOLVEDATA.second.HST.curve(r, c), fit);
+    }
+  }
+}
+
+void dropPolesWithoutResidue() {
+  for (int g = 1; g <= FITMODEL.NGROUP; ++g) {
+    const PoleTable& R = FITMODEL.HRES[g](1, 1);
+    for (int m = FITMODEL.NH[g]; m >= 1; --m) {
+      if (std::abs(R[m]) <= NORESIDUE) REMOVEPOLE(g, m);
+    }
+  }
+}
+
+} // namespace
+
+PhaseFit HPHASEFIT(int DCTYPE, const RealMatrix* HDC, bool SVDFLAG) {
+  PhaseFit fit{};
+  const Problem p = layProblem(DCTYPE);
+  formBasis(p);
+  fillMatrix(p);
+  fillRightSides(p, HDC);
+  solve(p, SVDFLAG);
+  takeElements(p, HDC, fit);
+  GroupInts leaders;
+  fit.RATIO = POLERATIO(leaders);
+  if (SVDFLAG) dropPolesWithoutResidue();
+  return fit;
+}
+
+double POLERATIO(GroupInts& LEADER) {
+  const int n = FITMODEL.NC;
+  double RATIO = 0;
+  for (int g = 1; g <= FITMODEL.NGROUP; ++g) {
+    LEADER[g] = 0;
+    for (int m = 1; m <= FITMODEL.NH[g]; ++m) {
+      const Complex P = FITMODEL.HPOLE[g][m];
+      if (P.imag() != 0) continue;
+      for (int i = 0; i < n * n; ++i) {
+        const double q = std::abs(FITMODEL.HRES[g](i / n + 1, i % n + 1)[m] / P);
+        if (!(q > RATIOMARGIN * RATIO)) continue;
+        RATIO = q;
+        LEADER[g] = m;
+      }
+    }
+  }
+  return RATIO;
+}
+
+void REMOVEPOLE(int g, int m) {
+  PoleTable& P = FITMODEL.HPOLE[g];
+  int& NH = FITMODEL.NH[g];
+  std::copy(P.data() + m, P.data() + NH, P.data() + m - 1);
+  --NH;
+}
+
+} // namespace lcp

@@ -1,0 +1,50 @@
+#include "fit/propagation_fit.h"
+
+#include "fit/delay_groups.h"
+#include "fit/order_reduction.h"
+#include "fit/propagation_tables.h"
+#include "store/rundata.h"
+
+#include <algorithm>
+
+namespace lcp {
+
+namespace {
+
+constexpr double PERCENT = 0.01;
+constexpr double FIRSTTARGET = 0.25;
+constexpr double TARGETFACTOR = 0.5; // from one attempt to the next
+
+// Targets fall until the wish is met or no group takes another pole. A group's poles change only
+// when its error is above the target, so an attempt can leave all as it was.
+PhaseFit runAttempts(const PropagationWish& wish) {
+  const int limit = std::min(wish.MAXPA, NPMAX);
+  PhaseFit fit{};
+  double TARGET = FIRSTTARGET;
+  for (int attempt = 1;; ++attempt, TARGET *= TARGETFACTOR) {
+    printAttempt(attempt, TARGET);
+    if (attempt == 1) FORMGROUPS();
+    const bool changed = HMODEFIT(TARGET, limit);
+    if (changed || attempt == 1) fit = HPHASEFIT(0, nullptr, false);
+    printPhaseFit(fit);
+    if (fit.MAXERR <= wish.ERRA * PERCENT || !groupsCanGrow(limit)) return fit;
+  }
+}
+
+} // namespace
+
+void HFIT(const PropagationWish& wish) {
+  FITMODEL.NC = RUNDATA.line.NC;
+  printPropagationHeading(wish.ERRA, wish.MAXPA);
+  PhaseFit fit = runAttempts(wish);
+  if (fit.RATIO > wish.RPRATIO) fit = REDUCEORDER(wish.RPRATIO);
+  if (wish.DCCORR < 1) {
+    printFitEnd();
+    return;
+  }
+  printCorrectionHeading();
+  fit = HPHASEFIT(wish.DCCORR, wish.HDC, false);
+  printFinalFit(fit);
+}
+
+} // namespace lcp

@@ -1,0 +1,126 @@
+#include "fit/order_reduction.h"
+
+#include "support/child.h"
+#include "support/console_capture.h"
+#include "support/propagation_case.h"
+
+#include <gtest/gtest.h>
+
+using namespace lcp;
+using namespace lcp::test;
+
+namespace {
+
+const Complex J(0, 1);
+
+// A slow function and two poles that nearly cancel: ratios of 150, of which the response shows a
+// ten thousandth.
+void poseCancellingPoles() {
+  laySampleGrid(120, 1, 1e6);
+  setGroups(2, {{3e-4, {-10.0, -1000.0, -1000.1, -1e5}}, {4e-4, {-2e3 + 1e3 * J, -2e3 - 1e3 * J}}});
+  LineNumbers numbers(3);
+  setRandomResidues(numbers);
+  for (int r = 1; r <= 2; ++r) {
+    for (int c = 1; c <= 2; ++c) {
+      FITMODEL.HRES[1](r, c)[2] = 1.5e5;
+      FITMODEL.HRES[1](r, c)[3] = -1.5e5;
+    }
+  }
+  sampleModelOfH();
+}
+
+std::vector<double> realParts(int g) {
+  std::vector<double> parts;
+  for (int m = 1; m <= FITMODEL.NH[g]; ++m) parts.push_back(FITMODEL.HPOLE[g][m].real());
+  return parts;
+}
+
+} // namespace
+
+TEST(OrderReduction, PrunesTheLastLeaderOfEachGroup) {
+  using Reals = std::vector<double>;
+  struct Case {
+    double limit;
+    Reals first, second; // residues of poles -1, -2, -4.. in each group
+    Reals left1, left2;
+    bool done;
+  };
+  const Case cases[] = {
+      {5, {4, 10}, {3}, {-1, -2}, {-1}, true},  // at the limit
+      {4.9, {4, 10}, {3}, {-1}, {-1}, false},   // the second of the first group
+      {4.9, {6, 10}, {6.7}, {-2}, {}, false},   // 6.7 leads 6 by more than 10 per cent
+      {4.9, {6, 10}, {6.5}, {-2}, {-1}, false}, // 6.5 does not
+      {0.1, {1, 4, 16, 8}, {1, 0.5}, {-1, -2, -8}, {-1, -2}, false},
+      {100, {99}, {101, 500, 404}, {}, {-1, -4}, false}, // 99 leads at its time, then 250
+      {0, {0}, {0, 0}, {-1}, {-1, -2}, true},
+      {-1, {0}, {0, 0}, {-1}, {-1, -2}, true}, // nothing to take out
+      {-1, {1}, {}, {}, {}, false},
+  };
+  for (const Case& C : cases) {
+    std::vector<GroupPoles> groups = {{0, {}}, {0, {}}};
+    for (std::size_t m = 0; m < C.first.size(); ++m) groups[0].poles.emplace_back(-std::pow(2, m));
+    for (std::size_t m = 0; m < C.second.size(); ++m) groups[1].poles.emplace_back(-std::pow(2, m));
+    setGroups(1, groups);
+    std::copy(C.first.begin(), C.first.end(), FITMODEL.HRES[1](1, 1).data());
+    std::copy(C.second.begin(), C.second.end(), FITMODEL.HRES[2](1, 1).data());
+    bool DONE = !C.done;
+    PRUNEPOLE(C.limit, DONE);
+    EXPECT_EQ(DONE, C.done) << C.limit;
+    EXPECT_EQ(realParts(1), C.left1) << C.limit;
+    EXPECT_EQ(realParts(2), C.left2) << C.limit;
+  }
+}
+
+TEST(OrderReduction, PairsStay) {
+  setGroups(1, {{0, {-1.0 + J, -1.0 - J, -1.0, -2.0 + J, -2.0 - J}}});
+  for (int m = 1; m <= 5; ++m) FITMODEL.HRES[1](1, 1)[m] = 1000;
+  bool DONE = true;
+  PRUNEPOLE(10, DONE);
+  EXPECT_FALSE(DONE);
+  EXPECT_EQ(realParts(1), (std::vector<double>{-1, -1, -2, -2}));
+  EXPECT_EQ(FITMODEL.HPOLE[1][3], -2.0 + J);
+  PRUNEPOLE(10, DONE);
+  EXPECT_TRUE(DONE);
+  EXPECT_EQ(FITMODEL.NH[1], 4);
+}
+
+TEST(OrderReduction, TakesOutWhatCancelsAndKeepsTheResponse) {
+  poseCancellingPoles();
+  const PhaseFit before = HPHASEFIT(0, nullptr, false);
+  EXPECT_GT(before.RATIO, 130);
+  EXPECT_LT(before.MAXERR, 1e-9);
+  PhaseFit fit{};
+  consoleOf([&] { fit = REDUCEORDER(100); });
+  EXPECT_LT(fit.RATIO, 100);
+  EXPECT_LT(measureFit().ratio, 100);
+  EXPECT_EQ(FITMODEL.NH[1], 3); // one of the two is enough
+  EXPECT_EQ(FITMODEL.NH[2], 2);
+  EXPECT_NEAR(fit.MAXERR, measureFit().largest, 1e-12);
+  EXPECT_LT(fit.MAXERR, 0.01); // the two together were a double pole of 0.015
+}
+
+TEST(OrderReduction, PrintsWhatIsLeft) {
+  poseCancellingPoles();
+  for (int g = 3; g <= 12; ++g) {
+    FITMODEL.NGROUP = g;
+    FITMODEL.NH[g] = 0;
+  }
+  const std::string console = consoleOf([] { REDUCEORDER(100); });
+  const std::string rule = " " + std::string(68, '-');
+  std::string expected =
+      lines({rule, " Removing Large Residue/Pole Ratios (Model Order Reduction)", rule,
+             "              Delay      Number", "              Group #    of Poles",
+             "              -------    --------", "                 1        3",
+             "                 2        2"});
+  for (int g = 3; g <= 9; ++g) {
+    expected += "                 " + std::to_string(g) + "        0\n";
+  }
+  for (int g = 10; g <= 12; ++g) {
+    expected += "                " + std::to_string(g) + "        0\n";
+  }
+  expected += lines({"", "", " Hphase:      Maximum           Maximum       Maximum",
+                     "              Fitting Error     RMS Error     Residue/Pole Ratio",
+                     "              --------------    ----------    ------------------"});
+  EXPECT_EQ(console.substr(0, expected.size()), expected);
+  EXPECT_EQ(console.size(), expected.size() + 15 + 9 + 2 + 5 + 9 + 2 + 7 + 11 + 1);
+}

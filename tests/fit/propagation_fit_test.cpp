@@ -1,0 +1,279 @@
+#include "fit/propagation_fit.h"
+
+#include "base/constants.h"
+#include "modal/second_loop.h"
+#include "store/rundata.h"
+#include "store/solvedata.h"
+#include "support/console_capture.h"
+#include "support/description.h"
+#include "support/propagation_case.h"
+#include "support/solve.h"
+
+#include <algorithm>
+#include <cmath>
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+#include <sstream>
+
+using namespace lcp;
+using namespace lcp::test;
+
+namespace {
+
+const std::string MODEL =
+    phaseModel("Weighting Factor 1: 1\nWeighting Factor 2: 1000\nWeighting Factor 3: 1\n");
+
+std::string bipole() {
+  return summary(2) +
+         "Line Constants Tower\n{\nCircuit\n{\nConductors: 2\nConductor Phase Information: 1 2\n"
+         "Radius: 0.02\nDCResistance: 0.03\nShuntConductance: 1e-11\nSag: 10\n"
+         "P1 : -7 30\nP2 : 7 30\n}\n"
+         "GroundWires: 1\n{\nRadius: 0.007\nDCResistance: 1.5\nSag: 7\nP1 : 0 42\n}\n}\n" +
+         MODEL;
+}
+
+void solveLine(const std::string& body, double length) {
+  solveBothLoops(body, length);
+  formFitWeights();
+}
+
+// Travel time of a mode where it has faded to a hundredth, or at the end of the grid.
+double travelTime(int i) {
+  const int NS = SOLVEDATA.grid.NFUSE;
+  int k = 1;
+  while (k < NS - 1 && SOLVEDATA.second.HMAG(k, i) > 0.01) ++k;
+  return RUNDATA.run.LINELEN / SOLVEDATA.second.VELOC(k, i);
+}
+
+// Two modes through a constant transformation: H = T diag(h1, h2) T^-1 of rational h with delays.
+constexpr double DELAY1 = 3e-4;
+constexpr double DELAY2 = 4e-4;
+
+Complex mode1(Complex s) { return std::exp(-s * DELAY1) / ((1.0 + s / 4e3) * (1.0 + s / 2e5)); }
+Complex mode2(Complex s) { return std::exp(-s * DELAY2) / ((1.0 + s / 50.0) * (1.0 + s / 3e4)); }
+
+Complex twoModes(int r, int c, Complex s) {
+  const double T[2][2] = {{1, 0.4}, {-0.3, 1}}; // of determinant 1.12
+  const double I[2][2] = {{1 / 1.12, -0.4 / 1.12}, {0.3 / 1.12, 1 / 1.12}};
+  return T[r - 1][0] * mode1(s) * I[0][c - 1] + T[r - 1][1] * mode2(s) * I[1][c - 1];
+}
+
+void poseTwoModes() {
+  laySampleGrid(120, 1, 1e6);
+  RUNDATA.run.LINELEN = 9e4;
+  setGroups(2, {});
+  sampleH(twoModes);
+  SecondLoopStore& T = SOLVEDATA.second;
+  for (int k = 1; k <= SOLVEDATA.grid.NFUSE; ++k) {
+    const double w = SOLVEDATA.grid.WFREQ[k];
+    const double turn1 = w * DELAY1 + std::atan(w / 4e3) + std::atan(w / 2e5);
+    const double turn2 = w * DELAY2 + std::atan(w / 50) + std::atan(w / 3e4);
+    T.HMODE(k, 1) = mode2(Complex(0, w)); // the slower one first
+    T.HMODE(k, 2) = mode1(Complex(0, w));
+    T.VELOC(k, 1) = w * 9e4 / turn2;
+    T.VELOC(k, 2) = w * 9e4 / turn1;
+  }
+}
+
+RealMatrix unitAtDc() {
+  RealMatrix H{};
+  H(1, 1) = H(2, 2) = 1;
+  return H;
+}
+
+// Fits, and returns the lines on the console.
+std::vector<std::string> fitted(const PropagationWish& wish) {
+  std::istringstream stream(consoleOf([&] { HFIT(wish); }));
+  std::vector<std::string> all;
+  for (std::string line; std::getline(stream, line);) all.push_back(line);
+  return all;
+}
+
+// Whether a line is laid out like a form, in which @ stands for a digit or the blank before one.
+bool laidOutAs(const std::string& form, const std::string& line) {
+  return std::equal(form.begin(), form.end(), line.begin(), line.end(), [](char f, char c) {
+    return f == '@' ? c == ' ' || (c >= '0' && c <= '9') : c == f;
+  });
+}
+
+} // namespace
+
+TEST(PropagationFit, MeetsTheErrorAskedForAlsoBetweenTheSamples) {
+  poseTwoModes();
+  fitted({0.05, 20, 100, 0});
+  EXPECT_EQ(FITMODEL.NGROUP, 2);
+  EXPECT_LE(measureFit().largest, 0.0005);
+  EXPECT_EQ(badPoles(), 0);
+  EXPECT_NEAR(FITMODEL.TAU[1], DELAY1, 0.02 * DELAY1);
+  EXPECT_NEAR(FITMODEL.TAU[2], DELAY2, 0.02 * DELAY2);
+  for (double w = 1.3; w < 1e6; w *= 1.21) {
+    for (int r = 1; r <= 2; ++r) {
+      for (int c = 1; c <= 2; ++c) {
+        const Complex M(modelOfH(r, c, Wide(0, w)));
+        EXPECT_LT(std::abs(M - twoModes(r, c, Complex(0, w))), 0.001);
+      }
+    }
+  }
+}
+
+TEST(PropagationFit, EndsAtThePoleLimitWhenTheErrorIsOutOfReach) {
+  for (const int limit : {1, 3, 0, -1}) {
+    poseTwoModes();
+    fitted({1e-9, limit, 1e9, 0});
+    for (int g = 1; g <= 2; ++g) EXPECT_EQ(FITMODEL.NH[g], std::max(limit, 0));
+  }
+}
+
+// A mode that has vanished is fitted exactly and takes no more poles; the others go to the limit.
+TEST(PropagationFit, EndsWhenAGroupHasNoErrorLeft) {
+  poseTwoModes();
+  for (int k = 1; k <= SOLVEDATA.grid.NFUSE; ++k) SOLVEDATA.second.HMODE(k, 1) = 0;
+  fitted({0, 4, 1e9, 0});
+  EXPECT_EQ(FITMODEL.NGROUP, 2);
+  EXPECT_EQ(std::min(FITMODEL.NH[1], FITMODEL.NH[2]), 1);
+  EXPECT_EQ(std::max(FITMODEL.NH[1], FITMODEL.NH[2]), 4);
+}
+
+TEST(PropagationFit, CorrectsTheModelAtZeroFrequency) {
+  const RealMatrix HDC = unitAtDc();
+  for (const int type : {1, 2}) {
+    for (const double ratio : {100.0, 0.2}) {
+      poseTwoModes();
+      fitted({1, 20, ratio, 0});
+      const int poles = FITMODEL.NH[1];
+      poseTwoModes();
+      fitted({1, 20, ratio, type, &HDC});
+      EXPECT_LT(dcDeviation(HDC), 1e-9);
+      const bool extra = type == 2 || FITMODEL.HPOLE[1][1].imag() != 0 || poles == 0;
+      EXPECT_EQ(FITMODEL.NH[1], poles + (extra ? 1 : 0));
+      EXPECT_EQ(badPoles(), 0);
+    }
+  }
+}
+
+TEST(PropagationFit, FitsLines) {
+  const std::string bodies[] = {singleCircuit(MODEL), singleCircuit(MODEL, "Transposed: 1\n"),
+                                doubleCircuit(MODEL), bipole()};
+  for (const std::string& body : bodies) {
+    for (const double length : {1e3, 1e5, 5e5}) {
+      solveLine(body, length);
+      fitted({2, 20, 100, 0});
+      const MeasuredFit fit = measureFit();
+      EXPECT_LE(fit.largest, 0.02);
+      EXPECT_LE(fit.ratio, 110);
+      EXPECT_EQ(badPoles(), 0);
+      double longest = 0;
+      for (int i = 1; i <= FITMODEL.NC; ++i) longest = std::max(longest, travelTime(i));
+      for (int g = 1; g <= FITMODEL.NGROUP; ++g) {
+        EXPECT_GT(FITMODEL.TAU[g], 0.99 * length / LIGHTSPEED);
+        EXPECT_LE(FITMODEL.TAU[g], longest);
+      }
+    }
+  }
+}
+
+TEST(PropagationFit, OfALineLosesPolesWithLargeResidues) {
+  solveLine(doubleCircuit(MODEL), 1e5);
+  fitted({2, 20, 1e9, 0});
+  const MeasuredFit before = measureFit();
+  ASSERT_GT(before.ratio, 6);
+  fitted({2, 20, 5, 0});
+  const MeasuredFit after = measureFit();
+  EXPECT_LE(after.ratio, 5.5);
+  EXPECT_LT(after.largest, 1.5 * before.largest);
+  EXPECT_EQ(badPoles(), 0);
+}
+
+TEST(PropagationFit, LengthStepsStandAlone) {
+  solveLine(singleCircuit(MODEL), 1e5);
+  fitted({2, 20, 100, 0});
+  const double longLine = measureFit().largest;
+  solveLine(singleCircuit(MODEL), 1e3);
+  fitted({2, 20, 100, 0});
+  EXPECT_EQ(FITMODEL.NGROUP, 1);
+  for (int g = 2; g <= NGMAX; ++g) EXPECT_EQ(FITMODEL.TAU[g], 0.0);
+  solveLine(singleCircuit(MODEL), 1e5);
+  fitted({2, 20, 100, 0});
+  EXPECT_NEAR(measureFit().largest, longLine, 1e-3 * longLine);
+}
+
+// All tables of a run with reduction and correction: blanks and widths of each line, numbers of the
+// last table from the model.
+TEST(PropagationFit, PrintsItsTables) {
+  const RealMatrix HDC = unitAtDc();
+  poseTwoModes();
+  const std::vector<std::string> console = fitted({30, 7, 0.2, 2, &HDC});
+  const MeasuredFit measured = measureFit();
+  const std::string rule = " " + std::string(68, '-');
+  const std::vector<std::string> forms = {
+      " Fitting Propagation Function H:",
+      " " + std::string(68, '='),
+      " Maximum Fitting Error Requested:                           30.0000 %",
+      " Maximum Number of Poles (per delay group):                       7",
+      "",
+      rule,
+      " Attempt #  1                               Target error:   25.0000 %",
+      rule,
+      " Hmode:       Delay      Maximum          Number      Time",
+      "              Group #    Fitting Error    of Poles    Delay",
+      "              -------    -------------    --------    -----",
+      "                 1       @@@@.@@@@@ %       @@       @@@.@@@@@@ ms",
+      "                 2       @@@@.@@@@@ %       @@       @@@.@@@@@@ ms",
+      "",
+      " Hphase:      Maximum           Maximum       Maximum",
+      "              Fitting Error     RMS Error     Residue/Pole Ratio",
+      "              --------------    ----------    ------------------",
+      "               @@@@.@@@@ %     @@@@.@@@@ %       @@@@@@@@.@@",
+      rule,
+      " Removing Large Residue/Pole Ratios (Model Order Reduction)",
+      rule,
+      "              Delay      Number",
+      "              Group #    of Poles",
+      "              -------    --------",
+      "                 1       @@",
+      "                 2       @@",
+      "",
+      "",
+      " Hphase:      Maximum           Maximum       Maximum",
+      "              Fitting Error     RMS Error     Residue/Pole Ratio",
+      "              --------------    ----------    ------------------",
+      "               @@@@.@@@@ %     @@@@.@@@@ %       @@@@@@@@.@@",
+      "",
+      " Applying DC Correction",
+      rule,
+      "",
+      "",
+      " Final Fit:   Maximum        Maximum      Number      Adjusted",
+      "              Fitting Error  RMS Error    of Poles    Time Delays",
+      "              -------------  ---------    --------    -----------",
+      fmt::format("             {:10.5f} % {:10.5f} %     {:3}       {:10.6f} ms",
+                  100 * measured.largest, 100 * measured.rms, FITMODEL.NH[1],
+                  1000 * FITMODEL.TAU[1]),
+      fmt::format("{:44}{:2}       {:10.6f} ms", "", FITMODEL.NH[2], 1000 * FITMODEL.TAU[2]),
+      "",
+      "                           Maximum Residue/Pole Ratio:  0.@@@@@@@E+@@",
+      "",
+      rule};
+  ASSERT_EQ(console.size(), forms.size());
+  for (std::size_t i = 0; i < forms.size(); ++i) {
+    EXPECT_TRUE(laidOutAs(forms[i], console[i])) << i << ": " << console[i];
+  }
+  EXPECT_LE(std::stod(console[console.size() - 3].substr(56)), measured.ratio * (1 + 1e-6));
+}
+
+TEST(PropagationFit, WithoutCorrectionEndsWithARule) {
+  poseTwoModes();
+  const std::vector<std::string> console = fitted({0.5, 7, 100, 0});
+  ASSERT_GT(console.size(), 30U);
+  EXPECT_EQ(console.back(), " " + std::string(68, '-'));
+  EXPECT_EQ(console[console.size() - 2], "");
+  double target = 50;
+  int attempts = 0;
+  for (const std::string& line : console) {
+    if (line.rfind(" Attempt #", 0) != 0) continue;
+    target /= 2; // each attempt halves it
+    EXPECT_EQ(line,
+              fmt::format(" Attempt # {:2}{:31}Target error: {:9.4f} %", ++attempts, "", target));
+  }
+  EXPECT_GT(attempts, 3);
+}

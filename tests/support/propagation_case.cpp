@@ -1,0 +1,144 @@
+#include "support/propagation_case.h"
+
+#include "store/rundata.h"
+#include "store/solvedata.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace lcp::test {
+
+namespace {
+
+Wide axis(int k) { return {0, SOLVEDATA.grid.WFREQ[k]}; }
+
+template <class Code> void forElements(Code code) {
+  for (int r = 1; r <= FITMODEL.NC; ++r) {
+    for (int c = 1; c <= FITMODEL.NC; ++c) code(r, c);
+  }
+}
+
+template <class Code> void forPoles(Code code) {
+  for (int g = 1; g <= FITMODEL.NGROUP; ++g) {
+    for (int m = 1; m <= FITMODEL.NH[g]; ++m) code(g, m);
+  }
+}
+
+} // namespace
+
+void laySampleGrid(int NS, double low, double high) {
+  FrequencyGrid& G = SOLVEDATA.grid;
+  G.NFUSE = NS;
+  G.NFREQ = NS;
+  for (int k = 1; k <= NS; ++k) {
+    G.WFREQ[k] = low * std::pow(high / low, (k - 1.0) / (NS - 1.0));
+    G.WFIT[k] = 1;
+  }
+}
+
+void setGroups(int NC, const std::vector<GroupPoles>& groups) {
+  RUNDATA.line.NC = NC;
+  FITMODEL.NC = NC;
+  FITMODEL.NGROUP = static_cast<int>(groups.size());
+  for (int g = 1; g <= FITMODEL.NGROUP; ++g) {
+    const GroupPoles& group = groups[static_cast<std::size_t>(g - 1)];
+    FITMODEL.TAU[g] = group.tau;
+    FITMODEL.NH[g] = static_cast<int>(group.poles.size());
+    std::copy(group.poles.begin(), group.poles.end(), FITMODEL.HPOLE[g].data());
+  }
+}
+
+void setRandomResidues(LineNumbers& numbers) {
+  forElements([&](int r, int c) {
+    forPoles([&](int g, int m) {
+      const Complex p = FITMODEL.HPOLE[g][m];
+      PoleTable& R = FITMODEL.HRES[g](r, c);
+      const bool second = m > 1 && p.imag() != 0 && p == std::conj(FITMODEL.HPOLE[g][m - 1]);
+      R[m] = second ? std::conj(R[m - 1])
+                    : Complex(numbers.between(-1, 1), p.imag() == 0 ? 0 : numbers.between(-1, 1)) *
+                          std::abs(p);
+    });
+  });
+}
+
+void sampleH(const ElementFunction& H) {
+  forElements([&](int r, int c) {
+    for (int k = 1; k <= SOLVEDATA.grid.NFUSE; ++k) {
+      SOLVEDATA.second.HST(k, r, c) = H(r, c, Complex(axis(k)));
+    }
+  });
+}
+
+void sampleModelOfH() {
+  sampleH([](int r, int c, Complex s) { return Complex(modelOfH(r, c, s)); });
+}
+
+Wide modelOfH(int r, int c, Wide s) {
+  Wide H = 0;
+  for (int g = 1; g <= FITMODEL.NGROUP; ++g) {
+    Wide sum = 0;
+    for (int m = 1; m <= FITMODEL.NH[g]; ++m) {
+      sum += Wide(FITMODEL.HRES[g](r, c)[m]) / (s - Wide(FITMODEL.HPOLE[g][m]));
+    }
+    H += std::exp(-s * Wide(FITMODEL.TAU[g])) * sum;
+  }
+  return H;
+}
+
+MeasuredFit measureFit() {
+  MeasuredFit fit;
+  const int NS = SOLVEDATA.grid.NFUSE;
+  forElements([&](int r, int c) {
+    double squares = 0;
+    for (int k = 1; k <= NS; ++k) {
+      const Wide H = SOLVEDATA.second.HST(k, r, c);
+      const auto e = static_cast<double>(std::abs(modelOfH(r, c, axis(k)) - H));
+      squares += e * e;
+      fit.largest = std::max(fit.largest, e);
+      fit.norm = std::max(fit.norm, static_cast<double>(std::abs(H)));
+    }
+    fit.rms = std::max(fit.rms, std::sqrt(squares / NS));
+    forPoles([&](int g, int m) {
+      const Complex p = FITMODEL.HPOLE[g][m];
+      if (p.imag() != 0) return;
+      fit.ratio = std::max(fit.ratio, std::abs(FITMODEL.HRES[g](r, c)[m]) / std::abs(p));
+    });
+  });
+  return fit;
+}
+
+long double weightedSquares(int r, int c) {
+  const FrequencyGrid& G = SOLVEDATA.grid;
+  long double sum = 0;
+  for (int k = 1; k <= G.NFUSE; ++k) {
+    const Wide e = modelOfH(r, c, axis(k)) - Wide(SOLVEDATA.second.HST(k, r, c));
+    sum += std::norm(e) * G.WFIT[k] * G.WFIT[k];
+  }
+  return sum;
+}
+
+double dcDeviation(const RealMatrix& H) {
+  long double deviation = 0, largest = 0;
+  forElements([&](int r, int c) {
+    deviation = std::max(deviation, std::abs(modelOfH(r, c, 0) - Wide(H(r, c))));
+    largest = std::max<long double>(largest, std::fabs(H(r, c)));
+  });
+  return static_cast<double>(deviation / largest);
+}
+
+int badPoles() {
+  int bad = 0;
+  for (int g = 1; g <= FITMODEL.NGROUP; ++g) {
+    const PoleTable& P = FITMODEL.HPOLE[g];
+    for (int m = 1; m <= FITMODEL.NH[g]; ++m) {
+      bad += P[m].real() > 0 ? 1 : 0;
+      if (P[m].imag() == 0) continue;
+      const bool paired = m < FITMODEL.NH[g] && P[m + 1] == std::conj(P[m]);
+      bad += paired ? 0 : 1;
+      if (paired) ++m; // NOLINT(bugprone-inc-dec-in-conditions)
+    }
+  }
+  return bad;
+}
+
+} // namespace lcp::test

@@ -1,0 +1,53 @@
+// Propagation functions made up for tests: samples in the solve store, and the fitted model
+// evaluated on its own.
+#pragma once
+
+#include "store/fitmodel.h"
+#include "support/overhead_lines.h"
+
+#include <functional>
+#include <vector>
+
+namespace lcp::test {
+
+// NS frequencies from low to high, rad/s, evenly spaced in the logarithm, with weights of 1.
+void laySampleGrid(int NS, double low, double high);
+
+struct GroupPoles {
+  double tau;
+  std::vector<Complex> poles;
+};
+
+// Poles and delays of FITMODEL; no residues.
+void setGroups(int NC, const std::vector<GroupPoles>& groups);
+
+// Residues of all elements, below the magnitude of their poles; those of pairs are conjugates.
+void setRandomResidues(LineNumbers& numbers);
+
+using ElementFunction = std::function<Complex(int r, int c, Complex s)>;
+
+// Samples of H, by the order in FITMODEL.
+void sampleH(const ElementFunction& H);
+void sampleModelOfH(); // of the model as it stands
+
+// The model of H.
+Wide modelOfH(int r, int c, Wide s);
+
+struct MeasuredFit {
+  double largest = 0; // deviation of model and samples at a grid frequency
+  double rms = 0;     // of the element where it is largest
+  double ratio = 0;   // largest |residue / pole| of a real pole
+  double norm = 0;    // largest sample
+};
+MeasuredFit measureFit();
+
+// Sum of the squared weighted deviations of an element.
+long double weightedSquares(int r, int c);
+
+// Largest deviation of the model at s = 0 from H, over the largest element of H.
+double dcDeviation(const RealMatrix& H);
+
+// Poles with a positive real part, or without their conjugate beside them.
+int badPoles();
+
+} // namespace lcp::test
