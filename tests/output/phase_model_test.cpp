@@ -214,3 +214,16 @@ TEST(PhaseModel, AManualFileReplacesTheModelFile) {
   EXPECT_EQ(copied.files.at("a.cvo"), fmt::format("{:<99}\n{}\n", "short", std::string(99, 'x')));
   EXPECT_EQ(copied.files.count("a.out"), 1U);
 }
+
+TEST(PhaseModel, LengthStepsAreRunsOfTheirOwn) {
+  const Scratch scratch;
+  const std::string body = singleCircuit(phaseModel(WEIGHTS + "DC Correction Type: 2\n"), SHUNT);
+  scratch.file("a.cvi", description(body));
+  scratch.file("b.cvi", description(body));
+  const ProgramRun steps = runProgram(
+      {"/file", "a.cvi", "/length", "1e4", "/increment", "9e4", "/steps", "2"}, scratch.path());
+  for (const auto& [length, step] : {std::pair{"1e4", "001"}, {"1e5", "002"}}) {
+    const ProgramRun single = runProgram({"/file", "b.cvi", "/length", length}, scratch.path());
+    EXPECT_TRUE(single.files.at("b.cvo") == steps.files.at(fmt::format("a_{}.cvo", step))) << step;
+  }
+}
