@@ -7,6 +7,7 @@
 #include "modal/frequency_grid.h"
 #include "modal/line_constants.h"
 #include "modal/second_loop.h"
+#include "output/mode_model_file.h"
 #include "output/model_file.h"
 #include "output/report.h"
 #include "store/rundata.h"
@@ -36,13 +37,14 @@ bool openOutput(TextFile& file, const FileName& name) {
 // False when the model file cannot be opened.
 bool runModel() {
   const ModelChoice& M = RUNDATA.model;
-  if (M.MODFDM) unavailable("Frequency Dependent (Mode) Model");
   if (M.MODFDP) unavailable("Frequency Dependent (Phase) Model");
   if (M.MODMFDTD) unavailable("MFDTD Model");
   TextFile file;
   if (!openOutput(file, RUNDATA.run.FOUTM)) return false;
   if (M.MODPI) {
     writePiModel(file);
+  } else if (M.MODFDM) {
+    writeModeModel(file);
   } else {
     writeBergeronModel(file);
   }
