@@ -8,6 +8,7 @@
 #include "modal/line_constants.h"
 #include "modal/second_loop.h"
 #include "output/manual_output.h"
+#include "output/mode_model_file.h"
 #include "output/model_file.h"
 #include "output/output_file.h"
 #include "output/phase_model_file.h"
@@ -32,7 +33,7 @@ void writeModel(TextFile& file) {
   const ModelChoice& M = RUNDATA.model;
   if (M.MODPI) writePiModel(file);
   if (M.MODBERG) writeBergeronModel(file);
-  if (M.MODFDM) unavailable("Frequency Dependent (Mode) Model");
+  if (M.MODFDM) writeModeModel(file);
   if (M.MODFDP) writePhaseModel(file);
   if (M.MODMFDTD) unavailable("MFDTD Model");
 }

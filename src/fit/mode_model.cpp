@@ -1,0 +1,65 @@
+#include "fit/mode_model.h"
+
+#include "base/console.h"
+#include "base/number_forms.h"
+#include "store/rundata.h"
+
+namespace lcp {
+
+namespace {
+
+constexpr double PERCENT = 0.01;
+constexpr double MILLI = 1000.0; // s to ms
+
+void signElement(int i, int r) {
+  SecondLoopStore& T = SOLVEDATA.second;
+  if (T.TISUM(i, r) > 0) return;
+  for (int k = 1; k <= SOLVEDATA.grid.NFREQ; ++k) {
+    double& angle = T.TIARG(k, i, r);
+    T.TIMAG(k, i, r) = -T.TIMAG(k, i, r);
+    angle += 180.0;
+    if (angle > 270.0) angle -= 360.0;
+  }
+}
+
+} // namespace
+
+void printFitHeading() {
+  console::line(" FITTING ERROR                # OF POLES");
+  console::line(" -------------                ----------");
+}
+
+void fitSurgeImpedance(int i) {
+  const FrequencyGrid& G = SOLVEDATA.grid;
+  const FitOptions& O = RUNDATA.fit;
+  console::print("Mode {} Surge Impedance:", integerField(i, 2));
+  GROWFIT(G.NFUSE, G.WFREQ, SOLVEDATA.second.ZSURGST.curve(i), G.WFIT, O.MAXPZ, O.ERRZ * PERCENT,
+          MODEMODEL.Z[i]);
+}
+
+void fitAttenuation(int i) {
+  SecondLoopStore& T = SOLVEDATA.second;
+  const FrequencyGrid& G = SOLVEDATA.grid;
+  const FitOptions& O = RUNDATA.fit;
+  console::print("Mode {} Attenuation Constant:", integerField(i, 2));
+  const double TAU = DELAYFIT(G.NFUSE, G.WFREQ, T.HMODE.curve(i), T.VELOC.curve(i), G.WFIT,
+                              RUNDATA.run.LINELEN, O.MAXPA, O.ERRA * PERCENT, MODEMODEL.A[i]);
+  T.TAUMS[i] = MILLI * TAU;
+}
+
+void fitTransformElement(int i, int r) {
+  const FrequencyGrid& G = SOLVEDATA.grid;
+  const FitOptions& O = RUNDATA.fit;
+  RationalFit& element = MODEMODEL.T(i, r);
+  signElement(i, r);
+  if (O.CONSTT) {
+    element.N = 0;
+    element.D = SOLVEDATA.second.TIMAG(G.NFREQ, i, r);
+    return;
+  }
+  console::print("Transform Element {},{}:", integerField(i, 2), integerField(r, 2));
+  GROWFIT(G.NFUSE, G.WFREQ, SOLVEDATA.second.TIST.curve(i, r), G.WFIT, O.MAXP4, O.ERR4 * PERCENT,
+          element);
+}
+
+} // namespace lcp

@@ -1,0 +1,32 @@
+// The frequency dependent (mode) model: surge impedance, attenuation with its travel time, and row
+// of the current transformation of each mode, fitted one by one.
+#pragma once
+
+#include "base/big_store.h"
+#include "fit/growing_fit.h"
+
+namespace lcp {
+
+struct ModeModel {
+  Table<RationalFit, LDMAT> Z;       // surge impedance of mode i, ohm
+  Table<RationalFit, LDMAT> A;       // propagation function of mode i without its delay
+  SquareStore<RationalFit, LDMAT> T; // element (i, r) of the transformation, of mode i in row r
+};
+
+// Mapped before anything of a file that includes this is initialised.
+inline ModeModel& MODEMODEL = bigStore<ModeModel>();
+
+// Heading of the lines that the fits print.
+void printFitHeading();
+
+// Each fits its function of mode i over the NFUSE grid points of the solve store and leaves the
+// outcome in MODEMODEL. The travel time of the mode becomes the delay found (TAUMS, ms).
+void fitSurgeImpedance(int i);
+void fitAttenuation(int i);
+
+// The sampled magnitude of the element becomes negative, and its angle turned by 180 degrees, when
+// the real part is not positive on the mean. With a constant transformation the element is that
+// signed magnitude at the constant transform step, without poles; else it is fitted.
+void fitTransformElement(int i, int r);
+
+} // namespace lcp

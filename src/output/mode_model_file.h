@@ -1,0 +1,12 @@
+// The line model file of the frequency dependent (mode) model.
+#pragma once
+
+#include "base/text_file.h"
+
+namespace lcp {
+
+// Writes the head and, mode by mode, fits and writes: travel time (ms), surge impedance (ohm),
+// attenuation and row of the current transformation, each as its poles (rad/s) and residues.
+void writeModeModel(TextFile& file);
+
+} // namespace lcp
