@@ -101,11 +101,11 @@ TEST(DelayGroups, ModesMoveTogetherAndEqualOnesKeepTheirOrder) {
   }
 }
 
-// 10 degrees at 1e6 rad/s are 0.175 us.
+// 10 degrees at 1e6 rad/s are 0.1745 us.
 TEST(DelayGroups, ModesWithinTenDegreesShareADelay) {
   laySampleGrid(100, 1, 1e6);
   const std::vector<double> poles = {2e4, 3e5};
-  sampleModes({{4e-4, {1e4}}, {3e-4 + 1.7e-7, poles}, {3e-4, poles}, {3e-4 + 1.8e-7, poles}});
+  sampleModes({{4e-4, {1e4}}, {3e-4 + 1.74e-7, poles}, {3e-4, poles}, {3e-4 + 1.75e-7, poles}});
   FITMODEL.TAU.fill(7.0);
   FORMGROUPS();
   EXPECT_EQ(FITMODEL.NGROUP, 3);
