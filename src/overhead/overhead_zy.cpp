@@ -9,7 +9,9 @@
 // to the equivalent ones and averaged over transposed circuits.
 #include "overhead/overhead_zy.h"
 
+#include "base/console.h"
 #include "base/constants.h"
+#include "base/stop.h"
 #include "overhead/bundle_reduction.h"
 #include "overhead/earth_return.h"
 #include "overhead/internal_impedance.h"
@@ -23,6 +25,18 @@
 namespace lcp {
 
 namespace {
+
+// A conductor in the ground or without a radius has no logarithm, and its earth return no end.
+void checkConductor(int i) {
+  const ConductorTable& C = RUNDATA.cond;
+  if (C.CYAVG[i] > 0.0 && C.CRAD[i] > 0.0) return;
+  console::openStars();
+  console::print("Conductor at X = {} m, Y = {} m:", C.CX[i], C.CY[i]);
+  console::print("Average Height ({} m) and Radius ({} m) Must be > 0!", C.CYAVG[i], C.CRAD[i]);
+  console::closeStars();
+  console::line("QUENT Ending!");
+  stop(1);
+}
 
 // Logarithms and image distances of all pairs of physical conductors.
 void prepareGeometry(int n) {
@@ -108,6 +122,7 @@ void OHZY(double f, double& length, CView YMAT, CView ZMAT, CView PMAT) {
   length = RUNDATA.run.LINELEN;
   const bool first = SOLVEDATA.first.ISTATUS;
   if (first) {
+    for (int i = 1; i <= n; ++i) checkConductor(i);
     prepareGeometry(n);
     SPLITCIRC(S.groups, nc);
   }

@@ -2,6 +2,7 @@
 
 #include "base/constants.h"
 #include "fit/bode_delay.h"
+#include "fit/delay_search.h"
 #include "store/rundata.h"
 #include "support/console_capture.h"
 #include "support/propagation_case.h"
@@ -100,11 +101,11 @@ TEST(DelayGroups, ModesMoveTogetherAndEqualOnesKeepTheirOrder) {
   }
 }
 
-// 10 degrees at 1e6 rad/s are 0.175 us.
+// 10 degrees at 1e6 rad/s are 0.1745 us.
 TEST(DelayGroups, ModesWithinTenDegreesShareADelay) {
   laySampleGrid(100, 1, 1e6);
   const std::vector<double> poles = {2e4, 3e5};
-  sampleModes({{4e-4, {1e4}}, {3e-4 + 1.7e-7, poles}, {3e-4, poles}, {3e-4 + 1.8e-7, poles}});
+  sampleModes({{4e-4, {1e4}}, {3e-4 + 1.74e-7, poles}, {3e-4, poles}, {3e-4 + 1.75e-7, poles}});
   FITMODEL.TAU.fill(7.0);
   FORMGROUPS();
   EXPECT_EQ(FITMODEL.NGROUP, 3);
@@ -168,6 +169,39 @@ TEST(DelayGroups, DelaysStayWithinAFifthOfWhereTheAttemptBegan) {
     }
   }
   EXPECT_EQ(badPoles(), 0);
+}
+
+// The searches of two attempts one by one: where each starts, its first step and its bounds.
+TEST(DelayGroups, EachSearchGoesOnFromTheLast) {
+  static DelayTable table;
+  static FunctionFit fit;
+  FitErrors errors{};
+  PoleTable poles;
+  laySampleGrid(100, 1, 1e6);
+  sampleModes({{3.217e-4, {3, 30, 400, 2e3, 2e4, 9e4, 6e5}}});
+  FORMGROUPS();
+  const FrequencyGrid& G = SOLVEDATA.grid;
+  const FitSamples samples{
+      100, 1, G.WFREQ, &SOLVEDATA.second.HMODE.curve(1), G.WFIT, FLIPUNSTABLE, NOASYMPTOTE};
+  double tau = firstDelay(1).TAU, steps = firstDelay(1).CORR;
+  int N = 0;
+  for (const double target : {1e-3, 1e-7}) {
+    const double first = -0.5 * steps, low = 0.8 * tau, up = 1.2 * tau;
+    int searches = 0;
+    do {
+      DelaySearch S{tau, first, 1e6, up, low, steps};
+      startingPoles(poles, ++N, 1, G.WFREQ[100]);
+      SEARCHDELAY(S, table, samples, N, poles, fit, errors);
+      tau = S.tau;
+      steps = S.stepSum;
+      ++searches;
+    } while (errors.ERRMAX > target);
+    EXPECT_TRUE(attempt(target, 20));
+    EXPECT_EQ(FITMODEL.NH[1], N);
+    EXPECT_EQ(FITMODEL.TAU[1], tau) << target;
+    EXPECT_EQ(FITMODEL.HPOLE[1][N], poles[N]);
+    EXPECT_GT(searches, 1);
+  }
 }
 
 // A mode that is zero everywhere is fitted without error and never asks for another pole.

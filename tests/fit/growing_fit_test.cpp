@@ -3,6 +3,7 @@
 
 #include "base/console.h"
 #include "fit/bode_delay.h"
+#include "fit/delay_search.h"
 #include "support/child.h"
 #include "support/sampled_functions.h"
 
@@ -15,13 +16,14 @@ using namespace lcp::test;
 namespace {
 
 const SampleGrid GRID(1, 1e6, 100);
-constexpr double LEN = 1e5;   // m
-constexpr double T = 3.34e-4; // s
+constexpr double LEN = 1e5;       // m
+constexpr double LIGHT = 3.34e-4; // travel time, s
 
 // Surge impedance of a line with resistance and leakage, ohm.
 Complex surge(Complex s) { return std::sqrt((1e-5 + s * 1e-6) / (1e-11 + s * 1e-11)); }
 
-// Propagation with skin effect over a lossy conductor and a delay.
+// Propagation with skin effect over a lossy conductor and the delay T.
+double T = LIGHT;
 Complex propagation(Complex s) { return std::exp(-0.02 - 6e-3 * std::sqrt(s) - s * T); }
 
 ComplexCurve F;
@@ -32,7 +34,8 @@ void grow(int NMAX, double TARGET, RationalFit& FIT) {
   GROWFIT(GRID.NS, GRID.w, F, GRID.weight, NMAX, TARGET, FIT);
 }
 
-double delayFit(int NMAX, double TARGET, RationalFit& FIT) {
+double delayFit(int NMAX, double TARGET, RationalFit& FIT, double delay = LIGHT) {
+  T = delay;
   F = sampled(GRID, propagation);
   for (int k = 1; k <= GRID.NS; ++k) {
     V[k] = GRID.w[k] * LEN / (6e-3 * std::sqrt(GRID.w[k] / 2) + GRID.w[k] * T);
@@ -137,19 +140,36 @@ TEST(GrowingFit, DelayIsFoundNearTheTravelTimeOfLight) {
     EXPECT_LT(FIT.N, 20);
     EXPECT_EQ(FIT.D, 0);
     EXPECT_NEAR(errorOf(FIT, TAU), FIT.ERR, 1e-10);
-    EXPECT_NEAR(TAU, T, 0.03 * T);
+    EXPECT_NEAR(TAU, LIGHT, 0.03 * LIGHT);
     for (int m = 1; m <= FIT.N; ++m) EXPECT_LE(FIT.P[m].real(), 0);
   }
 }
 
-TEST(GrowingFit, DelayStaysWithinAFifthOfTheFirst) {
+// The outcome is that of one search at the last count: from the first delay, which is taken where
+// the function has fallen to the target, with a step of half its correction and an empty table.
+TEST(GrowingFit, EveryCountSearchesAnew) {
   RationalFit FIT;
-  for (int limit = 1; limit <= 8; ++limit) {
-    const double TAU = delayFit(limit, -1.0, FIT);
-    const double first = BODEDLY(V, F, GRID.NS, GRID.w, LEN, -1.0).TAU;
-    EXPECT_EQ(FIT.N, limit);
-    EXPECT_LE(TAU, 1.2 * first);
-    EXPECT_GE(TAU, 0.8 * first);
-    EXPECT_NEAR(errorOf(FIT, TAU), FIT.ERR, 1e-10);
+  static FunctionFit alone;
+  int atBounds = 0;
+  for (const double delay : {LIGHT, 1e-5, 1e-7}) { // short ones meet the bounds
+    for (const auto& [limit, target] : {std::pair{1, 0.05}, {2, 0.003}, {3, 1e-4}, {4, 1e-3}}) {
+      const double TAU = delayFit(limit, target, FIT, delay);
+      EXPECT_EQ(FIT.N, limit);
+      const FitSamples Q = {GRID.NS, 1, GRID.w, &F, GRID.weight, FLIPUNSTABLE, NOASYMPTOTE};
+      const BodeDelay first = BODEDLY(V, F, GRID.NS, GRID.w, LEN, target);
+      DelaySearch S = {first.TAU, first.CORR / 2, 0, 1.2 * first.TAU, 0.8 * first.TAU};
+      DelayTable tried;
+      FitErrors errors;
+      PoleTable P;
+      startingPoles(P, limit, GRID.w[1], GRID.w[GRID.NS]);
+      SEARCHDELAY(S, tried, Q, limit, P, alone, errors);
+      EXPECT_EQ(TAU, S.tau);
+      EXPECT_EQ(FIT.ERR, errors.ERRNORM);
+      for (int m = 1; m <= limit; ++m) EXPECT_EQ(FIT.R[m], alone.R[m]);
+      for (int it = 1; it <= DELAYITERATIONS; ++it) {
+        atBounds += tried.tau[it] == S.up || tried.tau[it] == S.low ? 1 : 0;
+      }
+    }
   }
+  EXPECT_GT(atBounds, 0);
 }

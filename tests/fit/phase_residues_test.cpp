@@ -130,12 +130,12 @@ TEST(PhaseResidues, MeetTheDcValues) {
   const std::vector<Complex> real = {-30.0, -900.0, -7e4};
   const std::vector<Complex> pair = {-30.0 + 20.0 * J, -30.0 - 20.0 * J, -7e4};
   struct Case {
+    std::vector<Complex> first; // poles of group 1
     int DCTYPE;
-    std::vector<Complex> first;
     int poles; // of group 1 with the correction
   };
-  const Case cases[] = {{1, real, 3}, {1, pair, 4}, {1, {}, 1},
-                        {2, real, 4}, {2, pair, 4}, {2, {}, 1}};
+  const Case cases[] = {{real, 1, 3}, {pair, 1, 4}, {{}, 1, 1},
+                        {real, 2, 4}, {pair, 2, 4}, {{}, 2, 1}};
   for (const Case& C : cases) {
     laySampleGrid(100, 1, 1e6);
     setGroups(3, {{3e-4, C.first}, {4e-4, pair}});

@@ -127,6 +127,8 @@ TEST(Program, SurvivesBadFiles) {
   std::filesystem::create_directory(scratch.path() / "folder.cvi");
   scratch.file("null.cvi", std::string("CORVO-INPUT-DATA\n\0\0 x\n", 22));
   scratch.file("radius0.cvi", description(singleCircuit(bergeronModel(), "Radius: 0\n")));
+  scratch.file("sag40.cvi", description(singleCircuit(bergeronModel(), "Sag: 40\n")));
+  scratch.file("r1e300.cvi", description(singleCircuit(bergeronModel(), "DCResistance: 1e308\n")));
   scratch.file("earth1.cvi", description(singleCircuit("Line Constants Ground Data\n{\n"
                                                        "EarthImpedanceFormula: 1\n}\n" +
                                                        bergeronModel())));
@@ -140,7 +142,10 @@ TEST(Program, SurvivesBadFiles) {
       {"folder.cvi", "Error in Opening Input Data File: folder.cvi"},
       {"missing.cvi", "Error in Opening Input Data File: missing.cvi"},
       {"null.cvi", "Unknown Data Entry Format: -10\n"},
-      {"radius0.cvi", "not Finite Numbers\nVerify Transmission line data\n"},
+      {"radius0.cvi", "Conductor at X = -10 m, Y = 20 m:\n"
+                      "Average Height (16 m) and Radius (0 m) Must be > 0!\n"},
+      {"sag40.cvi", "Average Height (-6.666666666666664 m) and Radius (0.015 m) Must be > 0!\n"},
+      {"r1e300.cvi", "not Finite Numbers\nVerify Transmission line data\n"},
       {"earth1.cvi", " *ERROR*: Illegal earth return formula selected:\n"
                      "           Ground Formula = 1\n\n"
                      "          Please choose a proper ground return\n"},
