@@ -76,7 +76,7 @@ TEST(Program, NamesItsFiles) {
   scratch.file("a.cvi", bergeronLine());
   scratch.file("plain", bergeronLine());
   scratch.file("pipe.dta", description(""));
-  const auto run = [&](std::vector<std::string> arguments) {
+  const auto run = [&](const std::vector<std::string>& arguments) {
     return runProgram(arguments, scratch.path());
   };
   EXPECT_EQ(namesOf(run({"/file", "a.cvi", "/length", "100", "/increment", "5"})),

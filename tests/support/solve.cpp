@@ -42,7 +42,7 @@ std::string manyCircuits(int n, const std::string& model) {
   std::string body = summary(n);
   int node = 1;
   for (int circuits = 0; node <= n; ++circuits) {
-    const int tower = circuits / 4, side = circuits % 2 == 0 ? -1 : 1;
+    const int tower = circuits / 4, level = circuits % 4 / 2, side = circuits % 2 == 0 ? -1 : 1;
     if (circuits % 4 == 0)
       body += circuits == 0 ? "Line Constants Tower\n{\n" : "}\nLine Constants Tower\n{\n";
     const int last = std::min(node + 2, n);
@@ -54,7 +54,7 @@ std::string manyCircuits(int n, const std::string& model) {
       const int phase = i - node;
       body += fmt::format("P{} : {:.6f} {:.6f}\n", phase + 1,
                           45 * tower + 8 * side + 2.1 * side * (phase - 1) + 0.13 * node,
-                          16 + 7 * (circuits % 4 / 2) + 2.3 * phase + std::fmod(0.17 * node, 3));
+                          16 + 7 * level + 2.3 * phase + std::fmod(0.17 * node, 3));
     }
     body += "}\n";
     node = last + 1;
