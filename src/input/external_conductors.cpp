@@ -33,7 +33,7 @@ struct ExternalFile {
 [[noreturn]] void cannotOpen() {
   console::line();
   console::rule('*', console::STARS);
-  console::print("Error in Opening Input Data File: {}", READER.EXTFILE.whole());
+  console::print("Error in Opening Input Data File: {}", READER.EXTFILE.text());
   console::rule('*', console::STARS);
   console::line("READTLDATA Ending!");
   stop(1);
@@ -43,7 +43,7 @@ struct ExternalFile {
   console::line();
   console::rule('*', console::STARS);
   console::line("Line Constants Program: ERROR");
-  console::print("Error in Reading Data File: {}", READER.EXTFILE.whole());
+  console::print("Error in Reading Data File: {}", READER.EXTFILE.text());
   console::line("File does not appear to conform to correct");
   console::line("format.");
   console::rule('*', console::STARS);

@@ -32,7 +32,7 @@ struct Library {
     file.close();
     console::rule('*', console::STARS);
     console::print("Error Opening {} Library File: {}", kind == "Conductor" ? "Conductor" : "Grnd",
-                   READER.LIBPATH.whole());
+                   READER.LIBPATH.text());
     console::rule('*', console::STARS);
     readError();
   }
@@ -41,8 +41,8 @@ struct Library {
     file.close();
     console::rule('*', console::STARS);
     console::print("Error While Searching {} Library: {}",
-                   kind == "Conductor" ? "Conductor" : "Grnd Wire", READER.LIBPATH.whole());
-    console::print("{} {} Not Found!", kind, LIBNAME.whole());
+                   kind == "Conductor" ? "Conductor" : "Grnd Wire", READER.LIBPATH.text());
+    console::print("{} {} Not Found!", kind, LIBNAME.text());
     console::rule('*', console::STARS);
     readError();
   }
@@ -81,7 +81,7 @@ void warnDefaults(double mur) {
   READER.libraryWarned = true;
   console::rule('-', 49);
   console::line("Warning:  Conductor permeability and inner radius");
-  console::print("information was not found in conductor library{}", READER.LIBPATH.whole());
+  console::print("information was not found in conductor library{}", READER.LIBPATH.text());
   console::line("See online help for updated format. Values");
   console::line("defaulted to:");
   console::print("   Permeability = {}", fixedField(mur, 5, 2));

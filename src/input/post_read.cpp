@@ -47,7 +47,7 @@ void checkMultipleRoute() {
   if (!RUNDATA.model.MODBERG || RUNDATA.run.DATAFMT != ROUTEMULTIPLE) return;
   console::rule('*', 45);
   console::line("Corvo.exe: ERROR");
-  console::print("Line Name: {}", RUNDATA.line.LNAME.whole());
+  console::print("Line Name: {}", RUNDATA.line.LNAME.text());
   console::line("Manual entry of multiple Y and Z data is");
   console::line("supported only when using the Frequency-");
   console::line("Dependent models.");

@@ -252,9 +252,7 @@ bool isStartMark() {
 void ignoreUnknownLine() {
   const std::string& raw = READER.RAWLINE;
   if (READER.LINE.empty() || raw[0] == '!' || raw[0] == 'C') return;
-  TextField<LINELENGTH> whole;
-  whole = raw;
-  console::print("Unknown Data Line Ignored: {}", whole.whole());
+  console::print("Unknown Data Line Ignored: {}", raw.substr(0, raw.find_last_not_of(' ') + 1));
 }
 
 const StateRow& currentState() {
@@ -288,7 +286,7 @@ void openInput() {
   if (openReader(R.FNAME.whole())) return;
   console::line();
   console::rule('*', console::STARS);
-  console::print("Error in Opening Input Data File: {}", R.FNAME.whole());
+  console::print("Error in Opening Input Data File: {}", R.FNAME.text());
   console::rule('*', console::STARS);
   console::line("READTLDATA Ending!");
   stop(1);

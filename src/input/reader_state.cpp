@@ -78,11 +78,11 @@ void markEntry(CondFlags& field, Entry which) {
 }
 
 void readError() {
-  TextField<LINELENGTH> last;
+  TextField<LINELENGTH> last; // without the blanks behind it
   last = READER.RAWLINE;
   console::openStars();
-  console::print("Error in Reading Data File: {}", RUNDATA.run.FNAME.whole());
-  console::print("Last Line Read Was: {}", last.whole());
+  console::print("Error in Reading Data File: {}", RUNDATA.run.FNAME.text());
+  console::print("Last Line Read Was: {}", last.text());
   console::closeStars();
   console::line("READTLDATA Ending!");
   stop(1);
@@ -108,7 +108,7 @@ void setDebugFile(bool on) {
     console::line("READTLDATA Ending!");
     stop(1);
   }
-  writeDebug(fmt::format("File {} Opened, Reading Data.", RUNDATA.run.FNAME.whole()));
+  writeDebug(fmt::format("File {} Opened, Reading Data.", RUNDATA.run.FNAME.text()));
 }
 
 void progress(std::string_view words) {

@@ -15,7 +15,7 @@ namespace {
 
 [[noreturn]] void cannotRead(const std::string& last) {
   console::openStars();
-  console::print("Error in Reading Data File: {}", RUNDATA.display.MANOUTF.whole());
+  console::print("Error in Reading Data File: {}", RUNDATA.display.MANOUTF.text());
   console::print("Last Line Read Was: {}", last);
   console::closeStars();
   console::line("QUENT Ending!");

@@ -19,7 +19,7 @@ const std::string ENTRYMETHODS = lines({"ERROR: corvo.exe", "Multiple Data Entry
                                         "Select only one Line Data Entry Type Method!"});
 
 std::string unknown(const std::string& line) {
-  return fmt::format("Unknown Data Line Ignored: {:<120}\n", line);
+  return fmt::format("Unknown Data Line Ignored: {}\n", line);
 }
 
 struct ConsoleCase {
@@ -162,10 +162,9 @@ TEST(Reader, MissingFile) {
     READTLDATA();
   });
   EXPECT_EQ(r.status, 1);
-  EXPECT_EQ(
-      r.console,
-      lines({"", STARS, fmt::format("Error in Opening Input Data File: {:<200}", "no/such.cvi"),
-             STARS, "READTLDATA Ending!"}));
+  EXPECT_EQ(r.console,
+            lines({"", STARS, fmt::format("Error in Opening Input Data File: {}", "no/such.cvi"),
+                   STARS, "READTLDATA Ending!"}));
 }
 
 TEST(Reader, SurvivesAnyBytes) {

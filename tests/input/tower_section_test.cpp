@@ -157,15 +157,15 @@ TEST(Tower, ExternalFileFailures) {
   const std::string stars(43, '*');
   const auto cannotRead = [&](const std::string& path) {
     return lines({"", stars, "Line Constants Program: ERROR",
-                  fmt::format("Error in Reading Data File: {:<100}", path),
+                  fmt::format("Error in Reading Data File: {}", path),
                   "File does not appear to conform to correct", "format.", stars,
                   "READTLDATA Ending!"});
   };
   const std::string missing = scratchFile("", "") + "missing";
   const ChildResult none = readInChild(description(towerWithFile(missing)));
   EXPECT_EQ(none.console,
-            lines({"", stars, fmt::format("Error in Opening Input Data File: {:<100}", missing),
-                   stars, "READTLDATA Ending!"}));
+            lines({"", stars, fmt::format("Error in Opening Input Data File: {}", missing), stars,
+                   "READTLDATA Ending!"}));
   EXPECT_EQ(none.status, 1);
   for (const std::string text : {"1 2 three\n", "1 2 3\n", "1 2 'x\n"}) {
     const std::string path = scratchFile("bad.txt", text);
@@ -221,7 +221,7 @@ TEST(Library, RowsOfBothFormats) {
   const ChildResult warned = read(old, "three\nName: three");
   EXPECT_EQ(warned.console,
             lines({hyphens, "Warning:  Conductor permeability and inner radius",
-                   fmt::format("information was not found in conductor library{:<110}", old),
+                   fmt::format("information was not found in conductor library{}", old),
                    "See online help for updated format. Values", "defaulted to:",
                    "   Permeability =  1.00", "  Inner Radius =  0.00 [m]", hyphens}));
   EXPECT_EQ(warned.status, 0);
@@ -235,12 +235,12 @@ TEST(Library, Failures) {
   for (int i = 0; i < 5000; ++i) many += "x 1 1 1 1 1\n";
   const std::string tooLong = scratchFile("long.lib", many + "one 10 0.1 19 2 1\n");
   const auto opened = [&](const char* kind, const std::string& path) {
-    return lines({stars, fmt::format("Error Opening {} Library File: {:<110}", kind, path), stars});
+    return lines({stars, fmt::format("Error Opening {} Library File: {}", kind, path), stars});
   };
   const auto notFound = [&](const char* kind, const char* what, const std::string& path,
                             const std::string& name) {
-    return lines({stars, fmt::format("Error While Searching {} Library: {:<110}", kind, path),
-                  fmt::format("{} {:<113} Not Found!", what, name), stars});
+    return lines({stars, fmt::format("Error While Searching {} Library: {}", kind, path),
+                  fmt::format("{} {} Not Found!", what, name), stars});
   };
   struct Case {
     std::string library, name, console;

@@ -165,7 +165,7 @@ TEST(Program, OutputFilesThatCannotBeOpenedLeaveTheSolve) {
   scratch.file("a.cvi", bergeronLine());
   const auto blocked = [](const std::string& name) {
     return lines({"", " ****** corvo.exe: ERROR *****",
-                  fmt::format("Cannot Open Output file ! ******{:<200}", name)});
+                  fmt::format("Cannot Open Output file ! ******{}", name)});
   };
   const std::string echo = " File Name:        a.cvi\n Segment length:   100 [m]\n";
   std::filesystem::create_directory(scratch.path() / "a.out");
@@ -185,7 +185,7 @@ TEST(Program, DebugFileTellsProgress) {
   scratch.file("a.cvi", description("Line Constants Debug: 1\n" + singleCircuit(bergeronModel())));
   const ProgramRun run = runProgram({"/file", "a.cvi", "/length", "100"}, scratch.path());
   EXPECT_EQ(run.files.at("DEBUG.OUT"),
-            fmt::format("File {:<200} Opened, Reading Data.\n", "a.cvi") +
+            fmt::format("File {} Opened, Reading Data.\n", "a.cvi") +
                 lines({"Reading Line Summary Data...", "Reading Line 1 Tower Data...",
                        "Reading Circuit 1 Data..", "Reading Ground Wire Data...",
                        "Bergeron Model Selected...", "Reading Bergeron Model Options..."}));

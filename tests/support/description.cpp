@@ -70,9 +70,9 @@ ChildResult readInChild(const std::string& text, int iscable, double length) {
 std::string errorExit(std::string_view lastLine, int iscable) {
   const std::string stars(43, '*');
   return lines({"", stars, "Corvo.exe: ERROR",
-                fmt::format("Error in Reading Data File: {:<200}",
+                fmt::format("Error in Reading Data File: {}",
                             fmt::format("{}/{}", scratchFolder(), caseName(iscable))),
-                fmt::format("Last Line Read Was: {:<120}", lastLine), stars, "READTLDATA Ending!"});
+                fmt::format("Last Line Read Was: {}", lastLine), stars, "READTLDATA Ending!"});
 }
 
 } // namespace lcp::test
