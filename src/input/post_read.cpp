@@ -2,7 +2,10 @@
 
 #include "base/console.h"
 #include "base/stop.h"
+#include "input/cable_checks.h"
+#include "input/cable_data.h"
 #include "input/conductor_order.h"
+#include "input/rule_frame.h"
 #include "store/rundata.h"
 
 #include <cmath>
@@ -13,24 +16,12 @@ namespace {
 
 constexpr double SAMEPLACE = 1e-10;   // m
 constexpr double LEASTLENGTH = 1e-10; // m
-constexpr int EQUALS = 53;
-
-void openRules() {
-  console::rule('=', EQUALS);
-  console::line("ORVEX Line Constants Program: ERROR");
-  console::line();
-}
-
-[[noreturn]] void closeRules() {
-  console::rule('=', EQUALS);
-  stop(1);
-}
 
 void checkLength() {
   if (RUNDATA.run.LINELEN >= LEASTLENGTH) return;
   openRules();
   console::line("Line length is very small. Ensure correct line length");
-  closeRules();
+  stopWithRules();
 }
 
 [[noreturn]] void samePosition(int i, int j) {
@@ -39,7 +30,7 @@ void checkLength() {
   console::line("If you are using multiple tower components, ensure");
   console::line("the x-coordinate of each tower centre in the right-");
   console::line("of-way is properly entered.");
-  closeRules();
+  stopWithRules();
 }
 
 // Travelling waves of a Bergeron model need one Y and Z, not a table over frequency.
@@ -55,12 +46,36 @@ void checkMultipleRoute() {
   stop(1);
 }
 
+void checkGeometry() {
+  if (RUNDATA.run.ISCABLE == OVERHEADLINE) {
+    checkConductorPositions();
+  } else {
+    checkCables();
+    checkPipes();
+  }
+}
+
 void checkAndOrder() {
   const RunControl& R = RUNDATA.run;
-  if (R.DATAFMT == ROUTECONSTANTS && R.ISCABLE == OVERHEADLINE) checkConductorPositions();
+  if (R.ISCABLE == CABLESYSTEM) deriveCableData();
+  if (R.DATAFMT == ROUTECONSTANTS) checkGeometry();
   if (RUNDATA.model.MODHALO) return;
   orderConductors();
   if (R.ISCABLE == OVERHEADLINE) orderNodes();
+}
+
+// Overhead conductors in a cable system become aerial cables.
+void takeOverheadConductors() {
+  const RunControl& R = RUNDATA.run;
+  if (R.DATAFMT != ROUTECONSTANTS || R.ISCABLE != CABLESYSTEM || RUNDATA.cond.NCOND == 0) return;
+  RUNDATA.cable.MIXEDOH = true;
+  if (RUNDATA.cable.NCABLE == 0) {
+    console::line("*WARNING*: If there are only overhead lines,it is ");
+    console::line("better to model using overhead line model ");
+  }
+  checkConductorPositions();
+  orderNodes();
+  convertOverheadConductors();
 }
 
 } // namespace
@@ -83,6 +98,7 @@ void postReadPass() {
     checkAndOrder();
   }
   if (RUNDATA.bergeron.HFAPPROX == 0) RUNDATA.bergeron.FLOSS = RUNDATA.line.SSFREQ;
+  takeOverheadConductors();
 }
 
 } // namespace lcp

@@ -7,6 +7,7 @@
 #include "base/stop.h"
 #include "input/external_conductors.h"
 #include "input/key_rows.h"
+#include "input/open_cable.h"
 #include "input/post_read.h"
 #include "input/reader_state.h"
 #include "input/sections.h"
@@ -78,7 +79,8 @@ bool noKeys() { return false; }
 bool topLevelLine();
 bool externalLine();
 
-// What a state reads, where its closing mark leads, and what the mark finishes.
+// What a state reads, where its closing mark leads, and what the mark finishes; a coax section in a
+// pipe leads back to the pipe.
 struct StateRow {
   State state;
   bool (*line)();
@@ -98,10 +100,10 @@ constexpr std::array STATES = {
     StateRow{State::FittedModel, fittedModelLine, State::TopLevel, nullptr},
     StateRow{State::ManualEntry, noKeys, State::TopLevel, nullptr},
     StateRow{State::PiModel, noKeys, State::TopLevel, nullptr},
-    StateRow{State::CoaxCable, noKeys, State::TopLevel, nullptr},
-    StateRow{State::FourWire, noKeys, State::TopLevel, nullptr},
+    StateRow{State::CoaxCable, coaxLine, State::TopLevel, finishCoax},
+    StateRow{State::FourWire, fourWireLine, State::TopLevel, nullptr},
     StateRow{State::Display, displayLine, State::TopLevel, nullptr},
-    StateRow{State::Pipe, noKeys, State::TopLevel, nullptr},
+    StateRow{State::Pipe, pipeLine, State::TopLevel, nullptr},
     StateRow{State::Halo, haloLine, State::TopLevel, nullptr},
     StateRow{State::ExternalFile, externalLine, State::TopLevel, nullptr},
 };
@@ -143,19 +145,6 @@ void chooseModel(int number, bool& flag, std::string_view repeated) {
   flag = true;
 }
 
-void countCable() {
-  const int NCABLE = ++RUNDATA.cable.NCABLE;
-  if (NCABLE >= 1 && NCABLE <= MAXCABLE) return;
-  console::rule('*', 45);
-  console::line("Corvo.exe: ERROR");
-  console::print("Too Many Cables Entered ({})!", NCABLE);
-  console::print("Cable Number Must be > 0 and <= {}", MAXCABLE);
-  console::line("Check the Cable Number Data for Each Cable");
-  console::line("In the Cable Sub-Page!");
-  console::rule('*', 45);
-  readError();
-}
-
 void checkFileKind(std::string_view what) {
   if (RUNDATA.run.ISCABLE == CABLESYSTEM) return;
   console::rule('*', console::STARS);
@@ -191,7 +180,7 @@ void applyEffect(Effect effect) {
   case Effect::Manual: chooseManualRoute(); break;
   case Effect::Coax:
     chooseConstantsRoute();
-    countCable();
+    checkCableCount(++RUNDATA.cable.NCABLE);
     checkFileKind("Coax Cable components cannot be");
     break;
   case Effect::Pipe:
@@ -201,7 +190,7 @@ void applyEffect(Effect effect) {
     break;
   case Effect::FourWire:
     chooseConstantsRoute();
-    countCable();
+    checkCableCount(++RUNDATA.cable.NCABLE);
     checkFileKind("Cable components cannot be");
     RUNDATA.run.ISCABLE = FOURWIRECABLE;
     break;
@@ -261,8 +250,8 @@ const StateRow& currentState() {
 }
 
 void closeBlock(const StateRow& row) {
-  if (row.finish != nullptr) row.finish();
   READER.RSTATE = row.closedTo;
+  if (row.finish != nullptr) row.finish();
 }
 
 void takeLine() {

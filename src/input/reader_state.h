@@ -1,6 +1,7 @@
 // What the sections of the reader share: the current line, the open group, the way out.
 #pragma once
 
+#include "store/cable_group.h"
 #include "store/conductor_table.h"
 
 #include <string>
@@ -45,7 +46,15 @@ struct ReaderState {
   int offsetLine = 0;         // offset lines read in the open sub-conductor block
   double lastShunt = 0;       // last value of "ShuntConductance"
   bool libraryWarned = false; // the warning on library defaults was given
-  double dropped = 0;         // values that are read and not used
+
+  int CURCABLE = 0;             // number of the cable being read, 0 before the first
+  int CURPIPE = 0;              // number of the pipe being read, 0 before the first
+  bool INPIPE = false;          // the open coax section stands in a pipe section
+  Cable openCable;              // the cable being read; see open_cable
+  bool identicalCables = false; // the cables of the pipe are all like the master
+  int masterCable = 0;          // number of the first cable in a pipe
+
+  double dropped = 0; // values that are read and not used
   int droppedInteger = 0;
   TextField<LIBPATHLEN> LIBPATH;
   TextField<EXTFILELEN> EXTFILE;

@@ -16,9 +16,16 @@ bool bergeronLine();
 bool fittedModelLine();
 bool displayLine();
 bool haloLine();
+bool coaxLine();
+bool pipeLine();
+bool fourWireLine();
 
 // What the closing marks of a circuit and of a ground-wire group do to the conductor table.
 void finishCircuit();
 void finishGroundWires();
+
+// ... and that of a coax section in a pipe: the cable lies in the pipe, and the pipe section goes
+// on.
+void finishCoax();
 
 } // namespace lcp

@@ -36,8 +36,13 @@ void checkTables() {
   const int most = RUNDATA.run.ISCABLE == OVERHEADLINE ? MAXEQUIV : MAXCOND;
   const int NC = RUNDATA.line.NC;
   if (C.NCOND < 0 || C.NCOND > MAXCOND || NC < 0 || NC > most) std::abort();
-  for (int i = 1; i <= C.NCOND; ++i) {
-    if (C.CMAP[i] < MAPKEPT || C.CMAP[i] > C.NCOND) std::abort();
+  const CableTable& T = RUNDATA.cable;
+  const int moved = T.MIXEDOH ? NC - C.NCOND : 0; // roles stand behind those of the cables
+  for (int i = 1; i <= C.NCOND + moved; ++i) {
+    if (C.CMAP[i] < MAPKEPT || C.CMAP[i] > C.NCOND + moved) std::abort();
+  }
+  for (int i = 1; i <= MAXCABLE; ++i) {
+    if (T.CB[i].CBNLAY < 0 || T.CB[i].CBNLAY > MOSTLAYERS + 1) std::abort();
   }
 }
 
