@@ -4,7 +4,7 @@
 set -euo pipefail
 
 run=(g++ cmake ninja-build libopenblas-serial-dev libfmt-dev)
-test=("${run[@]}" libgtest-dev libbenchmark-dev python3 clang-format-14)
+test=("${run[@]}" libgtest-dev libbenchmark-dev libflint-arb-dev python3 clang-format-14)
 lint=("${test[@]}" clang-14 clang-tidy-14)
 fuzz=("${run[@]}" clang-14 libclang-rt-14-dev)
 
