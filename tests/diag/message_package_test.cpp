@@ -5,36 +5,17 @@
 #include "diag/message_unit.h"
 #include "diag/version_stamp.h"
 #include "support/child.h"
+#include "support/scratch.h"
 #include "support/version_line.h"
 
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
-#include <sstream>
 #include <unistd.h>
 
 using namespace lcp;
 using namespace lcp::test;
-
-namespace {
-
-std::string contents(const std::string& name) {
-  std::ostringstream text;
-  text << std::ifstream(name).rdbuf();
-  return text.str();
-}
-
-// A directory of its own for each test, emptied before.
-std::string freshDirectory() {
-  const auto* test = testing::UnitTest::GetInstance()->current_test_info();
-  std::string name = testing::TempDir() + test->test_suite_name() + test->name() + "/";
-  std::filesystem::remove_all(name);
-  std::filesystem::create_directories(name);
-  return name;
-}
-
-} // namespace
 
 TEST(MessagePackage, ReportsAndGoesOn) {
   const ChildResult r = runChild([] {
@@ -51,16 +32,15 @@ TEST(MessagePackage, ReportsAndGoesOn) {
 }
 
 TEST(MessagePackage, FatalEnds) {
-  struct Case {
-    const char* what;
-    void (*code)();
-    std::string console;
-  };
   std::string fullStack =
       "-*** ERROR: BAKTRC: List full--Execution terminating. ***\n-Traceback:\n";
   for (int d = 100; d >= 1; --d) fullStack += fmt::format(" R{:<5} - LIBRARY OF TWENTY CH\n", d);
   const std::string stamp = versionLine(901120) + "\n";
-  const Case cases[] = {
+  const struct {
+    const char* what;
+    void (*code)();
+    std::string console;
+  } cases[] = {
       {"names are cut",
        [] {
          BAKTRC("OUTER", "LIB", STACKPUSH);
@@ -91,7 +71,7 @@ TEST(MessagePackage, FatalEnds) {
        lines({"-*** ERROR: ERRMSG: Variable ACTION out of range.--Execution terminating. ***"}) +
            stamp},
   };
-  for (const Case& c : cases) {
+  for (const auto& c : cases) {
     const ChildResult r = runChild(c.code);
     EXPECT_EQ(r.status, 12) << c.what;
     EXPECT_EQ(r.console, c.console) << c.what;
@@ -134,7 +114,8 @@ TEST(VersionStamp, KeepsTheNewestDateOfASlot) {
 }
 
 TEST(MessageUnit, GoesToFilesAndBack) {
-  const std::string d = freshDirectory();
+  const Scratch scratch;
+  const std::string d = scratch.path().string() + "/";
   std::ofstream(d + "old") << "first\n";
   const ChildResult r = runChild([&] {
     W_OUTMSG(" ", d + "new  ");
@@ -153,12 +134,13 @@ TEST(MessageUnit, GoesToFilesAndBack) {
   });
   EXPECT_EQ(r.status, 0);
   EXPECT_EQ(r.console, "on the console\n");
-  EXPECT_EQ(contents(d + "new"), " in new\nagain in new\n");
-  EXPECT_EQ(contents(d + "old"), "first\nsecond\nthird\n");
+  EXPECT_EQ(contentOf(d + "new"), " in new\nagain in new\n");
+  EXPECT_EQ(contentOf(d + "old"), "first\nsecond\nthird\n");
 }
 
 TEST(MessageUnit, Failures) {
-  const std::string d = freshDirectory();
+  const Scratch scratch;
+  const std::string d = scratch.path().string() + "/";
   std::ofstream(d + "file") << "";
   const struct {
     std::function<void()> code;
