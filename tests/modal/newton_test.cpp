@@ -88,44 +88,6 @@ TEST(Newton, KeepsTheModesOfASmoothFamilyApart) {
   EXPECT_TRUE(onlyCornerSet(W.TI, n));
 }
 
-TEST(Newton, EndsAtTheModesOfAFreshDecomposition) {
-  static Walk W, fresh;
-  const int n = 12;
-  lineProduct(W.A, 50.0, towers(n));
-  start(W, n);
-  for (double f = 50.0; f < 500.0;) {
-    f *= 1.03;
-    lineProduct(W.A, f, towers(n));
-    ASSERT_TRUE(step(W, n)) << f;
-  }
-  fresh.A = W.A;
-  start(fresh, n);
-  std::vector<double> nearest(n, 1.0);
-  for (int k = 1; k <= n; ++k) {
-    for (int m = 1; m <= n; ++m) {
-      double& d = nearest[static_cast<std::size_t>(m - 1)];
-      d = std::min(d, std::abs(W.EIG[k] / fresh.EIG[m] - 1.0));
-    }
-  }
-  for (double d : nearest) EXPECT_LT(d, 1e-7); // every mode of the decomposition was kept
-}
-
-TEST(Newton, ExactGuessLeavesTheOutputAlone) {
-  static Walk W;
-  const int n = 3;
-  lineProduct(W.A, 60.0, towers(n));
-  start(W, n);
-  ASSERT_TRUE(step(W, n));
-  const LineMatrix TI = W.TI;
-  const ModeComplex EIG = W.EIG;
-  ASSERT_TRUE(step(W, n));
-  for (int k = 1; k <= n; ++k) {
-    EXPECT_EQ(updates(k), 1);
-    EXPECT_EQ(W.EIG[k], EIG[k]);
-    for (int i = 1; i <= n; ++i) EXPECT_EQ(W.TI(i, k), TI(i, k));
-  }
-}
-
 TEST(Newton, StepsAreLimited) {
   Single S;
   S.P.fill(1);
