@@ -160,23 +160,6 @@ TEST(PhaseResidues, AFullGroupTakesTheExtraPole) {
   }
 }
 
-TEST(PhaseResidues, SingularValuesSeparateEqualPoles) {
-  laySampleGrid(60, 1, 1e6);
-  std::vector<GroupPoles> groups = twoGroups();
-  groups.push_back(groups.front()); // columns that stand twice
-  setGroups(2, groups);
-  sampleH(strange);
-  const PhaseFit plain = HPHASEFIT(0, nullptr, false);
-  const PhaseFit truncated = HPHASEFIT(0, nullptr, true);
-  EXPECT_NEAR(truncated.MAXERR, plain.MAXERR, 1e-9);
-  EXPECT_NEAR(truncated.MAXERR, measureFit().largest, 1e-9);
-  EXPECT_EQ(FITMODEL.NH[3], 5); // the smallest solution shares, it leaves no residue at zero
-  for (int m = 1; m <= 5; ++m) {
-    const Complex R = FITMODEL.HRES[1](1, 2)[m];
-    EXPECT_LT(std::abs(FITMODEL.HRES[3](1, 2)[m] - R), 1e-6 * std::abs(R));
-  }
-}
-
 TEST(PhaseResidues, PolesWithoutAResidueAreDropped) {
   laySampleGrid(60, 0.01, 100);
   setGroups(2, {{0.1, {-0.5, -2.0, -9.0}}, {0.3, {-1.0 + J, -1.0 - J, -4.0}}});
