@@ -54,14 +54,6 @@ TEST(CurveMatrix, LoadAndStoreMoveTheCornerOfOneStep) {
   EXPECT_TRUE(std::isnan(store(1, 1, 4).real()));
 }
 
-TEST(CurveVector, OneCurveAMode) {
-  CurveVector<double, 3, 4> store{};
-  for (int i = 1; i <= 3; ++i) {
-    for (int k = 1; k <= 4; ++k) store(k, i) = 10.0 * i + k;
-  }
-  EXPECT_EQ(store.curve(2)[3], 23.0);
-}
-
 TEST(BigStore, IsZeroAndCostsNothingUntouched) {
   struct Store {
     double numbers[1 << 27]; // 1 GB of addresses

@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
-#include <unistd.h>
 #include <vector>
 
 using namespace lcp;
@@ -87,12 +86,4 @@ TEST(TextSource, OpensRegularFilesOnly) {
   EXPECT_TRUE(source.open(good)); // from its start again
   EXPECT_EQ(source.next(record, 10), Result::Record);
   EXPECT_EQ(record, "text");
-}
-
-TEST(TextSource, UnreadableFile) {
-  if (geteuid() == 0) GTEST_SKIP() << "the superuser may read every file";
-  const Scratch scratch;
-  const std::string name = scratch.file("locked", "text");
-  ASSERT_EQ(chmod(name.c_str(), 0), 0);
-  EXPECT_FALSE(TextSource().open(name));
 }

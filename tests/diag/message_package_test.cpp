@@ -32,10 +32,12 @@ TEST(MessagePackage, ReportsAndGoesOn) {
 }
 
 TEST(MessagePackage, FatalEnds) {
-  std::string fullStack =
-      "-*** ERROR: BAKTRC: List full--Execution terminating. ***\n-Traceback:\n";
+  const auto fatal = [](const char* text) {
+    return fmt::format("-*** ERROR: {}--Execution terminating. ***", text);
+  };
+  const std::string trace = "-Traceback:", stamp = versionLine(901120);
+  std::string fullStack = lines({fatal("BAKTRC: List full"), trace});
   for (int d = 100; d >= 1; --d) fullStack += fmt::format(" R{:<5} - LIBRARY OF TWENTY CH\n", d);
-  const std::string stamp = versionLine(901120) + "\n";
   const struct {
     const char* what;
     void (*code)();
@@ -49,27 +51,20 @@ TEST(MessagePackage, FatalEnds) {
          BAKTRC("SEVENCH", "MODALPAK", STACKPUSH);
          ERRMSG("SEVENCH", "text", MSGFATAL);
        },
-       lines({"-*** ERROR: SEVENCH: text--Execution terminating. ***", "-Traceback:",
-              " SEVENC - MODALPAK            ", " OUTER  - LIB                 ", "-"}) +
-           stamp},
+       lines({fatal("SEVENCH: text"), trace, " SEVENC - MODALPAK            ",
+              " OUTER  - LIB                 ", "-", stamp})},
       {"pop off an empty stack", [] { BAKTRC("X", "Y", STACKPOP); },
-       lines(
-           {"-*** ERROR: BAKTRC: Trying to pop too many names off list--Execution terminating. ***",
-            "-Traceback:", "-"}) +
-           stamp},
+       lines({fatal("BAKTRC: Trying to pop too many names off list"), trace, "-", stamp})},
       {"101 names",
        [] {
          for (int d = 1; d <= 101; ++d)
            BAKTRC(fmt::format("R{}", d), "LIBRARY OF TWENTY CHARACTERS", STACKPUSH);
        },
-       fullStack + "-\n" + stamp},
+       fullStack + lines({"-", stamp})},
       {"code of BAKTRC", [] { BAKTRC("X", "Y", 2); },
-       lines({"-*** ERROR: BAKTRC: Bad value for CODE--Execution terminating. ***",
-              "-Traceback:", "-"}) +
-           stamp},
+       lines({fatal("BAKTRC: Bad value for CODE"), trace, "-", stamp})},
       {"action of ERRMSG", [] { ERRMSG("X", "Y", 4); },
-       lines({"-*** ERROR: ERRMSG: Variable ACTION out of range.--Execution terminating. ***"}) +
-           stamp},
+       lines({fatal("ERRMSG: Variable ACTION out of range."), stamp})},
   };
   for (const auto& c : cases) {
     const ChildResult r = runChild(c.code);
@@ -142,6 +137,11 @@ TEST(MessageUnit, Failures) {
   const Scratch scratch;
   const std::string d = scratch.path().string() + "/";
   std::ofstream(d + "file") << "";
+  const auto onClosedUnit = [&](const char* file) {
+    W_OUTMSG(" ", d + "file");
+    close(MSGUNIT);
+    W_OUTMSG("x", file);
+  };
   const struct {
     std::function<void()> code;
     std::string text;
@@ -149,18 +149,8 @@ TEST(MessageUnit, Failures) {
       {[&] { W_OUTMSG("x", d + "missing/file"); }, "OUTMS0: ERROR DURING OPEN OF MESSAGE UNIT"},
       {[&] { W_OUTMSG("x", d + "file/below"); }, "W_OUTMSG: ERROR DURING INQUIRE FOR FILE"},
       {[&] { W_OUTMSG("x", "/dev/full"); }, "W_OUTMSG: ERROR DURING WRITE TO MESSAGE UNIT"},
-      {[&] {
-         W_OUTMSG(" ", d + "file");
-         close(MSGUNIT);
-         W_OUTMSG("x", " ");
-       },
-       "W_OUTMSG: MESSAGE UNIT IS NOT ASSIGNED"},
-      {[&] {
-         W_OUTMSG(" ", d + "file");
-         close(MSGUNIT);
-         W_OUTMSG("x", "*");
-       },
-       "W_OUTMSG: ERROR DURING CLOSE OF MESSAGE UNIT"},
+      {[&] { onClosedUnit(" "); }, "W_OUTMSG: MESSAGE UNIT IS NOT ASSIGNED"},
+      {[&] { onClosedUnit("*"); }, "W_OUTMSG: ERROR DURING CLOSE OF MESSAGE UNIT"},
       {[&] {
          for (int unit = 0; unit <= 99; ++unit) {
            if (fcntl(unit, F_GETFD) < 0) dup2(STDOUT_FILENO, unit);
