@@ -89,10 +89,10 @@ bool agree(const Lines& wanted, const std::string& got, std::size_t at, const To
 Lines split(const std::string& text) {
   Lines lines(1);
   for (const char c : text) {
-    if (c == '\n')
-      lines.emplace_back();
-    else
-      lines.back() += c;
+    lines.back() += c;
+    if (c != '\n') continue;
+    lines.back().pop_back();
+    lines.emplace_back();
   }
   return lines;
 }

@@ -66,7 +66,9 @@ Tolerances tolerancesOf(const fs::path& directory) {
   std::istringstream in(contentOf(directory / "tolerance"));
   std::string kind;
   for (double value = 0.0; in >> kind >> value;) {
-    (kind == "matrix" ? t.matrix : kind == "scalar" ? t.scalar : t.line) = value;
+    if (kind == "matrix") t.matrix = value;
+    if (kind == "scalar") t.scalar = value;
+    if (kind == "line") t.line = value;
   }
   return t;
 }
@@ -105,10 +107,9 @@ std::string caseDifferences(const fs::path& directory, const std::string& comman
   std::string report;
   if (contentOf(directory / "source").empty()) report = "no source of the expected numbers\n";
   for (const auto& [name, text] : wanted) {
-    if (!run.files.contains(name))
-      report += fmt::format("{} was not written\n", name);
-    else if (const auto d = textDifferences(text, run.files[name], t); !d.empty())
-      report += fmt::format("{}: {}", name, d);
+    const bool written = run.files.contains(name);
+    const std::string d = written ? textDifferences(text, run.files[name], t) : "was not written\n";
+    if (!d.empty()) report += fmt::format("{}{} {}", name, written ? ":" : "", d);
   }
   for (const auto& file : run.files) {
     if (!wanted.contains(file.first)) report += fmt::format("{} was written\n", file.first);
