@@ -2,7 +2,7 @@
 //
 // The arguments are the number of conductors and the length in km. Denormals are flushed to zero as
 // in a run of the program.
-#include "base/console.h"
+#include "../tests/support/console_capture.h"
 #include "fit/phase_residues.h"
 #include "fit/propagation_fit.h"
 #include "modal/first_loop.h"
@@ -13,11 +13,10 @@
 
 #include <benchmark/benchmark.h>
 #include <cmath>
-#include <fcntl.h>
-#include <unistd.h>
 #include <xmmintrin.h>
 
 using namespace lcp;
+using lcp::test::consoleOf;
 
 namespace {
 
@@ -57,26 +56,6 @@ void solveLine(int n, double length) {
   formFitWeights();
 }
 
-// The fit tables go nowhere, without changing where the results are printed.
-class Silence {
-public:
-  Silence() : before(dup(STDOUT_FILENO)) {
-    const int nowhere = open("/dev/null", O_WRONLY);
-    dup2(nowhere, STDOUT_FILENO);
-    close(nowhere);
-  }
-  ~Silence() {
-    console::flush();
-    dup2(before, STDOUT_FILENO);
-    close(before);
-  }
-  Silence(const Silence&) = delete;
-  Silence& operator=(const Silence&) = delete;
-
-private:
-  int before;
-};
-
 int polesOfAll() {
   int poles = 0;
   for (int g = 1; g <= FITMODEL.NGROUP; ++g) poles += FITMODEL.NH[g];
@@ -85,10 +64,11 @@ int polesOfAll() {
 
 void propagation(benchmark::State& state) {
   _mm_setcsr(_mm_getcsr() | FLUSHTOZERO);
-  const Silence silence;
-  solveLine(static_cast<int>(state.range(0)), 1000.0 * static_cast<double>(state.range(1)));
   const FitOptions& F = RUNDATA.fit;
-  while (state.KeepRunning()) HFIT({F.ERRA, F.MAXPA, F.RPRATIO, 0});
+  consoleOf([&] {
+    solveLine(static_cast<int>(state.range(0)), 1000.0 * static_cast<double>(state.range(1)));
+    while (state.KeepRunning()) HFIT({F.ERRA, F.MAXPA, F.RPRATIO, 0});
+  });
   state.counters["groups"] = FITMODEL.NGROUP;
   state.counters["poles"] = polesOfAll();
 }
@@ -100,11 +80,13 @@ BENCHMARK(propagation)
 // The residues alone, over the poles of a finished fit.
 void residues(benchmark::State& state) {
   _mm_setcsr(_mm_getcsr() | FLUSHTOZERO);
-  const Silence silence;
-  solveLine(static_cast<int>(state.range(0)), 1e5);
   const FitOptions& F = RUNDATA.fit;
-  HFIT({F.ERRA, F.MAXPA, F.RPRATIO, 0});
-  while (state.KeepRunning()) benchmark::DoNotOptimize(HPHASEFIT(0, nullptr, state.range(1) == 1));
+  consoleOf([&] {
+    solveLine(static_cast<int>(state.range(0)), 1e5);
+    HFIT({F.ERRA, F.MAXPA, F.RPRATIO, 0});
+    while (state.KeepRunning())
+      benchmark::DoNotOptimize(HPHASEFIT(0, nullptr, state.range(1) == 1));
+  });
   state.counters["poles"] = polesOfAll();
 }
 BENCHMARK(residues)->ArgsProduct({{3, 6, 20}, {0, 1}})->Unit(benchmark::kMillisecond);

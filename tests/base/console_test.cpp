@@ -10,9 +10,7 @@
 #include <unistd.h>
 
 using namespace lcp;
-using lcp::test::ChildResult;
-using lcp::test::lines;
-using lcp::test::runChild;
+using namespace lcp::test;
 
 namespace {
 
@@ -21,7 +19,7 @@ void standardOutputTo(int descriptor) {
   close(descriptor);
 }
 
-void standardOutputTo(const char* name) { standardOutputTo(open(name, O_WRONLY)); }
+void full() { standardOutputTo(open("/dev/full", O_WRONLY)); }
 
 void closedPipe() {
   int ends[2];
@@ -30,16 +28,15 @@ void closedPipe() {
   standardOutputTo(ends[1]);
 }
 
-// Status of a run that prints so many lines and ends with the status given.
-int endOf(const std::function<void()>& before, int printed, int status) {
+// A run that prints so many lines and ends with the status given.
+ChildResult runOf(const std::function<void()>& before, int printed, int status) {
   return runChild([&] {
-           std::signal(SIGPIPE, SIG_DFL);
-           before();
-           console::prepare();
-           for (int i = 0; i < printed; ++i) console::print("line {}", i);
-           stop(status);
-         })
-      .status;
+    std::signal(SIGPIPE, SIG_DFL);
+    before();
+    console::prepare();
+    for (int i = 0; i < printed; ++i) console::print("line {}", i);
+    stop(status);
+  });
 }
 
 } // namespace
@@ -61,40 +58,32 @@ TEST(Console, LinesFramesAndRules) {
                                 "Corvo.exe: ERROR", "what is wrong", stars}));
 }
 
-TEST(Console, LongOutputComesWholeAndInOrder) {
+TEST(Stop, KeepsTheStatusAndAllThatWasPrinted) {
   std::string expected;
   for (int i = 0; i < 20000; ++i) expected += fmt::format("line {}\n", i);
-  const ChildResult run = runChild([] {
-    for (int i = 0; i < 20000; ++i) console::print("line {}", i);
-    stop(2);
-  });
-  EXPECT_EQ(run.status, 2);
-  EXPECT_EQ(run.console, expected);
-}
-
-TEST(Stop, KeepsTheStatusAskedFor) {
   for (const int status : {0, 1, 2, 12}) {
-    EXPECT_EQ(endOf([] {}, 1, status), status);
-    EXPECT_EQ(endOf([] { standardOutputTo("/dev/null"); }, 20000, status), status);
+    const ChildResult run = runOf([] {}, 20000, status);
+    EXPECT_EQ(run.status, status);
+    EXPECT_EQ(run.console, expected);
   }
 }
 
 TEST(Stop, IsOneWhenTheConsoleDoesNotTakeItAll) {
   for (const int printed : {1, 20000}) { // in the last piece, and long before it
-    EXPECT_EQ(endOf([] { standardOutputTo("/dev/full"); }, printed, 0), 1);
-    EXPECT_EQ(endOf([] { standardOutputTo("/dev/full"); }, printed, 2), 1);
-    EXPECT_EQ(endOf(closedPipe, printed, 0), 1);
-    EXPECT_EQ(endOf([] { close(STDOUT_FILENO); }, printed, 0), 1);
+    EXPECT_EQ(runOf(full, printed, 0).status, 1);
+    EXPECT_EQ(runOf(full, printed, 2).status, 1);
+    EXPECT_EQ(runOf(closedPipe, printed, 0).status, 1);
+    EXPECT_EQ(runOf([] { close(STDOUT_FILENO); }, printed, 0).status, 1);
   }
-  EXPECT_EQ(runChild([] {
-              close(STDOUT_FILENO); // nothing to write: only the close reports it
-              stop(0);
-            }).status,
-            1);
+  const ChildResult nothing = runChild([] {
+    close(STDOUT_FILENO); // nothing to write: only the close reports it
+    stop(0);
+  });
+  EXPECT_EQ(nothing.status, 1);
 }
 
 TEST(Console, NoFileTakesThePlaceOfAClosedConsole) {
-  const test::Scratch scratch;
+  const Scratch scratch;
   const std::string name = scratch.file("model");
   const ChildResult run = runChild([&] {
     close(STDIN_FILENO);
@@ -105,5 +94,5 @@ TEST(Console, NoFileTakesThePlaceOfAClosedConsole) {
     stop(0);
   });
   EXPECT_EQ(run.status, 1);
-  EXPECT_EQ(test::contentOf(name), "");
+  EXPECT_EQ(contentOf(name), "");
 }

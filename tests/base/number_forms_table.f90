@@ -4,17 +4,7 @@ program number_forms_table
                                            ieee_negative_inf
   implicit none
   integer(int64) :: state = 88172645463325252_int64
-  integer :: samples = 36
-  character(len=20) :: argument
-
-  if (command_argument_count() >= 1) then
-    call get_command_argument(1, argument)
-    read (argument, *) samples
-  end if
-  if (command_argument_count() >= 2) then
-    call get_command_argument(2, argument)
-    read (argument, *) state
-  end if
+  integer, parameter :: samples = 36
 
   call real_rows('E', [15, 19, 20, 10, 8, 7, 6, 9, 12, 14, 22], [9, 12, 14, 4, 3, 3, 2, 3, 5, 9, 16])
   call real_rows('G', [16, 16, 24, 10, 15, 19, 12, 8, 7, 9, 6, 22, 4], [8, 7, 15, 5, 9, 12, 6, 3, 2, 1, 2, 17, 1])

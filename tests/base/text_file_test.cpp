@@ -10,11 +10,7 @@
 #include <unistd.h>
 
 using namespace lcp;
-using lcp::test::ChildResult;
-using lcp::test::contentOf;
-using lcp::test::lines;
-using lcp::test::runChild;
-using lcp::test::Scratch;
+using namespace lcp::test;
 
 namespace {
 
@@ -41,13 +37,6 @@ void expectFailedWrite(const ChildResult& run, const std::string& name) {
 void limitFileSize(rlim_t bytes) {
   const rlimit limit{bytes, bytes};
   setrlimit(RLIMIT_FSIZE, &limit);
-}
-
-// The descriptor that the next open will get.
-int nextDescriptor() {
-  const int next = dup(STDOUT_FILENO);
-  close(next);
-  return next;
 }
 
 } // namespace
@@ -84,13 +73,10 @@ TEST(TextFile, CannotBeOpened) {
   }
 }
 
-TEST(TextFile, FailedWriteEndsTheRun) {
+TEST(TextFile, FailedWriteEndsTheRunWithAnEmptyFile) {
   for (const int count : {1, 100000})
     expectFailedWrite(writeRun("/dev/full", count, [] {}), "/dev/full");
   EXPECT_EQ(writeRun("/dev/full", 0, [] {}).status, 0); // nothing to write, nothing lost
-}
-
-TEST(TextFile, FileSizeLimitEndsTheRunWithAnEmptyFile) {
   const Scratch scratch;
   const std::string name = scratch.file("a.out");
   expectFailedWrite(writeRun(name, 100, [] { limitFileSize(1000); }), name);
@@ -99,32 +85,23 @@ TEST(TextFile, FileSizeLimitEndsTheRunWithAnEmptyFile) {
   EXPECT_EQ(contentOf(name).size(), 1100U);
 }
 
-TEST(TextFile, FailedCloseEndsTheRun) {
+TEST(TextFile, FailedCloseAndEndOfTheRun) {
   const Scratch scratch;
   const std::string name = scratch.file("a.out");
-  for (const int count : {0, 1}) { // without text only the close can fail
+  for (const int count : {0, 1, 100000}) { // without text only the close can fail
     const ChildResult run = runChild([&] {
-      const int descriptor = nextDescriptor();
+      const int descriptor = dup(STDOUT_FILENO); // the one that the next open will get
+      close(descriptor);
       TextFile file;
       if (!file.open(name)) stop(7);
-      close(descriptor);
       for (int i = 0; i < count; ++i) file.line("text");
+      if (count > 1) stop(1); // before the close: nothing is written
+      close(descriptor);
       file.close();
       stop(0);
     });
-    expectFailedWrite(run, name);
+    if (count <= 1) expectFailedWrite(run, name);
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(contentOf(name), "");
   }
-}
-
-TEST(TextFile, EndOfTheRunLeavesAnEmptyFile) {
-  const Scratch scratch;
-  const std::string name = scratch.file("a.out");
-  const ChildResult run = runChild([&] {
-    TextFile file;
-    if (!file.open(name)) stop(7);
-    for (int i = 0; i < 100000; ++i) file.line("half");
-    stop(1);
-  });
-  EXPECT_EQ(run.status, 1);
-  EXPECT_EQ(contentOf(name), "");
 }

@@ -5,36 +5,17 @@
 #include "diag/message_unit.h"
 #include "diag/version_stamp.h"
 #include "support/child.h"
+#include "support/scratch.h"
 #include "support/version_line.h"
 
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
-#include <sstream>
 #include <unistd.h>
 
 using namespace lcp;
 using namespace lcp::test;
-
-namespace {
-
-std::string contents(const std::string& name) {
-  std::ostringstream text;
-  text << std::ifstream(name).rdbuf();
-  return text.str();
-}
-
-// A directory of its own for each test, emptied before.
-std::string freshDirectory() {
-  const auto* test = testing::UnitTest::GetInstance()->current_test_info();
-  std::string name = testing::TempDir() + test->test_suite_name() + test->name() + "/";
-  std::filesystem::remove_all(name);
-  std::filesystem::create_directories(name);
-  return name;
-}
-
-} // namespace
 
 TEST(MessagePackage, ReportsAndGoesOn) {
   const ChildResult r = runChild([] {
@@ -51,16 +32,17 @@ TEST(MessagePackage, ReportsAndGoesOn) {
 }
 
 TEST(MessagePackage, FatalEnds) {
-  struct Case {
+  const auto fatal = [](const char* text) {
+    return fmt::format("-*** ERROR: {}--Execution terminating. ***", text);
+  };
+  const std::string trace = "-Traceback:", stamp = versionLine(901120);
+  std::string fullStack = lines({fatal("BAKTRC: List full"), trace});
+  for (int d = 100; d >= 1; --d) fullStack += fmt::format(" R{:<5} - LIBRARY OF TWENTY CH\n", d);
+  const struct {
     const char* what;
     void (*code)();
     std::string console;
-  };
-  std::string fullStack =
-      "-*** ERROR: BAKTRC: List full--Execution terminating. ***\n-Traceback:\n";
-  for (int d = 100; d >= 1; --d) fullStack += fmt::format(" R{:<5} - LIBRARY OF TWENTY CH\n", d);
-  const std::string stamp = versionLine(901120) + "\n";
-  const Case cases[] = {
+  } cases[] = {
       {"names are cut",
        [] {
          BAKTRC("OUTER", "LIB", STACKPUSH);
@@ -69,29 +51,22 @@ TEST(MessagePackage, FatalEnds) {
          BAKTRC("SEVENCH", "MODALPAK", STACKPUSH);
          ERRMSG("SEVENCH", "text", MSGFATAL);
        },
-       lines({"-*** ERROR: SEVENCH: text--Execution terminating. ***", "-Traceback:",
-              " SEVENC - MODALPAK            ", " OUTER  - LIB                 ", "-"}) +
-           stamp},
+       lines({fatal("SEVENCH: text"), trace, " SEVENC - MODALPAK            ",
+              " OUTER  - LIB                 ", "-", stamp})},
       {"pop off an empty stack", [] { BAKTRC("X", "Y", STACKPOP); },
-       lines(
-           {"-*** ERROR: BAKTRC: Trying to pop too many names off list--Execution terminating. ***",
-            "-Traceback:", "-"}) +
-           stamp},
+       lines({fatal("BAKTRC: Trying to pop too many names off list"), trace, "-", stamp})},
       {"101 names",
        [] {
          for (int d = 1; d <= 101; ++d)
            BAKTRC(fmt::format("R{}", d), "LIBRARY OF TWENTY CHARACTERS", STACKPUSH);
        },
-       fullStack + "-\n" + stamp},
+       fullStack + lines({"-", stamp})},
       {"code of BAKTRC", [] { BAKTRC("X", "Y", 2); },
-       lines({"-*** ERROR: BAKTRC: Bad value for CODE--Execution terminating. ***",
-              "-Traceback:", "-"}) +
-           stamp},
+       lines({fatal("BAKTRC: Bad value for CODE"), trace, "-", stamp})},
       {"action of ERRMSG", [] { ERRMSG("X", "Y", 4); },
-       lines({"-*** ERROR: ERRMSG: Variable ACTION out of range.--Execution terminating. ***"}) +
-           stamp},
+       lines({fatal("ERRMSG: Variable ACTION out of range."), stamp})},
   };
-  for (const Case& c : cases) {
+  for (const auto& c : cases) {
     const ChildResult r = runChild(c.code);
     EXPECT_EQ(r.status, 12) << c.what;
     EXPECT_EQ(r.console, c.console) << c.what;
@@ -134,7 +109,8 @@ TEST(VersionStamp, KeepsTheNewestDateOfASlot) {
 }
 
 TEST(MessageUnit, GoesToFilesAndBack) {
-  const std::string d = freshDirectory();
+  const Scratch scratch;
+  const std::string d = scratch.path().string() + "/";
   std::ofstream(d + "old") << "first\n";
   const ChildResult r = runChild([&] {
     W_OUTMSG(" ", d + "new  ");
@@ -153,13 +129,19 @@ TEST(MessageUnit, GoesToFilesAndBack) {
   });
   EXPECT_EQ(r.status, 0);
   EXPECT_EQ(r.console, "on the console\n");
-  EXPECT_EQ(contents(d + "new"), " in new\nagain in new\n");
-  EXPECT_EQ(contents(d + "old"), "first\nsecond\nthird\n");
+  EXPECT_EQ(contentOf(d + "new"), " in new\nagain in new\n");
+  EXPECT_EQ(contentOf(d + "old"), "first\nsecond\nthird\n");
 }
 
 TEST(MessageUnit, Failures) {
-  const std::string d = freshDirectory();
+  const Scratch scratch;
+  const std::string d = scratch.path().string() + "/";
   std::ofstream(d + "file") << "";
+  const auto onClosedUnit = [&](const char* file) {
+    W_OUTMSG(" ", d + "file");
+    close(MSGUNIT);
+    W_OUTMSG("x", file);
+  };
   const struct {
     std::function<void()> code;
     std::string text;
@@ -167,18 +149,8 @@ TEST(MessageUnit, Failures) {
       {[&] { W_OUTMSG("x", d + "missing/file"); }, "OUTMS0: ERROR DURING OPEN OF MESSAGE UNIT"},
       {[&] { W_OUTMSG("x", d + "file/below"); }, "W_OUTMSG: ERROR DURING INQUIRE FOR FILE"},
       {[&] { W_OUTMSG("x", "/dev/full"); }, "W_OUTMSG: ERROR DURING WRITE TO MESSAGE UNIT"},
-      {[&] {
-         W_OUTMSG(" ", d + "file");
-         close(MSGUNIT);
-         W_OUTMSG("x", " ");
-       },
-       "W_OUTMSG: MESSAGE UNIT IS NOT ASSIGNED"},
-      {[&] {
-         W_OUTMSG(" ", d + "file");
-         close(MSGUNIT);
-         W_OUTMSG("x", "*");
-       },
-       "W_OUTMSG: ERROR DURING CLOSE OF MESSAGE UNIT"},
+      {[&] { onClosedUnit(" "); }, "W_OUTMSG: MESSAGE UNIT IS NOT ASSIGNED"},
+      {[&] { onClosedUnit("*"); }, "W_OUTMSG: ERROR DURING CLOSE OF MESSAGE UNIT"},
       {[&] {
          for (int unit = 0; unit <= 99; ++unit) {
            if (fcntl(unit, F_GETFD) < 0) dup2(STDOUT_FILENO, unit);

@@ -11,11 +11,14 @@ using namespace lcp::test;
 namespace {
 
 const SampleGrid GRID(1e2, 1e6, 100);
+constexpr double T = 3.3e-5;
 
 // Falls to 0.004 within the grid. The steps of a search for its delay end at 0.6 % of it.
 const Rational ATTENUATION{{{-2e3, 0}, {-2e4, 0}, {-6e4, 3e4}, {-6e4, -3e4}},
                            {{200, 0}, {2e4, 0}, {-1e4, -2e4}, {-1e4, 2e4}},
-                           3.3e-5};
+                           0,
+                           0,
+                           T};
 
 struct Outcome {
   DelaySearch S;
@@ -29,27 +32,20 @@ FitSamples problem(const ComplexCurve& F) {
   return {GRID.NS, 1, GRID.w, &F, GRID.weight, FLIPUNSTABLE, NOASYMPTOTE};
 }
 
-Outcome search(const DelaySearch& start, int N, const DelayTable& T = {}) {
+Outcome search(const DelaySearch& start, int N, const DelayTable& table = {}) {
   static ComplexCurve F;
   F = sampled(GRID, ATTENUATION);
   static Outcome o;
   o.S = start;
-  o.T = T;
+  o.T = table;
   startingPoles(o.POLES, N, GRID.w[1], GRID.w[GRID.NS]);
   SEARCHDELAY(o.S, o.T, problem(F), N, o.POLES, o.FIT, o.ERRORS);
   return o;
 }
 
-double distanceOf(const ComplexCurve& A, const ComplexCurve& B) {
-  double worst = 0;
-  for (int k = 1; k <= GRID.NS; ++k) worst = std::max(worst, std::abs(A[k] - B[k]));
-  return worst;
-}
-
 } // namespace
 
 TEST(DelaySearch, FindsTheDelayOfARationalFunction) {
-  const double T = ATTENUATION.delay;
   for (const double first : {0.9 * T, 0.97 * T, 1.05 * T, 1.15 * T}) {
     for (const double step : {-0.1 * T, 0.05 * T}) {
       const Outcome o = search({first, step, 1e6, 1.2 * T, 0.8 * T}, 4);
@@ -63,26 +59,12 @@ TEST(DelaySearch, FindsTheDelayOfARationalFunction) {
   }
 }
 
-TEST(DelaySearch, FitIsThatOfTheFunctionWithoutTheDelayFound) {
-  const double T = ATTENUATION.delay;
-  const Outcome o = search({1.1 * T, -0.05 * T, 0, 1.3 * T, 0.9 * T}, 4);
-  ComplexCurve bare, model;
-  takeDelayOut(sampled(GRID, ATTENUATION), o.S.tau, GRID.w, GRID.NS, bare);
-  partialFractionCurve(o.POLES, o.FIT.R, 4, 0, 0, GRID.w, GRID.NS, model);
-  EXPECT_NEAR(distanceOf(bare, model), o.ERRORS.ERRMAX, 1e-14);
-  takeDelayOut(sampled(GRID, ATTENUATION), T, GRID.w, GRID.NS, bare);
-  Rational undelayed = ATTENUATION;
-  undelayed.delay = 0;
-  EXPECT_LT(distanceOf(bare, sampled(GRID, undelayed)), 1e-12);
-}
-
 TEST(DelaySearch, StaysWithinItsBounds) {
-  const double T = ATTENUATION.delay;
-  struct Case {
+  const struct {
     double up, low, first, step, end;
-  };
-  for (const Case& c : {Case{0.9 * T, 0.6 * T, 0.7 * T, 0.15 * T, 0.9 * T},
-                        Case{1.6 * T, 1.2 * T, 1.5 * T, -0.2 * T, 1.2 * T}}) {
+  } cases[] = {{0.9 * T, 0.6 * T, 0.7 * T, 0.15 * T, 0.9 * T},
+               {1.6 * T, 1.2 * T, 1.5 * T, -0.2 * T, 1.2 * T}};
+  for (const auto& c : cases) {
     const Outcome o = search({c.first, c.step, 1e6, c.up, c.low}, 3);
     for (int it = 1; it <= DELAYITERATIONS; ++it) {
       EXPECT_LE(o.T.tau[it], c.up);
@@ -93,21 +75,22 @@ TEST(DelaySearch, StaysWithinItsBounds) {
 }
 
 TEST(DelaySearch, StepsAddUpToTheLastOneNotTried) {
-  const double T = ATTENUATION.delay;
   const Outcome o = search({1.02 * T, 0.03 * T, 0, 5 * T, -5 * T, 0.5 * T}, 4);
   // no bound was met: the tried delays are the first one and all steps but the last
   EXPECT_NEAR(o.S.stepSum - 0.5 * T, o.S.tau - 1.02 * T + o.S.d, 1e-12 * T);
-  EXPECT_NE(o.S.d, 0.03 * T);
   // an error compared with 0 is never lower: the first step is turned round and halved
   EXPECT_EQ(o.T.tau[2], 1.02 * T + -0.5 * (0.03 * T));
 }
 
 TEST(DelaySearch, TakesAKnownDelayFromTheTableButFitsTheLast) {
-  const double T = ATTENUATION.delay;
   // without a step the same delay comes fifteen times: fitted at the first and the last
   const Outcome o = search({T, 0, 1e6, 2 * T, 0}, 3);
-  ComplexCurve bare;
+  static ComplexCurve bare;
   takeDelayOut(sampled(GRID, ATTENUATION), T, GRID.w, GRID.NS, bare);
+  for (int k = 1; k <= GRID.NS; ++k) {
+    const Complex s(0, GRID.w[k]);
+    ASSERT_LT(std::abs(bare[k] - ATTENUATION(s) * std::exp(s * T)), 1e-12);
+  }
   static FunctionFit fit;
   FitErrors errors;
   PoleTable poles;
@@ -121,7 +104,6 @@ TEST(DelaySearch, TakesAKnownDelayFromTheTableButFitsTheLast) {
 }
 
 TEST(DelaySearch, BelievesWhatStandsInItsTable) {
-  const double T = ATTENUATION.delay;
   for (const int position : {1, 16, DELAYENTRIES}) {
     DelayTable table;
     table.tau[position] = 1.1 * T;
@@ -130,6 +112,5 @@ TEST(DelaySearch, BelievesWhatStandsInItsTable) {
     EXPECT_EQ(o.T.error[1], 1e-9);
     EXPECT_EQ(o.T.tau[2], 1.1 * T + 0.02 * T);
     EXPECT_EQ(o.T.tau[3], o.T.tau[2] - 0.01 * T);
-    EXPECT_EQ(o.T.tau[DELAYENTRIES], position == DELAYENTRIES ? 1.1 * T : 0.0);
   }
 }

@@ -1,6 +1,5 @@
 #include "fit/order_reduction.h"
 
-#include "support/child.h"
 #include "support/console_capture.h"
 #include "support/propagation_case.h"
 
@@ -39,13 +38,12 @@ std::vector<double> realParts(int g) {
 
 TEST(OrderReduction, PrunesTheLastLeaderOfEachGroup) {
   using Reals = std::vector<double>;
-  struct Case {
+  const struct {
     double limit;
     Reals first, second; // residues of poles -1, -2, -4.. in each group
     Reals left1, left2;
     bool done;
-  };
-  const Case cases[] = {
+  } cases[] = {
       {5, {4, 10}, {3}, {-1, -2}, {-1}, true},  // at the limit
       {4.9, {4, 10}, {3}, {-1}, {-1}, false},   // the second of the first group
       {4.9, {6, 10}, {6.7}, {-2}, {}, false},   // 6.7 leads 6 by more than 10 per cent
@@ -56,7 +54,7 @@ TEST(OrderReduction, PrunesTheLastLeaderOfEachGroup) {
       {-1, {0}, {0, 0}, {-1}, {-1, -2}, true}, // nothing to take out
       {-1, {1}, {}, {}, {}, false},
   };
-  for (const Case& C : cases) {
+  for (const auto& C : cases) {
     std::vector<GroupPoles> groups = {{0, {}}, {0, {}}};
     for (std::size_t m = 0; m < C.first.size(); ++m) groups[0].poles.emplace_back(-std::pow(2, m));
     for (std::size_t m = 0; m < C.second.size(); ++m) groups[1].poles.emplace_back(-std::pow(2, m));
@@ -98,30 +96,4 @@ TEST(OrderReduction, TakesOutWhatCancelsAndKeepsTheResponse) {
   EXPECT_EQ(FITMODEL.NH[2], 2);
   EXPECT_NEAR(fit.MAXERR, measureFit().largest, 1e-12);
   EXPECT_LT(fit.MAXERR, 0.01); // the two together were a double pole of 0.015
-}
-
-TEST(OrderReduction, PrintsWhatIsLeft) {
-  poseCancellingPoles();
-  for (int g = 3; g <= 12; ++g) {
-    FITMODEL.NGROUP = g;
-    FITMODEL.NH[g] = 0;
-  }
-  const std::string console = consoleOf([] { REDUCEORDER(100); });
-  const std::string rule = " " + std::string(68, '-');
-  std::string expected =
-      lines({rule, " Removing Large Residue/Pole Ratios (Model Order Reduction)", rule,
-             "              Delay      Number", "              Group #    of Poles",
-             "              -------    --------", "                 1        3",
-             "                 2        2"});
-  for (int g = 3; g <= 9; ++g) {
-    expected += "                 " + std::to_string(g) + "        0\n";
-  }
-  for (int g = 10; g <= 12; ++g) {
-    expected += "                " + std::to_string(g) + "        0\n";
-  }
-  expected += lines({"", "", " Hphase:      Maximum           Maximum       Maximum",
-                     "              Fitting Error     RMS Error     Residue/Pole Ratio",
-                     "              --------------    ----------    ------------------"});
-  EXPECT_EQ(console.substr(0, expected.size()), expected);
-  EXPECT_EQ(console.size(), expected.size() + 15 + 9 + 2 + 5 + 9 + 2 + 7 + 11 + 1);
 }

@@ -31,38 +31,28 @@ RealMatrix someDcValues() {
   return H;
 }
 
-// Moves residue m of group g of an element, keeping conjugates conjugate; with a closing pole of
-// group 1 the value at s = 0 is kept.
-void move(int r, int c, int g, int m, Complex by, int closing) {
-  const PoleTable& P = FITMODEL.HPOLE[g];
-  PoleTable& R = FITMODEL.HRES[g](r, c);
-  const bool second = m > 1 && P[m].imag() != 0 && P[m] == std::conj(P[m - 1]);
-  const int partner = P[m].imag() == 0 ? 0 : (second ? m - 1 : m + 1);
-  if (partner == 0) by = by.real();
-  R[m] += by;
-  if (partner != 0) R[partner] += std::conj(by);
-  if (closing == 0) return;
-  const double part = (by / P[m]).real() * (partner == 0 ? 1 : 2);
-  FITMODEL.HRES[1](r, c)[closing] -= FITMODEL.HPOLE[1][closing].real() * part;
-}
-
-// Tries steps in all residues of an element: how many lower its weighted error.
-int stepsThatImprove(int r, int c, int closing, LineNumbers& numbers) {
-  int better = 0;
-  const long double least = weightedSquares(r, c);
-  for (int g = 1; g <= FITMODEL.NGROUP; ++g) {
-    for (int m = 1; m <= FITMODEL.NH[g]; ++m) {
-      if (g == 1 && m == closing) continue;
-      const double size = 1e-3 * std::abs(FITMODEL.HPOLE[g][m]);
-      const Complex by(numbers.between(-size, size), numbers.between(-size, size));
-      for (const double sign : {1.0, -1.0}) {
-        move(r, c, g, m, sign * by, closing);
-        better += weightedSquares(r, c) < least ? 1 : 0;
-        move(r, c, g, m, -sign * by, closing);
-      }
-    }
+// The derivative of an element's weighted squares along a change of residue m of group g and of its
+// conjugate, where a real closing pole of group 1 keeps the value at s = 0; against the sizes of
+// what is multiplied.
+double slope(int r, int c, int g, int m, Complex by, int closing) {
+  const Wide p = FITMODEL.HPOLE[g][m], step = p.imag() == 0 ? Wide(by.real()) : Wide(by);
+  const Wide q = closing == 0 ? 1.0 : FITMODEL.HPOLE[1][closing];
+  const long double pair = p.imag() == 0 ? 1 : 2, kept = closing == 0 ? 0 : 1;
+  long double product = 0, lengths[2] = {};
+  for (int k = 1; k <= SOLVEDATA.grid.NFUSE; ++k) {
+    const Wide s(0, SOLVEDATA.grid.WFREQ[k]);
+    const long double w = SOLVEDATA.grid.WFIT[k];
+    Wide phi = step / (s - p);
+    if (pair == 2) phi += std::conj(step) / (s - std::conj(p));
+    phi *= w * std::exp(-s * Wide(FITMODEL.TAU[g]));
+    const Wide back = kept * q * pair * (step / p).real() / (s - q);
+    phi -= w * std::exp(-s * Wide(FITMODEL.TAU[1])) * back;
+    const Wide e = w * (modelOfH(r, c, s) - Wide(SOLVEDATA.second.HST(k, r, c)));
+    product += (std::conj(phi) * e).real();
+    lengths[0] += std::norm(phi);
+    lengths[1] += std::norm(e);
   }
-  return better;
+  return static_cast<double>(std::abs(product) / std::sqrt(lengths[0] * lengths[1]));
 }
 
 } // namespace
@@ -98,9 +88,13 @@ TEST(PhaseResidues, AreTheBestOnesUnderTheWeights) {
     setGroups(2, twoGroups());
     sampleH(strange);
     HPHASEFIT(DCTYPE, &HDC, false);
-    for (int r = 1; r <= 2; ++r) {
-      for (int c = 1; c <= 2; ++c) {
-        EXPECT_EQ(stepsThatImprove(r, c, DCTYPE, numbers), 0) << DCTYPE << " " << r << c;
+    for (int g = 1; g <= 2; ++g) {
+      for (int m = 1; m <= FITMODEL.NH[g]; ++m) {
+        if (g == 1 && m == DCTYPE) continue;
+        for (const Complex by : {Complex(1.0), J}) {
+          if (by == J && FITMODEL.HPOLE[g][m].imag() == 0) continue;
+          EXPECT_LT(slope(1, 2, g, m, by, DCTYPE), 1e-8) << DCTYPE << " " << g << " " << m;
+        }
       }
     }
   }
@@ -129,14 +123,12 @@ TEST(PhaseResidues, MeetTheDcValues) {
   const RealMatrix HDC = someDcValues();
   const std::vector<Complex> real = {-30.0, -900.0, -7e4};
   const std::vector<Complex> pair = {-30.0 + 20.0 * J, -30.0 - 20.0 * J, -7e4};
-  struct Case {
-    std::vector<Complex> first; // poles of group 1
+  const struct {
     int DCTYPE;
+    std::vector<Complex> first;
     int poles; // of group 1 with the correction
-  };
-  const Case cases[] = {{real, 1, 3}, {pair, 1, 4}, {{}, 1, 1},
-                        {real, 2, 4}, {pair, 2, 4}, {{}, 2, 1}};
-  for (const Case& C : cases) {
+  } cases[] = {{1, real, 3}, {1, pair, 4}, {1, {}, 1}, {2, real, 4}, {2, pair, 4}, {2, {}, 1}};
+  for (const auto& C : cases) {
     laySampleGrid(100, 1, 1e6);
     setGroups(3, {{3e-4, C.first}, {4e-4, pair}});
     sampleH(strange);
@@ -147,20 +139,6 @@ TEST(PhaseResidues, MeetTheDcValues) {
     if (C.poles == 3) continue;
     EXPECT_EQ(FITMODEL.HPOLE[1][C.poles], Complex(-PI));
   }
-}
-
-TEST(PhaseResidues, TheExtraPoleLeavesTheOthersAlone) {
-  const RealMatrix HDC = someDcValues();
-  laySampleGrid(100, 1, 1e6);
-  setGroups(2, twoGroups());
-  sampleH(strange);
-  HPHASEFIT(0, nullptr, false);
-  const PoleTable plain = FITMODEL.HRES[1](2, 1);
-  const PoleTable second = FITMODEL.HRES[2](2, 1);
-  HPHASEFIT(2, &HDC, false);
-  for (int m = 1; m <= 5; ++m) EXPECT_EQ(FITMODEL.HRES[1](2, 1)[m], plain[m]);
-  for (int m = 1; m <= 4; ++m) EXPECT_EQ(FITMODEL.HRES[2](2, 1)[m], second[m]);
-  EXPECT_EQ(FITMODEL.HRES[1](2, 1)[6].imag(), 0.0);
 }
 
 // A full group has room for the pole of a correction.
@@ -182,52 +160,6 @@ TEST(PhaseResidues, AFullGroupTakesTheExtraPole) {
   }
 }
 
-// More unknowns than rows, and more columns than the usual work numbers allow.
-TEST(PhaseResidues, FitMoreColumnsThanRows) {
-  struct Case {
-    int groups, poles;
-  };
-  for (const Case C : {Case{6, 8}, {49, 45}}) {
-    std::vector<GroupPoles> groups;
-    for (int g = 1; g <= C.groups; ++g) {
-      groups.push_back({1e-4 * g, {}});
-      for (int m = 1; m <= C.poles; ++m)
-        groups.back().poles.emplace_back(-std::pow(10, 3 + 3.0 * m / C.poles));
-    }
-    laySampleGrid(10, 1e3, 1e6);
-    setGroups(2, groups);
-    sampleH(strange);
-    const PhaseFit fit = HPHASEFIT(0, nullptr, false);
-    EXPECT_LT(fit.MAXERR, 1e-7) << C.groups;
-  }
-}
-
-TEST(PhaseResidues, AModelWithoutPolesIsZero) {
-  laySampleGrid(20, 1, 1e6);
-  setGroups(2, {{3e-4, {}}, {4e-4, {}}});
-  sampleH(strange);
-  const PhaseFit fit = HPHASEFIT(0, nullptr, false);
-  EXPECT_NEAR(fit.MAXERR, measureFit().norm, 1e-15);
-  EXPECT_EQ(fit.RATIO, 0.0);
-}
-
-TEST(PhaseResidues, SingularValuesSeparateEqualPoles) {
-  laySampleGrid(60, 1, 1e6);
-  std::vector<GroupPoles> groups = twoGroups();
-  groups.push_back(groups.front()); // columns that stand twice
-  setGroups(2, groups);
-  sampleH(strange);
-  const PhaseFit plain = HPHASEFIT(0, nullptr, false);
-  const PhaseFit truncated = HPHASEFIT(0, nullptr, true);
-  EXPECT_NEAR(truncated.MAXERR, plain.MAXERR, 1e-9);
-  EXPECT_NEAR(truncated.MAXERR, measureFit().largest, 1e-9);
-  EXPECT_EQ(FITMODEL.NH[3], 5); // the smallest solution shares, it leaves no residue at zero
-  for (int m = 1; m <= 5; ++m) {
-    const Complex R = FITMODEL.HRES[1](1, 2)[m];
-    EXPECT_LT(std::abs(FITMODEL.HRES[3](1, 2)[m] - R), 1e-6 * std::abs(R));
-  }
-}
-
 TEST(PhaseResidues, PolesWithoutAResidueAreDropped) {
   laySampleGrid(60, 0.01, 100);
   setGroups(2, {{0.1, {-0.5, -2.0, -9.0}}, {0.3, {-1.0 + J, -1.0 - J, -4.0}}});
@@ -243,34 +175,6 @@ TEST(PhaseResidues, PolesWithoutAResidueAreDropped) {
   EXPECT_EQ(FITMODEL.HPOLE[1][2], Complex(-9.0));
   ASSERT_EQ(FITMODEL.NH[2], 1);
   EXPECT_EQ(FITMODEL.HPOLE[2][1], Complex(-4.0));
-}
-
-// Ratios in the order in which they are looked at: a later one must lead by more than 10 per cent.
-TEST(PhaseResidues, TheRatioGrowsByStepsOfTenPerCent) {
-  struct Case {
-    std::vector<double> first, second; // residues of the poles -8 in groups 1 and 2
-    double ratio;
-    int leader1, leader2;
-  };
-  const Case cases[] = {
-      {{8, 8.4}, {8.7}, 1, 1, 0},       // none leads by more than 10 per cent
-      {{8, 8.9}, {9.7}, 8.9 / 8, 2, 0}, // the second does
-      {{8, 9.6}, {10.5}, 1.2, 2, 0},    // 10.5 / 9.6 is less
-      {{8, 4}, {0, 16}, 2, 1, 2},       // each group has a leader
-      {{16, 8}, {8, 4}, 2, 1, 0},       // a group behind a larger one has none
-      {{-40, 0}, {0, -50}, 6.25, 1, 2}, // magnitudes count
-      {{}, {4, 5, 6}, 0.75, 0, 3},      {{}, {}, 0, 0, 0},
-  };
-  for (const Case& C : cases) {
-    GroupInts LEADER;
-    const std::vector<Complex> poles1(C.first.size(), -8.0), poles2(C.second.size(), -8.0);
-    setGroups(1, {{0, poles1}, {0, poles2}});
-    std::copy(C.first.begin(), C.first.end(), FITMODEL.HRES[1](1, 1).data());
-    std::copy(C.second.begin(), C.second.end(), FITMODEL.HRES[2](1, 1).data());
-    EXPECT_DOUBLE_EQ(POLERATIO(LEADER), C.ratio);
-    EXPECT_EQ(LEADER[1], C.leader1);
-    EXPECT_EQ(LEADER[2], C.leader2);
-  }
 }
 
 TEST(PhaseResidues, TheRatioGoesThroughRowsOfElementsAndSkipsPairs) {

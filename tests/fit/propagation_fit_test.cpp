@@ -4,6 +4,7 @@
 #include "modal/second_loop.h"
 #include "store/rundata.h"
 #include "store/solvedata.h"
+#include "support/child.h"
 #include "support/console_capture.h"
 #include "support/description.h"
 #include "support/propagation_case.h"
@@ -13,7 +14,6 @@
 #include <cmath>
 #include <fmt/format.h>
 #include <gtest/gtest.h>
-#include <sstream>
 
 using namespace lcp;
 using namespace lcp::test;
@@ -23,26 +23,9 @@ namespace {
 const std::string MODEL =
     phaseModel("Weighting Factor 1: 1\nWeighting Factor 2: 1000\nWeighting Factor 3: 1\n");
 
-std::string bipole() {
-  return summary(2) +
-         "Line Constants Tower\n{\nCircuit\n{\nConductors: 2\nConductor Phase Information: 1 2\n"
-         "Radius: 0.02\nDCResistance: 0.03\nShuntConductance: 1e-11\nSag: 10\n"
-         "P1 : -7 30\nP2 : 7 30\n}\n"
-         "GroundWires: 1\n{\nRadius: 0.007\nDCResistance: 1.5\nSag: 7\nP1 : 0 42\n}\n}\n" +
-         MODEL;
-}
-
 void solveLine(const std::string& body, double length) {
   solveBothLoops(body, length);
   formFitWeights();
-}
-
-// Travel time of a mode where it has faded to a hundredth, or at the end of the grid.
-double travelTime(int i) {
-  const int NS = SOLVEDATA.grid.NFUSE;
-  int k = 1;
-  while (k < NS - 1 && SOLVEDATA.second.HMAG(k, i) > 0.01) ++k;
-  return RUNDATA.run.LINELEN / SOLVEDATA.second.VELOC(k, i);
 }
 
 // Two modes through a constant transformation: H = T diag(h1, h2) T^-1 of rational h with delays.
@@ -81,19 +64,9 @@ RealMatrix unitAtDc() {
   return H;
 }
 
-// Fits, and returns the lines on the console.
-std::vector<std::string> fitted(const PropagationWish& wish) {
-  std::istringstream stream(consoleOf([&] { HFIT(wish); }));
-  std::vector<std::string> all;
-  for (std::string line; std::getline(stream, line);) all.push_back(line);
-  return all;
-}
-
-// Whether a line is laid out like a form, in which @ stands for a digit or the blank before one.
-bool laidOutAs(const std::string& form, const std::string& line) {
-  return std::equal(form.begin(), form.end(), line.begin(), line.end(), [](char f, char c) {
-    return f == '@' ? c == ' ' || (c >= '0' && c <= '9') : c == f;
-  });
+// Fits, and returns what the console shows.
+std::string fitted(const PropagationWish& wish) {
+  return consoleOf([&] { HFIT(wish); });
 }
 
 } // namespace
@@ -154,7 +127,7 @@ TEST(PropagationFit, CorrectsTheModelAtZeroFrequency) {
 
 TEST(PropagationFit, FitsLines) {
   const std::string bodies[] = {singleCircuit(MODEL), singleCircuit(MODEL, "Transposed: 1\n"),
-                                doubleCircuit(MODEL), bipole()};
+                                doubleCircuit(MODEL), manyCircuits(2, MODEL)};
   for (const std::string& body : bodies) {
     for (const double length : {1e3, 1e5, 5e5}) {
       solveLine(body, length);
@@ -163,118 +136,56 @@ TEST(PropagationFit, FitsLines) {
       EXPECT_LE(fit.largest, 0.02);
       EXPECT_LE(fit.ratio, 110);
       EXPECT_EQ(badPoles(), 0);
-      double longest = 0;
-      for (int i = 1; i <= FITMODEL.NC; ++i) longest = std::max(longest, travelTime(i));
       for (int g = 1; g <= FITMODEL.NGROUP; ++g) {
         EXPECT_GT(FITMODEL.TAU[g], 0.99 * length / LIGHTSPEED);
-        EXPECT_LE(FITMODEL.TAU[g], longest);
+        EXPECT_LT(FITMODEL.TAU[g], 2 * length / LIGHTSPEED);
       }
     }
   }
 }
 
-TEST(PropagationFit, OfALineLosesPolesWithLargeResidues) {
-  solveLine(doubleCircuit(MODEL), 1e5);
-  fitted({2, 20, 1e9, 0});
-  const MeasuredFit before = measureFit();
-  ASSERT_GT(before.ratio, 6);
-  fitted({2, 20, 5, 0});
-  const MeasuredFit after = measureFit();
-  EXPECT_LE(after.ratio, 5.5);
-  EXPECT_LT(after.largest, 1.5 * before.largest);
-  EXPECT_EQ(badPoles(), 0);
-}
-
-TEST(PropagationFit, LengthStepsStandAlone) {
-  solveLine(singleCircuit(MODEL), 1e5);
-  fitted({2, 20, 100, 0});
-  const double longLine = measureFit().largest;
-  solveLine(singleCircuit(MODEL), 1e3);
-  fitted({2, 20, 100, 0});
-  EXPECT_EQ(FITMODEL.NGROUP, 1);
-  for (int g = 2; g <= NGMAX; ++g) EXPECT_EQ(FITMODEL.TAU[g], 0.0);
-  solveLine(singleCircuit(MODEL), 1e5);
-  fitted({2, 20, 100, 0});
-  EXPECT_NEAR(measureFit().largest, longLine, 1e-3 * longLine);
-}
-
-// All tables of a run with reduction and correction: blanks and widths of each line, numbers of the
-// last table from the model.
+// All tables of a run with reduction and correction: blanks and widths, numbers of the last table
+// from the model. In the form @ stands for a digit or the blank before one.
 TEST(PropagationFit, PrintsItsTables) {
   const RealMatrix HDC = unitAtDc();
   poseTwoModes();
-  const std::vector<std::string> console = fitted({30, 7, 0.2, 2, &HDC});
+  const std::string console = fitted({30, 7, 0.2, 2, &HDC});
   const MeasuredFit measured = measureFit();
   const std::string rule = " " + std::string(68, '-');
-  const std::vector<std::string> forms = {
-      " Fitting Propagation Function H:",
-      " " + std::string(68, '='),
-      " Maximum Fitting Error Requested:                           30.0000 %",
-      " Maximum Number of Poles (per delay group):                       7",
-      "",
-      rule,
-      " Attempt #  1                               Target error:   25.0000 %",
-      rule,
-      " Hmode:       Delay      Maximum          Number      Time",
-      "              Group #    Fitting Error    of Poles    Delay",
-      "              -------    -------------    --------    -----",
-      "                 1       @@@@.@@@@@ %       @@       @@@.@@@@@@ ms",
-      "                 2       @@@@.@@@@@ %       @@       @@@.@@@@@@ ms",
-      "",
-      " Hphase:      Maximum           Maximum       Maximum",
-      "              Fitting Error     RMS Error     Residue/Pole Ratio",
-      "              --------------    ----------    ------------------",
-      "               @@@@.@@@@ %     @@@@.@@@@ %       @@@@@@@@.@@",
-      rule,
-      " Removing Large Residue/Pole Ratios (Model Order Reduction)",
-      rule,
-      "              Delay      Number",
-      "              Group #    of Poles",
-      "              -------    --------",
-      "                 1       @@",
-      "                 2       @@",
-      "",
-      "",
-      " Hphase:      Maximum           Maximum       Maximum",
-      "              Fitting Error     RMS Error     Residue/Pole Ratio",
-      "              --------------    ----------    ------------------",
-      "               @@@@.@@@@ %     @@@@.@@@@ %       @@@@@@@@.@@",
-      "",
-      " Applying DC Correction",
-      rule,
-      "",
-      "",
-      " Final Fit:   Maximum        Maximum      Number      Adjusted",
-      "              Fitting Error  RMS Error    of Poles    Time Delays",
-      "              -------------  ---------    --------    -----------",
-      fmt::format("             {:10.5f} % {:10.5f} %     {:3}       {:10.6f} ms",
-                  100 * measured.largest, 100 * measured.rms, FITMODEL.NH[1],
-                  1000 * FITMODEL.TAU[1]),
-      fmt::format("{:44}{:2}       {:10.6f} ms", "", FITMODEL.NH[2], 1000 * FITMODEL.TAU[2]),
-      "",
-      "                           Maximum Residue/Pole Ratio:  0.@@@@@@@E+@@",
-      "",
-      rule};
-  ASSERT_EQ(console.size(), forms.size());
-  for (std::size_t i = 0; i < forms.size(); ++i) {
-    EXPECT_TRUE(laidOutAs(forms[i], console[i])) << i << ": " << console[i];
+  const std::string hphase =
+      lines({" Hphase:      Maximum           Maximum       Maximum",
+             "              Fitting Error     RMS Error     Residue/Pole Ratio",
+             "              --------------    ----------    ------------------",
+             "               @@@@.@@@@ %     @@@@.@@@@ %       @@@@@@@@.@@"});
+  const std::string form =
+      lines({" Fitting Propagation Function H:", " " + std::string(68, '='),
+             " Maximum Fitting Error Requested:                           30.0000 %",
+             " Maximum Number of Poles (per delay group):                       7", "", rule,
+             " Attempt #  1                               Target error:   25.0000 %", rule,
+             " Hmode:       Delay      Maximum          Number      Time",
+             "              Group #    Fitting Error    of Poles    Delay",
+             "              -------    -------------    --------    -----",
+             "                 1       @@@@.@@@@@ %       @@       @@@.@@@@@@ ms",
+             "                 2       @@@@.@@@@@ %       @@       @@@.@@@@@@ ms", ""}) +
+      hphase +
+      lines({rule, " Removing Large Residue/Pole Ratios (Model Order Reduction)", rule,
+             "              Delay      Number", "              Group #    of Poles",
+             "              -------    --------", "                 1       @@",
+             "                 2       @@", "", ""}) +
+      hphase +
+      lines({"", " Applying DC Correction", rule, "", "",
+             " Final Fit:   Maximum        Maximum      Number      Adjusted",
+             "              Fitting Error  RMS Error    of Poles    Time Delays",
+             "              -------------  ---------    --------    -----------",
+             fmt::format("             {:10.5f} % {:10.5f} %     {:3}       {:10.6f} ms",
+                         100 * measured.largest, 100 * measured.rms, FITMODEL.NH[1],
+                         1000 * FITMODEL.TAU[1]),
+             fmt::format("{:44}{:2}       {:10.6f} ms", "", FITMODEL.NH[2], 1000 * FITMODEL.TAU[2]),
+             "", "                           Maximum Residue/Pole Ratio:  0.@@@@@@@E+@@", "",
+             rule});
+  ASSERT_EQ(console.size(), form.size()) << console;
+  for (std::size_t i = 0; i < form.size(); ++i) {
+    const bool digit = console[i] == ' ' || (console[i] >= '0' && console[i] <= '9');
+    ASSERT_TRUE(form[i] == '@' ? digit : form[i] == console[i]) << console.substr(0, i);
   }
-  EXPECT_LE(std::stod(console[console.size() - 3].substr(56)), measured.ratio * (1 + 1e-6));
-}
-
-TEST(PropagationFit, WithoutCorrectionEndsWithARule) {
-  poseTwoModes();
-  const std::vector<std::string> console = fitted({0.5, 7, 100, 0});
-  ASSERT_GT(console.size(), 30U);
-  EXPECT_EQ(console.back(), " " + std::string(68, '-'));
-  EXPECT_EQ(console[console.size() - 2], "");
-  double target = 50;
-  int attempts = 0;
-  for (const std::string& line : console) {
-    if (line.rfind(" Attempt #", 0) != 0) continue;
-    target /= 2; // each attempt halves it
-    EXPECT_EQ(line,
-              fmt::format(" Attempt # {:2}{:31}Target error: {:9.4f} %", ++attempts, "", target));
-  }
-  EXPECT_GT(attempts, 3);
 }

@@ -50,12 +50,11 @@ TEST(FrequencyGrid, UnfittedModelsHaveFixedFrequencies) {
 }
 
 TEST(FrequencyGrid, RefusesWhatItCannotLay) {
-  struct Case {
+  const struct {
     const char* what;
     void (*set)();
     const char* line;
-  };
-  const Case cases[] = {
+  } cases[] = {
       {"no model", [] { RUNDATA.model = {}; }, "Unknown Model Type: -10\n"},
       {"1013 increments", [] { RUNDATA.fit.NFINC = 1013; },
        "Too Many Frequency Increments (1013), Maximum of 1012 Allowed!\n"},
@@ -63,22 +62,16 @@ TEST(FrequencyGrid, RefusesWhatItCannotLay) {
       {"start of 0", [] { RUNDATA.fit.FSTART = 0; }, "Curve Fitting Frequencies"},
       {"end at start", [] { RUNDATA.fit.FEND = 0.5; }, "Curve Fitting Frequencies"},
       {"transform at 0", [] { RUNDATA.fit.FCT = 0; }, "Frequency to Calculate"},
+      {"1012 increments", [] { RUNDATA.fit.NFINC = 1012; }, ""},
   };
-  for (const Case& c : cases) {
+  for (const auto& c : cases) {
     const ChildResult r = runChild([&] {
       RUNDATA.resetInput();
       RUNDATA.model.MODFDM = true;
       c.set();
       layGrid();
     });
-    EXPECT_EQ(r.status, 1) << c.what;
+    EXPECT_EQ(r.status, *c.line == '\0' ? 0 : 1) << c.what;
     EXPECT_NE(r.console.find(c.line), std::string::npos) << c.what << r.console;
   }
-  const ChildResult most = runChild([] {
-    RUNDATA.resetInput();
-    RUNDATA.model.MODFDM = true;
-    RUNDATA.fit.NFINC = 1012;
-    layGrid();
-  });
-  EXPECT_EQ(most.status, 0);
 }

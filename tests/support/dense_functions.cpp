@@ -19,6 +19,57 @@ long double norm(const Dense& A) {
 
 } // namespace
 
+Dense inverse(Dense A) {
+  const std::size_t n = A.size();
+  Dense B(n, std::vector<Wide>(n));
+  for (std::size_t i = 0; i < n; ++i) B[i][i] = 1;
+  for (std::size_t k = 0; k < n; ++k) {
+    std::size_t p = k;
+    for (std::size_t i = k; i < n; ++i) {
+      if (std::abs(A[i][k]) > std::abs(A[p][k])) p = i;
+    }
+    std::swap(A[k], A[p]);
+    std::swap(B[k], B[p]);
+    const Wide v = 1.0L / A[k][k];
+    for (std::size_t j = 0; j < n; ++j) {
+      A[k][j] *= v;
+      B[k][j] *= v;
+    }
+    for (std::size_t i = 0; i < n; ++i) {
+      const Wide t = A[i][k];
+      for (std::size_t j = 0; i != k && j < n; ++j) {
+        A[i][j] -= t * A[k][j];
+        B[i][j] -= t * B[k][j];
+      }
+    }
+  }
+  return B;
+}
+
+Dense product(const Dense& A, const Dense& B) {
+  const std::size_t n = A.size();
+  Dense C(n, std::vector<Wide>(n));
+  for (std::size_t i = 0; i < n; ++i) {
+    for (std::size_t k = 0; k < n; ++k) {
+      for (std::size_t j = 0; j < n; ++j) C[i][j] += A[i][k] * B[k][j];
+    }
+  }
+  return C;
+}
+
+double distance(const Dense& A, const Dense& B) {
+  long double largest = 0;
+  long double difference = 0;
+  for (std::size_t i = 0; i < A.size(); ++i) {
+    for (std::size_t j = 0; j < A.size(); ++j) {
+      largest = std::max(largest, std::abs(B[i][j]));
+      const long double d = std::abs(A[i][j] - B[i][j]);
+      if (!(d <= difference)) difference = d; // NaN stays
+    }
+  }
+  return static_cast<double>(difference / largest);
+}
+
 Dense identity(std::size_t n) {
   Dense I(n, std::vector<Wide>(n));
   for (std::size_t i = 0; i < n; ++i) I[i][i] = 1;

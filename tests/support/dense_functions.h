@@ -1,10 +1,19 @@
-// Functions of dense matrices, by ways of their own: what modal results are checked against.
+// Dense matrices and functions of them, by ways of their own: what results are checked against.
 #pragma once
 
-#include "support/overhead_lines.h"
+#include "base/matrix.h"
+
+#include <complex>
+#include <vector>
 
 namespace lcp::test {
 
+using Wide = std::complex<long double>;
+using Dense = std::vector<std::vector<Wide>>; // first index 0
+
+Dense inverse(Dense A); // partial pivoting
+Dense product(const Dense& A, const Dense& B);
+double distance(const Dense& A, const Dense& B); // largest difference over the largest element
 Dense identity(std::size_t n);
 Dense sum(const Dense& A, const Dense& B, Wide factor = 1); // A + factor B
 Dense times(Wide factor, Dense A);

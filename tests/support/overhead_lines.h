@@ -1,18 +1,13 @@
-// Overhead lines for tests: a deterministic generator of conductor tables in solve order, a solve
-// at one frequency, and dense matrix arithmetic of its own to check results against.
+// Overhead lines for tests: a deterministic generator of conductor tables in solve order, and a
+// solve at one frequency.
 #pragma once
 
-#include "base/matrix.h"
-#include "store/solvedata.h"
+#include "store/rundata.h"
+#include "support/dense_functions.h"
 
-#include <complex>
 #include <cstdint>
-#include <vector>
 
 namespace lcp::test {
-
-using Wide = std::complex<long double>;
-using Dense = std::vector<std::vector<Wide>>; // first index 0
 
 // Numbers without an operating system or library behind them: the same lines everywhere.
 class LineNumbers {
@@ -23,7 +18,10 @@ public:
   bool chance(double p) { return fraction() < p; }
 
 private:
-  double fraction();
+  double fraction() {
+    state = state * 6364136223846793005U + 1442695040888963407U;
+    return static_cast<double>(state >> 11) * 0x1p-53;
+  }
   std::uint64_t state;
 };
 
@@ -41,6 +39,8 @@ void makeLine(std::uint64_t seed, const LineWish& wish = {});
 
 // One conductor in air: at x and average height y, with radius and resistance, kept.
 void setConductor(int i, double x, double y, double radius, double resistance);
+// Entry i of a conductor table in the place k of another one.
+void copyConductor(const ConductorTable& from, int i, ConductorTable& to, int k);
 
 struct LineResult {
   int n = 0;
@@ -50,9 +50,5 @@ struct LineResult {
 
 // OHZY at the frequency f, with ISTATUS set unless told otherwise.
 LineResult solveLine(double f, bool first = true);
-
-Dense inverse(Dense A); // partial pivoting
-Dense product(const Dense& A, const Dense& B);
-double distance(const Dense& A, const Dense& B); // largest difference over the largest element
 
 } // namespace lcp::test

@@ -1,18 +1,14 @@
 #include "support/phase_file.h"
 
-#include "support/dense_functions.h"
-
 #include <sstream>
 
 namespace lcp::test {
 
 namespace {
 
-// The lines of the file in turn, with what was expected of them.
-class Lines {
-public:
-  explicit Lines(const std::string& text) : in(text) {}
-
+// The lines of the file in turn, with the first one that was not as expected.
+struct Lines {
+  std::istringstream in;
   std::string trouble;
 
   std::string next() {
@@ -37,13 +33,6 @@ public:
     const long double re = number();
     return {re, number()};
   }
-  void end() {
-    std::string l;
-    if (std::getline(in, l) && trouble.empty()) trouble = "more lines: " + l;
-  }
-
-private:
-  std::istringstream in;
 };
 
 Dense zeros(std::size_t n) { return Dense(n, std::vector<Wide>(n)); }
@@ -56,10 +45,9 @@ void readAdmittance(Lines& in, PhaseFile& f) {
   in.expect("Residues and poles:");
   f.yConstant = zeros(n);
   for (std::size_t column = 0; column < n; ++column) {
-    const std::size_t poles = in.count();
-    f.yPoles.resize(poles);
-    f.yResidues.resize(poles, zeros(n));
-    for (std::size_t m = 0; m < poles; ++m) {
+    f.yPoles.resize(in.count());
+    f.yResidues.resize(f.yPoles.size(), zeros(n));
+    for (std::size_t m = 0; m < f.yPoles.size(); ++m) {
       f.yPoles[m] = in.complex();
       for (std::size_t r = 0; r < n; ++r) f.yResidues[m][r][column] = in.complex();
     }
@@ -73,28 +61,29 @@ void readPropagation(Lines& in, PhaseFile& f) {
   const auto n = static_cast<std::size_t>(f.n);
   in.expect("Fitting parameters for the propagation function:");
   in.expect("N.o. delay groups:");
-  const std::size_t groups = in.count();
+  f.delays.resize(in.count());
+  f.hPoles.resize(f.delays.size());
   in.expect("Time delays:");
-  for (std::size_t g = 0; g < groups; ++g) f.delays.push_back(in.number());
+  for (long double& d : f.delays) d = in.number();
   in.expect("Poles:");
-  f.hPoles.resize(groups);
-  f.hResidues.resize(groups);
-  for (std::size_t g = 0; g < groups; ++g) {
-    f.hPoles[g].resize(in.count());
-    for (Wide& p : f.hPoles[g]) p = in.complex();
-    f.hResidues[g].assign(f.hPoles[g].size(), zeros(n));
+  for (auto& group : f.hPoles) {
+    group.resize(in.count());
+    for (Wide& p : group) p = in.complex();
+    f.hResidues.emplace_back(group.size(), zeros(n));
   }
   in.expect("Residues:");
-  for (std::size_t g = 0; g < groups; ++g) {
+  for (auto& group : f.hResidues) {
     for (std::size_t c = 0; c < n; ++c) {
       for (std::size_t r = 0; r < n; ++r) {
-        for (Dense& residue : f.hResidues[g]) residue[r][c] = in.complex();
+        for (Dense& residue : group) residue[r][c] = in.complex();
       }
     }
   }
 }
 
-int badIn(const std::vector<Wide>& poles) {
+} // namespace
+
+int badPoles(const std::vector<Wide>& poles) {
   int bad = 0;
   for (std::size_t m = 0; m < poles.size(); ++m) {
     if (poles[m].real() > 0) ++bad;
@@ -105,17 +94,16 @@ int badIn(const std::vector<Wide>& poles) {
   return bad;
 }
 
-} // namespace
-
 PhaseFile readPhaseFile(const std::string& text) {
   PhaseFile f;
-  Lines in(text);
+  Lines in{std::istringstream(text), ""};
   for (int i = 0; i < 5; ++i) in.next();
   f.firstLine = in.next();
   readAdmittance(in, f);
   readPropagation(in, f);
-  in.end();
   f.trouble = in.trouble;
+  std::string more;
+  if (std::getline(in.in, more) && f.trouble.empty()) f.trouble = "more lines: " + more;
   return f;
 }
 
@@ -139,8 +127,8 @@ Dense PhaseFile::H(Wide s) const {
 }
 
 int PhaseFile::badPoles() const {
-  int bad = badIn(yPoles);
-  for (const auto& group : hPoles) bad += badIn(group);
+  int bad = test::badPoles(yPoles);
+  for (const auto& group : hPoles) bad += test::badPoles(group);
   return bad;
 }
 

@@ -1,12 +1,15 @@
 // The model file of the frequency dependent (phase) model, read and evaluated on its own.
 #pragma once
 
-#include "support/overhead_lines.h"
+#include "support/dense_functions.h"
 
 #include <string>
 #include <vector>
 
 namespace lcp::test {
+
+// Poles with a positive real part, or without their conjugate beside them.
+int badPoles(const std::vector<Wide>& poles);
 
 struct PhaseFile {
   std::string firstLine;
@@ -21,7 +24,6 @@ struct PhaseFile {
 
   Dense Yc(Wide s) const;
   Dense H(Wide s) const;
-  // Poles with a positive real part, or without their conjugate beside them.
   int badPoles() const;
 };
 

@@ -2,6 +2,7 @@
 
 #include "store/rundata.h"
 #include "store/solvedata.h"
+#include "support/phase_file.h"
 
 #include <algorithm>
 #include <cmath>
@@ -107,16 +108,6 @@ MeasuredFit measureFit() {
   return fit;
 }
 
-long double weightedSquares(int r, int c) {
-  const FrequencyGrid& G = SOLVEDATA.grid;
-  long double sum = 0;
-  for (int k = 1; k <= G.NFUSE; ++k) {
-    const Wide e = modelOfH(r, c, axis(k)) - Wide(SOLVEDATA.second.HST(k, r, c));
-    sum += std::norm(e) * G.WFIT[k] * G.WFIT[k];
-  }
-  return sum;
-}
-
 double dcDeviation(const RealMatrix& H) {
   long double deviation = 0, largest = 0;
   forElements([&](int r, int c) {
@@ -129,14 +120,8 @@ double dcDeviation(const RealMatrix& H) {
 int badPoles() {
   int bad = 0;
   for (int g = 1; g <= FITMODEL.NGROUP; ++g) {
-    const PoleTable& P = FITMODEL.HPOLE[g];
-    for (int m = 1; m <= FITMODEL.NH[g]; ++m) {
-      bad += P[m].real() > 0 ? 1 : 0;
-      if (P[m].imag() == 0) continue;
-      const bool paired = m < FITMODEL.NH[g] && P[m + 1] == std::conj(P[m]);
-      bad += paired ? 0 : 1;
-      if (paired) ++m; // NOLINT(bugprone-inc-dec-in-conditions)
-    }
+    const Complex* P = FITMODEL.HPOLE[g].data();
+    bad += badPoles(std::vector<Wide>(P, P + FITMODEL.NH[g]));
   }
   return bad;
 }

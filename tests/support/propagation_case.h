@@ -41,9 +41,6 @@ struct MeasuredFit {
 };
 MeasuredFit measureFit();
 
-// Sum of the squared weighted deviations of an element.
-long double weightedSquares(int r, int c);
-
 // Largest deviation of the model at s = 0 from H, over the largest element of H.
 double dcDeviation(const RealMatrix& H);
 

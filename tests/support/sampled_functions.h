@@ -10,7 +10,7 @@ namespace lcp::test {
 
 // NS frequencies, evenly spaced in the logarithm, and a weight of 1 at each.
 struct SampleGrid {
-  int NS;
+  int NS = 0;
   FreqCurve w;
   FreqCurve weight;
 
@@ -29,14 +29,14 @@ template <class Function> ComplexCurve sampled(const SampleGrid& grid, Function 
   return F;
 }
 
-// A rational function, and its delayed form, as a line's propagation looks: poles over the range
-// in which it falls, no constant term.
+// A rational function with a delay: poles and residues, conjugates side by side.
 struct Rational {
   std::vector<Complex> poles, residues;
-  double delay = 0;
+  double D = 0, E = 0, delay = 0;
 
+  int N() const { return static_cast<int>(poles.size()); }
   Complex operator()(Complex s) const {
-    Complex sum = 0;
+    Complex sum = D + s * E;
     for (std::size_t m = 0; m < poles.size(); ++m) sum += residues[m] / (s - poles[m]);
     return sum * std::exp(-s * delay);
   }

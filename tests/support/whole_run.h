@@ -6,7 +6,7 @@
 //   console     what the run prints
 //   status      its exit status
 //   expected/   the files it writes, all of them; absent when it writes none
-//   tolerance   how close numbers must be, by kind (see compare_text.h)
+//   tolerance   how close numbers must be, by kind (see compare_text.h), a kind a line
 //   source      one line: where the expected numbers come from (an independent calculation, a
 //               book), or "snapshot of this program: guards the layout only"
 // and its input files. With CORVO_REWRITE_SNAPSHOTS set in the environment the cases whose source
@@ -23,23 +23,19 @@ namespace lcp::test {
 
 struct ProgramRun {
   int status = -1;                          // exit status; -1 when a signal ended the run
-  bool timedOut = false;                    // the signal was that of the time limit
   std::string console;                      // standard output and standard error
   std::map<std::string, std::string> files; // files that are new or changed, by relative path
 };
 
-// Runs the program in the directory.
+// Runs the program, or another command, in the directory; a signal ends it at the time limit.
 ProgramRun runProgram(const std::vector<std::string>& arguments,
-                      const std::filesystem::path& directory);
-// The same for any command, with a time limit of its own.
-ProgramRun runCommand(const std::string& command, const std::vector<std::string>& arguments,
-                      const std::filesystem::path& directory, unsigned seconds);
+                      const std::filesystem::path& directory,
+                      const std::string& command = CORVO_PROGRAM);
 
-// The directories of the cases in order; none when the directory does not exist.
-std::vector<std::filesystem::path> casesUnder(const std::filesystem::path& directory);
 // Runs a case. Empty when the run is as expected, else what is not.
-std::string caseDifferences(const std::filesystem::path& directory, const std::string& command);
-// Takes the run as expected. Returns what speaks against it, empty when it is done.
-std::string rewriteCase(const std::filesystem::path& directory, const std::string& command);
+std::string caseDifferences(const std::filesystem::path& directory,
+                            const std::string& command = CORVO_PROGRAM);
+// Takes the run of a snapshot as expected; false when the case is none.
+bool rewriteCase(const std::filesystem::path& directory);
 
 } // namespace lcp::test
