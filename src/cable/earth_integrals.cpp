@@ -29,6 +29,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <string_view>
 
 namespace lcp {
 
@@ -183,36 +184,42 @@ void filonGraded(double A, const Angled& k, int parts, Reached& at, PanelSum& su
   }
 }
 
+void sayNotConverged(std::string_view before, Complex z, int width, std::string_view behind) {
+  console::line(fmt::format("{}{}{}", before, pointedField(std::abs(z), width, 6), behind));
+}
+
 } // namespace
 
 // The marks of quotation and the strokes belong to the texts.
 Complex KEXPINT(Complex z) {
+  constexpr std::string_view TEXT = "Failed to converge for R=";
   const PanelSum sum = kexpintPanels(z);
-  const std::string R = pointedField(std::abs(z), 15, 6);
-  if (!sum.growingDone)
-    console::line("Failed to converge for R=" + R + R"(in hyper-b region"// " Exec. Continuing)");
-  if (!sum.gradedDone)
-    console::line("Failed to converge for R=" + R + R"(in constant region"//" Exec. Continuing)");
+  if (!sum.growingDone) {
+    sayNotConverged(TEXT, z, 15, R"(in hyper-b region"// " Exec. Continuing)");
+  }
+  if (!sum.gradedDone) {
+    sayNotConverged(TEXT, z, 15, R"(in constant region"//" Exec. Continuing)");
+  }
   return sum.S;
 }
 
 Complex KEXPONE(Complex z) {
   const PanelSum sum = kexponePanels(z);
-  if (!sum.gradedDone)
-    console::line("Failed to converge, Carson R Magnitude =" + pointedField(std::abs(z), 16, 6) +
-                  "Execution continuing");
+  if (!sum.gradedDone) {
+    sayNotConverged("Failed to converge, Carson R Magnitude =", z, 16, "Execution continuing");
+  }
   return sum.S;
 }
 
 Complex CBMUT(Complex z, double theta) {
+  constexpr std::string_view GOINGON = " CBMUT Execution Continuing";
   const PanelSum sum = cbmutPanels(z, theta);
-  const std::string R = pointedField(std::abs(z), 15, 6);
-  if (!sum.growingDone)
-    console::line("Failed to converge on hyperbolic step loop for R= " + R +
-                  " CBMUT Execution Continuing");
-  if (!sum.gradedDone)
-    console::line("Failed to converge on exponential step loopfor R= " + R +
-                  " CBMUT Execution Continuing");
+  if (!sum.growingDone) {
+    sayNotConverged("Failed to converge on hyperbolic step loop for R= ", z, 15, GOINGON);
+  }
+  if (!sum.gradedDone) {
+    sayNotConverged("Failed to converge on exponential step loopfor R= ", z, 15, GOINGON);
+  }
   return sum.S;
 }
 
