@@ -105,21 +105,6 @@ TEST(EarthIntegrals, MutualIntegralAgreesWithQuadrature) {
   }
 }
 
-// For large |z| all that is left is the slope of the integrand at t = 0. In the last case panels
-// are held to a phase of 200 on the way.
-TEST(EarthIntegrals, MutualIntegralOfManyWaves) {
-  struct {
-    double size;
-    double theta;
-    double limit;
-  } const cases[] = {{1e4, 0.9, 4e-4}, {1e5, 0.9, 1e-4}, {1e5, 1.3, 1e-5}, {1e6, 1.5, 1e-2}};
-  for (const auto& c : cases) {
-    const Complex z = std::polar(c.size, PI / 4);
-    const Complex slope = z * std::sin(c.theta);
-    EXPECT_LT(relative(cbmutPanels(z, c.theta, 32).S, 2.0 / (slope * slope)), c.limit) << z;
-  }
-}
-
 TEST(EarthIntegrals, PanelsOfTheStages) {
   // Panels that end below X1 at A (1.02^n - 1) / 0.02, A = 0.05 |z| or at most 0.1. The stage is
   // empty from A = X1 on, that is |z| = 20.0125.
