@@ -86,10 +86,6 @@ void residuesOf(const PoleClasses& CINDEX, int N, RConstView X, int c, PoleTable
   for (int m = 1; m <= N; ++m) R[m] = residueOf(CINDEX, m, X, c);
 }
 
-double basisFactor(const PoleClasses& CINDEX, int m, const PoleTable& R) {
-  return CINDEX[m] == PAIRSECOND ? R[m - 1].imag() : R[m].real();
-}
-
 Complex partialFractions(const PoleTable& P, const PoleTable& R, int N, double D, double E,
                          Complex s) {
   Complex F = D + s * E;

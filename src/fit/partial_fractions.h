@@ -58,9 +58,6 @@ void proportionalColumn(const FreqCurve& WFREQ, const FreqCurve& WFIT, int NS, C
 Complex residueOf(const PoleClasses& CINDEX, int m, RConstView X, int c);
 void residuesOf(const PoleClasses& CINDEX, int N, RConstView X, int c, PoleTable& R);
 
-// The way back: factor of basis function m.
-double basisFactor(const PoleClasses& CINDEX, int m, const PoleTable& R);
-
 // Value of the partial fractions at s, terms added in the order of the poles.
 Complex partialFractions(const PoleTable& P, const PoleTable& R, int N, double D, double E,
                          Complex s);

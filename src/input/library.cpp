@@ -22,17 +22,27 @@ constexpr double PERKM = 0.001; // ohm/km to ohm/m
 constexpr double MM = 0.001;    // m
 using LibName = TextField<LIBNAMELEN>;
 
+struct LibraryTexts {
+  std::string_view cannotOpen, whileSearching, subject;
+};
+
+constexpr LibraryTexts CONDUCTORS = {"Error Opening Conductor Library File: ",
+                                     "Error While Searching Conductor Library: ", "Conductor "};
+constexpr LibraryTexts GROUNDWIRES = {"Error Opening Grnd Library File: ",
+                                      "Error While Searching Grnd Wire Library: ", "Ground Wire "};
+
 struct Library {
   TextSource file;
   std::string row;
   LibName LIBNAME;
-  std::string_view kind; // how the messages call it
+  const LibraryTexts& texts;
+
+  explicit Library(const LibraryTexts& t) : texts(t) {}
 
   [[noreturn]] void cannotOpen() {
     file.close();
     console::rule('*', console::STARS);
-    console::print("Error Opening {} Library File: {}", kind == "Conductor" ? "Conductor" : "Grnd",
-                   READER.LIBPATH.text());
+    console::print("{}{}", texts.cannotOpen, READER.LIBPATH.text());
     console::rule('*', console::STARS);
     readError();
   }
@@ -40,9 +50,8 @@ struct Library {
   [[noreturn]] void notFound() {
     file.close();
     console::rule('*', console::STARS);
-    console::print("Error While Searching {} Library: {}",
-                   kind == "Conductor" ? "Conductor" : "Grnd Wire", READER.LIBPATH.text());
-    console::print("{} {} Not Found!", kind, LIBNAME.text());
+    console::print("{}{}", texts.whileSearching, READER.LIBPATH.text());
+    console::print("{}{} Not Found!", texts.subject, LIBNAME.text());
     console::rule('*', console::STARS);
     readError();
   }
@@ -157,8 +166,7 @@ std::string_view LIBWORD(std::string_view text, int n) {
 }
 
 void lookUpConductor(std::string_view name) {
-  Library library;
-  library.kind = "Conductor";
+  Library library(CONDUCTORS);
   library.open(name);
   bool newFormat = false;
   do {
@@ -177,8 +185,7 @@ void lookUpConductor(std::string_view name) {
 
 void lookUpGroundWire(std::string_view name, Entry target) {
   ConductorTable& C = RUNDATA.cond;
-  Library library;
-  library.kind = "Ground Wire";
+  Library library(GROUNDWIRES);
   library.open(name);
   do {
     library.nextRow();
