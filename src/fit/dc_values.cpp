@@ -8,6 +8,7 @@
 #include "kernels/matrix_kernels.h"
 #include "modal/first_loop.h"
 #include "modal/line_constants.h"
+#include "modal/modal_transform.h"
 #include "store/rundata.h"
 
 #include <cmath>
@@ -18,7 +19,7 @@ namespace {
 
 constexpr double DCFREQUENCY = 1e-6; // Hz
 
-LineMatrix product, work, phases;
+LineMatrix product, phases;
 
 void dropImaginaryParts(LineMatrix& A, int n) {
   for (int j = 1; j <= n; ++j) {
@@ -40,15 +41,6 @@ void solveModes(int n) {
   INVCJD(S.TIINV, S.TI, n);
 }
 
-// out = TI diag(d) TIINV
-void toPhases(LineMatrix& out, const ModeComplex& d, int n) {
-  const FirstLoopStore& S = SOLVEDATA.first;
-  for (int j = 1; j <= n; ++j) {
-    for (int i = 1; i <= n; ++i) work(i, j) = S.TI(i, j) * d[j];
-  }
-  CMATMUL(out, work, S.TIINV, n);
-}
-
 } // namespace
 
 void DCVALUES(RealMatrix& YDC, RealMatrix& HDC) {
@@ -64,9 +56,9 @@ void DCVALUES(RealMatrix& YDC, RealMatrix& HDC) {
     gamma[i] = std::sqrt(S.EIG[i]);
     h[i] = std::exp(-gamma[i] * RUNDATA.run.LINELEN);
   }
-  toPhases(phases, h, n);
+  diagonalToPhases(phases, S.TI, h, S.TIINV, n);
   REALPT(HDC, phases, n);
-  toPhases(phases, gamma, n);
+  diagonalToPhases(phases, S.TI, gamma, S.TIINV, n);
   INVCJD(phases, phases, n);
   CMATMUL(product, phases, S.YMAT, n);
   REALPT(YDC, product, n);

@@ -142,10 +142,6 @@ bool isNoInverse(const LeftFactor& A, CConstView R, int n) {
   return !(sum - n < CHECKLIMIT);
 }
 
-void copyCorner(CView to, CConstView from, int n) {
-  for (int j = 1; j <= n; ++j) std::copy_n(from.column(j), n, to.column(j));
-}
-
 [[noreturn]] void stopSingular() {
   console::line(" ");
   console::rule('*', console::STARS);

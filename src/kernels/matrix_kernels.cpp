@@ -102,6 +102,10 @@ void COLNORM(CView B, CConstView A, int n) { unitColumns(B, A, n); }
 
 void RCOLNORM(RView B, RConstView A, int n) { unitColumns(B, A, n); }
 
+void copyCorner(CView B, CConstView A, int n) {
+  for (int j = 1; j <= n; ++j) std::copy_n(A.column(j), n, B.column(j));
+}
+
 void REALPT(RView R, CConstView A, int n) {
   for (int j = 1; j <= n; ++j) {
     for (int i = 1; i <= n; ++i) R(i, j) = A(i, j).real();

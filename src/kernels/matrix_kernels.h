@@ -34,6 +34,9 @@ void UNPACKC(CView A, const Complex* P, int n, int m);
 void COLNORM(CView B, CConstView A, int n);
 void RCOLNORM(RView B, RConstView A, int n);
 
+// B = A, the n by n corner. B must not be A.
+void copyCorner(CView B, CConstView A, int n);
+
 // R = Re A.
 void REALPT(RView R, CConstView A, int n);
 

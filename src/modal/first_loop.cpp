@@ -42,9 +42,7 @@ void fullSolution(int k) {
   static LineMatrix copy;
   FirstLoopStore& S = SOLVEDATA.first;
   const int n = RUNDATA.line.NC;
-  for (int j = 1; j <= n; ++j) {
-    for (int i = 1; i <= n; ++i) copy(i, j) = S.PMAT(i, j);
-  }
+  copyCorner(copy, S.PMAT, n);
   VALVC(S.EIG, S.TIINV, S.TI, copy, n);
   PIVNORM(S.TI, S.TIINV, S.PIVOT, n);
   S.PIVOT0 = S.PIVOT;

@@ -18,6 +18,13 @@ void transpose(CView B, CConstView A, int n) {
 
 } // namespace
 
+void diagonalToPhases(CView out, CConstView TI, const ModeComplex& d, CConstView TIINV, int n) {
+  for (int j = 1; j <= n; ++j) {
+    for (int i = 1; i <= n; ++i) product(i, j) = TI(i, j) * d[j];
+  }
+  CMATMUL(out, product, TIINV, n);
+}
+
 void congruence(CView out, CConstView T, CConstView D, int n) {
   transpose(turned, T, n);
   CMATMUL(product, T, D, n);

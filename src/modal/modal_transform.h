@@ -1,13 +1,16 @@
 // Modal matrices of given phase matrices.
 #pragma once
 
-#include "base/matrix.h"
+#include "store/solvedata.h"
 
 namespace lcp {
 
 // YM = TI^-1 Y TI^-T and ZM = TI^T Z TI, all n by n; the outputs must be none of the inputs.
 void formModalMatrices(CView YM, CView ZM, CConstView Y, CConstView Z, CConstView TI,
                        CConstView TIINV, int n);
+
+// out = TI diag(d) TIINV; out must be none of the inputs.
+void diagonalToPhases(CView out, CConstView TI, const ModeComplex& d, CConstView TIINV, int n);
 
 // out = T D T^T; out must not be D.
 void congruence(CView out, CConstView T, CConstView D, int n);

@@ -48,9 +48,7 @@ void formReportModes() {
   FirstLoopStore& S = SOLVEDATA.first;
   SecondLoopStore& T = SOLVEDATA.second;
   const int n = RUNDATA.line.NC;
-  for (int j = 1; j <= n; ++j) {
-    for (int i = 1; i <= n; ++i) copy(i, j) = S.PMAT(i, j);
-  }
+  copyCorner(copy, S.PMAT, n);
   ZGEEV(copy, S.EIG, S.TI, n);
   COLNORM(S.TI, S.TI, n);
   INVCJD(S.TIINV, S.TI, n);

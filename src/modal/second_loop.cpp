@@ -90,24 +90,16 @@ void storeVectors(int k, int n) {
   }
 }
 
-// out = TI diag(d) TIINV
-template <class Diagonal> void toPhases(LineMatrix& out, Diagonal d, int n) {
-  const FirstLoopStore& S = SOLVEDATA.first;
-  for (int j = 1; j <= n; ++j) {
-    for (int i = 1; i <= n; ++i) work(i, j) = S.TI(i, j) * d(j);
-  }
-  CMATMUL(out, work, S.TIINV, n);
-}
-
 void storePhaseFunctions(int k, int n) {
+  const FirstLoopStore& S = SOLVEDATA.first;
+  ModeComplex decay;
   SecondLoopStore& T = SOLVEDATA.second;
-  toPhases(
-      phases, [&](int i) { return T.GAM[i]; }, n);
+  diagonalToPhases(phases, S.TI, T.GAM, S.TIINV, n);
   INVCJD(inverse, phases, n);
-  CMATMUL(phases, inverse, SOLVEDATA.first.YMAT, n);
+  CMATMUL(phases, inverse, S.YMAT, n);
   T.YCST.store(k, phases, n);
-  toPhases(
-      phases, [&](int i) { return T.HMODE(k, i); }, n);
+  for (int i = 1; i <= n; ++i) decay[i] = T.HMODE(k, i);
+  diagonalToPhases(phases, S.TI, decay, S.TIINV, n);
   T.HST.store(k, phases, n);
 }
 

@@ -132,9 +132,7 @@ void SEQTRANS(CConstView X, CView XS, CConstView T, int n) {
 }
 
 void transformBlocks(CView XS, CConstView X, int n) {
-  for (int j = 1; j <= n; ++j) {
-    for (int i = 1; i <= n; ++i) XS(i, j) = X(i, j);
-  }
+  copyCorner(XS, X, n);
   for (int j = 1; j <= n - 2; j += 3) {
     for (int i = 1; i <= n - 2; i += 3) {
       SEQTRANS({&X(i, j), X.ld}, {&XS(i, j), XS.ld}, sequenceTransform(), 3);

@@ -107,11 +107,9 @@ bool followModes(int k, bool searching) {
   for (int j = 1; j <= n; ++j) {
     S.EIG[j] = SOLVEDATA.at.MEIG(r, j);
     LGUESS[j] = S.EIG[j] / scale;
-    for (int i = 1; i <= n; ++i) {
-      S.TI(i, j) = XGUESS(i, j);
-      scaled(i, j) = S.PMAT(i, j);
-    }
   }
+  copyCorner(S.TI, XGUESS, n);
+  copyCorner(scaled, S.PMAT, n);
   bool good = NREIG(S.EIG, S.TI, LGUESS, XGUESS, scaled, S.PSCALE, S.PIVOT, n);
   if (!good) explainFailure(k);
   for (int i = 1; i <= n; ++i) good = good && S.NRITER[i] < TOOMANYUPDATES;

@@ -67,9 +67,7 @@ void writeTitle(TextFile& file, std::string_view words, int decimals) {
 
 // Copy of a matrix with the parts of no interest set to 0.
 void cleanCopy(LineMatrix& out, const LineMatrix& A, int n) {
-  for (int j = 1; j <= n; ++j) {
-    for (int i = 1; i <= n; ++i) out(i, j) = A(i, j);
-  }
+  copyCorner(out, A, n);
   ZEROSM(out, n, RUNDATA.display.ZEROTOL);
 }
 
