@@ -45,17 +45,10 @@ void copyLayers(const Cable& from, Cable& to) {
   to.CBMU = from.CBMU;
 }
 
-// Conducting layers of a cable: each has an insulator around it, the last may go without.
-int conductingLayers(const Cable& C) {
-  if (C.CBNLAY <= 2) return 1;
-  if (C.CBNLAY <= 4) return 2;
-  return C.CBNLAY <= 6 ? 3 : 4;
-}
-
 // The conductors of cables and pipes: they stand before the overhead conductors.
 int cableConductors() {
   int m = RUNDATA.cable.NPIPE;
-  for (int n = 1; n <= RUNDATA.cable.NCABLE; ++n) m += conductingLayers(RUNDATA.cable.CB[n]);
+  for (int n = 1; n <= RUNDATA.cable.NCABLE; ++n) m += RUNDATA.cable.CB[n].conductors();
   return m;
 }
 

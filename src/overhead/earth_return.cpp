@@ -45,18 +45,6 @@ Complex log1pSeries(Complex z) {
   return sum;
 }
 
-[[noreturn]] void illegalFormula() {
-  console::rule('*', ERRORRULE);
-  console::line(" *ERROR*: Illegal earth return formula selected:");
-  console::line("           Ground Formula = " + integerField(RUNDATA.ground.EARTHF, 1));
-  console::line();
-  console::line("          Please choose a proper ground return");
-  console::line("          formula in the 'Line/Cable Constants");
-  console::line("          Entry of Ground Data' component.");
-  console::rule('*', ERRORRULE);
-  stop(1);
-}
-
 Complex closedForm(int i, int j) {
   const Complex p = OVERHEAD.DEPTH;
   const double H = RUNDATA.cond.CYAVG[i] + RUNDATA.cond.CYAVG[j];
@@ -99,11 +87,23 @@ Complex LOG1P(Complex z) {
   return {0.5 * twice, std::atan2(y, x)};
 }
 
+void illegalEarthFormula(int formula) {
+  console::rule('*', ERRORRULE);
+  console::line(" *ERROR*: Illegal earth return formula selected:");
+  console::line("           Ground Formula = " + integerField(formula, 1));
+  console::line();
+  console::line("          Please choose a proper ground return");
+  console::line("          formula in the 'Line/Cable Constants");
+  console::line("          Entry of Ground Data' component.");
+  console::rule('*', ERRORRULE);
+  stop(1);
+}
+
 Complex EARTHTERM(int i, int j) {
   switch (RUNDATA.ground.EARTHF) {
   case EARTHCLOSED: return closedForm(i, j);
   case EARTHINTEGRAL: return integral(i, j);
-  default: illegalFormula();
+  default: illegalEarthFormula(RUNDATA.ground.EARTHF);
   }
 }
 

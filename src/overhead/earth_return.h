@@ -17,6 +17,9 @@ Complex GRDDEPTH(double w);
 // Principal log(1 + z) without loss of accuracy at small z.
 Complex LOG1P(Complex z);
 
+// Message for an earth-return formula without a value; ends the run, exit status 1.
+[[noreturn]] void illegalEarthFormula(int formula);
+
 // Earth term of the physical conductors i and j (self term when equal), at the depth that stands in
 // the overhead store, by the formula EARTHF. Another formula than 0 and 2 ends the run, status 1.
 Complex EARTHTERM(int i, int j);

@@ -30,31 +30,6 @@ Complex skinDepthInverse(double w, double mur, double rho) {
   return std::sqrt(Complex(0.0, w * MU0 * mur / rho));
 }
 
-Complex solid(double w, double r, double R, double mur) {
-  const double rho = PI * r * r * R;
-  const Complex m = skinDepthInverse(w, mur, rho);
-  return SOLIDCONSTANT * rho / (PI * r * r) + rho / r * INVTWOPI * m * COTH(SOLIDARGUMENT * m * r);
-}
-
-Complex tube(double w, double r, double t, double R, double mur) {
-  const double q = r - t;
-  const double rho = R * PI * (r * r - q * q);
-  const Complex m = skinDepthInverse(w, mur, rho);
-  return INVTWOPI * rho / (r * (q + r)) + rho / r * INVTWOPI * m * COTH((r - q) * m);
-}
-
-Complex stranded(double w, const ConductorTable& C, int i) {
-  const double s = C.CSTRAD[i];
-  const double r = C.CRAD[i];
-  const double R = C.CRDC[i];
-  const double rho = PI * s * s * C.CNTOT[i] * R;
-  const double rho2 = STRANDFACTOR * rho;
-  const double P = C.CNOUT[i] + 2.0;
-  const Complex m = skinDepthInverse(w, C.CMUR[i], rho);
-  return R - rho2 / (P * STRANDARGUMENTPI * s) / r +
-         rho2 / (P * PI * s) * m * COTH(STRANDARGUMENT * r * m);
-}
-
 } // namespace
 
 Complex COTH(Complex z) {
@@ -62,11 +37,37 @@ Complex COTH(Complex z) {
   return (1.0 + E) / (1.0 - E);
 }
 
+Complex solidImpedance(double w, double r, double rho, double mur) {
+  const Complex m = skinDepthInverse(w, mur, rho);
+  return SOLIDCONSTANT * rho / (PI * r * r) + rho / r * INVTWOPI * m * COTH(SOLIDARGUMENT * m * r);
+}
+
+Complex tubeImpedance(double w, double q, double r, double rho, double mur) {
+  const Complex m = skinDepthInverse(w, mur, rho);
+  return INVTWOPI * rho / (r * (q + r)) + rho / r * INVTWOPI * m * COTH((r - q) * m);
+}
+
+Complex strandedImpedance(double w, double r, const Strands& strands, double R, double mur) {
+  const double s = strands.radius;
+  const double rho = PI * s * s * strands.total * R;
+  const double rho2 = STRANDFACTOR * rho;
+  const double P = strands.outer + 2.0;
+  const Complex m = skinDepthInverse(w, mur, rho);
+  return R - rho2 / (P * STRANDARGUMENTPI * s) / r +
+         rho2 / (P * PI * s) * m * COTH(STRANDARGUMENT * r * m);
+}
+
 Complex ZINT(double w, int i) {
   const ConductorTable& C = RUNDATA.cond;
-  if (C.CTUBE[i]) return tube(w, C.CRAD[i], C.CTHICK[i], C.CRDC[i], C.CMUR[i]);
-  if (C.CSTRND[i]) return stranded(w, C, i);
-  return solid(w, C.CRAD[i], C.CRDC[i], C.CMUR[i]);
+  const double r = C.CRAD[i];
+  const double R = C.CRDC[i];
+  const double mur = C.CMUR[i];
+  if (C.CTUBE[i]) {
+    const double q = r - C.CTHICK[i];
+    return tubeImpedance(w, q, r, R * PI * (r * r - q * q), mur);
+  }
+  if (C.CSTRND[i]) return strandedImpedance(w, r, {C.CSTRAD[i], C.CNOUT[i], C.CNTOT[i]}, R, mur);
+  return solidImpedance(w, r, PI * r * r * R, mur);
 }
 
 } // namespace lcp

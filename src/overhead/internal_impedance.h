@@ -8,6 +8,19 @@ namespace lcp {
 // Hyperbolic cotangent. z = 0 is no legal argument; a very large real part gives 1.
 Complex COTH(Complex z);
 
+struct Strands {
+  double radius; // of one strand, m
+  double outer;  // strands of the outer layer
+  double total;  // strands in all
+};
+
+// Impedance per metre, as seen from the outer surface, of a conductor of the outer radius r and the
+// relative permeability mur at the angular frequency w > 0, ohm/m; rho resistivity, ohm m, q inner
+// radius of the tube, m, R DC resistance, ohm/m. The current returns outside the conductor.
+Complex solidImpedance(double w, double r, double rho, double mur);
+Complex tubeImpedance(double w, double q, double r, double rho, double mur);
+Complex strandedImpedance(double w, double r, const Strands& strands, double R, double mur);
+
 // Internal impedance of conductor i of the conductor table, ohm/m, at the angular frequency w > 0.
 Complex ZINT(double w, int i);
 

@@ -43,7 +43,7 @@ struct GroupSums {
 GroupSums sums;
 
 void addUp(const TranspositionGroups& groups, CConstView M, int n) {
-  const CondInts& transposed = RUNDATA.cond.CTRANSP;
+  const Table<int, LDMAT>& transposed = groups.CTRANSP;
   sums.clear(n);
   for (int b = 1; b <= n; ++b) {
     for (int a = 1; a <= n; ++a) {
@@ -55,14 +55,11 @@ void addUp(const TranspositionGroups& groups, CConstView M, int n) {
 
 } // namespace
 
-void SPLITCIRC(TranspositionGroups& groups, int n) {
-  const ConductorTable& C = RUNDATA.cond;
-  groups.NCGROUP = C.NCIRC;
+void splitGroups(TranspositionGroups& groups, int n) {
   groups.transposed = false;
-  for (int i = 1; i <= n; ++i) groups.CCIRC[i] = C.CCIRC[i];
   for (int i = 1; i <= n; ++i) {
-    if (C.CTRANSP[i] == 1) groups.transposed = true;
-    for (int j = i + 1; C.CTRANSP[i] == 0 && j <= n; ++j) {
+    if (groups.CTRANSP[i] == 1) groups.transposed = true;
+    for (int j = i + 1; groups.CTRANSP[i] == 0 && j <= n; ++j) {
       if (groups.CCIRC[j] == groups.CCIRC[i]) groups.CCIRC[j] = ++groups.NCGROUP;
     }
   }
@@ -72,9 +69,19 @@ void SPLITCIRC(TranspositionGroups& groups, int n) {
   }
 }
 
+void SPLITCIRC(TranspositionGroups& groups, int n) {
+  const ConductorTable& C = RUNDATA.cond;
+  groups.NCGROUP = C.NCIRC;
+  for (int i = 1; i <= n; ++i) {
+    groups.CCIRC[i] = C.CCIRC[i];
+    groups.CTRANSP[i] = C.CTRANSP[i];
+  }
+  splitGroups(groups, n);
+}
+
 void TRANSAV(const TranspositionGroups& groups, CView M, int n) {
   if (!groups.transposed) return;
-  const CondInts& transposed = RUNDATA.cond.CTRANSP;
+  const Table<int, LDMAT>& transposed = groups.CTRANSP;
   addUp(groups, M, n);
   for (int j = 1; j <= n; ++j) {
     if (transposed[j] == 1) M(j, j) = sums.self[groups.leader[j] - 1].value();

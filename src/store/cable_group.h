@@ -58,6 +58,9 @@ struct Cable {
   double CBNOUT = 0;            // strands of its outer layer, 1
   double CBNTOT = 0;            // its strands in all, 1
 
+  // Conductors: each has an insulator around it, the last may go without.
+  int conductors() const { return CBNLAY < 3 ? 1 : CBNLAY < 5 ? 2 : CBNLAY < 7 ? 3 : 4; }
+
   // Overall radius, m.
   double radius() const { return CBRAD[static_cast<std::size_t>(CBNLAY)]; }
 };

@@ -25,6 +25,7 @@ constexpr int MAXLIBLINES = 5000; // lines searched in a library of the new form
 
 // Solve
 constexpr int LDMAT = 49;     // order and leading dimension of a line matrix
+constexpr int LDCABLE = 100;  // order and leading dimension of a cable system before its reduction
 constexpr int MAXFREQ = 1020; // frequency steps
 constexpr int MAXINV = 120;   // largest order that the inversion kernels take
 
