@@ -3,6 +3,7 @@
 #include "base/console.h"
 #include "base/number_forms.h"
 #include "base/stop.h"
+#include "cable/four_wire.h"
 #include "overhead/overhead_zy.h"
 #include "store/rundata.h"
 #include "store/solvedata.h"
@@ -40,7 +41,7 @@ void constantsAt(double f) {
   switch (RUNDATA.run.ISCABLE) {
   case OVERHEADLINE: OHZY(f, S.length, S.YMAT, S.ZMAT, S.PMAT); break;
   case CABLESYSTEM: unavailable("Cable Constants");
-  default: unavailable("Four-Wire Cable Constants");
+  case FOURWIRECABLE: FWZY(f, S.length, S.YMAT, S.ZMAT, S.PMAT); break;
   }
   S.ISTATUS = false;
   checkFinite(f);

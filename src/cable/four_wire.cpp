@@ -1,0 +1,187 @@
+// Four-wire cable in closed formulas, all lengths in metres, results per kilometre.
+//
+// Geometry, from the nominal area A of a conductor in mm^2: D the diameter of a round conductor of
+// that area, re and ri the radii that stand for its copper and its outline, Dg the width of the
+// sector, W and G the distances of the fields between neighbours, S the side of the square. Hence
+// the flux of a current in one conductor through another, per length: Lx tangential, Ly radial.
+//
+//   Cg  layers in series: insulator, tape, mantle    conductor to ground, a quarter of the cylinder
+//   Ca  plates of width W, two insulators apart      neighbours
+//   Cd  the gap in the middle and two insulators     conductors across
+//
+// Conductor, with the skin depth delta = sqrt(rho / (pi f mu0)): from ft on the current leaves the
+// middle. With the area a(x) = (b x + 1.27) x^2 inside the outline at x, So = a(ri) and
+// v = u q^2 = a(q) inside the current, q = ri - delta,
+//
+//   L0i = mu0 / (4 pi c^2) T,   T = integral of (s - v)^2 / s ds from v to So
+//                                 = (So - v) (So - 3 v) / 2 + v^2 log(So / v)
+//
+// Losses in the neighbours' fields grow with f^2 and, where the skin depth is small against the
+// conductor (F below 1), with sqrt(f); they displace the current by s1, s2.
+//
+// Earth return with the complex depth P = sqrt(GRHO / (j w mu0)): log(H / X) for each separation X.
+#include "cable/four_wire.h"
+
+#include "base/constants.h"
+#include "kernels/matrix_kernels.h"
+#include "store/rundata.h"
+
+#include <cmath>
+#include <cstdlib>
+
+namespace lcp {
+
+namespace {
+
+constexpr double KILO = 1000.0;     // m in a km
+constexpr double SQUAREMILLI = 1e6; // mm^2 in a m^2
+constexpr double SQRT2 = 1.4142135623730951;
+constexpr double LOSSLESS = 1e-15;                  // ohm m; below it a conductor has no resistance
+constexpr double INNERL = 4.999999999999999e-05;    // mu0 / (8 pi) in H/km
+constexpr double QUARTERC = 1.3908125701266521e-11; // 2 pi e0 / 4, F/m
+constexpr double PIMU0 = 3.947841760435743e-06;     // pi mu0
+constexpr double TWOPIMU0 = 7.895683520871486e-06;
+
+struct Geometry {
+  double A; // mm^2
+  double D, re, ri, Dg, W, G, S;
+  double Lx, Ly; // H/m^2
+};
+
+// What the resistivity of the conductors adds; nothing of a lossless one but the inductance.
+struct Series {
+  double R0 = 0;                 // ohm/km
+  double L0i = INNERL;           // H/km
+  double E1 = 0, E2 = 0, E3 = 0; // losses, ohm/km
+  double s1 = 0, s2 = 0;         // displacement across and between neighbours
+};
+
+Geometry geometryOf(const FourWireRecord& cable) {
+  Geometry g{};
+  const double ti = cable.FWTINS;
+  g.A = cable.FWAREA;
+  g.D = std::sqrt(4.0 * g.A / PI) / KILO;
+  g.re = 0.469041575982343 * g.D;  // sqrt(0.22) D
+  g.ri = 0.4142135623730951 * g.D; // (sqrt(2) - 1) D
+  g.Dg = std::sqrt(1.38 * g.A / 1.2) / KILO;
+  g.W = 0.87 * g.D;
+  g.G = 2.0 * (((2.0 * ti + g.W) * 1.1494252873563218 - g.W) - 2.0 * ti);
+  g.S = 2.0 * (ti + 0.43 * g.D);
+  g.Lx = MU0 / (TWOPI * g.Dg) * std::log((g.Dg + 0.43 * g.D + 2.0 * ti) / (2.0 * ti + 0.43 * g.D));
+  g.Ly = MU0 / (TWOPI * g.W) *
+         std::log((g.W + 0.48 * g.D + g.G + 2.0 * ti) / (2.0 * ti + g.G + 0.48 * g.D));
+  return g;
+}
+
+void fill(SquareStore<double, FOURWIRES>& M, double self, double adjacent, double diagonal) {
+  const double byDistance[] = {self, adjacent, diagonal, adjacent};
+  for (int j = 1; j <= FOURWIRES; ++j) {
+    for (int i = 1; i <= FOURWIRES; ++i) M(i, j) = byDistance[std::abs(i - j)];
+  }
+}
+
+void fillCapacitances(const Geometry& g, const FourWireRecord& cable) {
+  const double ti = cable.FWTINS;
+  const double q1 = ti + g.D;
+  const double q2 = cable.FWTTAPE + q1;
+  const double Cg =
+      KILO * QUARTERC /
+      (std::log(q2 / q1) / cable.FWEPST + std::log((cable.FWTMANT + q2) / q2) / cable.FWEPSM +
+       std::log(q1 / g.D) / cable.FWEPSI);
+  const double Ca = KILO * g.W * EPS0 * cable.FWEPSI / (2.0 * ti);
+  const double Cd = KILO * EPS0 / (2.0 / cable.FWEPSI * ti / g.G + 1.0);
+  fill(FOURWIRE.FWC, Cg + 2.0 * Ca + Cd, -Ca, -Cd);
+}
+
+// Resistance and internal inductance. Just above ft the skin depth still exceeds ri by up to 0.1 %,
+// and no area is free of current: the values of direct current hold on until it does not.
+void addSkinEffect(Series& s, double f, double rho, double delta, const Geometry& g) {
+  const double ft = 1.28 * rho / (g.A * 1.105840614063607e-06 / SQUAREMILLI); // 0.88 mu0
+  const double q = g.ri - delta;
+  const double copper = PI * g.re * g.re;
+  if (!(f >= ft && q > 0.0)) {
+    s.R0 = KILO * rho / copper;
+    return;
+  }
+  const double b = -0.39 / (0.41 * g.D);
+  const double u = b * q + 1.27;
+  const double v = u * q * q;
+  const double So = (b * g.ri + 1.27) * g.ri * g.ri;
+  const double c = 0.88 * g.ri * g.ri - v;
+  const double width = 2.414213562373095 * q; // (1 + sqrt(2)) q
+  s.R0 = KILO * rho / (copper - u * (PI / 4.0) * width * width);
+  const double T = 0.5 * (So - v) * (So - 3.0 * v) + v * v * std::log(So / v);
+  s.L0i = KILO * MU0 / (4.0 * PI * c * c) * T;
+}
+
+// Losses by the fields of the neighbours, and the displacement of the current with them.
+void addProximity(Series& s, double f, double rho, double delta, const Geometry& g) {
+  const double d = 2.0 * g.re;
+  const double core = g.re - 2.0 * delta; // without current, where it is above 0
+  const double square = g.re * g.re - (4.0 * delta <= d ? core * core : 0.0);
+  const double Ae = 0.5 * PI * square;
+  const double m = std::hypot(3.17, d / delta);
+  const double F = 31.855013 / (m * m * m); // 3.17^3: 1 at f = 0
+  const double E0 = F * 31006.276680299816 / (128.0 * rho) * (4.0 * f * f) * d * d; // 1000 pi^3
+  const double u1 = g.W * g.Ly;
+  const double u2 = g.Dg * g.Lx;
+  s.E1 = (u1 * u1 + 2.0 * u2 * u2) * E0;
+  s.E2 = 2.0 * u2 * u2 * E0;
+  s.E3 = g.Dg * g.Dg * (4.0 * g.Lx * g.Lx + g.Ly * g.Ly) * E0;
+  const double t = std::sqrt(E0 / (2.0 * KILO * rho / Ae));
+  const double y = 0.8 * g.re;
+  s.s1 = t * (2.0 * u2 + u1) * y;
+  s.s2 = (g.Ly / 2.0 + g.Lx) * g.Dg * y * t;
+}
+
+Series seriesTerms(double f, double rho, const Geometry& g) {
+  Series s;
+  if (rho < LOSSLESS) return s;
+  const double delta = std::sqrt(rho / (f * PIMU0));
+  addSkinEffect(s, f, rho, delta, g);
+  addProximity(s, f, rho, delta, g);
+  return s;
+}
+
+// Twice the distance to the image of the cable in the soil, complex.
+Complex earthLength(double f, const Geometry& g, const FourWireRecord& cable) {
+  const double p = std::sqrt(RUNDATA.ground.GRHO / (f * TWOPIMU0));
+  const double part = p * 0.7071067811865476 * 0.9999999999999998;
+  const double inside = 2.0 * cable.FWTINS + g.G / 2.0 + g.W + cable.FWTTAPE + cable.FWTMANT;
+  return 2.0 * inside + 2.0 * Complex(part, -part);
+}
+
+void fillSeries(double f, const Geometry& g, const FourWireRecord& cable) {
+  const Series s = seriesTerms(f, cable.FWRHO, g);
+  const Complex H = earthLength(f, g, cable);
+  const Complex scale(0.0, f * (KILO * MU0)); // j w mu0 / (2 pi), ohm/km
+  const Complex own = scale * std::log(H / g.re);
+  const Complex adjacent = scale * std::log(H / (g.S - 2.0 * s.s2));
+  const Complex diagonal = scale * std::log(H / (SQRT2 * g.S - 2.0 * s.s1));
+  const double w = TWOPI * f;
+  fill(FOURWIRE.FWR, own.real() + s.R0 + s.E1, adjacent.real() + (s.E1 - s.E2),
+       diagonal.real() + (s.E1 - s.E3));
+  fill(FOURWIRE.FWL, own.imag() / w + s.L0i, adjacent.imag() / w, diagonal.imag() / w);
+}
+
+} // namespace
+
+void FWZY(double f, double& length, CView YMAT, CView ZMAT, CView PMAT) {
+  const FourWireRecord& cable = RUNDATA.cable.fourWire;
+  const FourWireStore& S = FOURWIRE;
+  const double w = TWOPI * f;
+  length = RUNDATA.run.LINELEN;
+  RUNDATA.line.NC = RUNDATA.cond.NCOND = FOURWIRES;
+  const Geometry g = geometryOf(cable);
+  fillCapacitances(g, cable);
+  fillSeries(f, g, cable);
+  for (int j = 1; j <= FOURWIRES; ++j) {
+    for (int i = 1; i <= FOURWIRES; ++i) {
+      ZMAT(i, j) = Complex(S.FWR(i, j), w * S.FWL(i, j)) / KILO;
+      YMAT(i, j) = Complex(0.0, w * S.FWC(i, j) / KILO);
+    }
+  }
+  CMATMUL(PMAT, YMAT, ZMAT, FOURWIRES);
+}
+
+} // namespace lcp

@@ -1,0 +1,31 @@
+// Series impedance and shunt admittance of a four-wire cable: four conductors at the corners of a
+// square under a common insulation, polyester tape and outer mantle.
+#pragma once
+
+#include "base/matrix.h"
+
+namespace lcp {
+
+constexpr int FOURWIRES = 4;
+
+// Resistance, inductance and capacitance of the last call, with the symmetry of the square: one
+// value for a conductor itself, one for its two neighbours, one for the conductor across.
+struct FourWireStore {
+  SquareStore<double, FOURWIRES> FWR; // ohm/km
+  SquareStore<double, FOURWIRES> FWL; // H/km
+  SquareStore<double, FOURWIRES> FWC; // F/km
+};
+
+inline FourWireStore FOURWIRE{};
+
+// Z and Y of the four conductors, from the four-wire record and the soil resistivity of the run
+// store. Sets NC and NCOND to 4, fills FOURWIRE.
+//   f       frequency, Hz, above 0
+//   length  out: line length of the current step, m
+//   YMAT    out: shunt admittance, S/m, without conductance, 4 by 4
+//   ZMAT    out: series impedance, ohm/m, 4 by 4
+//   PMAT    out: product Y Z, not normalised, 1/m^2, 4 by 4
+// Nothing is checked: a record without a physical meaning gives results that are no numbers.
+void FWZY(double f, double& length, CView YMAT, CView ZMAT, CView PMAT);
+
+} // namespace lcp
