@@ -22,7 +22,9 @@
 // Earth return with the complex depth P = sqrt(GRHO / (j w mu0)): log(H / X) for each separation X.
 #include "cable/four_wire.h"
 
+#include "base/console.h"
 #include "base/constants.h"
+#include "base/stop.h"
 #include "kernels/matrix_kernels.h"
 #include "store/rundata.h"
 
@@ -55,6 +57,20 @@ struct Series {
   double E1 = 0, E2 = 0, E3 = 0; // losses, ohm/km
   double s1 = 0, s2 = 0;         // displacement across and between neighbours
 };
+
+// Without an area, an insulator or a permittivity there is no field to compute.
+void checkRecord(const FourWireRecord& cable) {
+  const bool sizes = cable.FWAREA > 0.0 && cable.FWTINS > 0.0;
+  const bool layers = cable.FWTTAPE >= 0.0 && cable.FWTMANT >= 0.0;
+  if (sizes && layers && cable.FWEPSI > 0.0 && cable.FWEPST > 0.0 && cable.FWEPSM > 0.0) return;
+  console::openStars();
+  console::line("Four-Wire Cable: Area, Insulator Thickness and");
+  console::line("Relative Permittivities Must be > 0, Thickness of");
+  console::line("Tape and Mantle >= 0!");
+  console::closeStars();
+  console::line("QUENT Ending!");
+  stop(1);
+}
 
 Geometry geometryOf(const FourWireRecord& cable) {
   Geometry g{};
@@ -170,6 +186,7 @@ void FWZY(double f, double& length, CView YMAT, CView ZMAT, CView PMAT) {
   const FourWireRecord& cable = RUNDATA.cable.fourWire;
   const FourWireStore& S = FOURWIRE;
   const double w = TWOPI * f;
+  checkRecord(cable);
   length = RUNDATA.run.LINELEN;
   RUNDATA.line.NC = RUNDATA.cond.NCOND = FOURWIRES;
   const Geometry g = geometryOf(cable);

@@ -91,6 +91,9 @@ void takeStep(int k) {
   } else {
     fullSolution(k);
     acceptSolution(k);
+    // Two modes of the square are equal and come in any order, so that MTRACK may exchange them: a
+    // vector is aligned by an element of its own.
+    if (RUNDATA.run.ISCABLE == FOURWIRECABLE) S.PIVOT0 = S.PIVOT;
     if (S.KCT == 1 && k == 1) noteConstantScale();
   }
 }

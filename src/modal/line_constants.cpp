@@ -14,12 +14,14 @@ namespace lcp {
 
 namespace {
 
+constexpr double BEYOND = 1e150; // elements of this size overflow in their products
+
 bool finite(const LineMatrix& A, int n) {
   double sum = 0; // one infinity or one NaN shows in it
   for (int j = 1; j <= n; ++j) {
     for (int i = 1; i <= n; ++i) sum += std::fabs(A(i, j).real()) + std::fabs(A(i, j).imag());
   }
-  return std::isfinite(sum);
+  return sum < BEYOND;
 }
 
 void checkFinite(double f) {
