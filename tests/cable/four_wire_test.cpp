@@ -25,18 +25,7 @@ void setCable(double rho = RHO) {
   RUNDATA.cable.fourWire = {1e6 * AREA, 1.1e-3, 2e-4, 2e-3, rho, 2.4, 3.3, 6.0};
 }
 
-const FourWireStore& at(double f) {
-  constantsAt(f);
-  return FOURWIRE;
-}
-
-void solve(bool& model) {
-  model = true;
-  layGrid();
-  firstFrequencyLoop();
-  alignVectors();
-  secondFrequencyLoop();
-}
+const FourWireStore& at(double f) { return constantsAt(f), FOURWIRE; }
 
 } // namespace
 
@@ -67,11 +56,10 @@ TEST(FourWire, LimitsAndJoints) {
   const auto frequencyOf = [](double depth) { return RHO / (PI * MU0 * depth * depth); };
   const double begin = 1.28 * RHO / (0.88 * MU0 * AREA); // of the skin effect
   const double open = frequencyOf((std::sqrt(2.0) - 1) * D);
-  const FourWireStore below = at(begin * (1 - 1e-6)), within = at(0.5 * (begin + open)),
-                      above = at(open * (1 + 1e-6));
-  EXPECT_NEAR(within.FWL(1, 1), below.FWL(1, 1), 2e-7);
+  const FourWireStore within = at(0.5 * (begin + open)), above = at(open * (1 + 1e-6));
+  EXPECT_NEAR(within.FWL(1, 1), at(begin * (1 - 1e-6)).FWL(1, 1), 2e-7);
   EXPECT_NEAR(above.FWL(1, 1) - within.FWL(1, 1), -4.5e-7, 1e-7);
-  EXPECT_NEAR(above.FWR(1, 1) / below.FWR(1, 1), 1.0, 3e-3);
+  EXPECT_NEAR(above.FWR(1, 1) / within.FWR(1, 1), 1.0, 3e-3);
   const double whole = frequencyOf(std::sqrt(0.22) * D / 2); // current over the whole radius
   EXPECT_NEAR(at(whole * (1 - 1e-9)).FWL(1, 2) / at(whole * (1 + 1e-9)).FWL(1, 2), 1.0, 1e-7);
 }
@@ -80,30 +68,26 @@ TEST(FourWire, ModesAreThoseOfTheSquare) {
   // ground, two equal ones across, neighbours against each other; at 50 Hz and 1 kHz
   const double Zs[] = {215.999089930, 35.3326786722, 35.3326786722, 26.7089613811};
   const double R[] = {4.30702636e-3, 4.635047166e-4, 4.635047166e-4, 3.005146634e-4};
+  const double tau[] = {0.04303837972, 0.01406745466, 0.01406745466, 0.01519576796}; // ms
   setCable();
+  RUNDATA.run.LINELEN = 1000.0;
   RUNDATA.line.SSFREQ = 50.0;
   RUNDATA.bergeron.FLOSS = 1000.0;
-  solve(RUNDATA.model.MODBERG);
+  RUNDATA.model.MODBERG = true;
+  layGrid();
+  firstFrequencyLoop();
+  alignVectors();
+  secondFrequencyLoop();
   for (int i = 1; i <= 4; ++i) {
     EXPECT_NEAR(SOLVEDATA.second.ZSURGER[i], Zs[i - 1], 1e-8);
     EXPECT_NEAR(SOLVEDATA.second.RLOSS1[i], R[i - 1], 1e-11);
+    EXPECT_NEAR(SOLVEDATA.second.TAUMS[i], tau[i - 1], 1e-11);
   }
   at(50.0);
   formReportModes(); // in an order of its own
   double sum = 0;
   for (int i = 1; i <= 4; ++i) sum += SOLVEDATA.second.ZSURGE[i].real() - Zs[i - 1];
   EXPECT_NEAR(sum, 0.0, 1e-7);
-  setCable();
-  solve(RUNDATA.model.MODFDP);
-  for (int k = 1; k <= SOLVEDATA.grid.NFREQ; k += 6) {
-    Complex y, z, yc;
-    for (int j = 1; j <= 4; ++j) {
-      y += SOLVEDATA.at.YSTORE(k, 1, j);
-      z += SOLVEDATA.at.ZSTORE(k, 1, j);
-      yc += SOLVEDATA.second.YCST(k, 1, j);
-    }
-    EXPECT_LT(std::abs(yc / std::sqrt(y / z) - 1.0), 1e-7) << k;
-  }
 }
 
 TEST(FourWire, RecordsWithoutAFieldEndTheRun) {
