@@ -35,7 +35,7 @@ void setCables(bool aerial, bool even) {
   SOLVEDATA.first.ISTATUS = true;
 }
 
-void solve(benchmark::State& state, bool aerial, bool even, int formula) {
+void earthReturn(benchmark::State& state, bool aerial, bool even, int formula) {
   _mm_setcsr(_mm_getcsr() | FLUSHTOZERO);
   setCables(aerial, even);
   RUNDATA.ground.EARTHF = RUNDATA.ground.EARTHFU = formula;
@@ -47,11 +47,11 @@ void solve(benchmark::State& state, bool aerial, bool even, int formula) {
     benchmark::DoNotOptimize(CABLE.D(1, 1));
   }
 }
-BENCHMARK_CAPTURE(solve, buriedClosed, false, false, 0)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(solve, buriedIntegral, false, false, 2)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(solve, buriedIntegralEven, false, true, 2)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(solve, aerialIntegral, true, false, 2)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(solve, aerialIntegralEven, true, true, 2)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(earthReturn, buriedClosed, false, false, 0)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(earthReturn, buriedIntegral, false, false, 2)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(earthReturn, buriedIntegralEven, false, true, 2)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(earthReturn, aerialIntegral, true, false, 2)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(earthReturn, aerialIntegralEven, true, true, 2)->Unit(benchmark::kMillisecond);
 
 void integrals(benchmark::State& state) {
   const double r = std::pow(10.0, static_cast<double>(state.range(0)));
