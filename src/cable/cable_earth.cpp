@@ -1,0 +1,200 @@
+// The walk over the bodies of a cable system, each pair once: a value of the earth return fills the
+// elements of all conductors of the two bodies.
+//
+// The number of panels of an integral grows with the horizontal distance x over H = y_i + y_j. The
+// aerial integral takes 11 x / H of them. In the buried one the cosine holds a panel to 200 /
+// sin theta, and the integrand lasts to t = (D / H) (23 + sqrt(65 |m| H)) in a soil without
+// displacement currents; from |m| H = 1060 on the factor in front leaves nothing of it, and it is
+// not computed. With x up to 1e5 H this is some 1e5 panels in either. In any other soil the
+// integrals end at their own limits, 1e7 panels and a message.
+#include "cable/cable_earth.h"
+
+#include "base/console.h"
+#include "base/stop.h"
+#include "cable/body.h"
+#include "cable/earth_pairs.h"
+#include "overhead/earth_return.h"
+#include "store/rundata.h"
+#include "store/solvedata.h"
+
+#include <cmath>
+#include <span>
+#include <string>
+
+namespace lcp {
+
+namespace {
+
+// ---- Bodies by number: a cable's, or 0 for the pipe
+
+constexpr int PIPE = 0;
+
+bool inPipe(int c) { return RUNDATA.cable.CB[c].CBPIPE != 0; }
+
+Body bodyOf(int number) { return number == PIPE ? pipeBody() : cableBody(number); }
+
+std::string nameOf(int number) { return number == PIPE ? "Pipe" : fmt::format("Cable {}", number); }
+
+// Conductors of a body, a cable in the pipe with the pipe's.
+struct BodyRows {
+  int row[5];
+  int count = 0;
+
+  std::span<const int> rows() const { return {row, static_cast<std::size_t>(count)}; }
+};
+
+BodyRows rowsOf(int number, const CableNumbering& N) {
+  BodyRows R{};
+  if (number != PIPE) {
+    for (int k = N.first(number); k <= N.last(number); ++k) R.row[R.count++] = k;
+  }
+  if (number == PIPE || inPipe(number)) R.row[R.count++] = N.pipeRow;
+  return R;
+}
+
+// ---- Checks
+
+// A body in the surface or without a radius has no logarithm, and its earth return no end.
+void checkBody(int number) {
+  const Body b = bodyOf(number);
+  if (b.y > 0.0 && b.r > 0.0) return;
+  console::openStars();
+  console::print("{} at X = {} m:", nameOf(number), b.x);
+  console::print("Distance from the Surface ({} m) and Radius ({} m) Must be > 0!", b.y, b.r);
+  console::closeStars();
+  console::line("QUENT Ending!");
+  stop(1);
+}
+
+void checkBodies(const CableNumbering& N) {
+  for (int c = 1; c <= RUNDATA.cable.NCABLE; ++c) {
+    if (!inPipe(c)) checkBody(c);
+  }
+  if (N.pipeRow != 0) checkBody(PIPE);
+}
+
+// x: horizontal distance, of a body by itself its radius; H: sum of the distances from the surface.
+void checkBeside(int i, int j, double x, double H) {
+  constexpr double MOSTBESIDE = 1e5;
+  if (x <= MOSTBESIDE * H) return;
+  console::openStars();
+  console::print("Earth Return by Integration of {} and {}:", nameOf(i), nameOf(j));
+  console::print("Horizontal Distance or Radius ({} m) Must not be Above", x);
+  console::print("{} Times the Distances from the Surface ({} m)!", MOSTBESIDE, H);
+  console::closeStars();
+  console::line("QUENT Ending!");
+  stop(1);
+}
+
+// ---- Values
+
+// Pairs of the same geometry to the bit have the same integrals.
+struct PairKey {
+  bool operator==(const PairKey&) const = default;
+
+  double r;
+  double x; // of a body by itself 0
+  double yi;
+  double yj; // of a body by itself 0
+  bool aerial;
+};
+
+constexpr int MOSTKEPT = 128; // further ones are computed each for itself
+
+struct EarthCall {
+  double w;
+  Complex m;
+  LastKexpone kexpone;
+  int kept = 0;
+  Table<PairKey, MOSTKEPT> keys;
+  Table<EarthValue, MOSTKEPT> values;
+};
+
+EarthValue selfValue(EarthCall& call, const Body& b) {
+  const Ground& G = RUNDATA.ground;
+  if (b.aerial) return EASELF(G.EARTHF, b, call.m, call.w);
+  return {EBSELF(G.EARTHFU, b, call.m, call.kexpone), 0.0};
+}
+
+EarthValue mutualValue(EarthCall& call, const Body& i, const Body& j) {
+  const Ground& G = RUNDATA.ground;
+  if (i.aerial != j.aerial) return {EMIX(G.EARTHFM, i, j, call.m), 0.0};
+  if (i.aerial) return EAMUT(G.EARTHF, i, j, call.m, call.w);
+  return {EBMUT(G.EARTHFU, i, j, call.m, call.kexpone), 0.0};
+}
+
+bool integrated(const Body& i, const Body& j) {
+  const Ground& G = RUNDATA.ground;
+  return i.aerial == j.aerial && (i.aerial ? G.EARTHF : G.EARTHFU) == EARTHINTEGRAL;
+}
+
+// Of the bodies of two numbers, of one body when they are the same.
+EarthValue valueOf(EarthCall& call, int i, int j) {
+  const Body bi = bodyOf(i);
+  const Body bj = bodyOf(j);
+  const bool self = i == j;
+  const double x = std::fabs(bi.x - bj.x);
+  const bool keep = integrated(bi, bj);
+  const PairKey key{bi.r, x, bi.y, self ? 0.0 : bj.y, bi.aerial};
+  if (keep) {
+    checkBeside(i, j, self ? bi.r : x, bi.y + bj.y);
+    for (int k = 1; k <= call.kept; ++k) {
+      if (call.keys[k] == key) return call.values[k];
+    }
+  }
+  const EarthValue value = self ? selfValue(call, bi) : mutualValue(call, bi, bj);
+  if (keep && call.kept < MOSTKEPT) {
+    call.keys[++call.kept] = key;
+    call.values[call.kept] = value;
+  }
+  return value;
+}
+
+// ---- Elements
+
+struct Target {
+  const CableNumbering& N;
+  CView D;
+  CView Q;
+};
+
+// The block of two bodies and its mirror.
+void fill(const Target& to, int i, int j, const EarthValue& value) {
+  const BodyRows I = rowsOf(i, to.N);
+  const BodyRows J = rowsOf(j, to.N);
+  for (const int r : I.rows()) {
+    for (const int c : J.rows()) {
+      to.D(r, c) = to.D(c, r) = value.Z;
+      to.Q(r, c) = to.Q(c, r) = value.P;
+    }
+  }
+}
+
+// All conductors in the pipe and its own.
+void fillPipe(const Target& to, const EarthValue& value) {
+  for (int k = 1; k <= to.N.ninner; ++k) {
+    for (int l = 1; l <= k; ++l) fill(to, to.N.inner[k], to.N.inner[l], value);
+  }
+}
+
+} // namespace
+
+void CBEARTH(double w, const CableNumbering& N, CView D, CView Q) {
+  if (SOLVEDATA.first.ISTATUS) checkBodies(N);
+  const int n = RUNDATA.cable.NCABLE;
+  const Target to{N, D, Q};
+  EarthCall call{w, 1.0 / GRDDEPTH(w), {}, 0, {}, {}};
+  for (int i = 1; i <= n; ++i) {
+    if (!inPipe(i)) fill(to, i, i, valueOf(call, i, i));
+    // The first cable in the pipe stands for all of it.
+    if (inPipe(i) && i == N.inner[1]) fillPipe(to, valueOf(call, i, i));
+    for (int j = 1; j < i; ++j) {
+      if (!inPipe(i) || !inPipe(j)) fill(to, i, j, valueOf(call, i, j));
+    }
+  }
+  if (N.pipeRow == 0 || N.ninner > 0) return;
+  fill(to, PIPE, PIPE, valueOf(call, PIPE, PIPE));
+  for (int j = 1; j <= n; ++j) fill(to, PIPE, j, valueOf(call, PIPE, j));
+}
+
+} // namespace lcp

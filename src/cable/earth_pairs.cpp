@@ -1,0 +1,243 @@
+// Earth return of bodies i and j with the horizontal distance x, heights or depths y, and r the
+// radius of i, all m:
+//
+//   d = sqrt(x^2 + (y_i - y_j)^2)   D = sqrt(x^2 + H^2)   H = y_i + y_j   a = r m   p = 1 / m
+//
+// A body by itself: d = x = r, H = D = 2 y, and theta below is 0.
+//
+// Buried bodies, times GMUR. Exact for thin bodies (Pollaczek), with K0 and K1 the modified Bessel
+// functions and J twice the integral over t of exp(-H sqrt(t^2 + m^2)) cos(x t) / (t + sqrt(t^2 +
+// m^2)):
+//
+//   integrals   [K0(m d) - K0(m D) + J] / (a K1(a)),  every term with an exponential taken out:
+//               [exp(a - m d) KEXPINT(m d) - exp(a - m D) KEXPINT(m D)
+//                + exp(a - m D cos theta) CBMUT(m D, theta)] / KEXPONE(a),  tan theta = |x| / H
+//   series      K0(m d) + 2 exp(-m H) / (4 + m^2 x^2)
+//   closed form exp(a - m d) L1(d) - exp(a - m D) [L1(D) - L2(D)],  K0 as a logarithm:
+//               L(s) = log(1 + t / (m s)),  u = sqrt(s / r),  t = u + (1.122872 - u) / q in L1,
+//               2 (u + (0.9257 - u) / q) in L2,  q = 1 + sqrt(a)
+//
+// Aerial bodies:
+//
+//   closed form log(D / d) + GMUR / 2 log(1 + 4 p (p + H) / D^2),  complex depth
+//   integration log(D / d) + SZ, potential term SQ,  Gauss-Legendre over panels up to where
+//               exp(-H u) = 0.001
+//               SZ = integral of 2 exp(-H u) cos(X u) / (u + s),  s = sqrt(u^2 + G2)
+//               SQ = integral of 2 exp(-H u) cos(X u) / (s + N2 u)
+//               X = |x|, of a body by itself D = sqrt(r^2 + H^2)
+//               G2 = k2 (1 - eps) + j w mu0 / rho,  N2 = eps - j w mu0 / (rho k2),  k2 = w^2 mu0 e0
+//
+// One aerial, one buried, times GMUR, W = sqrt(x^2 + H2^2), H2 = H + 2 p:
+//
+//   integration log(W / D) - 2/3 (p^3 / W^6) H2 (H2^2 - 3 x^2),  Carson's integral as a series
+//   closed form exp(-y_b m) log(W / D),  y_b the depth of the buried one
+#include "cable/earth_pairs.h"
+
+#include "base/constants.h"
+#include "cable/earth_functions.h"
+#include "cable/earth_integrals.h"
+#include "overhead/earth_return.h"
+#include "store/rundata.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace lcp {
+
+namespace {
+
+struct Geometry {
+  double x; // not negative
+  double d;
+  double D;
+  double H;
+};
+
+Geometry geometryOf(const Body& i, const Body& j) {
+  const double x = i.x - j.x;
+  const double H = i.y + j.y;
+  const double beside = i.y - j.y;
+  return {std::fabs(x), std::sqrt(beside * beside + x * x), std::sqrt(H * H + x * x), H};
+}
+
+Geometry geometryOf(const Body& b) { return {b.r, b.r, 2.0 * b.y, 2.0 * b.y}; }
+
+// ---- Buried
+
+struct Burial {
+  double r;
+  Geometry g;
+  double theta;
+};
+
+Complex buriedClosed(const Burial& b, Complex m) {
+  constexpr double FIRST = 1.122872;
+  constexpr double SECOND = 0.9257;
+  const Complex a = b.r * m;
+  const Complex q = 1.0 + std::sqrt(a);
+  const Complex md = m * b.g.d;
+  const Complex mD = m * b.g.D;
+  const double u1 = std::sqrt(b.g.d / b.r);
+  const double u2 = std::sqrt(b.g.D / b.r);
+  const Complex t1 = u1 + (FIRST - u1) / q;
+  const Complex t2 = u2 + (FIRST - u2) / q;
+  const Complex t3 = 2.0 * (u2 + (SECOND - u2) / q);
+  return std::exp(a - md) * LOG1PS(t1 / md) -
+         std::exp(a - mD) * (LOG1PS(t2 / mD) - LOG1PS(t3 / mD));
+}
+
+// factor KEXPINT(z); no integral where nothing is left of it.
+Complex timesKexpint(Complex factor, Complex z) {
+  return factor == 0.0 ? factor : factor * KEXPINT(z);
+}
+
+Complex kexponeOf(Complex z, LastKexpone& last) {
+  if (z != last.argument) last = {z, KEXPONE(z)};
+  return last.value;
+}
+
+Complex buriedIntegral(const Burial& b, Complex m, LastKexpone& last) {
+  const Complex a = b.r * m;
+  const Complex md = m * b.g.d;
+  const Complex mD = m * b.g.D;
+  const Complex fall = std::exp(a - std::cos(b.theta) * mD);
+  Complex sum = timesKexpint(std::exp(a - md), md) - timesKexpint(std::exp(a - mD), mD);
+  if (fall != 0.0) sum += fall * CBMUT(mD, b.theta);
+  return sum / kexponeOf(a, last);
+}
+
+Complex buriedSeries(const Burial& b, Complex m) {
+  const Complex mx = m * b.g.x;
+  return KZERO(m * b.g.d) + 2.0 * std::exp(-m * b.g.H) / (4.0 + mx * mx);
+}
+
+Complex buried(int formula, const Burial& b, Complex m, LastKexpone& last) {
+  const double GMUR = RUNDATA.ground.GMUR;
+  switch (formula) {
+  case EARTHCLOSED: return GMUR * buriedClosed(b, m);
+  case EARTHINTEGRAL: return GMUR * buriedIntegral(b, m, last);
+  case EARTHSERIES: return GMUR * buriedSeries(b, m);
+  default: illegalEarthFormula(formula);
+  }
+}
+
+// ---- Aerial
+
+constexpr double LOG1000 = 6.907755278982137;
+constexpr double LEASTPANELS = 1000.0;
+constexpr double TWOPI12 = 6.28318530718;
+constexpr double WIDESTPANEL = 6283185307.179999; // of bodies one above the other
+constexpr double SAMEPLACE = 1e-20;               // m
+constexpr double SMALLK2 = 1e-20;
+constexpr double MOSTPANELS = 1e8;
+
+constexpr int NODES = 5;
+constexpr double NODE[NODES] = {0.9061798459, 0.5384693101, 0.0, -0.5384693101, -0.9061798459};
+constexpr double WEIGHT[NODES] = {0.236926885, 0.4786286705, 0.5688888889, 0.4786286705,
+                                  0.236926885};
+
+// Soil with displacement currents.
+struct Propagation {
+  Complex G2;
+  Complex N2;
+  bool potential; // below 0.005 Hz N2 is so large that nothing is left of SQ
+};
+
+Propagation propagationAt(double w) {
+  const Ground& G = RUNDATA.ground;
+  const double k2 = MU0EPS0 * w * w;
+  const double conduction = MU0 / G.GRHO * w;
+  Propagation soil{{k2 - G.GEPSR * k2, conduction}, 0.0, k2 > SMALLK2};
+  if (soil.potential) soil.N2 = Complex(-G.GEPSR * k2, conduction) / -k2;
+  return soil;
+}
+
+// Panel from u to u + width of both integrals.
+void addPanel(double u, double width, double X, double H, const Propagation& soil,
+              EarthValue& sum) {
+  for (int n = 0; n < NODES; ++n) {
+    const double t = u + 0.5 * width * (1.0 + NODE[n]);
+    const Complex s = std::sqrt(t * t + soil.G2);
+    const double amplitude = WEIGHT[n] * width * std::exp(-H * t) * std::cos(X * t);
+    sum.Z += amplitude / (t + s);
+    if (soil.potential) sum.P += amplitude / (s + soil.N2 * t);
+  }
+}
+
+EarthValue aerialIntegral(const Geometry& g, double D, double w) {
+  const double T = LOG1000 / g.H;
+  const double wave = g.x < SAMEPLACE ? WIDESTPANEL : TWOPI12 / (10.0 * g.x);
+  const double dt = std::min(T / LEASTPANELS, wave);
+  const double count = std::ceil(T / dt);
+  if (!(count < MOSTPANELS)) return {std::numeric_limits<double>::quiet_NaN(), 0.0};
+  const int n = static_cast<int>(count);
+  const Propagation soil = propagationAt(w);
+  EarthValue sum{};
+  for (int k = 1; k < n; ++k) addPanel((k - 1) * dt, dt, g.x, g.H, soil, sum);
+  if (g.d > SAMEPLACE) sum.Z += std::log(D / g.d);
+  return sum;
+}
+
+EarthValue aerialClosed(const Geometry& g, Complex m) {
+  const Complex p = 1.0 / m;
+  const double D2 = g.D * g.D;
+  const Complex earth = LOG1P(4.0 * p * (p + g.H) / D2);
+  return {std::log(g.D / g.d) + RUNDATA.ground.GMUR * 0.5 * earth, 0.0};
+}
+
+EarthValue aerial(int formula, const Geometry& g, Complex m, double w) {
+  switch (formula) {
+  case EARTHCLOSED: return aerialClosed(g, m);
+  case EARTHINTEGRAL: return aerialIntegral(g, std::sqrt(g.x * g.x + g.H * g.H), w);
+  default: illegalEarthFormula(formula);
+  }
+}
+
+// ---- One aerial, one buried
+
+// Distance W to the image at the complex depth.
+Complex imageRoot(const Geometry& g, Complex H2) { return std::sqrt(H2 * H2 + g.x * g.x); }
+
+Complex mixedClosed(const Geometry& g, double depth, Complex m) {
+  return std::exp(-depth * m) * std::log(imageRoot(g, g.H + 2.0 / m) / g.D);
+}
+
+Complex mixedSeries(const Geometry& g, Complex m) {
+  const Complex p = 1.0 / m;
+  const Complex H2 = g.H + 2.0 * p;
+  const Complex W = imageRoot(g, H2);
+  const Complex q = p / (W * W);
+  return std::log(W / g.D) - 2.0 / 3.0 * (q * q * q) * H2 * (H2 * H2 - 3.0 * g.x * g.x);
+}
+
+} // namespace
+
+Complex EBSELF(int formula, const Body& b, Complex m, LastKexpone& last) {
+  return buried(formula, {b.r, geometryOf(b), 0.0}, m, last);
+}
+
+Complex EBMUT(int formula, const Body& i, const Body& j, Complex m, LastKexpone& last) {
+  const Geometry g = geometryOf(i, j);
+  return buried(formula, {i.r, g, std::atan2(g.x, g.H)}, m, last);
+}
+
+EarthValue EASELF(int formula, const Body& b, Complex m, double w) {
+  return aerial(formula, geometryOf(b), m, w);
+}
+
+EarthValue EAMUT(int formula, const Body& i, const Body& j, Complex m, double w) {
+  return aerial(formula, geometryOf(i, j), m, w);
+}
+
+Complex EMIX(int formula, const Body& i, const Body& j, Complex m) {
+  const Geometry g = geometryOf(i, j);
+  const double GMUR = RUNDATA.ground.GMUR;
+  switch (formula) {
+  case EARTHCLOSED: return GMUR * mixedClosed(g, i.aerial ? j.y : i.y, m);
+  case EARTHINTEGRAL: return GMUR * mixedSeries(g, m);
+  default: illegalEarthFormula(formula);
+  }
+}
+
+} // namespace lcp

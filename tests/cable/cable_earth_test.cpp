@@ -1,0 +1,152 @@
+#include "cable/cable_earth.h"
+
+#include "base/constants.h"
+#include "cable/earth_pairs.h"
+#include "cable/numbering.h"
+#include "overhead/earth_return.h"
+#include "store/rundata.h"
+#include "store/solvedata.h"
+#include "support/bessel_reference.h"
+#include "support/child.h"
+
+#include <gtest/gtest.h>
+
+using namespace lcp;
+
+namespace {
+
+double relative(Complex a, Complex b) { return std::abs(a / b - 1.0); }
+
+// Twice the integral of exp(-up u - down s) cos(x u) / (N u + s), s = sqrt(u^2 + m2), by Simpson's
+// rule over intervals that double.
+Complex integral(double up, double down, double x, Complex m2, Complex N = 1.0) {
+  const auto f = [&](double u) {
+    const Complex s = std::sqrt(u * u + m2);
+    return std::exp(-up * u - down * s) * std::cos(x * u) / (N * u + s);
+  };
+  Complex sum = 0;
+  double u = 0, h = 2.5e-6 * std::abs(std::sqrt(m2));
+  while (u < 40.0 / (up + down)) {
+    for (int k = 0; k < 400; ++k, u += h) sum += h / 3 * (f(u) + 4.0 * f(u + h / 2) + f(u + h));
+    h = u / 400;
+  }
+  return sum;
+}
+
+Complex K(int n, Complex z) { return std::exp(-z) * test::scaledBesselK(n, z); }
+
+// A buried cable of two conductors, two of one in a pipe or beside it, two aerial ones.
+void setSystem(bool inside) {
+  RUNDATA.resetInput();
+  CableTable& T = RUNDATA.cable;
+  T.NCABLE = 5;
+  T.NPIPE = 1;
+  T.pipe = {1, 2.0, 1.2, 0, 0, 0, 0.1, 0.12};
+  for (int c = 1; c <= 5; ++c) {
+    Cable& C = T.CB[c];
+    C.CBX = 0.5 * c;
+    C.CBY = c > 3 ? 10.0 : c > 1 ? 0.8 : 0.9;
+    C.CBOVHD = c > 3;
+    C.CBNLAY = c == 1 ? 4 : 1;
+    C.CBRAD = {0, 0.02, 0.03, 0.035, 0.04};
+    C.CBPIPE = inside && (c == 2 || c == 3) ? 1 : 0;
+  }
+  RUNDATA.ground.EARTHFU = RUNDATA.ground.EARTHF = EARTHINTEGRAL;
+  numberConductors(CABLE.numbering);
+}
+
+} // namespace
+
+// The closed forms are for low frequencies, here up to 50 Hz.
+TEST(CableEarth, BuriedPairsAgreeWithTheExactIntegral) {
+  const Body one{0, 1, 0.04, false}, two{3, 1.5, 0.05, false};
+  const double d = std::hypot(3, 0.5), D = std::hypot(3, 2.5);
+  LastKexpone last;
+  RUNDATA.resetInput();
+  RUNDATA.ground.GMUR = 1.5;
+  for (const double f : {0.01, 1.0, 50.0, 1e3, 1e5, 1e6}) {
+    const Complex m = 1.0 / GRDDEPTH(TWOPI * f), a = 0.04 * m, b = 0.05 * m;
+    const Complex self = (K(0, a) - K(0, 2.0 * m) + integral(0, 2, 0, m * m)) / (a * K(1, a));
+    const Complex mutual = (K(0, d * m) - K(0, D * m) + integral(0, 2.5, 3, m * m)) / (b * K(1, b));
+    for (const auto& [formula, limit] : {std::pair{2, 2e-4}, {0, 9e-3}, {3, 2e-4}}) {
+      if (formula != 2 && f > 50) continue;
+      EXPECT_LT(relative(EBSELF(formula, one, m, last), 1.5 * self), limit) << formula << " " << f;
+      EXPECT_LT(relative(EBMUT(formula, two, one, m, last), 1.5 * mutual), limit) << formula << f;
+    }
+  }
+}
+
+// By integration the end at exp(-7) of the integrand shows. The potential term is too sharp for the
+// panels where it is small.
+TEST(CableEarth, AerialAndMixedPairsAgreeWithTheirIntegrals) {
+  const Body one{0, 10, 0.02, true}, two{4, 12, 0.03, true}, buried{0, 1, 0.04, false};
+  RUNDATA.resetInput();
+  for (const double eps : {1.0, 10.0}) {
+    RUNDATA.ground.GRHO = 500;
+    RUNDATA.ground.GEPSR = eps;
+    for (const double w : {300.0, 6e3, 8e5, 6e6}) {
+      const double k2 = MU0EPS0 * w * w, logarithm = std::log(std::hypot(4, 22) / std::hypot(4, 2));
+      const Complex m2(0, w * MU0 / 500), m = std::sqrt(m2), G2 = m2 + k2 * (1 - eps);
+      const EarthValue self = EASELF(2, one, m, w), mutual = EAMUT(2, one, two, m, w);
+      EXPECT_LT(std::abs(self.Z - std::log(1000) - integral(20, 0, 0.02, G2)), 1.4e-4) << w;
+      EXPECT_LT(std::abs(mutual.Z - logarithm - integral(22, 0, 4, G2)), 1.4e-4) << w;
+      EXPECT_LT(relative(EASELF(0, one, m, w).Z, self.Z), 0.025) << w;
+      EXPECT_LT(relative(EAMUT(0, one, two, m, w).Z, mutual.Z), 0.025) << w;
+      if (w > 1e5) {
+        EXPECT_LT(relative(self.P, integral(20, 0, 0.02, G2, eps - m2 / k2)), 5e-3) << w;
+        EXPECT_LT(relative(mutual.P, integral(22, 0, 4, G2, eps - m2 / k2)), 5e-3) << w;
+      }
+      if (w > 1e4) continue;
+      EXPECT_LT(relative(EMIX(0, two, buried, m), integral(12, 1, 4, m2)), 0.018) << w;
+      EXPECT_LT(relative(EMIX(2, buried, two, m), integral(12, 1, 4, m2)), 2e-3) << w;
+    }
+  }
+  EXPECT_EQ(EAMUT(2, one, two, 1e-5, 0.0299).P, 0.0);
+}
+
+// Every element is the value of the two bodies that its conductors belong to, the later one of the
+// walk first.
+TEST(CableEarth, BodiesFillTheBlocksOfTheirConductors) {
+  const double w = 300.0;
+  LastKexpone last;
+  for (const bool inside : {true, false}) {
+    setSystem(inside);
+    const Complex m = 1.0 / GRDDEPTH(w);
+    for (Complex& q : CABLE.Q.elements) q = std::nan("");
+    CBEARTH(w, CABLE.numbering, CABLE.D, CABLE.Q);
+    const int owner[] = {1, 1, 2, 3, 4, 5, inside ? 3 : 6}; // by conductor; 6 a pipe by itself
+    for (int k = 0; k < 49; ++k) {
+      const int i = std::max(owner[k / 7], owner[k % 7]), j = std::min(owner[k / 7], owner[k % 7]);
+      const Body I = i == 6 ? pipeBody() : cableBody(i), J = cableBody(j);
+      const bool same = i == j || (inside && i == 3 && j == 2);
+      EarthValue value = I.aerial == J.aerial ? EarthValue{} : EarthValue{EMIX(0, I, J, m), 0.0};
+      if (I.aerial && J.aerial) value = same ? EASELF(2, I, m, w) : EAMUT(2, I, J, m, w);
+      if (!I.aerial && !J.aerial) value.Z = same ? EBSELF(2, I, m, last) : EBMUT(2, I, J, m, last);
+      EXPECT_EQ(CABLE.D(k / 7 + 1, k % 7 + 1), value.Z) << inside << k;
+      EXPECT_EQ(CABLE.Q(k / 7 + 1, k % 7 + 1), value.P) << inside << k;
+    }
+  }
+}
+
+TEST(CableEarth, RefusesWhatHasNoValue) {
+  struct {
+    void (*change)();
+    int status;
+    std::string text;
+  } const cases[] = {
+      {[] { RUNDATA.cable.CB[2].CBY = -1; }, 0, ""}, // inside the pipe
+      {[] { RUNDATA.cable.CB[1].CBY = 0; }, 1, "Cable 1 at X = 0.5 m:\nDistance"},
+      {[] { RUNDATA.cable.pipe.PIPERC = 0; }, 1, "Pipe at X = 2 m:\n"},
+      {[] { RUNDATA.ground.EARTHFM = 3; }, 1, "Ground Formula = 3\n"},
+      {[] { RUNDATA.cable.CB[4].CBX = 3e6; }, 1, "Integration of Cable 5 and Cable 4:\n"}};
+  for (const auto& c : cases) {
+    const test::ChildResult run = test::runChild([&] {
+      setSystem(true);
+      c.change();
+      SOLVEDATA.first.ISTATUS = true;
+      CBEARTH(300.0, CABLE.numbering, CABLE.D, CABLE.Q);
+    });
+    EXPECT_EQ(run.status, c.status) << run.console;
+    EXPECT_NE(run.console.find(c.text), std::string::npos) << run.console;
+  }
+}
