@@ -1,0 +1,133 @@
+// K_0 and K_1 by ball arithmetic, scaled by exp(x), then upwards
+//
+//   K_(n+1) = K_(n-1) + (2 n / x) K_n
+//
+// which is stable, since K_n is the growing solution. All numbers carry a binary exponent: on the
+// 45 degree ray K_50 overflows a double below |x| = 3e-5, and all K_n underflow it from |x| = 1000
+// on.
+//
+// Away from the origin K_0 and K_1 come from the asymptotic series, whose error exp(-2 |x|) is
+// below a double's; near it from the power series, in which (|x| + Re x) / log 2 bits cancel.
+#include "kernels/bessel_k.h"
+
+#include <acb_hypgeom.h>
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace lcp {
+
+namespace {
+
+constexpr double ASYMPTOTIC = 20.0; // |x| from which the asymptotic series is tried
+constexpr slong ASYMPTOTICBITS = 72;
+constexpr double SERIESBITS = 66.0; // working precision of the power series at 0 ...
+constexpr double LOSTBITS = 1.5;    // ... and what is added for each unit of |x| + Re x
+constexpr slong MOSTBITS = 4096;
+constexpr slong GOODBITS = 55;
+
+constexpr double LOG2HIGH = 0x1.62e42feep-1; // log 2 in two parts, the first with trailing zeros
+constexpr double LOG2LOW = 0x1.a39ef35793c76p-33;
+constexpr double MOSTEXPONENT = 1e6;
+
+constexpr double SMALLESTPART = 1e-307;
+
+// Kept from call to call, so that nothing is allocated for them again.
+struct Balls {
+  acb_t order;
+  acb_t argument;
+  acb_t value;
+
+  Balls() { // NOLINT(*-member-init)
+    acb_init(order);
+    acb_init(argument);
+    acb_init(value);
+  }
+};
+
+bool isGood(const acb_t value) { return acb_rel_accuracy_bits(value) >= GOODBITS; }
+
+bool evaluateBall(Balls& B, double size, double real) {
+  if (size >= ASYMPTOTIC) {
+    acb_hypgeom_bessel_k_asymp(B.value, B.order, B.argument, 1, ASYMPTOTICBITS);
+    if (isGood(B.value)) return true;
+  }
+  const double lost = LOSTBITS * (std::min(size, 2.0 * ASYMPTOTIC) + std::max(real, 0.0));
+  slong bits = static_cast<slong>(SERIESBITS + std::min(lost, SERIESBITS * LOSTBITS));
+  for (; bits <= MOSTBITS; bits *= 2) {
+    acb_hypgeom_bessel_k_scaled(B.value, B.order, B.argument, bits);
+    if (isGood(B.value)) return true;
+  }
+  return false;
+}
+
+// exp(x) K_n(x), NaN where no precision is enough.
+Complex startValue(int n, Complex x) {
+  static Balls B;
+  acb_set_si(B.order, n);
+  acb_set_d_d(B.argument, x.real(), x.imag());
+  if (!evaluateBall(B, std::abs(x), x.real())) return std::numeric_limits<double>::quiet_NaN();
+  return {arf_get_d(arb_midref(acb_realref(B.value)), ARF_RND_NEAR),
+          arf_get_d(arb_midref(acb_imagref(B.value)), ARF_RND_NEAR)};
+}
+
+double largerPart(Complex z) { return std::max(std::fabs(z.real()), std::fabs(z.imag())); }
+
+Complex timesPower(Complex z, int e) { return {std::ldexp(z.real(), e), std::ldexp(z.imag(), e)}; }
+
+Scaled normalised(Complex m, int e) {
+  int shift = 0;
+  std::frexp(largerPart(m), &shift);
+  return {timesPower(m, -shift), e + shift};
+}
+
+Scaled product(const Scaled& a, const Scaled& b) { return normalised(a.m * b.m, a.e + b.e); }
+
+Scaled sum(const Scaled& a, const Scaled& b) {
+  const int e = std::max(a.e, b.e);
+  return normalised(timesPower(a.m, a.e - e) + timesPower(b.m, b.e - e), e);
+}
+
+// exp(-x). A power of 2 leaves an exponent between 0 and log 2.
+Scaled decay(Complex x) {
+  const double power = std::clamp(std::floor(-x.real() / LOG2HIGH), -MOSTEXPONENT, MOSTEXPONENT);
+  const double rest = std::clamp((-x.real() - power * LOG2HIGH) - power * LOG2LOW, -1.0, 1.0);
+  return normalised(std::exp(Complex(rest, -x.imag())), static_cast<int>(power));
+}
+
+double lifted(double part, double smallest) { return std::fabs(part) < smallest ? smallest : part; }
+
+Complex lifted(const Scaled& k, int shift, double smallest) {
+  const Complex value = timesPower(k.m, k.e + shift);
+  return {lifted(value.real(), smallest), lifted(value.imag(), smallest)};
+}
+
+} // namespace
+
+void ZBESK(Complex x, KSeries& KSER) {
+  if (!std::isnormal(std::abs(x))) {
+    KSER.fill({std::numeric_limits<double>::quiet_NaN(), 0});
+    return;
+  }
+  const Scaled factor = decay(x);
+  for (const int n : {0, 1}) {
+    KSER[static_cast<std::size_t>(n)] = product(normalised(startValue(n, x), 0), factor);
+  }
+  const Scaled slope = normalised(2.0 / x, 0);
+  for (std::size_t n = 1; n < LASTORDER; ++n) {
+    const Scaled step = {static_cast<double>(n) * slope.m, slope.e};
+    KSER[n + 1] = sum(KSER[n - 1], product(step, KSER[n]));
+  }
+}
+
+Complex KRATIO(const KSeries& KSER, int n) {
+  const Scaled& below = KSER[static_cast<std::size_t>(n - 1)];
+  const Scaled& above = KSER[static_cast<std::size_t>(n)];
+  // Both neighbours times one power of 2 that keeps their parts and the smallest one far from the
+  // ends of the range; of a large K_n the smallest part is 0 then, and lifts nothing.
+  const int shift = std::min(512, 1000 - above.e);
+  const double smallest = std::ldexp(SMALLESTPART, shift);
+  return lifted(below, shift, smallest) / lifted(above, shift, smallest);
+}
+
+} // namespace lcp
