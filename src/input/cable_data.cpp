@@ -134,6 +134,7 @@ void convertOverheadConductors() {
   }
   T.ANYOVHD = true;
   T.NCABLE += C.NCOND;
+  T.overhead = C.NCOND;
   RUNDATA.line.NC = C.NCOND + m;
 }
 

@@ -3,6 +3,7 @@
 #include "base/console.h"
 #include "base/number_forms.h"
 #include "base/stop.h"
+#include "cable/cable_zy.h"
 #include "cable/four_wire.h"
 #include "overhead/overhead_zy.h"
 #include "store/rundata.h"
@@ -24,6 +25,12 @@ bool finite(const LineMatrix& A, int n) {
   return sum < BEYOND;
 }
 
+[[noreturn]] void refuse() {
+  console::closeStars();
+  console::line("QUENT Ending!");
+  stop(1);
+}
+
 void checkFinite(double f) {
   const FirstLoopStore& S = SOLVEDATA.first;
   const int n = RUNDATA.line.NC;
@@ -31,9 +38,20 @@ void checkFinite(double f) {
   console::openStars();
   console::print("The Line Constants at {} Hz are not Finite Numbers", pointedField(f, 11, 4));
   console::line("Verify Transmission line data");
-  console::closeStars();
-  console::line("QUENT Ending!");
-  stop(1);
+  refuse();
+}
+
+// A conductor without a shunt admittance carries no wave. Of a described system that is the bare
+// pipe in the ground alone.
+void checkShunt() {
+  const FirstLoopStore& S = SOLVEDATA.first;
+  for (int i = 1; i <= RUNDATA.line.NC; ++i) {
+    if (S.YMAT(i, i) != Complex(0.0)) continue;
+    console::openStars();
+    console::print("Conductor {} has no Shunt Admittance: a Bare Pipe in the Ground", i);
+    console::line("Must be Grounded or have an Outer Insulator!");
+    refuse();
+  }
 }
 
 } // namespace
@@ -42,11 +60,12 @@ void constantsAt(double f) {
   FirstLoopStore& S = SOLVEDATA.first;
   switch (RUNDATA.run.ISCABLE) {
   case OVERHEADLINE: OHZY(f, S.length, S.YMAT, S.ZMAT, S.PMAT); break;
-  case CABLESYSTEM: unavailable("Cable Constants");
-  case FOURWIRECABLE: FWZY(f, S.length, S.YMAT, S.ZMAT, S.PMAT); break;
+  case CABLESYSTEM: CBZY(f, S.length, S.YMAT, S.ZMAT, S.PMAT); break;
+  default: FWZY(f, S.length, S.YMAT, S.ZMAT, S.PMAT); break;
   }
   S.ISTATUS = false;
   checkFinite(f);
+  if (RUNDATA.run.ISCABLE == CABLESYSTEM) checkShunt();
 }
 
 void unavailable(const char* what) {

@@ -141,6 +141,7 @@ void transformBlocks(CView XS, CConstView X, int n) {
 }
 
 bool hasLoadFlowSection() {
+  if (RUNDATA.run.ISCABLE != OVERHEADLINE) return false;
   const ConductorTable& C = RUNDATA.cond;
   const int NC = RUNDATA.line.NC;
   return NC == 2 || NC == 3 || (NC == 6 && C.NCIRC == 2 && (C.NTOWER == 1 || C.NTOWER == 2));

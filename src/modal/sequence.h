@@ -44,7 +44,7 @@ struct LoadFlowData {
   int circuits = 0;            // how many of them the simulator is told
 };
 
-// Whether a line has a load flow section, and whether it has sequence matrices.
+// Whether an overhead line has a load flow section, and whether a line has sequence matrices.
 bool hasLoadFlowSection();
 bool hasSequenceMatrices();
 

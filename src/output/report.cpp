@@ -2,6 +2,7 @@
 
 #include "base/console.h"
 #include "kernels/matrix_kernels.h"
+#include "modal/core_sequence.h"
 #include "modal/long_line.h"
 #include "modal/report_modes.h"
 #include "modal/sequence.h"
@@ -153,6 +154,17 @@ void SEQRXB(TextFile& file, CConstView YLC, CConstView ZLC, bool LLOK) {
   tellSimulator(data);
 }
 
+// Of a cable system: the cores alone; its own constants stand again afterwards.
+void SEQCABLE(TextFile& file) {
+  static LineMatrix YLC, ZLC;
+  const FirstLoopStore& S = SOLVEDATA.first;
+  bool LLOK = true;
+  const Grounding saved = groundSheaths(RUNDATA.display.DISPFREQ);
+  LONGCOR(S.YMAT, S.ZMAT, RUNDATA.run.LINELEN, YLC, ZLC, RUNDATA.line.NC, LLOK);
+  SEQRXB(file, YLC, ZLC, LLOK);
+  restoreSheaths(saved, RUNDATA.display.DISPFREQ);
+}
+
 void writePhaseDomain(TextFile& file, int n) {
   static LineMatrix clean;
   writeTitle(file, "  PHASE DOMAIN DATA @ ", 3);
@@ -227,6 +239,7 @@ void writeReport(TextFile& file) {
   ZEROSM(YLC, n, RUNDATA.display.ZEROTOL);
   writeHead(file);
   if (hasLoadFlowSection()) SEQRXB(file, YLC, ZLC, LLOK);
+  if (hasCoreSequences()) SEQCABLE(file);
   writePhaseDomain(file, n);
   if (LLOK) {
     writeMatrix(file, " LONG-LINE CORRECTED SERIES IMPEDANCE MATRIX [ohms]: ", ZLC, n, l);

@@ -16,11 +16,6 @@ namespace lcp {
 
 namespace {
 
-void fold(CView M, int n, int k, int r) {
-  for (int i = 1; i <= n; ++i) M(i, k) -= M(i, r);
-  for (int j = 1; j <= n; ++j) M(k, j) -= M(r, j);
-}
-
 int leadingKept(int n) {
   const CondInts& role = RUNDATA.cond.CMAP;
   for (int i = 1; i <= n; ++i) {
@@ -65,14 +60,22 @@ void mirror(CView M, int n) {
 
 } // namespace
 
+void foldMember(CView M, int n, int k, int r) {
+  for (int i = 1; i <= n; ++i) M(i, k) -= M(i, r);
+  for (int j = 1; j <= n; ++j) M(k, j) -= M(r, j);
+}
+
+void CBKRON(CView M, int kept, int n) {
+  for (int q = n; q > kept; --q) eliminate(M, q);
+  if (kept < n) mirror(M, kept);
+}
+
 void BUNDRED(CView M, int n) {
   const CondInts& role = RUNDATA.cond.CMAP;
   for (int k = 1; k <= n; ++k) {
-    if (role[k] > 0) fold(M, n, k, role[k]);
+    if (role[k] > 0) foldMember(M, n, k, role[k]);
   }
-  const int L = leadingKept(n);
-  for (int q = n; q > L; --q) eliminate(M, q);
-  if (L < n) mirror(M, L);
+  CBKRON(M, leadingKept(n), n);
 }
 
 // Sweep on pivot k: with d = 1 / M(k, k), M(i, j) - M(i, k) d M(k, j) elsewhere, M(i, k) d in row

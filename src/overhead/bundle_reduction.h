@@ -12,6 +12,14 @@ namespace lcp {
 // afterwards.
 void BUNDRED(CView M, int n);
 
+// The two steps of it. With the voltage of unknown k written as its difference from that of r, row
+// and column k become row k - row r and column k - column r:
+void foldMember(CView M, int n, int k, int r);
+
+// Eliminates the unknowns behind the first kept ones, from the last on, from the symmetric n by n
+// matrix M; only its lower triangle is read.
+void CBKRON(CView M, int kept, int n);
+
 // In-place inverse of the symmetric n by n corner of M. No pivot search, no check for singularity:
 // for matrices of potential coefficients, which are positive definite.
 void SYMINV(CView M, int n);

@@ -104,9 +104,10 @@ struct FourWireRecord {
 };
 
 struct CableTable {
-  int NCABLE = 0;       // cables read
+  int NCABLE = 0;       // cables in all
   bool ANYOVHD = false; // a cable or the pipe is aerial
   bool MIXEDOH = false; // overhead conductors stand in the cable table
+  int overhead = 0;     // ... how many, behind the cables that were read as such
   int NPIPE = 0;        // pipes read
   bool PIPEF = false;   // a pipe section was read
 
