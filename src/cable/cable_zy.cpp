@@ -17,6 +17,7 @@
 #include "cable/coax_layers.h"
 #include "cable/conductance.h"
 #include "cable/crossbonding.h"
+#include "cable/layer_checks.h"
 #include "cable/numbering.h"
 #include "cable/pipe_blocks.h"
 #include "cable/potential.h"
@@ -162,6 +163,7 @@ void CBZY(double f, double& length, CView YMAT, CView ZMAT, CView PMAT) {
   if (SOLVEDATA.first.ISTATUS) numberConductors(S.numbering);
   const int n = S.numbering.total;
   checkCount(n);
+  if (SOLVEDATA.first.ISTATUS) checkLayers();
   fillBlocks(w, n);
   sumBlocks(n);
   setBareConductors(n);

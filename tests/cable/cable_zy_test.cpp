@@ -6,6 +6,7 @@
 #include "support/child.h"
 
 #include <cmath>
+#include <functional>
 #include <gtest/gtest.h>
 
 using namespace lcp;
@@ -61,6 +62,23 @@ void layCables(int n) {
   for (int c = 1; c <= n; ++c) setSingleCore(c, 0.3 * c, 1.0);
 }
 
+constexpr double FAR = 1e6; // m
+
+// An insulated pipe of its own, far away.
+void addPipe() {
+  PipeRecord& P = RUNDATA.cable.pipe;
+  RUNDATA.cable.NPIPE = 1;
+  P.PIPEX = 2 * FAR;
+  P.PIPEY = 1.5;
+  P.PIPEOUTL = 1;
+  P.PIPERI = 0.2;
+  P.PIPERC = 0.21;
+  P.PIPERO = 0.22;
+  P.PIPERHO = 2e-7;
+  P.PIPEMU = P.PIPEMUO = 1;
+  P.PIPEEPSO = 2.5;
+}
+
 // Overhead conductors whose shapes the conversion to cables keeps apart by the wall alone.
 void makeConvertibleLine(std::uint64_t seed) {
   makeLine(seed, {.mostKept = 8, .mostBundle = 3, .mostEliminated = 2, .transposition = true});
@@ -73,7 +91,6 @@ void makeConvertibleLine(std::uint64_t seed) {
 // The same line as the aerial cables of a system with n single-core cables far away from it, and
 // with a pipe when asked for; their sheaths are grounded.
 void convertLine(int n, bool pipe) {
-  constexpr double FAR = 1e6; // m
   RUNDATA.run.ISCABLE = CABLESYSTEM;
   CableTable& T = RUNDATA.cable;
   T.MIXEDOH = true;
@@ -82,18 +99,7 @@ void convertLine(int n, bool pipe) {
     setSingleCore(c, FAR + c, 1.0);
     cable(c).CBGLAST = 1;
   }
-  if (pipe) {
-    T.NPIPE = 1;
-    T.pipe.PIPEX = 2 * FAR;
-    T.pipe.PIPEY = 1.5;
-    T.pipe.PIPEOUTL = 1;
-    T.pipe.PIPERI = 0.2;
-    T.pipe.PIPERC = 0.21;
-    T.pipe.PIPERO = 0.22;
-    T.pipe.PIPERHO = 2e-7;
-    T.pipe.PIPEMU = T.pipe.PIPEMUO = 1;
-    T.pipe.PIPEEPSO = 2.5;
-  }
+  if (pipe) addPipe();
   convertOverheadConductors();
 }
 
@@ -261,4 +267,27 @@ TEST(CableZY, FortyNineConductorsAreTheMost) {
                        "layers such as sheaths, armours) in the cable \n"
                        "system is 50.Total number of conductors\n"
                        "can not be greater than the maximum allowed 49\n");
+}
+
+TEST(CableZY, MaterialsThatTheFormulasNeed) {
+  const std::string cable1 = "Cable 1: Resistivities, Relative Permeabilities and\n";
+  const std::string pipe1 = "Pipe 1: Radii Must Grow Outwards, and the Resistivity,\n";
+  PipeRecord& P = RUNDATA.cable.pipe;
+  const struct {
+    const std::string& message;
+    std::function<void()> change;
+  } cases[] = {
+      {cable1, [] { cable(1).CBRHO[1] = 0; }},   {cable1, [] { cable(1).CBEPS[0] = -2; }},
+      {cable1, [] { cable(1).CBMU[3] = 0; }},    {pipe1, [&] { P.PIPERC = P.PIPERI; }},
+      {pipe1, [&] { P.PIPEMU = std::nan(""); }}, {pipe1, [&] { P.PIPEEPSO = 0; }},
+  };
+  for (const auto& c : cases) {
+    layCables(1);
+    addPipe();
+    EXPECT_EQ(solveCables(50.0).n, 3);
+    c.change();
+    const ChildResult r = runChild([] { solveCables(50.0); });
+    EXPECT_EQ(r.status, 1);
+    EXPECT_NE(r.console.find(c.message), std::string::npos) << r.console;
+  }
 }
