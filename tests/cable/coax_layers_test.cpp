@@ -6,6 +6,7 @@
 #include "support/bessel_reference.h"
 
 #include <algorithm>
+#include <cmath>
 #include <gtest/gtest.h>
 
 using namespace lcp;
@@ -24,11 +25,6 @@ Cable& setCable(int layers, bool solid = false) {
   C.CBEPS = {2.3, 3.0, 4.0, 5.0};
   C.CBTAND = {0.4, 0.5, 0.6, 0.7};
   return C;
-}
-
-int filled(const CableMatrix& M) {
-  return static_cast<int>(
-      std::count_if(M.elements, M.elements + 10000, [](Complex z) { return z != 0.0; }));
 }
 
 // I_n by its series; |z| up to 60 on the ray of 45 degrees.
@@ -68,7 +64,7 @@ Complex loopSum(double w, const Cable& C, std::size_t r, std::size_t c) {
       if (k == l + 1 || l == k + 1) sum -= Exact(w, C, std::max(k, l)).transfer;
       if (k != l) continue;
       sum += Exact(w, C, k).out + (k < n - 1 ? Exact(w, C, k + 1).in : 0.0);
-      if (C.CBNLAY == C.conductors() * 2 || k < n - 1) {
+      if (C.CBNLAY % 2 == 0 || k < n - 1) {
         sum += C.CBMU[2 * k + 1] * std::log(C.CBRAD[2 * k + 2] / C.CBRAD[2 * k + 1]);
       }
     }
@@ -83,21 +79,19 @@ Complex loopSum(double w, const Cable& C, std::size_t r, std::size_t c) {
 // tenth of their radii and less.
 TEST(CoaxLayers, SeriesBlockIsThatOfBesselFunctions) {
   static CableMatrix A;
-  for (const int layers : {1, 3, 6, 8}) {
-    for (const bool solid : {false, true}) {
+  for (const bool solid : {false, true}) {
+    for (const int layers : {1, 3, 6, 8}) {
       const Cable& C = setCable(layers, solid);
-      const int n = C.conductors();
       for (const double w : {6e-3, 6.0, 314.0, 6e3, 6e4}) {
         A = {};
         CBLAYZ(w, 7, 30, A);
-        EXPECT_EQ(filled(A), n * n);
-        for (int r = 0; r < n; ++r) {
-          for (int c = 0; c < n; ++c) {
-            const double limit = r + c > 0 ? 7e-4 : solid ? 0.0202 : 0.052;
-            const Complex exact =
-                loopSum(w, C, static_cast<std::size_t>(r), static_cast<std::size_t>(c));
-            EXPECT_LT(std::abs(A(31 + r, 31 + c) / exact - 1.0), limit) << layers << " at " << w;
-          }
+        for (int e = 0; e < 25; ++e) {
+          const int r = e / 5, c = e % 5;
+          Complex exact = 0;
+          if (std::max(r, c) < C.conductors())
+            exact = loopSum(w, C, static_cast<std::size_t>(r), static_cast<std::size_t>(c));
+          const double limit = e > 0 ? 7e-4 : solid ? 0.0202 : 0.052;
+          EXPECT_LE(std::abs(A(31 + r, 31 + c) - exact), limit * std::abs(exact)) << layers << w;
         }
       }
     }
@@ -105,31 +99,26 @@ TEST(CoaxLayers, SeriesBlockIsThatOfBesselFunctions) {
   Cable& C = setCable(1); // the DC resistance of strands
   C.CBSTRND = true;
   C.CBSTRAD = 0.002;
-  C.CBNOUT = 24;
   C.CBNTOT = 61;
   CBLAYZ(1e-4, 7, 0, A);
   EXPECT_NEAR(-A(1, 1).imag() * 1e-4 * L0, 1.7e-8 / (PI * 0.002 * 0.002 * 61), 1e-12);
 }
 
-// The insulators as admittances between neighbours and to the surface: the inverse of the block.
+// Charge on conductor c alone: each insulator from there on carries it whole, those further in
+// none.
 TEST(CoaxLayers, PotentialBlockInvertsTheInsulators) {
   static CableMatrix P;
   for (int layers = 1; layers <= 8; ++layers) {
     const Cable& C = setCable(layers);
-    const int n = layers / 2;
     P = {};
     CBLAYP(7, 20, P, 3.0);
-    EXPECT_EQ(filled(P), n * n);
-    for (int c = 21; c <= 20 + n; ++c) {
-      Complex before = 0; // charge that comes from further in
-      for (int k = 1; k <= n; ++k) {
-        const auto i = static_cast<std::size_t>(k - 1);
-        const Complex Y = C.CBEPS[i] * Complex(1, -C.CBTAND[i] / 3.0) /
-                          std::log(C.CBRAD[2 * i + 2] / C.CBRAD[2 * i + 1]);
-        const Complex outwards = Y * (P(20 + k, c) - (k < n ? P(21 + k, c) : 0.0));
-        EXPECT_LT(std::abs(outwards - before - (20 + k == c ? 1.0 : 0.0)), 1e-13) << layers;
-        before = outwards;
-      }
+    for (int e = 0; e < 16; ++e) {
+      const auto k = static_cast<std::size_t>(e / 4), c = static_cast<std::size_t>(e % 4);
+      const Complex V = P(21 + e / 4, 21 + e % 4) - P(22 + e / 4, 21 + e % 4);
+      const Complex eps = C.CBEPS[k] * Complex(1, -C.CBTAND[k] / 3.0);
+      const Complex Q = eps * V / std::log(C.CBRAD[2 * k + 2] / C.CBRAD[2 * k + 1]);
+      const bool carries = k >= c && static_cast<int>(k) < layers / 2;
+      EXPECT_LT(std::abs(Q - (carries ? 1.0 : 0.0)), 1e-13) << layers;
     }
   }
 }
