@@ -75,6 +75,18 @@ TEST(PipeBlocks, PotentialOfImages) {
   EXPECT_LT(std::abs(blockOf(PIPECP, 200.0)(5, 2) / outer - 1.0), 1e-15);
 }
 
+// A wall without resistance lets no field in: what is left of its 49 terms is the image.
+TEST(PipeBlocks, PerfectWallMakesImages) {
+  setPipe(1.0);
+  RUNDATA.cable.pipe.PIPERHO = 1e-40;
+  const CableMatrix& Z = blockOf(PIPEZ, 1e6);
+  const Complex c = U[1] * U[2];
+  double image = std::log(std::abs(1.0 - c) / std::abs(U[1] - U[2]));
+  for (int n = 50; n < 400; ++n) image += std::real(std::pow(c, n)) / n;
+  EXPECT_LT(std::abs(Z(7, 4) - 1.3 * image), 1e-12);
+  EXPECT_LT(std::abs(Z(4, 4) - 1.3 * std::log(0.19 / 0.2)), 1e-12);
+}
+
 // The surfaces of the wall: coth^2 - 1 / sinh^2 = 1, and the DC resistance at low frequency.
 TEST(PipeBlocks, WallAsATube) {
   setPipe(20.0);
