@@ -1,0 +1,49 @@
+// A made-up fitted model in the enforcement store: two delay groups, real poles and conjugate
+// pairs, residues that are no symmetric matrices, numbers of one size.
+#pragma once
+
+#include "base/matrix.h"
+#include "passivity/enforcement_store.h"
+#include "store/fitmodel.h"
+#include "support/overhead_lines.h"
+
+namespace lcp::test {
+
+// n conductors; so many poles in each of the two groups, the first third of them real.
+inline void setMadeUpModel(int n, int first, int second) {
+  LineNumbers x(static_cast<std::uint64_t>(n + first));
+  FitModel& M = FITMODEL;
+  M.NC = n;
+  M.NPY = 2;
+  M.YPOLE[1] = -300;
+  M.YPOLE[2] = -2e4;
+  M.NGROUP = 2;
+  M.NH[1] = first;
+  M.NH[2] = second;
+  for (int g = 1; g <= 2; ++g) {
+    M.TAU[g] = 3e-4 + 1e-5 * g;
+    for (int m = 1; m <= M.NH[g]; ++m) {
+      const bool real = 3 * m <= M.NH[g] || (M.NH[g] - M.NH[g] / 3) % 2 != 0;
+      const bool again = !real && (m - M.NH[g] / 3) % 2 == 0;
+      const double size = -std::pow(10.0, x.between(1.5, 4.5));
+      M.HPOLE[g][m] = again ? std::conj(M.HPOLE[g][m - 1]) : Complex(size, real ? 0 : 2 * size);
+      for (int c = 1; c <= n; ++c) {
+        for (int r = 1; r <= n; ++r) {
+          const double share = std::fabs(size) * (r == c ? 0.3 : 0.06) / first;
+          const double re = share * x.between(0.5, 1.5), im = real ? 0 : share * x.between(-1, 1);
+          M.HRES[g](r, c)[m] = again ? std::conj(M.HRES[g](r, c)[m - 1]) : Complex(re, im);
+        }
+      }
+    }
+  }
+  for (int c = 1; c <= n; ++c) {
+    for (int r = 1; r <= n; ++r) {
+      M.YD(r, c) = single(r == c ? 2.5e-3 + 1e-4 * r : -3e-4);
+      for (int m = 1; m <= 2; ++m) M.YRES(r, c)[m] = (r == c ? -0.1 : 0.01) * m;
+    }
+  }
+  PASSSETY();
+  PASSSETH();
+}
+
+} // namespace lcp::test
