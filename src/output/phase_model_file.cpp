@@ -1,7 +1,7 @@
 #include "output/phase_model_file.h"
 
 #include "fit/fit_driver.h"
-#include "modal/line_constants.h"
+#include "fit/passivity_check.h"
 #include "output/fit_parameters.h"
 #include "output/model_file.h"
 #include "store/rundata.h"
@@ -24,7 +24,7 @@ void writePhaseModel(TextFile& file) {
   writeFlagLines(file);
   FITDRIVE();
   FITPARMS(file);
-  if (RUNDATA.passivity.PFLOSET) unavailable("Passivity Check");
+  if (RUNDATA.passivity.PFLOSET && !RUNDATA.passivity.PITERSET) PASSCHK();
 }
 
 } // namespace lcp
