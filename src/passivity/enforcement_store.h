@@ -7,6 +7,7 @@
 #pragma once
 
 #include "base/big_store.h"
+#include "fit/passivity_grid.h"
 #include "passivity/dense_algebra.h"
 #include "store/capacities.h"
 #include "store/fitmodel.h"
@@ -14,7 +15,6 @@
 namespace lcp {
 
 constexpr int MAXORDER = 500;    // poles of H over all delay groups
-constexpr int MAXGRID = 5020;    // frequencies of the grid
 constexpr int MAXVIOLATED = 100; // violation points of a scan, and constraint frequencies
 constexpr int MAXFREE = 100;     // free eigenvalues
 constexpr int MAXVARIABLES = 2 * MAXFREE;
@@ -66,9 +66,8 @@ struct EnforcementStore {
   int NS;         // fit frequencies
   FreqCurve FFIT; // Hz
 
-  int NEGRID;
-  Table<double, MAXGRID> EGRID; // Hz
-  Table<double, MAXGRID> V;     // violation at each of them, S
+  FrequencyList EGRID;
+  Table<double, MAXPASSGRID> V; // violation at each of its frequencies, S
 
   int NCFREQ;
   Table<double, MAXVIOLATED> CFREQ; // constraint frequencies, falling, Hz

@@ -5,13 +5,19 @@
 #include "base/matrix.h"
 #include "passivity/enforcement_store.h"
 #include "store/fitmodel.h"
-#include "support/overhead_lines.h"
+
+#include <cmath>
+#include <random>
 
 namespace lcp::test {
 
-// n conductors; so many poles in each of the two groups, the first third of them real.
-inline void setMadeUpModel(int n, int first, int second) {
-  LineNumbers x(static_cast<std::uint64_t>(n + first));
+// n conductors; so many poles in each of the two groups, the first third of them real. With a
+// larger share of the own elements the model is not passive.
+inline void setMadeUpModel(int n, int first, int second, double own = 0.3) {
+  std::mt19937 random(static_cast<unsigned>(n + first));
+  const auto between = [&](double lo, double hi) {
+    return lo + (hi - lo) * (static_cast<double>(random()) / 0x1p32);
+  };
   FitModel& M = FITMODEL;
   M.NC = n;
   M.NPY = 2;
@@ -25,12 +31,12 @@ inline void setMadeUpModel(int n, int first, int second) {
     for (int m = 1; m <= M.NH[g]; ++m) {
       const bool real = 3 * m <= M.NH[g] || (M.NH[g] - M.NH[g] / 3) % 2 != 0;
       const bool again = !real && (m - M.NH[g] / 3) % 2 == 0;
-      const double size = -std::pow(10.0, x.between(1.5, 4.5));
+      const double size = -std::pow(10.0, between(1.5, 4.5));
       M.HPOLE[g][m] = again ? std::conj(M.HPOLE[g][m - 1]) : Complex(size, real ? 0 : 2 * size);
       for (int c = 1; c <= n; ++c) {
         for (int r = 1; r <= n; ++r) {
-          const double share = std::fabs(size) * (r == c ? 0.3 : 0.06) / first;
-          const double re = share * x.between(0.5, 1.5), im = real ? 0 : share * x.between(-1, 1);
+          const double share = std::fabs(size) * (r == c ? own : own / 5) / first;
+          const double re = share * between(0.5, 1.5), im = real ? 0 : share * between(-1, 1);
           M.HRES[g](r, c)[m] = again ? std::conj(M.HRES[g](r, c)[m - 1]) : Complex(re, im);
         }
       }

@@ -5,6 +5,7 @@
 #include "passivity/residue_sensitivity.h"
 #include "support/child.h"
 #include "support/console_capture.h"
+#include "support/dense_functions.h"
 
 #include <algorithm>
 #include <cmath>
