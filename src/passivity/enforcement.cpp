@@ -153,10 +153,8 @@ bool passiveAtStart(int n, double PEIGTOL) {
   PASSLIST();
   if (ENFORCE.VPOINT.count == 0) {
     blanks();
-    if (n == 1)
-      console::line(" There are no passivity violations  ");
-    else
-      printSuccess();
+    if (n > 1) printSuccess();
+    if (n == 1) console::line(" There are no passivity violations  ");
     return true;
   }
   if (n == 1) {

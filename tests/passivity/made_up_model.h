@@ -31,14 +31,13 @@ inline void setMadeUpModel(int n, int first, int second, double own = 0.3) {
     for (int m = 1; m <= M.NH[g]; ++m) {
       const bool real = 3 * m <= M.NH[g] || (M.NH[g] - M.NH[g] / 3) % 2 != 0;
       const bool again = !real && (m - M.NH[g] / 3) % 2 == 0;
-      const double size = -std::pow(10.0, between(1.5, 4.5));
-      M.HPOLE[g][m] = again ? std::conj(M.HPOLE[g][m - 1]) : Complex(size, real ? 0 : 2 * size);
-      for (int c = 1; c <= n; ++c) {
-        for (int r = 1; r <= n; ++r) {
-          const double share = std::fabs(size) * (r == c ? own : own / 5) / first;
-          const double re = share * between(0.5, 1.5), im = real ? 0 : share * between(-1, 1);
-          M.HRES[g](r, c)[m] = again ? std::conj(M.HRES[g](r, c)[m - 1]) : Complex(re, im);
-        }
+      const double size = std::pow(10.0, between(1.5, 4.5));
+      M.HPOLE[g][m] = again ? std::conj(M.HPOLE[g][m - 1]) : Complex(-size, real ? 0 : 2 * size);
+      for (int i = 0; i < n * n; ++i) {
+        PoleTable& R = M.HRES[g](i % n + 1, i / n + 1);
+        const double share = size * (i % n == i / n ? own : own / 5) / first;
+        const Complex z(share * between(0.5, 1.5), real ? 0 : share * between(-1, 1));
+        R[m] = again ? std::conj(R[m - 1]) : z;
       }
     }
   }
