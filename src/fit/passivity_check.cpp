@@ -187,10 +187,11 @@ void PASSCHK() {
   for (int i = 1; i <= FGRID.NGRID; ++i) followBand(band, FGRID.f[i], smallestAt(FGRID.f[i]));
   if (band.open) closeBand(band, FGRID.f[FGRID.NGRID]);
   console::line(BLANKLINE);
-  if (band.seen)
+  if (band.seen) {
     console::line(" Passivity violations detected. See help for further details");
-  else
+  } else {
     console::line(" No passivity violations detected.");
+  }
   console::line(BLANKLINE);
 }
 

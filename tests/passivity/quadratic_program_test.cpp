@@ -47,25 +47,17 @@ double excess(const Problem& P, const Reals& x) {
   return worst;
 }
 
-// The least point by sweeps over the multipliers; does not settle when there is none.
+// For a diagonal G: the least point by sweeps over the multipliers; does not settle without one.
 Reals leastPoint(const Problem& P) {
-  Dense G;
-  for (const Reals& row : P.G) G.emplace_back(row.begin(), row.end());
-  Reals x(P.g.size()), U(P.b.size());
-  const auto step = [&, W = inverse(G)](Reals& y, double t, const Reals& a) { // y + t G^-1 a
-    for (std::size_t i = 0; i < y.size(); ++i) {
-      for (std::size_t k = 0; k < y.size(); ++k)
-        y[i] += t * static_cast<double>(W[i][k].real()) * a[k];
-    }
-  };
-  step(x, -1, P.g);
+  Reals x(P.g), U(P.b.size());
+  for (std::size_t l = 0; l < x.size(); ++l) x[l] /= -P.G[l][l];
   for (std::size_t k = 0; k < 2000 * U.size(); ++k) {
     const std::size_t i = k % U.size();
-    Reals v(x.size());
-    step(v, 1, P.A[i]);
+    Reals v(P.A[i]);
+    for (std::size_t l = 0; l < x.size(); ++l) v[l] /= P.G[l][l];
     const double t = std::max(-U[i], (dot(P.A[i], x) - P.b[i]) / dot(P.A[i], v));
     U[i] += t;
-    step(x, -t, P.A[i]);
+    for (std::size_t l = 0; l < x.size(); ++l) x[l] -= t * v[l];
   }
   return x;
 }
@@ -82,6 +74,7 @@ TEST(QuadraticProgram, SolutionsByHand) {
   };
   const Case cases[] = {
       {{{{4, 1}, {1, 3}}, {1, 2}, {}, {}}, 0, {-1 / 11., -7 / 11.}},
+      {{{{4, 1}, {1, 3}}, {0, 0}, {{1, 1}}, {-1}}, 0, {-0.4, -0.6}},
       {{unit, {0, 0}, {{1, 1}}, {0}}, 0, {0, 0}},
       {{unit, {0, 0}, {{1, 1}, {1, 1}, {2, 2}}, {-2, -2, -4}}, 0, {-1, -1}},
       {{unit, {0, 0}, {{1, 0}, {0, 1}, {1, 1}}, {-1, -1, -2}}, 0, {-1, -1}}, // three in a corner
@@ -114,14 +107,9 @@ TEST(QuadraticProgram, RandomProgramsMeetTheirConstraints) {
   int solved = 0, least = 0;
   for (std::size_t k = 0; k < 300; ++k) {
     const std::size_t N = k % 4 + 1, M = k % 7;
-    Problem P{{}, random(N), {}, random(M)};
+    Problem P{std::vector<Reals>(N, Reals(N)), random(N), {}, random(M)};
     for (std::size_t i = 0; i < M; ++i) P.A.push_back(random(N));
-    const Reals row = random(N);
-    for (std::size_t i = 0; i < N; ++i) {
-      P.G.emplace_back(row); // a rank of one and a diagonal
-      for (double& v : P.G[i]) v *= row[i];
-      P.G[i][i] += numbers.between(0.1, 1);
-    }
+    for (std::size_t i = 0; i < N; ++i) P.G[i][i] = numbers.between(0.1, 2);
     const Reals best = leastPoint(P);
     Reals x;
     if (solve(P, x) == 1) {
