@@ -85,15 +85,23 @@ TEST(QuadraticProgram, SolutionsByHand) {
       {{unit, {0, 0}, {{0, 0}}, {-1}}, 1, {0, 0}},
       // The quotients of all pairs make a step too short: feasible, but the least is (-2, 1/2).
       {{{{2, 0}, {0, 1}}, {0, 0}, {{0, -2}, {1, 0}, {3, 1}}, {-1, -2, -4}}, 0, {-2, 0.75}},
+      // A constraint is dropped and comes in again.
+      {{{{1, 0, 0}, {0, 1, 0}, {0, 0, 3}},
+        {0, 0, 0},
+        {{0, 1, -2}, {-1, 3, -2}, {-1, 0, 3}, {3, -1, 2}},
+        {-3, -3, 2, -3}},
+       0,
+       {-2, -3, 0}},
       {{{{NaN}}, {0}, {{1}}, {-1}}, 1, {0}},
       {{{{1}}, {0}, {{1}}, {NaN}}, 1, {0}},
       {{{{1}}, {std::numeric_limits<double>::infinity()}, {{1}}, {-1}}, 1, {0}},
   };
   for (const auto& [problem, INFO, expected] : cases) {
     Reals x;
-    EXPECT_EQ(solve(problem, x), INFO) << dot(problem.b, problem.b);
+    SCOPED_TRACE(dot(problem.b, problem.b));
+    EXPECT_EQ(solve(problem, x), INFO);
     for (std::size_t i = 0; INFO == 0 && i < x.size(); ++i)
-      EXPECT_NEAR(x[i], expected[i], 1e-14 * std::fabs(expected[i])) << dot(problem.b, problem.b);
+      EXPECT_NEAR(x[i], expected[i], 1e-14 * std::sqrt(dot(expected, expected)));
   }
 }
 
