@@ -6,7 +6,6 @@
 #include "fit/dc_values.h"
 #include "fit/fit_console.h"
 #include "fit/propagation_fit.h"
-#include "modal/line_constants.h"
 #include "store/fitmodel.h"
 #include "store/rundata.h"
 
@@ -75,7 +74,9 @@ void FITDRIVE() {
   FITMODEL.NC = RUNDATA.line.NC;
   fitAdmittance();
   fitPropagation();
-  if (RUNDATA.passivity.PITERSET) unavailable("Passivity Enforcement");
+}
+
+void closeFit() {
   fitRule('=');
   for (int g = 1; g <= FITMODEL.NGROUP; ++g) checkDelay(FITMODEL.TAU[g]);
 }

@@ -5,7 +5,11 @@
 namespace lcp {
 
 // Fits Yc and H of the solve store into FITMODEL, with the options of the run store, and prints the
-// fit tables. A negative delay ends the run with a message, exit status 1.
+// fit tables.
 void FITDRIVE();
+
+// Closes the tables and checks the delays: a negative one ends the run with a message, exit status
+// 1.
+void closeFit();
 
 } // namespace lcp

@@ -1,9 +1,10 @@
 #include "output/phase_model_file.h"
 
 #include "fit/fit_driver.h"
-#include "modal/line_constants.h"
+#include "fit/passivity_check.h"
 #include "output/fit_parameters.h"
 #include "output/model_file.h"
+#include "passivity/enforcement.h"
 #include "store/rundata.h"
 
 namespace lcp {
@@ -19,12 +20,15 @@ void writeFirstLine(TextFile& file) {
 } // namespace
 
 void writePhaseModel(TextFile& file) {
+  const PassivityOptions& P = RUNDATA.passivity;
   writeModelHead(file);
   writeFirstLine(file);
   writeFlagLines(file);
   FITDRIVE();
+  if (P.PITERSET) enforcePassivity();
+  closeFit();
   FITPARMS(file);
-  if (RUNDATA.passivity.PFLOSET) unavailable("Passivity Check");
+  if (P.PFLOSET && !P.PITERSET) PASSCHK();
 }
 
 } // namespace lcp

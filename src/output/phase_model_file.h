@@ -5,7 +5,8 @@
 
 namespace lcp {
 
-// Writes the head, runs the phase-domain fit, and writes its parameters.
+// Writes the head, runs the phase-domain fit and its passivity enforcement, writes the parameters,
+// and checks the passivity of a model that was not enforced, as far as these were asked for.
 void writePhaseModel(TextFile& file);
 
 } // namespace lcp

@@ -39,6 +39,9 @@ constexpr int LSRHS = LDMAT * LDMAT;  // its right-hand sides, one an element of
 constexpr int MAXCOLUMNS = NGMAX * MAXPOLES; // columns of a problem over all delay groups
 constexpr int LSWORK = 6120;                 // work numbers of a LAPACK call in a fit
 
+// Passivity
+constexpr int MAXPASSGRID = 5020; // frequencies of a passivity check
+
 // Writing
 constexpr int ROWELEMENTS = 25;    // elements of a matrix row on one line of a file
 constexpr int BERGERONVALUES = 40; // values of a mode on one line of a Bergeron file

@@ -1,0 +1,198 @@
+// A line is a two-port of equal ends, so its nodal admittance splits into the admittances that
+// equal and opposite voltages at the two ends see. With s = j w
+//
+//   Yc = YD + sum over m of YRES[m] / (s - YPOLE[m])
+//   H  = sum over g of exp(-s TAU[g]) sum over m of HRES[g][m] / (s - HPOLE[g][m])
+//
+//   E = (I - H)^-1 (I + H) Yc        voltages of opposite signs
+//   O = (I + H)^-1 (I - H) Yc        equal voltages
+//
+// and the eigenvalues of the real parts of E and O together are those of the real part of the nodal
+// admittance. The model takes power from the network at w as long as none of them is negative.
+#include "fit/passivity_check.h"
+
+#include "base/console.h"
+#include "base/constants.h"
+#include "base/number_forms.h"
+#include "base/stop.h"
+#include "fit/fit_console.h"
+#include "fit/passivity_grid.h"
+#include "kernels/eigen_package.h"
+#include "kernels/inversion.h"
+#include "kernels/matrix_kernels.h"
+#include "store/fitmodel.h"
+#include "store/rundata.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <string>
+
+namespace lcp {
+
+namespace {
+
+constexpr int TABLERULE = 65;
+const std::string BLANKLINE(12, ' ');
+
+// A stretch of grid frequencies at which the model is not passive.
+struct Band {
+  bool open = false;
+  bool seen = false; // one has been open
+  double from = 0;   // its first frequency, Hz
+  double worst = 0;  // its smallest eigenvalue, S
+};
+
+// The matrices of one frequency.
+struct PointStore {
+  LineMatrix Yc, H, sum, difference; // the last two I + H and I - H
+  LineMatrix sumInverse, differenceInverse, work, admittance;
+};
+
+PointStore& POINT = bigStore<PointStore>();
+
+std::string frequency(double f) { return scientificField(f, 10, 3); }
+
+void printHeading(const PassivityOptions& O) {
+  console::line(BLANKLINE);
+  console::line(BLANKLINE);
+  console::print(" Checking for Passivity Violations Between {} Hz and {} Hz", frequency(O.PFLO),
+                 frequency(O.PFHI));
+  console::line(BLANKLINE);
+  console::line(BLANKLINE);
+  fitRule('=');
+  console::line(" The presence of negative eigenvalues indicates passivity violations");
+  console::line(" and hence possibility of unstable simulations");
+  console::line(" " + std::string(TABLERULE, '-'));
+  console::line(" Frequency range                              smallest eigenvalue");
+  console::line(" " + std::string(TABLERULE, '-'));
+  console::line(BLANKLINE);
+}
+
+// The factors 1 / (s - p) of n poles.
+void poleFactors(PoleTable& factors, const PoleTable& poles, int n, Complex s) {
+  for (int m = 1; m <= n; ++m) factors[m] = 1.0 / (s - poles[m]);
+}
+
+Complex weightedSum(const PoleTable& residues, const PoleTable& factors, int n) {
+  Complex sum = 0.0;
+  for (int m = 1; m <= n; ++m) sum += residues[m] * factors[m];
+  return sum;
+}
+
+void formAdmittance(Complex s) {
+  const FitModel& M = FITMODEL;
+  PoleTable factors;
+  poleFactors(factors, M.YPOLE, M.NPY, s);
+  for (int c = 1; c <= M.NC; ++c) {
+    for (int r = 1; r <= M.NC; ++r)
+      POINT.Yc(r, c) = M.YD(r, c) + weightedSum(M.YRES(r, c), factors, M.NPY);
+  }
+}
+
+void formPropagation(Complex s) {
+  const FitModel& M = FITMODEL;
+  PoleTable factors;
+  for (int c = 1; c <= M.NC; ++c) std::fill_n(POINT.H.view().column(c), M.NC, 0.0);
+  for (int g = 1; g <= M.NGROUP; ++g) {
+    const Complex delay = std::exp(-s * M.TAU[g]);
+    poleFactors(factors, M.HPOLE[g], M.NH[g], s);
+    for (int c = 1; c <= M.NC; ++c) {
+      for (int r = 1; r <= M.NC; ++r)
+        POINT.H(r, c) += delay * weightedSum(M.HRES[g](r, c), factors, M.NH[g]);
+    }
+  }
+}
+
+void formSums() {
+  const int n = FITMODEL.NC;
+  for (int c = 1; c <= n; ++c) {
+    for (int r = 1; r <= n; ++r) {
+      const double unit = r == c ? 1.0 : 0.0;
+      POINT.sum(r, c) = unit + POINT.H(r, c);
+      POINT.difference(r, c) = unit - POINT.H(r, c);
+    }
+  }
+  INVCJD(POINT.sumInverse, POINT.sum, n);
+  INVCJD(POINT.differenceInverse, POINT.difference, n);
+}
+
+// Drops the imaginary parts. False when an element is no finite number.
+bool keepRealPart(CView A, int n) {
+  double sum = 0; // one infinity or one NaN shows in it
+  for (int c = 1; c <= n; ++c) {
+    for (int r = 1; r <= n; ++r) {
+      A(r, c) = A(r, c).real();
+      sum += std::fabs(A(r, c).real());
+    }
+  }
+  return std::isfinite(sum);
+}
+
+[[noreturn]] void refuseModel(double f) {
+  console::openStars();
+  console::print("The Fitted Model has no Finite Nodal Admittance at {} Hz", f);
+  console::closeStars();
+  console::line("QUENT Ending!");
+  stop(1);
+}
+
+// The smallest real part of the eigenvalues of Re(D^-1 S Yc).
+double smallestEigenvalue(CConstView inverseD, CConstView S, double f) {
+  static LineMatrix vectors, leftVectors;
+  const int n = FITMODEL.NC;
+  ModeComplex L; // zero: a pair that is not found counts as the shift, which is not negative
+  CMATMUL(POINT.work, inverseD, S, n);
+  CMATMUL(POINT.admittance, POINT.work, POINT.Yc, n);
+  if (!keepRealPart(POINT.admittance, n)) refuseModel(f);
+  VALVC(L, leftVectors, vectors, POINT.admittance, n);
+  double smallest = std::numeric_limits<double>::infinity();
+  for (int k = 1; k <= n; ++k) smallest = std::min(smallest, L[k].real());
+  return smallest;
+}
+
+double smallestAt(double f) {
+  const Complex s(0.0, TWOPI * f);
+  formAdmittance(s);
+  formPropagation(s);
+  formSums();
+  return std::min(smallestEigenvalue(POINT.differenceInverse, POINT.sum, f),
+                  smallestEigenvalue(POINT.sumInverse, POINT.difference, f));
+}
+
+void closeBand(Band& band, double f) {
+  console::print(" From {} Hz to {} Hz {:8}{}", frequency(band.from), frequency(f), "",
+                 scientificField(band.worst, 10, 3));
+  band.open = false;
+}
+
+void followBand(Band& band, double f, double e) {
+  if (e < 0 && !band.open) {
+    band = {true, true, f, e};
+  } else if (e < 0) {
+    band.worst = std::min(band.worst, e);
+  } else if (band.open) {
+    closeBand(band, f);
+  }
+}
+
+} // namespace
+
+void PASSCHK() {
+  static FrequencyList FGRID;
+  const PassivityOptions& O = RUNDATA.passivity;
+  PASSGRID(O.PFLO, O.PFHI, O.NPFINC, O.PFDIST, FGRID);
+  printHeading(O);
+  Band band;
+  for (int i = 1; i <= FGRID.NGRID; ++i) followBand(band, FGRID.f[i], smallestAt(FGRID.f[i]));
+  if (band.open) closeBand(band, FGRID.f[FGRID.NGRID]);
+  console::line(BLANKLINE);
+  if (band.seen) {
+    console::line(" Passivity violations detected. See help for further details");
+  } else {
+    console::line(" No passivity violations detected.");
+  }
+  console::line(BLANKLINE);
+}
+
+} // namespace lcp

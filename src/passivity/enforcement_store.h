@@ -1,0 +1,111 @@
+// Working store of the passivity enforcement: a copy of the fitted model with the poles of H in one
+// row, the grid that is scanned, and what is linearised around the present residues.
+//
+//   H(s) = sum over m of FRES[m] exp(-s FTAU[m]) / (s - FPOLE[m])
+//
+// Filled at the start of an enforcement, one mapping for the whole run.
+#pragma once
+
+#include "base/big_store.h"
+#include "fit/passivity_grid.h"
+#include "passivity/dense_algebra.h"
+#include "store/capacities.h"
+#include "store/fitmodel.h"
+
+namespace lcp {
+
+constexpr int MAXORDER = 500;    // poles of H over all delay groups
+constexpr int MAXVIOLATED = 100; // violation points of a scan, and constraint frequencies
+constexpr int MAXFREE = 100;     // free eigenvalues
+constexpr int MAXVARIABLES = 2 * MAXFREE;
+constexpr int SENSROWS = 2 * LDMAT * LDMAT; // real and imaginary parts of the elements of H
+constexpr int MAXCONSTRAINTS = MAXVIOLATED * LDNODAL; // rows of the quadratic program
+
+// The constants of the method are single precision numbers.
+constexpr double single(double x) { return static_cast<double>(static_cast<float>(x)); }
+constexpr double SINGLETWOPI = 6.2831854820251465; // 2 pi of all frequencies here
+constexpr double SMALLSINGLE = single(1e-15);      // imaginary parts above it make complex values;
+                                                   // what is added to the normal matrix
+
+using ResidueList = Table<LineMatrix, MAXORDER>; // one matrix a pole, rad/s
+
+enum class Residues { BASE, CHANGED }; // of H: FRES or FPERT
+
+// An eigenvalue of a residue matrix that the quadratic program may change: its real part, and its
+// imaginary part if it is complex.
+struct FreeEigenvalue {
+  int pole;
+  int eigenvalue; // in the order of the sorted eigenvalues of the pole's residue matrix
+  bool complex;
+};
+
+// Peaks of the violation over the grid.
+struct ViolationPoints {
+  int count;
+  Table<double, MAXVIOLATED> value;     // sum of the negative eigenvalues, S
+  Table<double, MAXVIOLATED> frequency; // Hz
+};
+
+struct EnforcementStore {
+  int NC; // ports of one end: conductors
+
+  int ENY;                         // poles of Yc
+  PoleTable EPY;                   // rad/s
+  Table<LineMatrix, MAXPOLES> ERY; // their residues, S rad/s
+  RealMatrix EDY;                  // constant term, S
+
+  int TOTORD;                     // poles of H, delay groups one behind the other
+  Table<Complex, MAXORDER> FPOLE; // rad/s
+  Table<double, MAXORDER> FTAU;   // delay of the pole's group, s
+  ResidueList FRES;               // present residues, around which H is linearised
+  ResidueList FPERT;              // ... with the latest solution applied
+  ResidueList FORIG;              // as they were fitted
+  GroupInts FNG;                  // poles of a group
+  int FNGROUP;
+
+  int NS;         // fit frequencies
+  FreqCurve FFIT; // Hz
+
+  FrequencyList EGRID;
+  Table<double, MAXPASSGRID> V; // violation at each of its frequencies, S
+
+  int NCFREQ;
+  Table<double, MAXVIOLATED> CFREQ; // constraint frequencies, falling, Hz
+  ViolationPoints VPOINT;           // of the latest scan
+
+  // Of one main iteration: FRES[m] = FVEC[m] diag(FEIG[m]) FVECINV[m]
+  Table<ModeComplex, MAXORDER> FEIG;
+  ResidueList FVEC;
+  ResidueList FVECINV;
+
+  Table<ModeInts, MAXORDER> EIGFLAG; // 1 where an eigenvalue is complex, as fitted
+  int NFREE;
+  Table<FreeEigenvalue, MAXFREE> FREE;
+  int NVAR; // variables of the quadratic program: real numbers in FREE
+
+  double SENS[static_cast<std::size_t>(SENSROWS) * MAXVARIABLES];
+  SquareStore<double, MAXVARIABLES> G; // normal matrix of the change of H over the fit frequencies
+
+  int NCON; // constraints: CMATRIX x <= CBOUND
+  double CMATRIX[static_cast<std::size_t>(MAXCONSTRAINTS) * MAXVARIABLES];
+  Table<double, MAXCONSTRAINTS> CBOUND;
+  Table<double, MAXVARIABLES> X; // solution
+};
+
+// Mapped before anything of a file that includes this is initialised.
+inline EnforcementStore& ENFORCE = bigStore<EnforcementStore>();
+
+// Copies Yc and H of FITMODEL into the store, and the residues of H back into FITMODEL. A model
+// with more than MAXORDER poles of H is counted in TOTORD and not copied.
+void PASSSETY();
+void PASSSETH();
+void PASSBACK();
+
+// The residue matrices of all poles.
+void copyResidues(ResidueList& to, const ResidueList& from);
+
+inline const ResidueList& residuesOf(Residues which) {
+  return which == Residues::BASE ? ENFORCE.FRES : ENFORCE.FPERT;
+}
+
+} // namespace lcp

@@ -1,0 +1,127 @@
+#include "passivity/violation_scan.h"
+
+#include "base/console.h"
+#include "base/number_forms.h"
+#include "passivity/nodal_admittance.h"
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <numeric>
+
+namespace lcp {
+
+namespace {
+
+constexpr double PZERO = single(1e-20); // sums and differences of violations up to this are zero
+constexpr double CSPACE = single(0.1);  // least relative distance of constraint frequencies
+constexpr double NOCURVE = 1e-20;       // an H up to this has no relative change
+constexpr double PERCENT = 100.0;
+
+// Z = (Y + Y^H) / 2 in the place of Y.
+void hermitianPart(CView Y, int n) {
+  for (int j = 1; j <= n; ++j) {
+    for (int i = 1; i <= j; ++i) {
+      Y(i, j) = (Y(i, j) + std::conj(Y(j, i))) / 2.0;
+      Y(j, i) = std::conj(Y(i, j));
+    }
+  }
+}
+
+double violationAt(double f, double PEIGTOL, Residues which) {
+  static NodalMatrix Y;
+  static NodalComplex lambda;
+  const int n = ENFORCE.NC;
+  PASSYN(f, Y, which);
+  hermitianPart(Y, 2 * n);
+  sortedEigenvalues(Y, lambda, 2 * n);
+  double sum = 0;
+  for (int i = 1; i <= n; ++i) {
+    if (lambda[i].real() < PEIGTOL) sum += std::fabs(lambda[i].real());
+  }
+  return sum;
+}
+
+void addPoint(int k) {
+  ViolationPoints& P = ENFORCE.VPOINT;
+  if (P.count == MAXVIOLATED) return;
+  ++P.count;
+  P.value[P.count] = ENFORCE.V[k];
+  P.frequency[P.count] = ENFORCE.EGRID.f[k];
+}
+
+} // namespace
+
+void PASSVIOL(double PEIGTOL, Residues which) {
+  EnforcementStore& E = ENFORCE;
+  for (int k = 1; k <= E.EGRID.NGRID; ++k) E.V[k] = violationAt(E.EGRID.f[k], PEIGTOL, which);
+  findPeaks();
+}
+
+void findPeaks() {
+  EnforcementStore& E = ENFORCE;
+  const double* first = E.V.data();
+  const double* last = first + E.EGRID.NGRID;
+  E.VPOINT.count = 0;
+  if (std::accumulate(first, last, 0.0) <= PZERO) return;
+  for (int k = 2; k < E.EGRID.NGRID; ++k) {
+    if (E.V[k] - E.V[k - 1] > PZERO && E.V[k + 1] - E.V[k] < -PZERO) addPoint(k);
+  }
+  if (E.VPOINT.count == 0) addPoint(1 + static_cast<int>(std::max_element(first, last) - first));
+}
+
+void SORTDOWN(double* x, int n) { std::sort(x, x + n, std::greater<>()); }
+
+void PASSLIST() {
+  EnforcementStore& E = ENFORCE;
+  if (E.VPOINT.count == 0) return;
+  Table<double, MAXVIOLATED> work = E.CFREQ;
+  int n = E.NCFREQ;
+  for (int i = 1; i <= E.VPOINT.count && n < MAXVIOLATED; ++i) work[++n] = E.VPOINT.frequency[i];
+  SORTDOWN(work.data(), n);
+  E.NCFREQ = 0;
+  for (int i = 1; i <= n; ++i) {
+    const double f = work[i];
+    if (E.NCFREQ == 0 || std::fabs(E.CFREQ[E.NCFREQ] - f) > CSPACE * std::fabs(f))
+      E.CFREQ[++E.NCFREQ] = f;
+  }
+}
+
+void PASSTAB() {
+  const ViolationPoints& P = ENFORCE.VPOINT;
+  console::line("    Frequency [Hz]         Negative eigenvalue minimas");
+  console::line("    ..............           ............ ");
+  for (int i = 1; i <= P.count; ++i) {
+    console::print("       {}       {}", pointedField(P.frequency[i], 14, 7),
+                   pointedField(-P.value[i], 14, 7));
+  }
+}
+
+namespace {
+
+// The larger of the two; what is not a number stays.
+double larger(double top, double x) { return x <= top || std::isnan(top) ? top : x; }
+
+} // namespace
+
+double PASSERR() {
+  static LineMatrix H, fitted;
+  const EnforcementStore& E = ENFORCE;
+  double change = 0, scale = 0;
+  for (int k = 1; k <= E.NS; ++k) {
+    const Complex s(0, SINGLETWOPI * E.FFIT[k]);
+    propagationAt(E.FRES, s, H);
+    propagationAt(E.FORIG, s, fitted);
+    for (int c = 1; c <= E.NC; ++c) {
+      for (int r = 1; r <= E.NC; ++r) {
+        change = larger(change, std::abs(H(r, c) - fitted(r, c)));
+        scale = larger(scale, std::abs(fitted(r, c)));
+      }
+    }
+  }
+  const double ERR = PERCENT * (scale > NOCURVE ? change / scale : change);
+  console::print("  Maximum abs. error  {} %", ERR);
+  return ERR;
+}
+
+} // namespace lcp

@@ -1,0 +1,176 @@
+// The passivity check against a closed form and, for lines from end to end, against the eigenvalues
+// of the nodal admittance of the model file.
+#include "fit/passivity_check.h"
+
+#include "base/number_forms.h"
+#include "fit/lapack.h"
+#include "fit/passivity_grid.h"
+#include "support/console_capture.h"
+#include "support/description.h"
+#include "support/phase_file.h"
+#include "support/propagation_case.h"
+#include "support/scratch.h"
+#include "support/solve.h"
+#include "support/whole_run.h"
+
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+
+using namespace lcp;
+using namespace lcp::test;
+
+namespace {
+
+using Options = PassivityOptions; // lowest frequency, asked for, highest, count, distribution
+using Bands = std::vector<std::string>;
+
+std::string three(double v) { return scientificField(v, 10, 3); }
+
+std::string band(double from, double to, double worst) {
+  return lines({" From " + three(from) + " Hz to " + three(to) + " Hz         " + three(worst)});
+}
+
+std::string report(const Options& O, const Bands& bands) {
+  const std::string blank(12, ' '), hyphens = " " + std::string(65, '-');
+  std::string text =
+      lines({blank, blank,
+             fmt::format(" Checking for Passivity Violations Between {} Hz and {} Hz",
+                         three(O.PFLO), three(O.PFHI)),
+             blank, blank, " " + std::string(68, '='),
+             " The presence of negative eigenvalues indicates passivity violations",
+             " and hence possibility of unstable simulations", hyphens,
+             " Frequency range                              smallest eigenvalue", hyphens, blank});
+  for (const std::string& b : bands) text += b;
+  const char* found = " Passivity violations detected. See help for further details";
+  return text + lines({blank, bands.empty() ? " No passivity violations detected." : found, blank});
+}
+
+// The smallest eigenvalue of the real part of the nodal admittance, of order 2 n.
+double smallest(const PhaseFile& file, double f) {
+  static SquareStore<double, NPMAX> G;
+  static Table<double, NPMAX> re, im;
+  const Wide s(0, 2 * std::acos(-1.0L) * static_cast<long double>(f));
+  const Dense H = file.H(s), H2 = product(H, H), unit = identity(H.size());
+  const Dense P = inverse(sum(unit, H2, -1));
+  const Dense own = product(P, product(sum(unit, H2), file.Yc(s)));
+  const Dense mutual = product(P, product(times(-2, H), file.Yc(s)));
+  const std::size_t n = H.size();
+  for (std::size_t k = 0; k < 4 * n * n; ++k) {
+    const std::size_t i = k / (2 * n), j = k % (2 * n);
+    const Dense& part = (i < n) == (j < n) ? own : mutual;
+    G.elements[j * NPMAX + i] = static_cast<double>(part[i % n][j % n].real());
+  }
+  DGEEV(G, 2 * file.n, re, im);
+  return *std::min_element(re.data(), re.data() + 2 * file.n);
+}
+
+Bands bandsOf(const PhaseFile& file, const FrequencyList& grid) {
+  Bands bands;
+  for (int i = 1; i <= grid.NGRID; ++i) {
+    const int first = i;
+    double worst = 0, e = -1;
+    for (; i <= grid.NGRID && (e = smallest(file, grid.f[i])) < 0; ++i) worst = std::min(worst, e);
+    if (worst < 0) bands.push_back(band(grid.f[first], grid.f[std::min(i, grid.NGRID)], worst));
+  }
+  return bands;
+}
+
+const FrequencyList& layGrid(const Options& O) {
+  static FrequencyList grid;
+  PASSGRID(O.PFLO, O.PFHI, O.NPFINC, O.PFDIST, grid);
+  return grid;
+}
+
+} // namespace
+
+TEST(PassivityGrid, Distributions) {
+  struct Case {
+    Options options;
+    std::vector<double> grid;
+  };
+  const Case cases[] = {
+      {{0.1, true, 1000, 5, 1}, {0.1, 1, 10, 100, 1000}},
+      {{-5, true, 10, 4, 2}, {-5, 0, 5, 10}},
+      {{1, true, 10, 5, 3}, {1, 2.8, 4.6, 6.4, 8.2}}, // a decade
+      {{1, true, 100, 4, 3}, {1, 5.5, 10, 55}},
+      {{2, true, 11, 3, 3}, {2, 6.5}},             // half a decade of 4 points
+      {{1, true, 40, 6, 3}, {1, 4, 7, 10}},        // the last part is too short for a point
+      {{1, true, 70, 6, 3}, {1, 4, 7, 10, 40}},    // ... holds two
+      {{1, true, 2000, 2, 3}, {1, 10, 100, 1000}}, // less than a point a decade
+      {{1, true, 100, 5, 0}, {}},
+      {{-1, true, -5, -5, 4}, {}},
+  };
+  for (const Case& c : cases) {
+    const FrequencyList& GRID = layGrid(c.options);
+    ASSERT_EQ(GRID.NGRID, static_cast<int>(c.grid.size())) << &c - cases;
+    for (int i = 1; i <= GRID.NGRID; ++i)
+      EXPECT_NEAR(GRID.f[i], c.grid[static_cast<std::size_t>(i - 1)], 1e-10) << &c - cases;
+  }
+}
+
+TEST(PassivityGrid, RefusesWhatGivesNoGrid) {
+  const double NaN = std::nan("");
+  const std::vector<Options> cases = {
+      {0, true, 1e6, 100, 1},     {0, true, 1e6, 100, 3},  {10, true, 1, 100, 1},
+      {10, true, 1, 100, 2},      {1, true, 1, 100, 3},    {NaN, true, 1, 100, 2},
+      {1, true, 10, 1, 1},        {1, true, 10, -4, 2},    {1, true, 10, -1, 3},
+      {1, true, 10, 5021, 1},     {1, true, 1e9, 5022, 3}, {1, true, 1 + 1e-15, 2000000000, 3},
+      {-1e308, true, 1e308, 9, 2}};
+  for (const Options& O : cases) {
+    const ChildResult child = runChild([&] { layGrid(O); });
+    EXPECT_EQ(child.status, 1) << &O - cases.data();
+    EXPECT_TRUE(child.console.ends_with(lines({std::string(43, '*'), "QUENT Ending!"})));
+  }
+  EXPECT_EQ(layGrid({1, true, 10, 5020, 1}).NGRID, 5020);
+  EXPECT_EQ(layGrid({1, true, 1e9, 5021, 3}).NGRID, 9 * 557);
+}
+
+TEST(PassivityCheck, BandsOfAClosedForm) {
+  // Yc = 1 mS, H = 5 / (4 + j f): the smallest eigenvalue is (f^2 - 9) / (f^2 + 1) mS below 3 Hz.
+  setGroups(1, {{0.0, {-8 * std::acos(-1.0)}}});
+  FITMODEL.HRES[1](1, 1)[1] = 10 * std::acos(-1.0);
+  FITMODEL.NPY = 0;
+  FITMODEL.YD(1, 1) = 1e-3;
+  const std::pair<Options, Bands> cases[] = {
+      {{0.5, true, 4.5, 5, 2}, {band(0.5, 3.5, -7e-3)}},
+      {{2, true, 3.5, 2, 2}, {band(2, 3.5, -1e-3)}}, // a single point
+      {{-4, true, 2, 4, 2}, {band(-2, 2, -9e-3)}},   // open at the end, the worst inside
+      {{1, true, 2, 50, 5}, {}},
+  };
+  for (const auto& [options, bands] : cases) {
+    RUNDATA.passivity = options;
+    EXPECT_EQ(consoleOf(PASSCHK), report(options, bands));
+  }
+  FITMODEL.YD(1, 1) = std::nan("");
+  RUNDATA.passivity = cases[0].first;
+  EXPECT_EQ(runChild(PASSCHK).status, 1);
+}
+
+TEST(PassivityCheck, LinesFromEndToEnd) {
+  struct Case {
+    std::string (*line)(const std::string& model);
+    Options options;
+    std::size_t bands;
+  };
+  const auto single = [](const std::string& model) { return singleCircuit(model); };
+  const Case cases[] = {{single, {0.1, true, 1e6, 300, 1}, 2},
+                        {single, {20, true, 60, 30, 2}, 1},
+                        {single, {1e4, true, 1e6, 50, 1}, 0},
+                        {doubleCircuit, {1, true, 2e4, 300, 3}, 2}};
+  for (const auto& [line, O, bands] : cases) {
+    const Scratch scratch;
+    scratch.file("a.cvi",
+                 description(line(phaseModel(fmt::format(
+                     "Weighting Factor 1: 1\nWeighting Factor 2: 1\nWeighting Factor 3: 1\n"
+                     "Lower frequency for passivity check: {}\n"
+                     "Upper frequency for passivity check: {}\n"
+                     "Frequency increments for passivity check: {}\n"
+                     "Frequency distribution for passivity check: {}\n",
+                     O.PFLO, O.PFHI, O.NPFINC, O.PFDIST)))));
+    ProgramRun run = runProgram({"/file", "a.cvi", "/length", "1e5"}, scratch.path());
+    const Bands expected = bandsOf(readPhaseFile(run.files["a.cvo"]), layGrid(O));
+    EXPECT_EQ(expected.size(), bands);
+    EXPECT_NE(run.console.find(report(O, expected)), std::string::npos) << run.console;
+    EXPECT_EQ(run.status, 0);
+  }
+}
