@@ -3,6 +3,7 @@
 #include "base/console.h"
 #include "base/stop.h"
 #include "base/text_file.h"
+#include "fit/passivity_grid.h"
 #include "modal/first_loop.h"
 #include "modal/frequency_grid.h"
 #include "modal/line_constants.h"
@@ -27,6 +28,14 @@ void checkConductors() {
   console::closeStars();
   console::line("QUENT Ending!");
   stop(1);
+}
+
+// A grid that cannot be laid is refused before anything is computed.
+void checkPassivityGrid() {
+  static FrequencyList grid;
+  const PassivityOptions& P = RUNDATA.passivity;
+  if (!RUNDATA.model.MODFDP || !(P.PFLOSET || P.PITERSET)) return;
+  PASSGRID(P.PFLO, P.PFHI, P.NPFINC, P.PFDIST, grid);
 }
 
 void writeModel(TextFile& file) {
@@ -66,6 +75,7 @@ bool runReport() {
 
 void QUENT() {
   checkConductors();
+  checkPassivityGrid();
   if (RUNDATA.run.DATAFMT == ROUTEMULTIPLE) unavailable("Multiple Y and Z Data");
   SOLVEDATA.first.IDEALT = isIdeallyTransposed();
   layGrid();

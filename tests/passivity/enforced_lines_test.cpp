@@ -83,11 +83,12 @@ struct Model {
 
 Model run(const std::string& body, double length) {
   const Scratch scratch;
-  scratch.file("a.cvi", description(body));
-  ProgramRun r =
-      runProgram({"/file", "a.cvi", "/length", fmt::format("{}", length)}, scratch.path());
+  const bool cable = body.find("Coax Cable") != std::string::npos;
+  const std::string name = cable ? "a.cbi" : "a.cvi", model = cable ? "a.cbo" : "a.cvo";
+  scratch.file(name, description(body));
+  ProgramRun r = runProgram({"/file", name, "/length", fmt::format("{}", length)}, scratch.path());
   EXPECT_EQ(r.status, 0) << r.console;
-  return {r.console, r.files["a.cvo"], readPhaseFile(r.files["a.cvo"])};
+  return {r.console, r.files[model], readPhaseFile(r.files[model])};
 }
 
 std::string single(const std::string& m) { return singleCircuit(m, "ShuntConductance: 1e-11\n"); }
@@ -95,6 +96,29 @@ std::string single(const std::string& m) { return singleCircuit(m, "ShuntConduct
 std::string onRock(const std::string& m) {
   return single(fmt::format("Line Constants Ground Data\n{{\nGroundResistivity: 10000\n}}\n{}", m));
 }
+
+// Three single-core cables laid flat, with more lines for each.
+std::string cables(const std::string& more, const std::string& m) {
+  std::string text = summary(3);
+  for (int c = 1; c <= 3; ++c) {
+    text += fmt::format(
+        "Coax Cable\n{{\nCable Number: {}\nP1: {} 1.3\nLayers: 3\nConductor Outer Radius: 0.0195\n"
+        "Conductor Resistivity: 1.7e-8\nConductor Permeability: 1\nInsulator 1 Outer Radius: "
+        "0.0378\n"
+        "Insulator 1 Relative Permittivity: 2.9\nInsulator 1 Relative Permeability: 1\n"
+        "Sheath Outer Radius: 0.038\nSheath Resistivity: 2.8e-8\nSheath Permeability: 1\n"
+        "Insulator 2 Outer Radius: 0.0425\nInsulator 2 Relative Permittivity: 2.3\n"
+        "Insulator 2 Relative Permeability: 1\nCable Group: 1\n{}}}\n",
+        c, 0.3 * c, more);
+  }
+  return text +
+         "Line Constants Ground Data\n{\nGroundResistivity: 100\nEarthUImpedanceFormula: 2\n}\n" +
+         m;
+}
+
+std::string crossbonded(const std::string& m) { return cables("Conductor 2 Crossbonded: 1\n", m); }
+
+std::string grounded(const std::string& m) { return cables("Ground Last Layer: 1\n", m); }
 
 bool has(const Model& m, const char* words) { return m.console.find(words) != std::string::npos; }
 
@@ -113,7 +137,9 @@ TEST(EnforcedLines, ArePassiveBetweenThePointsOfTheGrid) {
                         {"single circuit, short", single, 1e3, 2, 2e-3, 0},
                         {"double circuit", doubleCircuit, 1e4, 2, 1.5e-5, 0},
                         {"double circuit, long, few poles", doubleCircuit, 4e5, 5, 5e-6, 0},
-                        {"poor soil", onRock, 1.8e4, 1, 1e-6, 0}};
+                        {"poor soil", onRock, 1.8e4, 1, 1e-6, 0},
+                        {"crossbonded cables", crossbonded, 1.5e4, 0.2, 1e-6, 5e-8},
+                        {"cables with grounded sheaths", grounded, 5e3, 1, 1e-7, 2e-8}};
   for (const Case& c : cases) {
     const Model fitted = run(c.body(fitOf(c.fitError)), c.length);
     const Model mended = run(c.body(fitOf(c.fitError, keys({}))), c.length);
