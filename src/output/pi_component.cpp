@@ -33,7 +33,6 @@ constexpr double LEASTR = 1e-20;       // ohm; up to it there is no parallel res
 constexpr int PITCH = 72;              // of the nodes in the drawing
 constexpr int LEASTHEIGHT = 3 * PITCH; // of the symbol
 constexpr int FOURCOLUMNS = -999;      // the lowest ordinate that they hold
-constexpr std::string_view EXTENSION = ".cmp ";
 
 RealMatrix PIC;  // capacitance, microfarad/m
 RealMatrix PIR1; // parallel resistance of a metre, ohm; 0 for none
@@ -82,23 +81,26 @@ void checkFinite(double length) {
   stop(1);
 }
 
-// The name of the line, empty when it leaves no room for a blank in its field.
+// Whether there is a blank behind the name of the line, which tells where it ends.
+bool nameEnds() { return RUNDATA.line.LNAMELEN <= LINENAMELEN; }
+
 std::string_view componentName() {
   const LineSummary& L = RUNDATA.line;
-  if (L.LNAMELEN < 1 || L.LNAMELEN > LINENAMELEN) return {};
+  if (!nameEnds() || L.LNAMELEN < 1) return {};
   return L.LNAME.whole().substr(0, static_cast<std::size_t>(L.LNAMELEN - 1));
 }
 
+// In the field of the line's name, which may cut the extension; behind the field when the name
+// fills it.
+std::string fileName() {
+  if (!nameEnds()) return fmt::format("{}.cmp", RUNDATA.line.LNAME.whole());
+  TextField<LINENAMELEN> field;
+  field = fmt::format("{}.cmp", componentName());
+  return std::string(field.text());
+}
+
 void openComponent(TextFile& file) {
-  const LineSummary& L = RUNDATA.line;
-  TextField<LINENAMELEN> field = L.LNAME;
-  std::string name;
-  if (L.LNAMELEN >= 1 && L.LNAMELEN <= LINENAMELEN) {
-    field.overwrite(L.LNAMELEN, EXTENSION);
-    name = field.whole();
-  } else {
-    name = fmt::format("{}{}", field.whole(), EXTENSION);
-  }
+  const std::string name = fileName();
   if (file.open(name)) return;
   console::openStars();
   console::print("Cannot Open Output File: {}", name);
