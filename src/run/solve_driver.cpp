@@ -4,15 +4,18 @@
 #include "base/stop.h"
 #include "base/text_file.h"
 #include "fit/passivity_grid.h"
+#include "fit/series_fit.h"
 #include "modal/first_loop.h"
 #include "modal/frequency_grid.h"
 #include "modal/line_constants.h"
 #include "modal/second_loop.h"
 #include "output/manual_output.h"
+#include "output/mfdtd_model_file.h"
 #include "output/mode_model_file.h"
 #include "output/model_file.h"
 #include "output/output_file.h"
 #include "output/phase_model_file.h"
+#include "output/pi_component.h"
 #include "output/report.h"
 #include "store/rundata.h"
 #include "store/solvedata.h"
@@ -44,13 +47,14 @@ void writeModel(TextFile& file) {
   if (M.MODBERG) writeBergeronModel(file);
   if (M.MODFDM) writeModeModel(file);
   if (M.MODFDP) writePhaseModel(file);
-  if (M.MODMFDTD) unavailable("MFDTD Model");
+  if (M.MODMFDTD) writeMfdtdModel(file);
 }
 
 // False when the model file cannot be opened, or replaced by the user's own.
 bool runModel() {
   const ModelChoice& M = RUNDATA.model;
   TextFile file;
+  if (M.MODMFDTD) fitSeriesImpedance(); // before there is a file
   if (!openOutput(file, RUNDATA.run.FOUTM)) return false;
   writeModel(file);
   file.close();
@@ -58,8 +62,14 @@ bool runModel() {
   return !replaced || copyManualOutput();
 }
 
+// Y and Z that are not computed stay those of the last step.
 void runComponent() {
-  if (RUNDATA.display.CREATEPI) unavailable("Coupled Pi Component");
+  const FirstLoopStore& S = SOLVEDATA.first;
+  const RunControl& R = RUNDATA.run;
+  if (!RUNDATA.display.CREATEPI) return;
+  const bool computed = R.DATAFMT != ROUTEMULTIPLE && R.ISCABLE != FOURWIRECABLE;
+  if (computed) constantsAt(RUNDATA.line.SSFREQ);
+  PISECT(S.YMAT, S.ZMAT, R.LINELEN);
 }
 
 bool runReport() {

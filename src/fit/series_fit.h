@@ -1,0 +1,38 @@
+// Rational fit of the series impedance of the phases, per metre:
+//
+//   Z(i,j)(s) = ZFD(i,j) + s ZFE(i,j) + sum over m of ZFR(i,j)[m] / (s - ZFP[m])
+//
+// All elements share their poles. Complex poles come in conjugate pairs side by side, with
+// conjugate residues at the same places; no pole has a positive real part.
+#pragma once
+
+#include "base/big_store.h"
+#include "store/fitmodel.h"
+#include "store/solvedata.h"
+
+namespace lcp {
+
+struct SeriesModel {
+  int NPZ;           // poles
+  PoleTable ZFP;     // rad/s
+  ResidueMatrix ZFR; // ohm rad/(s m)
+  RealMatrix ZFD;    // constant term, ohm/m
+  RealMatrix ZFE;    // term proportional to s, H/m
+
+  CurveMatrix<Complex, LDMAT, MAXFREQ> ZFIT; // the model at the fitted grid points, ohm/m
+};
+
+// Mapped before anything of a file that includes this is initialised.
+inline SeriesModel& SERIESMODEL = bigStore<SeriesModel>();
+
+// Fits ZSTORE over the fitted grid points with a growing number of poles, from 1 to NMAX (at most
+// NPMAX), until the largest deviation of all elements over the largest magnitude of all is TARGET
+// or less; returns that error. Fills SERIESMODEL and prints the result; when the target is not met,
+// a warning, and the run ends with exit status 2. A grid with a frequency that is not above 0, and
+// a model that is no numbers, end the run with a message, exit status 1.
+double SERIESFIT(int NMAX, double TARGET);
+
+// The fit with the limits of the model section, and its headings on the console.
+void fitSeriesImpedance();
+
+} // namespace lcp

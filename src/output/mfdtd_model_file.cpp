@@ -1,0 +1,87 @@
+#include "output/mfdtd_model_file.h"
+
+#include "base/console.h"
+#include "base/stop.h"
+#include "fit/series_fit.h"
+#include "output/model_file.h"
+#include "store/rundata.h"
+#include "store/solvedata.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace lcp {
+
+namespace {
+
+constexpr int SHUNTSTEP = 10; // frequency step of G and C; a table of fewer gives its last one
+
+RealMatrix G, C;
+
+void formShunt() {
+  const int n = RUNDATA.line.NC;
+  const int k = std::min(SHUNTSTEP, SOLVEDATA.grid.NFUSE);
+  double sum = 0.0; // one infinity or one NaN shows in it
+  for (int j = 1; j <= n; ++j) {
+    for (int i = 1; i <= n; ++i) {
+      const Complex y = SOLVEDATA.at.YSTORE(k, i, j);
+      G(i, j) = y.real();
+      C(i, j) = y.imag() / SOLVEDATA.grid.WFREQ[k];
+      sum += std::fabs(G(i, j)) + std::fabs(C(i, j));
+    }
+  }
+  if (std::isfinite(sum)) return;
+  console::openStars();
+  console::print("The Capacitance at Frequency Step {} is not a Finite Number!", k);
+  console::closeStars();
+  console::line("QUENT Ending!");
+  stop(1);
+}
+
+void writeFirstLine(TextFile& file) {
+  Record record("MFDTD");
+  record.column(7).integer(RUNDATA.line.NC, 2).column(10).integer(SERIESMODEL.NPZ, 2);
+  file.line(record.column(30).text("1").column(41).text("1 /"));
+}
+
+void putReal(TextFile& file, double value) { file.line(Record().scientific(value, 20, 14)); }
+
+void putComplex(TextFile& file, Complex value) {
+  Record record("(");
+  record.scientific(value.real(), 20, 14).text(",").scientific(value.imag(), 20, 14);
+  file.line(record.text(")"));
+}
+
+void putUpper(TextFile& file, const RealMatrix& A) {
+  const int n = RUNDATA.line.NC;
+  for (int i = 1; i <= n; ++i) {
+    for (int j = i; j <= n; ++j) putReal(file, A(i, j));
+  }
+}
+
+void writePole(TextFile& file, int m) {
+  const int n = RUNDATA.line.NC;
+  putComplex(file, SERIESMODEL.ZFP[m]);
+  for (int i = 1; i <= n; ++i) {
+    for (int j = i; j <= n; ++j) putComplex(file, SERIESMODEL.ZFR(i, j)[m]);
+  }
+}
+
+} // namespace
+
+void writeMfdtdModel(TextFile& file) {
+  formShunt();
+  writeModelHead(file);
+  writeFirstLine(file);
+  writeFlagLines(file);
+  putReal(file, RUNDATA.fit.VMAX);
+  putReal(file, RUNDATA.run.LINELEN);
+  putUpper(file, SERIESMODEL.ZFD);
+  putUpper(file, SERIESMODEL.ZFE);
+  putUpper(file, G);
+  putUpper(file, C);
+  file.line(Record().integer(SERIESMODEL.NPZ, 2));
+  for (int m = 1; m <= SERIESMODEL.NPZ; ++m) writePole(file, m);
+}
+
+} // namespace lcp

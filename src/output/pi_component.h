@@ -1,0 +1,16 @@
+// The coupled pi component: a circuit of the line for the simulator's library.
+#pragma once
+
+#include "base/matrix.h"
+
+namespace lcp {
+
+// Writes the component file of the line, LNAME.cmp in the working directory: a drawing symbol with
+// the line's length as its parameter, and the branches of a coupled pi circuit whose values, per
+// metre, are scaled by it. Half of the shunt admittance Y (S/m) stands at each end; Z (ohm/m) is
+// the matrix of the series branches. Both are NC by NC at SSFREQ; the length is in metres. Values
+// that are no numbers, and a file that cannot be opened or written, end the run with a message,
+// exit status 1.
+void PISECT(CConstView Y, CConstView Z, double length);
+
+} // namespace lcp

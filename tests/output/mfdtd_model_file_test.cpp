@@ -1,0 +1,95 @@
+// MFDTD model files read back, and their functions compared with the line.
+#include "fit/series_fit.h"
+#include "output/mfdtd_model_file.h"
+#include "store/rundata.h"
+#include "support/description.h"
+#include "support/phase_file.h"
+#include "support/scratch.h"
+#include "support/solve.h"
+#include "support/whole_run.h"
+
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+#include <sstream>
+
+using namespace lcp;
+using namespace lcp::test;
+
+TEST(MfdtdModelFile, TheFileIsTheLineToThePrintedError) {
+  const std::string keys =
+      "MFDTD Model Options\n{\nWeighting Factor 1: 1\nWeighting Factor 2: 1\n"
+      "Weighting Factor 3: 1\nVoltage Maximum: 550\nInfinite Line Length: 1\n"
+      "Interpolate Travel Times: 0\nMaximum Fitting Error (%) for Series Impedance: ";
+  for (const auto& [body, target] : {std::pair{singleCircuit(keys + "2\n}\n"), 2.0},
+                                     {doubleCircuit(keys + "0.01\n}\n"), 0.01}}) {
+    const Scratch scratch;
+    scratch.file("a.cvi", description(body));
+    ProgramRun run = runProgram({"/file", "a.cvi", "/length", "25000"}, scratch.path());
+    EXPECT_EQ(run.status, 0) << run.console;
+    solveFirstLoop(body, 25000);
+
+    // Behind the flag lines numbers alone: v holds them in their order.
+    const int n = RUNDATA.line.NC;
+    const std::size_t t = static_cast<std::size_t>(n * (n + 1)) / 2;
+    std::string text = run.files["a.cvo"];
+    const std::size_t start = text.find("MFDTD"), flags = text.find("NOINT\nINFLENGTH\n");
+    for (char& c : text) c = c == '(' || c == ',' || c == ')' ? ' ' : c;
+    std::istringstream in(text.substr(flags + 16));
+    const std::vector<double> v(std::istream_iterator<double>(in), {});
+    const auto N = static_cast<std::size_t>(v.at(2 + 4 * t));
+    ASSERT_EQ(v.size(), 3 + 4 * t + 2 * N * (1 + t));
+    EXPECT_EQ(text.substr(start, flags - start),
+              fmt::format("MFDTD {:2} {:2}{:18}1          1 /\n", n, N, ""));
+    EXPECT_EQ(v[0], 550);
+    EXPECT_EQ(v[1], 25000);
+
+    // The pole m, counted from 0, and behind it its residues.
+    const auto complexAt = [&](std::size_t m, std::size_t q) {
+      const std::size_t at = 3 + 4 * t + 2 * m * (1 + t) + 2 * q;
+      return Wide(v[at], v[at + 1]);
+    };
+    std::vector<Wide> poles;
+    for (std::size_t m = 0; m < N; ++m) poles.push_back(complexAt(m, 0));
+    EXPECT_EQ(badPoles(poles), 0);
+    long double e = 0, z = 0;
+    std::size_t at = 2; // of the constant of the element
+    for (int i = 1; i <= n; ++i) {
+      for (int j = i; j <= n; ++j, ++at) {
+        const Complex y = SOLVEDATA.at.YSTORE(10, i, j);
+        EXPECT_NEAR(v[at + 2 * t], y.real(), 1e-24);
+        EXPECT_NEAR(v[at + 3 * t], y.imag() / SOLVEDATA.grid.WFREQ[10], 1e-24);
+        for (int k = 1; k < SOLVEDATA.grid.NFREQ; ++k) {
+          const Wide s(0, SOLVEDATA.grid.WFREQ[k]), Z = SOLVEDATA.at.ZSTORE(k, i, j);
+          Wide model = Wide(v[at]) + s * Wide(v[at + t]);
+          for (std::size_t m = 0; m < N; ++m) model += complexAt(m, at - 1) / (s - poles[m]);
+          e = std::max(e, std::abs(model - Z));
+          z = std::max(z, std::abs(Z));
+        }
+      }
+    }
+    const double printed = std::stod(run.console.substr(run.console.find(" Actual: ") + 9));
+    EXPECT_NEAR(static_cast<double>(100 * e / z), printed, 6e-5);
+    EXPECT_LE(printed, target);
+    EXPECT_EQ(N == 1, target == 2.0);
+  }
+}
+
+// A table may have fewer steps than the one of G and C, and the count of poles three digits.
+TEST(MfdtdModelFile, ShortTablesAndManyPoles) {
+  const Scratch scratch;
+  RUNDATA.resetInput();
+  RUNDATA.line.NC = 1;
+  SERIESMODEL.NPZ = 100;
+  SOLVEDATA.grid.NFUSE = 4;
+  SOLVEDATA.grid.WFREQ[4] = 8;
+  SOLVEDATA.at.YSTORE(4, 1, 1) = {2, -4};
+  TextFile file;
+  ASSERT_TRUE(file.open(scratch.file("a.cvo")));
+  writeMfdtdModel(file);
+  file.close();
+  const std::string text = contentOf(scratch.file("a.cvo"));
+  EXPECT_NE(text.find("\nMFDTD  1 **  "), std::string::npos);
+  EXPECT_NE(text.find("\n0.20000000000000E+01\n-.50000000000000E+00\n**\n("), std::string::npos);
+  SOLVEDATA.grid.WFREQ[4] = 0;
+  EXPECT_EQ(runChild([&] { writeMfdtdModel(file); }).status, 1);
+}

@@ -1,0 +1,123 @@
+// Component files against texts composed by hand, and read back as a circuit.
+#include "output/pi_component.h"
+
+#include "base/constants.h"
+#include "modal/line_constants.h"
+#include "store/rundata.h"
+#include "store/solvedata.h"
+#include "support/dense_functions.h"
+#include "support/description.h"
+#include "support/scratch.h"
+#include "support/solve.h"
+
+#include <gtest/gtest.h>
+#include <map>
+#include <sstream>
+
+using namespace lcp;
+using namespace lcp::test;
+
+namespace {
+
+LineMatrix Y, Z;
+
+// The component of Y and Z, which is to be in that file, or what the run says instead.
+std::string component(int n, const std::string& name, int nameLength, const std::string& file) {
+  const Scratch scratch;
+  RUNDATA.line.LNAME = name;
+  RUNDATA.line.LNAMELEN = nameLength;
+  RUNDATA.line.NC = n;
+  const ChildResult child = runChild([&] {
+    std::filesystem::current_path(scratch.path());
+    PISECT(Y, Z, 12345.67);
+  });
+  return child.status == 0 ? contentOf(scratch.path() / file) : child.console;
+}
+
+bool has(const std::string& text, const std::string& line) {
+  return text.find("\n" + line + "\n") != std::string::npos;
+}
+
+// Per metre, of the circuit in the text: shunt admittance of the ends S and R, series impedance.
+std::map<char, Dense> readCircuit(const std::string& text, std::size_t n, double w) {
+  const Dense zero(n, std::vector<Wide>(n));
+  std::map<char, Dense> c{{'S', zero}, {'R', zero}, {'Z', zero}};
+  std::map<std::string, double> value;
+  std::istringstream in(text);
+  for (std::string line; std::getline(in, line);) {
+    std::istringstream stream(line);
+    const std::vector<std::string> word(std::istream_iterator<std::string>(stream), {});
+    if (line.starts_with("REAL")) value["$" + word[1]] = std::stod(word[3]);
+    if (line[0] != '$' || line.back() == '"') continue;
+    const std::size_t i = std::stoul(word[0].substr(2)) - 1;
+    const bool series = line.back() == '/';
+    for (std::size_t j = 0; series && j <= i; ++j) {
+      const Wide z(value.at(word[2 + 2 * j]), w * value.at(word[3 + 2 * j]));
+      c['Z'][i][j] = c['Z'][j][i] = z;
+    }
+    if (series) continue;
+    const Wide y = word[2] == "0" ? Wide(0, 1e-6 * w * value.at(word[4])) : 1 / value.at(word[2]);
+    Dense& end = c[line[1]];
+    end[i][i] += y;
+    if (word[1] == "$G") continue;
+    const std::size_t j = std::stoul(word[1].substr(2)) - 1;
+    end[j][j] += y;
+    end[i][j] = end[j][i] -= y;
+  }
+  return c;
+}
+
+} // namespace
+
+// At 50 Hz; conductances of half the line are 1e-5, the limit, in (2,2), and above it elsewhere.
+TEST(PiComponent, ToTheCharacter) {
+  const std::filesystem::path data = std::filesystem::path(CORVO_TEST_DATA) / "output";
+  const double w = TWOPI * 50;
+  RUNDATA.resetInput();
+  RUNDATA.line.SSFREQ = 50;
+  Y(1, 1) = {6e-5, w * 20e-12};
+  Y(1, 2) = Y(2, 1) = {4e-5, -w * 4e-12};
+  Y(2, 2) = {-2e-5, w * 24e-12};
+  const Complex z[2][2] = {{{1e-4, 1.5e-6}, {5e-5, 7e-7}}, {{-6e-5, 8e-7}, {2e-4, 1.6e-6}}};
+  for (int i = 1; i <= 2; ++i) {
+    for (int j = 1; j <= 2; ++j) Z(i, j) = {z[i - 1][j - 1].real(), w * z[i - 1][j - 1].imag()};
+  }
+  EXPECT_EQ(component(2, "Two", 4, "Two.cmp"), contentOf(data / "pi_two.cmp"));
+  Y(1, 1).real(0);
+  const std::string full(30, 'n'); // no blank: a name for the file alone
+  EXPECT_EQ(component(1, full, 31, full + ".cmp"), contentOf(data / "pi_one.cmp"));
+  EXPECT_TRUE(has(component(2, "a/b", 4, ""), "Cannot Open Output File: a/b.cmp"));
+}
+
+TEST(PiComponent, CablesThatDoNotCoupleAndManyConductors) {
+  RUNDATA.run.ISCABLE = CABLESYSTEM;
+  Y = {};
+  for (int i = 1; i <= LDMAT; ++i) Y(i, i) = Complex(0, 1e-8);
+  const std::string text = component(LDMAT, "c", 2, "c.cmp");
+  RUNDATA.run.ISCABLE = OVERHEADLINE;
+  for (const char* line : {R"(   Electrical("S14",-216,-936))", R"(   Electrical("R15",216,-1008))",
+                           "  Rectangle(-160,72,160,-3528)", "  Line(+160,-1008,+216,-1008)",
+                           "REAL  C_910  = 0.000000000E+00*len", "$S49  $G     0  0  $C_4949"}) {
+    EXPECT_TRUE(has(text, line)) << line;
+  }
+  EXPECT_FALSE(has(text, "$S1  $S2    0  0  $C_12"));
+  EXPECT_TRUE(has(component(2, "c", 2, "c.cmp"), "$S1  $S2    0  0  $C_12"));
+}
+
+TEST(PiComponent, TheCircuitIsThatOfTheLine) {
+  for (const std::string& body : {singleCircuit(""), doubleCircuit(""), manyCircuits(13, "")}) {
+    readHere(description(body + "Output File Display Options\n{\nParallel R Limit: 1e15\n}\n"));
+    SOLVEDATA.first.ISTATUS = true;
+    constantsAt(60);
+    Y = SOLVEDATA.first.YMAT;
+    Z = SOLVEDATA.first.ZMAT;
+    const int n = RUNDATA.line.NC;
+    auto c = readCircuit(component(n, "L", 2, "L.cmp"), static_cast<std::size_t>(n), TWOPI * 60);
+    const double digits =
+        7.1e-9; // both parts of a number may be half a unit of the ninth digit off
+    EXPECT_LT(distance(times(2, c['S']), corner(Y, n)), digits);
+    EXPECT_LT(distance(times(2, c['R']), corner(Y, n)), digits);
+    EXPECT_LT(distance(c['Z'], corner(Z, n)), digits);
+    EXPECT_NEAR(static_cast<double>(c['S'][0][0].real()), 0.5 * Y(1, 1).real(), 1e-20);
+  }
+}
