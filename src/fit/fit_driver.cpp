@@ -76,6 +76,9 @@ void FITDRIVE() {
   fitAdmittance();
   fitPropagation();
   if (RUNDATA.passivity.PITERSET) unavailable("Passivity Enforcement");
+}
+
+void CHECKDELAYS() {
   fitRule('=');
   for (int g = 1; g <= FITMODEL.NGROUP; ++g) checkDelay(FITMODEL.TAU[g]);
 }

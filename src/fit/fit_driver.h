@@ -5,7 +5,11 @@
 namespace lcp {
 
 // Fits Yc and H of the solve store into FITMODEL, with the options of the run store, and prints the
-// fit tables. A negative delay ends the run with a message, exit status 1.
+// fit tables.
 void FITDRIVE();
+
+// Closes the tables. A negative delay of the fit ends the run with a message, exit status 1; one
+// above 1 s is warned of.
+void CHECKDELAYS();
 
 } // namespace lcp

@@ -2,6 +2,7 @@
 
 #include "fit/fit_driver.h"
 #include "modal/line_constants.h"
+#include "output/curve_files.h"
 #include "output/fit_parameters.h"
 #include "output/model_file.h"
 #include "store/rundata.h"
@@ -23,6 +24,8 @@ void writePhaseModel(TextFile& file) {
   writeFirstLine(file);
   writeFlagLines(file);
   FITDRIVE();
+  writePhaseFitCurves();
+  CHECKDELAYS();
   FITPARMS(file);
   if (RUNDATA.passivity.PFLOSET) unavailable("Passivity Check");
 }

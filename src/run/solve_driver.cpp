@@ -7,6 +7,7 @@
 #include "modal/frequency_grid.h"
 #include "modal/line_constants.h"
 #include "modal/second_loop.h"
+#include "output/curve_files.h"
 #include "output/manual_output.h"
 #include "output/mode_model_file.h"
 #include "output/model_file.h"
@@ -42,9 +43,12 @@ void writeModel(TextFile& file) {
 bool runModel() {
   const ModelChoice& M = RUNDATA.model;
   TextFile file;
+  writePhaseLineCurves();
   if (!openOutput(file, RUNDATA.run.FOUTM)) return false;
   writeModel(file);
   file.close();
+  writeModeCurves();
+  writeSeriesLineCurves();
   const bool replaced = RUNDATA.display.MANOUT && (M.MODFDP || M.MODMFDTD);
   return !replaced || copyManualOutput();
 }
@@ -69,11 +73,12 @@ void QUENT() {
   if (RUNDATA.run.DATAFMT == ROUTEMULTIPLE) unavailable("Multiple Y and Z Data");
   SOLVEDATA.first.IDEALT = isIdeallyTransposed();
   layGrid();
-  if (RUNDATA.model.fitted() && RUNDATA.fit.WDETAIL) unavailable("Detailed Output Files");
+  headCurves();
   firstFrequencyLoop();
   alignVectors();
   secondFrequencyLoop();
   if (RUNDATA.model.fitted()) formFitWeights();
+  writeEndCurves();
   if (!runModel()) return;
   runComponent();
   runReport();
