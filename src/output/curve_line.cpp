@@ -112,9 +112,11 @@ void writeEigenvalues(CurveSteps steps) {
   writeModeRow<ANGLE>(LAMDAP, steps);
 }
 
+// That of an ideally transposed line is not followed: it stands with the modes alone.
 void writeTransformation(CurveSteps steps) {
-  writeElements<MAGNITUDE>(TIMP, SOLVEDATA.at.MTI, steps, RowFrequency::GRID);
-  writeElements<ANGLE>(TIPP, SOLVEDATA.at.MTI, steps, RowFrequency::GRID);
+  const ElementCurves& TI = SOLVEDATA.first.IDEALT ? SOLVEDATA.second.TIST : SOLVEDATA.at.MTI;
+  writeElements<MAGNITUDE>(TIMP, TI, steps, RowFrequency::GRID);
+  writeElements<ANGLE>(TIPP, TI, steps, RowFrequency::GRID);
 }
 
 void writeFewConductors(CurveSteps steps) {
