@@ -98,7 +98,7 @@ void putFixed(const char* digits, int whole, bool negative, char* to) {
 }
 
 void putScientific(const char* digits, int exponent, bool negative, char* to) {
-  std::memcpy(to, negative ? " -0." : "  0.", 4);
+  std::copy_n(negative ? " -0." : "  0.", 4, to);
   std::memcpy(to + 4, digits, GENERALDIGITS);
   to[12] = 'E';
   to[13] = exponent < 0 ? '-' : '+';
