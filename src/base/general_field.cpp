@@ -29,29 +29,33 @@ constexpr double POWER[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,
                             1e24, 1e25, 1e26, 1e27, 1e28, 1e29, 1e30, 1e31, 1e32, 1e33, 1e34, 1e35,
                             1e36, 1e37, 1e38, 1e39, 1e40, 1e41, 1e42, 1e43, 1e44};
 
-struct Pairs {
-  char digits[200];
-};
+// Eight characters as one number, the first in the lowest byte: fields are put together in
+// registers, since text read back right behind its pieces waits for them.
+using Eight = std::uint64_t;
 
-constexpr Pairs pairsOfDigits() {
-  Pairs p{};
-  for (int i = 0; i < 100; ++i) {
-    p.digits[2 * i] = static_cast<char>('0' + i / 10);
-    p.digits[2 * i + 1] = static_cast<char>('0' + i % 10);
-  }
-  return p;
-}
+constexpr Eight BLANKS = 0x2020202020202020;
+constexpr Eight ZEROS = 0x3030303030303030;
 
-constexpr Pairs PAIRS = pairsOfDigits();
+// The lowest so many bytes.
+constexpr Eight FIRST[] = {0, // none
+                           0xff,
+                           0xffff,
+                           0xffffff,
+                           0xffffffff,
+                           0xffffffffff,
+                           0xffffffffffff,
+                           0xffffffffffffff,
+                           0xffffffffffffffff};
 
-void putPair(unsigned n, char* to) { std::memcpy(to, PAIRS.digits + 2 * n, 2); }
+void putEight(Eight text, char* to) { std::memcpy(to, &text, sizeof text); }
 
-void putDigits(unsigned n, char* to) {
-  const unsigned high = n / 10000, low = n % 10000;
-  putPair(high / 100, to);
-  putPair(high % 100, to + 2);
-  putPair(low / 100, to + 4);
-  putPair(low % 100, to + 6);
+// The digits of n, below 10^8: split in halves, pairs and digits, all of a level at once.
+Eight digitsOf(unsigned n) {
+  const Eight fours = n / 10000 | static_cast<Eight>(n % 10000) << 32;
+  const Eight hundreds = fours * 10486 >> 20 & 0x7f0000007f; // / 100
+  const Eight pairs = hundreds | (fours - 100 * hundreds) << 16;
+  const Eight tens = pairs * 103 >> 10 & 0xf000f000f000f; // / 10
+  return (tens | (pairs - 10 * tens) << 8) + ZEROS;
 }
 
 // Largest q with 10^q <= 2^b, of the binary exponent b of a number in range: the decimal exponent
@@ -84,25 +88,32 @@ Rounded rounded(double size) {
   return {static_cast<unsigned>(n), q + 1};
 }
 
-// A magnitude from 0.1 to below 10^8: digits with the point behind the first so many of them.
-void putFixed(const char* digits, int whole, bool negative, char* to) {
-  const int spare = whole == 0 ? 1 : 0; // the zero before the point
-  const int start = GENERALWIDTH - 4 - (GENERALDIGITS + 1 + spare);
-  std::memset(to, ' ', GENERALWIDTH);
-  if (negative) to[start - 1] = '-';
-  if (spare == 1) to[start] = '0';
-  char* number = to + start + spare;
-  std::memcpy(number + 1, digits, GENERALDIGITS);
-  std::memmove(number, digits, static_cast<std::size_t>(whole));
-  number[whole] = '.';
+// A magnitude from 0.1 to below 10^8, with so many digits before the point.
+void putFixed(Eight digits, int whole, bool negative, char* to) {
+  const char sign = negative ? '-' : ' ';
+  putEight(BLANKS, to);
+  putEight(BLANKS, to + 8);
+  if (whole == 0) {
+    to[1] = sign;
+    to[2] = '0';
+    to[3] = '.';
+    putEight(digits, to + 4);
+    return;
+  }
+  const Eight point = static_cast<Eight>('.') << 8 * (whole - 1);
+  to[2] = sign;
+  to[3] = static_cast<char>(digits & FIRST[1]);
+  putEight((digits >> 8 & FIRST[whole - 1]) | point | (digits & ~FIRST[whole]), to + 4);
 }
 
-void putScientific(const char* digits, int exponent, bool negative, char* to) {
+void putScientific(Eight digits, int exponent, bool negative, char* to) {
+  const int size = std::abs(exponent);
   std::copy_n(negative ? " -0." : "  0.", 4, to);
-  std::memcpy(to + 4, digits, GENERALDIGITS);
+  putEight(digits, to + 4);
   to[12] = 'E';
   to[13] = exponent < 0 ? '-' : '+';
-  putPair(static_cast<unsigned>(std::abs(exponent)), to + 14);
+  to[14] = static_cast<char>('0' + size / 10);
+  to[15] = static_cast<char>('0' + size % 10);
 }
 
 } // namespace
@@ -120,8 +131,7 @@ void putGeneral(double value, char* to) {
     std::memcpy(to, text.data(), GENERALWIDTH);
     return;
   }
-  char digits[GENERALDIGITS];
-  putDigits(r.digits, digits);
+  const Eight digits = digitsOf(r.digits);
   if (r.whole >= 0 && r.whole <= GENERALDIGITS) {
     putFixed(digits, r.whole, negative, to);
   } else {
