@@ -10,8 +10,6 @@
 
 namespace lcp {
 
-namespace {
-
 bool writeAll(int descriptor, std::string_view text) {
   while (!text.empty()) {
     const ssize_t n = write(descriptor, text.data(), text.size());
@@ -23,8 +21,6 @@ bool writeAll(int descriptor, std::string_view text) {
   }
   return true;
 }
-
-} // namespace
 
 bool TextFile::open(std::string_view fileName) {
   const auto last = fileName.find_last_not_of(' ');

@@ -8,6 +8,9 @@
 
 namespace lcp {
 
+// Writes the whole text to an open file; false when the device does not take all of it.
+bool writeAll(int descriptor, std::string_view text);
+
 class TextFile {
 public:
   // Creates or empties the file. False when it cannot be opened for writing. The name may have

@@ -13,6 +13,7 @@
 #include "base/record.h"
 #include "fit/dc_values.h"
 #include "fit/fit_console.h"
+#include "fit/fitted_curves.h"
 #include "fit/lapack.h"
 #include "fit/partial_fractions.h"
 #include "fit/vector_fit.h"
@@ -32,7 +33,7 @@ constexpr double RCOND = 1e-14;       // of the residue problem
 constexpr double TINY = 1e-20;        // magnitudes up to this are not divided by
 constexpr double SMALLERROR = 0.0005; // per cent; smaller ones are printed in scientific form
 
-ComplexCurve trace, phi, model;
+ComplexCurve trace, phi;
 PoleClasses CINDEX;
 RealMatrix YDC, HDC;
 
@@ -122,6 +123,7 @@ double relativeError(int NS, int N) {
   double err = 0.0, f = 0.0;
   for (int r = 1; r <= n; ++r) {
     for (int c = 1; c <= n; ++c) {
+      ComplexCurve& model = FITTED.YC.curve(r, c);
       partialFractionCurve(FITMODEL.YPOLE, FITMODEL.YRES(r, c), N, FITMODEL.YD(r, c), 0.0, WFREQ,
                            NS, model);
       const auto& Y = SOLVEDATA.second.YCST.curve(r, c);

@@ -15,8 +15,9 @@ struct AdmittanceWish {
 };
 
 // Fits YCST over the fitted grid points with one set of poles, adding poles one at a time from 1 on
-// until the target or the limit is met, and fills YPOLE, YRES, YD and NPY of FITMODEL. Prints its
-// table; when the target is not met, a warning, and the run ends with exit status 2.
+// until the target or the limit is met, and fills YPOLE, YRES, YD and NPY of FITMODEL, YC of
+// FITTED. Prints its table; when the target is not met, a warning, and the run ends with exit
+// status 2.
 void YCFIT(const AdmittanceWish& wish);
 
 } // namespace lcp

@@ -9,6 +9,7 @@
 #include "base/constants.h"
 #include "fit/bode_delay.h"
 #include "fit/delay_search.h"
+#include "fit/fitted_curves.h"
 #include "fit/propagation_tables.h"
 #include "store/rundata.h"
 
@@ -83,6 +84,8 @@ double fitGroup(int g, double s0, Bounds bounds) {
   SEARCHDELAY(search, GROUPS.tried, samples, FITMODEL.NH[g], FITMODEL.HPOLE[g], fit, errors);
   FITMODEL.TAU[g] = search.tau;
   GROUPS.TSTEP[g] = search.stepSum;
+  takeDelayOut(GROUPS.H.curve(g), search.tau, G.WFREQ, G.NFUSE, FITTED.GROUP.curve(g));
+  std::copy_n(fit.FIT.steps, G.NFUSE, FITTED.GROUPFIT.curve(g).steps);
   return errors.ERRMAX;
 }
 
@@ -139,6 +142,8 @@ void FORMGROUPS() {
       if (group[i] == g) addMode(g, ++members, i, D);
     }
     formMean(g, members);
+    std::fill_n(FITTED.GROUPFIT.curve(g).steps, G.NFUSE, Complex());
+    takeDelayOut(GROUPS.H.curve(g), FITMODEL.TAU[g], G.WFREQ, G.NFUSE, FITTED.GROUP.curve(g));
   }
 }
 

@@ -76,7 +76,7 @@ void FITDRIVE() {
   fitPropagation();
 }
 
-void closeFit() {
+void CHECKDELAYS() {
   fitRule('=');
   for (int g = 1; g <= FITMODEL.NGROUP; ++g) checkDelay(FITMODEL.TAU[g]);
 }

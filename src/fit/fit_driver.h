@@ -8,8 +8,8 @@ namespace lcp {
 // fit tables.
 void FITDRIVE();
 
-// Closes the tables and checks the delays: a negative one ends the run with a message, exit status
-// 1.
-void closeFit();
+// Closes the tables. A negative delay of the fit ends the run with a message, exit status 1; one
+// above 1 s is warned of.
+void CHECKDELAYS();
 
 } // namespace lcp

@@ -4,12 +4,25 @@
 #include "base/number_forms.h"
 #include "store/rundata.h"
 
+#include <cmath>
+
 namespace lcp {
 
 namespace {
 
 constexpr double PERCENT = 0.01;
 constexpr double MILLI = 1000.0; // s to ms
+constexpr double TURN = 360.0;   // degrees
+
+// The stored angle of the mode loses the part of the delay and ends above -360, up to 0.
+void turnBack(int i, double TAU) {
+  const FrequencyGrid& G = SOLVEDATA.grid;
+  for (int k = 1; k <= G.NFREQ; ++k) {
+    double& angle = SOLVEDATA.second.HARG(k, i);
+    angle = std::fmod(angle + TURN * G.FREQ[k] * TAU, TURN);
+    if (angle > 0) angle -= TURN;
+  }
+}
 
 void signElement(int i, int r) {
   SecondLoopStore& T = SOLVEDATA.second;
@@ -45,6 +58,7 @@ void fitAttenuation(int i) {
   const double TAU = DELAYFIT(G.NFUSE, G.WFREQ, T.HMODE.curve(i), T.VELOC.curve(i), G.WFIT,
                               RUNDATA.run.LINELEN, O.MAXPA, O.ERRA * PERCENT, MODEMODEL.A[i]);
   T.TAUMS[i] = MILLI * TAU;
+  turnBack(i, TAU);
 }
 
 void fitTransformElement(int i, int r) {

@@ -20,7 +20,8 @@ inline ModeModel& MODEMODEL = bigStore<ModeModel>();
 void printFitHeading();
 
 // Each fits its function of mode i over the NFUSE grid points of the solve store and leaves the
-// outcome in MODEMODEL. The travel time of the mode becomes the delay found (TAUMS, ms).
+// outcome in MODEMODEL. The travel time of the mode becomes the delay found (TAUMS, ms), and the
+// angle of its propagation function that without the delay (HARG, degrees, above -360 up to 0).
 void fitSurgeImpedance(int i);
 void fitAttenuation(int i);
 

@@ -20,6 +20,7 @@
 
 #include "base/big_store.h"
 #include "base/constants.h"
+#include "fit/fitted_curves.h"
 #include "fit/lapack.h"
 #include "fit/partial_fractions.h"
 
@@ -201,15 +202,15 @@ void storeResidues(int r, int c) {
 // The larger of two; not a number stays.
 double larger(double a, double b) { return b > a || std::isnan(b) ? b : a; }
 
-void addDeviation(const Problem& p, const ComplexCurve& H, PhaseFit& fit) {
-  std::fill_n(curve.steps, p.NS, Complex());
+void addDeviation(const Problem& p, const ComplexCurve& H, ComplexCurve& M, PhaseFit& fit) {
+  std::fill_n(M.steps, p.NS, Complex());
   for (int q = 1; q <= p.poles; ++q) {
     const Complex* b = p.basis.column(q);
-    for (int k = 0; k < p.NS; ++k) curve.steps[k] += x[q] * b[k];
+    for (int k = 0; k < p.NS; ++k) M.steps[k] += x[q] * b[k];
   }
   double squares = 0;
   for (int k = 1; k <= p.NS; ++k) {
-    const double e = std::abs(curve[k] - H[k]);
+    const double e = std::abs(M[k] - H[k]);
     squares += e * e;
     fit.MAXERR = larger(fit.MAXERR, e);
   }
@@ -221,7 +222,7 @@ void takeElements(const Problem& p, const RealMatrix* HDC, PhaseFit& fit) {
     for (int r = 1; r <= FITMODEL.NC; ++r) {
       takeUnknowns(p, elementNumber(r, c), HDC, r, c);
       storeResidues(r, c);
-      addDeviation(p, SOLVEDATA.second.HST.curve(r, c), fit);
+      addDeviation(p, SOLVEDATA.second.HST.curve(r, c), FITTED.H.curve(r, c), fit);
     }
   }
 }

@@ -12,8 +12,9 @@ struct PhaseFit {
 };
 
 // Fits HST of the solve store over its NFUSE grid points, with the weights WFIT, by the poles HPOLE
-// and delays TAU of FITMODEL, and fills HRES; NC, NGROUP and NH say what is in use. Deviations are
-// unweighted and absolute. HDC is H at zero frequency, looked at with these DCTYPEs alone:
+// and delays TAU of FITMODEL, and fills HRES and H of FITTED; NC, NGROUP and NH say what is in use.
+// Deviations are unweighted and absolute. HDC is H at zero frequency, looked at with these DCTYPEs
+// alone:
 //   1  the fit is constrained to meet HDC, by the residue of a real pole: the first of group 1, or
 //      one more at -pi rad/s behind its last when that one is complex;
 //   2  the residue of one more pole at -pi rad/s takes up what the fit has left.

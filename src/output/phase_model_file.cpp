@@ -2,6 +2,7 @@
 
 #include "fit/fit_driver.h"
 #include "fit/passivity_check.h"
+#include "output/curve_files.h"
 #include "output/fit_parameters.h"
 #include "output/model_file.h"
 #include "passivity/enforcement.h"
@@ -25,8 +26,9 @@ void writePhaseModel(TextFile& file) {
   writeFirstLine(file);
   writeFlagLines(file);
   FITDRIVE();
+  writePhaseFitCurves();
   if (P.PITERSET) enforcePassivity();
-  closeFit();
+  CHECKDELAYS();
   FITPARMS(file);
   if (P.PFLOSET && !P.PITERSET) PASSCHK();
 }

@@ -12,6 +12,8 @@
 
 #include "base/console.h"
 #include "fit/fit_console.h"
+#include "fit/fitted_curves.h"
+#include "passivity/nodal_admittance.h"
 #include "passivity/quadratic_program.h"
 #include "passivity/residue_model.h"
 #include "passivity/residue_sensitivity.h"
@@ -208,10 +210,26 @@ bool PASSENF(const PassivityOptions& P, const FreqCurve& WFREQ, int NS) {
   return improved;
 }
 
+namespace {
+
+// The curves of the fit are those of the model that goes to the file.
+void renewFittedCurves() {
+  static LineMatrix H;
+  const FrequencyGrid& G = SOLVEDATA.grid;
+  for (int k = 1; k <= G.NFUSE; ++k) {
+    propagationAt(ENFORCE.FRES, Complex(0, G.WFREQ[k]), H);
+    FITTED.H.store(k, H, ENFORCE.NC);
+  }
+}
+
+} // namespace
+
 void enforcePassivity() {
   PASSSETY();
   PASSSETH();
-  if (PASSENF(RUNDATA.passivity, SOLVEDATA.grid.WFREQ, SOLVEDATA.grid.NFUSE)) PASSBACK();
+  if (!PASSENF(RUNDATA.passivity, SOLVEDATA.grid.WFREQ, SOLVEDATA.grid.NFUSE)) return;
+  PASSBACK();
+  if (RUNDATA.fit.WDETAIL) renewFittedCurves();
 }
 
 } // namespace lcp

@@ -9,6 +9,7 @@
 #include "modal/frequency_grid.h"
 #include "modal/line_constants.h"
 #include "modal/second_loop.h"
+#include "output/curve_files.h"
 #include "output/manual_output.h"
 #include "output/mfdtd_model_file.h"
 #include "output/mode_model_file.h"
@@ -54,10 +55,16 @@ void writeModel(TextFile& file) {
 bool runModel() {
   const ModelChoice& M = RUNDATA.model;
   TextFile file;
-  if (M.MODMFDTD) fitSeriesImpedance(); // before there is a file
+  if (M.MODMFDTD) {
+    fitSeriesImpedance(); // before there is a file
+    writeSeriesFitCurves(SERIESMODEL.ZFIT);
+  }
+  writePhaseLineCurves();
   if (!openOutput(file, RUNDATA.run.FOUTM)) return false;
   writeModel(file);
   file.close();
+  writeModeCurves();
+  writeSeriesLineCurves();
   const bool replaced = RUNDATA.display.MANOUT && (M.MODFDP || M.MODMFDTD);
   return !replaced || copyManualOutput();
 }
@@ -89,11 +96,12 @@ void QUENT() {
   if (RUNDATA.run.DATAFMT == ROUTEMULTIPLE) unavailable("Multiple Y and Z Data");
   SOLVEDATA.first.IDEALT = isIdeallyTransposed();
   layGrid();
-  if (RUNDATA.model.fitted() && RUNDATA.fit.WDETAIL) unavailable("Detailed Output Files");
+  headCurves();
   firstFrequencyLoop();
   alignVectors();
   secondFrequencyLoop();
   if (RUNDATA.model.fitted()) formFitWeights();
+  writeEndCurves();
   if (!runModel()) return;
   runComponent();
   runReport();

@@ -1,0 +1,24 @@
+// The fitted functions at the grid points, as the fits left them: what the detail curve files show
+// beside the sampled ones.
+#pragma once
+
+#include "base/big_store.h"
+#include "store/solvedata.h"
+
+namespace lcp {
+
+struct FittedCurves {
+  // The fit whose error is printed: before the symmetry of the model is made exact, and without the
+  // extra pole of a DC correction. S
+  CurveMatrix<Complex, LDMAT, MAXFREQ> YC;
+  CurveMatrix<Complex, LDMAT, MAXFREQ> H; // behind order reduction and DC correction
+
+  // By delay group: the function that its poles were fitted to, without the delay, and its fit.
+  CurveVector<Complex, NGMAX, MAXFREQ> GROUP;
+  CurveVector<Complex, NGMAX, MAXFREQ> GROUPFIT;
+};
+
+// Mapped before anything of a file that includes this is initialised.
+inline FittedCurves& FITTED = bigStore<FittedCurves>();
+
+} // namespace lcp
