@@ -83,7 +83,7 @@ void takeStep(int k) {
     trackedStep(k);
     return;
   }
-  constantsAt(f);
+  constantsAtStep(k, f, Place::AtTheStep);
   if (RUNDATA.model.MODMFDTD) {
     storeConstants(k);
   } else if (S.IDEALT) {

@@ -3,6 +3,7 @@
 #include "base/console.h"
 #include "base/number_forms.h"
 #include "base/stop.h"
+#include "modal/yz_interp.h"
 #include "overhead/overhead_zy.h"
 #include "store/rundata.h"
 #include "store/solvedata.h"
@@ -33,17 +34,40 @@ void checkFinite(double f) {
   stop(1);
 }
 
+bool fromTable() { return RUNDATA.run.DATAFMT == ROUTEMULTIPLE; }
+
+void finishConstants(double f) {
+  SOLVEDATA.first.ISTATUS = false;
+  checkFinite(f);
+}
+
 } // namespace
 
 void constantsAt(double f) {
   FirstLoopStore& S = SOLVEDATA.first;
+  if (fromTable()) {
+    S.length = RUNDATA.run.LINELEN;
+    tableConstants(f, S.YMAT, S.ZMAT, S.PMAT);
+    finishConstants(f);
+    return;
+  }
   switch (RUNDATA.run.ISCABLE) {
   case OVERHEADLINE: OHZY(f, S.length, S.YMAT, S.ZMAT, S.PMAT); break;
   case CABLESYSTEM: unavailable("Cable Constants");
   default: unavailable("Four-Wire Cable Constants");
   }
-  S.ISTATUS = false;
-  checkFinite(f);
+  finishConstants(f);
+}
+
+void constantsAtStep(int k, double f, Place place) {
+  FirstLoopStore& S = SOLVEDATA.first;
+  if (!fromTable()) {
+    constantsAt(f);
+    return;
+  }
+  S.length = RUNDATA.run.LINELEN;
+  YZINTERP(f, S.YMAT, S.ZMAT, S.PMAT, place == Place::OnTheWay ? 1 : 0, k);
+  finishConstants(f);
 }
 
 void unavailable(const char* what) {

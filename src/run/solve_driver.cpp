@@ -66,7 +66,6 @@ bool runReport() {
 
 void QUENT() {
   checkConductors();
-  if (RUNDATA.run.DATAFMT == ROUTEMULTIPLE) unavailable("Multiple Y and Z Data");
   SOLVEDATA.first.IDEALT = isIdeallyTransposed();
   layGrid();
   if (RUNDATA.model.fitted() && RUNDATA.fit.WDETAIL) unavailable("Detailed Output Files");
@@ -76,7 +75,7 @@ void QUENT() {
   if (RUNDATA.model.fitted()) formFitWeights();
   if (!runModel()) return;
   runComponent();
-  runReport();
+  if (RUNDATA.run.DATAFMT != ROUTEMULTIPLE) runReport();
 }
 
 } // namespace lcp

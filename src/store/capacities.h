@@ -42,6 +42,7 @@ constexpr int LSWORK = 6120;                 // work numbers of a LAPACK call in
 // Writing
 constexpr int ROWELEMENTS = 25;    // elements of a matrix row on one line of a file
 constexpr int BERGERONVALUES = 40; // values of a mode on one line of a Bergeron file
+constexpr int MANUALVALUES = 25;   // ... of a Bergeron file of entered data
 constexpr int MANUALCOLUMNS = 99;  // columns of a manual output file that are copied
 
 } // namespace lcp
