@@ -66,6 +66,13 @@ void checkTable() {
   }
 }
 
+// One row serves the PI model, which is one of the steady-state frequency.
+void warnOfFirstRow() {
+  if (YZTABLE.FTABLE[1] == RUNDATA.line.SSFREQ) return;
+  console::print("*WARNING*: The PI Model Takes the First of the Y and Z Data, at {} Hz",
+                 YZTABLE.FTABLE[1]);
+}
+
 void layTableGrid() {
   FrequencyGrid& G = SOLVEDATA.grid;
   const int NFINC = RUNDATA.fit.NFINC;
@@ -95,8 +102,10 @@ void layFittedGrid() {
 void layGrid() {
   const ModelChoice& M = RUNDATA.model;
   FrequencyGrid& G = SOLVEDATA.grid;
-  if (RUNDATA.run.DATAFMT == ROUTEMULTIPLE) checkTable();
+  const bool fromTable = RUNDATA.run.DATAFMT == ROUTEMULTIPLE;
+  if (fromTable) checkTable();
   if (M.MODPI) {
+    if (fromTable) warnOfFirstRow();
     G.NFREQ = 1;
   } else if (M.MODBERG) {
     G.NFREQ = 2;
