@@ -34,7 +34,7 @@ constexpr int RULELENGTH = 53;
 
 ComplexCurve trace, phi;
 PoleClasses CINDEX;
-ColumnInts JPVT; // column pivots, 0 at the start of the run only
+ColumnInts JPVT; // column pivots, 0 at the start of a fit only
 
 [[noreturn]] void refuseFit(std::string_view why) {
   console::openStars();
@@ -177,6 +177,7 @@ double SERIESFIT(int NMAX, double TARGET) {
   const int limit = std::min(NMAX, NPMAX);
   checkFrequencies(NS);
   formTrace(NS);
+  JPVT = {};
   int N = 1;
   double err = 0.0;
   for (;; ++N) {

@@ -7,6 +7,7 @@
 #include "base/stop.h"
 #include "input/external_conductors.h"
 #include "input/key_rows.h"
+#include "input/manual_section.h"
 #include "input/open_cable.h"
 #include "input/post_read.h"
 #include "input/reader_state.h"
@@ -98,7 +99,7 @@ constexpr std::array STATES = {
     StateRow{State::SubConductors, subConductorLine, State::Circuit, nullptr},
     StateRow{State::Bergeron, bergeronLine, State::TopLevel, nullptr},
     StateRow{State::FittedModel, fittedModelLine, State::TopLevel, nullptr},
-    StateRow{State::ManualEntry, noKeys, State::TopLevel, nullptr},
+    StateRow{State::ManualEntry, manualLine, State::TopLevel, nullptr},
     StateRow{State::PiModel, noKeys, State::TopLevel, nullptr},
     StateRow{State::CoaxCable, coaxLine, State::TopLevel, finishCoax},
     StateRow{State::FourWire, fourWireLine, State::TopLevel, nullptr},

@@ -10,6 +10,7 @@
 #include "kernels/matrix_kernels.h"
 #include "modal/frequency_grid.h"
 #include "modal/line_constants.h"
+#include "modal/modal_transform.h"
 #include "modal/newton.h"
 #include "modal/tracked_step.h"
 #include "store/rundata.h"
@@ -83,7 +84,7 @@ void takeStep(int k) {
     trackedStep(k);
     return;
   }
-  constantsAt(f);
+  constantsAtStep(k, f, Place::AtTheStep);
   if (RUNDATA.model.MODMFDTD) {
     storeConstants(k);
   } else if (S.IDEALT) {
@@ -111,17 +112,7 @@ bool isIdeallyTransposed() {
 
 void idealTransformation() {
   FirstLoopStore& S = SOLVEDATA.first;
-  const int n = RUNDATA.line.NC;
-  for (int i = 1; i <= n; ++i) {
-    for (int c = 1; c <= n; ++c) S.TI(i, c) = 0.0;
-    S.TI(i, 1) = 1.0;
-    for (int c = 2; c <= i; ++c) S.TI(i, c) = -1.0 / (n - c + 1);
-    if (i < n) S.TI(i, i + 1) = 1.0;
-  }
-  COLNORM(S.TI, S.TI, n);
-  for (int j = 1; j <= n; ++j) {
-    for (int i = 1; i <= n; ++i) S.TIINV(i, j) = S.TI(j, i);
-  }
+  balancedTransformation(S.TI, S.TIINV, RUNDATA.line.NC);
 }
 
 void idealEigenvalues(ModeComplex& L, const LineMatrix& P, int n) {

@@ -1,6 +1,6 @@
 // PI: the steady-state frequency alone. Bergeron: the loss frequency, then the steady-state
 // frequency. Fitted models: equal steps of log10(w), five below the fit range and NFINC + 1 over
-// it, and behind them the frequency of the constant transformation.
+// it, and behind them the frequency of the constant transformation; of a table of Y and Z its rows.
 #include "modal/frequency_grid.h"
 
 #include "base/console.h"
@@ -8,6 +8,7 @@
 #include "base/stop.h"
 #include "store/rundata.h"
 #include "store/solvedata.h"
+#include "store/yz_table.h"
 
 #include <cmath>
 
@@ -17,6 +18,7 @@ namespace {
 
 constexpr int BELOW = 5;       // steps below the fit range
 constexpr int BEYOND = 7;      // steps that the grid has more than increments
+constexpr int LEASTROWS = 2;   // of a table: a fit needs a range
 constexpr int SLOTSBEYOND = 8; // slots: a solution is also stored at the step behind its own
 
 [[noreturn]] void refuseGrid(std::string_view why) {
@@ -45,18 +47,70 @@ void layLogGrid() {
   G.LOGW0 = a - BELOW * G.DLOGW;
 }
 
+// What the description says behind the name of the file can be at odds with the table.
+void checkTable() {
+  const int NFINC = RUNDATA.fit.NFINC;
+  if (RUNDATA.line.NC != YZTABLE.order) {
+    refuseGrid(fmt::format("Number of Conductors ({}) is not That of the Y and Z Data ({})!",
+                           RUNDATA.line.NC, YZTABLE.order));
+  }
+  if (NFINC > YZTABLE.rows) {
+    refuseGrid(fmt::format("Too Many Frequency Increments ({}), the Y and Z Data have {}!", NFINC,
+                           YZTABLE.rows));
+  }
+  for (int k = 1; k <= NFINC; ++k) {
+    const double before = k > 1 ? YZTABLE.FTABLE[k - 1] : 0.0;
+    if (YZTABLE.FTABLE[k] > before) continue;
+    refuseGrid(
+        fmt::format("Frequency {} of the Y and Z Data Must be > 0 and Above the One Before!", k));
+  }
+}
+
+// One row serves the PI model, which is one of the steady-state frequency.
+void warnOfFirstRow() {
+  if (YZTABLE.FTABLE[1] == RUNDATA.line.SSFREQ) return;
+  console::print("*WARNING*: The PI Model Takes the First of the Y and Z Data, at {} Hz",
+                 YZTABLE.FTABLE[1]);
+}
+
+void layTableGrid() {
+  FrequencyGrid& G = SOLVEDATA.grid;
+  const int NFINC = RUNDATA.fit.NFINC;
+  if (NFINC < LEASTROWS) {
+    refuseGrid(fmt::format("Too Few Frequencies in the Y and Z Data ({}), a Fit Needs {}!", NFINC,
+                           LEASTROWS));
+  }
+  const double a = std::log10(TWOPI * YZTABLE.FTABLE[1]);
+  const double b = std::log10(TWOPI * YZTABLE.FTABLE[NFINC]);
+  G.NFREQ = NFINC;
+  G.DLOGW = (b - a) / (NFINC - 1);
+  G.LOGW0 = a - BELOW * G.DLOGW;
+}
+
+void layFittedGrid() {
+  const bool fromTable = RUNDATA.run.DATAFMT == ROUTEMULTIPLE;
+  if (!RUNDATA.model.MODFDM) RUNDATA.fit.CONSTT = !fromTable;
+  if (fromTable) {
+    layTableGrid();
+  } else {
+    layLogGrid();
+  }
+}
+
 } // namespace
 
 void layGrid() {
   const ModelChoice& M = RUNDATA.model;
   FrequencyGrid& G = SOLVEDATA.grid;
+  const bool fromTable = RUNDATA.run.DATAFMT == ROUTEMULTIPLE;
+  if (fromTable) checkTable();
   if (M.MODPI) {
+    if (fromTable) warnOfFirstRow();
     G.NFREQ = 1;
   } else if (M.MODBERG) {
     G.NFREQ = 2;
   } else if (M.fitted()) {
-    if (!M.MODFDM) RUNDATA.fit.CONSTT = true;
-    layLogGrid();
+    layFittedGrid();
   } else {
     console::line("***** CORVO.EXE - ERROR *****");
     console::print("Unknown Model Type: {}", M.MODEL);
@@ -68,6 +122,7 @@ double gridFrequency(int k) {
   const FrequencyGrid& G = SOLVEDATA.grid;
   if (RUNDATA.model.MODPI) return RUNDATA.line.SSFREQ;
   if (RUNDATA.model.MODBERG) return k == 1 ? RUNDATA.bergeron.FLOSS : RUNDATA.line.SSFREQ;
+  if (RUNDATA.run.DATAFMT == ROUTEMULTIPLE) return YZTABLE.FTABLE[k];
   if (k == G.NFREQ) return RUNDATA.fit.FCT;
   return std::pow(10.0, (k - 1) * G.DLOGW + G.LOGW0) * INVTWOPI;
 }

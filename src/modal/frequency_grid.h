@@ -3,8 +3,9 @@
 
 namespace lcp {
 
-// Chooses NFREQ, DLOGW and LOGW0 for the selected model. Without a model, or with a grid that the
-// stores cannot hold or no logarithm can lay, the run ends with a message, exit status 1.
+// Chooses NFREQ, DLOGW and LOGW0 for the selected model. Without a model, with a grid that the
+// stores cannot hold or no logarithm can lay, or with a table of Y and Z that is no function of
+// frequency, the run ends with a message, exit status 1.
 void layGrid();
 
 // Frequency of step k as the grid has it, Hz.

@@ -5,6 +5,7 @@
 #include "base/stop.h"
 #include "cable/cable_zy.h"
 #include "cable/four_wire.h"
+#include "modal/yz_interp.h"
 #include "overhead/overhead_zy.h"
 #include "store/rundata.h"
 #include "store/solvedata.h"
@@ -54,26 +55,41 @@ void checkShunt() {
   }
 }
 
+bool fromTable() { return RUNDATA.run.DATAFMT == ROUTEMULTIPLE; }
+
+void finishConstants(double f) {
+  SOLVEDATA.first.ISTATUS = false;
+  checkFinite(f);
+}
+
 } // namespace
 
 void constantsAt(double f) {
   FirstLoopStore& S = SOLVEDATA.first;
+  if (fromTable()) {
+    S.length = RUNDATA.run.LINELEN;
+    tableConstants(f, S.YMAT, S.ZMAT, S.PMAT);
+    finishConstants(f);
+    return;
+  }
   switch (RUNDATA.run.ISCABLE) {
   case OVERHEADLINE: OHZY(f, S.length, S.YMAT, S.ZMAT, S.PMAT); break;
   case CABLESYSTEM: CBZY(f, S.length, S.YMAT, S.ZMAT, S.PMAT); break;
   default: FWZY(f, S.length, S.YMAT, S.ZMAT, S.PMAT); break;
   }
-  S.ISTATUS = false;
-  checkFinite(f);
+  finishConstants(f);
   if (RUNDATA.run.ISCABLE == CABLESYSTEM) checkShunt();
 }
 
-void unavailable(const char* what) {
-  console::openStars();
-  console::print("{}: not available in this version.", what);
-  console::closeStars();
-  console::line("QUENT Ending!");
-  stop(1);
+void constantsAtStep(int k, double f, Place place) {
+  FirstLoopStore& S = SOLVEDATA.first;
+  if (!fromTable()) {
+    constantsAt(f);
+    return;
+  }
+  S.length = RUNDATA.run.LINELEN;
+  YZINTERP(f, S.YMAT, S.ZMAT, S.PMAT, place == Place::OnTheWay ? 1 : 0, k);
+  finishConstants(f);
 }
 
 } // namespace lcp

@@ -1,4 +1,5 @@
-// Y, Z and their normalised product at one frequency, by the routine of the kind of system.
+// Y, Z and their normalised product at one frequency, by the routine of the kind of system or out
+// of the table of Y and Z.
 #pragma once
 
 namespace lcp {
@@ -7,7 +8,9 @@ namespace lcp {
 // that are no numbers end the run with a message, exit status 1.
 void constantsAt(double f);
 
-// Message for a part of the program that this build does not have; ends the run, exit status 1.
-[[noreturn]] void unavailable(const char* what);
+// The same for a frequency on the way to step k of the grid, or at the step itself. On the route of
+// the table a step is a row, whatever f says, and the way to it leads from the row before.
+enum class Place { OnTheWay, AtTheStep };
+void constantsAtStep(int k, double f, Place place);
 
 } // namespace lcp

@@ -10,13 +10,24 @@ namespace {
 LineMatrix turned;  // a transpose
 LineMatrix product; // on the way
 
+} // namespace
+
 void transpose(CView B, CConstView A, int n) {
   for (int j = 1; j <= n; ++j) {
     for (int i = 1; i <= n; ++i) B(i, j) = A(j, i);
   }
 }
 
-} // namespace
+void balancedTransformation(CView TI, CView TIINV, int n) {
+  for (int i = 1; i <= n; ++i) {
+    for (int c = 1; c <= n; ++c) TI(i, c) = 0.0;
+    TI(i, 1) = 1.0;
+    for (int c = 2; c <= i; ++c) TI(i, c) = -1.0 / (n - c + 1);
+    if (i < n) TI(i, i + 1) = 1.0;
+  }
+  COLNORM(TI, TI, n);
+  transpose(TIINV, TI, n);
+}
 
 void diagonalToPhases(CView out, CConstView TI, const ModeComplex& d, CConstView TIINV, int n) {
   for (int j = 1; j <= n; ++j) {

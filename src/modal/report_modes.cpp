@@ -8,7 +8,6 @@
 #include "kernels/matrix_kernels.h"
 #include "modal/modal_transform.h"
 #include "store/rundata.h"
-#include "store/solvedata.h"
 
 #include <cmath>
 
@@ -46,21 +45,23 @@ Complex withoutRounding(Complex square) {
   return lossless && std::signbit(square.imag()) ? std::conj(square) : square;
 }
 
-void checkMode(int i) {
-  const double v = modeVelocity(i);
-  const double tau = SOLVEDATA.second.TAUMS[i];
+[[noreturn]] void refuseVelocity(double v, const char* why) {
+  console::openStars();
+  console::print("The velocity ({} ) is {} ", v, why);
+  console::closeStars();
+  console::line("QUENT Ending!");
+  stop(1);
+}
+
+void checkMode(double tau) {
+  const double v = modeVelocity(tau);
+  if (!std::isfinite(v)) refuseVelocity(v, "not finite");
   if (v > LIGHTSPEED) {
     console::print("*WARNING*: The modal velocity ({}", v);
     console::line("is greater than speed of light (~3e8 m/s)");
   }
-  if (v < 0.0) {
-    console::openStars();
-    console::print("The velocity ({} ) is negative ", v);
-    console::closeStars();
-    console::line("QUENT Ending!");
-    stop(1);
-  }
-  if (v >= 0.0 && tau > LARGETIME) {
+  if (v < 0.0) refuseVelocity(v, "negative");
+  if (tau > LARGETIME) {
     console::print("*WARNING*: The travel time ({} ms)", tau);
     console::line(" is very large");
   }
@@ -68,10 +69,23 @@ void checkMode(int i) {
 
 } // namespace
 
-double modeVelocity(int i) { return RUNDATA.run.LINELEN / (SOLVEDATA.second.TAUMS[i] * MILLI); }
+double modeVelocity(double tau) { return RUNDATA.run.LINELEN / (tau * MILLI); }
+
+void formModeTimes(CConstView YM, CConstView ZM, ModeReals& TAU, ModeComplex& Z0) {
+  static LineMatrix product;
+  const int n = RUNDATA.line.NC;
+  const double w = TWOPI * RUNDATA.display.DISPFREQ;
+  CMATMUL(product, YM, ZM, n);
+  for (int i = 1; i <= n; ++i) {
+    const Complex g = std::sqrt(withoutRounding(product(i, i)));
+    TAU[i] = g.imag() / MILLI * RUNDATA.run.LINELEN / w;
+    Z0[i] = std::sqrt(ZM(i, i) / YM(i, i));
+  }
+  for (int i = 1; i <= n; ++i) checkMode(TAU[i]);
+}
 
 void formReportModes() {
-  static LineMatrix copy, product;
+  static LineMatrix copy;
   FirstLoopStore& S = SOLVEDATA.first;
   SecondLoopStore& T = SOLVEDATA.second;
   const int n = RUNDATA.line.NC;
@@ -81,14 +95,7 @@ void formReportModes() {
   COLNORM(S.TI, S.TI, n);
   INVCJD(S.TIINV, S.TI, n);
   formModalMatrices(T.YM, T.ZM, S.YMAT, S.ZMAT, S.TI, S.TIINV, n);
-  CMATMUL(product, T.YM, T.ZM, n);
-  const double w = TWOPI * RUNDATA.display.DISPFREQ;
-  for (int i = 1; i <= n; ++i) {
-    const Complex g = std::sqrt(withoutRounding(product(i, i)));
-    T.TAUMS[i] = g.imag() / MILLI * RUNDATA.run.LINELEN / w;
-    T.ZSURGE[i] = std::sqrt(T.ZM(i, i) / T.YM(i, i));
-  }
-  for (int i = 1; i <= n; ++i) checkMode(i);
+  formModeTimes(T.YM, T.ZM, T.TAUMS, T.ZSURGE);
 }
 
 } // namespace lcp

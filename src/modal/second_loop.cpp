@@ -166,7 +166,7 @@ void formFitWeights() {
     if (SSFREQ < G.FREQ[k]) {
       G.WFIT[k] = F.WF3;
     } else {
-      G.WFIT[k] = SSFREQ < G.FREQ[k + 1] ? F.WF2 : F.WF1;
+      G.WFIT[k] = k == G.NFREQ || SSFREQ < G.FREQ[k + 1] ? F.WF2 : F.WF1;
     }
   }
 }

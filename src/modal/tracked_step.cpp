@@ -14,6 +14,7 @@
 #include "store/rundata.h"
 #include "store/solvedata.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace lcp {
@@ -158,6 +159,10 @@ struct Walk {
 
 double walkFrequency(int k, double x) {
   const FrequencyGrid& G = SOLVEDATA.grid;
+  if (RUNDATA.run.DATAFMT == ROUTEMULTIPLE) {
+    // the rows of a table need not stand at equal steps
+    return x == 1.0 ? G.FREQ[k] : std::pow(10.0, G.LOGF[k - 1] + x * (G.LOGF[k] - G.LOGF[k - 1]));
+  }
   if (isConstantTransformStep(k)) {
     const double a = std::log10(TWOPI * G.FREQ[SOLVEDATA.first.KCT]);
     const double b = std::log10(TWOPI * RUNDATA.fit.FCT);
@@ -188,7 +193,7 @@ void trackedStep(int k) {
   failureInStep = acceptedInStep = false;
   double f = SOLVEDATA.grid.FREQ[k];
   for (;;) {
-    constantsAt(f);
+    constantsAtStep(k, f, walk.searching ? Place::OnTheWay : Place::AtTheStep);
     if (!goOn(walk, k, followModes(k, walk.searching))) return;
     f = walkFrequency(k, walk.fraction());
   }
@@ -200,7 +205,7 @@ void acceptSolution(int k) {
   const int n = RUNDATA.line.NC;
   PIVNORM(S.TI, S.TIINV, S.PIVOT, n);
   INVCJD(S.TIINV, S.TI, n);
-  for (const int step : {k, k + 1}) {
+  for (int step = k; step <= std::min(k + 1, MAXFREQ); ++step) {
     for (int i = 1; i <= n; ++i) A.MEIG(step, i) = S.EIG[i];
     A.MTI.store(step, S.TI, n);
     A.YSTORE.store(step, S.YMAT, n);

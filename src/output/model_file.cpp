@@ -5,7 +5,6 @@
 #include "store/rundata.h"
 
 #include <cmath>
-#include <span>
 #include <string_view>
 #include <vector>
 
@@ -48,23 +47,6 @@ void writeSeriesRow(TextFile& file, const LineMatrix& PIW, int i) {
   file.line(record);
 }
 
-// One record of a mode. A line that is full ends in a slash.
-void writeMode(TextFile& file, int k, std::span<const double> values) {
-  Record record(" ");
-  record.integer(k, 5).blanks(1).integer(k, 5).blanks(1);
-  int onLine = 0;
-  for (const double value : values) {
-    if (onLine == BERGERONVALUES) {
-      file.line(record);
-      record = Record();
-      onLine = 0;
-    }
-    record.blanks(1).general(value, 24, 15);
-    if (++onLine == BERGERONVALUES) record.text(" /");
-  }
-  file.line(record);
-}
-
 void writeBergeronFirstLine(TextFile& file) {
   const BergeronOptions& B = RUNDATA.bergeron;
   Record record(" ");
@@ -89,6 +71,22 @@ void writeModelHead(TextFile& file) {
 void writeFlagLines(TextFile& file) {
   if (!RUNDATA.flags.INTTT) file.line("NOINT");
   if (RUNDATA.flags.INFLEN) file.line("INFLENGTH");
+}
+
+void writeModeRecord(TextFile& file, int k, std::span<const double> values, int perLine) {
+  Record record(" ");
+  record.integer(k, 5).blanks(1).integer(k, 5).blanks(1);
+  int onLine = 0;
+  for (const double value : values) {
+    if (onLine == perLine) {
+      file.line(record);
+      record = Record();
+      onLine = 0;
+    }
+    record.blanks(1).general(value, 24, 15);
+    if (++onLine == perLine) record.text(" /");
+  }
+  file.line(record);
 }
 
 void writePiModel(TextFile& file) {
@@ -120,7 +118,7 @@ void writeBergeronModel(TextFile& file) {
     std::vector<double> values = {std::fabs(T.TAUMS[k]), std::fabs(T.ZSURGER[k]),
                                   std::fabs(T.RLOSS2[k]), std::fabs(T.RLOSS1[k])};
     for (int j = 1; j <= n; ++j) values.push_back(TIR(k, j));
-    writeMode(file, k, values);
+    writeModeRecord(file, k, values, BERGERONVALUES);
   }
 }
 

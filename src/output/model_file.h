@@ -4,6 +4,8 @@
 #include "base/text_file.h"
 #include "store/solvedata.h"
 
+#include <span>
+
 namespace lcp {
 
 // The five lines that open every model file.
@@ -11,6 +13,10 @@ void writeModelHead(TextFile& file);
 
 // NOINT and INFLENGTH, as the options ask for them.
 void writeFlagLines(TextFile& file);
+
+// The record of mode k of a Bergeron file. A line that is full ends in a slash, and the values that
+// remain go on in the next one.
+void writeModeRecord(TextFile& file, int k, std::span<const double> values, int perLine);
 
 // PI model: shunt branches in microfarad and ohm, then the lower triangle of the series data in
 // ohm and henry.

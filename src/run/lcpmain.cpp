@@ -4,11 +4,13 @@
 #include "base/console.h"
 #include "base/stop.h"
 #include "input/reader.h"
-#include "modal/line_constants.h"
+#include "output/manual_line.h"
+#include "output/pi_component.h"
 #include "run/command_line.h"
 #include "run/output_names.h"
 #include "run/solve_driver.h"
 #include "store/rundata.h"
+#include "store/solvedata.h"
 
 #include <xmmintrin.h>
 
@@ -38,11 +40,20 @@ void checkLength(double length) {
   stop(1);
 }
 
+void runManual() {
+  static LineMatrix Y, Z;
+  const double SSFREQ = RUNDATA.line.SSFREQ;
+  MANLINE(Y, Z, SSFREQ, MANUALFILES);
+  if (!RUNDATA.display.CREATEPI) return;
+  MANLINE(Y, Z, SSFREQ, MANUALMATRICES);
+  PISECT(Y, Z, RUNDATA.run.LINELEN);
+}
+
 void solveStep() {
   switch (RUNDATA.run.DATAFMT) {
   case ROUTECONSTANTS:
   case ROUTEMULTIPLE: QUENT(); break;
-  case ROUTEMANUAL: unavailable("Manual Data Entry");
+  case ROUTEMANUAL: runManual(); break;
   default: unknownRoute();
   }
 }

@@ -93,7 +93,6 @@ bool runReport() {
 void QUENT() {
   checkConductors();
   checkPassivityGrid();
-  if (RUNDATA.run.DATAFMT == ROUTEMULTIPLE) unavailable("Multiple Y and Z Data");
   SOLVEDATA.first.IDEALT = isIdeallyTransposed();
   layGrid();
   headCurves();
@@ -104,7 +103,7 @@ void QUENT() {
   writeEndCurves();
   if (!runModel()) return;
   runComponent();
-  runReport();
+  if (RUNDATA.run.DATAFMT != ROUTEMULTIPLE) runReport();
 }
 
 } // namespace lcp

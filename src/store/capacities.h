@@ -45,6 +45,7 @@ constexpr int MAXPASSGRID = 5020; // frequencies of a passivity check
 // Writing
 constexpr int ROWELEMENTS = 25;    // elements of a matrix row on one line of a file
 constexpr int BERGERONVALUES = 40; // values of a mode on one line of a Bergeron file
+constexpr int MANUALVALUES = 25;   // ... of a Bergeron file of entered data
 constexpr int MANUALCOLUMNS = 99;  // columns of a manual output file that are copied
 
 } // namespace lcp

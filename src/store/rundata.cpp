@@ -14,6 +14,7 @@ void RunData::resetInput() {
   flags = {};
   fit = {};
   passivity = {};
+  manual = {};
   display = {};
   halo = {};
 }

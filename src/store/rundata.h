@@ -6,6 +6,7 @@
 #include "store/cable_group.h"
 #include "store/conductor_table.h"
 #include "store/ground_group.h"
+#include "store/manual_group.h"
 #include "store/option_groups.h"
 #include "store/run_groups.h"
 
@@ -22,6 +23,7 @@ struct RunData {
   FlagLines flags;
   FitOptions fit;
   PassivityOptions passivity;
+  ManualData manual;
   DisplayOptions display;
   HaloOptions halo;
 

@@ -12,6 +12,12 @@ std::string doubleCircuit(const std::string& model); // two untransposed circuit
 std::string manyCircuits(int n, const std::string& model); // n wires in circuits of three, four to
                                                            // a tower, no two alike
 
+// A line of n conductors with entered data.
+std::string manualLineOf(int n, const std::string& keys, const std::string& model);
+
+// The rows 1 to last of a solved line as a multiple Y and Z file.
+std::string yzTableOf(int last);
+
 std::string phaseModel(const std::string& keys = ""); // frequency dependent (phase)
 std::string bergeronModel(const std::string& keys = "");
 

@@ -1,0 +1,49 @@
+// Modes of a line whose data were entered by hand: a real transformation, and per mode a travel
+// time, a surge impedance and a resistance, from sequence values or from one Y and Z pair.
+#pragma once
+
+#include "store/solvedata.h"
+
+namespace lcp {
+
+struct ManualMode {
+  double T;  // travel time of the line, ms
+  double Zc; // surge impedance, ohm
+  double R;  // resistance, ohm/m
+  double C;  // capacitance, F/m
+  double L;  // inductance, H/m
+};
+
+struct ManualModes {
+  LineMatrix TI;    // transformation, unit columns
+  LineMatrix TIINV; // its inverse
+  LineMatrix YMOD;  // modal admittance, S/m; that of an entered pair is full
+  LineMatrix ZMOD;  // modal impedance, ohm/m
+  ModeComplex EIGM; // squared propagation constants of an entered pair, 1/m^2; else 0
+};
+
+extern ManualModes MANUAL;
+
+// Length that the entered data go with, m: 1 when they are totals of the line.
+double manualLength();
+
+// Ends the run with a message, exit status 1, when there are no conductors or no data of a form
+// that has modes.
+void checkManualData();
+
+// Fills TI, TIINV and EIGM, and for an entered pair YMOD and ZMOD; else these are 0.
+void formManualTransformation();
+
+// Mode k, to be asked for in rising order: estimates replace the zero sequence values of MANSEQ on
+// the way. With LONGLINE the correction for the length is taken out. Data without a travel time and
+// a surge impedance above 0 end the run with a message, exit status 1; an inductance below 0 behind
+// the correction gives a warning.
+ManualMode manualMode(int k);
+
+// Element (k,k) of YMOD and ZMOD at the frequency f, Hz.
+void storeManualMode(int k, const ManualMode& mode, double f);
+
+// Phase matrices per metre.
+void formManualPhases(CView Y, CView Z);
+
+} // namespace lcp

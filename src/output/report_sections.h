@@ -1,0 +1,44 @@
+// The sections of a report, which the solve and the entered data share.
+//
+// Matrices and vectors are of the order NC, lengths and frequencies those of the run. Data are
+// headed with DISPFREQ.
+#pragma once
+
+#include "base/text_file.h"
+#include "store/solvedata.h"
+
+namespace lcp {
+
+constexpr int REPORTRULE = 53; // signs of a line across
+
+// The head; its first line has so many equal signs.
+void writeReportHead(TextFile& file, int firstRule = REPORTRULE);
+
+// Load flow data, and the console line of the simulator. The corrected data are shown when LLOK.
+void SEQRXB(TextFile& file, CConstView Y, CConstView Z, CConstView YLC, CConstView ZLC, bool LLOK);
+
+// Y and Z per metre, cleaned for display; the first line has so many hyphens.
+void writePhaseDomain(TextFile& file, CConstView Y, CConstView Z, int firstRule = REPORTRULE);
+
+// The long-line corrected matrices, for the whole line.
+void writeCorrectedData(TextFile& file, CConstView YLC, CConstView ZLC);
+
+struct ModalData {
+  CView TI;               // transformation, unit columns
+  const ModeComplex& EIG; // eigenvalues
+  CView ZM, YM;           // modal matrices, ohm/m and S/m
+  const ModeComplex& Z0;  // surge impedances, ohm
+  const ModeReals& TAU;   // travel times, ms
+};
+
+// Modal data; the matrices are cleaned for display in place. The frequency in the title has so many
+// decimals.
+void writeModalDomain(TextFile& file, const ModalData& M, int decimals);
+
+// Sequence transform, and Z and Y in sequences.
+void SEQMATS(TextFile& file, CConstView Y, CConstView Z);
+
+// The recommended time step is a tenth of the smallest delay. Delays in ms, or else in s.
+void MINDELAY(TextFile& file, std::span<const double> delays, bool milliseconds);
+
+} // namespace lcp

@@ -1,0 +1,135 @@
+// The table of Y and Z over frequency: its rows, the way between them, and the road of a solve.
+#include "modal/yz_interp.h"
+
+#include "base/constants.h"
+#include "modal/second_loop.h"
+#include "store/rundata.h"
+#include "store/solvedata.h"
+#include "store/yz_table.h"
+#include "support/dense_functions.h"
+#include "support/description.h"
+#include "support/phase_file.h"
+#include "support/scratch.h"
+#include "support/solve.h"
+#include "support/whole_run.h"
+
+#include <cmath>
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+
+using namespace lcp;
+using namespace lcp::test;
+
+namespace {
+
+const std::string KEYS = "Weighting Factor 1: 1\nWeighting Factor 2: 1\nWeighting Factor 3: 1\n";
+
+std::string tableLine(int n, const std::string& file, const std::string& model) {
+  const std::string keys = "Data Entry Format:  Multiple Y and Z\n"
+                           "Y,Z Input File Name: '" +
+                           file + "'\n";
+  return manualLineOf(n, keys, model);
+}
+
+// A table of one conductor with L = 1 uH/m and C = 10 pF/m, R = 1 mohm/m, at these frequencies.
+std::string smallTable(const std::vector<double>& frequencies) {
+  std::string text = fmt::format("\n{}\n1\n", frequencies.size());
+  for (const double f : frequencies)
+    text += fmt::format("{}\n1e-3\n{}\n0\n{}\n", f, TWOPI * f * 1e-6, TWOPI * f * 10e-12);
+  return text;
+}
+
+ProgramRun run(const Scratch& scratch, const std::string& body) {
+  scratch.file("a.cvi", description(body));
+  return runProgram({"/file", "a.cvi", "/length", "100000"}, scratch.path());
+}
+
+} // namespace
+
+TEST(YzInterp, GivesRowsAndTheWayBetweenThem) {
+  const std::string file = scratchFile("small.txt", smallTable({10, 20, 20}));
+  readHere(description(tableLine(1, file, "")));
+  LineMatrix Y, Z, P;
+  const auto reactance = [&](double f, int flag, int k) {
+    YZINTERP(f, Y, Z, P, flag, k);
+    EXPECT_NEAR(Y(1, 1).imag() / Z(1, 1).imag(), 1e-5, 1e-17); // Y and Z are at one frequency
+    return Z(1, 1).imag() / (TWOPI * 1e-6);
+  };
+  EXPECT_EQ(reactance(60, 0, 2), 20); // row 2, whatever the frequency
+  EXPECT_EQ(reactance(20, 1, 2), 20);
+  EXPECT_NEAR(reactance(12.5, 1, 2), 12.5, 1e-13);
+  EXPECT_EQ(reactance(20, 1, 3), 20); // between equal frequencies
+  EXPECT_EQ(reactance(1, 1, 1), 10);  // there is no row before the first
+  for (const auto& [f, at] : {std::pair{5.0, 10.0}, {10.0, 10.0}, {17.5, 17.5}, {1e6, 20.0}}) {
+    tableConstants(f, Y, Z, P);
+    EXPECT_NEAR(Z(1, 1).imag() / (TWOPI * 1e-6), at, 1e-13) << f;
+  }
+}
+
+TEST(YzInterp, RefusesATableThatIsNoFunctionOfFrequency) {
+  const std::string many = phaseModel("Total Number of Frequency Increments: 100\n");
+  const std::string unsorted = " of the Y and Z Data Must be > 0 and Above the One Before!";
+  const struct {
+    std::vector<double> frequencies;
+    std::string behind, message;
+  } cases[] = {
+      {{10, 20, 20}, phaseModel(), "Frequency 3" + unsorted},
+      {{0, 20}, phaseModel(), "Frequency 1" + unsorted},
+      {{10}, phaseModel(), "Too Few Frequencies in the Y and Z Data (1), a Fit Needs 2!"},
+      {{10, 20}, many, "Too Many Frequency Increments (100), the Y and Z Data have 2!"},
+      {{10, 20},
+       summary(3) + phaseModel(),
+       "Number of Conductors (3) is not That of the Y and Z Data (1)!"},
+  };
+  const std::string stars(43, '*');
+  for (const auto& c : cases) {
+    const std::string file = scratchFile("small.txt", smallTable(c.frequencies));
+    const ChildResult r = runChild([&] { solveFirstLoop(tableLine(1, file, c.behind)); });
+    EXPECT_EQ(r.console, lines({"", stars, "Corvo.exe: ERROR", c.message, stars, "QUENT Ending!"}));
+    EXPECT_EQ(r.status, 1);
+  }
+}
+
+TEST(YzInterp, AFullTableStaysInItsStore) {
+  std::vector<double> frequencies(MAXFREQ);
+  for (int k = 0; k < MAXFREQ; ++k) frequencies[static_cast<std::size_t>(k)] = 1 + 7.0 * k;
+  const std::string file = scratchFile("small.txt", smallTable(frequencies));
+  solveBothLoops(tableLine(1, file, phaseModel("Weighting Factor 2: 5\n")));
+  formFitWeights();
+  const FrequencyGrid& G = SOLVEDATA.grid;
+  EXPECT_EQ(G.NFUSE, MAXFREQ);
+  EXPECT_EQ(G.FREQ[MAXFREQ], 1 + 7.0 * (MAXFREQ - 1));
+  EXPECT_EQ(G.WFIT[9], 5); // 57 Hz, the last below 60 Hz
+  EXPECT_EQ(G.WFIT[8] + G.WFIT[10], 0);
+  RUNDATA.line.SSFREQ = 1e6; // beyond the table
+  formFitWeights();
+  EXPECT_EQ(G.WFIT[MAXFREQ], 5);
+  // the wave of L and C travels at (L C)^-1/2
+  EXPECT_NEAR(SOLVEDATA.second.VELOC(MAXFREQ, 1), std::sqrt(1e17), 1e-3 * std::sqrt(1e17));
+}
+
+TEST(YzInterp, ATableOfAComputedLineGivesItsPhaseModel) {
+  for (const std::string& body :
+       {doubleCircuit(phaseModel(KEYS)), singleCircuit(phaseModel(KEYS))}) {
+    const Scratch scratch;
+    solveBothLoops(body);
+    const int rows = SOLVEDATA.grid.NFREQ - 1; // not the step at FCT
+    const int n = RUNDATA.line.NC;
+    const std::string yz = scratch.file("yz.txt", yzTableOf(rows));
+    const ProgramRun geometry = run(scratch, body);
+    const ProgramRun table = run(scratch, tableLine(n, yz, phaseModel(KEYS)));
+    ASSERT_EQ(table.status, geometry.status) << table.console;
+    EXPECT_FALSE(table.files.contains("a.out")); // this route has no report
+    const PhaseFile a = readPhaseFile(geometry.files.at("a.cvo"));
+    const PhaseFile b = readPhaseFile(table.files.at("a.cvo"));
+    ASSERT_EQ(a.trouble + b.trouble, "");
+    for (int k = 1; k <= rows; k += 5) {
+      const Wide s(0, SOLVEDATA.grid.WFREQ[k]);
+      EXPECT_LT(distance(a.Yc(s), b.Yc(s)), 1e-6) << n << " " << k;
+      EXPECT_LT(distance(sum(a.H(s), identity(static_cast<std::size_t>(n))),
+                         sum(b.H(s), identity(static_cast<std::size_t>(n)))),
+                1e-6)
+          << n << " " << k;
+    }
+  }
+}

@@ -1,0 +1,94 @@
+// The manual entry route as a whole: data and files that it cannot take.
+#include "support/description.h"
+#include "support/scratch.h"
+#include "support/solve.h"
+#include "support/whole_run.h"
+
+#include <gtest/gtest.h>
+
+using namespace lcp;
+using namespace lcp::test;
+
+namespace {
+
+const std::string SURGE = "Data Entry Format:  Surge Impedance and Travel Time\n"
+                          "+ve Sequence Resistance: 2e-5\n+ve Sequence Travel Time: 3.4e-9\n"
+                          "+ve Sequence Surge Impedance: 270\n";
+const std::string EQUAL = "Estimate Zero Sequence: 2\n";
+const std::string STARS(43, '*');
+
+ProgramRun runIn(const Scratch& scratch, const std::string& keys, int n) {
+  scratch.file("a.cvi", description(manualLineOf(n, keys, bergeronModel())));
+  return runProgram({"/file", "a.cvi", "/length", "100000"}, scratch.path());
+}
+
+// What the console shows behind the banner and the arguments.
+std::string behindArguments(const ProgramRun& run) {
+  const std::string last = " Segment length:   100000 [m]\n";
+  return run.console.substr(run.console.find(last) + last.size());
+}
+
+std::string refusal(std::initializer_list<std::string> words) {
+  return lines({"", STARS, "Corvo.exe: ERROR"}) + lines(words) + lines({STARS, "MANLINE Ending!"});
+}
+
+} // namespace
+
+TEST(ManualLine, RefusesDataWithoutModes) {
+  const std::string noMode = refusal({"Mode 1 of the Manual Data has no Travel Time and Surge",
+                                      "Impedance Above 0, or no Finite Resistance.",
+                                      "Check input data for Manual Entry of Z,Y"});
+  const std::string dots(34, '.'), ohms = "Data Entry Format:  ohms/m\n",
+                                   X1 = "+ve Sequence Inductive Reactance: 3e-9\n",
+                                   XC1 = "+ve Sequence Capacitive Reactance: 3e3\n";
+  const struct {
+    std::string keys;
+    int n;
+    std::string console;
+    int status = 1;
+  } cases[] = {
+      {SURGE, 0, refusal({"The Line has no Conductors!"})},
+      {"", 3, refusal({"Manual Data Entry has no Data Entry Format!"})},
+      {"Data Entry Format:  Multiple Y and Z\n", 3,
+       refusal({"Multiple Y and Z Data: no File was Read, or a Summary",
+                "behind it Selects Manually Entered Data!"})},
+      {SURGE + "Estimate Zero Sequence: 3\n", 3,
+       refusal({"Estimate Zero Sequence Must be 0, 1 or 2, not 3!"})},
+      {SURGE, 3, noMode},                                 // no zero sequence
+      {SURGE + "Estimate Zero Sequence: 1\n", 3, noMode}, // ratios of 0
+      {SURGE + "+ve Sequence Surge Impedance: 0\n", 1, noMode},
+      {ohms + X1, 1, noMode}, // XC of 0
+      {ohms + X1 + "+ve Sequence Capacitive Reactance: -200\n", 1, noMode},
+      {"Data Entry Format:  p.u./m\nTotal MVA Rating: 0\n" + X1 + XC1, 1, noMode},
+      {"Data Entry Format:  p.u./m\nVoltage Rating (kV L-L RMS): 0\n" + X1 + XC1, 1, noMode},
+      {"Data Entry Format:  Y and Z\n", 1, noMode}, // no file
+      // values of a length that they cannot be of
+      {SURGE + "Long Line Corrected: 1\n+ve Sequence Travel Time: 1e-7\n", 1,
+       lines({dots, "An error occurred in calculating impedance    and admittance matrices ",
+              "Check input data for Manual Entry of Z,Y",
+              "Some of the input data must be expressed per  unit length", dots, "",
+              "LCP solve constants complete."}),
+       2},
+  };
+  for (const auto& c : cases) {
+    const Scratch scratch;
+    const ProgramRun run = runIn(scratch, c.keys, c.n);
+    EXPECT_EQ(behindArguments(run), c.console) << c.keys;
+    EXPECT_EQ(run.status, c.status) << c.keys;
+  }
+}
+
+TEST(ManualLine, NeedsItsModelFileButNotItsReport) {
+  const Scratch scratch;
+  std::filesystem::create_directory(scratch.path() / "a.out");
+  const ProgramRun noReport = runIn(scratch, SURGE + EQUAL, 3);
+  EXPECT_EQ(noReport.status, 0);
+  EXPECT_TRUE(behindArguments(noReport).starts_with(
+      "\n ****** corvo.exe: ERROR *****\nCannot Open Output file ! ******a.out\n\n RXB:  0.2000"));
+  std::filesystem::remove(scratch.path() / "a.cvo");
+  std::filesystem::create_directory(scratch.path() / "a.cvo");
+  const ProgramRun noModel = runIn(scratch, SURGE + EQUAL, 3);
+  EXPECT_EQ(noModel.status, 1);
+  EXPECT_EQ(behindArguments(noModel),
+            "\n ****** corvo.exe: ERROR *****\nCannot Open corvo Output file ! ******\n");
+}
