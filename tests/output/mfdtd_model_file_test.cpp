@@ -1,8 +1,9 @@
 // MFDTD model files read back, and their functions compared with the line.
-#include "fit/series_fit.h"
 #include "output/mfdtd_model_file.h"
+
+#include "fit/series_fit.h"
 #include "store/rundata.h"
-#include "support/description.h"
+#include "support/child.h"
 #include "support/phase_file.h"
 #include "support/scratch.h"
 #include "support/solve.h"
@@ -16,22 +17,20 @@ using namespace lcp;
 using namespace lcp::test;
 
 TEST(MfdtdModelFile, TheFileIsTheLineToThePrintedError) {
-  const std::string keys =
-      "MFDTD Model Options\n{\nWeighting Factor 1: 1\nWeighting Factor 2: 1\n"
-      "Weighting Factor 3: 1\nVoltage Maximum: 550\nInfinite Line Length: 1\n"
-      "Interpolate Travel Times: 0\nMaximum Fitting Error (%) for Series Impedance: ";
+  const std::string keys = "MFDTD Model Options\n{\n" + EVENWEIGHTS +
+                           "Voltage Maximum: 550\nInfinite Line Length: 1\n"
+                           "Interpolate Travel Times: 0\n"
+                           "Maximum Fitting Error (%) for Series Impedance: ";
   for (const auto& [body, target] : {std::pair{singleCircuit(keys + "2\n}\n"), 2.0},
                                      {doubleCircuit(keys + "0.01\n}\n"), 0.01}}) {
-    const Scratch scratch;
-    scratch.file("a.cvi", description(body));
-    ProgramRun run = runProgram({"/file", "a.cvi", "/length", "25000"}, scratch.path());
+    const ProgramRun run = runLine(body, "25000");
     EXPECT_EQ(run.status, 0) << run.console;
     solveFirstLoop(body, 25000);
 
     // Behind the flag lines numbers alone: v holds them in their order.
     const int n = RUNDATA.line.NC;
     const std::size_t t = static_cast<std::size_t>(n * (n + 1)) / 2;
-    std::string text = run.files["a.cvo"];
+    std::string text = run.files.at("a.cvo");
     const std::size_t start = text.find("MFDTD"), flags = text.find("NOINT\nINFLENGTH\n");
     for (char& c : text) c = c == '(' || c == ',' || c == ')' ? ' ' : c;
     std::istringstream in(text.substr(flags + 16));

@@ -21,17 +21,17 @@ namespace {
 
 LineMatrix Y, Z;
 
-// The component of Y and Z, which is to be in that file, or what the run says instead.
-std::string component(int n, const std::string& name, int nameLength, const std::string& file) {
+// The component of Y and Z of a line with that name, or what the run says instead.
+std::string component(int n, const std::string& name) {
   const Scratch scratch;
   RUNDATA.line.LNAME = name;
-  RUNDATA.line.LNAMELEN = nameLength;
+  RUNDATA.line.LNAMELEN = static_cast<int>(name.size()) + 1; // a blank ends a name
   RUNDATA.line.NC = n;
   const ChildResult child = runChild([&] {
     std::filesystem::current_path(scratch.path());
     PISECT(Y, Z, 12345.67);
   });
-  return child.status == 0 ? contentOf(scratch.path() / file) : child.console;
+  return child.status == 0 ? contentOf(scratch.file(name + ".cmp")) : child.console;
 }
 
 bool has(const std::string& text, const std::string& line) {
@@ -78,22 +78,22 @@ TEST(PiComponent, ToTheCharacter) {
   Y(1, 1) = {6e-5, w * 20e-12};
   Y(1, 2) = Y(2, 1) = {4e-5, -w * 4e-12};
   Y(2, 2) = {-2e-5, w * 24e-12};
-  const Complex z[2][2] = {{{1e-4, 1.5e-6}, {5e-5, 7e-7}}, {{-6e-5, 8e-7}, {2e-4, 1.6e-6}}};
-  for (int i = 1; i <= 2; ++i) {
-    for (int j = 1; j <= 2; ++j) Z(i, j) = {z[i - 1][j - 1].real(), w * z[i - 1][j - 1].imag()};
-  }
-  EXPECT_EQ(component(2, "Two", 4, "Two.cmp"), contentOf(data / "pi_two.cmp"));
+  Z(1, 1) = {1e-4, w * 1.5e-6};
+  Z(1, 2) = {5e-5, w * 7e-7};
+  Z(2, 1) = {-6e-5, w * 8e-7};
+  Z(2, 2) = {2e-4, w * 1.6e-6};
+  EXPECT_EQ(component(2, "Two"), contentOf(data / "pi_two.cmp"));
   Y(1, 1).real(0);
-  const std::string full(30, 'n'); // no blank: a name for the file alone
-  EXPECT_EQ(component(1, full, 31, full + ".cmp"), contentOf(data / "pi_one.cmp"));
-  EXPECT_TRUE(has(component(2, "a/b", 4, ""), "Cannot Open Output File: a/b.cmp"));
+  // no blank behind it: a name for the file alone
+  EXPECT_EQ(component(1, std::string(30, 'n')), contentOf(data / "pi_one.cmp"));
+  EXPECT_TRUE(has(component(2, "a/b"), "Cannot Open Output File: a/b.cmp"));
 }
 
 TEST(PiComponent, CablesThatDoNotCoupleAndManyConductors) {
   RUNDATA.run.ISCABLE = CABLESYSTEM;
   Y = {};
   for (int i = 1; i <= LDMAT; ++i) Y(i, i) = Complex(0, 1e-8);
-  const std::string text = component(LDMAT, "c", 2, "c.cmp");
+  const std::string text = component(LDMAT, "c");
   RUNDATA.run.ISCABLE = OVERHEADLINE;
   for (const char* line : {R"(   Electrical("S14",-216,-936))", R"(   Electrical("R15",216,-1008))",
                            "  Rectangle(-160,72,160,-3528)", "  Line(+160,-1008,+216,-1008)",
@@ -101,7 +101,7 @@ TEST(PiComponent, CablesThatDoNotCoupleAndManyConductors) {
     EXPECT_TRUE(has(text, line)) << line;
   }
   EXPECT_FALSE(has(text, "$S1  $S2    0  0  $C_12"));
-  EXPECT_TRUE(has(component(2, "c", 2, "c.cmp"), "$S1  $S2    0  0  $C_12"));
+  EXPECT_TRUE(has(component(2, "c"), "$S1  $S2    0  0  $C_12"));
 }
 
 TEST(PiComponent, TheCircuitIsThatOfTheLine) {
@@ -112,9 +112,8 @@ TEST(PiComponent, TheCircuitIsThatOfTheLine) {
     Y = SOLVEDATA.first.YMAT;
     Z = SOLVEDATA.first.ZMAT;
     const int n = RUNDATA.line.NC;
-    auto c = readCircuit(component(n, "L", 2, "L.cmp"), static_cast<std::size_t>(n), TWOPI * 60);
-    const double digits =
-        7.1e-9; // both parts of a number may be half a unit of the ninth digit off
+    auto c = readCircuit(component(n, "L"), static_cast<std::size_t>(n), TWOPI * 60);
+    const double digits = 7.1e-9; // both parts may be half a unit of the ninth digit off
     EXPECT_LT(distance(times(2, c['S']), corner(Y, n)), digits);
     EXPECT_LT(distance(times(2, c['R']), corner(Y, n)), digits);
     EXPECT_LT(distance(c['Z'], corner(Z, n)), digits);

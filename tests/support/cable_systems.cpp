@@ -2,8 +2,8 @@
 
 #include "base/constants.h"
 #include "cable/cable_zy.h"
-#include "store/solvedata.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace lcp::test {
@@ -18,7 +18,7 @@ void giveLayers(Cable& C, LineNumbers& r, double scale) {
   for (std::size_t k = 2; k < 9; ++k) {
     C.CBRAD[k] = C.CBRAD[k - 1] + scale * r.between(0.1, k % 2 == 0 ? 0.8 : 0.2);
   }
-  for (double& mu : C.CBMU) mu = 1;
+  C.CBMU.fill(1);
   for (std::size_t k = 0; k < 4; ++k) {
     C.CBRHO[k] = std::pow(10.0, r.between(-7.8, -6.6));
     C.CBEPS[k] = r.between(2, 5);
@@ -26,29 +26,13 @@ void giveLayers(Cable& C, LineNumbers& r, double scale) {
   }
 }
 
-void giveGrounding(Cable& C, LineNumbers& r) {
-  C.CBGLAST = r.upTo(0, 3);
-  C.CBELIM1 = r.chance(0.5);
-  C.CBELIM2 = r.chance(0.5);
-  C.CBELIM3 = r.chance(0.5);
-}
-
 void givePipe(int cables, LineNumbers& r) {
   CableTable& T = RUNDATA.cable;
   PipeRecord& P = T.pipe;
-  T.PIPEF = true;
-  T.NPIPE = P.PIPEUSED = 1;
-  P.PIPEX = -3;
-  P.PIPEY = 1.5;
-  P.PIPEOUTL = r.upTo(0, 1);
-  P.PIPEGND = 1;
-  P.PIPERI = 0.4;
-  P.PIPERC = 0.41;
-  P.PIPERO = 0.42;
-  P.PIPERHO = 2e-7;
-  P.PIPEMU = r.chance(0.5) ? 1 : 200;
-  P.PIPEEPSI = P.PIPEEPSO = 2.5;
-  P.PIPEMUI = P.PIPEMUO = 1;
+  T.NPIPE = 1;
+  const int insulated = r.upTo(0, 1);
+  const double mu = r.chance(0.5) ? 1 : 200;
+  P = {1, -3, 1.5, 0, insulated, 1, 0.4, 0.41, 0.42, 2e-7, mu, 2.5, 1, 0, 2.5, 1};
   for (int c = cables; c >= 1 && c > cables - 3; --c) {
     Cable& C = T.CB[c];
     C.CBPIPE = 1;
@@ -65,19 +49,12 @@ void givePipe(int cables, LineNumbers& r) {
 
 void setSingleCore(int c, double x, double depth) {
   Cable& C = RUNDATA.cable.CB[c];
-  C = {};
-  C.CBUSED = c;
-  C.CBX = x;
-  C.CBY = depth;
-  C.CBNLAY = 4;
+  C = {c, x, depth, 0, 0, 4, {0, 0.02, 0.035, 0.037, 0.04}, {1.8e-8, 2.8e-8}, {}, {2.5, 2.3}};
   C.CBSOLID = true;
-  C.CBRAD = {0, 0.02, 0.035, 0.037, 0.04};
-  C.CBRHO = {1.8e-8, 2.8e-8};
   C.CBMU.fill(1);
-  C.CBEPS = {2.5, 2.3};
 }
 
-void makeCables(std::uint64_t seed, const SystemWish& wish) {
+void makeCables(std::uint64_t seed) {
   RUNDATA = {};
   CableTable& T = RUNDATA.cable;
   LineNumbers r(seed);
@@ -85,31 +62,21 @@ void makeCables(std::uint64_t seed, const SystemWish& wish) {
   RUNDATA.run.LINELEN = r.between(1e2, 1e4);
   RUNDATA.ground.GRHO = std::pow(10.0, r.between(1, 3));
   RUNDATA.ground.GEPSR = r.between(1, 10);
-  T.NCABLE = r.upTo(1, wish.mostCables);
+  T.NCABLE = r.upTo(1, 6);
   for (int c = 1; c <= T.NCABLE; ++c) {
     Cable& C = T.CB[c];
     C.CBUSED = c;
     giveLayers(C, r, r.between(0.005, 0.02));
     C.CBX = 0.5 * c + r.between(0, 0.1);
-    C.CBOVHD = r.chance(wish.aerial);
+    C.CBOVHD = r.chance(0.2);
     C.CBY = C.CBOVHD ? r.between(5, 20) : r.between(0.5, 2);
-    if (r.chance(wish.grounding)) giveGrounding(C, r);
+    C.CBGLAST = std::max(0, r.upTo(-3, 3)); // half of them ground something
+    for (bool* eliminated : {&C.CBELIM1, &C.CBELIM2, &C.CBELIM3}) *eliminated = r.chance(0.5);
   }
-  if (r.chance(wish.pipe)) givePipe(T.NCABLE, r);
+  if (r.chance(0.3)) givePipe(T.NCABLE, r);
   for (int c = 1; c <= T.NCABLE; ++c) T.ANYOVHD = T.ANYOVHD || T.CB[c].CBOVHD;
 }
 
-LineResult solveCables(double f, bool first) {
-  FirstLoopStore& S = SOLVEDATA.first;
-  LineResult result;
-  S.ISTATUS = first;
-  CBZY(f, result.length, S.YMAT, S.ZMAT, S.PMAT);
-  S.ISTATUS = false;
-  result.n = RUNDATA.line.NC;
-  result.Y = corner(S.YMAT, result.n);
-  result.Z = corner(S.ZMAT, result.n);
-  result.P = corner(S.PMAT, result.n);
-  return result;
-}
+LineResult solveCables(double f) { return solveWith(CBZY, f); }
 
 } // namespace lcp::test

@@ -2,7 +2,6 @@
 
 #include "base/console.h"
 
-#include <cstdio>
 #include <cstdlib>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -25,9 +24,8 @@ ChildResult runChild(const std::function<void()>& code) {
   }
   close(ends[1]);
   char buffer[4096];
-  for (ssize_t n = 0; (n = read(ends[0], buffer, sizeof buffer)) > 0;) {
+  for (ssize_t n = 0; (n = read(ends[0], buffer, sizeof buffer)) > 0;)
     result.console.append(buffer, static_cast<std::size_t>(n));
-  }
   close(ends[0]);
   int status = 0;
   waitpid(child, &status, 0);

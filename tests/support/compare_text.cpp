@@ -1,7 +1,6 @@
 #include "support/compare_text.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cmath>
 #include <fmt/format.h>
 #include <regex>
@@ -12,107 +11,78 @@ namespace lcp::test {
 
 namespace {
 
-constexpr int SHOWN = 5; // lines that differ
-
 struct Line {
-  std::string mask; // the line with its real numbers blotted out
+  std::string mask; // the line with what two close values may write differently blotted out
   std::vector<double> values, units;
+  double largest = 0.0;
   bool matrix = false; // numbers and commas alone
 };
 
-using Lines = std::vector<std::string>;
-
-// Sign, digits, point, digits, and an exponent: E+01, or +101 without its letter.
 Line taken(const std::string& text) {
-  static const std::regex number(R"([-+]?\d*\.(\d+)(?:[Ee]([-+]?\d+)|([-+]\d{3}))?(?![.\w]))");
-  Line line;
-  line.mask = text;
-  std::ptrdiff_t last = 0;
+  static const std::regex number(R"([-+]?\d*\.(\d+)(?:E([-+]\d+))?)");
+  Line line{.mask = text, .values = {}, .units = {}};
   for (std::sregex_iterator m(text.begin(), text.end(), number), end; m != end; ++m) {
-    const std::ptrdiff_t at = m->position();
-    const char before = at > last ? text[static_cast<std::size_t>(at - 1)] : ' ';
-    if (before == '.' || std::isalnum(static_cast<unsigned char>(before)) != 0) continue;
-    last = at + m->length();
-    const std::ptrdiff_t point = m->position(1) - 1;
-    const std::string exponent = (*m)[2].str() + (*m)[3].str();
-    line.values.push_back(std::stod(
-        text.substr(static_cast<std::size_t>(at), static_cast<std::size_t>(point + 1 - at) +
-                                                      static_cast<std::size_t>(m->length(1))) +
-        "e" + (exponent.empty() ? "0" : exponent)));
-    line.units.push_back(std::pow(10.0, std::atoi(exponent.c_str()) - m->length(1)));
-    // What two close values may write differently: all before the point, digits and signs behind.
-    std::fill(line.mask.begin() + at, line.mask.begin() + point, ' ');
-    for (auto c = line.mask.begin() + point; c != line.mask.begin() + last; ++c) {
-      if (*c != '.' && *c != 'E') *c = *c == '-' || *c == '+' ? '+' : '9';
-    }
+    const int exponent = (*m)[2].matched ? std::stoi((*m)[2]) : 0;
+    line.values.push_back(std::stod(m->str()));
+    line.units.push_back(std::pow(10.0, exponent - m->length(1)));
+    line.largest = std::max(line.largest, std::fabs(line.values.back()));
+    // all before the point, digits and signs behind it
+    const auto start = line.mask.begin() + m->position(), point = start + m->str().find('.');
+    std::fill(start, point, ' ');
+    std::replace_if(
+        point, start + m->length(), [](char c) { return c == '-' || c == '+'; }, '+');
+    std::replace_if(
+        point, start + m->length(), [](char c) { return c >= '0' && c <= '9'; }, '9');
   }
   line.matrix = line.mask.find(',') != std::string::npos &&
                 line.mask.find_first_not_of(" .,9E+") == std::string::npos;
   return line;
 }
 
-double largestOf(const std::vector<double>& values) {
-  double largest = 0.0;
-  for (const double v : values) largest = std::max(largest, std::fabs(v));
-  return largest;
-}
-
-// The largest number of the matrix that a line is in.
-double matrixScale(const Lines& lines, std::size_t at) {
-  while (at > 0 && taken(lines[at - 1]).matrix) --at;
-  double largest = 0.0;
-  for (; at < lines.size(); ++at) {
-    const Line line = taken(lines[at]);
-    if (!line.matrix) break;
-    largest = std::max(largest, largestOf(line.values));
-  }
-  return largest;
-}
-
-bool agree(const Lines& wanted, const std::string& got, std::size_t at, const Tolerances& t) {
-  if (wanted[at].find("NaN") != std::string::npos) return false;
-  if (wanted[at] == got) return true;
-  const Line expected = taken(wanted[at]), actual = taken(got);
-  if (expected.mask != actual.mask || expected.values.size() != actual.values.size()) return false;
-  const bool matrix = expected.matrix;
-  const double common =
-      matrix ? t.matrix * matrixScale(wanted, at) : t.line * largestOf(expected.values);
-  for (std::size_t i = 0; i < expected.values.size(); ++i) {
-    const double own = matrix ? 0.0 : t.scalar * std::fabs(expected.values[i]);
-    const double unit = 1.0001 * std::max(expected.units[i], actual.units[i]);
-    const double may = std::max({common, own, unit});
-    if (!(std::fabs(expected.values[i] - actual.values[i]) <= may)) return false;
-  }
-  return true;
-}
-
-Lines split(const std::string& text) {
-  Lines lines(1);
-  for (const char c : text) {
-    lines.back() += c;
-    if (c != '\n') continue;
-    lines.back().pop_back();
-    lines.emplace_back();
-  }
+std::vector<std::string> split(const std::string& text) {
+  std::vector<std::string> lines;
+  std::istringstream in(text + "."); // what stands behind the last line end is a line
+  for (std::string l; std::getline(in, l);) lines.push_back(l);
   return lines;
+}
+
+// The largest number of the matrix that begins with a line.
+double matrixScale(const std::vector<std::string>& lines, std::size_t at) {
+  double largest = 0.0;
+  for (Line line = taken(lines[at]); line.matrix; line = taken(lines[++at]))
+    largest = std::max(largest, line.largest);
+  return largest;
+}
+
+bool agree(const Line& expected, const Line& actual, double scale, const Tolerances& t) {
+  if (expected.mask != actual.mask || expected.values.size() != actual.values.size()) return false;
+  for (std::size_t i = 0; i < expected.values.size(); ++i) {
+    const double value = expected.values[i];
+    const double unit = 1.0001 * std::max(expected.units[i], actual.units[i]);
+    const double may = expected.matrix
+                           ? t.matrix * scale
+                           : std::max(t.scalar * std::fabs(value), t.line * expected.largest);
+    if (!(std::fabs(value - actual.values[i]) <= std::max(may, unit))) return false;
+  }
+  return expected.mask.find("NaN") == std::string::npos;
 }
 
 } // namespace
 
 std::string textDifferences(const std::string& expected, const std::string& actual,
                             const Tolerances& t) {
-  const Lines wanted = split(expected), got = split(actual);
-  std::string report;
-  if (wanted.size() != got.size()) {
-    report = fmt::format("{} line ends, expected {}\n", got.size() - 1, wanted.size() - 1);
+  const std::vector<std::string> wanted = split(expected), got = split(actual);
+  double scale = 0.0;
+  bool inMatrix = false;
+  for (std::size_t i = 0; i < std::min(wanted.size(), got.size()); ++i) {
+    const Line line = taken(wanted[i]);
+    if (line.matrix && !inMatrix) scale = matrixScale(wanted, i);
+    inMatrix = line.matrix;
+    if (!agree(line, taken(got[i]), scale, t))
+      return fmt::format("line {}: |{}|, expected |{}|\n", i + 1, got[i], wanted[i]);
   }
-  int shown = 0;
-  for (std::size_t i = 0; i < std::min(wanted.size(), got.size()) && shown < SHOWN; ++i) {
-    if (agree(wanted, got[i], i, t)) continue;
-    ++shown;
-    report += fmt::format("line {}: |{}|, expected |{}|\n", i + 1, got[i], wanted[i]);
-  }
-  return report;
+  if (wanted.size() == got.size()) return "";
+  return fmt::format("{} line ends, expected {}\n", got.size() - 1, wanted.size() - 1);
 }
 
 } // namespace lcp::test

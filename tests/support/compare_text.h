@@ -1,8 +1,8 @@
 // Compares a text that the program wrote with the text that is expected.
 //
-// Words, blanks, integers, columns and the number of lines must be the same. A real number (digits
-// behind a point) must have its point in the same column and as many digits behind it; its value
-// may differ by the tolerance of its kind:
+// All must be the same but the digits and signs of the real numbers (digits behind a point). Their
+// points must stand in the same columns with as many digits behind them, and the values may differ
+// by the tolerance of their kind:
 //   - lines of complex pairs "re,im" and nothing else: a matrix over the consecutive lines of the
 //     kind, each number relative to the largest in it;
 //   - any other real number: relative to itself, or by the tolerance `line` times the largest
@@ -22,7 +22,7 @@ struct Tolerances {
   double line = 0.0;
 };
 
-// Empty when the texts agree, else the first differences, each with its line number.
+// Empty when the texts agree, else the first line that differs.
 std::string textDifferences(const std::string& expected, const std::string& actual,
                             const Tolerances& t);
 

@@ -2,12 +2,9 @@
 
 #include "input/reader.h"
 #include "store/rundata.h"
+#include "support/scratch.h"
 
-#include <cstdio>
-#include <filesystem>
 #include <fmt/format.h>
-#include <fstream>
-#include <unistd.h>
 
 namespace lcp::test {
 
@@ -15,13 +12,9 @@ namespace {
 
 const char* caseName(int iscable) { return iscable == 0 ? "case.cvi" : "case.cbi"; }
 
-std::string scratchFolder() {
-  static const std::string folder = [] {
-    const auto path =
-        std::filesystem::temp_directory_path() / fmt::format("corvo_tests_{}", getpid());
-    std::filesystem::create_directories(path);
-    return path.string();
-  }();
+// A folder of the test process.
+const Scratch& scratch() {
+  static const Scratch folder;
   return folder;
 }
 
@@ -35,9 +28,7 @@ void prepare(const std::string& text, int iscable, double length) {
 } // namespace
 
 std::string scratchFile(std::string_view name, std::string_view text) {
-  std::string path = fmt::format("{}/{}", scratchFolder(), name);
-  std::ofstream(path, std::ios::binary) << text;
-  return path;
+  return name.empty() ? scratch().file(name) : scratch().file(name, text); // or the folder
 }
 
 std::string description(std::string_view body) {
@@ -70,8 +61,7 @@ ChildResult readInChild(const std::string& text, int iscable, double length) {
 std::string errorExit(std::string_view lastLine, int iscable) {
   const std::string stars(43, '*');
   return lines({"", stars, "Corvo.exe: ERROR",
-                fmt::format("Error in Reading Data File: {}",
-                            fmt::format("{}/{}", scratchFolder(), caseName(iscable))),
+                "Error in Reading Data File: " + scratch().file(caseName(iscable)),
                 fmt::format("Last Line Read Was: {}", lastLine), stars, "READTLDATA Ending!"});
 }
 

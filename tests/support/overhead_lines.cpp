@@ -26,19 +26,16 @@ void addBehind(int main, int role, double dx, double dy) {
   const int e = ++C.NCOND;
   copyConductor(C, main, C, e);
   C.CX[e] += dx;
-  C.CYAVG[e] += dy;
-  C.CY[e] = C.CYAVG[e];
+  C.CY[e] = C.CYAVG[e] += dy;
   C.CSHUNT[e] = 0;
   C.CMAP[e] = role;
 }
 
 void addKept(int i, int columns, LineNumbers& r, bool transposition) {
   ConductorTable& C = RUNDATA.cond;
-  const int place = i - 1;
+  const int place = i - 1, row = place / columns;
   const double x = 6.0 * (place % columns) - 3.0 * columns + r.between(-2, 2);
-  const int row = place / columns;
-  const double y = 10.0 + 7.0 * row + r.between(-2, 2);
-  const double radius = r.between(0.008, 0.02);
+  const double y = 10.0 + 7.0 * row + r.between(-2, 2), radius = r.between(0.008, 0.02);
   setConductor(i, x, y, radius, r.between(2e-5, 3e-4));
   giveShape(i, r);
   if (place % 3 == 0) ++C.NCIRC;
@@ -80,24 +77,21 @@ void makeLine(std::uint64_t seed, const LineWish& wish) {
   const int columns = (kept + 3) / 4; // places 6 m apart, so that wires stay clear of each other
   for (int i = 1; i <= kept; ++i) addKept(i, columns, r, wish.transposition);
   const int sub = r.upTo(1, wish.mostBundle);
-  for (int m = 1; m < sub; ++m) {
-    const int row = m / 2;
-    for (int i = 1; i <= kept; ++i) {
-      if (C.CMAP[i] == MAPMAIN) addBehind(i, i, 0.45 * (m % 2), 0.45 * row);
-    }
+  for (int i = kept; i < kept * sub; ++i) { // one of every bundle in turn
+    const int main = i % kept + 1, m = i / kept, row = m / 2;
+    if (C.CMAP[main] == MAPMAIN) addBehind(main, main, 0.45 * (m % 2), 0.45 * row);
   }
-  const int wires = r.upTo(0, wish.mostEliminated);
-  for (int g = 0; g < wires; ++g) {
+  for (int g = r.upTo(0, wish.mostEliminated); g > 0; --g) {
     const double dx = 9.0 * g + r.between(-2, 2);
     addBehind(1, MAPELIMINATED, dx, 33.0 + r.between(-2, 2));
   }
 }
 
-LineResult solveLine(double f, bool first) {
+LineResult solveWith(LineConstants routine, double f, bool first) {
   FirstLoopStore& S = SOLVEDATA.first;
   LineResult result;
   S.ISTATUS = first;
-  OHZY(f, result.length, S.YMAT, S.ZMAT, S.PMAT);
+  routine(f, result.length, S.YMAT, S.ZMAT, S.PMAT);
   S.ISTATUS = false;
   result.n = RUNDATA.line.NC;
   result.Y = corner(S.YMAT, result.n);
@@ -105,5 +99,7 @@ LineResult solveLine(double f, bool first) {
   result.P = corner(S.PMAT, result.n);
   return result;
 }
+
+LineResult solveLine(double f, bool first) { return solveWith(OHZY, f, first); }
 
 } // namespace lcp::test

@@ -43,7 +43,6 @@ void readAdmittance(Lines& in, PhaseFile& f) {
   const std::size_t n = in.count();
   f.n = static_cast<int>(n);
   in.expect("Residues and poles:");
-  f.yConstant = zeros(n);
   for (std::size_t column = 0; column < n; ++column) {
     f.yPoles.resize(in.count());
     f.yResidues.resize(f.yPoles.size(), zeros(n));
@@ -52,13 +51,11 @@ void readAdmittance(Lines& in, PhaseFile& f) {
       for (std::size_t r = 0; r < n; ++r) f.yResidues[m][r][column] = in.complex();
     }
   }
-  for (std::size_t c = 0; c < n; ++c) {
-    for (std::size_t r = 0; r < n; ++r) f.yConstant[r][c] = in.number();
-  }
+  f.yConstant = zeros(n);
+  for (std::size_t e = 0; e < n * n; ++e) f.yConstant[e % n][e / n] = in.number();
 }
 
 void readPropagation(Lines& in, PhaseFile& f) {
-  const auto n = static_cast<std::size_t>(f.n);
   in.expect("Fitting parameters for the propagation function:");
   in.expect("N.o. delay groups:");
   f.delays.resize(in.count());
@@ -69,14 +66,13 @@ void readPropagation(Lines& in, PhaseFile& f) {
   for (auto& group : f.hPoles) {
     group.resize(in.count());
     for (Wide& p : group) p = in.complex();
-    f.hResidues.emplace_back(group.size(), zeros(n));
   }
   in.expect("Residues:");
-  for (auto& group : f.hResidues) {
-    for (std::size_t c = 0; c < n; ++c) {
-      for (std::size_t r = 0; r < n; ++r) {
-        for (Dense& residue : group) residue[r][c] = in.complex();
-      }
+  const auto n = static_cast<std::size_t>(f.n);
+  for (const auto& poles : f.hPoles) {
+    auto& group = f.hResidues.emplace_back(poles.size(), zeros(n));
+    for (std::size_t e = 0; e < n * n; ++e) {
+      for (Dense& residue : group) residue[e % n][e / n] = in.complex();
     }
   }
 }
@@ -97,21 +93,18 @@ int badPoles(const std::vector<Wide>& poles) {
 PhaseFile readPhaseFile(const std::string& text) {
   PhaseFile f;
   Lines in{std::istringstream(text), ""};
-  for (int i = 0; i < 5; ++i) in.next();
-  f.firstLine = in.next();
+  for (int i = 0; i < 6; ++i) in.next();
   readAdmittance(in, f);
   readPropagation(in, f);
   f.trouble = in.trouble;
-  std::string more;
-  if (std::getline(in.in, more) && f.trouble.empty()) f.trouble = "more lines: " + more;
+  if (f.trouble.empty() && in.in.peek() != EOF) f.trouble = "more lines: " + in.next();
   return f;
 }
 
 Dense PhaseFile::Yc(Wide s) const {
   Dense Y = yConstant;
-  for (std::size_t m = 0; m < yPoles.size(); ++m) {
+  for (std::size_t m = 0; m < yPoles.size(); ++m)
     Y = sum(Y, yResidues[m], Wide(1) / (s - yPoles[m]));
-  }
   return Y;
 }
 
@@ -119,9 +112,8 @@ Dense PhaseFile::H(Wide s) const {
   Dense all = zeros(static_cast<std::size_t>(n));
   for (std::size_t g = 0; g < delays.size(); ++g) {
     const Wide delay = std::exp(-s * delays[g]);
-    for (std::size_t m = 0; m < hPoles[g].size(); ++m) {
+    for (std::size_t m = 0; m < hPoles[g].size(); ++m)
       all = sum(all, hResidues[g][m], delay / (s - hPoles[g][m]));
-    }
   }
   return all;
 }

@@ -12,7 +12,6 @@ namespace lcp::test {
 int badPoles(const std::vector<Wide>& poles);
 
 struct PhaseFile {
-  std::string firstLine;
   int n = 0;
   std::vector<Wide> yPoles;
   std::vector<Dense> yResidues; // one matrix a pole

@@ -54,19 +54,17 @@ void setRandomResidues(LineNumbers& numbers) {
     forPoles([&](int g, int m) {
       const Complex p = FITMODEL.HPOLE[g][m];
       PoleTable& R = FITMODEL.HRES[g](r, c);
+      const double re = numbers.between(-1, 1), im = p.imag() == 0 ? 0 : numbers.between(-1, 1);
       const bool second = m > 1 && p.imag() != 0 && p == std::conj(FITMODEL.HPOLE[g][m - 1]);
-      R[m] = second ? std::conj(R[m - 1])
-                    : Complex(numbers.between(-1, 1), p.imag() == 0 ? 0 : numbers.between(-1, 1)) *
-                          std::abs(p);
+      R[m] = second ? std::conj(R[m - 1]) : std::abs(p) * Complex(re, im);
     });
   });
 }
 
 void sampleH(const ElementFunction& H) {
   forElements([&](int r, int c) {
-    for (int k = 1; k <= SOLVEDATA.grid.NFUSE; ++k) {
+    for (int k = 1; k <= SOLVEDATA.grid.NFUSE; ++k)
       SOLVEDATA.second.HST(k, r, c) = H(r, c, Complex(axis(k)));
-    }
   });
 }
 
@@ -76,13 +74,10 @@ void sampleModelOfH() {
 
 Wide modelOfH(int r, int c, Wide s) {
   Wide H = 0;
-  for (int g = 1; g <= FITMODEL.NGROUP; ++g) {
-    Wide sum = 0;
-    for (int m = 1; m <= FITMODEL.NH[g]; ++m) {
-      sum += Wide(FITMODEL.HRES[g](r, c)[m]) / (s - Wide(FITMODEL.HPOLE[g][m]));
-    }
-    H += std::exp(-s * Wide(FITMODEL.TAU[g])) * sum;
-  }
+  forPoles([&](int g, int m) {
+    const Wide term = Wide(FITMODEL.HRES[g](r, c)[m]) / (s - Wide(FITMODEL.HPOLE[g][m]));
+    H += std::exp(-s * Wide(FITMODEL.TAU[g])) * term;
+  });
   return H;
 }
 
@@ -100,9 +95,8 @@ MeasuredFit measureFit() {
     }
     fit.rms = std::max(fit.rms, std::sqrt(squares / NS));
     forPoles([&](int g, int m) {
-      const Complex p = FITMODEL.HPOLE[g][m];
-      if (p.imag() != 0) return;
-      fit.ratio = std::max(fit.ratio, std::abs(FITMODEL.HRES[g](r, c)[m]) / std::abs(p));
+      const double ratio = std::abs(FITMODEL.HRES[g](r, c)[m] / FITMODEL.HPOLE[g][m]);
+      if (FITMODEL.HPOLE[g][m].imag() == 0) fit.ratio = std::max(fit.ratio, ratio);
     });
   });
   return fit;

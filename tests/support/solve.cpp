@@ -11,53 +11,55 @@
 #include <algorithm>
 #include <cmath>
 #include <fmt/format.h>
+#include <vector>
 
 namespace lcp::test {
 
 namespace {
 
-std::string circuit(const char* phases, double x, double y, const char* more) {
-  return fmt::format("Circuit\n{{\nConductors: 3\nConductor Phase Information: {}\nRadius: 0.0153\n"
-                     "DCResistance: 0.0587\nSag: 7\nShuntConductance: 1e-11\n"
-                     "P1 : {} {}\nP2 : {} {}\nP3 : {} {}\n{}}}\n",
-                     phases, x, y, x * 1.3, y + 6.5, x * 0.9, y + 13, more);
+const std::string TOWER = "Line Constants Tower\n{\n";
+
+// A circuit whose first conductor has that number, and its places.
+std::string circuit(int first, const std::vector<std::pair<double, double>>& places) {
+  std::string phases, positions;
+  int k = 0;
+  for (const auto& [x, y] : places) {
+    phases += fmt::format(" {}", first + k++);
+    positions += fmt::format("P{} : {:.6f} {:.6f}\n", k, x, y);
+  }
+  return fmt::format("Circuit\n{{\nConductors: {}\nConductor Phase Information:{}\nRadius: 0.0153\n"
+                     "DCResistance: 0.0587\nSag: 7\nShuntConductance: 1e-11\n{}}}\n",
+                     places.size(), phases, positions);
+}
+
+std::string groundWire(double x, double y) {
+  return fmt::format("GroundWires: 1\n{{\nDCResistance: 2.8\nRadius: 0.0055\nSag: 5\n"
+                     "P1 : {} {}\n}}\n",
+                     x, y);
 }
 
 } // namespace
 
 std::string singleCircuit(const std::string& model, const std::string& circuitLines) {
-  return summary(3) +
-         threePhaseTower(circuitLines, "GroundWires: 1\n{\nDCResistance: 2.8\nRadius: 0.0055\n"
-                                       "Sag: 5\nP1 : 0.5 28\n}\n") +
-         model;
+  return summary(3) + threePhaseTower(circuitLines, groundWire(0.5, 28)) + model;
 }
 
 std::string doubleCircuit(const std::string& model) {
-  return summary(6) + "Line Constants Tower\n{\n" + circuit("1 2 3", -5.5, 17.5, "") +
-         circuit("4 5 6", 5.5, 17.5, "") +
-         "GroundWires: 1\n{\nDCResistance: 2.8\nRadius: 0.0055\nSag: 5\nP1 : 0 40\n}\n}\n" + model;
+  return summary(6) + TOWER + circuit(1, {{-5.5, 17.5}, {-7.15, 24}, {-4.95, 30.5}}) +
+         circuit(4, {{5.5, 17.5}, {7.15, 24}, {4.95, 30.5}}) + groundWire(0, 40) + "}\n" + model;
 }
 
 std::string manyCircuits(int n, const std::string& model) {
   std::string body = summary(n);
-  int node = 1;
-  for (int circuits = 0; node <= n; ++circuits) {
-    const int tower = circuits / 4, level = circuits % 4 / 2, side = circuits % 2 == 0 ? -1 : 1;
-    if (circuits % 4 == 0)
-      body += circuits == 0 ? "Line Constants Tower\n{\n" : "}\nLine Constants Tower\n{\n";
-    const int last = std::min(node + 2, n);
-    body +=
-        fmt::format("Circuit\n{{\nConductors: {}\nConductor Phase Information:", last - node + 1);
-    for (int i = node; i <= last; ++i) body += fmt::format(" {}", i);
-    body += "\nRadius: 0.0153\nDCResistance: 0.0587\nSag: 7\nShuntConductance: 1e-11\n";
-    for (int i = node; i <= last; ++i) {
-      const int phase = i - node;
-      body += fmt::format("P{} : {:.6f} {:.6f}\n", phase + 1,
-                          45 * tower + 8 * side + 2.1 * side * (phase - 1) + 0.13 * node,
+  for (int node = 1; node <= n; node += 3) {
+    const int circuits = node / 3, level = circuits % 4 / 2, side = circuits % 2 == 0 ? -1 : 1;
+    if (circuits % 4 == 0) body += circuits == 0 ? TOWER : "}\n" + TOWER;
+    std::vector<std::pair<double, double>> places;
+    for (int phase = 0; phase < std::min(3, n + 1 - node); ++phase) {
+      places.emplace_back(45 * (circuits / 4) + 8 * side + 2.1 * side * (phase - 1) + 0.13 * node,
                           16 + 7 * level + 2.3 * phase + std::fmod(0.17 * node, 3));
     }
-    body += "}\n";
-    node = last + 1;
+    body += circuit(node, places);
   }
   return body + "}\n" + model;
 }
@@ -84,6 +86,10 @@ std::string yzTableOf(int last) {
 
 std::string phaseModel(const std::string& keys) {
   return "Frequency Dep. (Phase) Model Options\n{\n" + keys + "}\n";
+}
+
+std::string modeModel(const std::string& keys) {
+  return "Frequency Dep. (Mode) Model Options\n{\n" + EVENWEIGHTS + keys + "}\n";
 }
 
 std::string bergeronModel(const std::string& keys) {

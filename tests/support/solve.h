@@ -19,7 +19,10 @@ std::string manualLineOf(int n, const std::string& keys, const std::string& mode
 std::string yzTableOf(int last);
 
 std::string phaseModel(const std::string& keys = ""); // frequency dependent (phase)
+std::string modeModel(const std::string& keys = "");  // ... (mode), all samples of one weight
 std::string bergeronModel(const std::string& keys = "");
+inline const std::string EVENWEIGHTS =
+    "Weighting Factor 1: 1\nWeighting Factor 2: 1\nWeighting Factor 3: 1\n";
 
 // Reads the description, lays the grid and runs the loops.
 void solveFirstLoop(const std::string& body, double length = 1e5);

@@ -2,11 +2,11 @@
 //
 // A case is a directory under tests/cases/ with
 //   arguments   one argument of the command line a line; paths are relative to the directory of
-//               the run, a scratch directory with copies of the case's input files
+//               the run, a scratch directory with a copy of the case
 //   console     what the run prints
 //   status      its exit status
 //   expected/   the files it writes, all of them; absent when it writes none
-//   tolerance   how close numbers must be, by kind (see compare_text.h), a kind a line
+//   tolerance   how close numbers must be: matrix, scalar and line (see compare_text.h)
 //   source      one line: where the expected numbers come from (an independent calculation, a
 //               book), or "snapshot of this program: guards the layout only"
 // and its input files. With CORVO_REWRITE_SNAPSHOTS set in the environment the cases whose source
@@ -27,14 +27,16 @@ struct ProgramRun {
   std::map<std::string, std::string> files; // files that are new or changed, by relative path
 };
 
-// Runs the program, or another command, in the directory; a signal ends it at the time limit.
+// Runs the program in the directory; a signal ends it at the time limit.
 ProgramRun runProgram(const std::vector<std::string>& arguments,
-                      const std::filesystem::path& directory,
-                      const std::string& command = CORVO_PROGRAM);
+                      const std::filesystem::path& directory);
+
+// The same in an empty directory, on a description a.cvi with that body, with more arguments.
+ProgramRun runLine(const std::string& body, const std::string& length,
+                   const std::vector<std::string>& more = {});
 
 // Runs a case. Empty when the run is as expected, else what is not.
-std::string caseDifferences(const std::filesystem::path& directory,
-                            const std::string& command = CORVO_PROGRAM);
+std::string caseDifferences(const std::filesystem::path& directory);
 // Takes the run of a snapshot as expected; false when the case is none.
 bool rewriteCase(const std::filesystem::path& directory);
 
