@@ -2,6 +2,7 @@
 
 #include "base/constants.h"
 #include "cable/earth_pairs.h"
+#include "cable/earth_reference.h"
 #include "cable/numbering.h"
 #include "overhead/earth_return.h"
 #include "store/rundata.h"
@@ -19,20 +20,10 @@ namespace {
 
 double relative(Complex a, Complex b) { return std::abs(a / b - 1.0); }
 
-// Twice the integral of exp(-up u - down s) cos(x u) / (N u + s), s = sqrt(u^2 + m2), by Simpson's
-// rule over intervals that double.
+// Twice the integral of exp(-up u - down s) cos(x u) / (N u + s).
 Complex integral(double up, double down, double x, Complex m2, Complex N = 1.0) {
-  const auto f = [&](double u) {
-    const Complex s = std::sqrt(u * u + m2);
-    return std::exp(-up * u - down * s) * std::cos(x * u) / (N * u + s);
-  };
-  Complex sum = 0;
-  double u = 0, h = 2.5e-6 * std::abs(std::sqrt(m2));
-  while (u < 40.0 / (up + down)) {
-    for (int k = 0; k < 400; ++k, u += h) sum += h / 3 * (f(u) + 4.0 * f(u + h / 2) + f(u + h));
-    h = u / 400;
-  }
-  return sum;
+  const Complex m = std::sqrt(m2);
+  return std::exp(-down * m) * test::earthIntegral(up, down, x, m, N);
 }
 
 Complex K(int n, Complex z) { return std::exp(-z) * test::scaledBesselK(n, z); }

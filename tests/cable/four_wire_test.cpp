@@ -83,11 +83,6 @@ TEST(FourWire, ModesAreThoseOfTheSquare) {
     EXPECT_NEAR(SOLVEDATA.second.RLOSS1[i], R[i - 1], 1e-11);
     EXPECT_NEAR(SOLVEDATA.second.TAUMS[i], tau[i - 1], 1e-11);
   }
-  at(50.0);
-  formReportModes(); // in an order of its own
-  double sum = 0;
-  for (int i = 1; i <= 4; ++i) sum += SOLVEDATA.second.ZSURGE[i].real() - Zs[i - 1];
-  EXPECT_NEAR(sum, 0.0, 1e-7);
 }
 
 TEST(FourWire, RecordsWithoutAFieldEndTheRun) {
@@ -97,8 +92,7 @@ TEST(FourWire, RecordsWithoutAFieldEndTheRun) {
     RUNDATA.cable.fourWire.*field = 0.0;
     EXPECT_EQ(runChild([] { at(50.0); }).status, 1);
   }
-  setCable(0.0);
+  setCable(0.0); // lossless: the imaginary part of an eigenvalue is rounding, of either sign
   RUNDATA.run.LINELEN = 1000.0;
-  // Lossless: the imaginary part of an eigenvalue is rounding, of either sign
   EXPECT_EQ(runChild([] { at(50.0), formReportModes(); }).status, 0);
 }
