@@ -61,12 +61,8 @@ Dense chain(int layers, double g, double air) {
   const auto conductors = static_cast<std::size_t>((layers + 1) / 2);
   const std::size_t nodes = conductors + (layers % 2 == 1 ? 0 : 1);
   Dense Y(nodes, std::vector<Wide>(nodes));
-  for (std::size_t k = 0; k + 1 < nodes; ++k) {
-    Y[k][k] += g;
-    Y[k + 1][k + 1] += g;
-    Y[k][k + 1] = Y[k + 1][k] = -g;
-  }
-  Y[nodes - 1][nodes - 1] += air;
+  for (std::size_t k = 1; k < nodes; ++k) join(Y, k, k + 1, g);
+  join(Y, nodes, 0, air);
   if (nodes == conductors) return Y;
   const Wide v = Y[nodes - 1][nodes - 2];
   Y[nodes - 2][nodes - 2] -= v * v / Y[nodes - 1][nodes - 1];

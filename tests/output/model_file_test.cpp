@@ -37,19 +37,14 @@ PiCircuit readPiFile(const std::vector<std::string>& file, std::size_t n, double
   for (const std::string& line : file) {
     if (line == " TRANSFORMERS:") series = true;
     if (line.size() < 41 || line[1] != 'S') continue; // the receiving end repeats the sending end
-    const auto i = static_cast<std::size_t>(number(line, 4, 5)) - 1;
+    const auto i = static_cast<std::size_t>(number(line, 4, 5));
     const auto j = static_cast<std::size_t>(number(line, 13, 5));
-    for (std::size_t c = 0; series && c <= i; ++c) {
+    for (std::size_t c = 0; series && c < i; ++c) {
       const Wide z(number(line, 26 + 38 * c, 16), w * number(line, 43 + 38 * c, 16));
-      pi.Z[i][c] = pi.Z[c][i] = z;
+      pi.Z[i - 1][c] = pi.Z[c][i - 1] = z;
     }
-    if (series) continue;
     const double value = number(line, 26, 16);
-    const Wide y = line[19] == 'C' ? Wide(0, w * value * 1e-6) : Wide(1 / value, 0);
-    pi.Y[i][i] += y;
-    if (j == 0) continue;
-    pi.Y[j - 1][j - 1] += y;
-    pi.Y[i][j - 1] = pi.Y[j - 1][i] -= y;
+    if (!series) join(pi.Y, i, j, line[19] == 'C' ? Wide(0, w * value * 1e-6) : Wide(1 / value));
   }
   return pi;
 }

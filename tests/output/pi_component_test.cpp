@@ -49,20 +49,17 @@ std::map<char, Dense> readCircuit(const std::string& text, std::size_t n, double
     const std::vector<std::string> word(std::istream_iterator<std::string>(stream), {});
     if (line.starts_with("REAL")) value["$" + word[1]] = std::stod(word[3]);
     if (line[0] != '$' || line.back() == '"') continue;
-    const std::size_t i = std::stoul(word[0].substr(2)) - 1;
-    const bool series = line.back() == '/';
-    for (std::size_t j = 0; series && j <= i; ++j) {
-      const Wide z(value.at(word[2 + 2 * j]), w * value.at(word[3 + 2 * j]));
-      c['Z'][i][j] = c['Z'][j][i] = z;
+    const std::size_t i = std::stoul(word[0].substr(2)); // behind $S, $R
+    const std::size_t j = word[1] == "$G" ? 0 : std::stoul(word[1].substr(2));
+    if (line.back() != '/') {
+      join(c[line[1]], i, j,
+           word[2] == "0" ? Wide(0, 1e-6 * w * value.at(word[4])) : 1 / value.at(word[2]));
+      continue;
     }
-    if (series) continue;
-    const Wide y = word[2] == "0" ? Wide(0, 1e-6 * w * value.at(word[4])) : 1 / value.at(word[2]);
-    Dense& end = c[line[1]];
-    end[i][i] += y;
-    if (word[1] == "$G") continue;
-    const std::size_t j = std::stoul(word[1].substr(2)) - 1;
-    end[j][j] += y;
-    end[i][j] = end[j][i] -= y;
+    for (std::size_t k = 0; k < i; ++k) {
+      const Wide z(value.at(word[2 + 2 * k]), w * value.at(word[3 + 2 * k]));
+      c['Z'][i - 1][k] = c['Z'][k][i - 1] = z;
+    }
   }
   return c;
 }

@@ -2,8 +2,13 @@
 // that end the process.
 #pragma once
 
+#include "base/console.h"
+
+#include <cstdlib>
 #include <functional>
 #include <string>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace lcp::test {
 
@@ -12,9 +17,36 @@ struct ChildResult {
   std::string console; // what it wrote to the standard output
 };
 
-ChildResult runChild(const std::function<void()>& code);
+inline ChildResult runChild(const std::function<void()>& code) {
+  ChildResult result;
+  int ends[2];
+  console::flush();
+  if (pipe(ends) != 0) return result;
+  const pid_t child = fork();
+  if (child == 0) {
+    dup2(ends[1], STDOUT_FILENO);
+    close(ends[0]);
+    close(ends[1]);
+    code();
+    console::flush();
+    std::_Exit(0);
+  }
+  close(ends[1]);
+  char buffer[4096];
+  for (ssize_t n = 0; (n = read(ends[0], buffer, sizeof buffer)) > 0;)
+    result.console.append(buffer, static_cast<std::size_t>(n));
+  close(ends[0]);
+  int status = 0;
+  waitpid(child, &status, 0);
+  if (WIFEXITED(status)) result.status = WEXITSTATUS(status);
+  return result;
+}
 
 // The text between two lines is as printed: joins lines with line ends behind each.
-std::string lines(std::initializer_list<std::string> texts);
+inline std::string lines(std::initializer_list<std::string> texts) {
+  std::string all;
+  for (const std::string& t : texts) all += t + "\n";
+  return all;
+}
 
 } // namespace lcp::test

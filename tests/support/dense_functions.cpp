@@ -99,6 +99,12 @@ Dense block(const Dense& A, std::size_t row, std::size_t column, std::size_t n) 
   return formed(n, [&](std::size_t i, std::size_t j) { return A[row + i][column + j]; });
 }
 
+void join(Dense& Y, std::size_t i, std::size_t j, Wide y) {
+  if (i > 0) Y[i - 1][i - 1] += y;
+  if (j > 0) Y[j - 1][j - 1] += y;
+  if (i > 0 && j > 0) Y[i - 1][j - 1] = Y[j - 1][i - 1] -= y;
+}
+
 // By the signs of the pivots.
 bool hasPositiveRealPart(Dense A) {
   for (std::size_t k = 0; k < A.size(); ++k) {

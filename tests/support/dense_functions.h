@@ -32,6 +32,9 @@ Dense squareRoot(const Dense& A);  // Denman-Beavers iteration, principal root
 Dense corner(CConstView A, int n); // out of a view
 Dense block(const Dense& A, std::size_t row, std::size_t column, std::size_t n); // from 0
 
+// Puts an admittance between two nodes of a nodal matrix, counted from 1; 0 is the earth.
+void join(Dense& Y, std::size_t i, std::size_t j, Wide y);
+
 // Whether the real part is positive definite; whether it is a matrix of capacitances (positive
 // diagonal, nothing positive beside it, no row that sums below 0).
 bool hasPositiveRealPart(Dense A);

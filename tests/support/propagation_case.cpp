@@ -29,8 +29,7 @@ template <class Code> void forPoles(Code code) {
 
 void laySampleGrid(int NS, double low, double high) {
   FrequencyGrid& G = SOLVEDATA.grid;
-  G.NFUSE = NS;
-  G.NFREQ = NS;
+  G.NFUSE = G.NFREQ = NS;
   for (int k = 1; k <= NS; ++k) {
     G.WFREQ[k] = low * std::pow(high / low, (k - 1.0) / (NS - 1.0));
     G.WFIT[k] = 1;
@@ -38,11 +37,10 @@ void laySampleGrid(int NS, double low, double high) {
 }
 
 void setGroups(int NC, const std::vector<GroupPoles>& groups) {
-  RUNDATA.line.NC = NC;
-  FITMODEL.NC = NC;
-  FITMODEL.NGROUP = static_cast<int>(groups.size());
-  for (int g = 1; g <= FITMODEL.NGROUP; ++g) {
-    const GroupPoles& group = groups[static_cast<std::size_t>(g - 1)];
+  RUNDATA.line.NC = FITMODEL.NC = NC;
+  FITMODEL.NGROUP = 0;
+  for (const GroupPoles& group : groups) {
+    const int g = ++FITMODEL.NGROUP;
     FITMODEL.TAU[g] = group.tau;
     FITMODEL.NH[g] = static_cast<int>(group.poles.size());
     std::copy(group.poles.begin(), group.poles.end(), FITMODEL.HPOLE[g].data());
