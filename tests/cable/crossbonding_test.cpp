@@ -58,8 +58,8 @@ TEST(Crossbonding, AveragesThePlacesOfTheSheaths) {
 
 TEST(Crossbonding, GroundsTheCrossbondedSheath) {
   // CBGLAST, conductors; CBGLAST and CBELIM1 to CBELIM3 after, the latter false, true, true before
-  const int rows[][6] = {
-      {0, 2, 3, 1, 0, 0}, {1, 3, 3, 1, 1, 1}, {1, 4, 3, 1, 0, 1}, {2, 3, 2, 0, 1, 1}};
+  const int rows[][6] = {{0, 2, 3, 1, 0, 0}, {3, 2, 3, 1, 1, 1}, {1, 3, 3, 1, 1, 1},
+                         {1, 4, 3, 1, 0, 1}, {1, 2, 1, 0, 1, 1}, {2, 3, 2, 0, 1, 1}};
   for (const auto& row : rows) {
     setSystem(1, 1);
     Cable& C = RUNDATA.cable.CB[2]; // in no group itself

@@ -34,10 +34,9 @@ struct CurveText {
 
 CurveText readCurve(const std::string& text) {
   CurveText curve;
-  std::istringstream in(text);
-  std::string line;
-  std::getline(in, line); // the header
-  while (std::getline(in, line)) {
+  const std::vector<std::string> all = splitLines(text);
+  for (const std::string& line : all) {
+    if (&line == all.data()) continue; // the header
     std::size_t at = line.size() % 19;
     EXPECT_TRUE(at == 0 || at == 16) << line;
     if (at == 16) curve.rows.push_back({std::stod(line.substr(0, 16))});
@@ -344,8 +343,7 @@ TEST(CurveFiles, TroubleIsToldAndTheRunGoesOn) {
     runs[detail] = runProgram({"/file", "a.cvi", "/length", "1e5"}, scratch.path());
   }
   std::string told, others;
-  std::istringstream console(runs[1].console);
-  for (std::string line; std::getline(console, line);)
+  for (const std::string& line : splitLines(runs[1].console))
     (line.find("Curve File") == std::string::npos ? others : told) += line + "\n";
   EXPECT_EQ(told, lines({"Error in Writing Detail Curve File: .._a_b_hmp.out",
                          "Cannot Open Detail Curve File: .._a_b_zm.out",

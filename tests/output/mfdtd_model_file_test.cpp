@@ -5,6 +5,7 @@
 #include "store/rundata.h"
 #include "support/child.h"
 #include "support/phase_file.h"
+#include "support/sampled_functions.h"
 #include "support/scratch.h"
 #include "support/solve.h"
 #include "support/whole_run.h"
@@ -42,32 +43,32 @@ TEST(MfdtdModelFile, TheFileIsTheLineToThePrintedError) {
     EXPECT_EQ(v[0], 550);
     EXPECT_EQ(v[1], 25000);
 
-    // The pole m, counted from 0, and behind it its residues.
-    const auto complexAt = [&](std::size_t m, std::size_t q) {
-      const std::size_t at = 3 + 4 * t + 2 * m * (1 + t) + 2 * q;
-      return Wide(v[at], v[at + 1]);
-    };
-    std::vector<Wide> poles;
-    for (std::size_t m = 0; m < N; ++m) poles.push_back(complexAt(m, 0));
-    EXPECT_EQ(badPoles(poles), 0);
-    long double e = 0, z = 0;
+    const auto complexAt = [&](std::size_t i) { return Complex(v[i], v[i + 1]); };
+    const std::size_t first = 3 + 4 * t, step = 2 * (1 + t); // of a pole and its residues
+    Rational f;
+    for (std::size_t m = 0; m < N; ++m) f.poles.push_back(complexAt(first + m * step));
+    EXPECT_EQ(badPoles(std::vector<Wide>(f.poles.begin(), f.poles.end())), 0);
+    double e = 0, z = 0;
     std::size_t at = 2; // of the constant of the element
     for (int i = 1; i <= n; ++i) {
       for (int j = i; j <= n; ++j, ++at) {
         const Complex y = SOLVEDATA.at.YSTORE(10, i, j);
         EXPECT_NEAR(v[at + 2 * t], y.real(), 1e-24);
         EXPECT_NEAR(v[at + 3 * t], y.imag() / SOLVEDATA.grid.WFREQ[10], 1e-24);
+        f.D = v[at];
+        f.E = v[at + t];
+        f.residues.clear();
+        for (std::size_t m = 0; m < N; ++m)
+          f.residues.push_back(complexAt(first + m * step + 2 * (at - 1)));
         for (int k = 1; k < SOLVEDATA.grid.NFREQ; ++k) {
-          const Wide s(0, SOLVEDATA.grid.WFREQ[k]), Z = SOLVEDATA.at.ZSTORE(k, i, j);
-          Wide model = Wide(v[at]) + s * Wide(v[at + t]);
-          for (std::size_t m = 0; m < N; ++m) model += complexAt(m, at - 1) / (s - poles[m]);
-          e = std::max(e, std::abs(model - Z));
+          const Complex Z = SOLVEDATA.at.ZSTORE(k, i, j);
+          e = std::max(e, std::abs(f(Complex(0, SOLVEDATA.grid.WFREQ[k])) - Z));
           z = std::max(z, std::abs(Z));
         }
       }
     }
     const double printed = std::stod(run.console.substr(run.console.find(" Actual: ") + 9));
-    EXPECT_NEAR(static_cast<double>(100 * e / z), printed, 6e-5);
+    EXPECT_NEAR(100 * e / z, printed, 6e-5);
     EXPECT_LE(printed, target);
     EXPECT_EQ(N == 1, target == 2.0);
   }

@@ -26,13 +26,6 @@ struct ModeRecord {
   std::vector<Rational> row;
 };
 
-std::vector<std::string> linesOf(const std::string& text) {
-  std::vector<std::string> all;
-  std::istringstream in(text);
-  for (std::string l; std::getline(in, l);) all.push_back(l);
-  return all;
-}
-
 // The values of a line, each in 20 columns.
 std::vector<double> values(const std::string& line) {
   std::vector<double> all;
@@ -50,7 +43,7 @@ public:
   std::vector<ModeRecord> modes;
 
   ModeFile(const std::string& text, const std::string& shown)
-      : console(linesOf(shown)), lines(linesOf(text)) {
+      : console(splitLines(shown)), lines(splitLines(text)) {
     while (lines[at][0] != 'C') head.push_back(lines[at++]);
     for (int m = 1; m <= RUNDATA.line.NC; ++m) modes.push_back(mode(m));
     EXPECT_EQ(at, lines.size());

@@ -3,6 +3,7 @@
 
 #include "store/rundata.h"
 #include "store/solvedata.h"
+#include "support/child.h"
 #include "support/dense_functions.h"
 #include "support/solve.h"
 #include "support/whole_run.h"
@@ -10,7 +11,6 @@
 #include <cmath>
 #include <fmt/format.h>
 #include <gtest/gtest.h>
-#include <sstream>
 
 using namespace lcp;
 using namespace lcp::test;
@@ -20,10 +20,7 @@ namespace {
 constexpr double ANGULAR60 = 376.99111843077515; // rad/s
 
 std::vector<std::string> modelFileOf(const std::string& body, const std::string& length) {
-  std::vector<std::string> all;
-  std::istringstream in(runLine(body, length).files.at("a.cvo"));
-  for (std::string l; std::getline(in, l);) all.push_back(l);
-  return all;
+  return splitLines(runLine(body, length).files.at("a.cvo"));
 }
 
 double number(const std::string& line, std::size_t column, std::size_t width) {

@@ -43,8 +43,7 @@ std::map<char, Dense> readCircuit(const std::string& text, std::size_t n, double
   const Dense zero(n, std::vector<Wide>(n));
   std::map<char, Dense> c{{'S', zero}, {'R', zero}, {'Z', zero}};
   std::map<std::string, double> value;
-  std::istringstream in(text);
-  for (std::string line; std::getline(in, line);) {
+  for (const std::string& line : splitLines(text)) {
     std::istringstream stream(line);
     const std::vector<std::string> word(std::istream_iterator<std::string>(stream), {});
     if (line.starts_with("REAL")) value["$" + word[1]] = std::stod(word[3]);

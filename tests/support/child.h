@@ -6,9 +6,11 @@
 
 #include <cstdlib>
 #include <functional>
+#include <sstream>
 #include <string>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <vector>
 
 namespace lcp::test {
 
@@ -46,6 +48,13 @@ inline ChildResult runChild(const std::function<void()>& code) {
 inline std::string lines(std::initializer_list<std::string> texts) {
   std::string all;
   for (const std::string& t : texts) all += t + "\n";
+  return all;
+}
+
+inline std::vector<std::string> splitLines(const std::string& text) {
+  std::vector<std::string> all;
+  std::istringstream in(text);
+  for (std::string l; std::getline(in, l);) all.push_back(l);
   return all;
 }
 

@@ -1,10 +1,11 @@
 #include "support/compare_text.h"
 
+#include "support/child.h"
+
 #include <algorithm>
 #include <cmath>
 #include <fmt/format.h>
 #include <regex>
-#include <sstream>
 #include <vector>
 
 namespace lcp::test {
@@ -39,13 +40,6 @@ Line taken(const std::string& text) {
   return line;
 }
 
-std::vector<std::string> split(const std::string& text) {
-  std::vector<std::string> lines;
-  std::istringstream in(text + "."); // what stands behind the last line end is a line
-  for (std::string l; std::getline(in, l);) lines.push_back(l);
-  return lines;
-}
-
 // The largest number of the matrix that begins with a line.
 double matrixScale(const std::vector<std::string>& lines, std::size_t at) {
   double largest = 0.0;
@@ -71,7 +65,8 @@ bool agree(const Line& expected, const Line& actual, double scale, const Toleran
 
 std::string textDifferences(const std::string& expected, const std::string& actual,
                             const Tolerances& t) {
-  const std::vector<std::string> wanted = split(expected), got = split(actual);
+  // what stands behind the last line end is a line
+  const auto wanted = splitLines(expected + "."), got = splitLines(actual + ".");
   double scale = 0.0;
   bool inMatrix = false;
   for (std::size_t i = 0; i < std::min(wanted.size(), got.size()); ++i) {

@@ -32,10 +32,7 @@ std::map<std::string, std::string> filesUnder(const fs::path& directory) {
 std::map<std::string, std::string> runCase(const fs::path& directory) {
   const Scratch scratch;
   fs::copy(directory, scratch.path(), fs::copy_options::recursive);
-  std::vector<std::string> arguments;
-  std::istringstream in(contentOf(directory / "arguments"));
-  for (std::string line; std::getline(in, line);) arguments.push_back(line);
-  ProgramRun run = runProgram(arguments, scratch.path());
+  ProgramRun run = runProgram(splitLines(contentOf(directory / "arguments")), scratch.path());
   run.files["console"] = run.console;
   run.files["status"] = fmt::format("{}\n", run.status);
   return run.files;
