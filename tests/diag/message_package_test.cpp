@@ -23,52 +23,51 @@ void expectEnd(const std::function<void()>& code, int status, const std::string&
   EXPECT_EQ(r.status, status) << console;
 }
 
-void push(const std::string& name, const char* library) { BAKTRC(name, library, STACKPUSH); }
-
 } // namespace
 
 TEST(MessagePackage, ReportsAndGoesOn) {
-  const std::string n(100, 'n');
-  expectEnd(
-      [&] {
-        ERRMSG("ABC   ", " two words  ", MSGWARNING);
-        ERRMSG("ABC", "x", MSGERROR);
-        ERRMSG(n, "beyond the line", MSGWARNING);
-      },
-      0,
-      lines({"-*** WARNING: ABC:  two words--Execution continuing. ***", "-",
-             "-*** ERROR: ABC: x--Execution continuing. ***", "-",
-             "-*** WARNING: " + n + ": beyond the line-", "-"}));
+  const std::string n(100, 'n'), going = "--Execution continuing. ***";
+  const auto report = [&] {
+    ERRMSG("ABC   ", " two words  ", MSGWARNING);
+    ERRMSG("ABC", "x", MSGERROR);
+    ERRMSG(n, "beyond the line", MSGWARNING);
+  };
+  expectEnd(report, 0,
+            lines({"-*** WARNING: ABC:  two words" + going, "-", "-*** ERROR: ABC: x" + going, "-",
+                   "-*** WARNING: " + n + ": beyond the line-", "-"}));
 }
 
 TEST(MessagePackage, FatalEnds) {
-  const std::string stamp = versionLine(901120);
-  const auto fatal = [&](const std::string& text, const std::string& trace) {
-    return lines({"-*** ERROR: " + text + "--Execution terminating. ***", "-Traceback:"}) + trace +
-           lines({"-", stamp});
+  const auto push = [](int names) {
+    for (int d = 1; d <= names; ++d)
+      BAKTRC(fmt::format("NAME{}", d), "LIBRARY OF TWENTY CHARACTERS", STACKPUSH);
   };
-  std::string full;
-  for (int d = 100; d >= 1; --d) full += fmt::format(" R{:<5} - LIBRARY OF TWENTY CH\n", d);
-  const auto pushAll = [] {
-    for (int d = 1; d <= 101; ++d) push(fmt::format("R{}", d), "LIBRARY OF TWENTY CHARACTERS");
+  const auto trace = [](int names) { // names and libraries are cut
+    std::string text = "-Traceback:\n";
+    for (int d = names; d >= 1; --d)
+      text += fmt::format(" {:<6.6} - LIBRARY OF TWENTY CH\n", fmt::format("NAME{}", d));
+    return text + "-\n";
   };
-  const auto pushPop = [] {
-    push("OUTER", "LIB");
-    push("GONE", "LIB");
-    BAKTRC("anything", "", STACKPOP);
-    push("SEVENCH", "MODALPAK");
-    ERRMSG("SEVENCH", "text", MSGFATAL);
+  const struct {
+    std::function<void()> code;
+    std::string message, trace;
+  } cases[] = {
+      {[&] {
+         push(3);
+         BAKTRC("anything", "", STACKPOP);
+         ERRMSG("ABC", "text", MSGFATAL);
+       },
+       "ABC: text", trace(2)},
+      {[&] { push(101); }, "BAKTRC: List full", trace(100)},
+      {[] { BAKTRC("X", "Y", STACKPOP); }, "BAKTRC: Trying to pop too many names off list",
+       trace(0)},
+      {[] { BAKTRC("X", "Y", 2); }, "BAKTRC: Bad value for CODE", trace(0)},
+      {[] { ERRMSG("X", "Y", 4); }, "ERRMSG: Variable ACTION out of range.", ""},
   };
-  expectEnd(
-      pushPop, 12,
-      fatal("SEVENCH: text", " SEVENC - MODALPAK            \n OUTER  - LIB                 \n"));
-  expectEnd(pushAll, 12, fatal("BAKTRC: List full", full));
-  expectEnd([] { BAKTRC("X", "Y", STACKPOP); }, 12,
-            fatal("BAKTRC: Trying to pop too many names off list", ""));
-  expectEnd([] { BAKTRC("X", "Y", 2); }, 12, fatal("BAKTRC: Bad value for CODE", ""));
-  expectEnd([] { ERRMSG("X", "Y", 4); }, 12,
-            lines({"-*** ERROR: ERRMSG: Variable ACTION out of range.--Execution terminating. ***",
-                   stamp}));
+  for (const auto& c : cases)
+    expectEnd(c.code, 12,
+              "-*** ERROR: " + c.message + "--Execution terminating. ***\n" + c.trace +
+                  versionLine(901120) + "\n");
 }
 
 TEST(MessagePackage, StopLevels) {
@@ -127,13 +126,14 @@ TEST(MessageUnit, Failures) {
     }
     W_OUTMSG("x", file);
   };
-  expectEnd([&] { W_OUTMSG("x", scratch.file("missing/file")); }, 1,
-            "OUTMS0: ERROR DURING OPEN OF MESSAGE UNIT\n");
-  expectEnd([&] { W_OUTMSG("x", file + "/below"); }, 1,
-            "W_OUTMSG: ERROR DURING INQUIRE FOR FILE\n");
-  expectEnd([] { W_OUTMSG("x", "/dev/full"); }, 1,
-            "W_OUTMSG: ERROR DURING WRITE TO MESSAGE UNIT\n");
-  expectEnd([&] { onClosedUnit(" "); }, 1, "W_OUTMSG: MESSAGE UNIT IS NOT ASSIGNED\n");
-  expectEnd([&] { onClosedUnit("*"); }, 1, "W_OUTMSG: ERROR DURING CLOSE OF MESSAGE UNIT\n");
-  expectEnd(noUnitLeft, 1, "OUTMS0: NO LOGICAL UNITS AVAILABLE\n");
+  const std::pair<std::function<void()>, const char*> cases[] = {
+      {[&] { W_OUTMSG("x", scratch.file("missing/file")); },
+       "OUTMS0: ERROR DURING OPEN OF MESSAGE UNIT\n"},
+      {[&] { W_OUTMSG("x", file + "/below"); }, "W_OUTMSG: ERROR DURING INQUIRE FOR FILE\n"},
+      {[] { W_OUTMSG("x", "/dev/full"); }, "W_OUTMSG: ERROR DURING WRITE TO MESSAGE UNIT\n"},
+      {[&] { onClosedUnit(" "); }, "W_OUTMSG: MESSAGE UNIT IS NOT ASSIGNED\n"},
+      {[&] { onClosedUnit("*"); }, "W_OUTMSG: ERROR DURING CLOSE OF MESSAGE UNIT\n"},
+      {noUnitLeft, "OUTMS0: NO LOGICAL UNITS AVAILABLE\n"},
+  };
+  for (const auto& [code, text] : cases) expectEnd(code, 1, text);
 }
