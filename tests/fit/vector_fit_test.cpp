@@ -213,17 +213,6 @@ TEST(VectorFit, RankDeficientPassesEndWell) {
   }
 }
 
-TEST(VectorFit, SmoothCurvesFitBetterWithMorePoles) {
-  T.sample(surgeImpedance, MAXFREQ, 3, 6e6);
-  double last = 1;
-  for (int N : {2, 5, 10, 20, NPMAX}) { // up to full capacities
-    T.fit(N, WITHPROPORTION, N == NPMAX ? 1 : 3);
-    EXPECT_LT(T.errors.ERRNORM, N == NPMAX ? 1e-6 : last / 2) << N;
-    expectSortedStablePairs(N);
-    last = T.errors.ERRNORM;
-  }
-}
-
 TEST(VectorFit, PassesAreCallsInARowAndKeepNothing) {
   T.sample(surgeImpedance, 80, 3, 6e6);
   T.start(7);
