@@ -92,14 +92,6 @@ TEST(FirstLoop, TheConstantTransformStepContinuesItsNeighbour) {
   }
 }
 
-TEST(FirstLoop, BergeronTracksItsSecondFrequency) {
-  solveFirstLoop(doubleCircuit(bergeronModel("Frequency for Loss Approximation: 5000\n")));
-  ASSERT_EQ(SOLVEDATA.grid.NFREQ, 2);
-  for (int m = 1; m <= 6; ++m) EXPECT_LT(turn(2, m), 0.3) << m;
-  EXPECT_LE(newtonResidual(1), 1e-10);
-  EXPECT_LE(newtonResidual(2), 1e-10);
-}
-
 TEST(FirstLoop, ASearchIsToldOnceForTheSolveAndOnceForTheStep) {
   const std::string told = consoleOf([] {
     solveFirstLoop(doubleCircuit(wideGrid()));

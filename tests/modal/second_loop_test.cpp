@@ -40,20 +40,14 @@ TEST(SecondLoop, PhaseFunctionsAreThoseOfTheMatrices) {
   }
 }
 
-TEST(SecondLoop, ModalStoresHangTogether) {
+TEST(SecondLoop, VectorsAreOfLengthOneAndTurnedToTheirPivots) {
   solveBothLoops(doubleCircuit(phaseModel()), 5e4);
-  const SecondLoopStore& T = SOLVEDATA.second;
   for (int i = 0; i < 72; ++i) {
-    const int k = 1 + i / 6 * 9, m = 1 + i % 6, p = SOLVEDATA.first.PIVOT0[m];
-    const Complex gl = T.GAMLEN(k, m), pivot = T.TIST(k, p, m);
-    EXPECT_LT(std::abs(T.HMODE(k, m) - std::exp(-gl)), 1e-14);
-    EXPECT_NEAR(T.HMAG(k, m), std::exp(-gl.real()), 1e-14);
-    EXPECT_GT(gl.real(), 0.0);
-    EXPECT_NEAR(T.VELOC(k, m) * gl.imag(), SOLVEDATA.grid.WFREQ[k] * 5e4, 1e-2);
-    EXPECT_LT(T.VELOC(k, m), 2.998e8);
+    const int k = 1 + i / 6 * 9, m = 1 + i % 6;
     double column = 0;
-    for (int r = 1; r <= 6; ++r) column += std::norm(T.TIST(k, r, m));
+    for (int r = 1; r <= 6; ++r) column += std::norm(SOLVEDATA.second.TIST(k, r, m));
     EXPECT_NEAR(column, 1.0, 1e-13);
+    const Complex pivot = SOLVEDATA.second.TIST(k, SOLVEDATA.first.PIVOT0[m], m);
     EXPECT_NEAR(pivot.imag(), 0.0, 1e-13);
     EXPECT_GT(pivot.real(), 0.0);
   }
