@@ -41,9 +41,10 @@ constexpr Mode POSITIVE{2e-5, 0.9e-6, 12e-12}, ZERO{25e-5, 3.1e-6, 8e-12},
 
 // Keys of one sequence in the form MANFMT, at 60 Hz.
 std::string keysOf(const char* name, const Mode& m, int MANFMT) {
-  if (MANFMT == MANSURGE)
+  if (MANFMT == MANSURGE) {
     return fmt::format("{0}Resistance: {1}\n{0}Travel Time: {2}\n{0}Surge Impedance: {3}\n", name,
                        m.R, std::sqrt(m.L * m.C), std::sqrt(m.L / m.C));
+  }
   const double w = TWOPI * 60, Zb = MANFMT == MANPERUNIT ? 345.0 * 345.0 / 200.0 : 1.0;
   const double XC = MANFMT == MANPERUNIT ? 1 / (w * m.C * Zb) : 1e-6 / (w * m.C);
   return fmt::format("{0}Resistance: {1}\n{0}Inductive Reactance: {2}\n"
@@ -58,9 +59,10 @@ Dense phases(std::size_t n, Wide positive, Wide sum, Wide difference) {
   Dense A(n, std::vector<Wide>(n));
   const Wide zero = n == 6 ? (sum + difference) / 2.0L : sum;
   for (std::size_t i = 0; i < n; ++i) {
-    for (std::size_t j = 0; j < n; ++j)
+    for (std::size_t j = 0; j < n; ++j) {
       A[i][j] = i / 3 == j / 3 ? (zero - positive) / 3.0L + (i == j ? positive : 0)
                                : (sum - difference) / 6.0L;
+    }
   }
   return A;
 }

@@ -84,8 +84,8 @@ TEST(YzInterp, RefusesATableThatIsNoFunctionOfFrequency) {
 }
 
 TEST(YzInterp, AFullTableStaysInItsStore) {
-  std::vector<double> frequencies;
-  for (int k = 0; k < MAXFREQ; ++k) frequencies.push_back(1 + 7.0 * k);
+  std::vector<double> frequencies(MAXFREQ, 1);
+  for (std::size_t k = 1; k < MAXFREQ; ++k) frequencies[k] = frequencies[k - 1] + 7;
   const std::string file = scratchFile("small.txt", smallTable(frequencies));
   solveBothLoops(tableLine(1, file, phaseModel("Weighting Factor 2: 5\n")));
   formFitWeights();
