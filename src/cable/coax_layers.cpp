@@ -28,7 +28,6 @@
 #include "cable/coax_layers.h"
 
 #include "base/constants.h"
-#include "kernels/hyperbolic.h"
 #include "overhead/internal_impedance.h"
 #include "store/rundata.h"
 
@@ -69,11 +68,9 @@ Surface surfaceOf(double w, const Cable& C, int k) {
   const double b = C.CBRAD[layer];
   const double mur = C.CBMU[layer - 1];
   const double rho = resistivity(C, k);
-  const Complex m = std::sqrt(Complex(0.0, w * MU0 * mur / rho));
-  const Complex E = (b - a) * m;
-  const Complex in = rho / (TWOPI * a) * (m * COTH(E) - 1.0 / (a + b));
-  const Complex transfer = rho * m / (PI * (a + b)) / CSINH(E);
-  return {in * normalise, tubeImpedance(w, a, b, rho, mur) * normalise, transfer * normalise};
+  return {tubeInnerImpedance(w, a, b, rho, mur) * normalise,
+          tubeImpedance(w, a, b, rho, mur) * normalise,
+          tubeTransferImpedance(w, a, b, rho, mur) * normalise};
 }
 
 // log(b / a) of the insulator around conductor k.

@@ -34,7 +34,6 @@
 
 #include "base/constants.h"
 #include "kernels/bessel_k.h"
-#include "kernels/hyperbolic.h"
 #include "overhead/internal_impedance.h"
 #include "store/rundata.h"
 
@@ -54,21 +53,6 @@ Complex normalise(double w) { return {0.0, -TWOPI / (w * MU0)}; }
 
 Complex skinDepthInverse(double w, const PipeRecord& P) {
   return std::sqrt(Complex(0.0, w * MU0 * P.PIPEMU / P.PIPERHO));
-}
-
-Complex innerSurface(double w, const PipeRecord& P) {
-  const double a = P.PIPERI;
-  const double b = P.PIPERC;
-  const Complex m = skinDepthInverse(w, P);
-  const Complex z = P.PIPERHO / (TWOPI * a) * (m * COTH((b - a) * m) - 1.0 / (a + b));
-  return z * normalise(w);
-}
-
-Complex transfer(double w, const PipeRecord& P) {
-  const double a = P.PIPERI;
-  const double b = P.PIPERC;
-  const Complex m = skinDepthInverse(w, P);
-  return P.PIPERHO * m / (PI * (a + b)) / CSINH((b - a) * m) * normalise(w);
 }
 
 void fillAdmittances(double w, const PipeRecord& P, Admittances& Q) {
@@ -150,7 +134,7 @@ void PIPEZ(double w, const CableNumbering& N, CView B) {
   const PipeRecord& P = T.pipe;
   Admittances Q;
   fillAdmittances(w, P, Q);
-  const Complex zn = innerSurface(w, P);
+  const Complex zn = tubeInnerImpedance(w, P.PIPERI, P.PIPERC, P.PIPERHO, P.PIPEMU) * normalise(w);
   for (int k = 1; k <= N.ninner; ++k) {
     const int i = N.inner[k];
     const Cable& I = T.CB[i];
@@ -184,7 +168,8 @@ void PIPECZ(double w, const CableNumbering& N, CView C) {
   const double ins = P.PIPEOUTL == 1 ? P.PIPEMUO * std::log(P.PIPERO / P.PIPERC) : 0.0;
   const Complex zout = tubeImpedance(w, P.PIPERI, P.PIPERC, P.PIPERHO, P.PIPEMU);
   const Complex Zp = ins + zout * normalise(w);
-  const Complex zm = transfer(w, P);
+  const Complex zm =
+      tubeTransferImpedance(w, P.PIPERI, P.PIPERC, P.PIPERHO, P.PIPEMU) * normalise(w);
   setPipe(N, C, Zp, Zp - zm, Zp - 2.0 * zm);
 }
 

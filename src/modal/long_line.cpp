@@ -35,6 +35,9 @@ void decompose(CConstView Y, CConstView Z, int n) {
 
 bool canBeShown(Complex z) { return z.real() >= NOTSHOWN && z.imag() >= NOTSHOWN; }
 
+// f / u; both functions tend to their argument at 0, where a mode has no shunt admittance.
+Complex quotient(Complex f, Complex u) { return u == 0.0 ? 1.0 : f / u; }
+
 } // namespace
 
 void LONGCOR(CConstView Y, CConstView Z, double length, CView YLC, CView ZLC, int n, bool& LLOK) {
@@ -43,8 +46,8 @@ void LONGCOR(CConstView Y, CConstView Z, double length, CView YLC, CView ZLC, in
   LLOK = true;
   for (int k = 1; k <= n; ++k) {
     const Complex u = std::sqrt(eigenvalues[k]) * length;
-    ZMM(k, k) *= CSINH(u) / u;
-    YMM(k, k) *= CTANH(u / 2.0) / (u / 2.0);
+    ZMM(k, k) *= quotient(CSINH(u), u);
+    YMM(k, k) *= quotient(CTANH(u / 2.0), u / 2.0);
     LLOK = LLOK && canBeShown(ZMM(k, k)) && canBeShown(YMM(k, k));
   }
   congruence(YLC, T, YMM, n);

@@ -26,8 +26,8 @@ void writePhaseModel(TextFile& file) {
   writeFirstLine(file);
   writeFlagLines(file);
   FITDRIVE();
-  writePhaseFitCurves();
   if (P.PITERSET) enforcePassivity();
+  writePhaseFitCurves();
   CHECKDELAYS();
   FITPARMS(file);
   if (P.PFLOSET && !P.PITERSET) PASSCHK();

@@ -7,11 +7,14 @@
 //
 //   solid     Zi = 0.3179 rho / (pi r^2) + rho m / (2 pi r) coth(0.733 m r)
 //   tube      Zi = rho / (2 pi r (q + r)) + rho m / (2 pi r) coth((r - q) m),  q the inner radius
+//             inside     rho m / (2 pi q) coth((r - q) m) - rho / (2 pi q (q + r))
+//             transfer   rho m / (pi (q + r)) / sinh((r - q) m)
 //   stranded  Zi = R - rho2 / (P 0.777 pi s r) + rho2 m / (P pi s) coth(0.777 m r),
 //             s strand radius, P = outer strands + 2, rho2 = 2.25 rho
 #include "overhead/internal_impedance.h"
 
 #include "base/constants.h"
+#include "kernels/hyperbolic.h"
 #include "store/rundata.h"
 
 #include <cmath>
@@ -45,6 +48,16 @@ Complex solidImpedance(double w, double r, double rho, double mur) {
 Complex tubeImpedance(double w, double q, double r, double rho, double mur) {
   const Complex m = skinDepthInverse(w, mur, rho);
   return INVTWOPI * rho / (r * (q + r)) + rho / r * INVTWOPI * m * COTH((r - q) * m);
+}
+
+Complex tubeInnerImpedance(double w, double q, double r, double rho, double mur) {
+  const Complex m = skinDepthInverse(w, mur, rho);
+  return rho / (TWOPI * q) * (m * COTH((r - q) * m) - 1.0 / (q + r));
+}
+
+Complex tubeTransferImpedance(double w, double q, double r, double rho, double mur) {
+  const Complex m = skinDepthInverse(w, mur, rho);
+  return rho * m / (PI * (q + r)) / CSINH((r - q) * m);
 }
 
 Complex strandedImpedance(double w, double r, const Strands& strands, double R, double mur) {

@@ -21,6 +21,12 @@ Complex solidImpedance(double w, double r, double rho, double mur);
 Complex tubeImpedance(double w, double q, double r, double rho, double mur);
 Complex strandedImpedance(double w, double r, const Strands& strands, double R, double mur);
 
+// Of a tube also what a current that returns inside sees at the inner surface, and the voltage per
+// metre that a current at one surface drives at the other, both ohm/m; at zero frequency all three
+// are the DC resistance.
+Complex tubeInnerImpedance(double w, double q, double r, double rho, double mur);
+Complex tubeTransferImpedance(double w, double q, double r, double rho, double mur);
+
 // Internal impedance of conductor i of the conductor table, ohm/m, at the angular frequency w > 0.
 Complex ZINT(double w, int i);
 

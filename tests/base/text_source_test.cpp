@@ -31,7 +31,7 @@ std::string operator""_s(const char* text, std::size_t length) { return {text, l
 } // namespace
 
 TEST(TextSource, Records) {
-  const std::string ten = "0123456789";
+  const std::string ten = "0123456789", start = "The start of a line that is kept ";
   const struct {
     std::string content;
     std::vector<std::string> records;
@@ -48,42 +48,29 @@ TEST(TextSource, Records) {
       {ten + "x\n" + ten + "\rx\nb", {ten + "|", ten + "|", "b"}},
   };
   const Scratch scratch;
-  for (const auto& c : cases) {
+  for (const auto& c : cases)
     EXPECT_EQ(readAll(scratch.file("case", c.content), 10), c.records) << c.content;
-  }
-}
-
-TEST(TextSource, LinesLongerThanAnyBuffer) {
-  const Scratch scratch;
-  const std::string start = "The start of a line that is kept ";
-  std::string content;
+  std::string content; // longer lines than any buffer
   for (std::size_t i = 0; i < 5; ++i) content += start + std::string(16380 * i, 'x') + "\r\n";
-  std::vector<std::string> expected(5, start + "|");
-  expected[0] = start;
-  EXPECT_EQ(readAll(scratch.file("long", content), 33), expected);
-  EXPECT_EQ(readAll(scratch.file("long"), 100000).at(4).size(), 33U + 4 * 16380U);
+  const std::string cut = start + "|", name = scratch.file("long", content);
+  EXPECT_EQ(readAll(name, 33), (std::vector<std::string>{start, cut, cut, cut, cut}));
+  EXPECT_EQ(readAll(name, 100000).at(4).size(), 33U + 4 * 16380U);
 }
 
 TEST(TextSource, OpensRegularFilesOnly) {
   const Scratch scratch;
-  const std::string good = scratch.file("good", "text");
-  const std::string pipe = scratch.file("pipe");
+  const std::string good = scratch.file("good", "text"), pipe = scratch.file("pipe");
   ASSERT_EQ(mkfifo(pipe.c_str(), 0666), 0);
+  TextSource source;
+  std::string record;
   for (const std::string& name :
        {std::string(), std::string("    "), scratch.path().string(), std::string("/dev/null"),
         scratch.file("missing"), pipe, good + "/x", std::string(5000, 'n')}) {
-    TextSource source;
-    EXPECT_FALSE(source.open(name)) << name;
-    std::string record;
+    EXPECT_TRUE(source.open(good + "     "));
+    EXPECT_FALSE(source.open(name)) << name; // and no longer the file before it
     EXPECT_EQ(source.next(record, 10), Result::Error);
   }
-  TextSource source;
-  std::string record;
-  EXPECT_TRUE(source.open(good + "     "));
-  EXPECT_FALSE(source.open(scratch.file("missing"))); // and no longer the file before it
-  EXPECT_EQ(source.next(record, 10), Result::Error);
-  EXPECT_TRUE(source.open(good));
-  EXPECT_TRUE(source.open(good)); // from its start again
+  EXPECT_TRUE(source.open(good) && source.open(good)); // from its start again
   EXPECT_EQ(source.next(record, 10), Result::Record);
   EXPECT_EQ(record, "text");
 }

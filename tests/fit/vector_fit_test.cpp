@@ -2,14 +2,12 @@
 // count, since their poles are not unique.
 #include "fit/vector_fit.h"
 
-#include "base/constants.h"
 #include "fit/lapack.h"
-#include "support/child.h"
+#include "support/console_capture.h"
 #include "support/sampled_functions.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
-#include <limits>
 
 using namespace lcp;
 using namespace lcp::test;
@@ -86,7 +84,6 @@ Complex surgeImpedance(Complex s) {
 
 TEST(StartingPoles, EvenInTheLogarithm) {
   EXPECT_EQ(LOGPOLE(1, 3.0, 300.0, 1), 3.0);
-  EXPECT_NEAR(LOGPOLE(2, 3.0, 300.0, 2), 300.0, 1e-12);
   PoleTable P;
   startingPoles(P, 8, 0.1, 1e6);
   for (int m = 1; m <= 8; ++m) {
@@ -98,21 +95,16 @@ TEST(StartingPoles, EvenInTheLogarithm) {
 // From whatever poles it starts, one pass is enough: sigma F is linear in the unknowns.
 TEST(VectorFit, PartialFractionsComeBackInOnePass) {
   const struct {
-    const char* what;
     Rational model;
     int ASYMP;
-  } cases[] = {
-      {"one real pole", {{-70}, {5}}, NOASYMPTOTE},
-      {"one real pole, proportional", {{-70}, {5}, -0.2, 1e-3}, WITHPROPORTION},
-      {"three real poles", {{-1, -50, -2e4}, {2, -300, 7e4}}, NOASYMPTOTE},
-      {"two pairs",
-       {{{-1, 20}, {-1, -20}, {-900, 3e3}, {-900, -3e3}},
-        {{3, 1}, {3, -1}, {-50, 700}, {-50, -700}}},
-       NOASYMPTOTE},
-      {"reals and a pair, constant", PAIR, WITHCONSTANT},
-      {"reals and a pair, proportional", {PAIR.poles, PAIR.residues, 0.7, 2e-4}, WITHPROPORTION}};
+  } cases[] = {{{{-70}, {5}, -0.2, 1e-3}, WITHPROPORTION},
+               {{{{-1, 20}, {-1, -20}, {-900, 3e3}, {-900, -3e3}},
+                 {{3, 1}, {3, -1}, {-50, 700}, {-50, -700}}},
+                NOASYMPTOTE},
+               {PAIR, WITHCONSTANT},
+               {{PAIR.poles, PAIR.residues, 0.7, 2e-4}, WITHPROPORTION}};
   for (const auto& c : cases) {
-    SCOPED_TRACE(c.what);
+    SCOPED_TRACE(&c - cases);
     T.sample(c.model);
     T.fit(c.model.N(), c.ASYMP);
     expectModel(c.model, T.fits[0]);
@@ -131,7 +123,7 @@ TEST(VectorFit, PartialFractionsComeBackInOnePass) {
   SCOPED_TRACE("over the poles given");
   const PoleTable given = T.P;
   FITRESIDUES(T.samples(WITHCONSTANT), 4, T.P, T.fits, T.errors);
-  for (int m = 1; m <= 4; ++m) EXPECT_EQ(T.P[m], given[m]);
+  EXPECT_EQ(T.P.entries, given.entries);
   expectModel(PAIR, T.fits[0]);
 }
 
@@ -153,64 +145,50 @@ TEST(VectorFit, UnstablePolesAreMirroredWhenAsked) {
   expectModel(model, T.fits[0]);
   const PoleTable kept = T.P;
   T.fit(4, NOASYMPTOTE);
-  for (int m = 1; m <= 4; ++m) {
+  for (int m = 1; m <= 4; ++m)
     EXPECT_EQ(T.P[m], Complex(-std::abs(kept[m].real()), kept[m].imag())) << m;
-  }
-  expectSortedStablePairs(4);
 }
 
-TEST(VectorFit, FunctionsShareTheirPoles) {
+// Least squares: a sample of weight 3 is one that stands nine times.
+TEST(VectorFit, SamplesCountBySquaresOfTheirWeights) {
+  T.sample(surgeImpedance, 90, 3, 6e6);
+  T.G.weight[90] = 3;
+  T.fit(4, WITHCONSTANT, 3);
+  EXPECT_GT(T.errors.ERRNORM, 1e-4); // a fit with something to deviate
+  const PoleTable P = T.P, R = T.fits[0].R;
+  T.G.weight[90] = 1;
+  T.G.NS = 98;
+  for (int k = 91; k <= 98; ++k) {
+    T.G.w[k] = T.G.w[90];
+    T.G.weight[k] = 1;
+    T.F[0][k] = T.F[0][90];
+  }
+  T.fit(4, WITHCONSTANT, 3);
+  for (int m = 1; m <= 4; ++m) {
+    EXPECT_LT(std::abs(T.P[m] - P[m]), TIGHT * std::abs(P[m]));
+    EXPECT_LT(std::abs(T.fits[0].R[m] - R[m]), TIGHT * std::abs(R[m]));
+  }
+}
+
+TEST(VectorFit, FunctionsShareTheirPolesAndDeviationsKnowNoWeights) {
   const Rational second{PAIR.poles, {-1, {300, 2}, {300, -2}, 1e3}, -3};
   for (int ASYMP : {WITHCONSTANT, WITHPROPORTION}) {
     T.sample(PAIR);
     T.F[1] = sampled(T.G, second);
+    T.F[0][20] += 50.0;
+    T.G.weight[20] = 0;
     T.start(4);
     VFIT(T.samples(ASYMP, FLIPUNSTABLE, 2), 4, T.P, T.fits, T.errors);
     expectModel(PAIR, T.fits[0]);
     expectModel(second, T.fits[1]);
+    double most = 0;
+    for (int k = 1; k <= T.G.NS; ++k)
+      most = std::max({most, std::abs(T.F[0][k]), std::abs(T.F[1][k])});
+    EXPECT_NEAR(T.errors.ERRMAX, 50, 1e-6);
+    EXPECT_NEAR(T.errors.ERRRMS, 50 / std::sqrt(2.0 * T.G.NS), 1e-6);
+    EXPECT_NEAR(T.errors.ERRREL, 50 / std::max(std::abs(T.F[0][20]), std::abs(T.F[1][20])), 1e-6);
+    EXPECT_NEAR(T.errors.ERRNORM, 50 / most, 1e-6);
   }
-}
-
-// No change of a residue or the constant brings the weighted model nearer to the samples: the
-// deviation is orthogonal to each basis function.
-TEST(VectorFit, ResiduesAreWeightedLeastSquares) {
-  const int N = 4;
-  T.sample(surgeImpedance, 90, 3, 6e6);
-  for (int k = 1; k <= T.G.NS; ++k) T.G.weight[k] = k == 40 ? 1000 : k < 40 ? 100 : 1;
-  T.fit(N, WITHCONSTANT, 3);
-  EXPECT_GT(T.errors.ERRNORM, 1e-4); // a fit with something to deviate
-  PoleClasses CINDEX;
-  classifyPoles(T.P, N, CINDEX);
-  for (int m = 1; m <= N + 1; ++m) {
-    double product = 0;
-    double lengths[2] = {};
-    for (int k = 1; k <= T.G.NS; ++k) {
-      const Complex s(0, T.G.w[k]);
-      const Complex phi = T.G.weight[k] * (m > N ? 1.0 : basisFunction(T.P, CINDEX, m, s));
-      const Complex e = T.G.weight[k] * (T.fits[0].FIT[k] - T.F[0][k]);
-      product += phi.real() * e.real() + phi.imag() * e.imag();
-      lengths[0] += std::norm(phi);
-      lengths[1] += std::norm(e);
-    }
-    EXPECT_LT(std::abs(product), 1e-8 * std::sqrt(lengths[0] * lengths[1])) << m;
-  }
-}
-
-TEST(VectorFit, WeightZeroTakesASampleOutButNotOutOfTheDeviations) {
-  T.sample(PAIR);
-  T.F[1] = sampled(T.G, [](Complex) { return Complex(0); });
-  T.F[0][20] += 50.0;
-  T.G.weight[20] = 0;
-  T.start(4);
-  VFIT(T.samples(WITHCONSTANT, FLIPUNSTABLE, 2), 4, T.P, T.fits, T.errors);
-  expectModel(PAIR, T.fits[0]);
-  for (int m = 1; m <= 4; ++m) EXPECT_LT(std::abs(T.fits[1].R[m]), 1e-12);
-  double most = 0;
-  for (int k = 1; k <= T.G.NS; ++k) most = std::max(most, std::abs(T.F[0][k]));
-  EXPECT_NEAR(T.errors.ERRMAX, 50, 1e-6);
-  EXPECT_NEAR(T.errors.ERRRMS, 50 / std::sqrt(2.0 * T.G.NS), 1e-6);
-  EXPECT_NEAR(T.errors.ERRREL, 50 / std::abs(T.F[0][20]), 1e-6);
-  EXPECT_NEAR(T.errors.ERRNORM, 50 / most, 1e-6);
 }
 
 TEST(VectorFit, ZeroFunctionKeepsThePoles) {
@@ -225,60 +203,33 @@ TEST(VectorFit, ZeroFunctionKeepsThePoles) {
 
 // More poles than the function has, more unknowns than rows, equal poles: the response is right.
 TEST(VectorFit, RankDeficientPassesEndWell) {
-  for (const auto& [N, NS] : {std::pair(8, 61), {25, 61}, {20, 15}}) {
+  for (const auto& [N, NS] : {std::pair(6, 61), {25, 61}, {20, 15}}) {
     T.sample(PAIR, NS);
-    T.fit(N, WITHCONSTANT, 3);
+    T.start(N);
+    T.P[4] = T.P[3];
+    VFITPASSES(3, T.samples(WITHCONSTANT), N, T.P, T.fits, T.errors);
     EXPECT_LT(T.errors.ERRNORM, TIGHT) << N;
     expectSortedStablePairs(N);
   }
-  T.sample(PAIR);
-  T.start(6);
-  T.P[4] = T.P[3];
-  VFITPASSES(3, T.samples(WITHCONSTANT), 6, T.P, T.fits, T.errors);
-  EXPECT_LT(T.errors.ERRNORM, TIGHT);
-}
-
-TEST(VectorFit, SmoothCurvesFitBetterWithMorePoles) {
-  T.sample(surgeImpedance, MAXFREQ, 3, 6e6);
-  double last = 1;
-  for (int N : {2, 5, 10, 20, NPMAX}) { // up to full capacities
-    T.fit(N, WITHPROPORTION, N == NPMAX ? 1 : 3);
-    if (N < NPMAX) {
-      EXPECT_LT(T.errors.ERRNORM, last / 2) << N;
-    }
-    expectSortedStablePairs(N);
-    last = T.errors.ERRNORM;
-  }
-  EXPECT_LT(last, 1e-6);
 }
 
 TEST(VectorFit, PassesAreCallsInARowAndKeepNothing) {
-  const int N = 7;
   T.sample(surgeImpedance, 80, 3, 6e6);
-  T.start(N);
-  for (int pass = 1; pass <= 3; ++pass) {
-    VFIT(T.samples(WITHCONSTANT), N, T.P, T.fits, T.errors);
-  }
-  const PoleTable P = T.P;
-  const FunctionFit fit = T.fits[0];
+  T.start(7);
+  for (int pass = 1; pass <= 3; ++pass) VFIT(T.samples(WITHCONSTANT), 7, T.P, T.fits, T.errors);
+  const PoleTable P = T.P, R = T.fits[0].R;
   // Whatever stands in the work store has no say in it.
-  std::fill_n(LSQ.A, sizeof LSQ.A / sizeof(double), std::numeric_limits<double>::quiet_NaN());
-  std::fill_n(LSQ.B, LSROWS, std::numeric_limits<double>::quiet_NaN());
-  T.fit(N, WITHCONSTANT, 3);
-  PoleTable relocated;
-  startingPoles(relocated, N, T.G.w[1], T.G.w[T.G.NS]);
-  RELOCATE(3, T.samples(WITHCONSTANT), N, relocated);
-  for (int m = 1; m <= N; ++m) {
-    EXPECT_EQ(T.P[m], P[m]);
-    EXPECT_EQ(relocated[m], P[m]);
-    EXPECT_EQ(T.fits[0].R[m], fit.R[m]);
-  }
-  EXPECT_EQ(T.fits[0].D, fit.D);
+  std::fill_n(LSQ.A, sizeof LSQ.A / sizeof(double), std::nan(""));
+  std::fill_n(LSQ.B, LSROWS, std::nan(""));
+  T.start(7);
+  RELOCATE(2, T.samples(WITHCONSTANT), 7, T.P);
+  VFITPASSES(1, T.samples(WITHCONSTANT), 7, T.P, T.fits, T.errors);
+  EXPECT_EQ(T.P.entries, P.entries);
+  EXPECT_EQ(T.fits[0].R.entries, R.entries);
 }
 
 TEST(VectorFit, SampleThatIsNoNumberShowsInTheDeviations) {
-  for (double bad :
-       {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity()}) {
+  for (double bad : {std::nan(""), HUGE_VAL}) {
     T.sample(PAIR);
     T.F[0][11] = Complex(bad, 0);
     T.fit(6, WITHCONSTANT, 2);
@@ -288,10 +239,7 @@ TEST(VectorFit, SampleThatIsNoNumberShowsInTheDeviations) {
 }
 
 TEST(VectorFit, UnknownAsymptoteIsReported) {
-  const ChildResult child = runChild([] {
-    T.sample(PAIR);
-    for (int ASYMP : {NOASYMPTOTE, 0, 4}) T.fit(4, ASYMP);
-  });
-  EXPECT_EQ(child.console, lines({"ERROR 1", "ERROR 1"}));
-  EXPECT_EQ(child.status, 0);
+  T.sample(PAIR);
+  const auto told = [](int ASYMP) { return consoleOf([&] { T.fit(4, ASYMP); }); };
+  EXPECT_EQ(told(NOASYMPTOTE) + told(0) + told(4), "ERROR 1\nERROR 1\n");
 }

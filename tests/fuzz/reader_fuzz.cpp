@@ -32,8 +32,10 @@ namespace {
 
 void checkTables() {
   const ConductorTable& C = RUNDATA.cond;
-  // a cable system counts its conductors in the solve only
-  const int most = RUNDATA.run.ISCABLE == OVERHEADLINE ? MAXEQUIV : MAXCOND;
+  // a table of Y and Z brings its own order, a cable system counts its conductors in the solve only
+  const bool table = RUNDATA.run.DATAFMT == ROUTEMULTIPLE;
+  const int described = RUNDATA.run.ISCABLE == OVERHEADLINE ? MAXEQUIV : MAXCOND;
+  const int most = table ? LDMAT : described;
   const int NC = RUNDATA.line.NC;
   if (C.NCOND < 0 || C.NCOND > MAXCOND || NC < 0 || NC > most) std::abort();
   const CableTable& T = RUNDATA.cable;

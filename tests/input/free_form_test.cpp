@@ -2,126 +2,64 @@
 
 #include <array>
 #include <gtest/gtest.h>
+#include <vector>
 
 using namespace lcp;
 
-TEST(FreeForm, ReadsTheFirstRealOfAField) {
-  struct Case {
-    const char* field;
-    Got got;
-    double value;
-  };
-  constexpr double OLD = -7;
-  const Case cases[] = {
-      {"12.5", Got::Value, 12.5},
-      {"  12.5 m", Got::Value, 12.5},
-      {"1,2", Got::Value, 1},
-      {"1D3", Got::Value, 1000},
-      {"1.5d+2", Got::Value, 150},
-      {"1+3", Got::Value, 1000},
-      {"-.5E-1", Got::Value, -0.05},
-      {"5.", Got::Value, 5},
-      {"3/4", Got::Value, 3},
-      {"2*9", Got::Value, 9},
-      {"\t7", Got::Value, 7},
-      {"'4'", Got::Value, 4},
-      {"", Got::None, OLD},
-      {"   ", Got::None, OLD},
-      {"/ 5", Got::None, OLD},
-      {", 5", Got::None, OLD},
-      {"abc", Got::Malformed, OLD},
-      {"1.2.3", Got::Malformed, OLD},
-      {"nan", Got::Malformed, OLD},
-      {"inf", Got::Malformed, OLD},
-      {"1e400", Got::Malformed, OLD},
-      {"1e", Got::Malformed, OLD},
-      {".", Got::Malformed, OLD},
-      {"-", Got::Malformed, OLD},
-      {"0x10", Got::Malformed, OLD},
-      {"12m", Got::Malformed, OLD},
-      {"'4", Got::Malformed, OLD},
-      {"0*5", Got::Malformed, OLD},
-      {"99999999999*5", Got::Malformed, OLD},
-  };
-  for (const Case& c : cases) {
-    double value = OLD;
-    EXPECT_EQ(readReal(c.field, value), c.got) << c.field;
-    EXPECT_EQ(value, c.value) << c.field;
+namespace {
+
+template <class T> struct Field {
+  const char* text;
+  T value;
+};
+
+template <class T> using Read = Got (*)(std::string_view, T&);
+
+// How each field is read into a target that held `old`.
+template <class T>
+void check(T old, Read<T> read, const std::vector<Field<T>>& good,
+           const std::vector<const char*>& none, const std::vector<const char*>& malformed) {
+  std::vector<std::pair<Field<T>, Got>> all;
+  for (const Field<T>& field : good) all.push_back({field, Got::Value});
+  for (const char* text : none) all.push_back({{text, old}, Got::None});
+  for (const char* text : malformed) all.push_back({{text, old}, Got::Malformed});
+  for (const auto& [field, got] : all) {
+    T value = old;
+    EXPECT_EQ(read(field.text, value), got) << field.text;
+    EXPECT_EQ(value, field.value) << field.text;
   }
 }
 
-TEST(FreeForm, ReadsTheFirstIntegerOfAField) {
-  struct Case {
-    const char* field;
-    Got got;
-    int value;
-  };
-  const Case cases[] = {
-      {"42 rest", Got::Value, 42},
-      {"+3", Got::Value, 3},
-      {"-2147483648", Got::Value, -2147483647 - 1},
-      {"2147483648", Got::Malformed, -7},
-      {"1.0", Got::Malformed, -7},
-      {"1e3", Got::Malformed, -7},
-      {"+-3", Got::Malformed, -7},
-      {"", Got::None, -7},
-  };
-  for (const Case& c : cases) {
-    int value = -7;
-    EXPECT_EQ(readInteger(c.field, value), c.got) << c.field;
-    EXPECT_EQ(value, c.value) << c.field;
-  }
-}
+} // namespace
 
-TEST(FreeForm, ReadsWordsAndQuotedTexts) {
-  struct Case {
-    const char* field;
-    Got got;
-    const char* word;
-  };
-  const Case cases[] = {
-      {"My Line", Got::Value, "My"},      {"'My Line' x", Got::Value, "My Line"},
-      {"\"a,b/c\"", Got::Value, "a,b/c"}, {"'it''s'", Got::Value, "it's"},
-      {"a/b", Got::Value, "a"},           {"/a", Got::None, "old"},
-      {"'open", Got::Malformed, "old"},   {"", Got::None, "old"},
-  };
-  for (const Case& c : cases) {
-    std::string word = "old";
-    EXPECT_EQ(readWord(c.field, word), c.got) << c.field;
-    EXPECT_EQ(word, c.word) << c.field;
-  }
+TEST(FreeForm, ReadsTheFirstItemOfAField) {
+  const std::vector<Field<double>> reals = {
+      {"  12.5 m", 12.5}, {"1,2", 1}, {"1D3", 1000}, {"1.5d+2", 150}, {"1+3", 1000}, {"'4'", 4},
+      {"-.5E-1", -0.05},  {"5.", 5},  {"3/4", 3},    {"2*9", 9},      {"\t7", 7}};
+  check(-7.0, readReal, reals, {"", "   ", "/ 5", ", 5"},
+        {"abc", "1.2.3", "nan", "inf", "1e400", "1e", ".", "-", "0x10", "12m", "'4", "0*5",
+         "99999999999*5"});
+  check(-7, readInteger, {{"42 rest", 42}, {"+3", 3}, {"-2147483648", -2147483647 - 1}}, {""},
+        {"2147483648", "1.0", "1e3", "+-3"});
+  const std::vector<Field<std::string>> words = {{"My Line", "My"},
+                                                 {"'My Line' x", "My Line"},
+                                                 {"\"a,b/c\"", "a,b/c"},
+                                                 {"'it''s'", "it's"},
+                                                 {"a/b", "a"}};
+  check<std::string>("old", readWord, words, {"/a", ""}, {"'open"});
 }
 
 TEST(FreeForm, ListsLeaveWhatIsMissingUnchanged) {
-  const auto read = [](const char* field) {
-    std::array<double, 4> t = {-1, -2, -3, -4};
+  using Four = std::array<double, 4>;
+  const std::pair<const char*, Four> cases[] = {
+      {"1 2", {1, 2, -3, -4}}, {"1,,3", {1, -2, 3, -4}},   {"1 , 2 / 3 4", {1, 2, -3, -4}},
+      {",2", {-1, 2, -3, -4}}, {"2*5 2*", {5, 5, -3, -4}}, {"1 2 3 4 words", {1, 2, 3, 4}},
+      {"9*8", {8, 8, 8, 8}}};
+  for (const auto& [field, expected] : cases) {
+    Four t = {-1, -2, -3, -4};
     EXPECT_TRUE(readReals(field, t)) << field;
-    return t;
-  };
-  using A = std::array<double, 4>;
-  EXPECT_EQ(read("1 2"), (A{1, 2, -3, -4}));
-  EXPECT_EQ(read("1,,3"), (A{1, -2, 3, -4}));
-  EXPECT_EQ(read("1 , 2 / 3 4"), (A{1, 2, -3, -4}));
-  EXPECT_EQ(read(",2"), (A{-1, 2, -3, -4}));
-  EXPECT_EQ(read("2*5 2*"), (A{5, 5, -3, -4}));
-  EXPECT_EQ(read("9*8"), (A{8, 8, 8, 8}));
-  EXPECT_EQ(read("1 2 3 4 words"), (A{1, 2, 3, 4}));
-  std::array<double, 4> t{};
+    EXPECT_EQ(t, expected) << field;
+  }
+  Four t{};
   EXPECT_FALSE(readReals("1 2 words", t));
-}
-
-TEST(FreeForm, AListOfRealsMayRunOverRecords) {
-  std::array<double, 5> t{};
-  RealList list(t);
-  EXPECT_FALSE(list.started());
-  EXPECT_TRUE(list.feed(""));
-  EXPECT_FALSE(list.started());
-  EXPECT_TRUE(list.feed("1 2,"));
-  EXPECT_TRUE(list.feed("3 2*4 5"));
-  EXPECT_TRUE(list.complete());
-  EXPECT_EQ(t, (std::array<double, 5>{1, 2, 3, 4, 4}));
-  std::array<double, 5> u{};
-  RealList shortList(u);
-  EXPECT_TRUE(shortList.feed("1 /"));
-  EXPECT_TRUE(shortList.complete());
 }

@@ -1,12 +1,11 @@
 // The conductor table that towers, bundles, ground wires and external files leave.
 #include "input/bundles.h"
 #include "input/library.h"
+#include "input/reader_cases.h"
 #include "store/rundata.h"
-#include "support/description.h"
 
 #include <cmath>
 #include <fmt/format.h>
-#include <gtest/gtest.h>
 
 using namespace lcp;
 using namespace lcp::test;
@@ -14,6 +13,7 @@ using namespace lcp::test;
 namespace {
 
 const ConductorTable& C = RUNDATA.cond;
+const std::string OPENTOWER = "Line Constants Tower\n{\n";
 
 std::vector<int> maps() { return {C.CMAP.entries.begin(), C.CMAP.entries.begin() + C.NCOND}; }
 
@@ -23,106 +23,79 @@ std::string externalRecord(std::string_view numbers, int given) {
 }
 
 std::string towerWithFile(const std::string& path) {
-  return "Line Constants Tower\n{\nExternal file name: " + path + "\n}\n";
+  return OPENTOWER + "External file name: " + path + "\n}\n";
+}
+
+void readTower(const std::string& circuitLines, const std::string& towerLines = "", int nodes = 3) {
+  readHere(description(summary(nodes) + threePhaseTower(circuitLines, towerLines)));
+}
+
+void expectNear(const std::vector<double>& got, const std::vector<double>& expected) {
+  ASSERT_EQ(got.size(), expected.size());
+  for (std::size_t i = 0; i < got.size(); ++i) EXPECT_NEAR(got[i], expected[i], 1e-12) << i;
 }
 
 } // namespace
 
 TEST(Tower, RegularBundleSpreadsRoundTheTowerPoint) {
-  readHere(description(summary(3) + threePhaseTower("Sub-ConductorsPerBundle: 4\n{\n"
-                                                    "BundleSpacing: 0.4\n}\n")));
-  ASSERT_EQ(C.NCOND, 12);
-  EXPECT_EQ(maps(), (std::vector<int>{0, 0, 0, 1, 2, 3, 1, 2, 3, 1, 2, 3}));
-  const double d = 0.4 / (2 * std::sin(M_PI / 4)) * std::cos(M_PI / 4);
+  readTower("Sub-ConductorsPerBundle: 4\n{\nBundleSpacing: 0.4\n}\n");
+  ASSERT_EQ(maps(), (std::vector<int>{0, 0, 0, 1, 2, 3, 1, 2, 3, 1, 2, 3}));
   for (int c = 1; c <= 3; ++c) {
     const double x = 10.0 * (c - 2);
-    EXPECT_NEAR(C.CX[c], x + d, 1e-12);
-    EXPECT_NEAR(C.CY[c], 20 + d, 1e-12);
-    EXPECT_NEAR(C.CX[c + 3], x - d, 1e-12);
-    EXPECT_NEAR(C.CY[c + 6], 20 - d, 1e-12);
-    EXPECT_NEAR(C.CYAVG[c + 9], 20 - d - 4, 1e-12);
-    EXPECT_EQ(C.CRAD[c + 9], 0.015);
+    expectNear(values(C.CX[c], C.CY[c], C.CX[c + 3], C.CY[c + 6], C.CYAVG[c + 9], C.CRAD[c + 9]),
+               values(x + 0.2, 20.2, x - 0.2, 19.8, 15.8, 0.015));
     EXPECT_NEAR(C.CRDC[c + 9], 0.05e-3, 1e-18);
   }
-}
-
-TEST(Tower, RegularOffsetsAreOneSpacingApart) {
   for (int s = 2; s <= 15; ++s) {
     for (int k = 1; k <= s; ++k) {
-      const Offset a = regularOffset(k, s, 0.45);
-      const Offset b = regularOffset(k % s + 1, s, 0.45);
+      const Offset a = regularOffset(k, s, 0.45), b = regularOffset(k % s + 1, s, 0.45);
       EXPECT_NEAR(std::hypot(a.dx - b.dx, a.dy - b.dy), 0.45, 1e-12) << s << ' ' << k;
     }
   }
 }
 
 TEST(Tower, ExplicitOffsetsMoveMainConductorsToo) {
-  readHere(description(summary(3) + threePhaseTower("Sub-ConductorsPerBundle: 2\n{\nP1 : -0.2 0.1\n"
-                                                    "P2 : 0.2\nP3 : 100 100\n}\n")));
+  readTower("Sub-ConductorsPerBundle: 2\n{\nP1 : -0.2 0.1\nP2 : 0.2\nP3 : 100 100\n}\n");
   ASSERT_EQ(C.NCOND, 6);
-  EXPECT_NEAR(C.CX[1], -10.2, 1e-12);
-  EXPECT_NEAR(C.CY[1], 20.1, 1e-12);
-  EXPECT_NEAR(C.CX[6], 10.2, 1e-12);
-  EXPECT_NEAR(C.CY[6], 20.0, 1e-12);
+  expectNear(values(C.CX[1], C.CY[1], C.CX[6], C.CY[6]), values(-10.2, 20.1, 10.2, 20.0));
 }
 
 TEST(Tower, GroundWiresTakeTheirData) {
-  const std::string group = "GroundWires: {}\n{{\n{}DCResistance: 3\nRadius: 0.005\n"
-                            "GW2 DCResistance: 1\nGW2 Radius: 0.007\nSag: 3\nP1 : -5 30\n{}}}\n";
-  const std::string two = "P2 : 5 30\n";
-  const auto read = [&](int n, const char* keys, int nodes) {
-    readHere(description(summary(nodes) + threePhaseTower("ShuntConductance: 1e-11\n",
-                                                          fmt::format(fmt::runtime(group), n, keys,
-                                                                      n == 2 ? two : ""))));
+  const auto read = [&](const std::string& keys, int nodes = 3) {
+    readTower("ShuntConductance: 1e-11\n", "GroundWires: " + keys + "}\n", nodes);
   };
-  read(2, "", 3); // eliminated by default, all alike
+  const std::string data = "DCResistance: 3\nRadius: 0.005\nGW2 DCResistance: 1\n"
+                           "GW2 Radius: 0.007\nSag: 3\nP1 : -5 30\n";
+  const std::string unique = "Unique Ground Wires: 0\n", second = "P2 : 5 30\n";
+  read("2\n{\n" + data + second); // eliminated by default, all alike
   EXPECT_EQ(maps(), (std::vector<int>{0, 0, 0, -1, -1}));
-  EXPECT_EQ(C.CRAD[5], 0.005);
-  EXPECT_EQ(C.CSHUNT[4], 0.0);
-  EXPECT_EQ(C.CYAVG[5], 28.0);
-  EXPECT_EQ(C.NCIRC, 1);
-  read(2, "Unique Ground Wires: 0\n", 3);
-  EXPECT_EQ(C.CRAD[4], 0.005);
-  EXPECT_EQ(C.CRAD[5], 0.007);
+  EXPECT_EQ(values(C.CRAD[5], C.CSHUNT[4], C.CYAVG[5], C.NCIRC), values(0.005, 0, 28, 1));
+  read("2\n{\n" + unique + data + second);
+  EXPECT_EQ(values(C.CRAD[4], C.CRAD[5]), values(0.005, 0.007));
   EXPECT_NEAR(C.CRDC[5], 1e-3, 1e-18);
-  read(1, "Unique Ground Wires: 0\n", 3);
-  EXPECT_EQ(C.CRAD[4], 0.005);
-  EXPECT_EQ(C.CRAD[5], 0.0); // the second wire's data go nowhere
-  read(2, "Eliminate Ground Wires: 0\nGround Wire Phase Information: 4 5\n", 5);
+  read("1\n{\n" + unique + data); // the second wire's data go nowhere
+  EXPECT_EQ(values(C.CRAD[4], C.CRAD[5]), values(0.005, 0));
+  read("2\n{\nEliminate Ground Wires: 0\nGround Wire Phase Information: 4 5\n" + data + second, 5);
   EXPECT_EQ(maps(), (std::vector<int>{0, 0, 0, -2, -2}));
-  EXPECT_EQ(C.CSHUNT[4], 1e-11);
-  EXPECT_EQ(C.NCIRC, 2);
-  EXPECT_EQ(C.CCIRC[5], 2);
+  EXPECT_EQ(values(C.CSHUNT[4], C.NCIRC, C.CCIRC[5]), values(1e-11, 2, 2));
 }
 
 TEST(Tower, ConductorShapes) {
-  readHere(description(summary(3) + threePhaseTower("Inner Radius: 0.010\nStrand Radius: 0.002\n"
-                                                    "Number of Outer Strands: 18\n"
-                                                    "Total Number of Strands: 37\n"
-                                                    "Conductor Relative Permeability: 1.5\n")));
-  for (int i = 1; i <= 3; ++i) {
-    EXPECT_TRUE(C.CTUBE[i] && C.CSTRND[i]);
-    EXPECT_NEAR(C.CTHICK[i], 0.005, 1e-15);
-    EXPECT_EQ(C.CNOUT[i], 18.0);
-    EXPECT_EQ(C.CNTOT[i], 37.0);
-    EXPECT_EQ(C.CMUR[i], 1.5);
-  }
-}
-
-TEST(Tower, AGroupOfNoneLeavesNothingBehind) {
-  readHere(description(summary(3) +
-                       "Line Constants Tower\n{\nCircuit\n{\nConductors: 0\nRadius: 9\n"
-                       "Conductor Relative Permeability: 9\n}\n}\n" +
-                       threePhaseTower()));
-  ASSERT_EQ(C.NCOND, 3);
-  EXPECT_EQ(C.CMUR[1], 1.0);
-  EXPECT_FALSE(C.ALL3PH);
+  const std::string none = "Circuit\n{\nConductors: 0\nRadius: 9\nStrand Radius: 9\n"
+                           "Conductor Relative Permeability: 9\n}\n"; // leaves nothing behind
+  readHere(description(summary(3) + OPENTOWER + none + "}\n" + threePhaseTower()));
+  EXPECT_EQ(values(C.NCOND, C.CMUR[1], C.CSTRND[1], C.ALL3PH), values(3, 1, 0, 0));
+  readTower("Inner Radius: 0.010\nStrand Radius: 0.002\nNumber of Outer Strands: 18\n"
+            "Total Number of Strands: 37\nConductor Relative Permeability: 1.5\n");
+  for (int i = 1; i <= 3; ++i)
+    expectNear(values(C.CTUBE[i], C.CSTRND[i], C.CTHICK[i], C.CNOUT[i], C.CNTOT[i], C.CMUR[i]),
+               values(1, 1, 0.005, 18, 37, 1.5));
 }
 
 TEST(Tower, KeysAheadOfTheCountStayInsideTheTable) {
-  std::string circuit =
-      "Line Constants Tower\n{\nCircuit\n{\nConductors: 720\n}\nCircuit\n{\n"
-      "Radius: 1\nThickness: 1\nP1 : 1 1\nConductor Phase Information: 1\n"
+  const std::string circuit =
+      OPENTOWER + "Circuit\n{\nConductors: 720\n}\nCircuit\n{\n" +
+      "Radius: 1\nThickness: 1\nP1 : 1 1\nConductor Phase Information: 1\n" +
       "Sub-ConductorsPerBundle: 15\n{\nBundleSpacing: 1\nP : 1 1\n}\nLibrary : x\n";
   EXPECT_NE(readInChild(description(circuit)).status, -1);
 }
@@ -137,132 +110,78 @@ TEST(Tower, ExternalFileMakesEntriesBundleByBundle) {
           externalRecord("2 1 0 0.005 2 1 2 0 30", 9) +
           externalRecord("2 0 4 0.005 2 1 2 0 35", 9));
   readHere(description(summary(4) + towerWithFile(path)));
-  ASSERT_EQ(C.NCOND, 7);
   // equivalent conductors in node order, bundle members, eliminated wire
-  EXPECT_EQ(maps(), (std::vector<int>{0, 0, 0, -2, 1, 2, -1}));
-  EXPECT_EQ(C.NCIRC, 3);
-  EXPECT_FALSE(C.ALL3PH);
-  EXPECT_NEAR(C.CX[1], -4.8, 1e-12);
-  EXPECT_NEAR(C.CX[5], -5.2, 1e-12);
-  EXPECT_TRUE(C.CSTRND[2] && !C.CTUBE[2]);
-  EXPECT_EQ(C.CNTOT[2], 7.0);
-  EXPECT_NEAR(C.CYAVG[6], 20.05 - 2, 1e-12);
-  EXPECT_TRUE(C.CTUBE[3]);
-  EXPECT_NEAR(C.CTHICK[3], 0.004, 1e-15);
-  EXPECT_EQ(C.CTRANSP[1], 1);
-  EXPECT_EQ(C.CYAVG[7], 30 - 4.0 / 3.0);
+  ASSERT_EQ(maps(), (std::vector<int>{0, 0, 0, -2, 1, 2, -1}));
+  EXPECT_EQ(values(C.NCIRC, C.ALL3PH, C.CTRANSP[1]), values(3, 0, 1));
+  expectNear(values(C.CX[1], C.CX[5], C.CX[2], C.CX[6]), values(-4.8, -5.2, 4.9, 5.1));
+  expectNear(values(C.CYAVG[6], C.CYAVG[7]), values(18.05, 86 / 3.0));
+  expectNear(values(C.CSTRND[2], C.CTUBE[2], C.CNTOT[2]), values(1, 0, 7));
+  expectNear(values(C.CTUBE[3], C.CTHICK[3]), values(1, 0.004));
 }
 
 TEST(Tower, ExternalFileFailures) {
-  const std::string stars(43, '*');
-  const auto cannotRead = [&](const std::string& path) {
-    return lines({"", stars, "Line Constants Program: ERROR",
-                  fmt::format("Error in Reading Data File: {}", path),
-                  "File does not appear to conform to correct", "format.", stars,
-                  "READTLDATA Ending!"});
-  };
   const std::string missing = scratchFile("", "") + "missing";
-  const ChildResult none = readInChild(description(towerWithFile(missing)));
-  EXPECT_EQ(none.console,
-            lines({"", stars, fmt::format("Error in Opening Input Data File: {}", missing), stars,
-                   "READTLDATA Ending!"}));
-  EXPECT_EQ(none.status, 1);
-  for (const std::string text : {"1 2 three\n", "1 2 3\n", "1 2 'x\n"}) {
+  check({{towerWithFile(missing), fileError({"Error in Opening Input Data File: " + missing})}});
+  for (const char* text : {"1 2 three\n", "1 2 3\n", "1 2 'x\n"}) {
     const std::string path = scratchFile("bad.txt", text);
-    const ChildResult r = readInChild(description(towerWithFile(path)));
-    EXPECT_EQ(r.console, cannotRead(path)) << text;
-    EXPECT_EQ(r.status, 1) << text;
+    check({{towerWithFile(path), cannotRead(path)}});
   }
-  const std::string many =
-      scratchFile("many.txt", externalRecord("1 1 0 1 0 0 0 0 0 0 0 0 0 0 0 0 16", 17));
-  const ChildResult bundle = readInChild(description(towerWithFile(many)));
-  EXPECT_EQ(bundle.console,
-            lines({"Circuit   1 has  16 Sub-Conductors,", "Maximum of 15 Allowed!"}) +
-                errorExit("}"));
-}
-
-TEST(Library, WordsOfARow) {
-  EXPECT_EQ(LIBWORD("  a bb  c", 1), "a");
-  EXPECT_EQ(LIBWORD("  a bb  c", 3), "c");
-  EXPECT_EQ(LIBWORD("  a bb  c", 5), "c");
-  EXPECT_EQ(LIBWORD("   ", 2), "");
+  const std::string many = towerWithFile(
+      scratchFile("many.txt", externalRecord("1 1 0 1 0 0 0 0 0 0 0 0 0 0 0 0 16", 17)));
+  check({{many.substr(0, many.size() - 1), // the line behind the name is the last one
+          "Circuit   1 has  16 Sub-Conductors,\nMaximum of 15 Allowed!\n"}});
 }
 
 TEST(Library, RowsOfBothFormats) {
+  EXPECT_EQ(LIBWORD("  a bb  c", 1), "a");
+  EXPECT_EQ(LIBWORD("  a bb  c", 5), "c");
+  EXPECT_EQ(LIBWORD("   ", 2), "");
   const std::string old = scratchFile("old.lib", "name radius resistance\nthree 0.01 0.1\n"
                                                  "four 0.02 0.2 1.5\nfive 0.03 0.3 1.5 0.02\n");
   const std::string fresh =
       scratchFile("new.lib", "#Format 1\nx text text\nacsr 10 0.1 19 2 1.2\n");
-  const auto read = [&](const std::string& library, const char* name) {
-    return readInChild(
-        description(summary(3) + threePhaseTower("Library : " + library +
-                                                 "\nName: " + std::string(name) + "\n")));
-  };
-  const auto readHereWith = [&](const std::string& library, const char* name) {
-    readHere(description(summary(3) + threePhaseTower("Library : " + library +
-                                                      "\nName: " + std::string(name) + "\n")));
-  };
-  readHereWith(old, "four");
-  EXPECT_EQ(C.CRAD[2], 0.02);
-  EXPECT_NEAR(C.CRDC[2], 0.2e-3, 1e-18);
-  EXPECT_EQ(C.CMUR[2], 1.5);
-  EXPECT_FALSE(C.CTUBE[2]);
-  readHereWith(old, "five");
-  EXPECT_TRUE(C.CTUBE[2]);
-  EXPECT_NEAR(C.CTHICK[2], 0.01, 1e-15);
-  readHereWith(fresh, "acsr");
-  EXPECT_TRUE(C.CSTRND[3]);
-  EXPECT_EQ(C.CRAD[3], 0.01);
-  EXPECT_EQ(C.CNTOT[3], 19.0);
-  EXPECT_EQ(C.CNOUT[3], 12.0); // 12 strands of 2 mm round a circle of 8 mm
-  EXPECT_EQ(C.CMUR[3], 1.2);
+  readTower("Library : " + old + "\nName: four\n");
+  expectNear(values(C.CRAD[2], C.CRDC[2], C.CMUR[2], C.CTUBE[2]), values(0.02, 0.2e-3, 1.5, 0));
+  readTower("Library : " + old + "\nName: five\n");
+  expectNear(values(C.CTUBE[2], C.CTHICK[2]), values(1, 0.01));
+  readTower("Library : " + fresh + "\nName: acsr\n"); // 12 strands of 2 mm round a circle of 8 mm
+  expectNear(values(C.CSTRND[3], C.CRAD[3], C.CNTOT[3], C.CNOUT[3], C.CMUR[3]),
+             values(1, 0.01, 19, 12, 1.2));
 
-  const std::string hyphens(49, '-');
-  const ChildResult warned = read(old, "three\nName: three");
-  EXPECT_EQ(warned.console,
-            lines({hyphens, "Warning:  Conductor permeability and inner radius",
-                   fmt::format("information was not found in conductor library{}", old),
-                   "See online help for updated format. Values", "defaulted to:",
-                   "   Permeability =  1.00", "  Inner Radius =  0.00 [m]", hyphens}));
+  const std::string hyphens(49, '-'), three = "Library : " + old + "\nName: three\nName: three\n";
+  const ChildResult warned = readInChild(description(summary(3) + threePhaseTower(three)));
+  EXPECT_EQ(warned.console, lines({hyphens, "Warning:  Conductor permeability and inner radius",
+                                   "information was not found in conductor library" + old,
+                                   "See online help for updated format. Values",
+                                   "defaulted to:", "   Permeability =  1.00",
+                                   "  Inner Radius =  0.00 [m]", hyphens}));
   EXPECT_EQ(warned.status, 0);
 }
 
 TEST(Library, Failures) {
-  const std::string stars(43, '*');
   const std::string good = scratchFile("good.lib", "one 0.01 0.1 1\nbad 0.01 text 1\n");
   const std::string future = scratchFile("future.lib", "#Format 2\none 1 1 1 1 1\n");
   std::string many = "#Format 1\n";
   for (int i = 0; i < 5000; ++i) many += "x 1 1 1 1 1\n";
   const std::string tooLong = scratchFile("long.lib", many + "one 10 0.1 19 2 1\n");
-  const auto opened = [&](const char* kind, const std::string& path) {
-    return lines({stars, fmt::format("Error Opening {} Library File: {}", kind, path), stars});
+  const auto opened = [&](const std::string& what) {
+    return lines({STARS, "Error Opening " + what, STARS});
   };
-  const auto notFound = [&](const char* kind, const char* what, const std::string& path,
-                            const std::string& name) {
-    return lines({stars, fmt::format("Error While Searching {} Library: {}", kind, path),
-                  fmt::format("{} {} Not Found!", what, name), stars});
+  const auto notFound = [&](const std::string& path, const std::string& what) {
+    return lines({STARS, "Error While Searching " + path, what + " Not Found!", STARS});
   };
-  struct Case {
-    std::string library, name, console;
-    bool wire = false;
-  };
-  const Case cases[] = {
-      {"nowhere", "one", opened("Conductor", "nowhere")},
-      {"", "one", opened("Conductor", "")},
-      {future, "one", opened("Conductor", future)},
-      {good, "One", notFound("Conductor", "Conductor", good, "One")},
-      {good, "one x", notFound("Conductor", "Conductor", good, "one x")},
-      {good, "bad", ""},
-      {tooLong, "one", notFound("Conductor", "Conductor", tooLong, "one")},
-      {"nowhere", "one", opened("Grnd", "nowhere"), true},
-      {good, "two", notFound("Grnd Wire", "Ground Wire", good, "two"), true},
-  };
-  for (const Case& c : cases) {
-    const std::string keys = "Library : " + c.library + "\nName: " + c.name + "\n";
-    const std::string text =
-        c.wire ? threePhaseTower("", "GroundWires: 1\n{\n" + keys + "}\n") : threePhaseTower(keys);
-    const ChildResult r = readInChild(description(summary(3) + text));
-    EXPECT_EQ(r.console, c.console + errorExit("Name: " + c.name)) << c.library << ' ' << c.name;
-    EXPECT_EQ(r.status, 1);
-  }
+  const std::string circuit = OPENTOWER + "Circuit\n{\nConductors: 3\nLibrary : ";
+  const std::string wire = OPENTOWER + "GroundWires: 1\n{\nLibrary : ";
+  const std::string library = "Conductor Library: ", wires = "Grnd Wire Library: " + good;
+  check({
+      {circuit + "nowhere\nName: one", opened("Conductor Library File: nowhere")},
+      {circuit + "\nName: one", opened("Conductor Library File: ")},
+      {circuit + future + "\nName: one", opened("Conductor Library File: " + future)},
+      {circuit + good + "\nName: One", notFound(library + good, "Conductor One")},
+      {circuit + good + "\nName: one x", notFound(library + good, "Conductor one x")},
+      {circuit + good + "\nName: bad"},
+      {circuit + tooLong + "\nName: one", notFound(library + tooLong, "Conductor one")},
+      {wire + "nowhere\nName: one", opened("Grnd Library File: nowhere")},
+      {wire + good + "\nName: two", notFound(wires, "Ground Wire two")},
+  });
 }

@@ -9,44 +9,35 @@
 using namespace lcp;
 using namespace lcp::test;
 
-namespace {
-
-const FrequencyGrid& G = SOLVEDATA.grid;
-
-} // namespace
-
 TEST(FrequencyGrid, LaysTheFitRangeWithFivePointsBelow) {
   RUNDATA.resetInput();
   RUNDATA.model.MODFDP = true;
   RUNDATA.fit.CONSTT = false;
   layGrid();
-  EXPECT_EQ(G.NFREQ, 107);
+  EXPECT_EQ(SOLVEDATA.grid.NFREQ, 107);
   EXPECT_TRUE(RUNDATA.fit.CONSTT);
   EXPECT_NEAR(gridFrequency(1), 0.5 * std::pow(10.0, -5 * 6.30102999566398 / 100), 1e-12);
   EXPECT_NEAR(gridFrequency(6), 0.5, 1e-13);
   EXPECT_NEAR(gridFrequency(106), 1e6, 1e-6);
   EXPECT_EQ(gridFrequency(107), 2000.0);
-  EXPECT_TRUE(isConstantTransformStep(107));
-  EXPECT_FALSE(isConstantTransformStep(106));
+  EXPECT_TRUE(isConstantTransformStep(107) && !isConstantTransformStep(106));
   storeFrequency(3, 50.0);
-  EXPECT_NEAR(G.WFREQ[3], 314.159265358979, 1e-11);
-  EXPECT_NEAR(G.LOGF[3], 1.69897000433602, 1e-14);
+  EXPECT_NEAR(SOLVEDATA.grid.WFREQ[3], 314.159265358979, 1e-11);
+  EXPECT_NEAR(SOLVEDATA.grid.LOGF[3], 1.69897000433602, 1e-14);
 }
 
 TEST(FrequencyGrid, UnfittedModelsHaveFixedFrequencies) {
-  RUNDATA.resetInput();
-  RUNDATA.line.SSFREQ = 50;
-  RUNDATA.bergeron.FLOSS = 1000;
-  RUNDATA.model.MODPI = true;
-  layGrid();
-  EXPECT_EQ(G.NFREQ, 1);
-  EXPECT_EQ(gridFrequency(1), 50.0);
-  RUNDATA.model = {};
-  RUNDATA.model.MODBERG = true;
-  layGrid();
-  EXPECT_EQ(G.NFREQ, 2);
-  EXPECT_EQ(gridFrequency(1), 1000.0);
-  EXPECT_EQ(gridFrequency(2), 50.0);
+  for (const bool pi : {false, true}) {
+    RUNDATA.resetInput();
+    RUNDATA.line.SSFREQ = 50;
+    RUNDATA.bergeron.FLOSS = 1000;
+    RUNDATA.model.MODPI = pi;
+    RUNDATA.model.MODBERG = !pi;
+    layGrid();
+    EXPECT_EQ(SOLVEDATA.grid.NFREQ, pi ? 1 : 2);
+    EXPECT_EQ(gridFrequency(1), pi ? 50.0 : 1000.0);
+    EXPECT_EQ(gridFrequency(SOLVEDATA.grid.NFREQ), 50.0);
+  }
 }
 
 TEST(FrequencyGrid, RefusesWhatItCannotLay) {

@@ -1,6 +1,7 @@
+// Newton steps of single modes, and the order of modes; whole walks are those of the first loop.
 #include "modal/newton.h"
 
-#include "support/mode_walk.h"
+#include "support/line_matrices.h"
 
 #include <gtest/gtest.h>
 
@@ -11,26 +12,6 @@ namespace {
 
 int updates(int k) { return SOLVEDATA.first.NRITER[k]; }
 Complex& LSTEP(int k) { return SOLVEDATA.first.LSTEP[k]; }
-
-// Eigenvalue of mode k at the place t of a family of matrices.
-Complex eigenvalue(int k, double t) {
-  return {2.0 + std::cos(t + 1.3 * k), 0.5 * std::sin(2.0 * t - 0.7 * k)};
-}
-
-void family(LineMatrix& A, double t, int n) {
-  static LineMatrix X, XI, XL;
-  std::mt19937 random(51);
-  fillRandom(X, n, n, random);
-  for (int j = 1; j <= n; ++j) {
-    X(j, j) += 4.0 + Complex(0.0, t);
-    X(j % n + 1, j) *= std::polar(1.0, 0.8 * t);
-  }
-  INVCJD(XI, X, n);
-  for (int j = 1; j <= n; ++j) {
-    for (int i = 1; i <= n; ++i) XL(i, j) = X(i, j) * eigenvalue(j, t);
-  }
-  CMATMUL(A, XL, XI, n);
-}
 
 // A = diag(entries), mode k guessed as (l, x).
 struct Single {
@@ -51,30 +32,6 @@ bool solveDiagonal(Single& S, std::initializer_list<double> entries) {
 }
 
 } // namespace
-
-TEST(Newton, KeepsTheModesOfASmoothFamilyApart) {
-  static Walk W;
-  const int n = 6;
-  for (LineMatrix* m : {&W.A, &W.TI, &W.TIINV}) fillNaN(*m);
-  family(W.A, 0.0, n);
-  start(W, n);
-  Table<int, n> mode; // of the family, in the numbering of the decomposition
-  for (int k = 1; k <= n; ++k) {
-    for (int m = 1; m <= n; ++m) {
-      if (std::abs(W.EIG[k] - eigenvalue(m, 0.0)) < 1e-6) mode[k] = m;
-    }
-  }
-  for (int i = 1; i < 150; ++i) {
-    const double t = 0.02 * i;
-    family(W.A, t, n);
-    ASSERT_TRUE(step(W, n)) << t;
-    for (int k = 1; k <= n; ++k) {
-      ASSERT_LE(updates(k), 9) << t;
-      ASSERT_LT(std::abs(W.EIG[k] - eigenvalue(mode[k], t)), 1e-6) << t << ' ' << k;
-    }
-  }
-  EXPECT_TRUE(onlyCornerSet(W.TI, n));
-}
 
 TEST(Newton, StepsAreLimited) {
   Single S;
@@ -100,45 +57,34 @@ TEST(Newton, StepsAreLimited) {
 
 TEST(Newton, FailingModeLeavesTheOthersAlone) {
   Single S;
-  // Mode 1: a step of the eigenvalue 0 is limited to nothing. Mode 2 converges.
-  S.P[1] = 1;
-  S.X(1, 1) = 1.0;
-  S.L[1] = 0.0;
+  S.P.fill(1);
+  S.X(1, 1) = S.X(2, 2) = 1.0;
   S.P[2] = 2;
-  S.X(2, 2) = 1.0;
   S.L[2] = 1.4;
+  // a step of the eigenvalue 0 is limited to nothing
   EXPECT_FALSE(solveDiagonal(S, {1.0, 3.0}));
   EXPECT_EQ(updates(1), MAXNEWTON + 1);
   EXPECT_EQ(S.EIG[1], 0.0);
   EXPECT_EQ(S.TI(1, 1), 1.0);
   EXPECT_LE(updates(2), 3);
   EXPECT_NEAR(std::abs(S.EIG[2] - 3.0), 0.0, 1e-7);
-}
-
-TEST(Newton, SingularJacobianMovesTheEigenvalue) {
-  Single S;
+  // a zero vector has a singular Jacobian at any eigenvalue, which is moved
   const double grown = std::pow(1.01, MAXNEWTON);
+  S.X(1, 1) = 0.0;
+  S.TI(1, 1) = 42.0;
   for (Complex before : {Complex(0.0), Complex(0.2, 0.3)}) {
-    // A zero vector has a singular Jacobian at any eigenvalue.
-    S.P.fill(1);
-    S.TI(1, 1) = 42.0;
     S.L[1] = {0.5, -0.1};
     LSTEP(1) = before;
-    S.X(2, 2) = 1.0;
-    S.P[2] = 2;
-    S.L[2] = 1.5;
     EXPECT_FALSE(solveDiagonal(S, {1.0, 3.0}));
     EXPECT_EQ(updates(1), MAXNEWTON + 1);
     EXPECT_LT(std::abs(LSTEP(1) / grown - (before == 0.0 ? S.L[1] : before)), 1e-13);
     EXPECT_EQ(S.EIG[1], 2.0 * LSTEP(1));
     EXPECT_EQ(S.TI(1, 1), 42.0); // no vector was found
   }
-  // At one of two equal eigenvalues the way is open again after one such move.
-  S.X(1, 1) = 1.0;
+  // at one of two equal eigenvalues the way is open again after one such move
+  S.X(1, 1) = S.X(3, 3) = 1.0;
   S.X(3, 1) = 0.01;
-  S.L[1] = LSTEP(1) = 0.6;
-  S.X(3, 3) = 1.0;
-  S.L[2] = 0.6;
+  S.L[1] = LSTEP(1) = S.L[2] = 0.6;
   S.P[3] = 3;
   S.L[3] = 1.8;
   EXPECT_TRUE(solveDiagonal(S, {1.0, 1.0, 3.0}));

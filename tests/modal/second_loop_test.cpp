@@ -23,40 +23,33 @@ template <class Store> Dense stepOf(const Store& store, int k) {
 
 TEST(SecondLoop, PhaseFunctionsAreThoseOfTheMatrices) {
   // H = exp(-l sqrt(Y Z)), Yc = sqrt(Y Z)^-1 Y
-  const std::string ideal = singleCircuit(phaseModel(), "Transposed: 1\n");
   for (const std::string& body :
-       {singleCircuit(phaseModel()), doubleCircuit(phaseModel()), ideal}) {
+       {doubleCircuit(phaseModel()), singleCircuit(phaseModel(), "Transposed: 1\n")}) {
     for (const double length : {1e3, 1e5}) {
       solveBothLoops(body, length);
+      EXPECT_EQ(SOLVEDATA.first.IDEALT, RUNDATA.line.NC == 3);
       for (int k = 1; k <= SOLVEDATA.grid.NFREQ; k += 15) {
-        const Dense Y = stepOf(SOLVEDATA.at.YSTORE, k);
+        const Dense Y = stepOf(SOLVEDATA.at.YSTORE, k), YC = stepOf(SOLVEDATA.second.YCST, k);
         const Dense gamma = squareRoot(product(Y, stepOf(SOLVEDATA.at.ZSTORE, k)));
         const Dense H = exponential(times(-length, gamma));
         // the eigenvalues are solved to 1e-8, an error that the length multiplies
         EXPECT_LT(distance(stepOf(SOLVEDATA.second.HST, k), H), 2e-6) << k;
-        EXPECT_LT(distance(stepOf(SOLVEDATA.second.YCST, k), product(inverse(gamma), Y)), 1e-6)
-            << k;
+        EXPECT_LT(distance(YC, product(inverse(gamma), Y)), 1e-6) << k;
       }
     }
   }
 }
 
-TEST(SecondLoop, ModalStoresHangTogether) {
+TEST(SecondLoop, VectorsAreOfLengthOneAndTurnedToTheirPivots) {
   solveBothLoops(doubleCircuit(phaseModel()), 5e4);
-  const SecondLoopStore& T = SOLVEDATA.second;
-  for (int k = 1; k <= SOLVEDATA.grid.NFREQ; k += 9) {
-    for (int i = 1; i <= 6; ++i) {
-      EXPECT_LT(std::abs(T.HMODE(k, i) - std::exp(-T.GAMLEN(k, i))), 1e-14);
-      EXPECT_NEAR(T.HMAG(k, i), std::exp(-T.GAMLEN(k, i).real()), 1e-14);
-      EXPECT_GT(T.GAMLEN(k, i).real(), 0.0);
-      EXPECT_NEAR(T.VELOC(k, i) * T.GAMLEN(k, i).imag(), SOLVEDATA.grid.WFREQ[k] * 5e4, 1e-2);
-      EXPECT_LT(T.VELOC(k, i), 2.998e8);
-      double column = 0;
-      for (int r = 1; r <= 6; ++r) column += std::norm(T.TIST(k, r, i));
-      EXPECT_NEAR(column, 1.0, 1e-13);
-      EXPECT_NEAR(T.TIST(k, SOLVEDATA.first.PIVOT0[i], i).imag(), 0.0, 1e-13);
-      EXPECT_GT(T.TIST(k, SOLVEDATA.first.PIVOT0[i], i).real(), 0.0);
-    }
+  for (int i = 0; i < 72; ++i) {
+    const int k = 1 + i / 6 * 9, m = 1 + i % 6;
+    double column = 0;
+    for (int r = 1; r <= 6; ++r) column += std::norm(SOLVEDATA.second.TIST(k, r, m));
+    EXPECT_NEAR(column, 1.0, 1e-13);
+    const Complex pivot = SOLVEDATA.second.TIST(k, SOLVEDATA.first.PIVOT0[m], m);
+    EXPECT_NEAR(pivot.imag(), 0.0, 1e-13);
+    EXPECT_GT(pivot.real(), 0.0);
   }
 }
 
@@ -79,11 +72,8 @@ TEST(SecondLoop, WeightsTurnAtTheSteadyStateFrequency) {
   formFitWeights();
   const FrequencyGrid& G = SOLVEDATA.grid;
   EXPECT_EQ(G.NFUSE, 106);
-  int at = 0;
-  for (int k = 1; k <= G.NFUSE; ++k) {
-    const double expected = G.FREQ[k] > 60 ? 3 : (k < G.NFUSE && G.FREQ[k + 1] > 60 ? 2 : 1);
-    EXPECT_EQ(G.WFIT[k], expected) << k;
-    at += G.WFIT[k] == 2 ? 1 : 0;
-  }
-  EXPECT_EQ(at, 1);
+  int before = 0; // the last step up to 60 Hz
+  for (int k = 1; k <= G.NFUSE; ++k) before = G.FREQ[k] > 60 ? before : k;
+  for (int k = 1; k <= G.NFUSE; ++k)
+    EXPECT_EQ(G.WFIT[k], k < before ? 1 : (k == before ? 2 : 3)) << k;
 }

@@ -22,8 +22,6 @@ using namespace lcp::test;
 
 namespace {
 
-const std::string KEYS = "Weighting Factor 1: 1\nWeighting Factor 2: 1\nWeighting Factor 3: 1\n";
-
 std::string tableLine(int n, const std::string& file, const std::string& model) {
   const std::string keys = "Data Entry Format:  Multiple Y and Z\n"
                            "Y,Z Input File Name: '" +
@@ -37,11 +35,6 @@ std::string smallTable(const std::vector<double>& frequencies) {
   for (const double f : frequencies)
     text += fmt::format("{}\n1e-3\n{}\n0\n{}\n", f, TWOPI * f * 1e-6, TWOPI * f * 10e-12);
   return text;
-}
-
-ProgramRun run(const Scratch& scratch, const std::string& body) {
-  scratch.file("a.cvi", description(body));
-  return runProgram({"/file", "a.cvi", "/length", "100000"}, scratch.path());
 }
 
 } // namespace
@@ -91,8 +84,8 @@ TEST(YzInterp, RefusesATableThatIsNoFunctionOfFrequency) {
 }
 
 TEST(YzInterp, AFullTableStaysInItsStore) {
-  std::vector<double> frequencies(MAXFREQ);
-  for (int k = 0; k < MAXFREQ; ++k) frequencies[static_cast<std::size_t>(k)] = 1 + 7.0 * k;
+  std::vector<double> frequencies(MAXFREQ, 1);
+  for (std::size_t k = 1; k < MAXFREQ; ++k) frequencies[k] = frequencies[k - 1] + 7;
   const std::string file = scratchFile("small.txt", smallTable(frequencies));
   solveBothLoops(tableLine(1, file, phaseModel("Weighting Factor 2: 5\n")));
   formFitWeights();
@@ -101,35 +94,33 @@ TEST(YzInterp, AFullTableStaysInItsStore) {
   EXPECT_EQ(G.FREQ[MAXFREQ], 1 + 7.0 * (MAXFREQ - 1));
   EXPECT_EQ(G.WFIT[9], 5); // 57 Hz, the last below 60 Hz
   EXPECT_EQ(G.WFIT[8] + G.WFIT[10], 0);
+  // the wave of L and C travels at (L C)^-1/2
+  EXPECT_NEAR(SOLVEDATA.second.VELOC(MAXFREQ, 1), std::sqrt(1e17), 1e-3 * std::sqrt(1e17));
   RUNDATA.line.SSFREQ = 1e6; // beyond the table
   formFitWeights();
   EXPECT_EQ(G.WFIT[MAXFREQ], 5);
-  // the wave of L and C travels at (L C)^-1/2
-  EXPECT_NEAR(SOLVEDATA.second.VELOC(MAXFREQ, 1), std::sqrt(1e17), 1e-3 * std::sqrt(1e17));
 }
 
 TEST(YzInterp, ATableOfAComputedLineGivesItsPhaseModel) {
-  for (const std::string& body :
-       {doubleCircuit(phaseModel(KEYS)), singleCircuit(phaseModel(KEYS))}) {
-    const Scratch scratch;
-    solveBothLoops(body);
-    const int rows = SOLVEDATA.grid.NFREQ - 1; // not the step at FCT
-    const int n = RUNDATA.line.NC;
-    const std::string yz = scratch.file("yz.txt", yzTableOf(rows));
-    const ProgramRun geometry = run(scratch, body);
-    const ProgramRun table = run(scratch, tableLine(n, yz, phaseModel(KEYS)));
-    ASSERT_EQ(table.status, geometry.status) << table.console;
-    EXPECT_FALSE(table.files.contains("a.out")); // this route has no report
-    const PhaseFile a = readPhaseFile(geometry.files.at("a.cvo"));
-    const PhaseFile b = readPhaseFile(table.files.at("a.cvo"));
-    ASSERT_EQ(a.trouble + b.trouble, "");
-    for (int k = 1; k <= rows; k += 5) {
-      const Wide s(0, SOLVEDATA.grid.WFREQ[k]);
-      EXPECT_LT(distance(a.Yc(s), b.Yc(s)), 1e-6) << n << " " << k;
-      EXPECT_LT(distance(sum(a.H(s), identity(static_cast<std::size_t>(n))),
-                         sum(b.H(s), identity(static_cast<std::size_t>(n)))),
-                1e-6)
-          << n << " " << k;
-    }
+  const std::string model =
+      phaseModel("Weighting Factor 1: 1\nWeighting Factor 2: 1\nWeighting Factor 3: 1\n");
+  const Scratch scratch;
+  solveBothLoops(doubleCircuit(model));
+  const int rows = SOLVEDATA.grid.NFREQ - 1; // not the step at FCT
+  const std::string yz = scratch.file("yz.txt", yzTableOf(rows));
+  PhaseFile files[2];
+  for (const bool table : {false, true}) {
+    scratch.file("a.cvi", description(table ? tableLine(6, yz, model) : doubleCircuit(model)));
+    const ProgramRun run = runProgram({"/file", "a.cvi", "/length", "100000"}, scratch.path());
+    ASSERT_EQ(run.status, 0) << run.console;
+    EXPECT_EQ(run.files.contains("a.out"), !table); // this route has no report
+    files[table ? 1 : 0] = readPhaseFile(run.files.at("a.cvo"));
+  }
+  ASSERT_EQ(files[0].trouble + files[1].trouble, "");
+  for (int k = 1; k <= rows; k += 5) {
+    const Wide s(0, SOLVEDATA.grid.WFREQ[k]);
+    EXPECT_LT(distance(files[0].Yc(s), files[1].Yc(s)), 1e-6) << k;
+    EXPECT_LT(distance(sum(files[0].H(s), identity(6)), sum(files[1].H(s), identity(6))), 1e-6)
+        << k;
   }
 }
