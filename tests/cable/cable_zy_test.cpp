@@ -33,7 +33,7 @@ void addPipe() {
 
 // Overhead conductors whose shapes the conversion to cables keeps apart by the wall alone.
 void makeConvertibleLine(std::uint64_t seed) {
-  makeLine(seed, {.mostKept = 8, .mostBundle = 3, .mostEliminated = 2, .transposition = true});
+  makeLine(seed, {.mostKept = 8, .mostBundle = 3, .mostEliminated = 2});
   ConductorTable& C = RUNDATA.cond;
   for (int i = 1; i <= C.NCOND; ++i) {
     if (!C.CTUBE[i]) C.CTHICK[i] = 0;

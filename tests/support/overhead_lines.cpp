@@ -22,16 +22,21 @@ void giveShape(int i, LineNumbers& r) {
 
 // One more conductor of the kind of another one.
 void addBehind(int main, int role, double dx, double dy) {
-  ConductorTable& C = RUNDATA.cond;
+  using T = ConductorTable;
+  T& C = RUNDATA.cond;
   const int e = ++C.NCOND;
-  copyConductor(C, main, C, e);
+  for (CondReals T::*field :
+       {&T::CX, &T::CYAVG, &T::CRDC, &T::CRAD, &T::CTHICK, &T::CSTRAD, &T::CNOUT, &T::CNTOT})
+    (C.*field)[e] = (C.*field)[main];
+  for (CondFlags T::*field : {&T::CTUBE, &T::CSTRND}) (C.*field)[e] = (C.*field)[main];
+  for (CondInts T::*field : {&T::CCIRC, &T::CTRANSP}) (C.*field)[e] = (C.*field)[main];
   C.CX[e] += dx;
   C.CY[e] = C.CYAVG[e] += dy;
   C.CSHUNT[e] = 0;
   C.CMAP[e] = role;
 }
 
-void addKept(int i, int columns, LineNumbers& r, bool transposition) {
+void addKept(int i, int columns, LineNumbers& r) {
   ConductorTable& C = RUNDATA.cond;
   const int place = i - 1, row = place / columns;
   const double x = 6.0 * (place % columns) - 3.0 * columns + r.between(-2, 2);
@@ -40,7 +45,7 @@ void addKept(int i, int columns, LineNumbers& r, bool transposition) {
   giveShape(i, r);
   if (place % 3 == 0) ++C.NCIRC;
   C.CCIRC[i] = C.NCIRC;
-  C.CTRANSP[i] = place % 3 == 0 ? transposition && r.chance(0.5) : C.CTRANSP[i - 1];
+  C.CTRANSP[i] = place % 3 == 0 ? r.chance(0.5) : C.CTRANSP[i - 1];
   C.CSHUNT[i] = r.between(0, 1e-10);
   if (C.CTRANSP[i] == 0 && r.chance(0.1)) C.CMAP[i] = MAPKEPT;
 }
@@ -56,15 +61,6 @@ void setConductor(int i, double x, double y, double radius, double resistance) {
   C.CMAP[i] = MAPMAIN;
 }
 
-void copyConductor(const ConductorTable& from, int i, ConductorTable& to, int k) {
-  using T = ConductorTable;
-  for (CondReals T::*field : {&T::CX, &T::CY, &T::CYAVG, &T::CRDC, &T::CRAD, &T::CSHUNT, &T::CTHICK,
-                              &T::CMUR, &T::CSTRAD, &T::CNOUT, &T::CNTOT})
-    (to.*field)[k] = (from.*field)[i];
-  for (CondFlags T::*field : {&T::CTUBE, &T::CSTRND}) (to.*field)[k] = (from.*field)[i];
-  for (CondInts T::*field : {&T::CCIRC, &T::CTRANSP, &T::CMAP}) (to.*field)[k] = (from.*field)[i];
-}
-
 void makeLine(std::uint64_t seed, const LineWish& wish) {
   RUNDATA = {};
   ConductorTable& C = RUNDATA.cond;
@@ -75,7 +71,7 @@ void makeLine(std::uint64_t seed, const LineWish& wish) {
   const int kept = r.upTo(1, wish.mostKept);
   RUNDATA.line.NC = C.NCOND = kept;
   const int columns = (kept + 3) / 4; // places 6 m apart, so that wires stay clear of each other
-  for (int i = 1; i <= kept; ++i) addKept(i, columns, r, wish.transposition);
+  for (int i = 1; i <= kept; ++i) addKept(i, columns, r);
   const int sub = r.upTo(1, wish.mostBundle);
   for (int i = kept; i < kept * sub; ++i) { // one of every bundle in turn
     const int main = i % kept + 1, m = i / kept, row = m / 2;

@@ -30,7 +30,6 @@ struct LineWish {
   int mostKept = 48;      // equivalent conductors
   int mostBundle = 4;     // sub-conductors of a bundle
   int mostEliminated = 3; // ground wires
-  bool transposition = true;
 };
 
 // Fills the run store with a line: kept conductors first, then bundle members, then eliminated
@@ -39,8 +38,6 @@ void makeLine(std::uint64_t seed, const LineWish& wish = {});
 
 // One conductor in air: at x and average height y, with radius and resistance, kept.
 void setConductor(int i, double x, double y, double radius, double resistance);
-// Entry i of a conductor table in the place k of another one.
-void copyConductor(const ConductorTable& from, int i, ConductorTable& to, int k);
 
 struct LineResult {
   int n = 0;
