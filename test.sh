@@ -5,7 +5,8 @@ set -euo pipefail
 cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")"
 tools/install_packages.sh test
 
-git ls-files -z -- '*.cpp' '*.h' | xargs -0 clang-format-14 --dry-run -Werror
+find src tests bench -name '*.cpp' -print0 -o -name '*.h' -print0 |
+  xargs -0 clang-format-14 --dry-run -Werror
 
 for preset in release sanitize; do
   cmake --preset "$preset" > /dev/null

@@ -7,6 +7,7 @@ usage: check_structure.py [root of the tree]
 
 import os
 import re
+import shutil
 import subprocess
 import sys
 
@@ -101,9 +102,11 @@ def read(root, path):
 
 def tree_files(root):
     """Files of the tree, below the root, without what is built or ignored."""
-    listed = subprocess.run(["git", "-C", root, "ls-files", "-co", "--exclude-standard"],
-                            capture_output=True, text=True, check=False)
-    if listed.returncode == 0:
+    listed = None
+    if shutil.which("git"):
+        listed = subprocess.run(["git", "-C", root, "ls-files", "-co", "--exclude-standard"],
+                                capture_output=True, text=True, check=False)
+    if listed and listed.returncode == 0:
         return sorted(f for f in listed.stdout.split("\n") if os.path.isfile(os.path.join(root, f)))
     found = []
     for folder, folders, files in os.walk(root):
