@@ -57,7 +57,8 @@ TEST(Bounds, AreCheckedInThisBuild) {
   for (const int i : {0, 4}) {
     EXPECT_EQ(ends([i] { t[i] = 1; }), -1);
     EXPECT_EQ(ends([i] { m(i, 1) = 1; }), -1);
-    EXPECT_EQ(ends([i] { m.view()(1, i) = 1; }), -1);
+    EXPECT_EQ(ends([i] { m(1, i) = 1; }), -1);
+    EXPECT_EQ(ends([i] { m.view()(i, 1) = 1; }), -1);
     EXPECT_EQ(ends([i] { c(i == 0 ? 0 : 5, 1, 1) = 1; }), -1);
     EXPECT_EQ(ends([i] { c.curve(1, i)[1] = 1; }), -1);
   }
