@@ -231,3 +231,33 @@ TEST(CableZY, MaterialsThatTheFormulasNeed) {
     EXPECT_NE(r.console.find(c.message), std::string::npos) << r.console;
   }
 }
+
+// Configuration 606 of the IEEE 13 node test feeder: 250 kcmil aluminium, 13 strands no. 14 copper
+// as concentric neutral, 6 inches apart, 60 Hz, 100 ohm m, neutrals grounded. The core has the
+// radius of its geometric mean radius of 0.0171 ft, the neutral is a thin tube at 0.0486 ft, that
+// of its strands.
+TEST(CableZY, PublishedConcentricNeutralCables) {
+  constexpr double MILE = 1609.344, FOOT = 0.3048; // m
+  constexpr double WALL = 2e-4;                    // m
+  layCables(3);
+  for (int c = 1; c <= 3; ++c) {
+    Cable& C = cable(c);
+    C.CBX = 0.5 * FOOT * c;
+    const double r = 0.0171 * FOOT * std::exp(0.25);
+    const double q = 0.0486 * FOOT - WALL / 2;
+    C.CBRAD = {0, r, q, q + WALL, 1.29 / 24 * FOOT};
+    C.CBRHO = {0.410 / MILE * PI * r * r, 14.87 / 13 / MILE * PI * WALL * (2 * q + WALL)};
+    C.CBGLAST = 1;
+  }
+  const Wide published[3][3] = {{{0.7982, 0.4463}, {0.3192, 0.0328}, {0.2849, -0.0143}},
+                                {{0.3192, 0.0328}, {0.7891, 0.4041}, {0.3192, 0.0328}},
+                                {{0.2849, -0.0143}, {0.3192, 0.0328}, {0.7982, 0.4463}}};
+  const LineResult r = solveCables(60.0);
+  ASSERT_EQ(r.n, 3);
+  for (std::size_t i = 0; i < 3; ++i) {
+    for (std::size_t j = 0; j < 3; ++j) {
+      const Wide z = r.Z[i][j] * Wide(MILE); // ohm/mile
+      EXPECT_LT(std::abs(z - published[i][j]), 0.008) << i << j << z;
+    }
+  }
+}
