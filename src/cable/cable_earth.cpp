@@ -10,7 +10,7 @@
 #include "cable/cable_earth.h"
 
 #include "base/console.h"
-#include "base/stop.h"
+#include "base/solve_error.h"
 #include "cable/body.h"
 #include "cable/earth_pairs.h"
 #include "overhead/earth_return.h"
@@ -61,9 +61,7 @@ void checkBody(int number) {
   console::openStars();
   console::print("{} at X = {} m:", nameOf(number), b.x);
   console::print("Distance from the Surface ({} m) and Radius ({} m) Must be > 0!", b.y, b.r);
-  console::closeStars();
-  console::line("QUENT Ending!");
-  stop(1);
+  stopInStars();
 }
 
 void checkBodies(const CableNumbering& N) {
@@ -81,9 +79,7 @@ void checkBeside(int i, int j, double x, double H) {
   console::print("Earth Return by Integration of {} and {}:", nameOf(i), nameOf(j));
   console::print("Horizontal Distance or Radius ({} m) Must not be Above", x);
   console::print("{} Times the Distances from the Surface ({} m)!", MOSTBESIDE, H);
-  console::closeStars();
-  console::line("QUENT Ending!");
-  stop(1);
+  stopInStars();
 }
 
 // ---- Values

@@ -117,20 +117,20 @@ void average(CView M, const Shift& T, int n) {
 void eliminateSheath(Cable& C) {
   const int n = C.conductors();
   switch (C.CBGLAST) {
-  case 0:
+  case GROUNDNOTHING:
     C.CBELIM1 = true;
     C.CBELIM2 = C.CBELIM3 = false;
     break;
-  case 1:
+  case GROUNDLAST:
     if (n != 3 && n != 4) return;
     C.CBELIM1 = true;
     C.CBELIM2 = n == 3;
     if (n == 4) C.CBELIM3 = true;
     break;
-  case 3: C.CBELIM1 = true; break;
+  case GROUNDCHOSEN: C.CBELIM1 = true; break;
   default: return;
   }
-  C.CBGLAST = 3;
+  C.CBGLAST = GROUNDCHOSEN;
 }
 
 } // namespace

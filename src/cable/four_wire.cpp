@@ -24,7 +24,7 @@
 
 #include "base/console.h"
 #include "base/constants.h"
-#include "base/stop.h"
+#include "base/solve_error.h"
 #include "kernels/matrix_kernels.h"
 #include "store/rundata.h"
 
@@ -67,9 +67,7 @@ void checkRecord(const FourWireRecord& cable) {
   console::line("Four-Wire Cable: Area, Insulator Thickness and");
   console::line("Relative Permittivities Must be > 0, Thickness of");
   console::line("Tape and Mantle >= 0!");
-  console::closeStars();
-  console::line("QUENT Ending!");
-  stop(1);
+  stopInStars();
 }
 
 Geometry geometryOf(const FourWireRecord& cable) {

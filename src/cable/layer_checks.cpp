@@ -1,7 +1,7 @@
 #include "cable/layer_checks.h"
 
 #include "base/console.h"
-#include "base/stop.h"
+#include "base/solve_error.h"
 #include "store/rundata.h"
 
 #include <cstddef>
@@ -9,12 +9,6 @@
 namespace lcp {
 
 namespace {
-
-[[noreturn]] void refuse() {
-  console::closeStars();
-  console::line("QUENT Ending!");
-  stop(1);
-}
 
 // Layers from the core outwards: conductors at even places, insulators at odd ones.
 bool hasMaterials(const Cable& C) {
@@ -49,7 +43,7 @@ void checkPipe() {
   console::openStars();
   console::line("Pipe 1: Radii Must Grow Outwards, and the Resistivity,");
   console::line("Relative Permeabilities and Permittivities Must be > 0!");
-  refuse();
+  stopInStars();
 }
 
 } // namespace
@@ -61,7 +55,7 @@ void checkLayers() {
     console::openStars();
     console::print("Cable {}: Resistivities, Relative Permeabilities and", c);
     console::line("Permittivities of its Layers Must be > 0!");
-    refuse();
+    stopInStars();
   }
   if (T.NPIPE > 0) checkPipe();
 }

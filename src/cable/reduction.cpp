@@ -7,10 +7,6 @@ namespace lcp {
 
 namespace {
 
-constexpr int GROUNDLAST = 1;   // CBGLAST: the outermost conductor
-constexpr int GROUNDLAYERS = 2; // ... every conductor but the core
-constexpr int GROUNDCHOSEN = 3; // ... those that the flags name
-
 using RowFlags = Table<bool, LDMAT>;
 
 void groundChosen(const Cable& C, int first, int last, RowFlags& grounded) {

@@ -1,7 +1,7 @@
 #include "fit/fit_driver.h"
 
 #include "base/console.h"
-#include "base/stop.h"
+#include "base/solve_error.h"
 #include "fit/admittance_fit.h"
 #include "fit/dc_values.h"
 #include "fit/fit_console.h"
@@ -58,9 +58,7 @@ void checkDelay(double tau) {
   if (tau < 0.0) {
     console::openStars();
     console::print("The travel time ({} s) is negative ", tau);
-    console::closeStars();
-    console::line("QUENT Ending!");
-    stop(1);
+    stopInStars();
   }
   if (tau > LARGEDELAY) {
     console::print("*WARNING*: The travel time ({} s ) ", tau);

@@ -14,7 +14,7 @@
 #include "base/console.h"
 #include "base/constants.h"
 #include "base/number_forms.h"
-#include "base/stop.h"
+#include "base/solve_error.h"
 #include "fit/fit_console.h"
 #include "fit/passivity_grid.h"
 #include "kernels/eigen_package.h"
@@ -132,9 +132,7 @@ bool keepRealPart(CView A, int n) {
 [[noreturn]] void refuseModel(double f) {
   console::openStars();
   console::print("The Fitted Model has no Finite Nodal Admittance at {} Hz", f);
-  console::closeStars();
-  console::line("QUENT Ending!");
-  stop(1);
+  stopInStars();
 }
 
 // The smallest real part of the eigenvalues of Re(D^-1 S Yc).

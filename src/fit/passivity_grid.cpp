@@ -8,7 +8,7 @@
 #include "fit/passivity_grid.h"
 
 #include "base/console.h"
-#include "base/stop.h"
+#include "base/solve_error.h"
 
 #include <cmath>
 
@@ -27,26 +27,20 @@ struct Range {
   console::openStars();
   console::print("No Passivity Check from {} Hz to {} Hz!", R.low, R.high);
   console::line("Verify the Lower and Upper Frequency and their Distribution");
-  console::closeStars();
-  console::line("QUENT Ending!");
-  stop(1);
+  stopInStars();
 }
 
 [[noreturn]] void refuseCount(int NINC) {
   console::openStars();
   console::print("Too few Frequency Increments for Passivity Check: {}", NINC);
-  console::closeStars();
-  console::line("QUENT Ending!");
-  stop(1);
+  stopInStars();
 }
 
 void checkRoom(double NGRID) {
   if (NGRID <= MAXPASSGRID) return;
   console::openStars();
   console::print("Too Many Frequencies for Passivity Check, Maximum of {} Allowed!", MAXPASSGRID);
-  console::closeStars();
-  console::line("QUENT Ending!");
-  stop(1);
+  stopInStars();
 }
 
 void checkSteps(int NINC) {

@@ -11,7 +11,7 @@
 
 #include "base/console.h"
 #include "base/record.h"
-#include "base/stop.h"
+#include "base/solve_error.h"
 #include "fit/lapack.h"
 #include "fit/partial_fractions.h"
 #include "fit/vector_fit.h"
@@ -39,9 +39,7 @@ ColumnInts JPVT; // column pivots, 0 at the start of a fit only
 [[noreturn]] void refuseFit(std::string_view why) {
   console::openStars();
   console::line(why);
-  console::closeStars();
-  console::line("QUENT Ending!");
-  stop(1);
+  stopInStars();
 }
 
 // Poles start at the logarithms of the frequencies.

@@ -17,7 +17,6 @@ namespace lcp {
 namespace {
 
 constexpr double LEASTWALL = 1e-20; // m
-constexpr int LASTGROUNDED = 3;     // CBGLAST of an eliminated wire
 
 void scaleLosses(FourLayers& tangents, double factor) {
   for (double& t : tangents) t *= factor;
@@ -100,7 +99,7 @@ Cable aerialCable(int i, int number, int role) {
   convertCore(i, to);
   if (role == MAPELIMINATED) {
     to.CBBARE = true;
-    to.CBGLAST = LASTGROUNDED;
+    to.CBGLAST = GROUNDCHOSEN;
   }
   return to;
 }

@@ -7,7 +7,6 @@ namespace lcp {
 
 namespace {
 
-constexpr int GROUNDLAYERS = 2; // CBGLAST: every conductor but the core
 constexpr int PHASES = 3;
 
 Complex mean(Complex sum, int count) { return sum / static_cast<double>(count); }

@@ -5,6 +5,7 @@
 
 #include "base/console.h"
 #include "base/constants.h"
+#include "base/solve_error.h"
 #include "base/stop.h"
 #include "store/rundata.h"
 #include "store/solvedata.h"
@@ -24,9 +25,7 @@ constexpr int SLOTSBEYOND = 8; // slots: a solution is also stored at the step b
 [[noreturn]] void refuseGrid(std::string_view why) {
   console::openStars();
   console::line(why);
-  console::closeStars();
-  console::line("QUENT Ending!");
-  stop(1);
+  stopInStars();
 }
 
 void layLogGrid() {

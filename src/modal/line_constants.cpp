@@ -2,7 +2,7 @@
 
 #include "base/console.h"
 #include "base/number_forms.h"
-#include "base/stop.h"
+#include "base/solve_error.h"
 #include "cable/cable_zy.h"
 #include "cable/four_wire.h"
 #include "modal/yz_interp.h"
@@ -26,12 +26,6 @@ bool finite(const LineMatrix& A, int n) {
   return sum < BEYOND;
 }
 
-[[noreturn]] void refuse() {
-  console::closeStars();
-  console::line("QUENT Ending!");
-  stop(1);
-}
-
 void checkFinite(double f) {
   const FirstLoopStore& S = SOLVEDATA.first;
   const int n = RUNDATA.line.NC;
@@ -39,7 +33,7 @@ void checkFinite(double f) {
   console::openStars();
   console::print("The Line Constants at {} Hz are not Finite Numbers", pointedField(f, 11, 4));
   console::line("Verify Transmission line data");
-  refuse();
+  stopInStars();
 }
 
 // A conductor without a shunt admittance carries no wave. Of a described system that is the bare
@@ -51,7 +45,7 @@ void checkShunt() {
     console::openStars();
     console::print("Conductor {} has no Shunt Admittance: a Bare Pipe in the Ground", i);
     console::line("Must be Grounded or have an Outer Insulator!");
-    refuse();
+    stopInStars();
   }
 }
 

@@ -17,7 +17,7 @@
 
 #include "base/console.h"
 #include "base/constants.h"
-#include "base/stop.h"
+#include "base/solve_error.h"
 #include "kernels/eigen_package.h"
 #include "kernels/hyperbolic.h"
 #include "kernels/inversion.h"
@@ -45,12 +45,6 @@ bool isPair() { return RUNDATA.manual.MANFMT == MANPAIR; }
 
 // --- ends of the run
 
-[[noreturn]] void closeManualError() {
-  console::closeStars();
-  console::line("MANLINE Ending!");
-  stop(1);
-}
-
 void checkFormat() {
   switch (RUNDATA.manual.MANFMT) {
   case MANPERUNIT:
@@ -61,11 +55,11 @@ void checkFormat() {
     console::openStars();
     console::line("Multiple Y and Z Data: no File was Read, or a Summary");
     console::line("behind it Selects Manually Entered Data!");
-    closeManualError();
+    stopInStars("MANLINE Ending!");
   default:
     console::openStars();
     console::line("Manual Data Entry has no Data Entry Format!");
-    closeManualError();
+    stopInStars("MANLINE Ending!");
   }
 }
 
@@ -74,7 +68,7 @@ void checkEstimate() {
   if (isPair() || (ESTZERO >= ZEROENTERED && ESTZERO <= ZEROEQUAL)) return;
   console::openStars();
   console::print("Estimate Zero Sequence Must be 0, 1 or 2, not {}!", ESTZERO);
-  closeManualError();
+  stopInStars("MANLINE Ending!");
 }
 
 void checkMode(int k, const ManualMode& m) {
@@ -85,7 +79,7 @@ void checkMode(int k, const ManualMode& m) {
   console::print("Mode {} of the Manual Data has no Travel Time and Surge", k);
   console::line("Impedance Above 0, or no Finite Resistance.");
   console::line("Check input data for Manual Entry of Z,Y");
-  closeManualError();
+  stopInStars("MANLINE Ending!");
 }
 
 // --- transformations
@@ -295,7 +289,7 @@ void checkManualData() {
   if (RUNDATA.line.NC < 1) {
     console::openStars();
     console::line("The Line has no Conductors!");
-    closeManualError();
+    stopInStars("MANLINE Ending!");
   }
   checkFormat();
   checkEstimate();

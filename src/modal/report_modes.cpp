@@ -2,7 +2,7 @@
 
 #include "base/console.h"
 #include "base/constants.h"
-#include "base/stop.h"
+#include "base/solve_error.h"
 #include "kernels/inversion.h"
 #include "kernels/lapack_eigen.h"
 #include "kernels/matrix_kernels.h"
@@ -48,9 +48,7 @@ Complex withoutRounding(Complex square) {
 [[noreturn]] void refuseVelocity(double v, const char* why) {
   console::openStars();
   console::print("The velocity ({} ) is {} ", v, why);
-  console::closeStars();
-  console::line("QUENT Ending!");
-  stop(1);
+  stopInStars();
 }
 
 void checkMode(double tau) {

@@ -1,7 +1,7 @@
 #include "output/manual_output.h"
 
 #include "base/console.h"
-#include "base/stop.h"
+#include "base/solve_error.h"
 #include "base/text_source.h"
 #include "output/output_file.h"
 #include "store/rundata.h"
@@ -17,9 +17,7 @@ namespace {
   console::openStars();
   console::print("Error in Reading Data File: {}", RUNDATA.display.MANOUTF.text());
   console::print("Last Line Read Was: {}", last);
-  console::closeStars();
-  console::line("QUENT Ending!");
-  stop(1);
+  stopInStars();
 }
 
 } // namespace

@@ -1,7 +1,7 @@
 #include "output/mfdtd_model_file.h"
 
 #include "base/console.h"
-#include "base/stop.h"
+#include "base/solve_error.h"
 #include "fit/series_fit.h"
 #include "output/model_file.h"
 #include "store/rundata.h"
@@ -33,9 +33,7 @@ void formShunt() {
   if (std::isfinite(sum)) return;
   console::openStars();
   console::print("The Capacitance at Frequency Step {} is not a Finite Number!", k);
-  console::closeStars();
-  console::line("QUENT Ending!");
-  stop(1);
+  stopInStars();
 }
 
 void writeFirstLine(TextFile& file) {

@@ -11,7 +11,7 @@
 
 #include "base/console.h"
 #include "base/constants.h"
-#include "base/stop.h"
+#include "base/solve_error.h"
 #include "overhead/bundle_reduction.h"
 #include "overhead/earth_return.h"
 #include "overhead/internal_impedance.h"
@@ -33,9 +33,7 @@ void checkConductor(int i) {
   console::openStars();
   console::print("Conductor at X = {} m, Y = {} m:", C.CX[i], C.CY[i]);
   console::print("Average Height ({} m) and Radius ({} m) Must be > 0!", C.CYAVG[i], C.CRAD[i]);
-  console::closeStars();
-  console::line("QUENT Ending!");
-  stop(1);
+  stopInStars();
 }
 
 // Logarithms and image distances of all pairs of physical conductors.

@@ -1,7 +1,7 @@
 #include "passivity/dense_algebra.h"
 
 #include "base/console.h"
-#include "base/stop.h"
+#include "base/solve_error.h"
 #include "kernels/matrix_kernels.h"
 
 #include <algorithm>
@@ -100,9 +100,7 @@ namespace {
 [[noreturn]] void endInversion(const char* words) {
   console::openStars();
   console::line(words);
-  console::closeStars();
-  console::line("QUENT Ending!");
-  stop(1);
+  stopInStars();
 }
 
 } // namespace

@@ -1,7 +1,7 @@
 #include "run/solve_driver.h"
 
 #include "base/console.h"
-#include "base/stop.h"
+#include "base/solve_error.h"
 #include "base/text_file.h"
 #include "fit/passivity_grid.h"
 #include "fit/series_fit.h"
@@ -29,9 +29,7 @@ void checkConductors() {
   if (RUNDATA.line.NC >= 1 || RUNDATA.run.ISCABLE != OVERHEADLINE) return;
   console::openStars();
   console::line("The Line has no Conductors!");
-  console::closeStars();
-  console::line("QUENT Ending!");
-  stop(1);
+  stopInStars();
 }
 
 // A grid that cannot be laid is refused before anything is computed.

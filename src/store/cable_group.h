@@ -23,6 +23,12 @@ constexpr int RADINSULATOR3 = 6;
 constexpr int RADOUTSIDE = 7;
 constexpr int RADINSULATOR4 = 8;
 
+// What a cable grounds of its conductors: they leave the result.
+constexpr int GROUNDNOTHING = 0;
+constexpr int GROUNDLAST = 1;   // the outermost one
+constexpr int GROUNDLAYERS = 2; // every one but the core
+constexpr int GROUNDCHOSEN = 3; // those that CBBARE and CBELIM1 to CBELIM3 name
+
 using FourLayers = std::array<double, 4>;
 
 struct Cable {
@@ -36,21 +42,21 @@ struct Cable {
   FourLayers CBRHO{};            // resistivity of core, sheath, armour, outside conductor, ohm m
   std::array<double, 8> CBMU{};  // relative permeability of core, insulator 1, sheath, ...
   FourLayers CBEPS{};            // relative permittivity of the insulators
-  FourLayers CBTAND{};     // loss tangent of the insulators; behind the input times 2 pi CBFTAN
-  double CBFTAN = 0;       // frequency of the loss tangents, Hz
-  double CBGAER = 3.0e-14; // shunt conductance of an aerial cable, S/m
-  int CBGLAST = 0;         // the last conducting layer is grounded
-  bool CBELIM1 = false;    // eliminate the first concentric layer
-  bool CBELIM2 = false;    // ... the second
-  bool CBELIM3 = false;    // ... the third
-  bool CBSOLID = false;    // the core has no hole
-  bool CBOVHD = false;     // aerial
-  bool CBBARE = false;     // no insulation
-  bool CBBESSEL = false;   // Bessel functions asked for; no computation uses it
-  bool CBSEMI = false;     // semi-conducting layers on both sides of insulator 1
-  double CBSEMII = 0;      // thickness of the inner one, m
-  double CBSEMIO = 0;      // ... of the outer one, m
-  int CBGROUP = 0;         // group of a crossbonding
+  FourLayers CBTAND{};         // loss tangent of the insulators; behind the input times 2 pi CBFTAN
+  double CBFTAN = 0;           // frequency of the loss tangents, Hz
+  double CBGAER = 3.0e-14;     // shunt conductance of an aerial cable, S/m
+  int CBGLAST = GROUNDNOTHING; // what is grounded
+  bool CBELIM1 = false;        // eliminate the first concentric layer
+  bool CBELIM2 = false;        // ... the second
+  bool CBELIM3 = false;        // ... the third
+  bool CBSOLID = false;        // the core has no hole
+  bool CBOVHD = false;         // aerial
+  bool CBBARE = false;         // no insulation
+  bool CBBESSEL = false;       // Bessel functions asked for; no computation uses it
+  bool CBSEMI = false;         // semi-conducting layers on both sides of insulator 1
+  double CBSEMII = 0;          // thickness of the inner one, m
+  double CBSEMIO = 0;          // ... of the outer one, m
+  int CBGROUP = 0;             // group of a crossbonding
   std::array<int, 4> CBXBOND{}; // conductor 1, 3, 4 transposed, conductor 2 crossbonded
   int CBPIPE = 0;               // the pipe that it lies in, 0 none
   bool CBSTRND = false;         // stranded core, of converted overhead conductors
