@@ -48,15 +48,25 @@ double matrixScale(const std::vector<std::string>& lines, std::size_t at) {
   return largest;
 }
 
-bool agree(const Line& expected, const Line& actual, double scale, const Tolerances& t) {
+Free freedom(std::size_t line, const Tolerances& t) {
+  for (const FreeLines& f : t.free) {
+    if (line >= f.first && line <= f.last) return f.what;
+  }
+  return Free::NOTHING;
+}
+
+bool agree(const Line& expected, const Line& actual, double scale, const Tolerances& t, Free free) {
   if (expected.mask != actual.mask || expected.values.size() != actual.values.size()) return false;
+  if (free == Free::BASIS) return expected.mask.find("NaN") == std::string::npos;
   for (std::size_t i = 0; i < expected.values.size(); ++i) {
     const double value = expected.values[i];
     const double unit = 1.0001 * std::max(expected.units[i], actual.units[i]);
     const double may = expected.matrix
                            ? t.matrix * scale
                            : std::max(t.scalar * std::fabs(value), t.line * expected.largest);
-    if (!(std::fabs(value - actual.values[i]) <= std::max(may, unit))) return false;
+    const double other =
+        free == Free::SIGNS ? std::copysign(actual.values[i], value) : actual.values[i];
+    if (!(std::fabs(value - other) <= std::max(may, unit))) return false;
   }
   return expected.mask.find("NaN") == std::string::npos;
 }
@@ -73,7 +83,7 @@ std::string textDifferences(const std::string& expected, const std::string& actu
     const Line line = taken(wanted[i]);
     if (line.matrix && !inMatrix) scale = matrixScale(wanted, i);
     inMatrix = line.matrix;
-    if (!agree(line, taken(got[i]), scale, t))
+    if (!agree(line, taken(got[i]), scale, t, freedom(i + 1, t)))
       return fmt::format("line {}: |{}|, expected |{}|\n", i + 1, got[i], wanted[i]);
   }
   if (wanted.size() == got.size()) return "";

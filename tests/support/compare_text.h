@@ -10,16 +10,29 @@
 //     symmetry).
 // A difference of one unit in the last digit written passes, since two values however close can
 // round to neighbours. NaN never passes, not even against NaN.
+//
+// Lines of eigenvectors are looser, since their sign and the basis of equal modes are free and
+// differ between kernels of linear algebra: of lines with free signs the magnitudes count, of a
+// free basis the columns of the text alone.
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace lcp::test {
+
+enum class Free { NOTHING, SIGNS, BASIS };
+
+struct FreeLines {
+  std::size_t first, last; // counted from 1
+  Free what;
+};
 
 struct Tolerances {
   double matrix = 0.0;
   double scalar = 0.0;
   double line = 0.0;
+  std::vector<FreeLines> free = {};
 };
 
 // Empty when the texts agree, else the first line that differs.

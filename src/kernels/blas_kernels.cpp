@@ -1,0 +1,206 @@
+// The BLAS routines in which the fits spend their time, for the reference LAPACK that is linked by
+// default, in place of those of the reference BLAS:
+//
+//   DGEMV   y = beta y + alpha A x  or  y = beta y + alpha A^T x
+//   DGER    A = A + alpha x y^T
+//   DNRM2   |x|
+//
+// A is m by n in column order with the leading dimension lda. Plain loops over contiguous columns,
+// compiled once for every processor: a sum runs over LANES partial sums in a fixed order, so its
+// rounding does not depend on the width of the processor's registers. Vectors with a stride other
+// than 1 take the plain path. Arguments are trusted: LAPACK is the only caller.
+//
+// Beside them stands what LAPACK's objects ask of the Fortran run time, so that it need not be
+// linked: its error exit, and the joining of two texts (options of a block size query).
+#include "base/console.h"
+#include "base/stop.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstring>
+#include <string_view>
+
+namespace {
+
+constexpr int LANES = 4;   // partial sums of a scalar product
+constexpr int COLUMNS = 4; // columns that one sweep over a vector serves
+
+// The first element of a vector: with a negative stride it stands last in memory.
+template <class T> T* start(T* x, int n, int stride) {
+  return stride < 0 ? x - static_cast<std::ptrdiff_t>(n - 1) * stride : x;
+}
+
+void scale(double beta, double* y, int n, int stride) {
+  for (int i = 0; i < n; ++i, y += stride) *y = beta == 0 ? 0 : beta * *y;
+}
+
+// y = y + a1 x1 + ... over COLUMNS columns of length m.
+void addColumns(const double* a, std::ptrdiff_t lda, const double (&x)[COLUMNS],
+                double* __restrict y, int m) {
+  const double *a0 = a, *a1 = a + lda, *a2 = a1 + lda, *a3 = a2 + lda;
+  for (int i = 0; i < m; ++i) {
+    y[i] = (((y[i] + x[0] * a0[i]) + x[1] * a1[i]) + x[2] * a2[i]) + x[3] * a3[i];
+  }
+}
+
+void addColumn(const double* a, double x, double* __restrict y, int m) {
+  for (int i = 0; i < m; ++i) y[i] += x * a[i];
+}
+
+// LANES partial sums side by side, for the vector unit of any width.
+using Lanes = double __attribute__((vector_size(LANES * sizeof(double)), aligned(alignof(double))));
+
+const Lanes& lanes(const double* a) { return *reinterpret_cast<const Lanes*>(a); }
+
+double total(const Lanes& s) { return (s[0] + s[1]) + (s[2] + s[3]); }
+
+// The scalar products of x with C columns of length m.
+template <int C>
+void products(const double* a, std::ptrdiff_t lda, const double* x, int m,
+              double (&sums)[COLUMNS]) {
+  Lanes s[C] = {};
+  int i = 0;
+  for (; i + LANES <= m; i += LANES) {
+    for (int c = 0; c < C; ++c) s[c] += lanes(a + c * lda + i) * lanes(x + i);
+  }
+  for (int c = 0; c < C; ++c) {
+    sums[c] = total(s[c]);
+    for (int k = i; k < m; ++k) sums[c] += a[c * lda + k] * x[k];
+  }
+}
+
+// y = y + alpha A x over contiguous y.
+void columnsInto(int m, int n, double alpha, const double* a, std::ptrdiff_t lda, const double* x,
+                 int incx, double* y) {
+  int j = 0;
+  for (; j + COLUMNS <= n; j += COLUMNS, a += COLUMNS * lda) {
+    double c[COLUMNS];
+    for (double& value : c) {
+      value = alpha * *x;
+      x += incx;
+    }
+    addColumns(a, lda, c, y, m);
+  }
+  for (; j < n; ++j, a += lda, x += incx) addColumn(a, alpha * *x, y, m);
+}
+
+// y = y + alpha A^T x over contiguous x.
+void productsInto(int m, int n, double alpha, const double* a, std::ptrdiff_t lda, const double* x,
+                  double* y, int incy) {
+  double sums[COLUMNS];
+  int j = 0;
+  for (; j + COLUMNS <= n; j += COLUMNS, a += COLUMNS * lda) {
+    products<COLUMNS>(a, lda, x, m, sums);
+    for (const double sum : sums) {
+      *y += alpha * sum;
+      y += incy;
+    }
+  }
+  for (; j < n; ++j, a += lda, y += incy) {
+    products<1>(a, lda, x, m, sums);
+    *y += alpha * sums[0];
+  }
+}
+
+// Squares between these bounds lose nothing to the ends of the range of numbers.
+constexpr double LEASTSQUARES = 1e-280;
+constexpr double MOSTSQUARES = 1e280;
+
+// Length by the largest element, for sums of squares beyond the bounds. NaN stays NaN.
+double scaledLength(const double* x, int n, int stride) {
+  double largest = 0;
+  for (int i = 0; i < n; ++i) {
+    const double e = std::abs(x[static_cast<std::ptrdiff_t>(i) * stride]);
+    if (!(e <= largest)) largest = e;
+    if (std::isnan(e)) return e;
+  }
+  if (largest == 0 || std::isinf(largest)) return largest;
+  double sum = 0;
+  for (int i = 0; i < n; ++i) {
+    const double e = x[static_cast<std::ptrdiff_t>(i) * stride] / largest;
+    sum += e * e;
+  }
+  return largest * std::sqrt(sum);
+}
+
+void stridedProduct(bool transposed, int m, int n, double alpha, const double* a,
+                    std::ptrdiff_t lda, const double* x, int incx, double* y, int incy) {
+  for (int j = 0; j < n; ++j) {
+    for (int i = 0; i < m; ++i) {
+      const double e = alpha * a[j * lda + i];
+      if (transposed)
+        y[static_cast<std::ptrdiff_t>(j) * incy] += e * x[static_cast<std::ptrdiff_t>(i) * incx];
+      else
+        y[static_cast<std::ptrdiff_t>(i) * incy] += e * x[static_cast<std::ptrdiff_t>(j) * incx];
+    }
+  }
+}
+
+} // namespace
+
+extern "C" {
+
+void dgemv_(const char* trans, const int* m, const int* n, const double* alpha, const double* a,
+            const int* lda, const double* x, const int* incx, const double* beta, double* y,
+            const int* incy, std::size_t) {
+  const bool transposed = *trans != 'N' && *trans != 'n';
+  if (*m == 0 || *n == 0) return;
+  const double* from = start(x, transposed ? *m : *n, *incx);
+  double* to = start(y, transposed ? *n : *m, *incy);
+  if (*beta != 1) scale(*beta, to, transposed ? *n : *m, *incy);
+  if (*alpha == 0) return;
+  if (transposed && *incx == 1)
+    productsInto(*m, *n, *alpha, a, *lda, from, to, *incy);
+  else if (!transposed && *incy == 1)
+    columnsInto(*m, *n, *alpha, a, *lda, from, *incx, to);
+  else
+    stridedProduct(transposed, *m, *n, *alpha, a, *lda, from, *incx, to, *incy);
+}
+
+void dger_(const int* m, const int* n, const double* alpha, const double* x, const int* incx,
+           const double* y, const int* incy, double* a, const int* lda) {
+  const double* column = start(x, *m, *incx);
+  const double* row = start(y, *n, *incy);
+  for (int j = 0; j < *n; ++j, a += *lda, row += *incy) {
+    const double c = *alpha * *row;
+    if (*incx == 1)
+      addColumn(column, c, a, *m);
+    else
+      for (int i = 0; i < *m; ++i) a[i] += c * column[static_cast<std::ptrdiff_t>(i) * *incx];
+  }
+}
+
+double dnrm2_(const int* n, const double* x, const int* incx) {
+  if (*n < 1) return 0;
+  const double* from = start(x, *n, *incx);
+  double sums[COLUMNS] = {};
+  if (*incx == 1) {
+    products<1>(from, 0, from, *n, sums);
+  } else {
+    for (int i = 0; i < *n; ++i) {
+      const double e = from[static_cast<std::ptrdiff_t>(i) * *incx];
+      sums[0] += e * e;
+    }
+  }
+  const bool safe = sums[0] > LEASTSQUARES && sums[0] < MOSTSQUARES;
+  return safe ? std::sqrt(sums[0]) : scaledLength(from, *n, *incx);
+}
+
+// A wrong argument of a LAPACK routine is a fault of this program.
+[[noreturn]] void xerbla_(const char* name, const int* argument, std::size_t length) {
+  lcp::console::openStars();
+  lcp::console::print("Argument {} of {} is Wrong!", *argument, std::string_view(name, length));
+  lcp::console::closeStars();
+  lcp::stop(1);
+}
+
+// target = first and second, cut or filled up with blanks to its length.
+void _gfortran_concat_string(std::size_t length, char* target, std::size_t n, const char* first,
+                             std::size_t m, const char* second) {
+  std::memset(target, ' ', length);
+  const std::size_t head = std::min(n, length);
+  std::memcpy(target, first, head);
+  std::memcpy(target + head, second, std::min(m, length - head));
+}
+}
