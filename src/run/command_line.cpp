@@ -1,6 +1,7 @@
 #include "run/command_line.h"
 
 #include "base/console.h"
+#include "base/solve_error.h"
 #include "base/stop.h"
 #include "input/free_form.h"
 
@@ -50,8 +51,7 @@ Expect matchKeyword(std::string_view argument) {
 [[noreturn]] void notANumber(std::string_view keyword, std::string_view text) {
   console::openStars();
   console::print("The value of {} is not a valid number: {}", keyword, text);
-  console::closeStars();
-  stop(1);
+  stopInStars("LCPMAIN Ending!");
 }
 
 double realValue(std::string_view keyword, std::string_view text) {
@@ -75,8 +75,7 @@ int stepValue(std::string_view text) {
   if (value > MAXSTEPS) {
     console::openStars();
     console::print("Too Many Length Steps (/steps {}), Maximum of {} Allowed!", value, MAXSTEPS);
-    console::closeStars();
-    stop(1);
+    stopInStars("LCPMAIN Ending!");
   }
   if (value < 0) console::note(fmt::format("/steps {} is below 0: no length is solved", value));
   return value;
