@@ -38,7 +38,7 @@ TEST(Program, RefusesBadArguments) {
     std::vector<std::string> arguments;
     std::string console;
     int status = 1;
-    std::string errors = "";
+    std::string errors{};
   } cases[] = {
       {{}, noLength, 1, "corvo: " + usage},
       {{"/length", "-5"}, " Segment length:   -5 [m]\n" + noLength},
@@ -141,7 +141,7 @@ TEST(Program, SurvivesBadFiles) {
                     lineFeed = "its lines must end with a line feed, not a carriage return alone";
   const struct {
     const char* file;
-    std::string text, console, errors = "";
+    std::string text, console, errors{};
   } cases[] = {
       {"", "", "Error in Opening Input Data File: "},
       {"folder.cvi", "", "Error in Opening Input Data File: folder.cvi"},
@@ -200,7 +200,7 @@ TEST(Program, WarnsOfFilesOfYAndZ) {
   const struct {
     std::string keys, model, warning;
     int status;
-    std::string errors = "";
+    std::string errors{};
   } cases[] = {
       {format + cut, bergeronModel(), "*WARNING*: Data File Ends Inside a Matrix: ", 2},
       {table("12.3456"), pi,
