@@ -26,5 +26,5 @@ dictionary=()
 [[ ! -e tests/fuzz/keys.dict ]] || dictionary=(-dict=tests/fuzz/keys.dict)
 
 build/fuzz/tests/fuzz/reader_fuzz "${dictionary[@]}" -max_total_time="$seconds" -timeout=10 \
-  -rss_limit_mb=4096 -max_len=16384 -artifact_prefix=tests/fuzz/finds/ -print_final_stats=1 \
+  -rss_limit_mb=4096 -max_len=16384 -artifact_prefix=tests/fuzz/finds/ -print_final_stats=1 -close_fd_mask=2 \
   "$corpus" "${seeds[@]}"

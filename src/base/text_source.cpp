@@ -20,7 +20,16 @@ bool TextSource::open(std::string_view name) {
     close();
     return false;
   }
+  skipByteOrderMark();
   return true;
+}
+
+void TextSource::skipByteOrderMark() {
+  constexpr std::string_view MARK = "\xEF\xBB\xBF"; // of UTF-8
+  char head[MARK.size()];
+  const ssize_t n = pread(descriptor, head, sizeof head, 0);
+  if (n == static_cast<ssize_t>(MARK.size()) && std::string_view(head, MARK.size()) == MARK)
+    lseek(descriptor, n, SEEK_SET);
 }
 
 void TextSource::close() {

@@ -11,7 +11,8 @@ namespace lcp {
 class TextSource {
 public:
   // Opens a regular file for reading. False for a missing or unreadable file, a directory, a
-  // device, or a blank name; the name may have blanks behind it.
+  // device, or a blank name; the name may have blanks behind it. A byte order mark of UTF-8 at the
+  // start is dropped.
   bool open(std::string_view name);
   void close();
 
@@ -28,6 +29,7 @@ public:
   ~TextSource() { close(); }
 
 private:
+  void skipByteOrderMark();
   int get(); // next character, EOF at the end or on an error
 
   int descriptor = -1;

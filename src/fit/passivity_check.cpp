@@ -131,7 +131,7 @@ bool keepRealPart(CView A, int n) {
 
 [[noreturn]] void refuseModel(double f) {
   console::openStars();
-  console::print("The Fitted Model has no Finite Nodal Admittance at {} Hz", f);
+  console::print("The Fitted Model has no Finite Nodal Admittance at {:.4g} Hz", f);
   stopInStars();
 }
 

@@ -25,14 +25,14 @@ struct Range {
 
 [[noreturn]] void refuseRange(Range R) {
   console::openStars();
-  console::print("No Passivity Check from {} Hz to {} Hz!", R.low, R.high);
+  console::print("No Passivity Check from {:.4g} Hz to {:.4g} Hz!", R.low, R.high);
   console::line("Verify the Lower and Upper Frequency and their Distribution");
   stopInStars();
 }
 
 [[noreturn]] void refuseCount(int NINC) {
   console::openStars();
-  console::print("Too few Frequency Increments for Passivity Check: {}", NINC);
+  console::print("Too Few Frequency Increments for Passivity Check: {}", NINC);
   stopInStars();
 }
 

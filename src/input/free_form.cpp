@@ -29,7 +29,7 @@ bool splitRepeat(std::string_view& word, int& count) {
 }
 
 // Fills the targets from `filled` on with the items of one text. Sets `done` at a slash. False for
-// a malformed item.
+// a malformed item; a text in quotes is no number.
 template <class T, class Parse>
 bool fill(std::string_view text, std::span<T> targets, std::size_t& filled, bool& done,
           Parse parse) {
@@ -42,7 +42,7 @@ bool fill(std::string_view text, std::span<T> targets, std::size_t& filled, bool
     if (item != ItemReader::Item::Word) continue;
     std::string_view word = items.word();
     int count = 0;
-    if (!items.wellFormed() || !splitRepeat(word, count)) return false;
+    if (items.quoted() || !splitRepeat(word, count)) return false;
     for (; count > 0 && filled < targets.size(); --count, ++filled) {
       if (!word.empty() && !parse(word, targets[filled])) return false;
     }
@@ -113,7 +113,8 @@ ItemReader::Item ItemReader::next() {
   }
   betweenItems = true;
   closed = true;
-  if (rest[0] == '\'' || rest[0] == '"') return quotedItem(rest[0]);
+  inQuotes = rest[0] == '\'' || rest[0] == '"';
+  if (inQuotes) return quotedItem(rest[0]);
   std::size_t end = 0;
   while (end < rest.size() && !isBlank(rest[end]) && rest[end] != ',' && rest[end] != '/') ++end;
   found = rest.substr(0, end);

@@ -1,8 +1,8 @@
 // Free-form items: separated by blanks or commas, ended by a slash.
 //
 // Numbers are decimal; E, D and Q mark an exponent, in either case, and r*c stands for r times c.
-// NaN, infinity and what does not fit the type are malformed. A text is a word, or stands in
-// quotes; a quote inside is doubled. Two commas in a row leave an item out.
+// NaN, infinity and what does not fit the type are malformed, and so is a number in quotes. A text
+// is a word, or stands in quotes; a quote inside is doubled. Two commas in a row leave an item out.
 #pragma once
 
 #include <span>
@@ -34,6 +34,7 @@ public:
   enum class Item { Word, Null, Slash, End };
   Item next();                                    // steps on to the next item
   std::string_view word() const { return found; } // its characters, without quotes
+  bool quoted() const { return inQuotes; }        // it stands in quotes
   bool wellFormed() const { return closed; }      // false: a quote was not closed
 
 private:
@@ -43,6 +44,7 @@ private:
   std::string_view found;
   std::string unquoted;
   bool betweenItems = false; // an item was just read: the next comma only ends it
+  bool inQuotes = false;
   bool closed = true;
 };
 

@@ -138,6 +138,7 @@ void chooseFormat(std::string_view text) {
 }
 
 void readDataFile() {
+  READER.fileFormat = RUNDATA.manual.MANFMT;
   if (RUNDATA.manual.MANFMT == MANPAIR) readYZFile();
   if (RUNDATA.manual.MANFMT != MANMULTIPLE) return;
   readYZTable();

@@ -239,6 +239,32 @@ bool isStartMark() {
                      [](std::string_view mark) { return READER.LINE.starts_with(mark); });
 }
 
+void seeEncoding() {
+  READER.wide = READER.wide || READER.RAWLINE.find('\0') != std::string::npos;
+  READER.noFeeds = READER.noFeeds || READER.RAWLINE.find('\r') != std::string::npos;
+}
+
+// Why no way of entering the data was chosen: the run will end there.
+std::string whatIsMissing() {
+  if (READER.wide) return "the file is no plain text; save it as ASCII or UTF-8, not UTF-16";
+  if (READER.noFeeds) return "its lines must end with a line feed, not a carriage return alone";
+  if (READER.RSTATE == State::BeforeStart)
+    return fmt::format("no line begins with {} or {}", STARTMARKS[0], STARTMARKS[1]);
+  return "no section describes a tower, a cable, the ground or data entered by hand";
+}
+
+void noteWhatIsMissing() {
+  const int MANFMT = RUNDATA.manual.MANFMT;
+  if (RUNDATA.run.DATAFMT == ROUTENONE)
+    console::note(fmt::format("{}: {}", RUNDATA.run.FNAME.text(), whatIsMissing()));
+  if ((MANFMT == MANPAIR || MANFMT == MANMULTIPLE) && READER.fileFormat != MANFMT) {
+    console::note(
+        fmt::format("{}: the file of Y and Z was not read; Y,Z Input File Name must stand "
+                    "behind Data Entry Format",
+                    RUNDATA.run.FNAME.text()));
+  }
+}
+
 void ignoreUnknownLine() {
   const std::string& raw = READER.RAWLINE;
   if (READER.LINE.empty() || raw[0] == '!' || raw[0] == 'C') return;
@@ -257,6 +283,7 @@ void closeBlock(const StateRow& row) {
 
 void takeLine() {
   if (READER.RSTATE == State::BeforeStart) {
+    seeEncoding();
     if (isStartMark()) READER.RSTATE = State::TopLevel;
     return;
   }
@@ -287,6 +314,7 @@ void openInput() {
 void READTLDATA() {
   openInput();
   while (!READER.ended && nextLine()) takeLine();
+  noteWhatIsMissing();
   postReadPass();
   closeReader();
 }

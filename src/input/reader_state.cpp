@@ -25,6 +25,7 @@ void writeDebug(std::string_view words) {
   console::openStars();
   console::print("Error in Writing Output File: {}", DEBUGNAME);
   console::closeStars();
+  console::line("READTLDATA Ending!");
   stop(1);
 }
 
@@ -47,6 +48,7 @@ bool nextLine() {
   case TextSource::Result::Error: readError();
   case TextSource::Result::Record: break;
   }
+  READER.wasCut = source.wasCut();
   const std::string_view raw = READER.RAWLINE;
   READER.LINE = raw.substr(std::min(raw.find_first_not_of(' '), raw.size()));
   return true;

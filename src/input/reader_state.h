@@ -3,6 +3,7 @@
 
 #include "store/cable_group.h"
 #include "store/conductor_table.h"
+#include "store/manual_group.h"
 
 #include <string>
 #include <string_view>
@@ -37,7 +38,11 @@ struct ReaderState {
   std::string RAWLINE;   // the record as read, at most 120 columns
   std::string_view LINE; // RAWLINE without the blanks in front
   State RSTATE = State::BeforeStart;
-  bool ended = false; // end of file or end marker reached
+  bool wasCut = false;      // the record is longer than that
+  bool ended = false;       // end of file or end marker reached
+  bool wide = false;        // a record up to the start mark holds zero bytes, as UTF-16 does
+  bool noFeeds = false;     // ... or a carriage return in its midst: lines end with that alone
+  int fileFormat = MANNONE; // the format for which a file of Y and Z was read
 
   int CURN = 0;               // conductors of the open group
   int CURSUB = 1;             // sub-conductors of a bundle of the open circuit

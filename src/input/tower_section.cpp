@@ -2,8 +2,10 @@
 //
 // While a group is open, the conductor table already counts its entries; the properties of the
 // group are stored at its first entry and copied to the others by the closing mark.
+#include "base/console.h"
 #include "input/bundles.h"
 #include "input/external_conductors.h"
+#include "input/free_form.h"
 #include "input/key_rows.h"
 #include "input/library.h"
 #include "input/reader_state.h"
@@ -132,12 +134,25 @@ void openSubConductors() {
   if (takeOpeningBrace()) READER.RSTATE = State::SubConductors;
 }
 
+// Whether the record was cut in front of or inside the last of n items.
+bool cutBefore(std::string_view field, std::size_t n) {
+  std::array<double, MAXCOND> whole{};
+  RealList list{std::span<double>(whole).first(n)};
+  return READER.wasCut && list.feed(field.substr(0, field.find_last_of(" \t,/") + 1)) &&
+         !list.complete();
+}
+
 void readPhases(const KeyRow& key) {
+  const std::string_view field = valueField(key, READER.LINE);
   std::array<int, MAXCOND> phases{};
   const auto n = static_cast<std::size_t>(READER.CURN);
   const int f = firstEntry();
   for (std::size_t i = 0; i < n; ++i) phases[i] = RUNDATA.cond.CPHASE[f + static_cast<int>(i)];
-  if (!readIntegers(valueField(key, READER.LINE), std::span(phases).first(n))) readError();
+  if (!readIntegers(field, std::span(phases).first(n))) readError();
+  if (cutBefore(field, n)) {
+    console::note(fmt::format("{}: {} of circuit {} is cut at column {}", RUNDATA.run.FNAME.text(),
+                              key.text, RUNDATA.cond.NCIRC, LINELENGTH));
+  }
   for (std::size_t i = 0; i < n; ++i) RUNDATA.cond.CPHASE[f + static_cast<int>(i)] = phases[i];
 }
 

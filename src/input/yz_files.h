@@ -8,8 +8,8 @@ namespace lcp {
 
 // Reads the Y and Z file YZFILE into YENT and ZENT: "Z:" or "Y:", then NC squared elements in row
 // order, each a real and an imaginary part on a new record. The blocks may stand in either order,
-// one that repeats overwrites the first. A file that ends inside a matrix keeps what was read, and
-// a warning says so.
+// one that repeats overwrites the first. A file that ends inside a matrix keeps what was read; a
+// warning says so, exit status 2.
 void readYZFile();
 
 // Reads the multiple Y and Z file YZFILE into YZTABLE, one number a record: a record that is not

@@ -1,7 +1,6 @@
 #include "modal/line_constants.h"
 
 #include "base/console.h"
-#include "base/number_forms.h"
 #include "base/solve_error.h"
 #include "cable/cable_zy.h"
 #include "cable/four_wire.h"
@@ -31,7 +30,7 @@ void checkFinite(double f) {
   const int n = RUNDATA.line.NC;
   if (finite(S.YMAT, n) && finite(S.ZMAT, n) && finite(S.PMAT, n)) return;
   console::openStars();
-  console::print("The Line Constants at {} Hz are not Finite Numbers", pointedField(f, 11, 4));
+  console::print("The Line Constants at {:.4g} Hz are not Finite Numbers", f);
   console::line("Verify Transmission line data");
   stopInStars();
 }

@@ -11,7 +11,7 @@
 
 #include "base/console.h"
 #include "base/constants.h"
-#include "base/stop.h"
+#include "base/solve_error.h"
 #include "base/text_file.h"
 #include "store/rundata.h"
 #include "store/solvedata.h"
@@ -77,8 +77,7 @@ void checkFinite(double length) {
   if (std::isfinite(sum)) return;
   console::openStars();
   console::line("The Values of the Coupled Pi Component are not Finite Numbers!");
-  console::closeStars();
-  stop(1);
+  stopInStars("PISECT Ending!");
 }
 
 // Whether there is a blank behind the name of the line, which tells where it ends.
@@ -104,8 +103,7 @@ void openComponent(TextFile& file) {
   if (file.open(name)) return;
   console::openStars();
   console::print("Cannot Open Output File: {}", name);
-  console::closeStars();
-  stop(1);
+  stopInStars("PISECT Ending!");
 }
 
 void putLines(TextFile& file, std::initializer_list<std::string_view> lines) {

@@ -1,6 +1,7 @@
 #include "run/command_line.h"
 
 #include "base/console.h"
+#include "base/solve_error.h"
 #include "base/stop.h"
 #include "input/free_form.h"
 
@@ -50,8 +51,7 @@ Expect matchKeyword(std::string_view argument) {
 [[noreturn]] void notANumber(std::string_view keyword, std::string_view text) {
   console::openStars();
   console::print("The value of {} is not a valid number: {}", keyword, text);
-  console::closeStars();
-  stop(1);
+  stopInStars("LCPMAIN Ending!");
 }
 
 double realValue(std::string_view keyword, std::string_view text) {
@@ -61,6 +61,13 @@ double realValue(std::string_view keyword, std::string_view text) {
   return value;
 }
 
+// The first argument that no keyword takes, or a keyword without a value; empty for no arguments.
+void showUsage(std::string_view lost) {
+  constexpr std::string_view USAGE =
+      "usage: corvo /file NAME /length METRES [/increment METRES] [/steps COUNT]";
+  console::note(lost.empty() ? std::string(USAGE) : fmt::format("{} is not used; {}", lost, USAGE));
+}
+
 int stepValue(std::string_view text) {
   int value = 0;
   const std::string_view number = trimmed(text);
@@ -68,9 +75,9 @@ int stepValue(std::string_view text) {
   if (value > MAXSTEPS) {
     console::openStars();
     console::print("Too Many Length Steps (/steps {}), Maximum of {} Allowed!", value, MAXSTEPS);
-    console::closeStars();
-    stop(1);
+    stopInStars("LCPMAIN Ending!");
   }
+  if (value < 0) console::note(fmt::format("/steps {} is below 0: no length is solved", value));
   return value;
 }
 
@@ -79,13 +86,17 @@ int stepValue(std::string_view text) {
 CommandLine scanCommandLine(std::span<char* const> arguments) {
   CommandLine line;
   Expect expect = Expect::Keyword;
+  std::string_view lost;
   for (const char* argument : arguments) {
     const std::string_view text =
         fetch(argument, expect == Expect::File ? FILENAMELEN : ARGUMENTLEN);
     const Expect current = expect;
     expect = Expect::Keyword;
     switch (current) {
-    case Expect::Keyword: expect = matchKeyword(text); break;
+    case Expect::Keyword:
+      expect = matchKeyword(text);
+      if (expect == Expect::Keyword && lost.empty()) lost = trimmed(text);
+      break;
     case Expect::File:
       line.fileName = text;
       console::print(" File Name:        {}", text);
@@ -104,6 +115,8 @@ CommandLine scanCommandLine(std::span<char* const> arguments) {
       break;
     }
   }
+  if (expect != Expect::Keyword && lost.empty()) lost = trimmed(arguments.back());
+  if (!lost.empty() || arguments.empty()) showUsage(lost);
   return line;
 }
 

@@ -1,7 +1,7 @@
 #include "run/output_names.h"
 
 #include "base/console.h"
-#include "base/stop.h"
+#include "base/solve_error.h"
 
 #include <string>
 #include <string_view>
@@ -41,8 +41,7 @@ void nameOutputs(RunControl& run, BaseName base, int k, int steps) {
   if (needed > FILENAMELEN) {
     console::openStars();
     console::print("File Name is Too Long for the Output Files: {}", run.FNAME.text());
-    console::closeStars();
-    stop(1);
+    stopInStars("LCPMAIN Ending!");
   }
   run.FOUTR.overwrite(base.point, padded(suffix + ".out", columns));
   run.FOUTM.overwrite(base.point, padded(fmt::format("{}{}", suffix, model), columns));

@@ -44,6 +44,9 @@ TEST(TextSource, Records) {
       {"a\rb\r\r\n", {"a\rb\r"}}, // only the return at the line end goes
       {"a\0b\n\0"_s, {"a\0b"_s, "\0"_s}},
       {"\xc3\xa9\xff\n", {"\xc3\xa9\xff"}},
+      {"\xef\xbb\xbf" + ten + "\n\xef\xbb\xbf", {ten, "\xef\xbb\xbf"}}, // a mark at the start only
+      {"\xef\xbb\xbf", {}},
+      {"\xef\xbb", {"\xef\xbb"}},
       {ten + "\n" + ten + "\r\n" + ten, {ten, ten, ten}},
       {ten + "x\n" + ten + "\rx\nb", {ten + "|", ten + "|", "b"}},
   };

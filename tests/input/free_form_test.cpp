@@ -34,13 +34,13 @@ void check(T old, Read<T> read, const std::vector<Field<T>>& good,
 
 TEST(FreeForm, ReadsTheFirstItemOfAField) {
   const std::vector<Field<double>> reals = {
-      {"  12.5 m", 12.5}, {"1,2", 1}, {"1D3", 1000}, {"1.5d+2", 150}, {"1+3", 1000}, {"'4'", 4},
+      {"  12.5 m", 12.5}, {"1,2", 1}, {"1D3", 1000}, {"1.5d+2", 150}, {"1+3", 1000},
       {"-.5E-1", -0.05},  {"5.", 5},  {"3/4", 3},    {"2*9", 9},      {"\t7", 7}};
   check(-7.0, readReal, reals, {"", "   ", "/ 5", ", 5"},
-        {"abc", "1.2.3", "nan", "inf", "1e400", "1e", ".", "-", "0x10", "12m", "'4", "0*5",
-         "99999999999*5"});
+        {"abc", "1.2.3", "nan", "inf", "1e400", "1e", ".", "-", "0x10", "12m", "'4", "'4'", "\"4\"",
+         "0*5", "99999999999*5"});
   check(-7, readInteger, {{"42 rest", 42}, {"+3", 3}, {"-2147483648", -2147483647 - 1}}, {""},
-        {"2147483648", "1.0", "1e3", "+-3"});
+        {"2147483648", "1.0", "1e3", "+-3", "'4'"});
   const std::vector<Field<std::string>> words = {{"My Line", "My"},
                                                  {"'My Line' x", "My Line"},
                                                  {"\"a,b/c\"", "a,b/c"},
@@ -61,5 +61,5 @@ TEST(FreeForm, ListsLeaveWhatIsMissingUnchanged) {
     EXPECT_EQ(t, expected) << field;
   }
   Four t{};
-  EXPECT_FALSE(readReals("1 2 words", t));
+  for (const char* malformed : {"1 2 words", "1 '2'"}) EXPECT_FALSE(readReals(malformed, t));
 }

@@ -17,7 +17,7 @@ const std::string BANNER = "Line Constants Program for the ORVEX V5\nBuild: 2022
 
 std::string framed(const std::string& line) {
   const std::string stars(43, '*');
-  return lines({"", stars, "Corvo.exe: ERROR", line, stars});
+  return lines({"", stars, "Corvo.exe: ERROR", line, stars, "LCPMAIN Ending!"});
 }
 
 std::string namesOf(const ProgramRun& run) {
@@ -32,17 +32,27 @@ TEST(Program, RefusesBadArguments) {
   const std::string noLength =
       lines({"ERROR: A valid line length must be provided.", "       LCP ending..."});
   const std::string tooLong = "Get argument failed with status = -1\n", thirtyOne(31, '1');
+  const std::string usage =
+      "usage: corvo /file NAME /length METRES [/increment METRES] [/steps COUNT]\n";
   const struct {
     std::vector<std::string> arguments;
     std::string console;
     int status = 1;
+    std::string errors{};
   } cases[] = {
-      {{}, noLength},
+      {{}, noLength, 1, "corvo: " + usage},
       {{"/length", "-5"}, " Segment length:   -5 [m]\n" + noLength},
       {{"/length", ""}, " Segment length:    [m]\n" + noLength},
-      {{"/length"}, noLength},
-      {{"/Length", "5"}, noLength},
-      {{"rubbish", "/increment", "1D1"}, " Length Increment: 1D1 [m]\n" + noLength},
+      {{"/length"}, noLength, 1, "corvo: /length is not used; " + usage},
+      {{"/Length", "5"}, noLength, 1, "corvo: /Length is not used; " + usage},
+      {{"/file=x", "", "/increment", "1D1"},
+       " Length Increment: 1D1 [m]\n" + noLength,
+       1,
+       "corvo: /file=x is not used; " + usage},
+      {{"/steps", "-2"},
+       " Steps:            -2\n" + noLength,
+       1,
+       "corvo: /steps -2 is below 0: no length is solved\n"},
       {{"/length", "100 m"}, framed("The value of /length is not a valid number: 100 m")},
       {{"/length", "nan"}, framed("The value of /length is not a valid number: nan")},
       {{"/increment", "1e400"}, framed("The value of /increment is not a valid number: 1e400")},
@@ -58,6 +68,7 @@ TEST(Program, RefusesBadArguments) {
     EXPECT_EQ(run.console, BANNER + c.console);
     EXPECT_EQ(run.status, c.status) << c.console;
     EXPECT_TRUE(run.files.empty());
+    EXPECT_EQ(run.errors, c.errors);
   }
 }
 
@@ -118,20 +129,42 @@ TEST(Program, SurvivesBadFiles) {
   const auto earth = [](const std::string& keys) {
     return "Line Constants Ground Data\n{\n" + keys + "}\n" + bergeronModel();
   };
+  // 33 nodes end in column 118, a 34th does not fit
+  const auto wide = [](int n, const std::string& behind) {
+    std::string text = summary(n) + fmt::format("Line Constants Tower\n{{\nCircuit\n{{\n"
+                                                "Conductors: {}\nConductor Phase Information:",
+                                                n);
+    for (int i = 1; i <= n; ++i) text += fmt::format(" {}", i);
+    return description(text + behind + "\n}\n}\n");
+  };
+  const std::string none = "Unknown Data Entry Format: -10\n",
+                    lineFeed = "its lines must end with a line feed, not a carriage return alone";
   const struct {
     const char* file;
-    std::string text, console;
+    std::string text, console, errors{};
   } cases[] = {
       {"", "", "Error in Opening Input Data File: "},
       {"folder.cvi", "", "Error in Opening Input Data File: folder.cvi"},
       {"missing.cvi", "", "Error in Opening Input Data File: missing.cvi"},
-      {"pipe.dta", description(""), "***  corvo.exe ERROR ***\nUnknown Data Entry Format: -10\n"},
-      {"null.cvi", std::string("CORVO-INPUT-DATA\n\0\0 x\n", 22),
-       "Unknown Data Entry Format: -10\n"},
+      {"pipe.dta", description(""), "***  corvo.exe ERROR ***\n" + none,
+       "no section describes a tower, a cable, the ground or data entered by hand"},
+      {"null.cvi", std::string("CORVO-INPUT-DATA\n\0\0 x\n", 22), none,
+       "no section describes a tower, a cable, the ground or data entered by hand"},
+      {"start.cvi", "Line Summary\n{\n}\n", none,
+       "no line begins with CORVO-INPUT-DATA or DATADSD"},
+      {"wide.cvi",
+       std::string("\xff\xfe"
+                   "C\0O\0R\0V\0O\0",
+                   12),
+       none, "the file is no plain text; save it as ASCII or UTF-8, not UTF-16"},
+      {"old.cvi", "CORVO-INPUT-DATA\rManual Data Entry\r{\r}\r", none, lineFeed},
+      {"33.cvi", wide(33, " nodes"), " have identical positions."},
+      {"34.cvi", wide(34, ""), " have identical positions.",
+       "Conductor Phase Information of circuit 1 is cut at column 120"},
       {"radius0.cvi", circuit("Radius: 0\n"),
        "Conductor at X = -10 m, Y = 20 m:\n"
        "Average Height (16 m) and Radius (0 m) Must be > 0!\n"},
-      {"sag40.cvi", circuit("Sag: 40\n"), "Average Height (-6.666666666666664 m) and Radius"},
+      {"sag40.cvi", circuit("Sag: 40\n"), "Average Height (-6.667 m) and Radius"},
       {"r1e308.cvi", circuit("DCResistance: 1e308\n"),
        "not Finite Numbers\nVerify Transmission line data\n"},
       {"earth1.cvi", description(singleCircuit(earth("EarthImpedanceFormula: 1\n"))),
@@ -145,8 +178,42 @@ TEST(Program, SurvivesBadFiles) {
     if (!c.text.empty()) scratch.file(c.file, c.text);
     const ProgramRun run = runProgram({"/length", "100", "/file", c.file}, scratch.path());
     EXPECT_NE(run.console.find(c.console), std::string::npos) << c.file << '\n' << run.console;
+    const std::string note = fmt::format("corvo: {}: {}\n", c.file, c.errors);
+    EXPECT_EQ(run.errors, c.errors.empty() ? "" : note);
     EXPECT_EQ(run.status, 1) << c.file;
     EXPECT_TRUE(run.files.empty()) << c.file;
+  }
+}
+
+TEST(Program, WarnsOfFilesOfYAndZ) {
+  const auto file = [](const char* name, const std::string& text) {
+    return fmt::format("Y,Z Input File Name: '{}'\n", scratchFile(name, text));
+  };
+  const auto table = [&](const char* frequency) {
+    const std::string text = fmt::format("\n1\n1\n{}\n1e-4\n1e-3\n0\n1e-9\n", frequency);
+    return "Data Entry Format:  Multiple Y and Z\n" + file(frequency, text);
+  };
+  const std::string cut = file("cut.txt", "Z:\n1e-4 1e-3\nY:\n0 1e-9\nZ:\n1e-4\n"),
+                    pi = "PI Model Options\n{\n}\n", format = "Data Entry Format:  Y and Z\n",
+                    notRead = "corvo: a.cvi: the file of Y and Z was not read; Y,Z Input File Name "
+                              "must stand behind Data Entry Format\n";
+  const struct {
+    std::string keys, model, warning;
+    int status;
+    std::string errors{};
+  } cases[] = {
+      {format + cut, bergeronModel(), "*WARNING*: Data File Ends Inside a Matrix: ", 2},
+      {table("12.3456"), pi,
+       "*WARNING*: The PI Model Takes the First of the Y and Z Data, at 12.35 Hz\n", 2},
+      {table("60"), pi, "", 0},
+      {cut + format, bergeronModel(), " no Travel Time and Surge\n", 1, notRead},
+      {cut + "Data Entry Format:  ohms/m\n", bergeronModel(), " no Travel Time and Surge\n", 1},
+  };
+  for (const auto& c : cases) {
+    const ProgramRun run = runLine(manualLineOf(1, c.keys, c.model), "1000");
+    EXPECT_NE(run.console.find(c.warning), std::string::npos) << run.console;
+    EXPECT_EQ(run.status, c.status) << c.keys;
+    EXPECT_EQ(run.errors, c.errors);
   }
 }
 

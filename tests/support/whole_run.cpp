@@ -6,6 +6,7 @@
 #include "support/scratch.h"
 
 #include <cstdlib>
+#include <fcntl.h>
 #include <fmt/format.h>
 #include <sstream>
 #include <unistd.h>
@@ -33,7 +34,7 @@ std::map<std::string, std::string> runCase(const fs::path& directory) {
   const Scratch scratch;
   fs::copy(directory, scratch.path(), fs::copy_options::recursive);
   ProgramRun run = runProgram(splitLines(contentOf(directory / "arguments")), scratch.path());
-  run.files["console"] = run.console;
+  run.files["console"] = run.errors + run.console;
   run.files["status"] = fmt::format("{}\n", run.status);
   return run.files;
 }
@@ -42,18 +43,20 @@ std::map<std::string, std::string> runCase(const fs::path& directory) {
 
 ProgramRun runProgram(const std::vector<std::string>& arguments, const fs::path& directory) {
   const auto before = filesUnder(directory);
+  const Scratch beside;
+  const std::string errors = beside.file("errors", "");
   const ChildResult child = runChild([&] {
     const char* other = std::getenv("CORVO_TEST_PROGRAM"); // over other kernels
     std::string program = other != nullptr ? other : CORVO_PROGRAM;
     std::vector<char*> pointers{program.data()};
     for (const std::string& a : arguments) pointers.push_back(const_cast<char*>(a.c_str()));
     pointers.push_back(nullptr);
-    dup2(STDOUT_FILENO, STDERR_FILENO);
+    dup2(open(errors.c_str(), O_WRONLY | O_APPEND), STDERR_FILENO);
     alarm(LIMIT); // outlives the exec and ends the program
     if (chdir(directory.c_str()) == 0) execv(program.c_str(), pointers.data());
     std::_Exit(127);
   });
-  ProgramRun run{child.status, child.console, filesUnder(directory)};
+  ProgramRun run{child.status, child.console, contentOf(errors), filesUnder(directory)};
   std::erase_if(run.files, [&](const auto& file) {
     const auto old = before.find(file.first);
     return old != before.end() && old->second == file.second;

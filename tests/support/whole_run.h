@@ -3,7 +3,7 @@
 // A case is a directory under tests/cases/ with
 //   arguments   one argument of the command line a line; paths are relative to the directory of
 //               the run, a scratch directory with a copy of the case
-//   console     what the run prints
+//   console     what the run prints, lines of the error stream first
 //   status      its exit status
 //   expected/   the files it writes, all of them; absent when it writes none
 //   tolerance   how close numbers must be: matrix, scalar and line (see compare_text.h); then lines
@@ -25,7 +25,8 @@ namespace lcp::test {
 
 struct ProgramRun {
   int status = -1;                          // exit status; -1 when a signal ended the run
-  std::string console;                      // standard output and standard error
+  std::string console;                      // standard output
+  std::string errors;                       // standard error
   std::map<std::string, std::string> files; // files that are new or changed, by relative path
 };
 
