@@ -19,4 +19,6 @@ void* zeroPages(std::size_t bytes) {
   return p;
 }
 
+void dropPages(void* pages, std::size_t bytes) { munmap(pages, bytes); }
+
 } // namespace lcp

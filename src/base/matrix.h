@@ -2,6 +2,7 @@
 // the leading dimension of the store it is part of; the order is an argument of its own.
 #pragma once
 
+#include "base/big_store.h"
 #include "base/table.h"
 
 #include <complex>
@@ -91,21 +92,15 @@ template <class T, int N, int S> struct CurveVector {
   const T& operator()(int k, int i) const { return curve(i)[k]; }
 };
 
-// An N by N matrix function of frequency, the frequency step fastest: the curve of an element is
-// contiguous, as the fits want it, and a small line touches few pages.
-template <class T, int N, int S> struct CurveMatrix {
-  Curve<T, S> curves[static_cast<std::size_t>(N) * N];
+// A matrix function of frequency, the frequency step fastest: the curve of an element is
+// contiguous, as the fits want it, and a small line touches few pages. Mapped for the order of the
+// line.
+template <class T, int S> struct CurveMatrix {
+  MappedMatrix<Curve<T, S>> curves;
 
-  Curve<T, S>& curve(int i, int j) {
-    checkIndex(i, N);
-    checkIndex(j, N);
-    return curves[static_cast<std::ptrdiff_t>(j - 1) * N + (i - 1)];
-  }
-  const Curve<T, S>& curve(int i, int j) const {
-    checkIndex(i, N);
-    checkIndex(j, N);
-    return curves[static_cast<std::ptrdiff_t>(j - 1) * N + (i - 1)];
-  }
+  void map(int n) { curves.map(n); }
+  Curve<T, S>& curve(int i, int j) { return curves(i, j); }
+  const Curve<T, S>& curve(int i, int j) const { return curves(i, j); }
   T& operator()(int k, int i, int j) { return curve(i, j)[k]; }
   const T& operator()(int k, int i, int j) const { return curve(i, j)[k]; }
 

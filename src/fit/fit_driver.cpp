@@ -5,6 +5,7 @@
 #include "fit/admittance_fit.h"
 #include "fit/dc_values.h"
 #include "fit/fit_console.h"
+#include "fit/fitted_curves.h"
 #include "fit/propagation_fit.h"
 #include "store/fitmodel.h"
 #include "store/rundata.h"
@@ -70,6 +71,9 @@ void checkDelay(double tau) {
 
 void FITDRIVE() {
   FITMODEL.NC = RUNDATA.line.NC;
+  mapResidues(FITMODEL, FITMODEL.NC);
+  FITTED.YC.map(FITMODEL.NC);
+  FITTED.H.map(FITMODEL.NC);
   fitAdmittance();
   fitPropagation();
 }

@@ -10,8 +10,8 @@ namespace lcp {
 struct FittedCurves {
   // The fit whose error is printed: before the symmetry of the model is made exact, and without the
   // extra pole of a DC correction. S
-  CurveMatrix<Complex, LDMAT, MAXFREQ> YC;
-  CurveMatrix<Complex, LDMAT, MAXFREQ> H; // behind order reduction and DC correction
+  CurveMatrix<Complex, MAXFREQ> YC;
+  CurveMatrix<Complex, MAXFREQ> H; // behind order reduction and DC correction
 
   // By delay group: the function that its poles were fitted to, without the delay, and its fit.
   CurveVector<Complex, NGMAX, MAXFREQ> GROUP;

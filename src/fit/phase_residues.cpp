@@ -41,16 +41,18 @@ constexpr double IMAGZERO = 1e-20;   // imaginary part, rad/s, up to which a fir
 constexpr double RATIOMARGIN = 1.1;  // by which a ratio must lead to take the place of another
 constexpr double CLOSINGPOLE = -PI;  // rad/s
 
-// Sized for all groups full; a problem stands in them without gaps, and touches what it needs.
+// What a problem stands in, without gaps: mapped for the largest so far.
 struct PhaseProblem {
-  Complex basis[static_cast<std::size_t>(MAXFREQ) * MAXCOLUMNS];
-  double A[static_cast<std::size_t>(LSROWS) * MAXCOLUMNS];
-  double B[static_cast<std::size_t>(std::max(LSROWS, MAXCOLUMNS)) * LSRHS];
-  double U[static_cast<std::size_t>(LSROWS) * LSROWS];
-  double VT[static_cast<std::size_t>(LSROWS) * MAXCOLUMNS];
+  MappedArray<Complex> basis;
+  MappedArray<double> A, B, U, VT;
 };
 
-PhaseProblem& STORE = bigStore<PhaseProblem>();
+PhaseProblem STORE{};
+
+template <class T> View<T> roomFor(MappedArray<T>& store, int rows, int columns) {
+  const auto m = static_cast<std::size_t>(rows), n = static_cast<std::size_t>(columns);
+  return {store.room(m * n), rows};
+}
 
 // One call's problem: its sizes, and views of the store.
 struct Problem {
@@ -89,9 +91,9 @@ Problem layProblem(int DCTYPE) {
   p.constrained = DCTYPE == CONSTRAINED;
   for (int g = 1; g <= FITMODEL.NGROUP; ++g) p.poles += FITMODEL.NH[g];
   p.unknowns = p.poles - (p.closing > 0 ? 1 : 0);
-  p.basis = {STORE.basis, p.NS};
-  p.A = {STORE.A, 2 * p.NS};
-  p.B = {STORE.B, std::max(2 * p.NS, p.unknowns)};
+  p.basis = roomFor(STORE.basis, p.NS, p.poles);
+  p.A = roomFor(STORE.A, 2 * p.NS, p.unknowns);
+  p.B = roomFor(STORE.B, std::max(2 * p.NS, p.unknowns), FITMODEL.NC * FITMODEL.NC);
   return p;
 }
 
@@ -152,8 +154,8 @@ void fillRightSides(const Problem& p, const RealMatrix* HDC) {
 void truncateRank(RView A, int m, int n) {
   static Table<double, LSROWS> S;
   const int least = std::min(m, n);
-  const RView U(STORE.U, m);
-  const RView VT(STORE.VT, least);
+  const RView U = roomFor(STORE.U, m, least);
+  const RView VT = roomFor(STORE.VT, least, n);
   DGESVD(A, m, n, S, U, VT);
   int K = 0;
   while (K < least && S[K + 1] > LEASTVALUE * S[1]) ++K;

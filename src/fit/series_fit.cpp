@@ -174,6 +174,8 @@ double SERIESFIT(int NMAX, double TARGET) {
   const int NS = SOLVEDATA.grid.NFUSE;
   const int limit = std::min(NMAX, NPMAX);
   checkFrequencies(NS);
+  SERIESMODEL.ZFR.map(RUNDATA.line.NC);
+  SERIESMODEL.ZFIT.map(RUNDATA.line.NC);
   formTrace(NS);
   JPVT = {};
   int N = 1;

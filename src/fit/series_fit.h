@@ -19,7 +19,7 @@ struct SeriesModel {
   RealMatrix ZFD;    // constant term, ohm/m
   RealMatrix ZFE;    // term proportional to s, H/m
 
-  CurveMatrix<Complex, LDMAT, MAXFREQ> ZFIT; // the model at the fitted grid points, ohm/m
+  CurveMatrix<Complex, MAXFREQ> ZFIT; // the model at the fitted grid points, ohm/m
 };
 
 // Mapped before anything of a file that includes this is initialised.

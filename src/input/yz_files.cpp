@@ -184,6 +184,8 @@ void readYZTable() {
   nextRecord(file);
   YZTABLE.rows = nextCount(file, "Frequencies", MAXFREQ);
   YZTABLE.order = nextCount(file, "Conductors", LDMAT);
+  YZTABLE.YTABLE.map(YZTABLE.order);
+  YZTABLE.ZTABLE.map(YZTABLE.order);
   for (int k = 1; k <= YZTABLE.rows; ++k) readRow(file, k);
   takeTable();
 }

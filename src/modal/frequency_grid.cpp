@@ -7,6 +7,7 @@
 #include "base/constants.h"
 #include "base/solve_error.h"
 #include "base/stop.h"
+#include "modal/line_constants.h"
 #include "store/rundata.h"
 #include "store/solvedata.h"
 #include "store/yz_table.h"
@@ -116,6 +117,7 @@ void layGrid() {
     console::print("Unknown Model Type: {}", M.MODEL);
     stop(1);
   }
+  mapCurves(SOLVEDATA, mostConductors());
 }
 
 double gridFrequency(int k) {

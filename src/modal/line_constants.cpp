@@ -4,11 +4,13 @@
 #include "base/solve_error.h"
 #include "cable/cable_zy.h"
 #include "cable/four_wire.h"
+#include "cable/numbering.h"
 #include "modal/yz_interp.h"
 #include "overhead/overhead_zy.h"
 #include "store/rundata.h"
 #include "store/solvedata.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace lcp {
@@ -56,6 +58,15 @@ void finishConstants(double f) {
 }
 
 } // namespace
+
+int mostConductors() {
+  const RunControl& R = RUNDATA.run;
+  if (fromTable() || R.ISCABLE == OVERHEADLINE) return RUNDATA.line.NC;
+  if (R.ISCABLE == FOURWIRECABLE) return FOURWIRES;
+  static CableNumbering N;
+  numberConductors(N);
+  return std::min(N.total, LDMAT);
+}
 
 void constantsAt(double f) {
   FirstLoopStore& S = SOLVEDATA.first;

@@ -4,6 +4,10 @@
 
 namespace lcp {
 
+// The most conductors that the matrices of the run can have: known before a cable system has counted
+// its own.
+int mostConductors();
+
 // Fills YMAT, ZMAT, PMAT of SOLVEDATA.first at the frequency f, Hz, and clears ISTATUS. Results
 // that are no numbers end the run with a message, exit status 1.
 void constantsAt(double f);

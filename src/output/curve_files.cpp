@@ -71,7 +71,7 @@ void writePhaseFitCurves() {
   writePropagationFit(fitSteps(LONGHTABLE));
 }
 
-void writeSeriesFitCurves(const CurveMatrix<Complex, LDMAT, MAXFREQ>& ZFIT) {
+void writeSeriesFitCurves(const CurveMatrix<Complex, MAXFREQ>& ZFIT) {
   if (!wanted(RUNDATA.model.MODMFDTD)) return;
   writeSeriesFit(ZFIT, fitSteps(LONGTABLE));
 }

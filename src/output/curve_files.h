@@ -22,7 +22,7 @@ void writePhaseFitCurves();
 
 // MFDTD model: ZFIT is the fitted series impedance (ohm/m) at the fitted grid points, to be called
 // behind the fit; the sampled curves come behind the model file.
-void writeSeriesFitCurves(const CurveMatrix<Complex, LDMAT, MAXFREQ>& ZFIT);
+void writeSeriesFitCurves(const CurveMatrix<Complex, MAXFREQ>& ZFIT);
 void writeSeriesLineCurves();
 
 } // namespace lcp

@@ -48,7 +48,7 @@ inline void startRow(CurveFile& file, RowFrequency from, int k) {
   file.startRow(std::log10(FN), FN);
 }
 
-using ElementCurves = CurveMatrix<Complex, LDMAT, MAXFREQ>;
+using ElementCurves = CurveMatrix<Complex, MAXFREQ>;
 
 // Row by row, the column faster.
 template <Part P>

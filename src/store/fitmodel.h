@@ -21,7 +21,7 @@ using GroupReals = Table<double, NGMAX>;
 using GroupInts = Table<int, NGMAX>;
 
 // The residues of every element over one set of poles, those of an element side by side.
-using ResidueMatrix = SquareStore<PoleTable, LDMAT>;
+using ResidueMatrix = MappedMatrix<PoleTable>;
 
 struct FitModel {
   int NC;             // conductors: the order of all matrices
@@ -36,6 +36,12 @@ struct FitModel {
   Table<PoleTable, NGMAX> HPOLE;    // rad/s
   Table<ResidueMatrix, NGMAX> HRES; // rad/s
 };
+
+// Room for the residues of n conductors.
+inline void mapResidues(FitModel& model, int n) {
+  model.YRES.map(n);
+  for (int g = 1; g <= n; ++g) model.HRES[g].map(n); // at most a group a mode
+}
 
 // Mapped before anything of a file that includes this is initialised.
 inline FitModel& FITMODEL = bigStore<FitModel>();

@@ -72,20 +72,20 @@ struct SecondLoopStore {
   CurveVector<double, LDMAT, MAXFREQ> HARG;     // -Im GAMLEN in degrees, not unwrapped
   CurveVector<double, LDMAT, MAXFREQ> VELOC;    // velocity, m/s
   CurveVector<double, LDMAT, MAXFREQ> ZSARG;    // angle of ZSURGE, degrees
-  CurveMatrix<Complex, LDMAT, MAXFREQ> TIST;    // TI with unit columns
-  CurveMatrix<double, LDMAT, MAXFREQ> TIMAG;    // its magnitude
-  CurveMatrix<double, LDMAT, MAXFREQ> TIARG;    // its angle, degrees
-  CurveMatrix<Complex, LDMAT, MAXFREQ> YCST;    // characteristic admittance of the phases, S
-  CurveMatrix<Complex, LDMAT, MAXFREQ> HST;     // propagation matrix of the phases
+  CurveMatrix<Complex, MAXFREQ> TIST;           // TI with unit columns
+  CurveMatrix<double, MAXFREQ> TIMAG;           // its magnitude
+  CurveMatrix<double, MAXFREQ> TIARG;           // its angle, degrees
+  CurveMatrix<Complex, MAXFREQ> YCST;           // characteristic admittance of the phases, S
+  CurveMatrix<Complex, MAXFREQ> HST;            // propagation matrix of the phases
 };
 
 // Solutions over frequency. MEIG is MSTORE(k,i,0), MTI is MSTORE(k,i,j): eigenvalue of mode i and
 // element (i,j) of TI at step k.
 struct FrequencyStore {
   CurveVector<Complex, LDMAT, MAXFREQ> MEIG;
-  CurveMatrix<Complex, LDMAT, MAXFREQ> MTI;
-  CurveMatrix<Complex, LDMAT, MAXFREQ> YSTORE;
-  CurveMatrix<Complex, LDMAT, MAXFREQ> ZSTORE;
+  CurveMatrix<Complex, MAXFREQ> MTI;
+  CurveMatrix<Complex, MAXFREQ> YSTORE;
+  CurveMatrix<Complex, MAXFREQ> ZSTORE;
 };
 
 struct SolveData {
@@ -94,6 +94,16 @@ struct SolveData {
   SecondLoopStore second;
   FrequencyStore at;
 };
+
+// Room for the curves of n conductors; what is there already stays.
+inline void mapCurves(SolveData& S, int n) {
+  for (auto* curves :
+       {&S.second.TIST, &S.second.YCST, &S.second.HST, &S.at.MTI, &S.at.YSTORE, &S.at.ZSTORE}) {
+    curves->map(n);
+  }
+  S.second.TIMAG.map(n);
+  S.second.TIARG.map(n);
+}
 
 // Mapped before anything of a file that includes this is initialised.
 inline SolveData& SOLVEDATA = bigStore<SolveData>();

@@ -10,11 +10,11 @@
 namespace lcp {
 
 struct YZTable {
-  int rows;                                    // frequencies that were read
-  int order;                                   // order of the matrices
-  Curve<double, MAXFREQ> FTABLE;               // frequency of row k, Hz
-  CurveMatrix<Complex, LDMAT, MAXFREQ> YTABLE; // shunt admittance, S/m
-  CurveMatrix<Complex, LDMAT, MAXFREQ> ZTABLE; // series impedance, ohm/m
+  int rows;                             // frequencies that were read
+  int order;                            // order of the matrices
+  Curve<double, MAXFREQ> FTABLE;        // frequency of row k, Hz
+  CurveMatrix<Complex, MAXFREQ> YTABLE; // shunt admittance, S/m
+  CurveMatrix<Complex, MAXFREQ> ZTABLE; // series impedance, ohm/m
 };
 
 // Mapped before anything of a file that includes this is initialised.

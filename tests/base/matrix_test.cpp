@@ -22,9 +22,12 @@ TEST(TextField, PadsCutsAndOverwrites) {
 
 // An element of the curves tells step, row and column; NaN stands where nothing was stored.
 TEST(CurveMatrix, LoadAndStoreMoveTheCornerOfOneStep) {
-  static CurveMatrix<Complex, 4, 6> store;
-  for (auto& c : store.curves) {
-    for (Complex& z : c.steps) z = std::nan("");
+  static CurveMatrix<Complex, 6> store;
+  store.map(2);
+  store.map(4); // room for more; less stays what it is
+  store.map(3);
+  for (int e = 0; e < 16; ++e) {
+    for (Complex& z : store.curve(1 + e % 4, 1 + e / 4).steps) z = std::nan("");
   }
   SquareStore<Complex, 7> wide; // wider than the order
   SquareStore<Complex, 3> back;
@@ -52,7 +55,8 @@ TEST(Bounds, AreCheckedInThisBuild) {
   const auto ends = [](const std::function<void()>& code) { return test::runChild(code).status; };
   static Table<int, 3> t;
   static SquareStore<double, 3> m;
-  static CurveMatrix<double, 2, 4> c;
+  static CurveMatrix<double, 4> c;
+  c.map(2);
   EXPECT_EQ(ends([] { t[3] = m(3, 3) > 0 || c(4, 2, 2) > 0; }), 0);
   for (const int i : {0, 4}) {
     EXPECT_EQ(ends([i] { t[i] = 1; }), -1);

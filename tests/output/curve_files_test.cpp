@@ -112,7 +112,7 @@ void expectCurves(const Files& files, const std::string& a, const std::string& b
   cancelling = 0;
 }
 
-using Elements = CurveMatrix<Complex, LDMAT, MAXFREQ>;
+using Elements = CurveMatrix<Complex, MAXFREQ>;
 
 Value valuesOf(const Elements& A) {
   return [&A](int k, int e) { return A(k, e / RUNDATA.line.NC + 1, e % RUNDATA.line.NC + 1); };
