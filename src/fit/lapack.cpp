@@ -55,17 +55,18 @@ bool allNumbers(RView A, int n) {
 
 } // namespace
 
-void DGEEV(RView A, int n, Table<double, NPMAX>& WR, Table<double, NPMAX>& WI) {
+int DGEEV(RView A, int n, Table<double, NPMAX>& WR, Table<double, NPMAX>& WI) {
   const bool numbers = allNumbers(A, n); // LAPACK may end the process otherwise
   // What stands where an iteration without end leaves values out.
   std::fill_n(WR.data(), n, numbers ? 0.0 : std::numeric_limits<double>::quiet_NaN());
   std::fill_n(WI.data(), n, 0.0);
-  if (!numbers) return;
+  if (!numbers) return -1;
   const int one = 1;
   double none = 0; // the vectors, which are not asked for
   int info = 0;
   dgeev_("N", "N", &n, A.first, &A.ld, WR.data(), WI.data(), &none, &one, &none, &one, work,
          &LSWORK, &info, 1, 1);
+  return info;
 }
 
 void DGESVD(RView A, int m, int n, Table<double, LSROWS>& S, RView U, RView VT) {

@@ -37,8 +37,9 @@ int DGELSY(RView A, RView B, int m, int n, int nrhs, double rcond);
 
 // Eigenvalues WR + j WI of the real matrix A of order n up to NPMAX, in the order in which LAPACK
 // finds them: the two of a pair side by side, exact conjugates, positive imaginary part first.
-// A is overwritten. A matrix with an element that is no number has eigenvalues that are none.
-void DGEEV(RView A, int n, Table<double, NPMAX>& WR, Table<double, NPMAX>& WI);
+// A is overwritten. A matrix with an element that is no number has eigenvalues that are none. The
+// status is 0 when all were found.
+int DGEEV(RView A, int n, Table<double, NPMAX>& WR, Table<double, NPMAX>& WI);
 
 // Singular values S, falling, of A (m by n, overwritten) and its singular vectors: U is m by
 // min(m, n), VT is min(m, n) by n. m up to LSROWS, n up to MAXCOLUMNS.

@@ -15,6 +15,7 @@
 #include "store/solvedata.h"
 
 #include <cmath>
+#include <cstring>
 
 namespace lcp {
 
@@ -25,12 +26,28 @@ constexpr double NOTSHOWN = 1e-20;
 ModeComplex eigenvalues;
 LineMatrix T, Ti, TiT, YMM, ZMM, product;
 
-// Eigenvalues of Y Z, unit vectors T and their inverse.
+// The product that the last decomposition was of, of so many rows; 0 when there is none to keep.
+LineMatrix decomposed;
+int decomposedOrder = 0;
+
+bool sameBits(CConstView A, CConstView B, int n) {
+  const std::size_t bytes = static_cast<std::size_t>(n) * sizeof(Complex);
+  for (int j = 1; j <= n; ++j) {
+    if (std::memcmp(A.column(j), B.column(j), bytes) != 0) return false;
+  }
+  return true;
+}
+
+// Eigenvalues of Y Z, unit vectors T and their inverse. Model, report and all length steps ask for
+// those of one frequency.
 void decompose(CConstView Y, CConstView Z, int n) {
   CMATMUL(product, Y, Z, n);
+  if (n == decomposedOrder && sameBits(product, decomposed, n)) return;
+  copyCorner(decomposed, product, n);
   VALVC(eigenvalues, Ti, T, product, n);
   COLNORM(T, T, n);
-  INVCJD(Ti, T, n);
+  const bool failed = INVCJD(Ti, T, n) || EITER[1] == EITERFAILED;
+  decomposedOrder = failed ? 0 : n;
 }
 
 bool canBeShown(Complex z) { return z.real() >= NOTSHOWN && z.imag() >= NOTSHOWN; }

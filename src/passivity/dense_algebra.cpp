@@ -13,6 +13,9 @@ void zgeev_(const char* jobvl, const char* jobvr, const int* n, lcp::Complex* a,
             lcp::Complex* w, lcp::Complex* vl, const int* ldvl, lcp::Complex* vr, const int* ldvr,
             lcp::Complex* work, const int* lwork, double* rwork, int* info, std::size_t,
             std::size_t);
+void zheev_(const char* jobz, const char* uplo, const int* n, lcp::Complex* a, const int* lda,
+            double* w, lcp::Complex* work, const int* lwork, double* rwork, int* info, std::size_t,
+            std::size_t);
 void zgetrf_(const int* m, const int* n, lcp::Complex* a, const int* lda, int* ipiv, int* info);
 void zgetri_(const int* n, lcp::Complex* a, const int* lda, const int* ipiv, lcp::Complex* work,
              const int* lwork, int* info);
@@ -49,13 +52,13 @@ void fillNoNumbers(Complex* z, int n) {
 }
 
 // The left vectors, which nothing reads, are not asked for.
-void ZGEEV(CView A, Complex* W, CView VR, const char* vectors, int n) {
-  static double rwork[2 * LDNODAL];
+void ZGEEV(CView A, Complex* W, CView VR, int n) {
+  static double rwork[2 * LDMAT];
   Complex none = 0;
   const int one = 1;
   int info = 0;
   const auto call = [&](int lwork) {
-    zgeev_("N", vectors, &n, A.first, &A.ld, W, &none, &one, VR.first, &VR.ld, work, &lwork, rwork,
+    zgeev_("N", "V", &n, A.first, &A.ld, W, &none, &one, VR.first, &VR.ld, work, &lwork, rwork,
            &info, 1, 1);
   };
   call(QUERY);
@@ -73,7 +76,7 @@ void ZEIGSORT(CConstView A, ModeComplex& W, CView VR, int n) {
     return;
   }
   copyCorner(schur, A, n);
-  ZGEEV(schur, found.data(), unsorted, "V", n);
+  ZGEEV(schur, found.data(), unsorted, n);
   ModeInts order;
   for (int j = 1; j <= n; ++j) order[j] = j;
   std::stable_sort(order.data(), order.data() + n,
@@ -84,15 +87,14 @@ void ZEIGSORT(CConstView A, ModeComplex& W, CView VR, int n) {
   }
 }
 
-void sortedEigenvalues(CView A, NodalComplex& W, int n) {
+void ZHEEV(CView A, double* W, int n) {
+  static double rwork[3 * LDMAT];
   if (!allFinite(A, n)) {
-    fillNoNumbers(W.data(), n);
+    std::fill_n(W, n, std::numeric_limits<double>::quiet_NaN());
     return;
   }
-  Complex none = 0;
-  ZGEEV(A, W.data(), CView(&none, 1), "N", n);
-  std::stable_sort(W.data(), W.data() + n,
-                   [](Complex a, Complex b) { return std::abs(a) < std::abs(b); });
+  int info = 0;
+  zheev_("N", "U", &n, A.first, &A.ld, W, work, &WORKSIZE, rwork, &info, 1, 1);
 }
 
 namespace {

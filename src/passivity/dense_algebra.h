@@ -9,16 +9,16 @@ namespace lcp {
 
 constexpr int LDNODAL = 2 * LDMAT; // order of a nodal admittance: both ends of the line
 
-using NodalMatrix = SquareStore<Complex, LDNODAL>;
-using NodalComplex = Table<Complex, LDNODAL>;
+using NodalReals = Table<double, LDNODAL>;
 
 // Eigenvalues W of A by ascending magnitude, equal ones in the order in which LAPACK finds them,
 // and right vectors VR in the same order, one a column, of unit length. n up to 49. A matrix with
 // an element that is no finite number has eigenvalues and vectors that are none.
 void ZEIGSORT(CConstView A, ModeComplex& W, CView VR, int n);
 
-// The eigenvalues alone, n up to 98. A is overwritten.
-void sortedEigenvalues(CView A, NodalComplex& W, int n);
+// The n eigenvalues of the Hermitian matrix A, ascending, n up to 49; only its upper triangle is
+// read, and A is overwritten. A matrix with an element that is no finite number has none.
+void ZHEEV(CView A, double* W, int n);
 
 // R = inverse of A, n up to 49; R may be A. A singular matrix ends the run with a message, exit
 // status 1.

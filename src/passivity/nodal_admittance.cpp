@@ -60,8 +60,8 @@ void characteristicAt(Complex s, bool singleConstant, CView Yc) {
   for (int m = 1; m <= E.ENY; ++m) addTimes(Yc, poleTerm(s, E.EPY[m]), E.ERY[m], E.NC);
 }
 
-void PASSYN(double f, CView Y, Residues which) {
-  static LineMatrix H, H2, Yc, P, X, Y11, Y12;
+void PASSYN(double f, CView Y11, CView Y12, Residues which) {
+  static LineMatrix H, H2, Yc, P, X;
   const int n = ENFORCE.NC;
   const Complex s(0, SINGLETWOPI * f);
   characteristicAt(s, false, Yc);
@@ -80,12 +80,6 @@ void PASSYN(double f, CView Y, Residues which) {
   CMATMUL(Y11, P, X, n);
   CMATMUL(X, H, Yc, n);
   CMATMUL(Y12, P, X, n);
-  for (int c = 1; c <= n; ++c) {
-    std::copy_n(Y11.view().column(c), n, Y.column(c));
-    std::copy_n(Y12.view().column(c), n, Y.column(c) + n);
-    std::copy_n(Y12.view().column(c), n, Y.column(n + c));
-    std::copy_n(Y11.view().column(c), n, Y.column(n + c) + n);
-  }
 }
 
 } // namespace lcp

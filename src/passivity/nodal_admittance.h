@@ -14,8 +14,8 @@ void propagationAt(const ResidueList& RES, Complex s, CView H);
 // Characteristic admittance at s, S; its constant term held in single precision on request.
 void characteristicAt(Complex s, bool singleConstant, CView Yc);
 
-// Nodal admittance Y of both ends at the frequency f, Hz, of order 2 NC: [Y11 Y12; Y12 Y11], S.
+// The blocks of the nodal admittance [Y11 Y12; Y12 Y11] of both ends at the frequency f, Hz, S.
 // A singular I - H^2 ends the run with the message of the inversion, exit status 1.
-void PASSYN(double f, CView Y, Residues which);
+void PASSYN(double f, CView Y11, CView Y12, Residues which);
 
 } // namespace lcp

@@ -5,8 +5,6 @@
 
 namespace lcp {
 
-using NodalReals = Table<double, LDNODAL>;
-
 // Sensitivity S of H at the frequency f, Hz: 2 NC^2 rows, NVAR columns. A column holds the
 // derivative of H with respect to a variable, element by element in column order, real part above
 // imaginary part.

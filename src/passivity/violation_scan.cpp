@@ -18,26 +18,35 @@ constexpr double CSPACE = single(0.1);  // least relative distance of constraint
 constexpr double NOCURVE = 1e-20;       // an H up to this has no relative change
 constexpr double PERCENT = 100.0;
 
-// Z = (Y + Y^H) / 2 in the place of Y.
-void hermitianPart(CView Y, int n) {
+// Eigenvalues of the Hermitian part of Y11 + sign Y12, into W.
+void addHalf(double* W, CConstView Y11, CConstView Y12, double sign, int n) {
+  static LineMatrix G;
+  const auto y = [&](int i, int j) { return Y11(i, j) + sign * Y12(i, j); };
   for (int j = 1; j <= n; ++j) {
     for (int i = 1; i <= j; ++i) {
-      Y(i, j) = (Y(i, j) + std::conj(Y(j, i))) / 2.0;
-      Y(j, i) = std::conj(Y(i, j));
+      G(i, j) = (y(i, j) + std::conj(y(j, i))) / 2.0;
+      G(j, i) = std::conj(G(i, j));
     }
   }
+  ZHEEV(G, W, n);
 }
 
+// Equal blocks: the eigenvalues of [A B; B A] are those of A + B, the ends driven alike, and of
+// A - B, the ends driven against each other.
 double violationAt(double f, double PEIGTOL, Residues which) {
-  static NodalMatrix Y;
-  static NodalComplex lambda;
+  static LineMatrix Y11, Y12;
+  static NodalReals lambda;
   const int n = ENFORCE.NC;
-  PASSYN(f, Y, which);
-  hermitianPart(Y, 2 * n);
-  sortedEigenvalues(Y, lambda, 2 * n);
+  double* first = lambda.data();
+  PASSYN(f, Y11, Y12, which);
+  addHalf(first, Y11, Y12, 1.0, n);
+  addHalf(first + n, Y11, Y12, -1.0, n);
+  if (std::any_of(first, first + 2 * n, [](double x) { return std::isnan(x); })) return 0;
+  std::stable_sort(first, first + 2 * n,
+                   [](double a, double b) { return std::fabs(a) < std::fabs(b); });
   double sum = 0;
   for (int i = 1; i <= n; ++i) {
-    if (lambda[i].real() < PEIGTOL) sum += std::fabs(lambda[i].real());
+    if (lambda[i] < PEIGTOL) sum += std::fabs(lambda[i]);
   }
   return sum;
 }

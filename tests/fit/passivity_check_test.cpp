@@ -146,6 +146,11 @@ TEST(PassivityCheck, BandsOfAClosedForm) {
     RUNDATA.passivity = options;
     EXPECT_EQ(consoleOf(PASSCHK), report(options, bands));
   }
+  setGroups(2, {}); // no H; an eigenvalue so small that it is found a second time
+  FITMODEL.YD(1, 1) = 1e-3;
+  FITMODEL.YD(2, 2) = -1.25e-12;
+  RUNDATA.passivity = cases[0].first;
+  EXPECT_EQ(consoleOf(PASSCHK), report(RUNDATA.passivity, {band(0.5, 4.5, -1.25e-12)}));
   FITMODEL.YD(1, 1) = std::nan("");
   RUNDATA.passivity = cases[0].first;
   EXPECT_EQ(runChild(PASSCHK).status, 1);
