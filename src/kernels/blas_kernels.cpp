@@ -5,9 +5,10 @@
 //   DGER    A = A + alpha x y^T
 //   DNRM2   |x|
 //
-// A is m by n in column order with the leading dimension lda. Plain loops over contiguous columns,
-// compiled once for every processor: a sum runs over LANES partial sums in a fixed order, so its
-// rounding does not depend on the width of the processor's registers. Vectors with a stride other
+// A is m by n in column order with the leading dimension lda. Plain loops over contiguous columns:
+// the rounding does not depend on the width of the processor's registers: a sum runs over LANES
+// partial sums in a fixed order, and nothing is fused. So the code may use registers of 256 bits
+// where the processor has them; the bits of the results are the same. Vectors with a stride other
 // than 1 take the plain path. Arguments are trusted: LAPACK is the only caller.
 //
 // Beside them stands what LAPACK's objects ask of the Fortran run time, so that it need not be
@@ -22,6 +23,12 @@
 #include <string_view>
 
 namespace {
+
+#if defined(__GNUC__) && !defined(__clang__) && !defined(LCP_BOUNDS)
+#define LCP_BOTH_WIDTHS __attribute__((target_clones("avx2", "default"), flatten))
+#else
+#define LCP_BOTH_WIDTHS
+#endif
 
 constexpr int LANES = 4;   // partial sums of a scalar product
 constexpr int COLUMNS = 4; // columns that one sweep over a vector serves
@@ -141,9 +148,9 @@ void stridedProduct(bool transposed, int m, int n, double alpha, const double* a
 
 extern "C" {
 
-void dgemv_(const char* trans, const int* m, const int* n, const double* alpha, const double* a,
-            const int* lda, const double* x, const int* incx, const double* beta, double* y,
-            const int* incy, std::size_t) {
+LCP_BOTH_WIDTHS void dgemv_(const char* trans, const int* m, const int* n, const double* alpha,
+                            const double* a, const int* lda, const double* x, const int* incx,
+                            const double* beta, double* y, const int* incy, std::size_t) {
   const bool transposed = *trans != 'N' && *trans != 'n';
   if (*m == 0 || *n == 0) return;
   const double* from = start(x, transposed ? *m : *n, *incx);
@@ -158,8 +165,9 @@ void dgemv_(const char* trans, const int* m, const int* n, const double* alpha, 
     stridedProduct(transposed, *m, *n, *alpha, a, *lda, from, *incx, to, *incy);
 }
 
-void dger_(const int* m, const int* n, const double* alpha, const double* x, const int* incx,
-           const double* y, const int* incy, double* a, const int* lda) {
+LCP_BOTH_WIDTHS void dger_(const int* m, const int* n, const double* alpha, const double* x,
+                           const int* incx, const double* y, const int* incy, double* a,
+                           const int* lda) {
   const double* column = start(x, *m, *incx);
   const double* row = start(y, *n, *incy);
   for (int j = 0; j < *n; ++j, a += *lda, row += *incy) {
@@ -171,7 +179,7 @@ void dger_(const int* m, const int* n, const double* alpha, const double* x, con
   }
 }
 
-double dnrm2_(const int* n, const double* x, const int* incx) {
+LCP_BOTH_WIDTHS double dnrm2_(const int* n, const double* x, const int* incx) {
   if (*n < 1) return 0;
   const double* from = start(x, *n, *incx);
   double sums[COLUMNS] = {};
