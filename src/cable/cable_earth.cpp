@@ -11,6 +11,7 @@
 
 #include "base/console.h"
 #include "base/solve_error.h"
+#include "cable/aerial_integral.h"
 #include "cable/body.h"
 #include "cable/earth_pairs.h"
 #include "overhead/earth_return.h"
@@ -177,7 +178,10 @@ void fillPipe(const Target& to, const EarthValue& value) {
 } // namespace
 
 void CBEARTH(double w, const CableNumbering& N, CView D, CView Q) {
-  if (SOLVEDATA.first.ISTATUS) checkBodies(N);
+  if (SOLVEDATA.first.ISTATUS) {
+    checkBodies(N);
+    FORGETAERIAL();
+  }
   const int n = RUNDATA.cable.NCABLE;
   const Target to{N, D, Q};
   EarthCall call{w, 1.0 / GRDDEPTH(w), {}, 0, {}, {}};

@@ -26,6 +26,7 @@
 
 #include "base/console.h"
 #include "base/number_forms.h"
+#include "cable/complex_root.h"
 
 #include <algorithm>
 #include <cmath>
@@ -43,7 +44,13 @@ constexpr double SMALLPANEL = 1e-10;
 // A sum that is no number stays none, so that the remaining panels change nothing.
 bool isNumber(Complex S) { return !std::isnan(S.real()) && !std::isnan(S.imag()); }
 
-bool isSmall(Complex P, Complex S) { return std::abs(P) < SMALLPANEL * std::abs(S); }
+// Most panels are far from it, and the squares tell; near it, and where the squares leave the range
+// of numbers, the magnitudes do.
+bool isSmall(Complex P, Complex S) {
+  constexpr double FAR = 1.01 * SMALLPANEL * SMALLPANEL;
+  if (std::norm(P) > FAR * std::norm(S)) return false;
+  return std::abs(P) < SMALLPANEL * std::abs(S);
+}
 
 // ---- KEXPINT and KEXPONE
 
@@ -56,7 +63,7 @@ struct Decay {
 };
 
 Complex valueAt(double t, const Decay& k) {
-  const Complex W = std::sqrt(t * t + k.z2);
+  const Complex W = ROOT(t * t + k.z2);
   const Complex E = std::exp(k.z - W);
   return k.overW ? E / W : E;
 }
@@ -121,10 +128,10 @@ Complex amplitude(double t, const Angled& k) {
   Complex W;
   if (k.r <= std::fabs(t)) {
     const Complex q = k.z / t;
-    W = t * std::sqrt(1.0 + q * q);
+    W = t * ROOT(1.0 + q * q);
   } else {
     const Complex q = t / k.z;
-    W = k.z * std::sqrt(1.0 + q * q);
+    W = k.z * ROOT(1.0 + q * q);
   }
   return std::exp(k.c * (k.z - W)) / (t + W);
 }

@@ -20,12 +20,8 @@
 // Aerial bodies:
 //
 //   closed form log(D / d) + GMUR / 2 log(1 + 4 p (p + H) / D^2),  complex depth
-//   integration log(D / d) + SZ, potential term SQ,  Gauss-Legendre over panels up to where
-//               exp(-H u) = 0.001
-//               SZ = integral of 2 exp(-H u) cos(X u) / (u + s),  s = sqrt(u^2 + G2)
-//               SQ = integral of 2 exp(-H u) cos(X u) / (s + N2 u)
+//   integration log(D / d) + SZ, potential term SQ, the integrals of cable/aerial_integral
 //               X = |x|, of a body by itself D = sqrt(r^2 + H^2)
-//               G2 = k2 (1 - eps) + j w mu0 / rho,  N2 = eps - j w mu0 / (rho k2),  k2 = w^2 mu0 e0
 //
 // One aerial, one buried, times GMUR, W = sqrt(x^2 + H2^2), H2 = H + 2 p:
 //
@@ -33,15 +29,13 @@
 //   closed form exp(-y_b m) log(W / D),  y_b the depth of the buried one
 #include "cable/earth_pairs.h"
 
-#include "base/constants.h"
+#include "cable/aerial_integral.h"
 #include "cable/earth_functions.h"
 #include "cable/earth_integrals.h"
 #include "overhead/earth_return.h"
 #include "store/rundata.h"
 
-#include <algorithm>
 #include <cmath>
-#include <limits>
 
 namespace lcp {
 
@@ -124,59 +118,11 @@ Complex buried(int formula, const Burial& b, Complex m, LastKexpone& last) {
 
 // ---- Aerial
 
-constexpr double LOG1000 = 6.907755278982137;
-constexpr double LEASTPANELS = 1000.0;
-constexpr double TWOPI12 = 6.28318530718;
-constexpr double WIDESTPANEL = 6283185307.179999; // of bodies one above the other
-constexpr double SAMEPLACE = 1e-20;               // m
-constexpr double SMALLK2 = 1e-20;
-constexpr double MOSTPANELS = 1e8;
-
-constexpr int NODES = 5;
-constexpr double NODE[NODES] = {0.9061798459, 0.5384693101, 0.0, -0.5384693101, -0.9061798459};
-constexpr double WEIGHT[NODES] = {0.236926885, 0.4786286705, 0.5688888889, 0.4786286705,
-                                  0.236926885};
-
-// Soil with displacement currents.
-struct Propagation {
-  Complex G2;
-  Complex N2;
-  bool potential; // below 0.005 Hz N2 is so large that nothing is left of SQ
-};
-
-Propagation propagationAt(double w) {
-  const Ground& G = RUNDATA.ground;
-  const double k2 = MU0EPS0 * w * w;
-  const double conduction = MU0 / G.GRHO * w;
-  Propagation soil{{k2 - G.GEPSR * k2, conduction}, 0.0, k2 > SMALLK2};
-  if (soil.potential) soil.N2 = Complex(-G.GEPSR * k2, conduction) / -k2;
-  return soil;
-}
-
-// Panel from u to u + width of both integrals.
-void addPanel(double u, double width, double X, double H, const Propagation& soil,
-              EarthValue& sum) {
-  for (int n = 0; n < NODES; ++n) {
-    const double t = u + 0.5 * width * (1.0 + NODE[n]);
-    const Complex s = std::sqrt(t * t + soil.G2);
-    const double amplitude = WEIGHT[n] * width * std::exp(-H * t) * std::cos(X * t);
-    sum.Z += amplitude / (t + s);
-    if (soil.potential) sum.P += amplitude / (s + soil.N2 * t);
-  }
-}
+constexpr double SAMEPLACE = 1e-20; // m
 
 EarthValue aerialIntegral(const Geometry& g, double D, double w) {
-  const double T = LOG1000 / g.H;
-  const double wave = g.x < SAMEPLACE ? WIDESTPANEL : TWOPI12 / (10.0 * g.x);
-  const double dt = std::min(T / LEASTPANELS, wave);
-  const double count = std::ceil(T / dt);
-  if (!(count < MOSTPANELS)) return {std::numeric_limits<double>::quiet_NaN(), 0.0};
-  const int n = static_cast<int>(count);
-  const Propagation soil = propagationAt(w);
-  EarthValue sum{};
-  for (int k = 1; k < n; ++k) addPanel((k - 1) * dt, dt, g.x, g.H, soil, sum);
-  if (g.d > SAMEPLACE) sum.Z += std::log(D / g.d);
-  return sum;
+  const AerialSums sum = AERIALSUM(g.x, g.H, w);
+  return {g.d > SAMEPLACE ? sum.SZ + std::log(D / g.d) : sum.SZ, sum.SQ};
 }
 
 EarthValue aerialClosed(const Geometry& g, Complex m) {
