@@ -32,8 +32,9 @@ void checkConductor(int i) {
   const ConductorTable& C = RUNDATA.cond;
   if (C.CYAVG[i] > 0.0 && C.CRAD[i] > 0.0) return;
   console::openStars();
-  console::print("Conductor at X = {} m, Y = {} m:", C.CX[i], C.CY[i]);
-  console::print("Average Height ({} m) and Radius ({} m) Must be > 0!", C.CYAVG[i], C.CRAD[i]);
+  console::print("Conductor at X = {:.4g} m, Y = {:.4g} m:", C.CX[i], C.CY[i]);
+  console::print("Average Height ({:.4g} m) and Radius ({:.4g} m) Must be > 0!", C.CYAVG[i],
+                 C.CRAD[i]);
   stopInStars();
 }
 
