@@ -33,7 +33,7 @@ bool inPipe(int c) { return RUNDATA.cable.CB[c].CBPIPE != 0; }
 
 Body bodyOf(int number) { return number == PIPE ? pipeBody() : cableBody(number); }
 
-std::string nameOf(int number) { return number == PIPE ? "Pipe" : fmt::format("Cable {}", number); }
+std::string nameOf(int number) { return number == PIPE ? "Pipe" : cableName(number); }
 
 // Conductors of a body, a cable in the pipe with the pipe's.
 struct BodyRows {
@@ -59,8 +59,9 @@ void checkBody(int number) {
   const Body b = bodyOf(number);
   if (b.y > 0.0 && b.r > 0.0) return;
   console::openStars();
-  console::print("{} at X = {} m:", nameOf(number), b.x);
-  console::print("Distance from the Surface ({} m) and Radius ({} m) Must be > 0!", b.y, b.r);
+  console::print("{}:", nameOf(number));
+  console::print("Distance from the Surface ({:.4g} m) and Radius ({:.4g} m) Must be > 0!", b.y,
+                 b.r);
   stopInStars();
 }
 
@@ -77,8 +78,8 @@ void checkBeside(int i, int j, double x, double H) {
   if (x <= MOSTBESIDE * H) return;
   console::openStars();
   console::print("Earth Return by Integration of {} and {}:", nameOf(i), nameOf(j));
-  console::print("Horizontal Distance or Radius ({} m) Must not be Above", x);
-  console::print("{} Times the Distances from the Surface ({} m)!", MOSTBESIDE, H);
+  console::print("Horizontal Distance or Radius ({:.4g} m) Must not be Above", x);
+  console::print("{} Times the Distances from the Surface ({:.4g} m)!", MOSTBESIDE, H);
   stopInStars();
 }
 

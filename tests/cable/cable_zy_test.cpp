@@ -243,24 +243,37 @@ TEST(CableZY, FortyNineConductorsAreTheMost) {
 }
 
 TEST(CableZY, MaterialsThatTheFormulasNeed) {
-  const char* ofCable = "Cable 1: Resistivities, Relative Permeabilities and\n";
-  const char* ofPipe = "Pipe 1: Radii Must Grow Outwards, and the Resistivity,\n";
   PipeRecord& P = RUNDATA.cable.pipe;
   const struct {
     const char* message;
     double& value;
     double bad;
   } cases[] = {
-      {ofCable, cable(1).CBRHO[1], 0},  {ofCable, cable(1).CBEPS[0], -2},
-      {ofCable, cable(1).CBMU[3], 0},   {ofPipe, P.PIPERC, 0.2},
-      {ofPipe, P.PIPEMU, std::nan("")}, {ofPipe, P.PIPEEPSO, 0},
+      {"\nCable 1:\nSheath Resistivity Must be > 0, not 0!\n", cable(1).CBRHO[1], 0},
+      {"Insulator 1 Relative Permittivity Must be > 0, not -2.333!", cable(1).CBEPS[0], -7.0 / 3},
+      {"Insulator 2 Relative Permeability Must be", cable(1).CBMU[3], 0},
+      {"\nPipe 1: the Outer Radii of Inner Insulator, Conductor and\n", P.PIPERC, 0.2},
+      {"\nPipe 1:\nConductor Permeability Must be > 0, not nan!\n", P.PIPEMU, std::nan("")},
+      {"Outer Ins. Relative Permittivity Must be > 0", P.PIPEEPSO, 0},
+      {"\nConductor at X = -3 m, Y = 12 m:\nDCResistance Must be > 0, not 0!\n",
+       RUNDATA.cond.CRDC[1], 0},
+      {"Y = 12 m:\nRelative Permeability Must be", RUNDATA.cond.CMUR[1], 0},
+      {"Y = 12 m:\nCross-Section of the Metal Must be", RUNDATA.cond.CTHICK[1], 0.03},
   };
   for (const auto& c : cases) {
+    const auto solve = [] {
+      convertOverheadConductors();
+      return solveCables(50.0).n;
+    };
     layCables(1);
     addPipe();
-    EXPECT_EQ(solveCables(50.0).n, 3);
+    setConductor(1, -3, 12, 0.01, 1e-4);
+    RUNDATA.cond.NCOND = 1;
+    const RunData sound = RUNDATA;
+    EXPECT_EQ(solve(), 4);
+    RUNDATA = sound;
     c.value = c.bad;
-    const ChildResult r = runChild([] { solveCables(50.0); });
+    const ChildResult r = runChild(solve);
     EXPECT_EQ(r.status, 1);
     EXPECT_NE(r.console.find(c.message), std::string::npos) << r.console;
   }
