@@ -53,6 +53,19 @@ void openStars() {
 
 void closeStars() { rule('*', STARS); }
 
+void note(std::string_view words) {
+  const std::string whole = fmt::format("corvo: {}\n", words);
+  std::size_t done = 0;
+  while (done < whole.size()) {
+    const ssize_t n = write(STDERR_FILENO, whole.data() + done, whole.size() - done);
+    if (n > 0) {
+      done += static_cast<std::size_t>(n);
+    } else if (n == 0 || errno != EINTR) {
+      return;
+    }
+  }
+}
+
 bool flush() {
   State& s = state();
   std::size_t done = 0;

@@ -30,6 +30,10 @@ void closeStars();
 // descriptor that came closed is occupied, so that no output file takes the console's place.
 void prepare();
 
+// One line on the error stream, "corvo: " and the words, for what the console has no words for. A
+// stream that does not take it changes nothing.
+void note(std::string_view words);
+
 // Writes out what was collected. False when the standard output did not take it.
 bool flush();
 
