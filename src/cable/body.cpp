@@ -2,6 +2,9 @@
 
 #include "store/rundata.h"
 
+#include <algorithm>
+#include <fmt/format.h>
+
 namespace lcp {
 
 Body cableBody(int c) {
@@ -15,6 +18,18 @@ Body cableBody(int c) {
 Body pipeBody() {
   const PipeRecord& P = RUNDATA.cable.pipe;
   return {P.PIPEX, P.PIPEY, P.radius(), P.PIPEOVHD};
+}
+
+int towerConductor(int c) {
+  const CableTable& T = RUNDATA.cable;
+  return std::max(0, c - (T.NCABLE - T.overhead));
+}
+
+std::string cableName(int c) {
+  const int i = towerConductor(c);
+  if (i == 0) return fmt::format("Cable {}", c);
+  const ConductorTable& C = RUNDATA.cond;
+  return fmt::format("Conductor at X = {:.4g} m, Y = {:.4g} m", C.CX[i], C.CY[i]);
 }
 
 } // namespace lcp

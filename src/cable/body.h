@@ -2,6 +2,8 @@
 // circle.
 #pragma once
 
+#include <string>
+
 namespace lcp {
 
 struct Body {
@@ -16,5 +18,11 @@ Body cableBody(int c);
 
 // The body of the pipe.
 Body pipeBody();
+
+// The conductor of a tower that stands in the table as cable c, 0 when c was read as a cable.
+int towerConductor(int c);
+
+// Cable c as a message calls it: by its number, or by the position of the conductor on its tower.
+std::string cableName(int c);
 
 } // namespace lcp

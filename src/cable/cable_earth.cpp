@@ -34,7 +34,7 @@ bool inPipe(int c) { return RUNDATA.cable.CB[c].CBPIPE != 0; }
 
 Body bodyOf(int number) { return number == PIPE ? pipeBody() : cableBody(number); }
 
-std::string nameOf(int number) { return number == PIPE ? "Pipe" : fmt::format("Cable {}", number); }
+std::string nameOf(int number) { return number == PIPE ? "Pipe" : cableName(number); }
 
 // Conductors of a body, a cable in the pipe with the pipe's.
 struct BodyRows {
@@ -60,7 +60,7 @@ void checkBody(int number) {
   const Body b = bodyOf(number);
   if (b.y > 0.0 && b.r > 0.0) return;
   console::openStars();
-  console::print("{} at X = {:.4g} m:", nameOf(number), b.x);
+  console::print("{}:", nameOf(number));
   console::print("Distance from the Surface ({:.4g} m) and Radius ({:.4g} m) Must be > 0!", b.y,
                  b.r);
   stopInStars();

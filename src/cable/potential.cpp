@@ -42,6 +42,7 @@ void setBlock(CView PA, const Rows& a, const Rows& b, double value) {
   for (int i = a.first; i <= a.last; ++i) PA(i, b.pipe) = PA(b.pipe, i) = value;
 }
 
+// The pipe and the conductors in it.
 void setPipeSelf(const CableNumbering& N, CView PA) {
   const double value = selfTerm(pipeBody());
   PA(N.pipeRow, N.pipeRow) = value;
@@ -51,12 +52,12 @@ void setPipeSelf(const CableNumbering& N, CView PA) {
   }
 }
 
-// The pipe conductor against the cables outside.
+// An empty pipe against the cables. One with cables in it has these terms from them: the pipe and
+// all that it holds see a body outside alike.
 void setPipeMutual(const CableNumbering& N, CView PA) {
   const Rows pipe = {N.pipeRow, N.pipeRow, 0};
   for (int c = 1; c <= RUNDATA.cable.NCABLE; ++c) {
-    const Cable& C = RUNDATA.cable.CB[c];
-    if (C.CBPIPE != 0 || !C.CBOVHD) continue;
+    if (!RUNDATA.cable.CB[c].CBOVHD) continue;
     setBlock(PA, pipe, rowsOf(N, c), mutualTerm(pipeBody(), cableBody(c)));
   }
 }
@@ -80,7 +81,7 @@ void CBPOT(const CableNumbering& N, CView PA) {
   }
   if (T.NPIPE == 0 || !T.pipe.PIPEOVHD) return;
   setPipeSelf(N, PA);
-  setPipeMutual(N, PA);
+  if (N.ninner == 0) setPipeMutual(N, PA);
 }
 
 } // namespace lcp

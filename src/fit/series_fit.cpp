@@ -5,8 +5,9 @@
 //
 // real parts in rows 1 to NS, imaginary parts below them. Its columns are not scaled: those of
 // poles are of the size 1 / w, that of E of the size w, so the rank at RCOND has a say in the
-// result, and so has the order of the columns. The pivots of one pole count go into the next: a
-// column that was in it keeps its place there, and the one that is new stands behind them.
+// result, and so has the order of the columns. The pivots of one pole count go into the next,
+// and those of one length into the next length: a column that was in it keeps its place there, and
+// one that is new stands behind them.
 #include "fit/series_fit.h"
 
 #include "base/console.h"
@@ -34,7 +35,7 @@ constexpr int RULELENGTH = 53;
 
 ComplexCurve trace, phi;
 PoleClasses CINDEX;
-ColumnInts JPVT; // column pivots, 0 at the start of a fit only
+ColumnInts JPVT; // column pivots, 0 at the start of the run only
 
 [[noreturn]] void refuseFit(std::string_view why) {
   console::openStars();
@@ -177,7 +178,6 @@ double SERIESFIT(int NMAX, double TARGET) {
   SERIESMODEL.ZFR.map(RUNDATA.line.NC);
   SERIESMODEL.ZFIT.map(RUNDATA.line.NC);
   formTrace(NS);
-  JPVT = {};
   int N = 1;
   double err = 0.0;
   for (;; ++N) {

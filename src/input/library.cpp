@@ -56,6 +56,18 @@ struct Library {
     readError();
   }
 
+  [[noreturn]] void badRow(std::string_view why) {
+    TextField<LINELENGTH> text; // without the blanks behind it
+    text = row;
+    file.close();
+    console::rule('*', console::STARS);
+    console::print("Error in Conductor Library: {}", READER.LIBPATH.text());
+    console::print("Row: {}", text.text());
+    console::line(why);
+    console::rule('*', console::STARS);
+    readError();
+  }
+
   void open(std::string_view name) {
     LIBNAME = name;
     if (!file.open(READER.LIBPATH.whole())) cannotOpen();
@@ -122,6 +134,20 @@ double outerStrands(double r, double R) {
   return std::floor(PI / (2.0 * std::asin(r / (2.0 * (R - r)))));
 }
 
+// A ring of strands needs one at least. Thicker ones than 2/3 of the conductor leave none to count.
+void checkStrands(Library& library, int i) {
+  const ConductorTable& C = RUNDATA.cond;
+  if (C.CNTOT[i] < 1) {
+    library.badRow(fmt::format("Strands in all ({}) Must be > 0!", C.CNTOT[i]));
+  }
+  if (std::isfinite(C.CNOUT[i]) && C.CNOUT[i] >= 1) return;
+  const double strand = C.CSTRAD[i] / MM, outer = C.CRAD[i] / MM;
+  if (C.CNTOT[i] == 1) library.badRow("A Solid Wire (One Strand) needs the Old Format!");
+  library.badRow(fmt::format("Strand Radius ({:.4g} mm) Must be > 0 and at Most 2/3 of the\n"
+                             "Outer Radius ({:.4g} mm)!",
+                             strand, outer));
+}
+
 void takeNewRow(Library& library, int i) {
   ConductorTable& C = RUNDATA.cond;
   C.CSTRND[i] = true;
@@ -132,8 +158,7 @@ void takeNewRow(Library& library, int i) {
   C.CMUR[i] = library.real(6);
   C.CSHUNT[i] = 0;
   C.CNOUT[i] = outerStrands(C.CSTRAD[i], C.CRAD[i]);
-  // Strands as thick as the conductor leave no ring to count.
-  if (!std::isfinite(C.CNOUT[i])) readError();
+  checkStrands(library, i);
 }
 
 void searchNewFormat(Library& library) {

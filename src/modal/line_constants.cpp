@@ -6,6 +6,7 @@
 #include "cable/four_wire.h"
 #include "cable/numbering.h"
 #include "modal/yz_interp.h"
+#include "overhead/bundle_reduction.h"
 #include "overhead/overhead_zy.h"
 #include "store/rundata.h"
 #include "store/solvedata.h"
@@ -27,10 +28,24 @@ bool finite(const LineMatrix& A, int n) {
   return sum < BEYOND;
 }
 
+// With HALO Options the conductor table was not ordered: what leads it need not be what NC counts.
+void checkOrder() {
+  const RunData& R = RUNDATA;
+  if (!R.model.MODHALO || R.run.DATAFMT != ROUTECONSTANTS) return;
+  const int leading = leadingKept(R.cond.NCOND);
+  if (R.run.ISCABLE != OVERHEADLINE || leading >= R.line.NC) return;
+  console::openStars();
+  console::line("HALO Options keep the Conductors in the Order of their");
+  console::print("Sections. The first {} Must be Phase Conductors or Kept", R.line.NC);
+  console::print("Ground Wires, as the Number of Conductors says, not {}!", leading);
+  stopInStars();
+}
+
 void checkFinite(double f) {
   const FirstLoopStore& S = SOLVEDATA.first;
   const int n = RUNDATA.line.NC;
   if (finite(S.YMAT, n) && finite(S.ZMAT, n) && finite(S.PMAT, n)) return;
+  checkOrder();
   console::openStars();
   console::print("The Line Constants at {:.4g} Hz are not Finite Numbers", f);
   console::line("Verify Transmission line data");

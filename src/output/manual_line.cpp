@@ -1,6 +1,7 @@
 #include "output/manual_line.h"
 
 #include "base/console.h"
+#include "base/constants.h"
 #include "base/stop.h"
 #include "kernels/matrix_kernels.h"
 #include "modal/long_line.h"
@@ -12,6 +13,7 @@
 #include "output/report_sections.h"
 #include "store/rundata.h"
 
+#include <algorithm>
 #include <vector>
 
 namespace lcp {
@@ -72,6 +74,12 @@ void writeMode(TextFile& file, int k, const ManualMode& m, const RealMatrix& TR)
   writeModeRecord(file, k, values, MANUALVALUES);
 }
 
+// An entered pair gives a mode its resistance by magnitude.
+double signedResistance(int k, const ManualMode& m) {
+  const bool pair = RUNDATA.manual.MANFMT == MANPAIR;
+  return pair ? std::min(MANUAL.ZMOD(k, k).real(), m.R) : m.R;
+}
+
 void writeModel() {
   static RealMatrix TR;
   const int n = RUNDATA.line.NC;
@@ -83,8 +91,10 @@ void writeModel() {
   RCOLNORM(TR, TR, n);
   for (int k = 1; k <= n; ++k) {
     const ManualMode m = manualMode(k);
+    const double f = RUNDATA.line.SSFREQ;
+    noteNegativeResistance(k, f, signedResistance(k, m), TWOPI * f * m.L, m.R);
     writeMode(file, k, m, TR);
-    storeManualMode(k, m, RUNDATA.line.SSFREQ);
+    storeManualMode(k, m, f);
   }
   file.close();
 }

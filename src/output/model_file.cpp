@@ -1,16 +1,21 @@
 #include "output/model_file.h"
 
+#include "base/console.h"
+#include "base/constants.h"
 #include "kernels/matrix_kernels.h"
 #include "modal/pi_model.h"
 #include "store/rundata.h"
 
 #include <cmath>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace lcp {
 
 namespace {
+
+constexpr double MILLI = 0.001; // ms to s
 
 // Start of a branch record: side and node at both ends, in columns 2 to 17.
 Record branchStart(std::string_view fromSide, int i, std::string_view toSide, int j) {
@@ -56,6 +61,17 @@ void writeBergeronFirstLine(TextFile& file) {
     record.general(value, 16, 7);
   }
   file.line(record.text(" /"));
+}
+
+// The file has resistances by magnitude.
+void noteLosses(int k) {
+  const SecondLoopStore& T = SOLVEDATA.second;
+  const double f = RUNDATA.line.SSFREQ, floss = RUNDATA.bergeron.FLOSS;
+  const double L = MILLI * T.TAUMS[k] * T.ZSURGER[k] / RUNDATA.run.LINELEN; // H/m
+  for (const auto& [at, R] : {std::pair(f, T.RLOSS2[k]), std::pair(floss, T.RLOSS1[k])}) {
+    noteNegativeResistance(k, at, R, TWOPI * at * L, std::fabs(R));
+    if (f == floss) return;
+  }
 }
 
 } // namespace
@@ -105,6 +121,15 @@ void writePiModel(TextFile& file) {
   for (int i = 1; i <= n; ++i) writeSeriesRow(file, PIW, i);
 }
 
+void noteNegativeResistance(int k, double f, double R, double X, double written) {
+  constexpr double ROUNDING = 1e-12;
+  if (!(R < -ROUNDING * std::fabs(X))) return;
+  console::note(
+      fmt::format("mode {} has a negative resistance of {:.4g} at {:.4g} Hz; the model file "
+                  "has {:.4g}",
+                  k, R, f, written));
+}
+
 void writeBergeronModel(TextFile& file) {
   static RealMatrix TIR;
   const SecondLoopStore& T = SOLVEDATA.second;
@@ -115,6 +140,7 @@ void writeBergeronModel(TextFile& file) {
   writeBergeronFirstLine(file);
   writeFlagLines(file);
   for (int k = 1; k <= n; ++k) {
+    noteLosses(k);
     std::vector<double> values = {std::fabs(T.TAUMS[k]), std::fabs(T.ZSURGER[k]),
                                   std::fabs(T.RLOSS2[k]), std::fabs(T.RLOSS1[k])};
     for (int j = 1; j <= n; ++j) values.push_back(TIR(k, j));

@@ -18,6 +18,11 @@ void writeFlagLines(TextFile& file);
 // remain go on in the next one.
 void writeModeRecord(TextFile& file, int k, std::span<const double> values, int perLine);
 
+// A line on the error stream for mode k of a Bergeron model whose resistance, at the frequency f
+// (Hz), is below 0 by more than the rounding of its reactance X. Both in ohm/m, or in ohm for
+// totals of the line. written: what the model file has in its place.
+void noteNegativeResistance(int k, double f, double R, double X, double written);
+
 // PI model: shunt branches in microfarad and ohm, then the lower triangle of the series data in
 // ohm and henry.
 void writePiModel(TextFile& file);

@@ -16,14 +16,6 @@ namespace lcp {
 
 namespace {
 
-int leadingKept(int n) {
-  const CondInts& role = RUNDATA.cond.CMAP;
-  for (int i = 1; i <= n; ++i) {
-    if (role[i] != MAPMAIN && role[i] != MAPKEPT) return i - 1;
-  }
-  return n;
-}
-
 // Column q of a step, as it stands and times j, both as plain reals: the product with a complex
 // factor is then two sums over reals, without the exchange of parts that keeps it from vectors.
 struct EliminationColumn {
@@ -52,6 +44,17 @@ void eliminate(CView M, int q) {
   for (int i = 1; i < q; ++i) subtract(M.column(i), e, M(q, i) * v, i, q - 1);
 }
 
+// The same step over both triangles. Column q above the diagonal keeps its multiples 1 / M(q, q).
+void eliminateWhole(CView M, int q) {
+  const Complex v = 1.0 / M(q, q);
+  for (int i = 1; i < q; ++i) {
+    const Complex t = M(i, q) * v;
+    M(i, q) = t;
+    M(i, i) -= t * M(q, i);
+    for (int j = i + 1; j < q; ++j) M(j, i) = M(i, j) -= t * M(q, j);
+  }
+}
+
 void mirror(CView M, int n) {
   for (int j = 1; j <= n; ++j) {
     for (int i = j + 1; i <= n; ++i) M(j, i) = M(i, j);
@@ -70,12 +73,25 @@ void CBKRON(CView M, int kept, int n) {
   if (kept < n) mirror(M, kept);
 }
 
+int leadingKept(int n) {
+  const CondInts& role = RUNDATA.cond.CMAP;
+  for (int i = 1; i <= n; ++i) {
+    if (role[i] != MAPMAIN && role[i] != MAPKEPT) return i - 1;
+  }
+  return n;
+}
+
 void BUNDRED(CView M, int n) {
   const CondInts& role = RUNDATA.cond.CMAP;
   for (int k = 1; k <= n; ++k) {
     if (role[k] > 0) foldMember(M, n, k, role[k]);
   }
-  CBKRON(M, leadingKept(n), n);
+  const int kept = leadingKept(n);
+  if (kept >= RUNDATA.line.NC) {
+    CBKRON(M, kept, n);
+    return;
+  }
+  for (int q = n; q > kept; --q) eliminateWhole(M, q);
 }
 
 // Sweep on pivot k: with d = 1 / M(k, k), M(i, j) - M(i, k) d M(k, j) elsewhere, M(i, k) d in row

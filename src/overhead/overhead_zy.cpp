@@ -12,6 +12,7 @@
 #include "base/console.h"
 #include "base/constants.h"
 #include "base/solve_error.h"
+#include "kernels/matrix_kernels.h"
 #include "overhead/bundle_reduction.h"
 #include "overhead/earth_return.h"
 #include "overhead/internal_impedance.h"
@@ -108,6 +109,16 @@ void productRow(int i, int nc) {
   }
 }
 
+// PINV ZWORK; with eliminated conductors among the first nc ZWORK is not symmetric.
+void formProduct(int n, int nc) {
+  OverheadStore& S = OVERHEAD;
+  if (leadingKept(n) < nc) {
+    CMATMUL(S.PZWORK, S.PINV, S.ZWORK, nc);
+    return;
+  }
+  for (int i = 1; i <= nc; ++i) productRow(i, nc);
+}
+
 // j x value; the sum with 0 keeps a zero part from a minus sign.
 Complex timesJ(double x, Complex value) { return {0.0 - x * value.imag(), x * value.real()}; }
 
@@ -130,7 +141,7 @@ void OHZY(double f, double& length, CView YMAT, CView ZMAT, CView PMAT) {
   TRANSAV(S.groups, S.ZWORK, nc);
   if (first) prepareAdmittance(n, nc);
   setConductance(w, nc);
-  for (int i = 1; i <= nc; ++i) productRow(i, nc);
+  formProduct(n, nc);
   for (int j = 1; j <= nc; ++j) {
     for (int i = 1; i <= nc; ++i) {
       YMAT(i, j) = timesJ(w * C0, S.PINV(i, j));

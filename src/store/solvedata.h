@@ -2,8 +2,9 @@
 //
 // Fixed in size, alive for the whole run, reused by each length step, which overwrites what it
 // needs. What a later step finds on purpose: TISUM (only added to), the digits of the decimal
-// search, LSTEP, and CONSTT of the fit options. Letters: k frequency step, i and j conductor or
-// mode.
+// search, LSTEP, and CONSTT of the fit options. Outside this store the column pivots of the MFDTD
+// fit (JPVT) and the tried delays of the phase model stay too. Letters: k frequency step, i and j
+// conductor or mode.
 #pragma once
 
 #include "base/big_store.h"

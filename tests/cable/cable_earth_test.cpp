@@ -130,8 +130,8 @@ TEST(CableEarth, BodiesFillTheBlocksOfTheirConductors) {
 
 TEST(CableEarth, RefusesWhatHasNoValue) {
   const std::pair<void (*)(), const char*> cases[] = {
-      {[] { RUNDATA.cable.CB[1].CBY = 0; }, "Cable 1 at X = 0.5 m:\nDistance"},
-      {[] { RUNDATA.cable.pipe.PIPERC = 0; }, "Pipe at X = 2 m:\n"},
+      {[] { RUNDATA.cable.CB[1].CBY = 0; }, "Cable 1:\nDistance"},
+      {[] { RUNDATA.cable.pipe.PIPERC = 0; }, "Pipe:\nDistance"},
       {[] { RUNDATA.ground.EARTHFM = 3; }, "Ground Formula = 3\n"},
       {[] { RUNDATA.cable.CB[4].CBX = 3e6; }, "Integration of Cable 5 and Cable 4:\n"}};
   for (const auto& c : cases) {

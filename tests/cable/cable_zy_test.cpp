@@ -160,6 +160,40 @@ TEST(CableZY, OverheadConductorsAsCablesAreTheOverheadLine) {
   }
 }
 
+// Inverse of the capacitances: a pipe in the air is a wire of its radius, the cable in it shares
+// its potential, and what it holds is screened from a wire outside.
+TEST(CableZY, PipeInTheAir) {
+  const struct {
+    int inside;    // cables in the pipe
+    bool marked;   // ... as aerial
+    double mutual; // potential coefficient of pipe and wire
+  } cases[] = {{0, false, 1}, {1, true, 1}, {1, false, 0}};
+  for (const auto& c : cases) {
+    layCables(1 + c.inside);
+    Cable &wire = cable(1), &inner = cable(2);
+    RUNDATA.cable.NPIPE = 1;
+    RUNDATA.cable.ANYOVHD = wire.CBOVHD = true;
+    RUNDATA.cable.pipe = {1, 4, 7, c.inside, 0, 0, 0.2, 0.21, 0, 2e-7, 1, 2.5, 1};
+    RUNDATA.cable.pipe.PIPEOVHD = true;
+    wire.CBNLAY = 1;
+    wire.CBY = 10;
+    wire.CBGAER = inner.CBGAER = 0;
+    if (c.inside > 0) {
+      inner.CBPIPE = 1;
+      inner.CBOVHD = c.marked;
+    }
+    const LineResult r = solveCables(50.0);
+    const std::size_t pipe = r.Y.size() - 1;
+    const Dense P = inverse(times(1.0L / Wide(0, TWOPI * 50 * C0), r.Y));
+    const double D2 = std::pow(wire.CBX - 4, 2) + 17.0 * 17, d2 = D2 - 4.0 * 10 * 7;
+    const double mutual = c.mutual * 0.5 * std::log(D2 / d2);
+    for (std::size_t i = 1; i <= pipe; ++i) EXPECT_LT(std::abs(P[0][i] - Wide(mutual)), 1e-9L) << i;
+    EXPECT_LT(std::abs(P[pipe][pipe] - Wide(std::log(14 / 0.21))), 1e-9L);
+    EXPECT_TRUE(c.inside == 0 || std::abs(r.Y[0][1]) < 1e-12L * std::abs(r.Y[0][0]));
+    EXPECT_TRUE(isOfCapacitances(times(1.0L / Wide(0, TWOPI * 50), r.Y)));
+  }
+}
+
 TEST(CableZY, ConductanceOfAerialCables) {
   constexpr double g = 3e-10;
   for (const double air : {5e-11, 0.0}) {
@@ -209,24 +243,37 @@ TEST(CableZY, FortyNineConductorsAreTheMost) {
 }
 
 TEST(CableZY, MaterialsThatTheFormulasNeed) {
-  const char* ofCable = "Cable 1: Resistivities, Relative Permeabilities and\n";
-  const char* ofPipe = "Pipe 1: Radii Must Grow Outwards, and the Resistivity,\n";
   PipeRecord& P = RUNDATA.cable.pipe;
   const struct {
     const char* message;
     double& value;
     double bad;
   } cases[] = {
-      {ofCable, cable(1).CBRHO[1], 0},  {ofCable, cable(1).CBEPS[0], -2},
-      {ofCable, cable(1).CBMU[3], 0},   {ofPipe, P.PIPERC, 0.2},
-      {ofPipe, P.PIPEMU, std::nan("")}, {ofPipe, P.PIPEEPSO, 0},
+      {"\nCable 1:\nSheath Resistivity Must be > 0, not 0!\n", cable(1).CBRHO[1], 0},
+      {"Insulator 1 Relative Permittivity Must be > 0, not -2.333!", cable(1).CBEPS[0], -7.0 / 3},
+      {"Insulator 2 Relative Permeability Must be", cable(1).CBMU[3], 0},
+      {"\nPipe 1: the Outer Radii of Inner Insulator, Conductor and\n", P.PIPERC, 0.2},
+      {"\nPipe 1:\nConductor Permeability Must be > 0, not nan!\n", P.PIPEMU, std::nan("")},
+      {"Outer Ins. Relative Permittivity Must be > 0", P.PIPEEPSO, 0},
+      {"\nConductor at X = -3 m, Y = 12 m:\nDCResistance Must be > 0, not 0!\n",
+       RUNDATA.cond.CRDC[1], 0},
+      {"Y = 12 m:\nRelative Permeability Must be", RUNDATA.cond.CMUR[1], 0},
+      {"Y = 12 m:\nCross-Section of the Metal Must be", RUNDATA.cond.CTHICK[1], 0.03},
   };
   for (const auto& c : cases) {
+    const auto solve = [] {
+      convertOverheadConductors();
+      return solveCables(50.0).n;
+    };
     layCables(1);
     addPipe();
-    EXPECT_EQ(solveCables(50.0).n, 3);
+    setConductor(1, -3, 12, 0.01, 1e-4);
+    RUNDATA.cond.NCOND = 1;
+    const RunData sound = RUNDATA;
+    EXPECT_EQ(solve(), 4);
+    RUNDATA = sound;
     c.value = c.bad;
-    const ChildResult r = runChild([] { solveCables(50.0); });
+    const ChildResult r = runChild(solve);
     EXPECT_EQ(r.status, 1);
     EXPECT_NE(r.console.find(c.message), std::string::npos) << r.console;
   }

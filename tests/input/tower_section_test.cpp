@@ -164,6 +164,11 @@ TEST(Library, Failures) {
   std::string many = "#Format 1\n";
   for (int i = 0; i < 5000; ++i) many += "x 1 1 1 1 1\n";
   const std::string tooLong = scratchFile("long.lib", many + "one 10 0.1 19 2 1\n");
+  const std::string odd = scratchFile(
+      "odd.lib", "#Format 1\nsolid 5 0.1 1 5 1\nthick 5 0.1 19 12 1\nnone 5 0.1 0 1 1\n");
+  const auto refused = [&](const std::string& row, const std::string& why) {
+    return lines({STARS, "Error in Conductor Library: " + odd, "Row: " + row, why, STARS});
+  };
   const auto opened = [&](const std::string& what) {
     return lines({STARS, "Error Opening " + what, STARS});
   };
@@ -180,6 +185,13 @@ TEST(Library, Failures) {
       {circuit + good + "\nName: One", notFound(library + good, "Conductor One")},
       {circuit + good + "\nName: one x", notFound(library + good, "Conductor one x")},
       {circuit + good + "\nName: bad"},
+      {circuit + odd + "\nName: solid",
+       refused("solid 5 0.1 1 5 1", "A Solid Wire (One Strand) needs the Old Format!")},
+      {circuit + odd + "\nName: thick",
+       refused("thick 5 0.1 19 12 1",
+               "Strand Radius (12 mm) Must be > 0 and at Most 2/3 of the\nOuter Radius (5 mm)!")},
+      {circuit + odd + "\nName: none",
+       refused("none 5 0.1 0 1 1", "Strands in all (0) Must be > 0!")},
       {circuit + tooLong + "\nName: one", notFound(library + tooLong, "Conductor one")},
       {wire + "nowhere\nName: one", opened("Grnd Library File: nowhere")},
       {wire + good + "\nName: two", notFound(wires, "Ground Wire two")},

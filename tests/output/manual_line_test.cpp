@@ -82,3 +82,16 @@ TEST(ManualLine, NeedsItsModelFileButNotItsReport) {
   EXPECT_EQ(ends.status, 1);
   EXPECT_EQ(ends.console, cannot + "corvo Output file ! ******\n");
 }
+
+TEST(ManualLine, TellsOfANegativeResistanceOfAPair) {
+  const Scratch scratch;
+  scratch.file("p.txt", "Y:\n0 1e-4\nZ:\n-3 30\n");
+  const std::string keys =
+      "Data Entry Format:  Y and Z\nYZ Data Format: 1\nY,Z Input File Name: p.txt\n";
+  scratch.file("a.cvi", description(manualLineOf(1, keys, bergeronModel())));
+  const ProgramRun run = runProgram({"/file", "a.cvi", "/length", "100"}, scratch.path());
+  const std::string note = "corvo: mode 1 has a negative resistance of -3 at 60 Hz; the model file "
+                           "has 3\n";
+  EXPECT_EQ(run.errors, note);
+  EXPECT_EQ(run.status, 0);
+}

@@ -91,6 +91,18 @@ TEST(ModelFile, BergeronModesAreThoseOfTheLine) {
     for (std::size_t i = 8; i < 14; ++i) squares += std::pow(number(file[i], 90 + 25 * k, 24), 2);
     EXPECT_NEAR(squares, 1.0, 1e-12);
   }
+  const ChildResult noted = runChild([] { // by magnitude in the file, one of rounding in silence
+    dup2(STDOUT_FILENO, STDERR_FILENO);
+    SOLVEDATA.second.RLOSS1.fill(1e-4);
+    SOLVEDATA.second.RLOSS2.fill(1e-4);
+    SOLVEDATA.second.RLOSS1[2] = -2.0 / 3;
+    SOLVEDATA.second.RLOSS2[1] = -1e-18;
+    TextFile text;
+    writeBergeronModel(text);
+  });
+  EXPECT_EQ(noted.console,
+            "corvo: mode 2 has a negative resistance of -0.6667 at 3000 Hz; the model "
+            "file has 0.6667\n");
 }
 
 TEST(ModelFile, LongRowsGoOnInANewLine) {

@@ -167,6 +167,10 @@ TEST(Program, SurvivesBadFiles) {
       {"sag40.cvi", circuit("Sag: 40\n"), "Average Height (-6.667 m) and Radius"},
       {"r1e308.cvi", circuit("DCResistance: 1e308\n"),
        "not Finite Numbers\nVerify Transmission line data\n"},
+      {"halo.cvi",
+       description(summary(7) + threePhaseTower() + bergeronModel() + "HALO Options\n{\n}\n"),
+       "Sections. The first 7 Must be Phase Conductors or Kept\n"
+       "Ground Wires, as the Number of Conductors says, not 3!\n"},
       {"earth1.cvi", description(singleCircuit(earth("EarthImpedanceFormula: 1\n"))),
        " *ERROR*: Illegal earth return formula selected:\n           Ground Formula = 1\n\n"
        "          Please choose a proper ground return\n"},
