@@ -11,7 +11,7 @@
 
 #include "base/console.h"
 #include "base/record.h"
-#include "base/solve_error.h"
+#include "fit/fit_console.h"
 #include "fit/lapack.h"
 #include "fit/partial_fractions.h"
 #include "fit/vector_fit.h"
@@ -35,12 +35,6 @@ constexpr int RULELENGTH = 53;
 ComplexCurve trace, phi;
 PoleClasses CINDEX;
 ColumnInts JPVT; // column pivots, 0 at the start of a fit only
-
-[[noreturn]] void refuseFit(std::string_view why) {
-  console::openStars();
-  console::line(why);
-  stopInStars();
-}
 
 // Poles start at the logarithms of the frequencies.
 void checkFrequencies(int NS) {
