@@ -33,7 +33,7 @@ void checkModel() {
 // --- model file
 
 void openModel(TextFile& file) {
-  if (file.open(RUNDATA.run.FOUTM.whole())) return;
+  if (file.open(RUNDATA.run.FOUTM.whole(), EarlyEnd::REMOVE)) return;
   console::line();
   console::line(" ****** corvo.exe: ERROR *****");
   console::line("Cannot Open corvo Output file ! ******");
@@ -72,7 +72,7 @@ void writeMode(TextFile& file, int k, const ManualMode& m, const RealMatrix& TR)
   writeModeRecord(file, k, values, MANUALVALUES);
 }
 
-void writeModel() {
+void writeModel(const ManualMode* modes) {
   static RealMatrix TR;
   const int n = RUNDATA.line.NC;
   TextFile file;
@@ -81,11 +81,7 @@ void writeModel() {
   writeFirstLine(file);
   REALPT(TR, MANUAL.TI, n);
   RCOLNORM(TR, TR, n);
-  for (int k = 1; k <= n; ++k) {
-    const ManualMode m = manualMode(k);
-    writeMode(file, k, m, TR);
-    storeManualMode(k, m, RUNDATA.line.SSFREQ);
-  }
+  for (int k = 1; k <= n; ++k) writeMode(file, k, modes[k - 1], TR);
   file.close();
 }
 
@@ -104,7 +100,7 @@ void writeManualReport(CView Y, CView Z) {
   const int n = RUNDATA.line.NC;
   bool LLOK = true;
   TextFile file;
-  openOutput(file, RUNDATA.run.FOUTR);
+  openOutput(file, RUNDATA.run.FOUTR, EarlyEnd::KEEP);
   LONGCOR(Y, Z, RUNDATA.run.LINELEN, YLC, ZLC, n, LLOK);
   for (const CView m : {Z, Y, ZLC.view(), YLC.view()}) ZEROSM(m, n, RUNDATA.display.ZEROTOL);
   writeReportHead(file, SHORTRULE);
@@ -116,24 +112,27 @@ void writeManualReport(CView Y, CView Z) {
   file.close();
 }
 
-void formModes(double f) {
-  for (int k = 1; k <= RUNDATA.line.NC; ++k) storeManualMode(k, manualMode(k), f);
+void formModes(double f, ManualMode* modes) {
+  for (int k = 1; k <= RUNDATA.line.NC; ++k) {
+    modes[k - 1] = manualMode(k);
+    storeManualMode(k, modes[k - 1], f);
+  }
 }
 
 } // namespace
 
 void MANLINE(CView Y, CView Z, double f, int mode) {
   const bool writes = mode == MANUALFILES;
+  ManualMode modes[LDMAT];
   if (writes) checkModel();
+  checkBases();
   checkManualData();
   formManualTransformation();
-  if (writes) {
-    writeModel();
-  } else {
-    formModes(f);
-  }
+  formModes(writes ? RUNDATA.line.SSFREQ : f, modes);
   formManualPhases(Y, Z);
-  if (writes) writeManualReport(Y, Z);
+  if (!writes) return;
+  writeModel(modes); // nothing is refused from here on but what only the report can tell
+  writeManualReport(Y, Z);
 }
 
 } // namespace lcp
