@@ -73,33 +73,28 @@ TEST(TextFile, WritesWhenClosedAndReplacesWhatStood) {
 // Whole, or what its early end says: after a failed write, a failed close, and where the run stops.
 TEST(TextFile, EarlyEnds) {
   const Scratch scratch;
-  const std::string name = scratch.file("a.out"), failed = "Error in Writing Output File: ";
+  const std::string name = scratch.file("a.out"),
+                    write = refused("Error in Writing Output File: " + name);
+  const std::string number = refused("Values that are no Finite Numbers in Output File: " + name);
   const struct {
     Write w;
-    int status;
     std::string console;
-    int left; // characters; -1 for no file
+    int status, left; // characters; -1 for no file
   } cases[] = {
-      {{EarlyEnd::REMOVE, 100, true, false, 1100}, 0, "", 1100},
-      {{EarlyEnd::REMOVE, 100, true, false, 1000}, 1, refused(failed + name), -1},
-      {{EarlyEnd::EMPTY, 100, true, false, 1000}, 1, refused(failed + name), 0},
-      {{EarlyEnd::KEEP, 100, true, false, 1000}, 1, refused(failed + name), 1000},
-      {{EarlyEnd::REMOVE, 0, true, true}, 1, refused(failed + name), -1}, // only the close can fail
-      {{EarlyEnd::KEEP, 1, true, true}, 1, refused(failed + name), 0},
-      {{EarlyEnd::REMOVE, 9, false}, 12, "", -1},
-      {{EarlyEnd::EMPTY, 9, false}, 12, "", 0},
-      {{EarlyEnd::KEEP, 9, false}, 12, "", 99},
-      {{EarlyEnd::KEEP, 100, false, false, 1000}, 1, refused(failed + name), 1000},
-      {{EarlyEnd::KEEP, 0, false, true}, 1, refused(failed + name), 0},
-      {{EarlyEnd::REMOVE, 9, false, true}, 12, "", -1},
-      {{EarlyEnd::KEEP, 1, true, false, RLIM_INFINITY, NAN},
-       1,
-       refused("Values that are no Finite Numbers in Output File: " + name),
-       11},
-      {{EarlyEnd::REMOVE, 1, true, false, RLIM_INFINITY, INFINITY},
-       1,
-       refused("Values that are no Finite Numbers in Output File: " + name),
-       -1},
+      {{EarlyEnd::REMOVE, 100, true, false, 1100}, "", 0, 1100},
+      {{EarlyEnd::REMOVE, 100, true, false, 1000}, write, 1, -1},
+      {{EarlyEnd::EMPTY, 100, true, false, 1000}, write, 1, 0},
+      {{EarlyEnd::KEEP, 100, true, false, 1000}, write, 1, 1000},
+      {{EarlyEnd::REMOVE, 0, true, true}, write, 1, -1}, // only the close can fail
+      {{EarlyEnd::KEEP, 1, true, true}, write, 1, 0},
+      {{EarlyEnd::REMOVE, 9, false}, "", 12, -1},
+      {{EarlyEnd::EMPTY, 9, false}, "", 12, 0},
+      {{EarlyEnd::KEEP, 9, false}, "", 12, 99},
+      {{EarlyEnd::KEEP, 100, false, false, 1000}, write, 1, 1000},
+      {{EarlyEnd::KEEP, 0, false, true}, write, 1, 0},
+      {{EarlyEnd::REMOVE, 9, false, true}, "", 12, -1},
+      {{EarlyEnd::KEEP, 1, true, false, RLIM_INFINITY, NAN}, number, 1, 11},
+      {{EarlyEnd::REMOVE, 1, true, false, RLIM_INFINITY, INFINITY}, number, 1, -1},
   };
   for (const auto& c : cases) {
     scratch.file("a.out", "what stood");
