@@ -3,6 +3,7 @@
 
 #include "base/number_forms.h"
 
+#include <cmath>
 #include <string>
 #include <string_view>
 
@@ -16,9 +17,14 @@ public:
   Record& text(std::string_view words) { return characters.append(words), *this; }
   Record& blanks(int n) { return characters.append(static_cast<std::size_t>(n), ' '), *this; }
   Record& integer(long long v, int w) { return text(integerField(v, w)); }
-  Record& fixed(double v, int w, int d) { return text(fixedField(v, w, d)); }
-  Record& scientific(double v, int w, int d) { return text(scientificField(v, w, d)); }
-  Record& general(double v, int w, int d) { return text(generalField(v, w, d)); }
+  Record& fixed(double v, int w, int d) { return number(v, fixedField(v, w, d)); }
+  Record& scientific(double v, int w, int d) { return number(v, scientificField(v, w, d)); }
+  Record& general(double v, int w, int d) { return number(v, generalField(v, w, d)); }
+  // A value in a form of the caller's.
+  Record& number(double v, std::string_view field) {
+    numbers = numbers && std::isfinite(v);
+    return text(field);
+  }
   // Blanks up to the 1-based column, so that the next field starts there.
   Record& column(int c) {
     if (static_cast<int>(characters.size()) < c - 1)
@@ -26,9 +32,11 @@ public:
     return *this;
   }
   std::string_view view() const { return characters; }
+  bool finite() const { return numbers; } // all its values are finite numbers
 
 private:
   std::string characters;
+  bool numbers = true;
 };
 
 } // namespace lcp

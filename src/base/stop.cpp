@@ -1,6 +1,7 @@
 #include "base/stop.h"
 
 #include "base/console.h"
+#include "base/open_files.h"
 
 #include <cstdlib>
 #include <unistd.h>
@@ -8,9 +9,10 @@
 namespace lcp {
 
 void stop(int status) {
+  const bool filesWritten = endOpenFiles();
   // Network file systems report a full device at the close only.
-  const bool written = console::flush() && close(STDOUT_FILENO) == 0;
-  std::_Exit(written ? status : 1);
+  const bool consoleWritten = console::flush() && close(STDOUT_FILENO) == 0;
+  std::_Exit(filesWritten && consoleWritten ? status : 1);
 }
 
 } // namespace lcp

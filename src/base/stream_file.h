@@ -1,19 +1,20 @@
 // A text file that a run can do without: written as it grows, its trouble left to the caller.
 #pragma once
 
+#include "base/open_files.h"
+
 #include <array>
 #include <cstring>
-#include <string>
 #include <string_view>
 
 namespace lcp {
 
 class StreamFile {
 public:
-  // Creates or empties the file, or opens one that stands to go on behind its end. False when it
-  // cannot be opened for writing.
-  bool create(std::string_view fileName);
-  bool append(std::string_view fileName);
+  // Creates or empties the file. False when it cannot be opened for writing, and when another run
+  // has it open. A run that ends before the file is closed leaves it empty.
+  bool create(std::string_view name);
+  bool isOpen() const { return file.descriptor >= 0; }
 
   // Room for n characters behind what was written, n up to BLOCK; the caller fills all of it.
   char* room(std::size_t n) {
@@ -36,16 +37,14 @@ public:
   StreamFile& operator=(const StreamFile&) = delete;
   ~StreamFile();
 
-  static constexpr std::size_t BLOCK = 1 << 16; // characters collected before they are written
+  static constexpr std::size_t BLOCK = 1 << 14; // characters collected before they are written
 
 private:
-  std::string name;
+  OpenFile file;
   std::array<char, BLOCK> block;
   std::size_t used = 0;
-  int descriptor = -1;
   bool good = false;
 
-  bool open(std::string_view fileName, int flags);
   void spill();
 };
 

@@ -3,51 +3,39 @@
 #include "base/console.h"
 #include "base/stop.h"
 
-#include <cerrno>
-#include <cstring>
-#include <fcntl.h>
 #include <unistd.h>
 
 namespace lcp {
 
-bool writeAll(int descriptor, std::string_view text) {
-  while (!text.empty()) {
-    const ssize_t n = write(descriptor, text.data(), text.size());
-    if (n > 0) {
-      text.remove_prefix(static_cast<std::size_t>(n));
-    } else if (n == 0 || errno != EINTR) {
-      return false;
-    }
-  }
-  return true;
-}
-
-bool TextFile::open(std::string_view fileName) {
-  const auto last = fileName.find_last_not_of(' ');
-  name = fileName.substr(0, last == std::string_view::npos ? 0 : last + 1);
-  if (name.empty()) return false;
-  collected.clear();
-  descriptor = ::open(name.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
-  return descriptor >= 0;
+bool TextFile::open(std::string_view name, EarlyEnd end) {
+  const auto last = name.find_last_not_of(' ');
+  file.name = name.substr(0, last == std::string_view::npos ? 0 : last + 1);
+  file.end = end;
+  return openListed(file);
 }
 
 void TextFile::close() {
+  const int descriptor = dropListed(file);
   if (descriptor < 0) return;
-  bool good = writeAll(descriptor, collected);
+  bool good = writeAll(descriptor, file.collected);
   // Network file systems report a full device at the close only.
   good = (::close(descriptor) == 0) && good;
-  descriptor = -1;
-  collected.clear();
+  file.collected.clear();
   if (good) return;
-  // Empty rather than half. Where even that is refused, the message below has to do.
-  [[maybe_unused]] const int emptied = ::truncate(name.c_str(), 0);
+  leave(file);
+  sayCannotWrite(file.name);
+  stop(1);
+}
+
+void TextFile::refuseNumber() const {
   console::openStars();
-  console::print("Error in Writing Output File: {}", name);
+  console::print("Values that are no Finite Numbers in Output File: {}", file.name);
   console::closeStars();
   stop(1);
 }
 
 TextFile::~TextFile() {
+  const int descriptor = dropListed(file);
   if (descriptor >= 0) ::close(descriptor);
 }
 

@@ -1,27 +1,29 @@
 // A text file that is written: opened at its point of the run, collected, written when complete.
 #pragma once
 
+#include "base/open_files.h"
 #include "base/record.h"
 
-#include <string>
 #include <string_view>
 
 namespace lcp {
 
-// Writes the whole text to an open file; false when the device does not take all of it.
-bool writeAll(int descriptor, std::string_view text);
-
 class TextFile {
 public:
   // Creates or empties the file. False when it cannot be opened for writing. The name may have
-  // blanks behind it; a blank name cannot be opened.
-  bool open(std::string_view name);
+  // blanks behind it; a blank name cannot be opened. A run that ends before the file is closed
+  // leaves of it what the early end says.
+  bool open(std::string_view name, EarlyEnd end);
 
-  void line(std::string_view words = {}) { collected.append(words).push_back('\n'); }
-  void line(const Record& record) { line(record.view()); }
+  // A record with a number that is none ends the run with a message, exit status 1.
+  void line(std::string_view words = {}) { file.collected.append(words).push_back('\n'); }
+  void line(const Record& record) {
+    if (!record.finite()) refuseNumber();
+    line(record.view());
+  }
 
   // Writes what was collected and closes the file. When the device does not take it to the last
-  // character the file is emptied, and the run ends with a message and exit status 1.
+  // character the run ends with a message and exit status 1, and the file as its early end says.
   void close();
 
   TextFile() = default;
@@ -30,9 +32,9 @@ public:
   ~TextFile();
 
 private:
-  std::string name;
-  std::string collected;
-  int descriptor = -1;
+  OpenFile file;
+
+  [[noreturn]] void refuseNumber() const;
 };
 
 } // namespace lcp

@@ -116,7 +116,8 @@ void fitResidues(int NS, int N, bool constrained) {
   takeSolution(N, constrained);
 }
 
-// Largest deviation over the largest magnitude, over all elements and frequencies.
+// Largest deviation over the largest magnitude, over all elements and frequencies; not a number
+// when a value of the model is none.
 double relativeError(int NS, int N) {
   const int n = RUNDATA.line.NC;
   const FreqCurve& WFREQ = SOLVEDATA.grid.WFREQ;
@@ -128,7 +129,9 @@ double relativeError(int NS, int N) {
                            NS, model);
       const auto& Y = SOLVEDATA.second.YCST.curve(r, c);
       for (int k = 1; k <= NS; ++k) {
-        err = std::max(err, std::abs(model[k] - Y[k]));
+        const double e = std::abs(model[k] - Y[k]);
+        if (!(e <= err)) err = e;
+        if (std::isnan(err)) return err;
         f = std::max(f, std::abs(Y[k]));
       }
     }
@@ -195,6 +198,9 @@ void YCFIT(const AdmittanceWish& wish) {
     fitResidues(NS, N, constrained);
     err = relativeError(NS, N);
     if (err <= wish.target || N >= limit) break;
+  }
+  if (!std::isfinite(err)) {
+    refuseFit("The Fit of the Characteristic Admittance gives no Finite Numbers!");
   }
   if (wish.dcType == DCEXTRAPOLE) addExtraPole(N);
   FITMODEL.NPY = N;

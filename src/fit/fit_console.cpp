@@ -2,6 +2,7 @@
 
 #include "base/console.h"
 #include "base/number_forms.h"
+#include "base/solve_error.h"
 
 #include <string>
 
@@ -17,6 +18,12 @@ void fitRule(char sign) { console::line(" " + std::string(RULELENGTH, sign)); }
 
 void printErrorRequested(double percent) {
   console::print(" Maximum Fitting Error Requested: {:24}{} %", "", fixedField(percent, 9, 4));
+}
+
+void refuseFit(std::string_view why) {
+  console::openStars();
+  console::line(why);
+  stopInStars();
 }
 
 } // namespace lcp

@@ -6,8 +6,10 @@
 #include "base/number_forms.h"
 #include "fit/bode_delay.h"
 #include "fit/delay_search.h"
+#include "fit/fit_console.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace lcp {
 
@@ -25,6 +27,7 @@ bool finished(const RationalFit& FIT, int NMAX, double TARGET) {
 }
 
 void finish(RationalFit& FIT) {
+  if (!std::isfinite(FIT.ERR)) refuseFit("The Fit of a Mode gives no Finite Numbers!");
   FIT.D = model.D;
   std::copy_n(model.R.data(), FIT.N, FIT.R.data());
   console::print(" {}{}", FIT.ERR, integerField(FIT.N, 12));

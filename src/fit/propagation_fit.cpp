@@ -1,11 +1,13 @@
 #include "fit/propagation_fit.h"
 
 #include "fit/delay_groups.h"
+#include "fit/fit_console.h"
 #include "fit/order_reduction.h"
 #include "fit/propagation_tables.h"
 #include "store/rundata.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace lcp {
 
@@ -14,6 +16,11 @@ namespace {
 constexpr double PERCENT = 0.01;
 constexpr double FIRSTTARGET = 0.25;
 constexpr double TARGETFACTOR = 0.5; // from one attempt to the next
+
+void checkFinite(const PhaseFit& fit) {
+  if (std::isfinite(fit.MAXERR)) return;
+  refuseFit("The Fit of the Propagation Function gives no Finite Numbers!");
+}
 
 // Targets fall until the wish is met or no group takes another pole. A group's poles change only
 // when its error is above the target, so an attempt can leave all as it was.
@@ -26,6 +33,7 @@ PhaseFit runAttempts(const PropagationWish& wish) {
     if (attempt == 1) FORMGROUPS();
     const bool changed = HMODEFIT(TARGET, limit);
     if (changed || attempt == 1) fit = HPHASEFIT(0, nullptr, false);
+    checkFinite(fit);
     printPhaseFit(fit);
     if (fit.MAXERR <= wish.ERRA * PERCENT || !groupsCanGrow(limit)) return fit;
   }
@@ -44,6 +52,7 @@ void HFIT(const PropagationWish& wish) {
   }
   printCorrectionHeading();
   fit = HPHASEFIT(wish.DCCORR, wish.HDC, false);
+  checkFinite(fit);
   printFinalFit(fit);
 }
 

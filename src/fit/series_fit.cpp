@@ -12,7 +12,7 @@
 
 #include "base/console.h"
 #include "base/record.h"
-#include "base/solve_error.h"
+#include "fit/fit_console.h"
 #include "fit/lapack.h"
 #include "fit/partial_fractions.h"
 #include "fit/vector_fit.h"
@@ -36,12 +36,6 @@ constexpr int RULELENGTH = 53;
 ComplexCurve trace, phi;
 PoleClasses CINDEX;
 ColumnInts JPVT; // column pivots, 0 at the start of the run only
-
-[[noreturn]] void refuseFit(std::string_view why) {
-  console::openStars();
-  console::line(why);
-  stopInStars();
-}
 
 // Poles start at the logarithms of the frequencies.
 void checkFrequencies(int NS) {

@@ -1,11 +1,12 @@
 #include "input/reader_state.h"
 
 #include "base/console.h"
+#include "base/open_files.h"
 #include "base/stop.h"
 #include "base/text_source.h"
 #include "store/rundata.h"
 
-#include <cstdio>
+#include <unistd.h>
 
 namespace lcp {
 
@@ -14,17 +15,13 @@ ReaderState READER;
 namespace {
 
 constexpr const char* DEBUGNAME = "DEBUG.OUT";
-std::FILE* debugFile = nullptr;
-TextSource source; // the description file
+int debugFile = -1; // descriptor
+TextSource source;  // the description file
 
 // Each line is written at once: the trace is read after runs that ended early.
 void writeDebug(std::string_view words) {
-  const bool good = std::fwrite(words.data(), 1, words.size(), debugFile) == words.size() &&
-                    std::fputc('\n', debugFile) != EOF && std::fflush(debugFile) == 0;
-  if (good) return;
-  console::openStars();
-  console::print("Error in Writing Output File: {}", DEBUGNAME);
-  console::closeStars();
+  if (writeAll(debugFile, fmt::format("{}\n", words))) return;
+  sayCannotWrite(DEBUGNAME);
   console::line("READTLDATA Ending!");
   stop(1);
 }
@@ -97,12 +94,12 @@ void checkConductorCount(int count) {
 }
 
 void setDebugFile(bool on) {
-  if (debugFile != nullptr) std::fclose(debugFile);
-  debugFile = nullptr;
+  if (debugFile >= 0) close(debugFile);
+  debugFile = -1;
   RUNDATA.run.DEBUGF = on;
   if (!on) return;
-  debugFile = std::fopen(DEBUGNAME, "w");
-  if (debugFile == nullptr) {
+  debugFile = openForWriting(DEBUGNAME);
+  if (debugFile < 0) {
     console::line();
     console::rule('*', console::STARS);
     console::line("Error in Opening Debug Output File DEBUG.OUT");

@@ -29,9 +29,8 @@ void readLineName(const KeyRow& key) {
   std::string word;
   const Got got = readWord(valueField(key, READER.LINE), word);
   if (got == Got::Malformed) readError();
-  if (got == Got::None) return;
   LineSummary& L = RUNDATA.line;
-  L.LNAME = word;
+  if (got == Got::Value) L.LNAME = word;
   const std::size_t blank = L.LNAME.whole().find(' ');
   L.LNAMELEN = blank == std::string_view::npos ? LINENAMELEN + 1 : static_cast<int>(blank) + 1;
 }

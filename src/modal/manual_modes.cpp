@@ -39,6 +39,7 @@ constexpr double TWOPIL0 = 1.2566370614359145e-06; // 2 pi L0
 constexpr double MEGOHM = 1e6;                     // ohm
 constexpr int TWOCIRCUITS = 6;                     // conductors of two circuits alike
 constexpr int DOTS = 34;
+constexpr double BEYOND = 1e150; // elements of this size overflow in their products
 
 double angularFrequency() { return TWOPI * RUNDATA.line.SSFREQ; }
 bool isPair() { return RUNDATA.manual.MANFMT == MANPAIR; }
@@ -78,6 +79,18 @@ void checkMode(int k, const ManualMode& m) {
   console::openStars();
   console::print("Mode {} of the Manual Data has no Travel Time and Surge", k);
   console::line("Impedance Above 0, or no Finite Resistance.");
+  console::line("Check input data for Manual Entry of Z,Y");
+  stopInStars("MANLINE Ending!");
+}
+
+void checkPhases(CView Y, CView Z, int n) {
+  double sum = 0; // one infinity or one NaN shows in it
+  for (int j = 1; j <= n; ++j) {
+    for (int i = 1; i <= n; ++i) sum += std::abs(Y(i, j)) + std::abs(Z(i, j));
+  }
+  if (sum < BEYOND) return;
+  console::openStars();
+  console::line("The Line Constants of the Manual Data are not Finite Numbers");
   console::line("Check input data for Manual Entry of Z,Y");
   stopInStars("MANLINE Ending!");
 }
@@ -330,6 +343,7 @@ void formManualPhases(CView Y, CView Z) {
   if (!isPair()) {
     congruence(Y, MANUAL.TI, MANUAL.YMOD, n);
     congruence(Z, MANUAL.TI, MANUAL.ZMOD, n);
+    checkPhases(Y, Z, n);
     return;
   }
   const double share = M.YZFMT == 1 ? RUNDATA.run.LINELEN : 1.0;
@@ -339,6 +353,7 @@ void formManualPhases(CView Y, CView Z) {
       Z(i, j) = M.ZENT(i, j) / share;
     }
   }
+  checkPhases(Y, Z, n);
 }
 
 } // namespace lcp

@@ -3,6 +3,8 @@
 // sequence (ground mode), (2,2) the positive sequence (metallic mode).
 #include "modal/sequence.h"
 
+#include "base/console.h"
+#include "base/stop.h"
 #include "kernels/inversion.h"
 #include "kernels/matrix_kernels.h"
 #include "store/rundata.h"
@@ -17,7 +19,8 @@ constexpr double INVSQRT3 = 0.577350269189626;
 constexpr double HALFINVSQRT3 = 0.288675134594813;
 constexpr double SQRT2 = 1.41421356237;
 constexpr double NOBASE = 1e-10;
-constexpr double NOSURGE = 1e-20; // X and B up to this have no surge impedance
+constexpr double LEASTFACTOR = 1e-100; // of per-unit values, and its reciprocal the largest
+constexpr double NOSURGE = 1e-20;      // X and B up to this have no surge impedance
 
 constexpr int ZERO = 1;     // of a transformed block; of a bipole: ground mode
 constexpr int POSITIVE = 2; // metallic mode
@@ -102,15 +105,35 @@ void addBlocks(LoadFlowData& data, const SequencePair& pair, bool corrected, int
   }
 }
 
+bool hasBases() {
+  const DisplayOptions& D = RUNDATA.display;
+  return D.MVABASEDISP >= NOBASE && D.VBASEDISP >= NOBASE;
+}
+
+double impedanceFactor() {
+  const DisplayOptions& D = RUNDATA.display;
+  return D.MVABASEDISP / (D.VBASEDISP * D.VBASEDISP);
+}
+
 void chooseBases(LoadFlowData& data) {
   DisplayOptions& D = RUNDATA.display;
-  data.perUnit = D.MVABASEDISP >= NOBASE && D.VBASEDISP >= NOBASE;
+  data.perUnit = hasBases();
   if (!data.perUnit) D.MVABASEDISP = D.VBASEDISP = 1.0;
-  data.KZ = data.perUnit ? D.MVABASEDISP / (D.VBASEDISP * D.VBASEDISP) : 1.0;
+  data.KZ = data.perUnit ? impedanceFactor() : 1.0;
   data.KY = 1.0 / data.KZ;
 }
 
 } // namespace
+
+void checkBases() {
+  const double KZ = impedanceFactor();
+  if (!hasBases() || (KZ > LEASTFACTOR && KZ < 1.0 / LEASTFACTOR)) return;
+  console::openStars();
+  console::print("Base Values for Display are out of Range: {} kV, {} MVA",
+                 RUNDATA.display.VBASEDISP, RUNDATA.display.MVABASEDISP);
+  console::closeStars();
+  stop(1);
+}
 
 const Matrix3& sequenceTransform() {
   static const Matrix3 S = [] {

@@ -48,6 +48,9 @@ struct LoadFlowData {
 bool hasLoadFlowSection();
 bool hasSequenceMatrices();
 
+// Ends the run with a message, exit status 1, when the bases of per-unit display have no factors.
+void checkBases();
+
 // Fills the load flow data for NC = 2, 3 or 6 from Y and Z per metre, and first from the long-line
 // corrected YLC and ZLC when LLOK. Without both bases of per-unit display the values are in ohm and
 // siemens, and both bases are 1 from then on, for the rest of the run.

@@ -6,69 +6,74 @@ namespace lcp {
 
 namespace {
 
-bool troubled[static_cast<std::size_t>(CurveId::COUNT)]; // in this solve
+StreamFile files[static_cast<std::size_t>(CurveId::COUNT)];
 
-bool& troubleOf(CurveId id) { return troubled[static_cast<std::size_t>(id)]; }
+StreamFile& fileOf(CurveId id) { return files[static_cast<std::size_t>(id)]; }
 
 void tellTrouble(CurveId id, std::string_view what) {
-  troubleOf(id) = true;
   console::print("{}: {}", what, curveName(*curveRow(id)));
 }
 
-constexpr std::string_view CANNOTOPEN = "Cannot Open Detail Curve File";
-constexpr std::string_view CANNOTWRITE = "Error in Writing Detail Curve File";
-constexpr std::string_view NOTFINITE = "Values that are no Finite Numbers in Detail Curve File";
+void closeFile(CurveId id) {
+  if (!fileOf(id).close()) tellTrouble(id, "Error in Writing Detail Curve File");
+}
 
 } // namespace
-
-void forgetCurveTrouble() {
-  for (bool& t : troubled) t = false;
-}
 
 void headCurve(CurveId id) {
   const CurveRow* row = curveRow(id);
   if (row == nullptr) return;
-  StreamFile file;
+  StreamFile& file = fileOf(id);
   if (!file.create(curveName(*row))) {
-    tellTrouble(id, CANNOTOPEN);
+    tellTrouble(id, "Cannot Open Detail Curve File");
     return;
   }
   file.put(" ");
   file.put(row->header);
   file.put("\n");
-  if (!file.close()) tellTrouble(id, CANNOTWRITE);
+}
+
+void closeHeadedCurves() {
+  for (int i = 0; i < static_cast<int>(CurveId::COUNT); ++i) {
+    const auto id = static_cast<CurveId>(i);
+    if (fileOf(id).isOpen()) closeFile(id);
+  }
+}
+
+void discardHeadedCurves() {
+  for (StreamFile& file : files) {
+    if (file.isOpen()) file.discard();
+  }
 }
 
 bool CurveFile::open(CurveId id) {
-  const CurveRow* row = curveRow(id);
-  if (row == nullptr || troubleOf(id)) return false;
+  if (!fileOf(id).isOpen()) return false;
+  file = &fileOf(id);
   curve = id;
   finite = true;
-  if (file.append(curveName(*row))) return true;
-  tellTrouble(id, CANNOTOPEN);
-  return false;
+  return true;
 }
 
 void CurveFile::startRow(double LOGFN, double FN) {
-  putGeneral(LOGFN, file.room(GENERALWIDTH));
+  putGeneral(LOGFN, file->room(GENERALWIDTH));
   inLine = 1;
   value(FN);
 }
 
 void CurveFile::nextLine() {
-  file.put("\n");
+  file->put("\n");
   inLine = 0;
 }
 
-void CurveFile::endRow() { file.put("\n"); }
+void CurveFile::endRow() { file->put("\n"); }
 
 void CurveFile::close() {
-  if (!finite) {
-    file.discard();
-    tellTrouble(curve, NOTFINITE);
-  } else if (!file.close()) {
-    tellTrouble(curve, CANNOTWRITE);
+  if (finite) {
+    closeFile(curve);
+    return;
   }
+  file->discard();
+  tellTrouble(curve, "Values that are no Finite Numbers in Detail Curve File");
 }
 
 } // namespace lcp

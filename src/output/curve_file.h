@@ -11,12 +11,18 @@ namespace lcp {
 
 constexpr int ROWVALUES = 403; // numbers on a line of a curve file
 
-// Creates the file of that kind, with its header alone, if the run has it.
+// The files of a solve are opened with their headers, once, and stay open until their rows are
+// written. They are an extra: what cannot be written is told on the console in one line, once a
+// solve, and left empty, and the run goes on. Values that are no numbers count as such trouble.
+
+// Opens the file of that kind and writes its header, if the run has it.
 void headCurve(CurveId id);
 
-// The rows of a file that has its header. Curve files are an extra: what cannot be written is told
-// on the console in one line, once a solve, and left empty, and the run goes on. Values that are no
-// numbers count as such trouble.
+// Those that are still open: complete with their headers alone, or left empty.
+void closeHeadedCurves();
+void discardHeadedCurves();
+
+// The rows of a file that has its header.
 class CurveFile {
 public:
   // False when the run has no such file, or the file had trouble.
@@ -28,26 +34,23 @@ public:
     if (inLine == ROWVALUES) nextLine();
     ++inLine;
     finite = finite && std::isfinite(v);
-    char* to = file.room(GAP + GENERALWIDTH);
+    char* to = file->room(GAP + GENERALWIDTH);
     std::memcpy(to, "   ", GAP);
     putGeneral(v, to + GAP);
   }
   void endRow();
 
-  void close();
+  void close(); // no more rows
 
 private:
   static constexpr std::size_t GAP = 3; // blanks before a value
 
-  StreamFile file;
+  StreamFile* file = nullptr;
   CurveId curve{};
   int inLine = 0;
   bool finite = true;
 
   void nextLine();
 };
-
-// Before a solve: no file has had trouble yet.
-void forgetCurveTrouble();
 
 } // namespace lcp

@@ -33,7 +33,6 @@ bool isEndCurve(CurveId id) { return id == CurveId::GDIS || id == CurveId::GDIO;
 
 void headCurves() {
   if (!wanted(RUNDATA.model.fitted())) return;
-  forgetCurveTrouble();
   for (int i = 0; i < static_cast<int>(CurveId::COUNT); ++i) {
     const auto id = static_cast<CurveId>(i);
     if (!isEndCurve(id)) headCurve(id);

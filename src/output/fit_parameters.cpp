@@ -10,7 +10,9 @@ namespace {
 
 void putInteger(TextFile& file, int value) { file.line(fmt::format("{:12}", value)); }
 
-void putReal(TextFile& file, double value) { file.line(fmt::format(" {:.16E}", value)); }
+void putReal(TextFile& file, double value) {
+  file.line(Record().number(value, fmt::format(" {:.16E}", value)));
+}
 
 void putComplex(TextFile& file, Complex value) {
   putReal(file, value.real());

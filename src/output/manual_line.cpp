@@ -35,7 +35,7 @@ void checkModel() {
 // --- model file
 
 void openModel(TextFile& file) {
-  if (file.open(RUNDATA.run.FOUTM.whole())) return;
+  if (file.open(RUNDATA.run.FOUTM.whole(), EarlyEnd::REMOVE)) return;
   console::line();
   console::line(" ****** corvo.exe: ERROR *****");
   console::line("Cannot Open corvo Output file ! ******");
@@ -74,13 +74,7 @@ void writeMode(TextFile& file, int k, const ManualMode& m, const RealMatrix& TR)
   writeModeRecord(file, k, values, MANUALVALUES);
 }
 
-// An entered pair gives a mode its resistance by magnitude.
-double signedResistance(int k, const ManualMode& m) {
-  const bool pair = RUNDATA.manual.MANFMT == MANPAIR;
-  return pair ? std::min(MANUAL.ZMOD(k, k).real(), m.R) : m.R;
-}
-
-void writeModel() {
+void writeModel(const ManualMode* modes) {
   static RealMatrix TR;
   const int n = RUNDATA.line.NC;
   TextFile file;
@@ -89,13 +83,7 @@ void writeModel() {
   writeFirstLine(file);
   REALPT(TR, MANUAL.TI, n);
   RCOLNORM(TR, TR, n);
-  for (int k = 1; k <= n; ++k) {
-    const ManualMode m = manualMode(k);
-    const double f = RUNDATA.line.SSFREQ;
-    noteNegativeResistance(k, f, signedResistance(k, m), TWOPI * f * m.L, m.R);
-    writeMode(file, k, m, TR);
-    storeManualMode(k, m, f);
-  }
+  for (int k = 1; k <= n; ++k) writeMode(file, k, modes[k - 1], TR);
   file.close();
 }
 
@@ -114,7 +102,7 @@ void writeManualReport(CView Y, CView Z) {
   const int n = RUNDATA.line.NC;
   bool LLOK = true;
   TextFile file;
-  openOutput(file, RUNDATA.run.FOUTR);
+  openOutput(file, RUNDATA.run.FOUTR, EarlyEnd::KEEP);
   LONGCOR(Y, Z, RUNDATA.run.LINELEN, YLC, ZLC, n, LLOK);
   for (const CView m : {Z, Y, ZLC.view(), YLC.view()}) ZEROSM(m, n, RUNDATA.display.ZEROTOL);
   writeReportHead(file, SHORTRULE);
@@ -126,24 +114,34 @@ void writeManualReport(CView Y, CView Z) {
   file.close();
 }
 
-void formModes(double f) {
-  for (int k = 1; k <= RUNDATA.line.NC; ++k) storeManualMode(k, manualMode(k), f);
+// An entered pair gives a mode its resistance by magnitude.
+double signedResistance(int k, const ManualMode& m) {
+  const bool pair = RUNDATA.manual.MANFMT == MANPAIR;
+  return pair ? std::min(MANUAL.ZMOD(k, k).real(), m.R) : m.R;
+}
+
+void formModes(double f, bool writes, ManualMode* modes) {
+  for (int k = 1; k <= RUNDATA.line.NC; ++k) {
+    const ManualMode m = modes[k - 1] = manualMode(k);
+    if (writes) noteNegativeResistance(k, f, signedResistance(k, m), TWOPI * f * m.L, m.R);
+    storeManualMode(k, m, f);
+  }
 }
 
 } // namespace
 
 void MANLINE(CView Y, CView Z, double f, int mode) {
   const bool writes = mode == MANUALFILES;
+  ManualMode modes[LDMAT];
   if (writes) checkModel();
+  checkBases();
   checkManualData();
   formManualTransformation();
-  if (writes) {
-    writeModel();
-  } else {
-    formModes(f);
-  }
+  formModes(writes ? RUNDATA.line.SSFREQ : f, writes, modes);
   formManualPhases(Y, Z);
-  if (writes) writeManualReport(Y, Z);
+  if (!writes) return;
+  writeModel(modes); // nothing is refused from here on but what only the report can tell
+  writeManualReport(Y, Z);
 }
 
 } // namespace lcp

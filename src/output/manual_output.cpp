@@ -38,7 +38,7 @@ bool copyManualOutput() {
   }
   if (result == TextSource::Result::Error) cannotRead(lines.empty() ? "" : lines.back());
   TextFile file;
-  if (!openOutput(file, RUNDATA.run.FOUTM)) return false;
+  if (!openOutput(file, RUNDATA.run.FOUTM, EarlyEnd::REMOVE)) return false;
   for (const std::string& l : lines) file.line(l);
   file.close();
   return true;

@@ -18,24 +18,6 @@ constexpr int SHUNTSTEP = 10; // frequency step of G and C; a table of fewer giv
 
 RealMatrix G, C;
 
-void formShunt() {
-  const int n = RUNDATA.line.NC;
-  const int k = std::min(SHUNTSTEP, SOLVEDATA.grid.NFUSE);
-  double sum = 0.0; // one infinity or one NaN shows in it
-  for (int j = 1; j <= n; ++j) {
-    for (int i = 1; i <= n; ++i) {
-      const Complex y = SOLVEDATA.at.YSTORE(k, i, j);
-      G(i, j) = y.real();
-      C(i, j) = y.imag() / SOLVEDATA.grid.WFREQ[k];
-      sum += std::fabs(G(i, j)) + std::fabs(C(i, j));
-    }
-  }
-  if (std::isfinite(sum)) return;
-  console::openStars();
-  console::print("The Capacitance at Frequency Step {} is not a Finite Number!", k);
-  stopInStars();
-}
-
 void writeFirstLine(TextFile& file) {
   Record record("MFDTD");
   record.column(7).integer(RUNDATA.line.NC, 2).column(10).integer(SERIESMODEL.NPZ, 2);
@@ -67,8 +49,25 @@ void writePole(TextFile& file, int m) {
 
 } // namespace
 
+void formSeriesShunt() {
+  const int n = RUNDATA.line.NC;
+  const int k = std::min(SHUNTSTEP, SOLVEDATA.grid.NFUSE);
+  double sum = 0.0; // one infinity or one NaN shows in it
+  for (int j = 1; j <= n; ++j) {
+    for (int i = 1; i <= n; ++i) {
+      const Complex y = SOLVEDATA.at.YSTORE(k, i, j);
+      G(i, j) = y.real();
+      C(i, j) = y.imag() / SOLVEDATA.grid.WFREQ[k];
+      sum += std::fabs(G(i, j)) + std::fabs(C(i, j));
+    }
+  }
+  if (std::isfinite(sum)) return;
+  console::openStars();
+  console::print("The Capacitance at Frequency Step {} is not a Finite Number!", k);
+  stopInStars();
+}
+
 void writeMfdtdModel(TextFile& file) {
-  formShunt();
   writeModelHead(file);
   writeFirstLine(file);
   writeFlagLines(file);

@@ -5,9 +5,12 @@
 
 namespace lcp {
 
+// Takes the shunt conductance (S/m) and capacitance (F/m) from one low frequency step, before there
+// is a file: a capacitance that is no number ends the run with a message, exit status 1.
+void formSeriesShunt();
+
 // Writes the fitted series impedance of SERIESMODEL (poles in rad/s, per metre), behind it the
-// shunt conductance (S/m) and capacitance (F/m) of one low frequency step: upper triangles, one
-// value a line. A capacitance that is no number ends the run with a message, exit status 1.
+// conductance and the capacitance: upper triangles, one value a line.
 void writeMfdtdModel(TextFile& file);
 
 } // namespace lcp

@@ -10,8 +10,8 @@ void sayCannotOpen(const FileName& name) {
   console::print("Cannot Open Output file ! ******{}", name.text());
 }
 
-bool openOutput(TextFile& file, const FileName& name) {
-  if (file.open(name.whole())) return true;
+bool openOutput(TextFile& file, const FileName& name, EarlyEnd end) {
+  if (file.open(name.whole(), end)) return true;
   sayCannotOpen(name);
   return false;
 }

@@ -10,6 +10,6 @@ namespace lcp {
 void sayCannotOpen(const FileName& name);
 
 // Opens a file for writing; false, behind the message, when that fails.
-bool openOutput(TextFile& file, const FileName& name);
+bool openOutput(TextFile& file, const FileName& name, EarlyEnd end);
 
 } // namespace lcp

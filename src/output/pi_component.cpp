@@ -90,17 +90,21 @@ std::string_view componentName() {
 }
 
 // In the field of the line's name, which may cut the extension; behind the field when the name
-// fills it.
+// fills it. It stays in the directory.
 std::string fileName() {
-  if (!nameEnds()) return fmt::format("{}.cmp", RUNDATA.line.LNAME.whole());
-  TextField<LINENAMELEN> field;
-  field = fmt::format("{}.cmp", componentName());
-  return std::string(field.text());
+  std::string name = fmt::format("{}.cmp", componentName());
+  if (!nameEnds()) {
+    name = fmt::format("{}.cmp", RUNDATA.line.LNAME.whole());
+  } else if (name.size() > LINENAMELEN) {
+    name.resize(LINENAMELEN);
+  }
+  std::replace(name.begin(), name.end(), '/', '_');
+  return name;
 }
 
 void openComponent(TextFile& file) {
   const std::string name = fileName();
-  if (file.open(name)) return;
+  if (file.open(name, EarlyEnd::REMOVE)) return;
   console::openStars();
   console::print("Cannot Open Output File: {}", name);
   stopInStars("PISECT Ending!");

@@ -1,6 +1,7 @@
 #include "output/report_sections.h"
 
 #include "base/console.h"
+#include "base/solve_error.h"
 #include "kernels/matrix_kernels.h"
 #include "modal/report_modes.h"
 #include "modal/sequence.h"
@@ -116,6 +117,11 @@ void tellSimulator(const LoadFlowData& data) {
       record.text(separator).scientific(value, 19, 12);
       separator = ",";
     }
+  }
+  if (!record.finite()) {
+    console::openStars();
+    console::line("The Positive Sequence Values of the Line are not Finite Numbers");
+    stopInStars();
   }
   console::line();
   console::line(record.view());

@@ -12,6 +12,7 @@
 #include "store/rundata.h"
 #include "store/solvedata.h"
 
+#include <cmath>
 #include <xmmintrin.h>
 
 namespace lcp {
@@ -28,7 +29,7 @@ void printBanner() {
 }
 
 void checkLength(double length) {
-  if (length > 0.0) return;
+  if (length > 0.0 && std::isfinite(length)) return;
   console::line("ERROR: A valid line length must be provided.");
   console::line("       LCP ending...");
   stop(1);

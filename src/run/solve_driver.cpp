@@ -9,6 +9,8 @@
 #include "modal/frequency_grid.h"
 #include "modal/line_constants.h"
 #include "modal/second_loop.h"
+#include "modal/sequence.h"
+#include "output/curve_file.h"
 #include "output/curve_files.h"
 #include "output/manual_output.h"
 #include "output/mfdtd_model_file.h"
@@ -21,9 +23,13 @@
 #include "store/rundata.h"
 #include "store/solvedata.h"
 
+#include <cmath>
+
 namespace lcp {
 
 namespace {
+
+constexpr double MOSTWEIGHT = 1e100;
 
 void checkConductors() {
   if (RUNDATA.line.NC >= 1 || RUNDATA.run.ISCABLE != OVERHEADLINE) return;
@@ -38,6 +44,18 @@ void checkPassivityGrid() {
   const PassivityOptions& P = RUNDATA.passivity;
   if (!RUNDATA.model.MODFDP || !(P.PFLOSET || P.PITERSET)) return;
   PASSGRID(P.PFLO, P.PFHI, P.NPFINC, P.PFDIST, grid);
+}
+
+// Larger weights overflow in the sums of squares of the fits.
+void checkWeights() {
+  const FitOptions& F = RUNDATA.fit;
+  if (!RUNDATA.model.fitted()) return;
+  for (const double w : {F.WF1, F.WF2, F.WF3}) {
+    if (std::fabs(w) <= MOSTWEIGHT) continue;
+    console::openStars();
+    console::print("Weighting Factor {:.4g} is out of Range, Maximum of {:.4g} Allowed!", w, MOSTWEIGHT);
+    stopInStars();
+  }
 }
 
 void writeModel(TextFile& file) {
@@ -55,14 +73,19 @@ bool runModel() {
   TextFile file;
   if (M.MODMFDTD) {
     fitSeriesImpedance(); // before there is a file
+    formSeriesShunt();
     writeSeriesFitCurves(SERIESMODEL.ZFIT);
   }
   writePhaseLineCurves();
-  if (!openOutput(file, RUNDATA.run.FOUTM)) return false;
+  if (!openOutput(file, RUNDATA.run.FOUTM, EarlyEnd::REMOVE)) {
+    discardHeadedCurves();
+    return false;
+  }
   writeModel(file);
   file.close();
   writeModeCurves();
   writeSeriesLineCurves();
+  closeHeadedCurves();
   const bool replaced = RUNDATA.display.MANOUT && (M.MODFDP || M.MODMFDTD);
   return !replaced || copyManualOutput();
 }
@@ -79,7 +102,7 @@ void runComponent() {
 
 bool runReport() {
   TextFile file;
-  if (!openOutput(file, RUNDATA.run.FOUTR)) return false;
+  if (!openOutput(file, RUNDATA.run.FOUTR, EarlyEnd::KEEP)) return false;
   constantsAt(RUNDATA.display.DISPFREQ);
   writeReport(file);
   file.close();
@@ -91,6 +114,8 @@ bool runReport() {
 void QUENT() {
   checkConductors();
   checkPassivityGrid();
+  checkBases();
+  checkWeights();
   SOLVEDATA.first.IDEALT = isIdeallyTransposed();
   layGrid();
   headCurves();

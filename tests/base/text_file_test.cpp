@@ -5,8 +5,11 @@
 #include "support/child.h"
 #include "support/scratch.h"
 
+#include <cmath>
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 using namespace lcp;
@@ -14,24 +17,34 @@ using namespace lcp::test;
 
 namespace {
 
-void expectFailedWrite(const ChildResult& run, const std::string& name) {
+std::string refused(const std::string& words) {
   const std::string stars(43, '*');
-  EXPECT_EQ(run.status, 1);
-  EXPECT_EQ(run.console,
-            lines({"", stars, "Corvo.exe: ERROR", "Error in Writing Output File: " + name, stars}));
+  return lines({"", stars, "Corvo.exe: ERROR", words, stars});
 }
 
-// How a run ends that writes this many lines of eleven characters to a file and closes it.
-ChildResult writeRun(const std::string& name, int count, rlim_t mostBytes = RLIM_INFINITY) {
+struct Write {
+  EarlyEnd end = EarlyEnd::REMOVE;
+  int lines = 0;                    // of eleven characters
+  bool closes = true;               // or the run ends first
+  bool lost = false;                // the descriptor is gone ahead of the end
+  rlim_t mostBytes = RLIM_INFINITY; // file size limit
+  double last = 0;                  // a number behind the lines
+};
+
+ChildResult writeRun(const std::string& name, const Write& w) {
   return runChild([&] {
     console::prepare();
-    const rlimit limit{mostBytes, mostBytes};
+    const rlimit limit{w.mostBytes, w.mostBytes};
     setrlimit(RLIMIT_FSIZE, &limit);
+    const int descriptor = dup(STDOUT_FILENO); // the one that the next open will get
+    close(descriptor);
     TextFile file;
-    if (!file.open(name)) stop(7);
-    for (int i = 0; i < count; ++i) file.line("0123456789");
-    file.close();
-    stop(0);
+    if (!file.open(name, w.end)) stop(7);
+    for (int i = 0; i < w.lines; ++i) file.line("0123456789");
+    if (w.last != 0) file.line(Record().general(w.last, 16, 8));
+    if (w.lost) close(descriptor);
+    if (w.closes) file.close();
+    stop(w.closes ? 0 : 12);
   });
 }
 
@@ -41,7 +54,7 @@ TEST(TextFile, WritesWhenClosedAndReplacesWhatStood) {
   const Scratch scratch;
   const std::string name = scratch.file("a.out", "an older and longer file\nof two lines\n");
   TextFile file;
-  ASSERT_TRUE(file.open(name + "   "));
+  ASSERT_TRUE(file.open(name + "   ", EarlyEnd::KEEP));
   EXPECT_EQ(contentOf(name), ""); // emptied at its point of the run
   file.line(Record(" ").integer(7, 3).column(8).fixed(0.5, 6, 2).blanks(1).text("V"));
   file.line(Record().scientific(2.5, 10, 3).general(2.5, 10, 3).column(3).text("/"));
@@ -51,40 +64,61 @@ TEST(TextFile, WritesWhenClosedAndReplacesWhatStood) {
   file.close(); // once closed, no more
   for (const std::string& bad : {std::string("   "), scratch.path().string(), name + "/",
                                  scratch.file("missing/a.out"), std::string(300, 'n')}) {
-    EXPECT_FALSE(file.open(bad)) << bad;
+    EXPECT_FALSE(file.open(bad, EarlyEnd::KEEP)) << bad;
     file.line("lost");
     file.close(); // no file, nothing to report
   }
 }
 
-TEST(TextFile, FailedWriteEndsTheRunWithAnEmptyFile) {
+// Whole, or what its early end says: after a failed write, a failed close, and where the run stops.
+TEST(TextFile, EarlyEnds) {
   const Scratch scratch;
-  const std::string name = scratch.file("a.out");
-  expectFailedWrite(writeRun(name, 100, 1000), name);
-  EXPECT_EQ(contentOf(name), "");
-  EXPECT_EQ(writeRun(name, 100, 1100).status, 0);
-  EXPECT_EQ(contentOf(name).size(), 1100U);
-  EXPECT_EQ(writeRun("/dev/full", 0).status, 0); // nothing to write, nothing lost
+  const std::string name = scratch.file("a.out"),
+                    write = refused("Error in Writing Output File: " + name);
+  const std::string number = refused("Values that are no Finite Numbers in Output File: " + name);
+  const struct {
+    Write w;
+    std::string console;
+    int status, left; // characters; -1 for no file
+  } cases[] = {
+      {{EarlyEnd::REMOVE, 100, true, false, 1100}, "", 0, 1100},
+      {{EarlyEnd::REMOVE, 100, true, false, 1000}, write, 1, -1},
+      {{EarlyEnd::EMPTY, 100, true, false, 1000}, write, 1, 0},
+      {{EarlyEnd::KEEP, 100, true, false, 1000}, write, 1, 1000},
+      {{EarlyEnd::REMOVE, 0, true, true}, write, 1, -1}, // only the close can fail
+      {{EarlyEnd::KEEP, 1, true, true}, write, 1, 0},
+      {{EarlyEnd::REMOVE, 9, false}, "", 12, -1},
+      {{EarlyEnd::EMPTY, 9, false}, "", 12, 0},
+      {{EarlyEnd::KEEP, 9, false}, "", 12, 99},
+      {{EarlyEnd::KEEP, 100, false, false, 1000}, write, 1, 1000},
+      {{EarlyEnd::KEEP, 0, false, true}, write, 1, 0},
+      {{EarlyEnd::REMOVE, 9, false, true}, "", 12, -1},
+      {{EarlyEnd::KEEP, 1, true, false, RLIM_INFINITY, NAN}, number, 1, 11},
+      {{EarlyEnd::REMOVE, 1, true, false, RLIM_INFINITY, INFINITY}, number, 1, -1},
+  };
+  for (const auto& c : cases) {
+    scratch.file("a.out", "what stood");
+    const ChildResult run = writeRun(name, c.w);
+    const std::string what = std::to_string(&c - cases);
+    EXPECT_EQ(run.status, c.status) << what;
+    EXPECT_EQ(run.console, c.console) << what;
+    const bool stands = std::filesystem::exists(name);
+    EXPECT_EQ(stands ? static_cast<int>(contentOf(name).size()) : -1, c.left) << what;
+  }
 }
 
-TEST(TextFile, FailedCloseAndEndOfTheRun) {
+// What is no regular file is neither waited for nor removed.
+TEST(TextFile, DevicesAndPipes) {
   const Scratch scratch;
-  const std::string name = scratch.file("a.out");
-  const auto run = [&](int count, bool closes) {
-    return runChild([&] {
-      const int descriptor = dup(STDOUT_FILENO); // the one that the next open will get
-      close(descriptor);
-      TextFile file;
-      if (!file.open(name)) stop(7);
-      for (int i = 0; i < count; ++i) file.line("text");
-      if (!closes) stop(1); // nothing is written
-      close(descriptor);
-      file.close();
-      stop(0);
-    });
-  };
-  expectFailedWrite(run(0, true), name); // without text only the close can fail
-  expectFailedWrite(run(1, true), name);
-  EXPECT_EQ(run(100000, false).status, 1);
-  EXPECT_EQ(contentOf(name), "");
+  const std::string name = scratch.file("fifo");
+  ASSERT_EQ(mkfifo(name.c_str(), 0600), 0);
+  EXPECT_EQ(writeRun(name, {}).status, 7);
+  const int reader = open(name.c_str(), O_RDONLY | O_NONBLOCK);
+  EXPECT_EQ(writeRun(name, {}).status, 7); // a reader changes nothing
+  close(reader);
+  EXPECT_EQ(writeRun("/dev/zero", {}).status, 7);
+  EXPECT_EQ(writeRun("/dev/null", {EarlyEnd::REMOVE, 9}).status, 0);
+  EXPECT_EQ(writeRun("/dev/full", {}).status, 0); // nothing to write, nothing lost
+  EXPECT_EQ(writeRun("/dev/full", {EarlyEnd::REMOVE, 1}).status, 1);
+  for (const char* stays : {"/dev/null", "/dev/full"}) EXPECT_TRUE(std::filesystem::exists(stays));
 }

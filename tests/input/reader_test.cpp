@@ -144,5 +144,10 @@ TEST(Reader, SetsOptionsAndTheirDefaults) {
                        "Line Constants Ground Data\n{\nGround Resistivity Type: 1\n"
                        "Ground Resistivity Type: 0\nGroundResistivity: 50,ohm\n}\n"));
   EXPECT_EQ(RUNDATA.line.LNAME.text(), "My");
+  EXPECT_EQ(RUNDATA.line.LNAMELEN, 3);
   EXPECT_EQ(values(RUNDATA.line.SSFREQ, D.DISPFREQ, G.GRTYPE, G.GRHO), values(0.001, 0.001, 1, 50));
+  for (const char* empty : {"", "''"}) { // the first blank is the first character
+    readHere(description(fmt::format("Line Summary\n{{\nLine Name: {}\n}}\n", empty)));
+    EXPECT_EQ(RUNDATA.line.LNAMELEN, 1) << empty;
+  }
 }

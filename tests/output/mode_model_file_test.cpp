@@ -111,7 +111,7 @@ ModeFile solveAndWrite(const std::string& body, bool constant = true) {
   const Scratch scratch;
   const ChildResult child = runChild([&] {
     TextFile file;
-    if (!file.open(scratch.file("a.cvo"))) std::abort();
+    if (!file.open(scratch.file("a.cvo"), EarlyEnd::KEEP)) std::abort();
     writeModeModel(file);
     file.close();
   });

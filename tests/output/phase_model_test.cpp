@@ -1,14 +1,19 @@
 // The phase model from end to end: what the model file holds is read back on its own and compared
 // with the Yc and H of the line and with the errors that the console shows.
 #include "fit/dc_values.h"
+#include "fit/fit_driver.h"
+#include "fit/mode_model.h"
+#include "modal/second_loop.h"
 #include "store/rundata.h"
 #include "store/solvedata.h"
+#include "support/child.h"
 #include "support/description.h"
 #include "support/phase_file.h"
 #include "support/scratch.h"
 #include "support/solve.h"
 #include "support/whole_run.h"
 
+#include <cmath>
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <sstream>
@@ -100,6 +105,26 @@ TEST(PhaseModel, DcValuesAreThoseOfTheResistances) {
   const Dense gamma = squareRoot(product(G, R));
   EXPECT_LT(distance(dense(Y), product(inverse(gamma), G)), 2e-8);
   EXPECT_LT(largest(sum(dense(H), exponential(times(-1e5L, gamma)), -1)), 2e-8);
+}
+
+// One value that is no number in what is fitted.
+TEST(PhaseModel, FitsWithoutFiniteNumbersAreRefused) {
+  solveBothLoops(singleCircuit(phaseModel(EVENWEIGHTS)));
+  formFitWeights();
+  SecondLoopStore& T = SOLVEDATA.second;
+  const double none = std::nan("");
+  const std::pair<const char*, std::function<void()>> cases[] = {
+      {"Characteristic Admittance", [&] { T.YCST(9, 1, 2) = none, FITDRIVE(); }},
+      {"Propagation Function", [&] { T.HST(9, 1, 2) = none, FITDRIVE(); }},
+      {"Mode", [&] { T.ZSURGST(9, 1) = none, fitSurgeImpedance(1); }},
+  };
+  for (const auto& [what, fit] : cases) {
+    const ChildResult child = runChild(fit);
+    EXPECT_EQ(child.status, 1) << what;
+    const std::string words =
+        fmt::format("Fit of {}{} gives no Finite Numbers!\n", what[0] == 'M' ? "a " : "the ", what);
+    EXPECT_NE(child.console.find(words), std::string::npos) << child.console;
+  }
 }
 
 TEST(PhaseModel, ConsoleTableOfAnAdmittanceFitThatIsShort) {

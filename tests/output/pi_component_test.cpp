@@ -27,11 +27,14 @@ std::string component(int n, const std::string& name) {
   RUNDATA.line.LNAME = name;
   RUNDATA.line.LNAMELEN = static_cast<int>(name.size()) + 1; // a blank ends a name
   RUNDATA.line.NC = n;
+  std::filesystem::create_directory(scratch.file("taken.cmp"));
   const ChildResult child = runChild([&] {
     std::filesystem::current_path(scratch.path());
     PISECT(Y, Z, 12345.67);
   });
-  return child.status == 0 ? contentOf(scratch.file(name + ".cmp")) : child.console;
+  std::string file = name;
+  std::replace(file.begin(), file.end(), '/', '_'); // it stays in the directory
+  return child.status == 0 ? contentOf(scratch.file(file + ".cmp")) : child.console;
 }
 
 bool has(const std::string& text, const std::string& line) {
@@ -82,7 +85,9 @@ TEST(PiComponent, ToTheCharacter) {
   Y(1, 1).real(0);
   // no blank behind it: a name for the file alone
   EXPECT_EQ(component(1, std::string(30, 'n')), contentOf(data / "pi_one.cmp"));
-  EXPECT_TRUE(has(component(2, "a/b"), "Cannot Open Output File: a/b.cmp"));
+  EXPECT_TRUE(has(component(1, "../b"), R"(     Def = "../b")"));
+  EXPECT_EQ(component(1, "").find(" Component(\"_u\")\n"), 0U);
+  EXPECT_TRUE(has(component(2, "taken"), "Cannot Open Output File: taken.cmp"));
 }
 
 TEST(PiComponent, CablesThatDoNotCoupleAndManyConductors) {

@@ -6,8 +6,10 @@
 #include "support/solve.h"
 #include "support/whole_run.h"
 
+#include <array>
 #include <fmt/format.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 using namespace lcp::test;
 
@@ -225,13 +227,64 @@ TEST(Program, OutputFilesThatCannotBeOpenedLeaveTheSolve) {
   for (const std::string file : {"a.out", "a.cvo"}) {
     const Scratch scratch;
     scratch.file("a.cvi", description(singleCircuit(bergeronModel())));
-    std::filesystem::create_directory(scratch.file(file));
+    ASSERT_EQ(mkfifo(scratch.file(file).c_str(), 0600), 0); // nobody waits for its reader
     const ProgramRun run = runProgram({"/file", "a.cvi", "/length", "100"}, scratch.path());
     const std::string blocked =
         lines({"", " ****** corvo.exe: ERROR *****", "Cannot Open Output file ! ******" + file});
     EXPECT_NE(run.console.find(blocked), std::string::npos) << run.console;
     EXPECT_EQ(run.status, 0);
     EXPECT_EQ(namesOf(run), file == "a.out" ? "a.cvo " : ""); // no report without a model file
+  }
+}
+
+// Of a run that ends early: refusals ahead of the files leave the old ones; a model file is whole
+// or absent; a report keeps what tells why; a curve file is whole or empty.
+TEST(Program, EarlyEndsLeaveFilesInOrder) {
+  const std::string surge = "Data Entry Format:  Surge Impedance and Travel Time\n"
+                            "+ve Sequence Resistance: 2e-5\n+ve Sequence Travel Time: 3.4e-9\n"
+                            "+ve Sequence Surge Impedance: 270\nEstimate Zero Sequence: ";
+  const auto display = [](const std::string& key) {
+    return bergeronModel() + "Output File Display Options\n{\n" + key + "\n}\n";
+  };
+  const std::string bases = display("Base MVA for Display : 100\nBase Voltage for Display : 1e300");
+  const std::string curves = "Write Detailed Output Files: 1\n" + EVENWEIGHTS;
+  const std::string heavy = modeModel(curves + "Weighting Factor 3: 1e200\n");
+  const struct {
+    std::string body, console;
+    std::array<std::string, 4>
+        left; // "old", "new", "" for an empty file, "-" for none, "/" a directory
+    int status = 1;
+  } cases[] = {
+      {manualLineOf(3, surge + "0\n", bergeronModel()), "Mode 1 of", {"old", "old", "old", "old"}},
+      {manualLineOf(3, surge + "2\n", bases), "Base Values", {"old", "old", "old", "old"}},
+      {singleCircuit(bases), ": 1e+300 kV, 100 MVA\n", {"old", "old", "old", "old"}},
+      {singleCircuit(heavy), "Factor 1e+200 is out", {"old", "old", "old", "old"}},
+      {manualLineOf(3, surge + "2\n", display("Frequency for Calculation : 1e308")),
+       "The velocity (inf ) is not finite",
+       {"new", "new", "old", "old"}},
+      {singleCircuit(phaseModel(curves + "DC Correction Type: 1\n")),
+       "Singularity occurs",
+       {"-", "old", "new", ""}},
+      {singleCircuit(phaseModel(curves)), "Cannot Open Output file", {"/", "old", "new", ""}, 0},
+  };
+  const std::array names{"a.cvo", "a.out", "x_ym.out", "x_hmm.out"};
+  for (const auto& c : cases) {
+    const Scratch scratch;
+    scratch.file("a.cvi", description("Line Summary\n{\nLine Name: x\n}\n" + c.body));
+    for (const char* name : names) scratch.file(name, "old");
+    if (c.left[0] == "/") {
+      std::filesystem::remove(scratch.file("a.cvo"));
+      std::filesystem::create_directory(scratch.file("a.cvo"));
+    }
+    const ProgramRun run = runProgram({"/file", "a.cvi", "/length", "1e5"}, scratch.path());
+    EXPECT_NE(run.console.find(c.console), std::string::npos) << run.console;
+    EXPECT_EQ(run.status, c.status) << c.console;
+    for (std::size_t i = 0; i < names.size(); ++i) {
+      std::string text = std::filesystem::is_directory(scratch.file(names[i])) ? "/" : "-";
+      if (std::filesystem::is_regular_file(scratch.file(names[i])))
+        text = contentOf(scratch.file(names[i]));
+      EXPECT_EQ(text.size() > 3 ? "new" : text, c.left[i]) << c.console << names[i];
+    }
   }
 }
 

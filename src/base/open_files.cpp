@@ -1,0 +1,110 @@
+#include "base/open_files.h"
+
+#include "base/console.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+#include <unistd.h>
+#include <utility>
+
+namespace lcp {
+
+namespace {
+
+OpenFile* firstOpen = nullptr;
+
+constexpr unsigned MEMORYDEVICES = 1; // major number
+constexpr unsigned NULLDEVICE = 3;
+constexpr unsigned FULLDEVICE = 7;
+
+bool isFile(const struct stat& s) {
+  if (S_ISREG(s.st_mode)) return true;
+  if (!S_ISCHR(s.st_mode) || major(s.st_rdev) != MEMORYDEVICES) return false;
+  return minor(s.st_rdev) == NULLDEVICE || minor(s.st_rdev) == FULLDEVICE;
+}
+
+// File systems without locks let everybody in.
+bool locked(int descriptor) {
+  return flock(descriptor, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
+}
+
+} // namespace
+
+bool writeAll(int descriptor, std::string_view text) {
+  while (!text.empty()) {
+    const ssize_t n = write(descriptor, text.data(), text.size());
+    if (n > 0) {
+      text.remove_prefix(static_cast<std::size_t>(n));
+    } else if (n == 0 || errno != EINTR) {
+      return false;
+    }
+  }
+  return true;
+}
+
+int openForWriting(const std::string& name, bool alone) {
+  constexpr int FLAGS = O_WRONLY | O_CREAT | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+  const int descriptor = open(name.c_str(), FLAGS, 0666);
+  if (descriptor < 0) return -1;
+  struct stat s {};
+  if (fstat(descriptor, &s) != 0 || !isFile(s) || (alone && !locked(descriptor))) {
+    close(descriptor);
+    return -1;
+  }
+  // Devices have nothing to empty.
+  [[maybe_unused]] const int emptied = ftruncate(descriptor, 0);
+  return descriptor;
+}
+
+bool openListed(OpenFile& file, bool alone) {
+  file.collected.clear();
+  file.descriptor = openForWriting(file.name, alone);
+  if (file.descriptor < 0) return false;
+  file.next = firstOpen;
+  firstOpen = &file;
+  return true;
+}
+
+int dropListed(OpenFile& file) {
+  for (OpenFile** at = &firstOpen; *at != nullptr; at = &(*at)->next) {
+    if (*at != &file) continue;
+    *at = file.next;
+    break;
+  }
+  return std::exchange(file.descriptor, -1);
+}
+
+void leave(const OpenFile& file) {
+  struct stat s {};
+  if (file.end == EarlyEnd::KEEP || stat(file.name.c_str(), &s) != 0 || !S_ISREG(s.st_mode)) return;
+  // Where even this is refused, the message of the run's end has to do.
+  [[maybe_unused]] const int emptied = truncate(file.name.c_str(), 0);
+  if (file.end == EarlyEnd::REMOVE) unlink(file.name.c_str());
+}
+
+void sayCannotWrite(std::string_view name) {
+  console::openStars();
+  console::print("Error in Writing Output File: {}", name);
+  console::closeStars();
+}
+
+bool endOpenFiles() {
+  bool good = true;
+  while (firstOpen != nullptr) {
+    OpenFile& file = *firstOpen;
+    const int descriptor = dropListed(file);
+    const bool kept = file.end == EarlyEnd::KEEP;
+    bool written = !kept || writeAll(descriptor, file.collected);
+    // Network file systems report a full device at the close only.
+    written = (close(descriptor) == 0 || !kept) && written;
+    if (!written) sayCannotWrite(file.name);
+    good = good && written;
+    leave(file);
+  }
+  return good;
+}
+
+} // namespace lcp
