@@ -25,6 +25,7 @@ State& state() {
 } // namespace
 
 void prepare() {
+  state().collected.reserve(2 * FULL);
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);
   for (const int standard : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {

@@ -11,4 +11,11 @@ void stopInStars(std::string_view ending) {
   stop(1);
 }
 
+void stopWithoutMemory() {
+  console::flush(); // what was collected makes room for a frame in one piece
+  console::text("\n*******************************************\nCorvo.exe: ERROR\n"
+                "Not Enough Memory!\n*******************************************\n");
+  stop(1);
+}
+
 } // namespace lcp

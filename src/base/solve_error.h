@@ -1,4 +1,4 @@
-// The common end of a solve that cannot go on.
+// The common ends of a run that cannot go on.
 #pragma once
 
 #include <string_view>
@@ -8,5 +8,9 @@ namespace lcp {
 // Closes the frame that console::openStars began, names the stage that ends, and ends the run,
 // exit status 1.
 [[noreturn]] void stopInStars(std::string_view ending = "QUENT Ending!");
+
+// The end of a run whose memory is used up, in place of an exception that nothing catches. Asks for
+// no memory itself.
+[[noreturn]] void stopWithoutMemory();
 
 } // namespace lcp

@@ -228,11 +228,17 @@ struct AerialStore {
   double anew[BLOCKNODES]; // numerators of a pair without room
 };
 
-AerialStore& AERIAL = bigStore<AerialStore>();
+// Mapped when a system first asks for it: few have aerial pairs.
+AerialStore* AERIAL = nullptr;
+
+AerialStore& aerial() {
+  if (AERIAL == nullptr) AERIAL = &bigStore<AerialStore>();
+  return *AERIAL;
+}
 
 // At another frequency, or over another soil, all sums are to be formed again.
 void turnTo(double w) {
-  AerialStore& S = AERIAL;
+  AerialStore& S = aerial();
   const Ground& G = RUNDATA.ground;
   if (S.w == w && S.GRHO == G.GRHO && S.GEPSR == G.GEPSR) return;
   S.w = w;
@@ -243,7 +249,7 @@ void turnTo(double w) {
 
 // 0 for a pair that is not kept.
 int findPair(double X, double H) {
-  AerialStore& S = AERIAL;
+  AerialStore& S = aerial();
   for (int step = 1; step <= S.pairs; ++step) {
     const int k = (S.found + step - 1) % S.pairs + 1;
     if (S.pair[k].X == X && S.pair[k].H == H) return S.found = k;
@@ -253,7 +259,7 @@ int findPair(double X, double H) {
 
 // 0 without room.
 int keepPair(double X, double H, const Panels& P) {
-  AerialStore& S = AERIAL;
+  AerialStore& S = aerial();
   if (S.pairs == MOSTPAIRS || P.count > (MOSTNODES - S.nodes) / NODES) return 0;
   S.pair[++S.pairs] = {X, H, P, S.nodes, false, {}};
   setNumerators(P, {1, P.count}, X, H, &S.numerators[S.nodes + 1]);
@@ -263,7 +269,7 @@ int keepPair(double X, double H, const Panels& P) {
 
 // All kept pairs with the panels P that have no sum yet.
 void sumPairs(const Panels& P, const Propagation& soil) {
-  AerialStore& S = AERIAL;
+  AerialStore& S = aerial();
   const auto wanted = [&P](const Pair& p) { return !p.summed && p.panels == P; };
   for (int k = 1; k <= S.pairs; ++k) {
     if (wanted(S.pair[k])) S.pair[k].sum = {};
@@ -284,7 +290,7 @@ void sumPairs(const Panels& P, const Propagation& soil) {
 }
 
 AerialSums sumAnew(double X, double H, const Panels& P, const Propagation& soil) {
-  AerialStore& S = AERIAL;
+  AerialStore& S = aerial();
   AerialSums sum{};
   for (int first = 1; first <= P.count; first += BLOCKPANELS) {
     const Block b = blockAt(P, first);
@@ -308,10 +314,12 @@ AerialSums AERIALSUM(double X, double H, double w) {
   int k = findPair(X, H);
   if (k == 0) k = keepPair(X, H, P);
   if (k == 0) return sumAnew(X, H, P, propagationAt(w));
-  if (!AERIAL.pair[k].summed) sumPairs(P, propagationAt(w));
-  return AERIAL.pair[k].sum;
+  if (!aerial().pair[k].summed) sumPairs(P, propagationAt(w));
+  return aerial().pair[k].sum;
 }
 
-void FORGETAERIAL() { AERIAL.pairs = AERIAL.nodes = AERIAL.found = 0; }
+void FORGETAERIAL() {
+  if (AERIAL != nullptr) AERIAL->pairs = AERIAL->nodes = AERIAL->found = 0;
+}
 
 } // namespace lcp

@@ -10,6 +10,8 @@
 // below a double's; near it from the power series, in which (|x| + Re x) / log 2 bits cancel.
 #include "kernels/bessel_k.h"
 
+#include "base/solve_error.h"
+
 #include <acb_hypgeom.h>
 #include <algorithm>
 #include <cmath>
@@ -38,7 +40,8 @@ struct Balls {
   acb_t argument;
   acb_t value;
 
-  Balls() { // NOLINT(*-member-init)
+  Balls() {                             // NOLINT(*-member-init)
+    flint_set_abort(stopWithoutMemory); // the one way in which its arithmetic can fail
     acb_init(order);
     acb_init(argument);
     acb_init(value);

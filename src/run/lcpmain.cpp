@@ -2,6 +2,7 @@
 #include "run/lcpmain.h"
 
 #include "base/console.h"
+#include "base/solve_error.h"
 #include "base/stop.h"
 #include "input/reader.h"
 #include "output/manual_line.h"
@@ -13,6 +14,7 @@
 #include "store/solvedata.h"
 
 #include <cmath>
+#include <new>
 #include <xmmintrin.h>
 
 namespace lcp {
@@ -65,6 +67,7 @@ void flushDenormals() { _mm_setcsr(_mm_getcsr() | FLUSHTOZERO | DENORMALSAREZERO
 
 void LCPMAIN(std::span<char* const> arguments) {
   flushDenormals();
+  std::set_new_handler(stopWithoutMemory);
   console::prepare();
   printBanner();
   const CommandLine line = scanCommandLine(arguments);
