@@ -37,11 +37,6 @@ void signElement(int i, int r) {
 
 } // namespace
 
-void printFitHeading() {
-  console::line(" FITTING ERROR                # OF POLES");
-  console::line(" -------------                ----------");
-}
-
 void fitSurgeImpedance(int i) {
   const FrequencyGrid& G = SOLVEDATA.grid;
   const FitOptions& O = RUNDATA.fit;
@@ -74,6 +69,17 @@ void fitTransformElement(int i, int r) {
   console::print("Transform Element {},{}:", integerField(i, 2), integerField(r, 2));
   GROWFIT(G.NFUSE, G.WFREQ, SOLVEDATA.second.TIST.curve(i, r), G.WFIT, O.MAXP4, O.ERR4 * PERCENT,
           element);
+}
+
+void fitModes() {
+  const int n = RUNDATA.line.NC;
+  console::line(" FITTING ERROR                # OF POLES");
+  console::line(" -------------                ----------");
+  for (int m = 1; m <= n; ++m) {
+    fitSurgeImpedance(m);
+    fitAttenuation(m);
+    for (int r = 1; r <= n; ++r) fitTransformElement(m, r);
+  }
 }
 
 } // namespace lcp

@@ -16,8 +16,8 @@ struct ModeModel {
 // Mapped before anything of a file that includes this is initialised.
 inline ModeModel& MODEMODEL = bigStore<ModeModel>();
 
-// Heading of the lines that the fits print.
-void printFitHeading();
+// All functions of all modes, below the heading of the lines that the fits print.
+void fitModes();
 
 // Each fits its function of mode i over the NFUSE grid points of the solve store and leaves the
 // outcome in MODEMODEL. The travel time of the mode becomes the delay found (TAUMS, ms), and the

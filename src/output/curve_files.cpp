@@ -1,9 +1,9 @@
 #include "output/curve_files.h"
 
-#include "output/curve_line.h"
-#include "output/curve_mode.h"
-#include "output/curve_phase.h"
+#include "output/curve_file.h"
+#include "output/curve_rows.h"
 #include "store/rundata.h"
+#include "store/solvedata.h"
 
 namespace lcp {
 
@@ -29,15 +29,22 @@ CurveSteps fitSteps(int longTable) {
 
 bool isEndCurve(CurveId id) { return id == CurveId::GDIS || id == CurveId::GDIO; }
 
+template <class Action> void forAllCurves(Action action) {
+  for (int i = 0; i < static_cast<int>(CurveId::COUNT); ++i) action(static_cast<CurveId>(i));
+}
+
 } // namespace
 
 void headCurves() {
   if (!wanted(RUNDATA.model.fitted())) return;
-  for (int i = 0; i < static_cast<int>(CurveId::COUNT); ++i) {
-    const auto id = static_cast<CurveId>(i);
+  forAllCurves([](CurveId id) {
     if (!isEndCurve(id)) headCurve(id);
-  }
+  });
 }
+
+void closeHeadedCurves() { forAllCurves(closeCurve); }
+
+void discardHeadedCurves() { forAllCurves(discardCurve); }
 
 void writeEndCurves() {
   const CurveSteps steps = gridSteps();
@@ -70,9 +77,9 @@ void writePhaseFitCurves() {
   writePropagationFit(fitSteps(LONGHTABLE));
 }
 
-void writeSeriesFitCurves(const CurveMatrix<Complex, MAXFREQ>& ZFIT) {
+void writeSeriesFitCurves() {
   if (!wanted(RUNDATA.model.MODMFDTD)) return;
-  writeSeriesFit(ZFIT, fitSteps(LONGTABLE));
+  writeSeriesFit(fitSteps(LONGTABLE));
 }
 
 void writeSeriesLineCurves() {

@@ -3,8 +3,6 @@
 // model, and all of them when no curve files are wanted, do nothing.
 #pragma once
 
-#include "store/solvedata.h"
-
 namespace lcp {
 
 // Before the first frequency loop: all files with their headers, but those of the next routine.
@@ -20,9 +18,13 @@ void writeModeCurves();
 void writePhaseLineCurves();
 void writePhaseFitCurves();
 
-// MFDTD model: ZFIT is the fitted series impedance (ohm/m) at the fitted grid points, to be called
-// behind the fit; the sampled curves come behind the model file.
-void writeSeriesFitCurves(const CurveMatrix<Complex, MAXFREQ>& ZFIT);
+// MFDTD model: behind its fit, and behind the model file.
+void writeSeriesFitCurves();
 void writeSeriesLineCurves();
+
+// What is still open when the model file is complete holds its header alone. Without a model file
+// nothing is left in it.
+void closeHeadedCurves();
+void discardHeadedCurves();
 
 } // namespace lcp

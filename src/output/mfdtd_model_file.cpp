@@ -1,22 +1,12 @@
 #include "output/mfdtd_model_file.h"
 
-#include "base/console.h"
-#include "base/solve_error.h"
 #include "fit/series_fit.h"
 #include "output/model_file.h"
 #include "store/rundata.h"
-#include "store/solvedata.h"
-
-#include <algorithm>
-#include <cmath>
 
 namespace lcp {
 
 namespace {
-
-constexpr int SHUNTSTEP = 10; // frequency step of G and C; a table of fewer gives its last one
-
-RealMatrix G, C;
 
 void writeFirstLine(TextFile& file) {
   Record record("MFDTD");
@@ -49,25 +39,7 @@ void writePole(TextFile& file, int m) {
 
 } // namespace
 
-void formSeriesShunt() {
-  const int n = RUNDATA.line.NC;
-  const int k = std::min(SHUNTSTEP, SOLVEDATA.grid.NFUSE);
-  double sum = 0.0; // one infinity or one NaN shows in it
-  for (int j = 1; j <= n; ++j) {
-    for (int i = 1; i <= n; ++i) {
-      const Complex y = SOLVEDATA.at.YSTORE(k, i, j);
-      G(i, j) = y.real();
-      C(i, j) = y.imag() / SOLVEDATA.grid.WFREQ[k];
-      sum += std::fabs(G(i, j)) + std::fabs(C(i, j));
-    }
-  }
-  if (std::isfinite(sum)) return;
-  console::openStars();
-  console::print("The Capacitance at Frequency Step {} is not a Finite Number!", k);
-  stopInStars();
-}
-
-void writeMfdtdModel(TextFile& file) {
+void writeMfdtdModel(TextFile& file, const SeriesShunt& shunt) {
   writeModelHead(file);
   writeFirstLine(file);
   writeFlagLines(file);
@@ -75,8 +47,8 @@ void writeMfdtdModel(TextFile& file) {
   putReal(file, RUNDATA.run.LINELEN);
   putUpper(file, SERIESMODEL.ZFD);
   putUpper(file, SERIESMODEL.ZFE);
-  putUpper(file, G);
-  putUpper(file, C);
+  putUpper(file, shunt.G);
+  putUpper(file, shunt.C);
   file.line(Record().integer(SERIESMODEL.NPZ, 2));
   for (int m = 1; m <= SERIESMODEL.NPZ; ++m) writePole(file, m);
 }

@@ -85,15 +85,9 @@ void writeTransformElement(TextFile& file, int m, int r) {
 void writeModeModel(TextFile& file) {
   const int n = RUNDATA.line.NC;
   writeHead(file);
-  printFitHeading();
   for (int m = 1; m <= n; ++m) {
-    fitSurgeImpedance(m);
-    fitAttenuation(m);
     writeMode(file, m);
-    for (int r = 1; r <= n; ++r) {
-      fitTransformElement(m, r);
-      writeTransformElement(file, m, r);
-    }
+    for (int r = 1; r <= n; ++r) writeTransformElement(file, m, r);
   }
 }
 

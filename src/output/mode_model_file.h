@@ -5,8 +5,8 @@
 
 namespace lcp {
 
-// Writes the head and, mode by mode, fits and writes: travel time (ms), surge impedance (ohm),
-// attenuation and row of the current transformation, each as its poles (rad/s) and residues.
+// Writes the head and, mode by mode, what MODEMODEL has of it: travel time (ms), surge impedance
+// (ohm), attenuation and row of the current transformation, each as its poles (rad/s) and residues.
 void writeModeModel(TextFile& file);
 
 } // namespace lcp

@@ -105,10 +105,9 @@ void writeModeRecord(TextFile& file, int k, std::span<const double> values, int 
   file.line(record);
 }
 
-void writePiModel(TextFile& file) {
-  static LineMatrix YLC, ZLC, PIW;
+void writePiModel(TextFile& file, const LineMatrix& YLC, const LineMatrix& ZLC) {
+  static LineMatrix PIW;
   const int n = RUNDATA.line.NC;
-  correctPi(YLC, ZLC);
   writeModelHead(file);
   file.line(" BRANCHES:");
   formShuntData(PIW, YLC);

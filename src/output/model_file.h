@@ -23,9 +23,9 @@ void writeModeRecord(TextFile& file, int k, std::span<const double> values, int 
 // totals of the line. written: what the model file has in its place.
 void noteNegativeResistance(int k, double f, double R, double X, double written);
 
-// PI model: shunt branches in microfarad and ohm, then the lower triangle of the series data in
-// ohm and henry.
-void writePiModel(TextFile& file);
+// PI model, from the long-line corrected matrices: shunt branches in microfarad and ohm, then the
+// lower triangle of the series data in ohm and henry.
+void writePiModel(TextFile& file, const LineMatrix& YLC, const LineMatrix& ZLC);
 
 // Bergeron model: per mode travel time (ms), surge impedance (ohm), resistance at the steady-state
 // and at the loss frequency (ohm/m), and the row of the real transformation.

@@ -1,11 +1,7 @@
 #include "output/phase_model_file.h"
 
-#include "fit/fit_driver.h"
-#include "fit/passivity_check.h"
-#include "output/curve_files.h"
 #include "output/fit_parameters.h"
 #include "output/model_file.h"
-#include "passivity/enforcement.h"
 #include "store/rundata.h"
 
 namespace lcp {
@@ -21,16 +17,10 @@ void writeFirstLine(TextFile& file) {
 } // namespace
 
 void writePhaseModel(TextFile& file) {
-  const PassivityOptions& P = RUNDATA.passivity;
   writeModelHead(file);
   writeFirstLine(file);
   writeFlagLines(file);
-  FITDRIVE();
-  if (P.PITERSET) enforcePassivity();
-  writePhaseFitCurves();
-  CHECKDELAYS();
   FITPARMS(file);
-  if (P.PFLOSET && !P.PITERSET) PASSCHK();
 }
 
 } // namespace lcp

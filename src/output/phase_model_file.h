@@ -5,8 +5,7 @@
 
 namespace lcp {
 
-// Writes the head, runs the phase-domain fit and its passivity enforcement, writes the parameters,
-// and checks the passivity of a model that was not enforced, as far as these were asked for.
+// Writes the head and the poles and residues of FITMODEL.
 void writePhaseModel(TextFile& file);
 
 } // namespace lcp

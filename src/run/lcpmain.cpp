@@ -5,13 +5,11 @@
 #include "base/solve_error.h"
 #include "base/stop.h"
 #include "input/reader.h"
-#include "output/manual_line.h"
-#include "output/pi_component.h"
 #include "run/command_line.h"
+#include "run/manual_driver.h"
 #include "run/output_names.h"
 #include "run/solve_driver.h"
 #include "store/rundata.h"
-#include "store/solvedata.h"
 
 #include <cmath>
 #include <new>
@@ -43,20 +41,11 @@ void checkLength(double length) {
   stop(1);
 }
 
-void runManual() {
-  static LineMatrix Y, Z;
-  const double SSFREQ = RUNDATA.line.SSFREQ;
-  MANLINE(Y, Z, SSFREQ, MANUALFILES);
-  if (!RUNDATA.display.CREATEPI) return;
-  MANLINE(Y, Z, SSFREQ, MANUALMATRICES);
-  PISECT(Y, Z, RUNDATA.run.LINELEN);
-}
-
 void solveStep() {
   switch (RUNDATA.run.DATAFMT) {
   case ROUTECONSTANTS:
   case ROUTEMULTIPLE: QUENT(); break;
-  case ROUTEMANUAL: runManual(); break;
+  case ROUTEMANUAL: runManualLine(); break;
   default: unknownRoute();
   }
 }

@@ -2,24 +2,16 @@
 
 #include "base/console.h"
 #include "base/solve_error.h"
-#include "base/text_file.h"
 #include "fit/passivity_grid.h"
-#include "fit/series_fit.h"
 #include "modal/first_loop.h"
 #include "modal/frequency_grid.h"
 #include "modal/line_constants.h"
 #include "modal/second_loop.h"
 #include "modal/sequence.h"
-#include "output/curve_file.h"
 #include "output/curve_files.h"
-#include "output/manual_output.h"
-#include "output/mfdtd_model_file.h"
-#include "output/mode_model_file.h"
-#include "output/model_file.h"
-#include "output/output_file.h"
-#include "output/phase_model_file.h"
 #include "output/pi_component.h"
-#include "output/report.h"
+#include "run/model_step.h"
+#include "run/report_step.h"
 #include "store/rundata.h"
 #include "store/solvedata.h"
 
@@ -53,41 +45,10 @@ void checkWeights() {
   for (const double w : {F.WF1, F.WF2, F.WF3}) {
     if (std::fabs(w) <= MOSTWEIGHT) continue;
     console::openStars();
-    console::print("Weighting Factor {:.4g} is out of Range, Maximum of {:.4g} Allowed!", w, MOSTWEIGHT);
+    console::print("Weighting Factor {:.4g} is out of Range, Maximum of {:.4g} Allowed!", w,
+                   MOSTWEIGHT);
     stopInStars();
   }
-}
-
-void writeModel(TextFile& file) {
-  const ModelChoice& M = RUNDATA.model;
-  if (M.MODPI) writePiModel(file);
-  if (M.MODBERG) writeBergeronModel(file);
-  if (M.MODFDM) writeModeModel(file);
-  if (M.MODFDP) writePhaseModel(file);
-  if (M.MODMFDTD) writeMfdtdModel(file);
-}
-
-// False when the model file cannot be opened, or replaced by the user's own.
-bool runModel() {
-  const ModelChoice& M = RUNDATA.model;
-  TextFile file;
-  if (M.MODMFDTD) {
-    fitSeriesImpedance(); // before there is a file
-    formSeriesShunt();
-    writeSeriesFitCurves(SERIESMODEL.ZFIT);
-  }
-  writePhaseLineCurves();
-  if (!openOutput(file, RUNDATA.run.FOUTM, EarlyEnd::REMOVE)) {
-    discardHeadedCurves();
-    return false;
-  }
-  writeModel(file);
-  file.close();
-  writeModeCurves();
-  writeSeriesLineCurves();
-  closeHeadedCurves();
-  const bool replaced = RUNDATA.display.MANOUT && (M.MODFDP || M.MODMFDTD);
-  return !replaced || copyManualOutput();
 }
 
 // Y and Z that are not computed stay those of the last step.
@@ -98,15 +59,6 @@ void runComponent() {
   const bool computed = R.DATAFMT != ROUTEMULTIPLE && R.ISCABLE != FOURWIRECABLE;
   if (computed) constantsAt(RUNDATA.line.SSFREQ);
   PISECT(S.YMAT, S.ZMAT, R.LINELEN);
-}
-
-bool runReport() {
-  TextFile file;
-  if (!openOutput(file, RUNDATA.run.FOUTR, EarlyEnd::KEEP)) return false;
-  constantsAt(RUNDATA.display.DISPFREQ);
-  writeReport(file);
-  file.close();
-  return true;
 }
 
 } // namespace
@@ -124,7 +76,7 @@ void QUENT() {
   secondFrequencyLoop();
   if (RUNDATA.model.fitted()) formFitWeights();
   writeEndCurves();
-  if (!runModel()) return;
+  if (!runModelStep()) return;
   runComponent();
   if (RUNDATA.run.DATAFMT != ROUTEMULTIPLE) runReport();
 }

@@ -3,7 +3,7 @@
 
 #include "base/constants.h"
 #include "modal/long_line.h"
-#include "output/manual_line.h"
+#include "run/manual_driver.h"
 #include "store/rundata.h"
 #include "support/dense_functions.h"
 #include "support/description.h"

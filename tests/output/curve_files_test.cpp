@@ -299,7 +299,7 @@ TEST(CurveFiles, StepsAndRowsByModelAndRoute) {
       RUNDATA.run.DATAFMT = to;
       SOLVEDATA.grid.NFUSE = last;
       headCurves(), writeEndCurves(), writePhaseLineCurves(), writePhaseFitCurves();
-      writeSeriesFitCurves(SOLVEDATA.at.ZSTORE), writeSeriesLineCurves(), writeModeCurves();
+      writeSeriesFitCurves(), writeSeriesLineCurves(), writeModeCurves();
     });
     const CurveText curve = files.at(file);
     ASSERT_EQ(curve.rows.size(), rows) << file << NFUSE;

@@ -85,12 +85,13 @@ TEST(MfdtdModelFile, ShortTablesAndManyPoles) {
   SOLVEDATA.at.YSTORE(4, 1, 1) = {2, -4};
   TextFile file;
   ASSERT_TRUE(file.open(scratch.file("a.cvo"), EarlyEnd::KEEP));
-  formSeriesShunt();
-  writeMfdtdModel(file);
+  static SeriesShunt shunt;
+  formSeriesShunt(shunt);
+  writeMfdtdModel(file, shunt);
   file.close();
   const std::string text = contentOf(scratch.file("a.cvo"));
   EXPECT_NE(text.find("\nMFDTD  1 **  "), std::string::npos);
   EXPECT_NE(text.find("\n0.20000000000000E+01\n-.50000000000000E+00\n**\n("), std::string::npos);
   SOLVEDATA.grid.WFREQ[4] = 0;
-  EXPECT_EQ(runChild([] { formSeriesShunt(); }).status, 1);
+  EXPECT_EQ(runChild([] { formSeriesShunt(shunt); }).status, 1);
 }

@@ -112,6 +112,7 @@ ModeFile solveAndWrite(const std::string& body, bool constant = true) {
   const ChildResult child = runChild([&] {
     TextFile file;
     if (!file.open(scratch.file("a.cvo"), EarlyEnd::KEEP)) std::abort();
+    fitModes();
     writeModeModel(file);
     file.close();
   });

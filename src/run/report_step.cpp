@@ -1,10 +1,12 @@
-#include "output/report.h"
+#include "run/report_step.h"
 
 #include "kernels/matrix_kernels.h"
 #include "modal/core_sequence.h"
+#include "modal/line_constants.h"
 #include "modal/long_line.h"
 #include "modal/report_modes.h"
 #include "modal/sequence.h"
+#include "output/output_file.h"
 #include "output/report_sections.h"
 #include "store/fitmodel.h"
 #include "store/rundata.h"
@@ -36,8 +38,6 @@ std::span<const double> first(std::span<const double> values, int n) {
   return values.first(static_cast<std::size_t>(n));
 }
 
-} // namespace
-
 void writeReport(TextFile& file) {
   static LineMatrix YLC, ZLC;
   const FirstLoopStore& S = SOLVEDATA.first;
@@ -56,6 +56,16 @@ void writeReport(TextFile& file) {
   if (hasSequenceMatrices()) SEQMATS(file, S.YMAT, S.ZMAT);
   if (M.MODBERG) MINDELAY(file, first(SOLVEDATA.second.TAUMS.entries, n), true);
   if (M.MODFDP) MINDELAY(file, first(FITMODEL.TAU.entries, FITMODEL.NGROUP), false);
+}
+
+} // namespace
+
+void runReport() {
+  TextFile file;
+  if (!openOutput(file, RUNDATA.run.FOUTR, EarlyEnd::KEEP)) return;
+  constantsAt(RUNDATA.display.DISPFREQ);
+  writeReport(file);
+  file.close();
 }
 
 } // namespace lcp

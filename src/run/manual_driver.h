@@ -1,4 +1,4 @@
-// A line whose data were entered by hand: its Bergeron model file and its report.
+// A line whose data were entered by hand: its matrices, its Bergeron model file and its report.
 #pragma once
 
 #include "base/matrix.h"
@@ -14,5 +14,8 @@ constexpr int MANUALMATRICES = 1; // writes nothing
 // modes, and a model file that cannot be opened end the run with a message, exit status 1; without
 // a report the run goes on.
 void MANLINE(CView Y, CView Z, double f, int mode);
+
+// One length step: files, and the component where it is wanted.
+void runManualLine();
 
 } // namespace lcp

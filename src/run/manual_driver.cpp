@@ -1,20 +1,22 @@
-#include "output/manual_line.h"
+#include "run/manual_driver.h"
 
 #include "base/console.h"
 #include "base/constants.h"
 #include "base/stop.h"
+#include "base/text_file.h"
 #include "kernels/matrix_kernels.h"
 #include "modal/long_line.h"
 #include "modal/manual_modes.h"
 #include "modal/report_modes.h"
 #include "modal/sequence.h"
+#include "output/manual_files.h"
 #include "output/model_file.h"
 #include "output/output_file.h"
+#include "output/pi_component.h"
 #include "output/report_sections.h"
 #include "store/rundata.h"
 
 #include <algorithm>
-#include <vector>
 
 namespace lcp {
 
@@ -32,68 +34,18 @@ void checkModel() {
   stop(1);
 }
 
-// --- model file
-
-void openModel(TextFile& file) {
-  if (file.open(RUNDATA.run.FOUTM.whole(), EarlyEnd::REMOVE)) return;
-  console::line();
-  console::line(" ****** corvo.exe: ERROR *****");
-  console::line("Cannot Open corvo Output file ! ******");
-  stop(1);
-}
-
-void writeHead(TextFile& file) {
-  const ManualData& M = RUNDATA.manual;
-  file.line("! ------ ORVEX Line Constants Program ------ ");
-  file.line("! This file auto-generated.   Any manual changes");
-  file.line("! made to this file will be lost when the Line");
-  file.line("! Constants program is run.");
-  file.line("! ----------------------------------------------- ");
-  if (M.YZFMT != 1 || M.MANFMT != MANPAIR) return;
-  file.line("!");
-  file.line("! **NOTE: YZ input data given in total ohm/mho. Therefore");
-  file.line("!         line length is ignored.");
-  file.line("!");
-}
-
-void writeFirstLine(TextFile& file) {
-  const BergeronOptions& B = RUNDATA.bergeron;
-  const double SSFREQ = RUNDATA.line.SSFREQ;
-  Record record(" ");
-  record.integer(RUNDATA.line.NC, 2).column(5).text("0").column(12).text("1");
-  record.column(23).text("1").column(28);
-  for (const double value : {SSFREQ, SSFREQ, manualLength(), B.TAUMET, B.TAU0}) {
-    record.general(value, 16, 7);
-  }
-  file.line(record.text(" /"));
-}
-
-void writeMode(TextFile& file, int k, const ManualMode& m, const RealMatrix& TR) {
-  std::vector<double> values = {m.T, m.Zc, m.R, m.R};
-  for (int j = 1; j <= RUNDATA.line.NC; ++j) values.push_back(TR(k, j));
-  writeModeRecord(file, k, values, MANUALVALUES);
-}
-
-void writeModel(const ManualMode* modes) {
-  static RealMatrix TR;
-  const int n = RUNDATA.line.NC;
-  TextFile file;
-  openModel(file);
-  writeHead(file);
-  writeFirstLine(file);
-  REALPT(TR, MANUAL.TI, n);
-  RCOLNORM(TR, TR, n);
-  for (int k = 1; k <= n; ++k) writeMode(file, k, modes[k - 1], TR);
-  file.close();
-}
-
-// --- report
-
 void reportModes(TextFile& file) {
   static ModeReals TAUM;
   static ModeComplex Z0M;
   formModeTimes(MANUAL.YMOD, MANUAL.ZMOD, TAUM, Z0M);
   writeModalDomain(file, {MANUAL.TI, MANUAL.EIGM, MANUAL.ZMOD, MANUAL.YMOD, Z0M, TAUM}, 2);
+}
+
+// The real transformation with unit columns.
+void realTransformation(RealMatrix& TR) {
+  const int n = RUNDATA.line.NC;
+  REALPT(TR, MANUAL.TI, n);
+  RCOLNORM(TR, TR, n);
 }
 
 // Without its file the report still tells the console what it has to.
@@ -132,6 +84,7 @@ void formModes(double f, bool writes, ManualMode* modes) {
 
 void MANLINE(CView Y, CView Z, double f, int mode) {
   const bool writes = mode == MANUALFILES;
+  static RealMatrix TR;
   ManualMode modes[LDMAT];
   if (writes) checkModel();
   checkBases();
@@ -140,8 +93,19 @@ void MANLINE(CView Y, CView Z, double f, int mode) {
   formModes(writes ? RUNDATA.line.SSFREQ : f, writes, modes);
   formManualPhases(Y, Z);
   if (!writes) return;
-  writeModel(modes); // nothing is refused from here on but what only the report can tell
+  realTransformation(TR);
+  // Nothing is refused from here on but what only the report can tell.
+  writeManualModel({modes, static_cast<std::size_t>(RUNDATA.line.NC)}, TR);
   writeManualReport(Y, Z);
+}
+
+void runManualLine() {
+  static LineMatrix Y, Z;
+  const double SSFREQ = RUNDATA.line.SSFREQ;
+  MANLINE(Y, Z, SSFREQ, MANUALFILES);
+  if (!RUNDATA.display.CREATEPI) return;
+  MANLINE(Y, Z, SSFREQ, MANUALMATRICES);
+  PISECT(Y, Z, RUNDATA.run.LINELEN);
 }
 
 } // namespace lcp

@@ -1,0 +1,285 @@
+// Far end shorted and open, with u the propagation constant times the length:
+//
+//   Zin_i = Zs_i tanh u_i,   Zin_i = Zs_i coth u_i           of mode i
+//   V = M diag(Zin) M^T I,   M = TI^-T,   I = (3, 0, 0)      of the phases
+#include "output/curve_rows.h"
+
+#include "base/constants.h"
+#include "fit/fitted_curves.h"
+#include "fit/mode_model.h"
+#include "fit/series_fit.h"
+#include "kernels/hyperbolic.h"
+#include "kernels/inversion.h"
+#include "output/curve_file.h"
+#include "store/fitmodel.h"
+#include "store/rundata.h"
+#include "store/solvedata.h"
+
+#include <cmath>
+
+namespace lcp {
+
+namespace {
+
+using enum CurveId;
+
+enum class Part { MAGNITUDE, ANGLE };
+using enum Part;
+
+// Squares between these bounds have lost nothing.
+constexpr double LEASTSQUARE = 1e-280;
+constexpr double MOSTSQUARE = 1e280;
+
+double magnitudeOf(Complex z) {
+  const double square = z.real() * z.real() + z.imag() * z.imag();
+  if (square > LEASTSQUARE && square < MOSTSQUARE) return std::sqrt(square);
+  return std::hypot(z.real(), z.imag());
+}
+
+// In degrees, above -180 up to 180. Adding 0 turns a negative zero, whose half turn would be -180.
+double angleOf(Complex z) { return std::atan2(z.imag() + 0.0, z.real()) * DEGREES; }
+
+double partOf(Part part, Complex z) { return part == MAGNITUDE ? magnitudeOf(z) : angleOf(z); }
+
+// Frequencies of the rows: those of the grid, or as the fits take them back from WFREQ.
+enum class RowFrequency { GRID, FIT };
+
+void startRow(CurveFile& file, RowFrequency from, int k) {
+  const FrequencyGrid& G = SOLVEDATA.grid;
+  if (from == RowFrequency::GRID) {
+    file.startRow(G.LOGF[k], G.FREQ[k]);
+    return;
+  }
+  const double FN = G.WFREQ[k] * INVTWOPI;
+  file.startRow(std::log10(FN), FN);
+}
+
+// The one way through a curve file: a row for each step, which putRow fills behind the frequency.
+template <class PutRow>
+void writeRows(CurveId id, CurveSteps steps, RowFrequency from, PutRow putRow) {
+  CurveFile file;
+  if (!file.open(id)) return;
+  for (int k = steps.first; k <= steps.last; ++k) {
+    startRow(file, from, k);
+    putRow(file, k);
+    file.endRow();
+  }
+  file.close();
+}
+
+using ElementCurves = CurveMatrix<Complex, MAXFREQ>;
+
+// All elements by the part of the file, the column faster; of a fit the sampled one and the fitted.
+void writeElements(CurveId id, Part part, const ElementCurves& A, CurveSteps steps,
+                   RowFrequency from, const ElementCurves* fit = nullptr) {
+  const int n = RUNDATA.line.NC;
+  writeRows(id, steps, from, [&](CurveFile& file, int k) {
+    for (int i = 1; i <= n; ++i) {
+      for (int j = 1; j <= n; ++j) {
+        file.value(partOf(part, A(k, i, j)));
+        if (fit != nullptr) file.value(partOf(part, (*fit)(k, i, j)));
+      }
+    }
+  });
+}
+
+// Two files: magnitudes and angles.
+void writeBoth(CurveId size, CurveId angle, const ElementCurves& A, CurveSteps steps,
+               RowFrequency from, const ElementCurves* fit = nullptr) {
+  writeElements(size, MAGNITUDE, A, steps, from, fit);
+  writeElements(angle, ANGLE, A, steps, from, fit);
+}
+
+// ---- the line itself
+
+constexpr double INJECTED = 3.0; // A
+
+enum class FarEnd { SHORTED, OPEN };
+
+Complex inputImpedance(FarEnd end, int k, int i) {
+  const SecondLoopStore& T = SOLVEDATA.second;
+  const Complex u = T.GAMLEN(k, i);
+  return T.ZSURGST(k, i) * (end == FarEnd::SHORTED ? CTANH(u) : CCOTH(u));
+}
+
+void putPolar(CurveFile& file, Complex z) {
+  file.value(magnitudeOf(z));
+  file.value(PHASE2(z.imag(), z.real()) * DEGREES);
+}
+
+void writeModeValues(CurveId id, Part part, CurveSteps steps) {
+  writeRows(id, steps, RowFrequency::GRID, [&](CurveFile& file, int k) {
+    for (int i = 1; i <= RUNDATA.line.NC; ++i) file.value(partOf(part, SOLVEDATA.at.MEIG(k, i)));
+  });
+}
+
+void writeUpperTriangle(CurveId id, const ElementCurves& A, CurveSteps steps) {
+  const int n = RUNDATA.line.NC;
+  writeRows(id, steps, RowFrequency::GRID, [&](CurveFile& file, int k) {
+    for (int i = 1; i <= n; ++i) {
+      for (int j = i; j <= n; ++j) {
+        file.value(A(k, i, j).real());
+        file.value(A(k, i, j).imag());
+      }
+    }
+  });
+}
+
+void writeInputImpedances(CurveId id, FarEnd end, CurveSteps steps) {
+  writeRows(id, steps, RowFrequency::GRID, [&](CurveFile& file, int k) {
+    for (int i = 1; i <= RUNDATA.line.NC; ++i) putPolar(file, inputImpedance(end, k, i));
+  });
+}
+
+// TI^-1 of a step. That of an ideally transposed line stands, the same at all steps.
+void loadInverse(int k, int n, LineMatrix& TIINV) {
+  static LineMatrix TI;
+  SOLVEDATA.second.TIST.load(k, TI, n);
+  INVCJD(TIINV, TI, n);
+}
+
+void writeVoltages(CurveId id, FarEnd end, CurveSteps steps) {
+  static LineMatrix inverse;
+  const int n = RUNDATA.line.NC;
+  const bool fixed = SOLVEDATA.first.IDEALT;
+  const LineMatrix& TIINV = fixed ? SOLVEDATA.first.TIINV : inverse;
+  writeRows(id, steps, RowFrequency::GRID, [&](CurveFile& file, int k) {
+    if (!fixed) loadInverse(k, n, inverse);
+    for (int j = 1; j <= n; ++j) {
+      Complex V = 0;
+      for (int i = 1; i <= n; ++i) {
+        V += TIINV(i, j) * INJECTED * TIINV(i, 1) * inputImpedance(end, k, i);
+      }
+      putPolar(file, V);
+    }
+  });
+}
+
+// ---- fits
+
+constexpr double TURN = 360.0; // degrees
+
+Complex fitted(const RationalFit& F, int k) {
+  return partialFractions(F.P, F.R, F.N, F.D, 0.0, Complex(0.0, SOLVEDATA.grid.WFREQ[k]));
+}
+
+// The attenuation's angles all lie from -360 up to 0.
+double laggingAngle(Complex z) {
+  const double angle = angleOf(z);
+  return angle > 0.0 ? angle - TURN : angle;
+}
+
+void putSurgeImpedance(CurveFile& file, Part part, int k, int i) {
+  const SecondLoopStore& T = SOLVEDATA.second;
+  const Complex F = fitted(MODEMODEL.Z[i], k);
+  file.value(part == MAGNITUDE ? magnitudeOf(T.ZSURGST(k, i)) : T.ZSARG(k, i));
+  file.value(part == MAGNITUDE ? magnitudeOf(F) : angleOf(F));
+}
+
+void putAttenuation(CurveFile& file, Part part, int k, int i) {
+  const SecondLoopStore& T = SOLVEDATA.second;
+  const Complex F = fitted(MODEMODEL.A[i], k);
+  file.value(part == MAGNITUDE ? T.HMAG(k, i) : T.HARG(k, i));
+  file.value(part == MAGNITUDE ? magnitudeOf(F) : laggingAngle(F));
+}
+
+// A constant transformation is that of its step, with its sign; at all steps.
+void putTransformElement(CurveFile& file, Part part, int k, int i, int j) {
+  const SecondLoopStore& T = SOLVEDATA.second;
+  const auto& sampled = part == MAGNITUDE ? T.TIMAG : T.TIARG;
+  file.value(sampled(k, i, j));
+  if (RUNDATA.fit.CONSTT) {
+    file.value(sampled(SOLVEDATA.grid.NFREQ, i, j));
+    return;
+  }
+  const Complex F = fitted(MODEMODEL.T(i, j), k);
+  file.value(part == MAGNITUDE ? magnitudeOf(F) : angleOf(F));
+}
+
+void putModeRow(CurveFile& file, CurveId id, int k) {
+  const int n = RUNDATA.line.NC;
+  for (int i = 1; i <= n; ++i) {
+    switch (id) {
+    case ZCMM: putSurgeImpedance(file, MAGNITUDE, k, i); break;
+    case ZCPM: putSurgeImpedance(file, ANGLE, k, i); break;
+    case AMM: putAttenuation(file, MAGNITUDE, k, i); break;
+    case APM: putAttenuation(file, ANGLE, k, i); break;
+    default:
+      for (int j = 1; j <= n; ++j)
+        putTransformElement(file, id == TIMM ? MAGNITUDE : ANGLE, k, i, j);
+    }
+  }
+}
+
+constexpr double NOTHING = 1e-32; // magnitude below which a modal function is shown as 0
+
+double shown(Part part, Complex z) {
+  const double value = partOf(part, z);
+  return part == MAGNITUDE && value < NOTHING ? 0.0 : value;
+}
+
+void writeGroups(CurveId id, Part part, CurveSteps steps) {
+  writeRows(id, steps, RowFrequency::FIT, [&](CurveFile& file, int k) {
+    for (int g = 1; g <= FITMODEL.NGROUP; ++g) {
+      file.value(shown(part, FITTED.GROUP(k, g)));
+      file.value(shown(part, FITTED.GROUPFIT(k, g)));
+    }
+  });
+}
+
+} // namespace
+
+void writeConstants(CurveSteps steps) {
+  const FrequencyStore& A = SOLVEDATA.at;
+  writeBoth(ZM, ZP, A.ZSTORE, steps, RowFrequency::GRID);
+  writeBoth(YM, YP, A.YSTORE, steps, RowFrequency::GRID);
+}
+
+void writeEigenvalues(CurveSteps steps) {
+  writeModeValues(LAMDAM, MAGNITUDE, steps);
+  writeModeValues(LAMDAP, ANGLE, steps);
+}
+
+// That of an ideally transposed line is not followed: it stands with the modes alone.
+void writeTransformation(CurveSteps steps) {
+  const ElementCurves& TI = SOLVEDATA.first.IDEALT ? SOLVEDATA.second.TIST : SOLVEDATA.at.MTI;
+  writeBoth(TIMP, TIPP, TI, steps, RowFrequency::GRID);
+}
+
+void writeFewConductors(CurveSteps steps) {
+  writeUpperTriangle(ZS, SOLVEDATA.at.ZSTORE, steps);
+  writeUpperTriangle(YS, SOLVEDATA.at.YSTORE, steps);
+  writeInputImpedances(SHORTED, FarEnd::SHORTED, steps);
+  writeInputImpedances(OPEN, FarEnd::OPEN, steps);
+}
+
+void writeSentVoltages(CurveSteps steps) {
+  writeVoltages(GDIS, FarEnd::SHORTED, steps);
+  writeVoltages(GDIO, FarEnd::OPEN, steps);
+}
+
+void writeModeFits(CurveSteps steps) {
+  for (const CurveId id : {ZCMM, ZCPM, AMM, APM, TIMM, TIPM}) {
+    writeRows(id, steps, RowFrequency::GRID,
+              [id](CurveFile& file, int k) { putModeRow(file, id, k); });
+  }
+}
+
+void writeAdmittanceFit(CurveSteps steps) {
+  writeBoth(YCMP, YCPP, SOLVEDATA.second.YCST, steps, RowFrequency::FIT, &FITTED.YC);
+}
+
+void writeGroupFits(CurveSteps steps) {
+  writeGroups(HMM, MAGNITUDE, steps);
+  writeGroups(HPM, ANGLE, steps);
+}
+
+void writePropagationFit(CurveSteps steps) {
+  writeBoth(HMP, HPP, SOLVEDATA.second.HST, steps, RowFrequency::FIT, &FITTED.H);
+}
+
+void writeSeriesFit(CurveSteps steps) {
+  writeBoth(ZMF, ZPF, SERIESMODEL.ZFIT, steps, RowFrequency::FIT);
+}
+
+} // namespace lcp

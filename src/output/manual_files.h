@@ -1,0 +1,16 @@
+// The Bergeron model file of a line whose data were entered by hand.
+#pragma once
+
+#include "modal/manual_modes.h"
+#include "store/solvedata.h"
+
+#include <span>
+
+namespace lcp {
+
+// Opens the model file, writes the modes behind its head, and closes it: per mode travel time (ms),
+// surge impedance (ohm), resistance twice, and its row of the real transformation TR. A file that
+// cannot be opened ends the run with a message, exit status 1.
+void writeManualModel(std::span<const ManualMode> modes, const RealMatrix& TR);
+
+} // namespace lcp

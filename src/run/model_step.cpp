@@ -1,0 +1,93 @@
+#include "run/model_step.h"
+
+#include "base/text_file.h"
+#include "fit/fit_driver.h"
+#include "fit/mode_model.h"
+#include "fit/passivity_check.h"
+#include "fit/series_fit.h"
+#include "modal/pi_model.h"
+#include "modal/series_shunt.h"
+#include "output/curve_files.h"
+#include "output/fit_parameters.h"
+#include "output/manual_output.h"
+#include "output/mfdtd_model_file.h"
+#include "output/mode_model_file.h"
+#include "output/model_file.h"
+#include "output/output_file.h"
+#include "output/phase_model_file.h"
+#include "passivity/enforcement.h"
+#include "store/rundata.h"
+
+namespace lcp {
+
+namespace {
+
+SeriesShunt shunt;
+
+void piModel(TextFile& file) {
+  static LineMatrix YLC, ZLC;
+  correctPi(YLC, ZLC);
+  writePiModel(file, YLC, ZLC);
+}
+
+void modeModel(TextFile& file) {
+  fitModes();
+  writeModeModel(file);
+}
+
+void phaseModel(TextFile& file) {
+  const PassivityOptions& P = RUNDATA.passivity;
+  FITDRIVE();
+  if (P.PITERSET) enforcePassivity();
+  writePhaseFitCurves();
+  CHECKDELAYS();
+  writePhaseModel(file);
+  if (P.PFLOSET && !P.PITERSET) PASSCHK();
+}
+
+// What can end the run for its data does so before there is a file.
+void beforeTheFile() {
+  if (RUNDATA.model.MODMFDTD) {
+    fitSeriesImpedance();
+    formSeriesShunt(shunt);
+    writeSeriesFitCurves();
+  }
+  writePhaseLineCurves();
+}
+
+void writeModel(TextFile& file) {
+  const ModelChoice& M = RUNDATA.model;
+  if (M.MODPI) piModel(file);
+  if (M.MODBERG) writeBergeronModel(file);
+  if (M.MODFDM) modeModel(file);
+  if (M.MODFDP) phaseModel(file);
+  if (M.MODMFDTD) writeMfdtdModel(file, shunt);
+  file.close();
+}
+
+void behindTheFile() {
+  writeModeCurves();
+  writeSeriesLineCurves();
+  closeHeadedCurves();
+}
+
+bool isReplaced() {
+  const ModelChoice& M = RUNDATA.model;
+  return RUNDATA.display.MANOUT && (M.MODFDP || M.MODMFDTD);
+}
+
+} // namespace
+
+bool runModelStep() {
+  TextFile file;
+  beforeTheFile();
+  if (!openOutput(file, RUNDATA.run.FOUTM, EarlyEnd::REMOVE)) {
+    discardHeadedCurves();
+    return false;
+  }
+  writeModel(file);
+  behindTheFile();
+  return !isReplaced() || copyManualOutput();
+}
+
+} // namespace lcp
