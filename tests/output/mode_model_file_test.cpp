@@ -1,6 +1,7 @@
 // Mode model files read back by columns, and their functions compared with the modes of the line.
 #include "output/mode_model_file.h"
 
+#include "fit/mode_model.h"
 #include "modal/second_loop.h"
 #include "store/rundata.h"
 #include "store/solvedata.h"
