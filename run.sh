@@ -11,7 +11,7 @@ build=$top/build/run
 "$top/tools/install_packages.sh" run
 mkdir -p "$build"
 if ! cmake -S "$top" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release \
-    -DCORVO_TESTS=OFF -DCORVO_BENCH=OFF > "$build/configure.log" 2>&1; then
+    -DCORVO_TESTS=OFF -DCORVO_COMPANIONS=OFF > "$build/configure.log" 2>&1; then
   cat "$build/configure.log" >&2
   exit 1
 fi

@@ -5,7 +5,7 @@ set -euo pipefail
 cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")"
 tools/install_packages.sh test
 
-find src tests bench -name '*.cpp' -print0 -o -name '*.h' -print0 |
+find src companions tests bench -name '*.cpp' -print0 -o -name '*.h' -print0 |
   xargs -0 clang-format-14 --dry-run -Werror
 
 for preset in release sanitize; do

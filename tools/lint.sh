@@ -18,7 +18,7 @@ if [[ $# -gt 0 ]]; then
   cd "$start"
   files=("$@")
 else
-  mapfile -t files < <(find src tests bench -name '*.cpp' | sort)
+  mapfile -t files < <(find src companions tests bench -name '*.cpp' | sort)
 fi
 # The count of warnings in system headers is of no interest.
 printf '%s\0' "${files[@]}" |

@@ -41,6 +41,8 @@ void checkLength(double length) {
   stop(1);
 }
 
+} // namespace
+
 void solveStep() {
   switch (RUNDATA.run.DATAFMT) {
   case ROUTECONSTANTS:
@@ -49,8 +51,6 @@ void solveStep() {
   default: unknownRoute();
   }
 }
-
-} // namespace
 
 void flushDenormals() { _mm_setcsr(_mm_getcsr() | FLUSHTOZERO | DENORMALSAREZERO); }
 

@@ -12,4 +12,8 @@ namespace lcp {
 // Denormal results and operands become zero, in this thread, from here on.
 void flushDenormals();
 
+// One length step of what was read, by its route: model file and report under the names FOUTM and
+// FOUTR.
+void solveStep();
+
 } // namespace lcp

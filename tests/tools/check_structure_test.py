@@ -57,7 +57,9 @@ class CheckStructure(unittest.TestCase):
 
     def test_includes(self):
         self.check({"src/base/ground.cpp": '#include "store/shelf.h"\n'}, "includes upward")
-        self.check({"src/base/ground.cpp": '#include "shelf.h"\n'}, "not in src/ by that path")
+        self.check({"companions/a/x.h": '#include "companions/b/y.h"\n',
+                    "companions/b/y.h": "\n"}, "includes another companion")
+        self.check({"src/base/ground.cpp": '#include "shelf.h"\n'}, "not in the tree by that path")
         self.check({"src/odd/shelf.h": "\n", "src/store/shelf.h": None, "src/run/main.cpp": "\n"},
                    "a folder without a level")
 
@@ -97,7 +99,7 @@ class CheckStructure(unittest.TestCase):
         whole = TREE["ROADMAP.md"]
         self.check({"ROADMAP.md": whole.replace("- `shelf`", "- shelf")}, "in 0 lines")
         self.check({"ROADMAP.md": whole + "- `store/shelf`: again\n"}, "in 2 lines")
-        self.check({"ROADMAP.md": whole + "- `store/gone`: x\n"}, "store/gone is not in src/")
+        self.check({"ROADMAP.md": whole + "- `store/gone`: x\n"}, "store/gone is not in the tree")
         self.assertEqual(self.told({"ROADMAP.md": None}).count("in 0 lines"), 3)
         # One name in two folders tells neither.
         self.assertEqual(self.told({"src/run/shelf.h": "\n"}).count("shelf is named in 0"), 2)

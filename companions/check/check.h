@@ -1,0 +1,11 @@
+// corvo-check: what a description file says, and what in it had no effect or looks like a slip.
+#pragma once
+
+#include <span>
+
+namespace lcp::companions {
+
+// Exit status: 0 nothing found, 1 findings, 2 the program would refuse the file.
+int checkDescription(std::span<char* const> arguments);
+
+} // namespace lcp::companions

@@ -1,0 +1,45 @@
+// Command lines of the companions: words, options with and without a value.
+#pragma once
+
+#include <map>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace lcp::companions {
+
+struct OptionRow {
+  std::string_view name;  // "--json", "/length"
+  std::string_view value; // what the usage calls its value; empty for none
+  std::string_view help;
+};
+
+struct Program {
+  std::string_view name;
+  std::string_view purpose; // one line
+  std::string_view words;   // what the usage calls its words: "DESCRIPTION [MODEL]"
+  std::size_t leastWords, mostWords;
+  std::span<const OptionRow> options;
+};
+
+struct Arguments {
+  std::vector<std::string> words;
+  std::map<std::string, std::string, std::less<>> options; // name to value
+
+  bool has(std::string_view option) const { return options.contains(option); }
+  // The value of an option, or another one when it was not given.
+  std::string_view valueOr(std::string_view option, std::string_view other) const;
+  // The same as a number; a value that is not a finite number ends the program, exit status 2.
+  double numberOr(std::string_view option, double other) const;
+};
+
+// Takes the command line apart. --help and --version are told and end the program, exit status 0;
+// an option that the program does not know, a value that is missing, and too few or too many words
+// end it with a message and the usage on the error stream, exit status 2.
+Arguments parseArguments(const Program& program, std::span<char* const> arguments);
+
+// A line "NAME: WORDS" on the error stream, and the end, exit status 2.
+[[noreturn]] void giveUp(std::string_view name, std::string_view words);
+
+} // namespace lcp::companions

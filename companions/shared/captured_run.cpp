@@ -1,0 +1,94 @@
+#include "companions/shared/captured_run.h"
+
+#include "base/console.h"
+#include "base/stop.h"
+#include "input/reader.h"
+#include "run/lcpmain.h"
+#include "run/output_names.h"
+#include "store/rundata.h"
+
+#include <array>
+#include <cstdlib>
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace lcp::companions {
+
+namespace {
+
+std::string contentOf(int descriptor) {
+  std::string text;
+  std::array<char, 1 << 14> block{};
+  lseek(descriptor, 0, SEEK_SET);
+  for (ssize_t n = 0; (n = read(descriptor, block.data(), block.size())) > 0;)
+    text.append(block.data(), static_cast<std::size_t>(n));
+  close(descriptor);
+  return text;
+}
+
+void readDescription(const std::string& file, double length) {
+  RunControl& R = RUNDATA.run;
+  flushDenormals();
+  R.LINELEN = length;
+  R.FNAME = file;
+  chooseBaseName(R);
+  READTLDATA();
+}
+
+} // namespace
+
+CapturedRun runCaptured(const std::function<void()>& work) {
+  CapturedRun run;
+  // In memory: a pipe would have to be emptied while the child writes.
+  const int out = memfd_create("console", 0);
+  const int errors = memfd_create("errors", 0);
+  console::flush();
+  const pid_t child = fork();
+  if (child == 0) {
+    dup2(out, STDOUT_FILENO);
+    dup2(errors, STDERR_FILENO);
+    work();
+    stop(0);
+  }
+  int status = 0;
+  if (child > 0) waitpid(child, &status, 0);
+  if (child > 0 && WIFEXITED(status)) run.status = WEXITSTATUS(status);
+  run.console = contentOf(out);
+  run.errors = contentOf(errors);
+  return run;
+}
+
+CapturedRun readInChild(const std::string& file, double length) {
+  return runCaptured([&] { readDescription(file, length); });
+}
+
+void readHere(const std::string& file, double length) {
+  console::flush();
+  const int console = dup(STDOUT_FILENO), errors = dup(STDERR_FILENO);
+  const int nothing = open("/dev/null", O_WRONLY | O_CLOEXEC);
+  dup2(nothing, STDOUT_FILENO);
+  dup2(nothing, STDERR_FILENO);
+  readDescription(file, length);
+  console::flush();
+  dup2(console, STDOUT_FILENO);
+  dup2(errors, STDERR_FILENO);
+  for (const int descriptor : {console, errors, nothing}) close(descriptor);
+}
+
+CapturedRun solveInChild(const std::string& file, double length, const std::string& model,
+                         const std::string& report) {
+  return runCaptured([&] {
+    RunControl& R = RUNDATA.run;
+    readDescription(file, length);
+    R.FOUTM = model;
+    R.FOUTR = report;
+    RUNDATA.fit.WDETAIL = false;
+    RUNDATA.display.CREATEPI = false;
+    solveStep();
+    stop(R.WARNFLAG ? 2 : 0);
+  });
+}
+
+} // namespace lcp::companions
