@@ -58,7 +58,8 @@ class CheckStructure(unittest.TestCase):
     def test_includes(self):
         self.check({"src/base/ground.cpp": '#include "store/shelf.h"\n'}, "includes upward")
         self.check({"companions/a/x.h": '#include "companions/b/y.h"\n',
-                    "companions/b/y.h": "\n"}, "includes another companion")
+                    "companions/b/y.h": "\n", "ROADMAP.md": TREE["ROADMAP.md"] + "- `x`: x\n- `y`: y\n"},
+                   "includes another companion")
         self.check({"src/base/ground.cpp": '#include "shelf.h"\n'}, "not in the tree by that path")
         self.check({"src/odd/shelf.h": "\n", "src/store/shelf.h": None, "src/run/main.cpp": "\n"},
                    "a folder without a level")
