@@ -15,8 +15,8 @@ struct CapturedRun {
 // Does the work in a forked child. Its stores, and what it writes to them, are the child's.
 CapturedRun runCaptured(const std::function<void()>& work);
 
-// The program up to the end of the reader, on a description file and for a length in metres. The console ends with the message
-// of a refusal, status 1.
+// The program up to the end of the reader, on a description file and for a length in metres. The
+// console ends with the message of a refusal, status 1.
 CapturedRun readInChild(const std::string& file, double length);
 
 // The reader here, in this process, its lines on the console dropped. Only for a file that the

@@ -2,6 +2,7 @@
 
 #include "companions/shared/arguments.h"
 #include "companions/shared/captured_run.h"
+#include "companions/shared/model_file.h"
 
 #include <cstdlib>
 #include <filesystem>
@@ -58,7 +59,9 @@ int verifyModel(std::span<char* const> arguments) {
       return CANNOTTELL;
     }
   }
-  return GOOD;
+  const ModelFile file = readModelFile(model);
+  fmt::print("{} model, {} conductors, {}\n", nameOf(file.kind), file.n, file.trouble);
+  return file.trouble.empty() ? GOOD : CANNOTTELL;
 }
 
 } // namespace lcp::companions

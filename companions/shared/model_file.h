@@ -1,0 +1,61 @@
+// Line model files, read back from their text: what the simulator will be given.
+#pragma once
+
+#include "companions/shared/rational.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace lcp::companions {
+
+enum class ModelKind { PI, BERGERON, MODE, PHASE, MFDTD, UNKNOWN };
+
+// Lumped pi circuit: half of the shunt admittance at each end as branches, the series matrix.
+struct PiFile {
+  Matrix shuntC; // microfarad: element (i,j) between two conductors, (i,i) to ground
+  Matrix shuntR; // ohm; 0 for no branch
+  Matrix R, L;   // series resistance (ohm) and inductance (H)
+};
+
+struct BergeronMode {
+  double T;        // travel time, ms
+  double Zc;       // surge impedance, ohm
+  double R, Rloss; // ohm/m, at the steady state frequency and at that of the losses
+};
+
+struct BergeronFile {
+  double SSFREQ = 0, FLOSS = 0, length = 0; // Hz, Hz, m
+  std::vector<BergeronMode> modes;
+  Matrix TI; // column m is the vector of mode m
+};
+
+struct ModeFit {
+  double delay = 0; // ms
+  Rational Zc, A;   // surge impedance (ohm), propagation function without its delay; 1 by 1
+  std::vector<Rational> row; // conductor m's elements of the transformation, one a mode; 1 by 1
+};
+
+struct ModelFile {
+  ModelKind kind = ModelKind::UNKNOWN;
+  std::size_t n = 0; // conductors
+  PiFile pi;
+  BergeronFile bergeron;
+  std::vector<ModeFit> modes;
+  Rational Yc; // phase model, S
+  DelayedRational H;
+  Rational Z;          // MFDTD model, ohm/m
+  Matrix G, C;         // S/m, F/m
+  double length = 0;   // m, where the file tells it
+  std::string trouble; // empty when the file could be read to its end
+};
+
+// Reads the text of a model file. Its kind shows in the first line that is no comment.
+ModelFile parseModelFile(const std::string& text);
+
+// The file of that name; trouble when it cannot be read.
+ModelFile readModelFile(const std::string& name);
+
+std::string_view nameOf(ModelKind kind);
+
+} // namespace lcp::companions

@@ -1,0 +1,41 @@
+// Sums of partial fractions with matrices as residues, as model files hold them:
+//
+//   F(s) = D + s E + sum over m of R[m] / (s - p[m])
+#pragma once
+
+#include <complex>
+#include <cstddef>
+#include <vector>
+
+namespace lcp::companions {
+
+using Complex = std::complex<double>;
+
+// A dense matrix, in column order.
+struct Matrix {
+  std::size_t rows = 0, columns = 0;
+  std::vector<Complex> elements;
+
+  Matrix() = default;
+  Matrix(std::size_t m, std::size_t n) : rows(m), columns(n), elements(m * n) {}
+  Complex& operator()(std::size_t i, std::size_t j) { return elements[j * rows + i]; }
+  const Complex& operator()(std::size_t i, std::size_t j) const { return elements[j * rows + i]; }
+};
+
+struct Rational {
+  Matrix D, E; // without rows where the function has none
+  std::vector<Complex> poles;
+  std::vector<Matrix> residues; // one a pole
+
+  Matrix at(Complex s) const;
+};
+
+// H of a phase model: a rational function behind each delay.
+struct DelayedRational {
+  std::vector<double> delays; // s
+  std::vector<Rational> groups;
+
+  Matrix at(Complex s) const;
+};
+
+} // namespace lcp::companions
