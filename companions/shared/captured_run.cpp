@@ -18,6 +18,8 @@ namespace lcp::companions {
 
 namespace {
 
+bool captured = false;
+
 std::string contentOf(int descriptor) {
   std::string text;
   std::array<char, 1 << 14> block{};
@@ -39,6 +41,8 @@ void readDescription(const std::string& file, double length) {
 
 } // namespace
 
+bool inCapturedRun() { return captured; }
+
 CapturedRun runCaptured(const std::function<void()>& work) {
   CapturedRun run;
   // In memory: a pipe would have to be emptied while the child writes.
@@ -49,6 +53,7 @@ CapturedRun runCaptured(const std::function<void()>& work) {
   if (child == 0) {
     dup2(out, STDOUT_FILENO);
     dup2(errors, STDERR_FILENO);
+    captured = true;
     work();
     stop(0);
   }

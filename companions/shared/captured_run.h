@@ -15,6 +15,9 @@ struct CapturedRun {
 // Does the work in a forked child. Its stores, and what it writes to them, are the child's.
 CapturedRun runCaptured(const std::function<void()>& work);
 
+// Whether this process is such a child.
+bool inCapturedRun();
+
 // The program up to the end of the reader, on a description file and for a length in metres. The
 // console ends with the message of a refusal, status 1.
 CapturedRun readInChild(const std::string& file, double length);

@@ -1,0 +1,149 @@
+#include "companions/shared/direct_line.h"
+
+#include "kernels/inversion.h"
+#include "kernels/lapack_eigen.h"
+#include "modal/line_constants.h"
+#include "passivity/dense_algebra.h"
+#include "store/rundata.h"
+#include "store/solvedata.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace lcp::companions {
+
+namespace {
+
+CView view(Matrix& A) { return {A.elements.data(), static_cast<int>(A.rows)}; }
+
+Matrix cornerOf(const LineMatrix& A, std::size_t n) {
+  Matrix M(n, n);
+  for (std::size_t j = 0; j < n; ++j) {
+    for (std::size_t i = 0; i < n; ++i)
+      M(i, j) = A(static_cast<int>(i) + 1, static_cast<int>(j) + 1);
+  }
+  return M;
+}
+
+double columnSum(const Matrix& A) {
+  double most = 0;
+  for (std::size_t j = 0; j < A.columns; ++j) {
+    double sum = 0;
+    for (std::size_t i = 0; i < A.rows; ++i) sum += std::abs(A(i, j));
+    most = std::max(most, sum);
+  }
+  return most;
+}
+
+Matrix transposed(const Matrix& A) {
+  Matrix T(A.columns, A.rows);
+  for (std::size_t j = 0; j < T.columns; ++j) {
+    for (std::size_t i = 0; i < T.rows; ++i) T(i, j) = A(j, i);
+  }
+  return T;
+}
+
+// A with its columns multiplied by factors.
+Matrix scaled(Matrix A, const std::vector<Complex>& factors) {
+  for (std::size_t j = 0; j < A.columns; ++j) {
+    for (std::size_t i = 0; i < A.rows; ++i) A(i, j) *= factors[j];
+  }
+  return A;
+}
+
+} // namespace
+
+std::size_t lineOrder() { return static_cast<std::size_t>(RUNDATA.line.NC); }
+
+LinePoint constantsOf(double f) {
+  static bool first = true;
+  if (first) SOLVEDATA.first.ISTATUS = true;
+  first = false;
+  constantsAt(f);
+  return {f, cornerOf(SOLVEDATA.first.YMAT, lineOrder()),
+          cornerOf(SOLVEDATA.first.ZMAT, lineOrder())};
+}
+
+LineModes modesOf(const LinePoint& point) {
+  static ModeComplex squares;
+  const std::size_t n = point.Y.rows;
+  LineModes M;
+  Matrix YZ = product(point.Y, point.Z);
+  // Near 1 in size, as the library likes it.
+  const double size = largest(YZ);
+  for (Complex& e : YZ.elements) e /= size;
+  M.TI = Matrix(n, n);
+  ZGEEV(view(YZ), squares, view(M.TI), static_cast<int>(n));
+  M.TIINV = inverse(M.TI);
+  M.condition = columnSum(M.TI) * columnSum(M.TIINV);
+  // Currents and voltages of a mode: YM = TI^-1 Y TI^-T.
+  const Matrix YM = product(product(M.TIINV, point.Y), transposed(M.TIINV));
+  for (std::size_t i = 0; i < n; ++i) {
+    M.gamma.push_back(std::sqrt(squares[static_cast<int>(i) + 1] * size));
+    M.Zc.push_back(M.gamma[i] / YM(i, i));
+  }
+  return M;
+}
+
+PhaseFunctions phaseFunctionsOf(const LinePoint& point, const LineModes& modes, double length) {
+  std::vector<Complex> slow, wave;
+  for (const Complex& g : modes.gamma) {
+    slow.push_back(1.0 / g);
+    wave.push_back(std::exp(-g * length));
+  }
+  return {product(product(scaled(modes.TI, slow), modes.TIINV), point.Y),
+          product(scaled(modes.TI, wave), modes.TIINV)};
+}
+
+Matrix product(const Matrix& A, const Matrix& B) {
+  Matrix C(A.rows, B.columns);
+  for (std::size_t j = 0; j < B.columns; ++j) {
+    for (std::size_t k = 0; k < A.columns; ++k) {
+      for (std::size_t i = 0; i < A.rows; ++i) C(i, j) += A(i, k) * B(k, j);
+    }
+  }
+  return C;
+}
+
+Matrix inverse(const Matrix& A) {
+  Matrix R = A;
+  INVCJD(view(R), view(R), static_cast<int>(A.rows));
+  return R;
+}
+
+Matrix identity(std::size_t n) {
+  Matrix I(n, n);
+  for (std::size_t i = 0; i < n; ++i) I(i, i) = 1;
+  return I;
+}
+
+Matrix combined(const Matrix& A, Complex factor, const Matrix& B) {
+  Matrix C = A;
+  for (std::size_t e = 0; e < C.elements.size(); ++e) C.elements[e] += factor * B.elements[e];
+  return C;
+}
+
+double largest(const Matrix& A) {
+  double most = 0;
+  for (const Complex& e : A.elements) {
+    if (!(std::abs(e) <= most)) most = std::abs(e);
+    if (std::isnan(most)) return most;
+  }
+  return most;
+}
+
+std::vector<double> hermitianEigenvalues(const Matrix& A) {
+  const std::size_t n = A.rows;
+  Matrix S(n, n);
+  for (std::size_t j = 0; j < n; ++j) {
+    for (std::size_t i = 0; i < n; ++i) S(i, j) = 0.5 * (A(i, j) + std::conj(A(j, i)));
+  }
+  std::vector<double> values(n);
+  static NodalReals W;
+  ZHEEV(view(S), W.data(), static_cast<int>(n));
+  std::copy_n(W.data(), n, values.data());
+  return values;
+}
+
+} // namespace lcp::companions

@@ -1,0 +1,18 @@
+// Passivity of what is written and of the line itself.
+#pragma once
+
+#include "companions/shared/model_file.h"
+#include "companions/verify/verdicts.h"
+
+#include <vector>
+
+namespace lcp::companions {
+
+// The Hermitian part of the nodal admittance of both ends, over the band of the fit and two decades
+// beyond it on both sides: its smallest eigenvalue and every band where it is negative.
+std::vector<Finding> phasePassivity(const ModelFile& file, const Limits& limits);
+
+// The real parts of Z and Y of the line, which no network has negative.
+std::vector<Finding> linePassivity(const Limits& limits);
+
+} // namespace lcp::companions

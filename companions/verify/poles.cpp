@@ -1,0 +1,136 @@
+#include "companions/verify/poles.h"
+
+#include "companions/shared/direct_line.h"
+#include "companions/verify/compare_functions.h"
+
+#include <algorithm>
+#include <cmath>
+#include <fmt/format.h>
+
+namespace lcp::companions {
+
+namespace {
+
+constexpr double LIGHT = 299792458.0; // m/s
+constexpr double TWOPI = 6.283185307179586;
+constexpr double SAME = 1e-9; // relative difference of numbers that stand for one
+
+struct Named {
+  std::string name;
+  const Rational* function;
+};
+
+std::vector<Named> functionsOf(const ModelFile& file) {
+  std::vector<Named> all;
+  if (file.kind == ModelKind::PHASE) all.push_back({"Yc", &file.Yc});
+  if (file.kind == ModelKind::MFDTD) all.push_back({"Z", &file.Z});
+  for (std::size_t g = 0; g < file.H.groups.size(); ++g)
+    all.push_back({fmt::format("H, group {}", g + 1), &file.H.groups[g]});
+  for (std::size_t m = 0; m < file.modes.size(); ++m) {
+    all.push_back({fmt::format("Zc, mode {}", m + 1), &file.modes[m].Zc});
+    all.push_back({fmt::format("A, mode {}", m + 1), &file.modes[m].A});
+    for (std::size_t r = 0; r < file.modes[m].row.size(); ++r)
+      all.push_back({fmt::format("TI({},{})", m + 1, r + 1), &file.modes[m].row[r]});
+  }
+  return all;
+}
+
+bool conjugate(Complex a, Complex b) { return std::abs(a - std::conj(b)) <= SAME * std::abs(a); }
+
+// Residues of a pair whose elements are not conjugate; those of a real pole that are not real.
+std::size_t brokenResidues(const Matrix& a, const Matrix& b) {
+  const double size = std::max(largest(a), largest(b));
+  std::size_t broken = 0;
+  for (std::size_t e = 0; e < a.elements.size(); ++e) {
+    if (!(std::abs(a.elements[e] - std::conj(b.elements[e])) <= SAME * size)) ++broken;
+  }
+  return broken;
+}
+
+struct PoleCounts {
+  std::size_t unstable = 0, unpaired = 0, broken = 0;
+  double ratio = 0;
+  std::string ratioWhere;
+};
+
+void count(const Named& f, PoleCounts& c) {
+  const auto& P = f.function->poles;
+  const auto& R = f.function->residues;
+  for (std::size_t m = 0; m < P.size(); ++m) {
+    if (!(P[m].real() <= 0)) ++c.unstable;
+    const double ratio = largest(R[m]) / std::abs(P[m]);
+    if (!(ratio <= c.ratio)) {
+      c.ratio = ratio;
+      c.ratioWhere = f.name;
+    }
+    if (P[m].imag() == 0) {
+      c.broken += brokenResidues(R[m], R[m]);
+    } else if (m + 1 < P.size() && conjugate(P[m], P[m + 1])) {
+      c.broken += brokenResidues(R[m], R[m + 1]);
+      ++m;
+    } else {
+      ++c.unpaired;
+    }
+  }
+}
+
+Finding counted(std::string_view what, std::size_t n) {
+  Finding f{"poles", std::string(what)};
+  f.value = static_cast<double>(n);
+  f.verdict = n == 0 ? Verdict::GOOD : Verdict::BAD;
+  return f;
+}
+
+} // namespace
+
+std::vector<Finding> checkPoles(const ModelFile& file, const Limits& limits) {
+  PoleCounts c;
+  const std::vector<Named> functions = functionsOf(file);
+  if (functions.empty()) return {};
+  for (const Named& f : functions) count(f, c);
+  Finding ratio{"poles", fmt::format("largest residue over pole, {}", c.ratioWhere)};
+  ratio.value = c.ratio;
+  // Those of H are of the size of 1; others have the units of their functions.
+  ratio.verdict = file.kind == ModelKind::PHASE ? limits.judge("ratio", c.ratio) : Verdict::TOLD;
+  return {counted("with a positive real part", c.unstable),
+          counted("without their conjugate", c.unpaired),
+          counted("residues that are not conjugate", c.broken), ratio};
+}
+
+std::vector<Finding> checkDelays(const ModelFile& file, double length, const Limits& limits) {
+  std::vector<double> delays = file.H.delays; // s
+  for (const ModeFit& m : file.modes) delays.push_back(1e-3 * m.delay);
+  if (delays.empty()) return {};
+  const double top = fitRanges()[0].f.back();
+  std::vector<double> travel;
+  for (const Complex& gamma : modesOf(constantsOf(top)).gamma)
+    travel.push_back(length * gamma.imag() / (TWOPI * top));
+  std::sort(travel.begin(), travel.end());
+  std::vector<Finding> found;
+  std::sort(delays.begin(), delays.end());
+  for (std::size_t g = 0; g < delays.size(); ++g) {
+    // A group stands for the modes around it: it must not be slower than the slowest of them.
+    const auto nearest = std::min_element(travel.begin(), travel.end(), [&](double a, double b) {
+      return std::fabs(a - delays[g]) < std::fabs(b - delays[g]);
+    });
+    const double late = 100 * (delays[g] / *nearest - 1);
+    Finding f{"delay", fmt::format("{} of {}, behind the travel time", g + 1, delays.size())};
+    f.words =
+        fmt::format("{:.6g} ms, nearest travel time {:.6g} ms", 1e3 * delays[g], 1e3 * *nearest);
+    f.value = late;
+    f.unit = "%";
+    f.verdict = limits.judge("delay", std::max(late, 0.0));
+    if (delays[g] < length / LIGHT * (1 - SAME)) {
+      f.words.append(", faster than light");
+      f.verdict = std::max(f.verdict, Verdict::DOUBTFUL);
+    }
+    found.push_back(f);
+  }
+  Finding step{"step", "of the simulation, at most"};
+  step.value = 1e6 * delays.front() / 10;
+  step.unit = "us";
+  found.push_back(step);
+  return found;
+}
+
+} // namespace lcp::companions

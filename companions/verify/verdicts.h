@@ -1,0 +1,60 @@
+// What corvo-verify says: one line a quantity, with its worst place and a verdict.
+#pragma once
+
+#include <cstddef>
+#include <limits>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace lcp::companions {
+
+enum class Verdict { GOOD, DOUBTFUL, BAD, TOLD }; // TOLD: information without a limit
+
+// A limit by name: above the first number a value is doubtful, above the second bad.
+struct Limit {
+  std::string_view name;
+  double doubtful, bad;
+  std::string_view unit;
+  std::string_view what; // for the help and the documents
+};
+
+struct Finding {
+  Finding(std::string what, std::string place)
+      : subject(std::move(what)), where(std::move(place)) {}
+
+  std::string subject; // "Yc", "H", "passivity" ...
+  std::string where;   // range, element, mode
+  double value = 0;    // in the unit
+  std::string_view unit;
+  double rms = std::numeric_limits<double>::quiet_NaN(); // of the same unit, where there is one
+  double frequency = std::numeric_limits<double>::quiet_NaN(); // Hz, of the worst case
+  Verdict verdict = Verdict::TOLD;
+  std::string words; // in plain words, where a number does not say it
+};
+
+// The limits as the user left or set them: "name=doubtful:bad" parted by commas.
+class Limits {
+public:
+  // False for a name that does not exist and for numbers that are none.
+  bool set(std::string_view text);
+  Verdict judge(std::string_view name, double value) const;
+
+private:
+  std::vector<Limit> changed;
+  const Limit& find(std::string_view name) const;
+};
+
+// All limits with their defaults.
+const std::vector<Limit>& defaultLimits();
+
+// The lines for a person, and the same as one JSON document.
+std::string asText(const std::vector<Finding>& findings);
+std::string asJson(const std::vector<Finding>& findings, std::string_view model, std::size_t n,
+                   double length);
+
+// 1 when a finding is bad, else 0.
+int exitStatus(const std::vector<Finding>& findings);
+
+} // namespace lcp::companions
