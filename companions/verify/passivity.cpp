@@ -26,6 +26,9 @@ constexpr std::size_t SHOWNBANDS = 10;
 constexpr double WORK = 4e7; // points times the cube of the order that a scan may cost
 constexpr double LEASTPOINTS = 5000;
 
+// By how much of the largest eigenvalue the smallest is negative; 0 where there is nothing at all.
+double negativeShare(const ScanPoint& p) { return p.size == 0 ? 0 : -p.value / p.size; }
+
 // Smallest eigenvalue, and by magnitude the largest, of the Hermitian parts of some matrices.
 ScanPoint extremes(double f, const std::vector<Matrix>& matrices) {
   ScanPoint p{f, std::numeric_limits<double>::infinity(), 0};
@@ -60,23 +63,24 @@ void addBands(std::vector<Finding>& found, const std::vector<Band>& bands, const
     f.unit = "S";
     f.frequency = b.at;
     f.words = bandWords(b);
-    f.verdict = limits.judge("passive", -b.worst / at->size);
+    f.verdict = limits.judge("passive", negativeShare(*at));
     found.push_back(f);
   }
 }
 
 Finding worstOf(const Scan& scan, std::string_view subject, std::string_view where,
                 std::string_view unit, const Limits& limits) {
-  // By what it means at its frequency, not by its size alone.
+  // Negative values by what they mean at their frequency, not by their size alone.
   const auto less = [](const ScanPoint& a, const ScanPoint& b) {
-    return a.value / a.size < b.value / b.size;
+    if (a.value >= 0 || b.value >= 0) return a.value < b.value;
+    return negativeShare(a) > negativeShare(b);
   };
   const ScanPoint& p = *std::min_element(scan.points.begin(), scan.points.end(), less);
   Finding f{std::string(subject), std::string(where)};
   f.value = p.value;
   f.unit = unit;
   f.frequency = p.f;
-  f.verdict = limits.judge("passive", -p.value / p.size);
+  f.verdict = limits.judge("passive", negativeShare(p));
   return f;
 }
 

@@ -1,0 +1,136 @@
+// The companion that compares a model file with the line: its readers against the files of the
+// whole runs, its scans and its passivity against closed forms, its errors against those that the
+// program prints.
+#include "companions/shared/adaptive_scan.h"
+#include "companions/shared/model_file.h"
+#include "companions/verify/passivity.h"
+#include "companions/verify/poles.h"
+#include "store/rundata.h"
+#include "support/child.h"
+#include "support/scratch.h"
+
+#include <array>
+#include <cmath>
+#include <filesystem>
+#include <gtest/gtest.h>
+
+using namespace lcp::companions;
+using namespace lcp::test;
+
+namespace {
+
+Matrix oneByOne(Complex z) {
+  Matrix m(1, 1);
+  m(0, 0) = z;
+  return m;
+}
+
+// Conductance D beside R / (s + a) at both ends of a line that passes nothing: the nodal admittance
+// is that network, whose real part at w is D + R a / (w^2 + a^2).
+ModelFile networkOf(double D, double R, double a) {
+  ModelFile file;
+  file.kind = ModelKind::PHASE;
+  file.n = 1;
+  file.Yc = {oneByOne(D), {}, {-a}, {oneByOne(R)}};
+  file.H = {{1e-3}, {{{}, {}, {-1.0}, {oneByOne(0)}}}};
+  return file;
+}
+
+} // namespace
+
+// What the file of a whole run begins with is read to its end, and no part of it is.
+TEST(ModelFiles, OfAllKindsAreReadToTheirEnds) {
+  std::array<int, 6> kinds{};
+  for (const auto& entry :
+       std::filesystem::recursive_directory_iterator(CORVO_TEST_DATA "/cases")) {
+    const auto extension = entry.path().extension();
+    if (extension != ".cvo" && extension != ".cbo") continue;
+    const std::string text = contentOf(entry.path());
+    if (!text.starts_with("! ------ ORVEX")) continue;
+    const ModelFile file = parseModelFile(text);
+    EXPECT_EQ(file.trouble, "") << entry.path();
+    EXPECT_NE(parseModelFile(text + "1\n").trouble, "") << entry.path();
+    const auto lines = splitLines(text);
+    std::string part;
+    for (std::size_t k = 0; k + 1 < lines.size(); ++k) {
+      part += lines[k] + "\n";
+      if (k % 7 == 0 || k + 20 > lines.size()) {
+        EXPECT_NE(parseModelFile(part).trouble, "") << k;
+      }
+    }
+    ++kinds[static_cast<std::size_t>(file.kind)];
+  }
+  EXPECT_GT(kinds[static_cast<std::size_t>(ModelKind::PI)], 0);
+  EXPECT_GT(kinds[static_cast<std::size_t>(ModelKind::BERGERON)], 0);
+  for (const char* text :
+       {"", "! only\n", "Fre-Phase  3\n", "Fre-Dep  1\n", "MFDTD  1 **\n", "   x\n"})
+    EXPECT_NE(parseModelFile(text).trouble, "") << text;
+}
+
+TEST(Scan, FindsBandsByTheirEdges) {
+  // Below 0 between 995 and 1005 Hz, a tenth of a point of the first grid.
+  const auto notch = [](double f) {
+    return ScanPoint{f, 1 - 2 * std::exp(-std::log(2) * std::pow((f - 1000) / 5, 2)), 1};
+  };
+  const auto wide = [&](double f) {
+    return ScanPoint{f, notch(f).value + 0.2 * std::pow(std::log10(f / 1000), 2), 1};
+  };
+  const Scan scan = adaptiveScan({10, 1e5, 400, 1e-3, 50000}, wide);
+  const auto bands = bandsBelow(scan, [](const ScanPoint&) { return 0.0; });
+  EXPECT_TRUE(scan.resolved);
+  ASSERT_EQ(bands.size(), 1U);
+  EXPECT_NEAR(bands[0].from, 995, 1);
+  EXPECT_NEAR(bands[0].to, 1005, 1);
+  EXPECT_NEAR(bands[0].worst, -1, 0.01);
+  EXPECT_FALSE(adaptiveScan({10, 1e5, 40, 1e-9, 300}, wide).resolved);
+}
+
+// Turned over, the residue makes the real part negative up to w^2 = R a / D - a^2.
+TEST(Passivity, OfALumpedNetworkIsKnown) {
+  auto& F = lcp::RUNDATA.fit;
+  lcp::RUNDATA.resetInput();
+  F.FSTART = 1;
+  F.FEND = 1e5;
+  F.NFINC = 50;
+  const double D = 1e-3, a = 2000, R = 8;
+  const double edge = std::sqrt(R * a / D - a * a) / 6.283185307179586;
+  const auto good = phasePassivity(networkOf(D, R, a), {});
+  ASSERT_EQ(good.size(), 1U);
+  EXPECT_EQ(good[0].verdict, Verdict::GOOD);
+  EXPECT_NEAR(good[0].value, D, 1e-3 * D);
+  const auto bad = phasePassivity(networkOf(D, -R, a), {});
+  ASSERT_EQ(bad.size(), 2U);
+  EXPECT_EQ(bad[0].verdict, Verdict::BAD);
+  EXPECT_NEAR(bad[0].value, D - R / a, 1e-3 * R / a);
+  EXPECT_NE(bad[1].words.find(fmt::format("to {:.4g} Hz", edge)), std::string::npos)
+      << bad[1].words << edge;
+}
+
+TEST(Poles, ThatNoRealNetworkHasAreCounted) {
+  ModelFile file = networkOf(1, 2, 3);
+  file.Yc.poles = {{4, 0}, {-1, 2}, {-1, -2}, {-5, 6}};
+  file.Yc.residues = {oneByOne({1, 0}), oneByOne({1, 1}), oneByOne({1, 1}), oneByOne({1, 0})};
+  const auto found = checkPoles(file, {});
+  ASSERT_EQ(found.size(), 4U);
+  EXPECT_EQ(found[0].value, 1); // unstable
+  EXPECT_EQ(found[1].value, 1); // alone
+  EXPECT_EQ(found[2].value, 1); // a pair whose residues are equal
+  EXPECT_NEAR(found[3].value, std::sqrt(2.0 / 5), 1e-12);
+  EXPECT_EQ(exitStatus(found), 1);
+}
+
+// The errors of the example are those that its run prints: 0.0773 % and 0.1300 %.
+TEST(Verify, AgreesWithThePrintedErrors) {
+  const std::string command = std::string(CORVO_VERIFY " ") + CORVO_EXAMPLES +
+                              "/line500kv_phase.cvi /length 100000 --json 2>&1";
+  FILE* pipe = popen(command.c_str(), "r");
+  std::string text;
+  for (int c = 0; (c = std::fgetc(pipe)) != EOF;) text.push_back(static_cast<char>(c));
+  EXPECT_EQ(WEXITSTATUS(pclose(pipe)), 1) << text; // its slowest delay is behind its mode
+  const auto near = [&](const std::string& subject, double percent) {
+    const auto at = text.find("\"value\": ", text.find(subject));
+    EXPECT_NEAR(std::stod(text.substr(at + 9)), percent, 6e-5);
+  };
+  near("Yc", 0.0773);
+  near("\"H\"", 0.1300);
+}
