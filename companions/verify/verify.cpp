@@ -4,9 +4,11 @@
 #include "companions/shared/captured_run.h"
 #include "companions/shared/model_file.h"
 #include "companions/verify/compare_functions.h"
+#include "companions/verify/compare_modes.h"
 #include "companions/verify/passivity.h"
 #include "companions/verify/poles.h"
 #include "companions/verify/verdicts.h"
+#include "store/rundata.h"
 
 #include <cstdlib>
 #include <filesystem>
@@ -66,10 +68,14 @@ std::vector<Finding> verified(const ModelFile& file, double length, const Limits
   std::vector<Finding> all;
   if (file.kind == ModelKind::PHASE) add(all, comparePhase(file, length, limits));
   if (file.kind == ModelKind::MFDTD) add(all, compareSeries(file, limits));
+  if (file.kind == ModelKind::MODE) add(all, compareModeFits(file, length, limits));
+  if (file.kind == ModelKind::BERGERON) add(all, compareBergeron(file, length, limits));
+  if (file.kind == ModelKind::PI) add(all, comparePi(file, length, limits));
+  if (RUNDATA.model.fitted()) add(all, checkTransformation(limits));
   add(all, checkPoles(file, limits));
   add(all, checkDelays(file, length, limits));
   if (file.kind == ModelKind::PHASE) add(all, phasePassivity(file, limits));
-  add(all, linePassivity(limits));
+  if (RUNDATA.model.fitted()) add(all, linePassivity(limits));
   return all;
 }
 

@@ -1,0 +1,233 @@
+// Modes are matched by their vectors: mode i of one frequency is the mode j of another whose share
+// |TI^-1 TI'|(i,j) is the largest, each taken once. A vector has unit length and is turned so that
+// its largest element is real; its surge impedance then is gamma / (TI^-1 Y TI^-T).
+#include "companions/verify/compare_modes.h"
+
+#include "companions/shared/direct_line.h"
+#include "companions/verify/compare_functions.h"
+#include "store/rundata.h"
+
+#include <algorithm>
+#include <cmath>
+#include <fmt/format.h>
+#include <numeric>
+
+namespace lcp::companions {
+
+namespace {
+
+constexpr double TWOPI = 6.283185307179586;
+constexpr double MILLI = 1e-3;
+constexpr double MICRO = 1e-6;
+
+// Column j of the modes is that of the reference with which it shares most; in its order.
+LineModes inOrderOf(const LineModes& modes, const Matrix& reference) {
+  const std::size_t n = reference.columns;
+  const Matrix share = product(modes.TIINV, reference);
+  std::vector<bool> taken(n, false), placed(n, false);
+  std::vector<std::size_t> order(n, 0);
+  for (std::size_t round = 0; round < n; ++round) {
+    double most = -1;
+    std::size_t from = 0, to = 0;
+    for (std::size_t j = 0; j < n; ++j) {
+      for (std::size_t i = 0; i < n; ++i) {
+        if (taken[i] || placed[j] || !(std::abs(share(i, j)) > most)) continue;
+        most = std::abs(share(i, j));
+        from = i;
+        to = j;
+      }
+    }
+    taken[from] = placed[to] = true;
+    order[to] = from;
+  }
+  LineModes sorted = modes;
+  for (std::size_t j = 0; j < n; ++j) {
+    sorted.gamma[j] = modes.gamma[order[j]];
+    sorted.Zc[j] = modes.Zc[order[j]];
+    for (std::size_t i = 0; i < n; ++i) {
+      sorted.TI(i, j) = modes.TI(i, order[j]);
+      sorted.TIINV(j, i) = modes.TIINV(order[j], i);
+    }
+  }
+  return sorted;
+}
+
+// The largest element of each vector becomes real; surge impedances follow.
+void turn(LineModes& modes) {
+  for (std::size_t j = 0; j < modes.TI.columns; ++j) {
+    Complex pivot = 0;
+    for (std::size_t i = 0; i < modes.TI.rows; ++i) {
+      if (std::abs(modes.TI(i, j)) > std::abs(pivot)) pivot = modes.TI(i, j);
+    }
+    const Complex factor = std::conj(pivot) / std::abs(pivot);
+    for (std::size_t i = 0; i < modes.TI.rows; ++i) {
+      modes.TI(i, j) *= factor;
+      modes.TIINV(j, i) /= factor;
+    }
+    modes.Zc[j] *= factor * factor;
+  }
+}
+
+LineModes modesLike(double f, const Matrix& reference) {
+  LineModes modes = inOrderOf(modesOf(constantsOf(f)), reference);
+  turn(modes);
+  return modes;
+}
+
+// The transformation that the mode model was written with, at its frequency: conductor by mode.
+Matrix writtenTransformation(const ModelFile& file) {
+  Matrix T(file.n, file.n);
+  for (std::size_t i = 0; i < file.n; ++i) {
+    for (std::size_t j = 0; j < file.n; ++j)
+      T(i, j) = file.modes[i].row[j].at(Complex(0, TWOPI * RUNDATA.fit.FCT))(0, 0);
+  }
+  return T;
+}
+
+// Modes over rising frequencies, each in the order of the one before; the one nearest to the
+// transform frequency in the order of the file.
+std::vector<LineModes> followed(const std::vector<double>& f, const Matrix& written) {
+  std::vector<LineModes> modes(f.size());
+  const auto start =
+      static_cast<std::size_t>(std::min_element(f.begin(), f.end(),
+                                                [](double a, double b) {
+                                                  return std::fabs(std::log(a / RUNDATA.fit.FCT)) <
+                                                         std::fabs(std::log(b / RUNDATA.fit.FCT));
+                                                }) -
+                               f.begin());
+  modes[start] = modesLike(f[start], written);
+  for (std::size_t k = start + 1; k < f.size(); ++k) modes[k] = modesLike(f[k], modes[k - 1].TI);
+  for (std::size_t k = start; k-- > 0;) modes[k] = modesLike(f[k], modes[k + 1].TI);
+  return modes;
+}
+
+struct Worst {
+  double value = 0, frequency = 0, squares = 0;
+  std::size_t count = 0;
+
+  void take(double e, double f) {
+    squares += e * e;
+    ++count;
+    if (e <= value || std::isnan(value)) return;
+    value = e;
+    frequency = f;
+  }
+};
+
+Finding findingOf(const Worst& w, std::string subject, std::string where, Verdict verdict) {
+  Finding f{std::move(subject), std::move(where)};
+  f.value = 100 * w.value;
+  f.unit = "%";
+  f.frequency = w.frequency;
+  if (w.count > 1) f.rms = 100 * std::sqrt(w.squares / static_cast<double>(w.count));
+  f.verdict = verdict;
+  return f;
+}
+
+Finding percent(std::string subject, std::string where, double e, double f, const Limits& limits) {
+  Worst w;
+  w.take(e, f);
+  return findingOf(w, std::move(subject), std::move(where), limits.judge("exact", 100 * e));
+}
+
+double off(Complex a, Complex b) { return std::abs(a - b) / std::abs(b); }
+
+double offBy(const Matrix& model, const Matrix& line) {
+  return largest(combined(model, -1, line)) / largest(line);
+}
+
+} // namespace
+
+std::vector<Finding> compareModeFits(const ModelFile& file, double length, const Limits& limits) {
+  std::vector<Finding> found;
+  const Matrix written = writtenTransformation(file);
+  for (const FrequencyRange& range : fitRanges()) {
+    const std::vector<LineModes> line = followed(range.f, written);
+    for (std::size_t m = 0; m < file.n; ++m) {
+      Worst ofZc, ofA;
+      for (std::size_t k = 0; k < range.f.size(); ++k) {
+        const Complex s(0, TWOPI * range.f[k]);
+        const Complex lag = std::exp(-s * MILLI * file.modes[m].delay);
+        ofZc.take(off(file.modes[m].Zc.at(s)(0, 0), line[k].Zc[m]), range.f[k]);
+        ofA.take(std::abs(file.modes[m].A.at(s)(0, 0) * lag - std::exp(-line[k].gamma[m] * length)),
+                 range.f[k]);
+      }
+      const std::string where = fmt::format("mode {}, {}", m + 1, range.name);
+      const std::string_view limit = range.limit.empty() ? "mode" : range.limit;
+      found.push_back(findingOf(ofZc, "Zc", where, limits.judge(limit, 100 * ofZc.value)));
+      found.push_back(findingOf(ofA, "H", where, limits.judge(limit, 100 * ofA.value)));
+    }
+  }
+  return found;
+}
+
+std::vector<Finding> compareBergeron(const ModelFile& file, double length, const Limits& limits) {
+  const BergeronFile& B = file.bergeron;
+  const LineModes at = modesLike(B.SSFREQ, B.TI);
+  const LineModes loss = modesLike(B.FLOSS, at.TI);
+  std::vector<Finding> found;
+  for (std::size_t m = 0; m < file.n; ++m) {
+    const std::string mode = fmt::format("mode {}", m + 1);
+    const double T = length * at.gamma[m].imag() / (TWOPI * B.SSFREQ);
+    const double R = (at.gamma[m] * at.Zc[m]).real(), Rloss = (loss.gamma[m] * loss.Zc[m]).real();
+    found.push_back(percent("T", mode, off(MILLI * B.modes[m].T, T), B.SSFREQ, limits));
+    found.push_back(percent("Zc", mode, off(B.modes[m].Zc, at.Zc[m].real()), B.SSFREQ, limits));
+    found.push_back(percent("R", mode, off(B.modes[m].R, R), B.SSFREQ, limits));
+    found.push_back(percent("R loss", mode, off(B.modes[m].Rloss, Rloss), B.FLOSS, limits));
+  }
+  return found;
+}
+
+std::vector<Finding> comparePi(const ModelFile& file, double length, const Limits& limits) {
+  const double f = RUNDATA.line.SSFREQ;
+  const Complex s(0, TWOPI * f);
+  const LinePoint point = constantsOf(f);
+  const PhaseFunctions line = phaseFunctionsOf(point, modesOf(point), length);
+  const Matrix I = identity(file.n);
+  const Matrix plus = combined(I, 1, line.H), minus = combined(I, -1, line.H);
+  const Matrix alike = product(inverse(plus), product(minus, line.Yc));
+  const Matrix against = product(inverse(minus), product(plus, line.Yc));
+  Matrix series = combined(against, -1, alike); // twice the series admittance
+  for (Complex& e : series.elements) e *= 0.5;
+  Matrix shunt(file.n, file.n), Z = file.pi.R;
+  for (std::size_t j = 0; j < file.n; ++j) {
+    for (std::size_t i = 0; i < file.n; ++i) {
+      const double R = file.pi.shuntR(i, j).real();
+      const Complex y = s * MICRO * file.pi.shuntC(i, j) + (R == 0 ? 0.0 : 1 / R);
+      shunt(i, i) += y;
+      if (i != j) shunt(i, j) = -y;
+      Z(i, j) += s * file.pi.L(i, j);
+    }
+  }
+  return {percent("shunt", "both halves", offBy(shunt, alike), f, limits),
+          percent("series", "impedance", offBy(Z, inverse(series)), f, limits)};
+}
+
+std::vector<Finding> checkTransformation(const Limits& limits) {
+  const std::vector<double> f = fitRanges()[0].f;
+  Finding condition{"modes", "condition of the transformation"};
+  Finding share{"modes", "smallest share in the mode before"};
+  Matrix before;
+  share.value = 1;
+  for (const double at : f) {
+    LineModes modes = modesOf(constantsOf(at));
+    if (!before.elements.empty()) {
+      modes = inOrderOf(modes, before);
+      const Matrix own = product(modes.TIINV, before);
+      for (std::size_t i = 0; i < own.rows; ++i) {
+        if (std::abs(own(i, i)) >= share.value) continue;
+        share.value = std::abs(own(i, i));
+        share.frequency = at;
+      }
+    }
+    before = modes.TI;
+    if (!(modes.condition <= condition.value)) {
+      condition.value = modes.condition;
+      condition.frequency = at;
+    }
+  }
+  condition.verdict = limits.judge("condition", condition.value);
+  return {condition, share};
+}
+
+} // namespace lcp::companions
