@@ -49,7 +49,7 @@ double matrixScale(const std::vector<std::string>& lines, std::size_t at) {
 }
 
 std::string wordsOf(const std::string& text) {
-  static const std::regex number(R"(-?[0-9]+(\.[0-9]+)?(e[-+][0-9]+)?)");
+  static const std::regex number(R"(-?[0-9]+(\.[0-9]+)?([eE][-+][0-9]+)?)");
   return std::regex_replace(text, number, "#");
 }
 
