@@ -1,5 +1,5 @@
-// Detail curve files read back by columns: sampled values against the line, fitted ones against the
-// model, both formed here.
+// Detail curve files read back: sampled values against the line, fitted ones against the model,
+// both formed here.
 #include "output/curve_files.h"
 
 #include "base/constants.h"
@@ -16,7 +16,6 @@
 #include "support/whole_run.h"
 
 #include <fcntl.h>
-#include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <sstream>
 #include <sys/file.h>
@@ -29,37 +28,24 @@ namespace {
 constexpr double LENGTH = 1e5; // m
 const std::string KEYS = EVENWEIGHTS + "Write Detailed Output Files: 1\n";
 
-struct CurveText {
-  std::vector<std::vector<double>> rows; // behind the header: log f, f, values
-  std::vector<std::size_t> perLine;      // values on each line
-};
+using Files = std::map<std::string, std::string>;
+using Rows = std::vector<std::vector<double>>; // log f, f, values
 
-CurveText readCurve(const std::string& text) {
-  CurveText curve;
-  const std::vector<std::string> all = splitLines(text);
-  for (const std::string& line : all) {
-    if (&line == all.data()) continue; // the header
-    std::size_t at = line.size() % 19;
-    EXPECT_TRUE(at == 0 || at == 16) << line;
-    if (at == 16) curve.rows.push_back({std::stod(line.substr(0, 16))});
-    for (; at < line.size(); at += 19) {
-      EXPECT_EQ(line.substr(at, 3), "   ");
-      curve.rows.back().push_back(std::stod(line.substr(at + 3, 16)));
-    }
-    curve.perLine.push_back((line.size() + 3) / 19);
-  }
-  return curve;
+const std::string& textOf(const Files& files, const std::string& curve) {
+  return files.at("x_" + curve + ".out");
 }
 
-using Files = std::map<std::string, CurveText>; // by suffix
-
-// The curve files of a line named x.
-Files curvesIn(const std::map<std::string, std::string>& texts) {
-  Files files;
-  for (const auto& [name, text] : texts) {
-    if (name.starts_with("x_")) files[name.substr(2, name.size() - 6)] = readCurve(text);
+// A line of other length than whole values have goes on with the row before it.
+Rows rowsOf(const Files& files, const std::string& curve) {
+  Rows rows;
+  std::istringstream in(textOf(files, curve));
+  std::string line;
+  for (std::getline(in, line); std::getline(in, line);) {
+    if (rows.empty() || line.size() % 19 == 16) rows.emplace_back();
+    std::istringstream values(line);
+    rows.back().insert(rows.back().end(), std::istream_iterator<double>(values), {});
   }
-  return files;
+  return rows;
 }
 
 // What a child that has this process's stores writes.
@@ -72,79 +58,71 @@ Files written(const std::function<void()>& code, const std::string& console = ""
   });
   EXPECT_EQ(child.status, 0);
   EXPECT_EQ(child.console, console);
-  std::map<std::string, std::string> texts;
+  Files files;
   for (const auto& entry : std::filesystem::directory_iterator(scratch.path()))
-    texts[entry.path().filename().string()] = contentOf(entry.path());
-  return curvesIn(texts);
+    files[entry.path().filename().string()] = contentOf(entry.path());
+  return files;
 }
 
-// Magnitudes of the terms of the sum at hand: poles that lie close together cancel, and the sum is
-// good to the rounding of its terms.
-double cancelling = 0;
+// Poles that lie close together cancel: a sum is good to the rounding of its terms.
+struct Sum {
+  Complex value;
+  double terms = 0; // their magnitudes
+};
+using Value = std::function<Sum(int step, int element)>;
 
-void expectNear(Complex a, Complex b, const std::string& what, double tolerance = 1.2e-7) {
-  EXPECT_LE(std::abs(a - b), tolerance * std::abs(b) + 1e-15 * cancelling + 1e-14)
-      << what << a << b;
+void expectNear(Complex a, Sum b, const std::string& what, double tolerance = 1.2e-7) {
+  EXPECT_LE(std::abs(a - b.value), tolerance * std::abs(b.value) + 1e-15 * b.terms + 1e-14)
+      << what << a << b.value;
 }
 
 Complex polar(double size, double angle) {
   return size * Complex(std::cos(angle / DEGREES), std::sin(angle / DEGREES)); // size < 0 too
 }
 
-using Value = std::function<Complex(int step, int element)>;
-
-// A file of magnitudes and one of angles: behind the frequency, at the 101 steps of the fit range,
-// each of the elements by all functions (the sampled one, the fitted one).
+// A file of magnitudes and one of angles: at the 101 steps of the fit range each of the elements by
+// all functions (the sampled one, the fitted one).
 void expectCurves(const Files& files, const std::string& a, const std::string& b, int elements,
                   const std::vector<Value>& functions) {
-  const CurveText &size = files.at(a), &angle = files.at(b);
+  const Rows sizes = rowsOf(files, a), angles = rowsOf(files, b);
   const std::size_t stride = functions.size(), n = static_cast<std::size_t>(elements) * stride;
-  ASSERT_EQ(size.rows.size(), 101U) << a;
-  EXPECT_EQ(size.rows[0].size(), 2 + n) << a;
+  ASSERT_EQ(sizes.size(), 101U) << a;
   for (int k = 6; k <= 106; ++k) {
-    const auto row = static_cast<std::size_t>(k - 6);
-    ASSERT_NEAR(size.rows[row][1], SOLVEDATA.grid.FREQ[k], 1e-7 * SOLVEDATA.grid.FREQ[k]);
-    ASSERT_NEAR(angle.rows.at(row).at(0), SOLVEDATA.grid.LOGF[k], 1e-7);
+    const auto &size = sizes[static_cast<std::size_t>(k - 6)],
+               &angle = angles.at(static_cast<std::size_t>(k - 6));
+    ASSERT_EQ(size.size(), 2 + n) << a;
+    ASSERT_NEAR(size[1], SOLVEDATA.grid.FREQ[k], 1e-7 * size[1]);
+    ASSERT_NEAR(angle.at(0), SOLVEDATA.grid.LOGF[k], 1e-7);
     for (std::size_t c = 0; c < n; ++c) {
-      cancelling = 0;
-      const Complex value = functions[c % stride](k, static_cast<int>(c / stride));
-      expectNear(polar(size.rows[row].at(2 + c), angle.rows[row].at(2 + c)), value, a);
+      const Sum value = functions[c % stride](k, static_cast<int>(c / stride));
+      expectNear(polar(size[2 + c], angle.at(2 + c)), value, a);
     }
   }
-  cancelling = 0;
 }
 
 using Elements = CurveMatrix<Complex, MAXFREQ>;
 
 Value valuesOf(const Elements& A) {
-  return [&A](int k, int e) { return A(k, e / RUNDATA.line.NC + 1, e % RUNDATA.line.NC + 1); };
+  const int n = RUNDATA.line.NC;
+  return [&A, n](int k, int e) { return Sum{A(k, e / n + 1, e % n + 1)}; };
 }
 
 // Of a matrix of the model file at the step's frequency.
 Value valuesOf(const PhaseFile& model, Dense (PhaseFile::*A)(Wide) const) {
   return [&model, A](int k, int e) {
     const auto n = static_cast<std::size_t>(RUNDATA.line.NC), at = static_cast<std::size_t>(e);
-    return Complex((model.*A)(Wide(0, SOLVEDATA.grid.WFREQ[k]))[at / n][at % n]);
+    return Sum{Complex((model.*A)(Wide(0, SOLVEDATA.grid.WFREQ[k]))[at / n][at % n])};
   };
 }
 
-Complex valueOf(const RationalFit& F, int k) {
-  Complex sum = F.D;
+Sum valueOf(const RationalFit& F, int k) {
+  Sum sum{F.D};
   for (int m = 1; m <= F.N; ++m) {
     const Complex term = F.R[m] / (Complex(0, SOLVEDATA.grid.WFREQ[k]) - F.P[m]);
-    sum += term;
-    cancelling += std::abs(term);
+    sum.value += term;
+    sum.terms += std::abs(term);
   }
   return sum;
-}
-
-void choose(char model, int n, int iscable = OVERHEADLINE) {
-  RUNDATA.model = ModelChoice{};
-  RUNDATA.model.MODFDM = model == 'm';
-  RUNDATA.model.MODFDP = model == 'p';
-  RUNDATA.model.MODMFDTD = model == 'f';
-  RUNDATA.line.NC = n;
-  RUNDATA.run.ISCABLE = iscable;
 }
 
 // Solves a line of three wires and fits its modes, with a constant transformation or a fitted one.
@@ -164,26 +142,6 @@ void solveModes(bool constant) {
   });
 }
 
-// With its delay each group's function is that of its modes, where these are all the same.
-void expectGroups(const CurveText& size, const CurveText& angle, const PhaseFile& model) {
-  for (std::size_t g = 0; g < model.delays.size(); ++g) {
-    double deviation = 0, away[3] = {};
-    for (std::size_t row = 0, c = 2 + 2 * g; row < 101; ++row) {
-      const int k = static_cast<int>(row) + 6;
-      const double turn = SOLVEDATA.grid.WFREQ[k] * static_cast<double>(model.delays[g]);
-      const Complex F = polar(size.rows[row].at(c), angle.rows[row].at(c));
-      const Complex fit = polar(size.rows[row].at(c + 1), angle.rows[row].at(c + 1));
-      deviation = std::max(deviation, std::abs(F - fit));
-      for (int i = 0; i < 3; ++i) {
-        const Complex H = SOLVEDATA.second.HMODE(k, i + 1);
-        away[i] = std::max(away[i], std::abs(F * std::polar(1.0, -turn) - H));
-      }
-    }
-    EXPECT_LT(*std::min_element(away, away + 3), 1e-6) << g;
-    EXPECT_TRUE(deviation > 1e-6 && deviation < 0.02) << g << " " << deviation;
-  }
-}
-
 } // namespace
 
 TEST(CurveFiles, OfThePhaseModelAreTheLineAndItsModelFile) {
@@ -192,21 +150,20 @@ TEST(CurveFiles, OfThePhaseModelAreTheLineAndItsModelFile) {
   for (const std::string& body :
        {doubleCircuit(phaseModel(KEYS + dc)), singleCircuit(phaseModel(KEYS), circuit)}) {
     solveBothLoops(body, LENGTH);
-    const ProgramRun run = runLine("Line Summary\n{\nLine Name: x\n}\n" + body, "1e5");
-    const Files files = curvesIn(run.files);
-    const PhaseFile model = readPhaseFile(run.files.at("a.cvo"));
+    const Files files = runLine("Line Summary\n{\nLine Name: x\n}\n" + body, "1e5").files;
+    const PhaseFile model = readPhaseFile(files.at("a.cvo"));
     ASSERT_EQ(model.trouble, "");
     const FrequencyStore& A = SOLVEDATA.at;
     const SecondLoopStore& T = SOLVEDATA.second;
     const int n = RUNDATA.line.NC, all = n * n;
+    const Elements& TI = SOLVEDATA.first.IDEALT ? T.TIST : A.MTI;
     expectCurves(files, "zm", "zp", all, {valuesOf(A.ZSTORE)});
     expectCurves(files, "ym", "yp", all, {valuesOf(A.YSTORE)});
-    const Elements& TI = SOLVEDATA.first.IDEALT ? T.TIST : A.MTI;
     expectCurves(files, "timp", "tipp", all, {valuesOf(TI)});
-    expectCurves(files, "lamdam", "lamdap", n, {[&](int k, int e) { return A.MEIG(k, e + 1); }});
+    expectCurves(files, "lamdam", "lamdap", n,
+                 {[&](int k, int e) { return Sum{A.MEIG(k, e + 1)}; }});
     expectCurves(files, "ycmp", "ycpp", all, {valuesOf(T.YCST), valuesOf(model, &PhaseFile::Yc)});
     expectCurves(files, "hmp", "hpp", all, {valuesOf(T.HST), valuesOf(model, &PhaseFile::H)});
-    if (SOLVEDATA.first.IDEALT) expectGroups(files.at("hmm"), files.at("hpm"), model);
   }
 }
 
@@ -216,26 +173,25 @@ TEST(CurveFiles, OfTheModeModelAreItsModes) {
     const SecondLoopStore& T = SOLVEDATA.second;
     const Files files = written([] { headCurves(), writeModeCurves(); });
     const auto undelayed = [&](int k, int e) {
-      return T.HMODE(k, e + 1) * std::polar(1.0, SOLVEDATA.grid.WFREQ[k] * 1e-3 * T.TAUMS[e + 1]);
+      const double turn = SOLVEDATA.grid.WFREQ[k] * 1e-3 * T.TAUMS[e + 1];
+      return Sum{T.HMODE(k, e + 1) * std::polar(1.0, turn)};
     };
     const auto transform = [&](int k, int e) {
-      return constant ? T.TIST(SOLVEDATA.grid.NFREQ, e / 3 + 1, e % 3 + 1)
+      return constant ? Sum{T.TIST(SOLVEDATA.grid.NFREQ, e / 3 + 1, e % 3 + 1)}
                       : valueOf(MODEMODEL.T(e / 3 + 1, e % 3 + 1), k);
     };
     expectCurves(files, "zcmm", "zcpm", 3,
-                 {[&](int k, int e) { return T.ZSURGST(k, e + 1); },
+                 {[&](int k, int e) { return Sum{T.ZSURGST(k, e + 1)}; },
                   [](int k, int e) { return valueOf(MODEMODEL.Z[e + 1], k); }});
     expectCurves(files, "amm", "apm", 3,
                  {undelayed, [](int k, int e) { return valueOf(MODEMODEL.A[e + 1], k); }});
     expectCurves(files, "timm", "tipm", 9, {valuesOf(T.TIST), transform});
-    for (const std::vector<double>& row : files.at("apm").rows) {
-      for (std::size_t c = 2; c < 8; ++c) EXPECT_TRUE(row[c] <= 0 && row[c] > -360);
-    }
-    for (const std::vector<double>& row : files.at("timm").rows) {
-      for (std::size_t e = 0; e < 9; ++e) {
-        const int i = static_cast<int>(e) / 3 + 1, j = static_cast<int>(e) % 3 + 1;
-        EXPECT_EQ(row[2 + 2 * e] >= 0, T.TISUM(i, j) > 0) << i << j;
-      }
+    for (const std::vector<double>& row : rowsOf(files, "apm"))
+      EXPECT_TRUE(*std::max_element(row.begin() + 2, row.end()) <= 0 &&
+                  *std::min_element(row.begin() + 2, row.end()) > -360);
+    for (const std::vector<double>& row : rowsOf(files, "timm")) {
+      for (std::size_t e = 0; e < 9; ++e)
+        EXPECT_EQ(row[2 + 2 * e] >= 0, T.TISUM(static_cast<int>(e) / 3 + 1, static_cast<int>(e) % 3 + 1) > 0) << e;
     }
   }
 }
@@ -244,87 +200,85 @@ TEST(CurveFiles, OfTheModeModelAreItsModes) {
 TEST(CurveFiles, OfTheEndsAreThoseOfTheExactLine) {
   solveModes(true);
   const Files files = written([] { headCurves(), writeEndCurves(), writeModeCurves(); });
-  const auto at = [&](const char* file, std::size_t row, std::size_t i) {
-    const std::vector<double>& values = files.at(file).rows.at(row);
-    EXPECT_TRUE(values.at(3 + 2 * i) > -90.0001 && values[3 + 2 * i] <= 270) << values[3 + 2 * i];
-    return polar(values[2 + 2 * i], values[3 + 2 * i]);
-  };
-  ASSERT_EQ(files.at("gdis").rows.size(), 101U);
+  const Rows z = rowsOf(files, "zs"), y = rowsOf(files, "ys");
+  ASSERT_EQ(rowsOf(files, "gdis").size(), 101U);
   for (std::size_t row = 0; row < 101; row += 6) {
+    const auto expectEnd = [&](const char* curve, int i, Sum value, double tolerance = 1.2e-7) {
+      const std::size_t c = 2 * static_cast<std::size_t>(i);
+      const std::vector<double> values = rowsOf(files, curve).at(row);
+      EXPECT_TRUE(values.at(c + 1) > -90.0001 && values[c + 1] <= 270) << values[c + 1];
+      expectNear(polar(values[c], values[c + 1]), value, curve, tolerance);
+    };
     const int k = static_cast<int>(row) + 6;
     static LineMatrix Y, Z;
     SOLVEDATA.at.YSTORE.load(k, Y, 3);
     SOLVEDATA.at.ZSTORE.load(k, Z, 3);
-    const std::vector<double>&z = files.at("zs").rows[row], &y = files.at("ys").rows[row];
-    std::size_t c = 2;
-    for (int i = 1; i <= 3; ++i) {
+    for (int i = 1, c = 2; i <= 3; ++i) {
       for (int j = i; j <= 3; ++j, c += 2) {
-        expectNear({z[c], z[c + 1]}, Z(i, j), "Z");
-        expectNear({y[c], y[c + 1]}, Y(i, j), "Y");
+        const auto at = static_cast<std::size_t>(c);
+        expectNear({z[row].at(at), z[row].at(at + 1)}, {Z(i, j)}, "Z");
+        expectNear({y[row].at(at), y[row].at(at + 1)}, {Y(i, j)}, "Y");
       }
       const Complex Zs = SOLVEDATA.second.ZSURGST(k, i), u = SOLVEDATA.second.GAMLEN(k, i);
-      expectNear(at("short", row, static_cast<std::size_t>(i - 1)), Zs * std::tanh(u), "shorted");
-      expectNear(at("open", row, static_cast<std::size_t>(i - 1)), Zs / std::tanh(u), "open");
+      expectEnd("short", i, {Zs * std::tanh(u)});
+      expectEnd("open", i, {Zs / std::tanh(u)});
     }
     if (row > 60) continue; // beyond the exact circuit has lost its digits
     const PiCircuit pi = exactPi(corner(Y, 3), corner(Z, 3), LENGTH);
     const Dense half = times(0.5L, pi.Y), shorted = inverse(sum(half, inverse(pi.Z)));
     const Dense open = inverse(sum(half, inverse(sum(pi.Z, inverse(half)))));
-    for (std::size_t j = 0; j < 3; ++j) {
-      expectNear(at("gdis", row, j), Complex(3.0L * shorted[j][0]), "phases shorted", 1e-6);
-      expectNear(at("gdio", row, j), Complex(3.0L * open[j][0]), "phases open", 1e-6);
+    for (int j = 1; j <= 3; ++j) {
+      const auto c = static_cast<std::size_t>(j - 1);
+      expectEnd("gdis", j, {Complex(3.0L * shorted[c][0])}, 1e-6);
+      expectEnd("gdio", j, {Complex(3.0L * open[c][0])}, 1e-6);
     }
   }
 }
 
-// The rows of a file, and the values on the lines of a row.
-TEST(CurveFiles, StepsAndRowsByModelAndRoute) {
-  using Lines = std::vector<std::size_t>;
+// How many files there are, the rows of one, and the values on the lines of a row.
+TEST(CurveFiles, FilesStepsAndRowsByModelAndRoute) {
   solveBothLoops(singleCircuit(phaseModel(KEYS)), LENGTH);
-  for (const auto& [model, route, NFUSE, n, file, rows, values] :
-       std::vector<std::tuple<char, int, int, int, const char*, std::size_t, Lines>>{
-           {'p', ROUTECONSTANTS, 106, 3, "zm", 101, {11}},
-           {'p', ROUTECONSTANTS, 5, 3, "timp", 0, {}},
-           {'p', ROUTEMULTIPLE, 100, 3, "ycmp", 95, {20}},
-           {'p', ROUTEMULTIPLE, 99, 3, "ycmp", 99, {20}},
-           {'p', ROUTEMULTIPLE, 99, 3, "hmp", 94, {20}},
-           {'p', ROUTEMULTIPLE, 98, 3, "hpp", 98, {20}},
-           {'p', ROUTECONSTANTS, 6, 21, "hpp", 6, {403, 403, 78}},
-           {'f', ROUTEMULTIPLE, 99, 3, "zpf", 99, {11}},
-           {'f', ROUTEMULTIPLE, 99, 3, "zp", 94, {11}},
-           {'m', ROUTEMULTIPLE, 7, 2, "zs", 2, {8}},
-           {'m', ROUTEMULTIPLE, 5, 3, "amm", 0, {}}}) {
-    const Files files = written([m = model, to = route, last = NFUSE, order = n] {
-      choose(m, order);
-      RUNDATA.run.DATAFMT = to;
-      SOLVEDATA.grid.NFUSE = last;
+  const struct {
+    char model;
+    int route, NFUSE, n;
+    std::size_t count;
+    const char* file;
+    std::size_t rows;
+    std::vector<std::size_t> values = {};
+    int kind = OVERHEADLINE;
+  } cases[] = {
+      {'p', ROUTECONSTANTS, 106, 3, 20, "zm", 101, {11}},
+      {'p', ROUTECONSTANTS, 5, 4, 14, "timp", 0},
+      {'p', ROUTEMULTIPLE, 100, 3, 20, "ycmp", 95, {20}},
+      {'p', ROUTEMULTIPLE, 99, 3, 20, "ycmp", 99, {20}},
+      {'p', ROUTEMULTIPLE, 99, 3, 20, "hmp", 94, {20}},
+      {'p', ROUTEMULTIPLE, 98, 3, 20, "hpp", 98, {20}},
+      {'p', ROUTECONSTANTS, 6, 21, 14, "hpp", 6, {403, 403, 78}},
+      {'f', ROUTEMULTIPLE, 99, 3, 10, "zpf", 99, {11}},
+      {'f', ROUTEMULTIPLE, 99, 3, 10, "zp", 94, {11}},
+      {'m', ROUTEMULTIPLE, 7, 2, 16, "zs", 2, {8}},
+      {'m', ROUTEMULTIPLE, 5, 3, 12, "amm", 0, {}, CABLESYSTEM},
+  };
+  for (const auto& c : cases) {
+    const Files files = written([&] {
+      RUNDATA.model = ModelChoice{};
+      RUNDATA.model.MODFDM = c.model == 'm';
+      RUNDATA.model.MODFDP = c.model == 'p';
+      RUNDATA.model.MODMFDTD = c.model == 'f';
+      RUNDATA.line.NC = c.n;
+      RUNDATA.run.ISCABLE = c.kind;
+      RUNDATA.run.DATAFMT = c.route;
+      SOLVEDATA.grid.NFUSE = c.NFUSE;
       headCurves(), writeEndCurves(), writePhaseLineCurves(), writePhaseFitCurves();
       writeSeriesFitCurves(SOLVEDATA.at.ZSTORE), writeSeriesLineCurves(), writeModeCurves();
     });
-    const CurveText curve = files.at(file);
-    ASSERT_EQ(curve.rows.size(), rows) << file << NFUSE;
-    ASSERT_EQ(curve.perLine.size(), rows * values.size());
-    for (std::size_t i = 0; i < curve.perLine.size(); ++i)
-      EXPECT_EQ(curve.perLine[i], values[i % values.size()]) << file;
-    EXPECT_EQ(files.count("gdis"), model != 'f' && NFUSE > 5 && n == 3);
-    if (rows > 0) expectNear(curve.rows.back()[1], SOLVEDATA.grid.FREQ[NFUSE], file);
-  }
-}
-
-TEST(CurveFiles, AreThoseOfModelAndKind) {
-  solveBothLoops(singleCircuit(phaseModel(KEYS)), LENGTH);
-  const std::string mode = "zcmm zcpm amm apm timm tipm lamdam lamdap zm ym zp yp";
-  for (const auto& [model, n, kind, names] : std::vector<std::tuple<char, int, int, std::string>>{
-           {'m', 4, OVERHEADLINE, mode},
-           {'m', 3, CABLESYSTEM, mode},
-           {'m', 1, OVERHEADLINE, mode + " zs ys short open"},
-           {'p', 4, OVERHEADLINE, "ycmp ycpp hmm hpm hmp hpp timp tipp lamdam lamdap zm ym zp yp"},
-           {'f', 3, OVERHEADLINE, "zmf zpf zm ym zp yp zs ys short open"},
-           {'-', 3, OVERHEADLINE, ""}}) {
-    Files files = written([m = model, order = n, k = kind] { choose(m, order, k), headCurves(); });
-    std::istringstream in(names);
-    for (std::string name; in >> name;) EXPECT_EQ(files.erase(name), 1U) << name;
-    EXPECT_TRUE(files.empty()) << model << n;
+    std::vector<std::string> texts = splitLines(textOf(files, c.file));
+    EXPECT_EQ(files.size(), c.count) << c.file << c.NFUSE;
+    ASSERT_EQ(texts.size(), 1 + c.rows * c.values.size()) << c.file << c.NFUSE;
+    for (std::size_t i = 1; i < texts.size(); ++i)
+      EXPECT_EQ((texts[i].size() + 3) / 19, c.values[(i - 1) % c.values.size()]) << c.file;
+    if (c.rows > 0)
+      expectNear(rowsOf(files, c.file).back().at(1), {SOLVEDATA.grid.FREQ[c.NFUSE]}, c.file);
   }
 }
 
@@ -339,8 +293,8 @@ TEST(CurveFiles, HalfTurnsArePositiveAndNoNumbersStayOut) {
       },
       lines({"Values that are no Finite Numbers in Detail Curve File: x_ym.out",
              "Values that are no Finite Numbers in Detail Curve File: x_yp.out"}));
-  EXPECT_EQ(files.at("zp").rows.at(0).at(3), 180);
-  EXPECT_TRUE(files.at("ym").rows.empty());
+  EXPECT_EQ(rowsOf(files, "zp").at(0).at(3), 180);
+  EXPECT_TRUE(rowsOf(files, "ym").empty());
 }
 
 // Trouble is told and changes nothing else. Names stay in the directory.
