@@ -183,6 +183,9 @@ TEST(CurveFiles, OfTheModeModelAreItsModesAndEnds) {
     };
     expectCurve(files, "amm", "apm", ofModes(undelayed), 1.2e-7, 0.02);
     expectCurve(files, "timm", "tipm", elementsOf(T.TIST), 1.2e-7, constant ? 0.3 : 0.1);
+    for (const std::vector<double>& row : rowsOf(files, "apm")) {
+      for (std::size_t c = 2; c < 8; ++c) EXPECT_TRUE(row[c] <= 0 && row[c] > -360) << row[c];
+    }
     const Rows sizes = rowsOf(files, "timm");
     for (std::size_t c = 2; c < 20; c += 2) {
       const int i = static_cast<int>(c - 2) / 6 + 1, j = static_cast<int>(c - 2) % 6 / 2 + 1;

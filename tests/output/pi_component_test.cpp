@@ -109,6 +109,7 @@ TEST(PiComponent, CablesThatDoNotCoupleAndManyConductors) {
 TEST(PiComponent, TheCircuitIsThatOfTheLine) {
   const std::string display = "Line Summary\n{\nLine Name: L\nSteady State Frequency: 50\n}\n"
                               "Output File Display Options\n{\nCreate PI-Section: 1\n"
+                              "Frequency for Calculation: 70\n"
                               "Parallel R Limit: 1e15\n}\n";
   for (const std::string& body : {singleCircuit(""), doubleCircuit(""), manyCircuits(13, "")}) {
     const std::string all = body + display + bergeronModel();
