@@ -93,7 +93,8 @@ CaseTolerances caseTolerances(const fs::path& file) {
   std::string word, name;
   in >> word >> t.common.matrix >> word >> t.common.scalar >> word >> t.common.line;
   for (std::size_t first = 0, last = 0; in >> word >> name >> first >> last;) {
-    t.free[name].push_back({first, last, word == "signs" ? Free::SIGNS : Free::BASIS});
+    const Free what = word == "signs" ? Free::SIGNS : word == "basis" ? Free::BASIS : Free::WIDTH;
+    t.free[name].push_back({first, last, what});
   }
   return t;
 }
