@@ -15,13 +15,6 @@ using namespace lcp::test;
 
 namespace {
 
-const std::string BANNER = "Line Constants Program for the ORVEX V5\nBuild: 2022.10.28\n\n";
-
-std::string framed(const std::string& line) {
-  const std::string stars(43, '*');
-  return lines({"", stars, "Corvo.exe: ERROR", line, stars, "LCPMAIN Ending!"});
-}
-
 std::string namesOf(const ProgramRun& run) {
   std::string names;
   for (const auto& file : run.files) names += file.first + " ";
@@ -29,50 +22,6 @@ std::string namesOf(const ProgramRun& run) {
 }
 
 } // namespace
-
-TEST(Program, RefusesBadArguments) {
-  const std::string noLength =
-      lines({"ERROR: A valid line length must be provided.", "       LCP ending..."});
-  const std::string tooLong = "Get argument failed with status = -1\n", thirtyOne(31, '1');
-  const std::string usage =
-      "usage: corvo /file NAME /length METRES [/increment METRES] [/steps COUNT]\n";
-  const struct {
-    std::vector<std::string> arguments;
-    std::string console;
-    int status = 1;
-    std::string errors{};
-  } cases[] = {
-      {{}, noLength, 1, "corvo: " + usage},
-      {{"/length", "-5"}, " Segment length:   -5 [m]\n" + noLength},
-      {{"/length", ""}, " Segment length:    [m]\n" + noLength},
-      {{"/length"}, noLength, 1, "corvo: /length is not used; " + usage},
-      {{"/Length", "5"}, noLength, 1, "corvo: /Length is not used; " + usage},
-      {{"/file=x", "", "/increment", "1D1"},
-       " Length Increment: 1D1 [m]\n" + noLength,
-       1,
-       "corvo: /file=x is not used; " + usage},
-      {{"/steps", "-2"},
-       " Steps:            -2\n" + noLength,
-       1,
-       "corvo: /steps -2 is below 0: no length is solved\n"},
-      {{"/length", "100 m"}, framed("The value of /length is not a valid number: 100 m")},
-      {{"/length", "nan"}, framed("The value of /length is not a valid number: nan")},
-      {{"/increment", "1e400"}, framed("The value of /increment is not a valid number: 1e400")},
-      {{"/steps", "1.5"}, framed("The value of /steps is not a valid number: 1.5")},
-      {{"/steps", "1000"}, framed("Too Many Length Steps (/steps 1000), Maximum of 999 Allowed!")},
-      {{"/length", thirtyOne}, tooLong, 0},
-      {{thirtyOne}, tooLong, 0},
-      {{"/file", std::string(201, 'x')}, tooLong, 0},
-  };
-  const Scratch scratch;
-  for (const auto& c : cases) {
-    const ProgramRun run = runProgram(c.arguments, scratch.path());
-    EXPECT_EQ(run.console, BANNER + c.console);
-    EXPECT_EQ(run.status, c.status) << c.console;
-    EXPECT_TRUE(run.files.empty());
-    EXPECT_EQ(run.errors, c.errors);
-  }
-}
 
 TEST(Program, NamesItsFiles) {
   const std::string line = description(singleCircuit(bergeronModel()));
