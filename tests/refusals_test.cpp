@@ -89,10 +89,8 @@ std::string differences(Refusal r) {
     console += fmt::format(fmt::runtime(echoes.at(arguments[i - 1])), arguments[i]);
   for (const auto& [name, text] : r.parts) {
     if (name == "console" || name == "errors") continue;
-    if (name.ends_with('/'))
-      std::filesystem::create_directory(scratch.file(name));
-    else
-      scratch.file(name == "input" ? r.keys["file"] : name, text);
+    if (name.ends_with('/')) std::filesystem::create_directory(scratch.file(name));
+    if (!name.ends_with('/')) scratch.file(name == "input" ? r.keys["file"] : name, text);
   }
   const ProgramRun run = runProgram(arguments, scratch.path());
   std::string files, report;
