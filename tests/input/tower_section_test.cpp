@@ -1,6 +1,5 @@
 // The conductor table that towers, bundles, ground wires and external files leave.
 #include "input/bundles.h"
-#include "input/library.h"
 #include "store/rundata.h"
 #include "support/description.h"
 
@@ -109,9 +108,6 @@ TEST(Tower, ExternalFileMakesEntriesBundleByBundle) {
 }
 
 TEST(Library, RowsOfBothFormats) {
-  EXPECT_EQ(LIBWORD("  a bb  c", 1), "a");
-  EXPECT_EQ(LIBWORD("  a bb  c", 5), "c");
-  EXPECT_EQ(LIBWORD("   ", 2), "");
   const std::string old = scratchFile("old.lib", "name radius resistance\nthree 0.01 0.1\n"
                                                  "four 0.02 0.2 1.5\nfive 0.03 0.3 1.5 0.02\n");
   const std::string fresh =

@@ -1,12 +1,10 @@
-// The program as its user starts it: names of files, steps of the length, bad bytes, files that
-// cannot be written.
+// The program as its user starts it: steps of the length, bad bytes, files that cannot be written.
 #include "support/compare_text.h"
 #include "support/description.h"
 #include "support/scratch.h"
 #include "support/solve.h"
 #include "support/whole_run.h"
 
-#include <array>
 #include <fmt/format.h>
 #include <sys/stat.h>
 
@@ -14,42 +12,22 @@ using namespace lcp::test;
 
 namespace {
 
-// Runs the description of that file, with more arguments.
-ProgramRun runFile(const Scratch& scratch, const std::string& file, const std::string& text,
-                   const std::vector<std::string>& more = {}) {
-  scratch.file(file, text);
-  std::vector<std::string> arguments{"/file", file, "/length", "1e5"};
-  arguments.insert(arguments.end(), more.begin(), more.end());
-  return runProgram(arguments, scratch.path());
+ProgramRun runIn(const Scratch& scratch, const std::string& text) {
+  scratch.file("a.cvi", text);
+  return runProgram({"/file", "a.cvi", "/length", "1e5"}, scratch.path());
 }
 
-std::string namesOf(const ProgramRun& run) {
-  std::string names;
-  for (const auto& file : run.files) names += file.first + " ";
-  return names;
+// "o"ld, "n"ew, "e"mpty, "/" a directory, "|" a pipe, "-" not there.
+char stateOf(const std::filesystem::path& file) {
+  const std::filesystem::file_status status = std::filesystem::status(file);
+  if (is_directory(status)) return '/';
+  if (is_fifo(status)) return '|';
+  if (!exists(status)) return '-';
+  const std::string text = contentOf(file);
+  return text.empty() ? 'e' : text == "old" ? 'o' : 'n';
 }
 
 } // namespace
-
-TEST(Program, NamesItsFiles) {
-  const struct {
-    std::string file;
-    std::vector<std::string> more;
-    std::string names;
-  } cases[] = {
-      {"a.cvi", {"/increment", "5"}, "a.cvo a.out "},
-      {"plain", {}, "Default.cvo Default.out "},
-      {"a.cvi", {"/steps", "2", "/increment", "1"}, "a_001.cvo a_001.out a_002.cvo a_002.out "},
-      {"a.cvi", {"/steps", "0"}, ""},
-      {"a.dta", {}, "a.cbo a.out "},
-  };
-  for (const auto& c : cases) {
-    const std::string line = description(singleCircuit(bergeronModel()));
-    const ProgramRun run = runFile(Scratch(), c.file, line, c.more);
-    EXPECT_EQ(namesOf(run), c.names);
-    EXPECT_EQ(run.status, 0);
-  }
-}
 
 TEST(Program, LengthStepsAreRunsOfTheirOwn) {
   // with bases of its own: without them both become 1 for the rest of a run
@@ -73,10 +51,6 @@ TEST(Program, LengthStepsAreRunsOfTheirOwn) {
       }
     }
   }
-  const ProgramRun shrinking =
-      runLine(doubleCircuit(bergeronModel()), "100", {"/increment", "-50", "/steps", "3"});
-  EXPECT_EQ(shrinking.status, 1);
-  EXPECT_TRUE(shrinking.console.ends_with("       LCP ending...\n"));
 }
 
 TEST(Program, TellsOfBytesThatAreNoText) {
@@ -91,28 +65,16 @@ TEST(Program, TellsOfBytesThatAreNoText) {
        "its lines must end with a line feed, not a carriage return alone"},
   };
   for (const auto& [text, told] : cases) {
-    const ProgramRun run = runFile(Scratch(), "a.cvi", text);
+    const ProgramRun run = runIn(Scratch(), text);
     EXPECT_TRUE(run.console.ends_with("Unknown Data Entry Format: -10\n")) << run.console;
     EXPECT_EQ(run.errors, "corvo: a.cvi: " + told + "\n");
     EXPECT_EQ(run.status, 1);
   }
 }
 
-TEST(Program, OutputFilesThatCannotBeOpenedLeaveTheSolve) {
-  for (const std::string file : {"a.out", "a.cvo"}) {
-    const Scratch scratch;
-    ASSERT_EQ(mkfifo(scratch.file(file).c_str(), 0600), 0); // nobody waits for its reader
-    const ProgramRun run = runFile(scratch, "a.cvi", description(singleCircuit(bergeronModel())));
-    const std::string blocked =
-        "\n\n ****** corvo.exe: ERROR *****\nCannot Open Output file ! ******" + file + "\n";
-    EXPECT_NE(run.console.find(blocked), std::string::npos) << run.console;
-    EXPECT_EQ(run.status, 0);
-    EXPECT_EQ(namesOf(run), file == "a.out" ? "a.cvo " : ""); // no report without a model file
-  }
-}
-
 // Of a run that ends early: refusals ahead of the files leave the old ones; a model file is whole
-// or absent; a report keeps what tells why; a curve file is whole or empty.
+// or absent, and no report goes without it; a report keeps what tells why; a curve file is whole or
+// empty. An output file that cannot be opened leaves the solve, a pipe without a reader too.
 TEST(Program, EarlyEndsLeaveFilesInOrder) {
   const std::string surge = "Data Entry Format:  Surge Impedance and Travel Time\n"
                             "+ve Sequence Resistance: 2e-5\n+ve Sequence Travel Time: 3.4e-9\n"
@@ -122,9 +84,11 @@ TEST(Program, EarlyEndsLeaveFilesInOrder) {
   };
   const std::string bases = display("Base MVA for Display : 100\nBase Voltage for Display : 1e300");
   const std::string curves = "Write Detailed Output Files: 1\n" + EVENWEIGHTS;
+  const std::string blocked =
+      "\n\n ****** corvo.exe: ERROR *****\nCannot Open Output file ! ******";
   const struct {
     std::string body, console;
-    const char* left; // of each file: "o"ld, "n"ew, "e"mpty, "-" for none, "/" a directory
+    const char* left; // of each file, as stateOf tells it
     int status = 1;
   } cases[] = {
       {manualLineOf(3, surge + "0\n", bergeronModel()), "Mode 1 of", "oooo"},
@@ -136,28 +100,24 @@ TEST(Program, EarlyEndsLeaveFilesInOrder) {
        "The velocity (inf ) is not finite", "nnoo"},
       {singleCircuit(phaseModel(curves + "DC Correction Type: 1\n")), "Singularity occurs", "-one"},
       {singleCircuit(phaseModel(curves)), "Cannot Open Output file", "/one", 0},
+      {singleCircuit(bergeronModel()), blocked + "a.cvo\n", "|ooo", 0},
+      {singleCircuit(bergeronModel()), blocked + "a.out\n", "n|oo", 0},
   };
   for (const auto& c : cases) {
     const Scratch scratch;
-    const std::array names{"a.cvo", "a.out", "x_ym.out", "x_hmm.out"};
-    for (const char* name : names) scratch.file(name, "old");
-    if (*c.left == '/') {
-      std::filesystem::remove(scratch.file("a.cvo"));
-      std::filesystem::create_directory(scratch.file("a.cvo"));
+    const char* const names[] = {"a.cvo", "a.out", "x_ym.out", "x_hmm.out"};
+    for (int i = 0; i < 4; ++i) {
+      const std::string file = scratch.file(names[i]);
+      if (c.left[i] == '/') std::filesystem::create_directory(file);
+      if (c.left[i] == '|') mkfifo(file.c_str(), 0600); // nobody waits for its reader
+      if (!std::filesystem::exists(file)) writeContent(file, "old");
     }
     const ProgramRun run =
-        runFile(scratch, "a.cvi", description("Line Summary\n{\nLine Name: x\n}\n" + c.body));
+        runIn(scratch, description("Line Summary\n{\nLine Name: x\n}\n" + c.body));
     EXPECT_NE(run.console.find(c.console), std::string::npos) << run.console;
     EXPECT_EQ(run.status, c.status) << c.console;
     std::string left;
-    for (const std::filesystem::path file : names) {
-      const bool there = std::filesystem::is_regular_file(scratch.path() / file);
-      const std::string text = there ? contentOf(scratch.path() / file) : "-";
-      left += std::filesystem::is_directory(scratch.path() / file) ? '/'
-              : text.empty()                                       ? 'e'
-              : text.size() > 3                                    ? 'n'
-                                                                   : text[0];
-    }
+    for (const char* name : names) left += stateOf(scratch.path() / name);
     EXPECT_EQ(left, c.left) << c.console;
   }
 }
