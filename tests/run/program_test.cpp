@@ -31,8 +31,10 @@ char stateOf(const std::filesystem::path& file) {
 
 TEST(Program, LengthStepsAreRunsOfTheirOwn) {
   // with bases of its own: without them both become 1 for the rest of a run
-  const std::string bases = "Output File Display Options\n{\nBase Voltage for Display : 230\n"
-                            "Base MVA for Display : 100\n}\n";
+  const std::string bases =
+      "Line Summary\n{\nLine Name: x\n}\nOutput File Display Options\n{\nCreate PI-Section: 1\n"
+      "Base Voltage for Display : 230\nBase MVA for Display : 100\n}\n";
+  std::string component; // of the last length, at the same frequency whatever the model
   for (const std::string& model : {bergeronModel("Frequency for Loss Approximation: 2000\n"),
                                    modeModel(), phaseModel(EVENWEIGHTS + "DC Correction Type: 2\n"),
                                    "MFDTD Model Options\n{\n" + EVENWEIGHTS + "}\n"}) {
@@ -50,6 +52,8 @@ TEST(Program, LengthStepsAreRunsOfTheirOwn) {
         EXPECT_TRUE(within > 0.0 || alone == step) << kind << k;
       }
     }
+    if (component.empty()) component = steps.files.at("x.cmp");
+    EXPECT_EQ(component, steps.files.at("x.cmp"));
   }
 }
 
