@@ -50,7 +50,9 @@ int openForWriting(const std::string& name, bool alone) {
   const int descriptor = open(name.c_str(), FLAGS, 0666);
   if (descriptor < 0) return -1;
   struct stat s {};
-  if (fstat(descriptor, &s) != 0 || !isFile(s) || (alone && !locked(descriptor))) {
+  const bool good = fstat(descriptor, &s) == 0 && isFile(s);
+  // A device is nobody's alone.
+  if (!good || (alone && S_ISREG(s.st_mode) && !locked(descriptor))) {
     close(descriptor);
     return -1;
   }

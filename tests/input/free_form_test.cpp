@@ -8,32 +8,27 @@ using namespace lcp;
 
 namespace {
 
-template <class T> struct Field {
-  const char* text;
-  T value;
-};
-
+template <class T> using Fields = std::vector<std::pair<const char*, T>>;
 template <class T> using Read = Got (*)(std::string_view, T&);
 
 // How each field is read into a target that held `old`.
 template <class T>
-void check(T old, Read<T> read, const std::vector<Field<T>>& good,
-           const std::vector<const char*>& none, const std::vector<const char*>& malformed) {
-  std::vector<std::pair<Field<T>, Got>> all;
-  for (const Field<T>& field : good) all.push_back({field, Got::Value});
-  for (const char* text : none) all.push_back({{text, old}, Got::None});
-  for (const char* text : malformed) all.push_back({{text, old}, Got::Malformed});
-  for (const auto& [field, got] : all) {
+void check(T old, Read<T> read, const Fields<T>& good, const std::vector<const char*>& none,
+           const std::vector<const char*>& malformed) {
+  const auto expect = [&](const char* text, Got got, const T& wanted) {
     T value = old;
-    EXPECT_EQ(read(field.text, value), got) << field.text;
-    EXPECT_EQ(value, field.value) << field.text;
-  }
+    EXPECT_EQ(read(text, value), got) << text;
+    EXPECT_EQ(value, wanted) << text;
+  };
+  for (const auto& [text, value] : good) expect(text, Got::Value, value);
+  for (const char* text : none) expect(text, Got::None, old);
+  for (const char* text : malformed) expect(text, Got::Malformed, old);
 }
 
 } // namespace
 
 TEST(FreeForm, ReadsTheFirstItemOfAField) {
-  const std::vector<Field<double>> reals = {
+  const Fields<double> reals = {
       {"  12.5 m", 12.5}, {"1,2", 1}, {"1D3", 1000}, {"1.5d+2", 150}, {"1+3", 1000},
       {"-.5E-1", -0.05},  {"5.", 5},  {"3/4", 3},    {"2*9", 9},      {"\t7", 7}};
   check(-7.0, readReal, reals, {"", "   ", "/ 5", ", 5"},
@@ -41,11 +36,11 @@ TEST(FreeForm, ReadsTheFirstItemOfAField) {
          "0*5", "99999999999*5"});
   check(-7, readInteger, {{"42 rest", 42}, {"+3", 3}, {"-2147483648", -2147483647 - 1}}, {""},
         {"2147483648", "1.0", "1e3", "+-3", "'4'"});
-  const std::vector<Field<std::string>> words = {{"My Line", "My"},
-                                                 {"'My Line' x", "My Line"},
-                                                 {"\"a,b/c\"", "a,b/c"},
-                                                 {"'it''s'", "it's"},
-                                                 {"a/b", "a"}};
+  const Fields<std::string> words = {{"My Line", "My"},
+                                     {"'My Line' x", "My Line"},
+                                     {"\"a,b/c\"", "a,b/c"},
+                                     {"'it''s'", "it's"},
+                                     {"a/b", "a"}};
   check<std::string>("old", readWord, words, {"/a", ""}, {"'open"});
 }
 

@@ -2,14 +2,12 @@
 // that end the process.
 #pragma once
 
-#include "base/console.h"
+#include "support/console_capture.h"
 
 #include <cstdlib>
 #include <functional>
 #include <sstream>
-#include <string>
 #include <sys/wait.h>
-#include <unistd.h>
 #include <vector>
 
 namespace lcp::test {
@@ -20,28 +18,18 @@ struct ChildResult {
 };
 
 inline ChildResult runChild(const std::function<void()>& code) {
-  ChildResult result;
-  int ends[2];
+  const int file = memfd_create("console", 0);
   console::flush();
-  if (pipe(ends) != 0) return result;
   const pid_t child = fork();
   if (child == 0) {
-    dup2(ends[1], STDOUT_FILENO);
-    close(ends[0]);
-    close(ends[1]);
+    dup2(file, STDOUT_FILENO);
     code();
     console::flush();
     std::_Exit(0);
   }
-  close(ends[1]);
-  char buffer[4096];
-  for (ssize_t n = 0; (n = read(ends[0], buffer, sizeof buffer)) > 0;)
-    result.console.append(buffer, static_cast<std::size_t>(n));
-  close(ends[0]);
   int status = 0;
   waitpid(child, &status, 0);
-  if (WIFEXITED(status)) result.status = WEXITSTATUS(status);
-  return result;
+  return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, takeText(file)};
 }
 
 // The text between two lines is as printed: joins lines with line ends behind each.

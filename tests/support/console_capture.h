@@ -6,26 +6,30 @@
 
 #include <cstdio>
 #include <string>
+#include <sys/mman.h>
 #include <unistd.h>
 
 namespace lcp::test {
 
+// The text of a file in memory, which it closes.
+inline std::string takeText(int file) {
+  std::string text(static_cast<std::size_t>(lseek(file, 0, SEEK_END)), ' ');
+  if (pread(file, text.data(), text.size(), 0) < 0) text = "cannot read what was printed";
+  close(file);
+  return text;
+}
+
 template <class Code> std::string consoleOf(Code code) {
   console::flush();
   std::fflush(stdout);
-  std::FILE* file = std::tmpfile();
-  const int before = dup(STDOUT_FILENO);
-  dup2(fileno(file), STDOUT_FILENO);
+  const int file = memfd_create("console", 0), before = dup(STDOUT_FILENO);
+  dup2(file, STDOUT_FILENO);
   code();
   console::flush();
   std::fflush(stdout);
   dup2(before, STDOUT_FILENO);
   close(before);
-  std::rewind(file);
-  std::string text;
-  for (int c = std::fgetc(file); c != EOF; c = std::fgetc(file)) text += static_cast<char>(c);
-  std::fclose(file);
-  return text;
+  return takeText(file);
 }
 
 } // namespace lcp::test

@@ -5,30 +5,25 @@
 #include "support/scratch.h"
 
 #include <fmt/format.h>
+#include <stdexcept>
 
 namespace lcp::test {
 
 namespace {
 
-const char* caseName(int iscable) { return iscable == 0 ? "case.cvi" : "case.cbi"; }
-
-// A folder of the test process.
-const Scratch& scratch() {
-  static const Scratch folder;
-  return folder;
-}
-
-void prepare(const std::string& text, int iscable, double length) {
+void readDescription(const std::string& text, int iscable) {
   RUNDATA.run = RunControl{};
-  RUNDATA.run.FNAME = scratchFile(caseName(iscable), text);
+  RUNDATA.run.FNAME = scratchFile("case", text);
   RUNDATA.run.ISCABLE = iscable;
-  RUNDATA.run.LINELEN = length;
+  RUNDATA.run.LINELEN = 1000.0;
+  READTLDATA();
 }
 
 } // namespace
 
 std::string scratchFile(std::string_view name, std::string_view text) {
-  return name.empty() ? scratch().file(name) : scratch().file(name, text); // or the folder
+  static const Scratch scratch;
+  return scratch.file(name, text);
 }
 
 std::string description(std::string_view body) {
@@ -46,23 +41,14 @@ std::string summary(int conductors) {
   return fmt::format("Line Summary\n{{\nNumber of Conductors: {}\n}}\n", conductors);
 }
 
+ChildResult readInChild(const std::string& text, int iscable) {
+  return runChild([&] { readDescription(text, iscable); });
+}
+
 void readHere(const std::string& text, int iscable) {
-  prepare(text, iscable, 1000.0);
-  READTLDATA();
-}
-
-ChildResult readInChild(const std::string& text, int iscable, double length) {
-  return runChild([&] {
-    prepare(text, iscable, length);
-    READTLDATA();
-  });
-}
-
-std::string errorExit(std::string_view lastLine, int iscable) {
-  const std::string stars(43, '*');
-  return lines({"", stars, "Corvo.exe: ERROR",
-                "Error in Reading Data File: " + scratch().file(caseName(iscable)),
-                fmt::format("Last Line Read Was: {}", lastLine), stars, "READTLDATA Ending!"});
+  const ChildResult trial = readInChild(text, iscable);
+  if (trial.status != 0) throw std::runtime_error(trial.console + "refuses " + text);
+  readDescription(text, iscable);
 }
 
 } // namespace lcp::test

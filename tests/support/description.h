@@ -5,6 +5,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace lcp::test {
 
@@ -20,12 +21,14 @@ std::string threePhaseTower(std::string_view circuitLines = "", std::string_view
 // A summary that goes with so many conductors.
 std::string summary(int conductors);
 
-// Reads a description with READTLDATA, here or in a child that it may end. The file is called
-// case.cvi or case.cbi.
+// Reads a description with READTLDATA in a child that it may end, and here: a description that is
+// refused fails the test that reads it, and no other.
+ChildResult readInChild(const std::string& text, int iscable = 0);
 void readHere(const std::string& text, int iscable = 0);
-ChildResult readInChild(const std::string& text, int iscable = 0, double length = 1000.0);
 
-// The lines of the common error exit for the last line read, as readInChild names the file.
-std::string errorExit(std::string_view lastLine, int iscable = 0);
+// Entries of the store side by side.
+template <class... T> std::vector<double> values(T... entries) {
+  return {static_cast<double>(entries)...};
+}
 
 } // namespace lcp::test

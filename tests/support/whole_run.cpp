@@ -39,6 +39,19 @@ std::map<std::string, std::string> runCase(const fs::path& directory) {
   return run.files;
 }
 
+// What a tolerance file says of one of the files of its case.
+Tolerances tolerancesOf(const fs::path& tolerance, const std::string& file) {
+  Tolerances t;
+  std::istringstream in(contentOf(tolerance));
+  std::string word, name;
+  in >> word >> t.matrix >> word >> t.scalar >> word >> t.line;
+  for (std::size_t first = 0, last = 0; in >> word >> name >> first >> last;) {
+    const Free what = word == "signs" ? Free::SIGNS : word == "basis" ? Free::BASIS : Free::WIDTH;
+    if (name == file) t.free.push_back({first, last, what});
+  }
+  return t;
+}
+
 } // namespace
 
 ProgramRun runProgram(const std::vector<std::string>& arguments, const fs::path& directory) {
@@ -73,45 +86,16 @@ ProgramRun runLine(const std::string& body, const std::string& length,
   return runProgram(arguments, scratch.path());
 }
 
-namespace {
-
-// The tolerances of a case, by file.
-struct CaseTolerances {
-  Tolerances common;
-  std::map<std::string, std::vector<FreeLines>> free;
-
-  Tolerances of(const std::string& file) const {
-    Tolerances t = common;
-    if (const auto f = free.find(file); f != free.end()) t.free = f->second;
-    return t;
-  }
-};
-
-CaseTolerances caseTolerances(const fs::path& file) {
-  CaseTolerances t;
-  std::istringstream in(contentOf(file));
-  std::string word, name;
-  in >> word >> t.common.matrix >> word >> t.common.scalar >> word >> t.common.line;
-  for (std::size_t first = 0, last = 0; in >> word >> name >> first >> last;) {
-    const Free what = word == "signs" ? Free::SIGNS : word == "basis" ? Free::BASIS : Free::WIDTH;
-    t.free[name].push_back({first, last, what});
-  }
-  return t;
-}
-
-} // namespace
-
 std::string caseDifferences(const fs::path& directory) {
-  const CaseTolerances tolerances = caseTolerances(directory / "tolerance");
   std::string report;
   std::map<std::string, std::string> wanted = filesUnder(directory / "expected");
   for (const char* name : {"console", "status"}) wanted[name] = contentOf(directory / name);
   auto files = runCase(directory);
   if (contentOf(directory / "source").empty()) report = "no source of the expected numbers\n";
   for (const auto& [name, text] : wanted) {
-    const bool written = files.contains(name);
+    const Tolerances t = tolerancesOf(directory / "tolerance", name);
     const std::string d =
-        written ? textDifferences(text, files[name], tolerances.of(name)) : "was not written\n";
+        files.contains(name) ? textDifferences(text, files[name], t) : "was not written\n";
     if (!d.empty()) report += fmt::format("{}: {}", name, d);
   }
   for (const auto& file : files) {
