@@ -21,8 +21,9 @@
 #include "base/big_store.h"
 #include "base/constants.h"
 #include "fit/fitted_curves.h"
-#include "fit/lapack.h"
 #include "fit/partial_fractions.h"
+#include "fit/scaled_columns.h"
+#include "kernels/lapack.h"
 
 #include <algorithm>
 #include <cmath>

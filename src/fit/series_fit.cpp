@@ -13,8 +13,8 @@
 #include "base/console.h"
 #include "base/record.h"
 #include "fit/fit_console.h"
-#include "fit/lapack.h"
 #include "fit/partial_fractions.h"
+#include "fit/scaled_columns.h"
 #include "fit/vector_fit.h"
 #include "store/rundata.h"
 

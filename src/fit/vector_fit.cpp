@@ -18,7 +18,8 @@
 #include "fit/vector_fit.h"
 
 #include "base/console.h"
-#include "fit/lapack.h"
+#include "fit/scaled_columns.h"
+#include "kernels/lapack.h"
 
 #include <algorithm>
 #include <cmath>

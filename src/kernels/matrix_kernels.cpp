@@ -106,6 +106,14 @@ void copyCorner(CView B, CConstView A, int n) {
   for (int j = 1; j <= n; ++j) std::copy_n(A.column(j), n, B.column(j));
 }
 
+bool allFinite(CConstView A, int n) {
+  for (int j = 1; j <= n; ++j) {
+    const double* a = parts(A.column(j));
+    if (!std::all_of(a, a + 2 * n, [](double x) { return std::isfinite(x); })) return false;
+  }
+  return true;
+}
+
 void REALPT(RView R, CConstView A, int n) {
   for (int j = 1; j <= n; ++j) {
     for (int i = 1; i <= n; ++i) R(i, j) = A(i, j).real();

@@ -37,6 +37,9 @@ void RCOLNORM(RView B, RConstView A, int n);
 // B = A, the n by n corner. B must not be A.
 void copyCorner(CView B, CConstView A, int n);
 
+// Whether all elements of the n by n corner of A are finite.
+bool allFinite(CConstView A, int n);
+
 // R = Re A.
 void REALPT(RView R, CConstView A, int n);
 

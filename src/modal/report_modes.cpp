@@ -4,7 +4,7 @@
 #include "base/constants.h"
 #include "base/solve_error.h"
 #include "kernels/inversion.h"
-#include "kernels/lapack_eigen.h"
+#include "kernels/lapack.h"
 #include "kernels/matrix_kernels.h"
 #include "modal/modal_transform.h"
 #include "store/rundata.h"
@@ -88,7 +88,7 @@ void formReportModes() {
   SecondLoopStore& T = SOLVEDATA.second;
   const int n = RUNDATA.line.NC;
   copyCorner(copy, S.PMAT, n);
-  ZGEEV(copy, S.EIG, S.TI, n);
+  ZGEEV(copy, S.EIG, S.TI, n, BackSubstitution::ByColumns);
   if (RUNDATA.run.ISCABLE == FOURWIRECABLE) turnEqualModes(S.TI, S.EIG, n);
   COLNORM(S.TI, S.TI, n);
   INVCJD(S.TIINV, S.TI, n);

@@ -13,6 +13,7 @@
 #include "base/console.h"
 #include "fit/fit_console.h"
 #include "fit/fitted_curves.h"
+#include "kernels/lapack.h"
 #include "passivity/nodal_admittance.h"
 #include "passivity/quadratic_program.h"
 #include "passivity/residue_model.h"
@@ -111,9 +112,7 @@ bool solveProgram() {
   static Table<double, MAXVARIABLES> g;
   EnforcementStore& E = ENFORCE;
   if (E.NVAR == 0) return E.NCON == 0;
-  int INFO = 0;
-  QPDUAL(E.NVAR, E.NCON, E.G, g.data(), constraints(), E.CBOUND.data(), E.X.data(), INFO);
-  return INFO == 0;
+  return QPDUAL(E.NVAR, E.NCON, E.G, g.data(), constraints(), E.CBOUND.data(), E.X.data());
 }
 
 } // namespace

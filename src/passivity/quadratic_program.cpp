@@ -17,7 +17,7 @@
 // again.
 #include "passivity/quadratic_program.h"
 
-#include "passivity/lapack_dense.h"
+#include "kernels/lapack.h"
 
 #include <algorithm>
 #include <cmath>
@@ -255,15 +255,14 @@ bool followConstraints(DualStore& S, const Program& P) {
 
 } // namespace
 
-void QPDUAL(int N, int M, RConstView G, const double* g, RConstView A, const double* b, double* x,
-            int& INFO) {
-  INFO = 1;
+bool QPDUAL(int N, int M, RConstView G, const double* g, RConstView A, const double* b, double* x) {
   std::fill_n(x, N, 0.0);
-  if (!allFinite(G, N, N) || !allFinite(g, N) || !allFinite(A, M, N) || !allFinite(b, M)) return;
+  if (!allFinite(G, N, N) || !allFinite(g, N) || !allFinite(A, M, N) || !allFinite(b, M))
+    return false;
   DualStore S(N, M);
   const Program P{N, M, A, b, x};
   startUnconstrained(S, P, G, g);
-  if (followConstraints(S, P) && allFinite(x, N)) INFO = 0;
+  return followConstraints(S, P) && allFinite(x, N);
 }
 
 } // namespace lcp

@@ -2,6 +2,7 @@
 
 #include "base/console.h"
 #include "base/number_forms.h"
+#include "kernels/lapack.h"
 #include "passivity/nodal_admittance.h"
 
 #include <algorithm>

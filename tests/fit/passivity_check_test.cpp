@@ -3,8 +3,8 @@
 #include "fit/passivity_check.h"
 
 #include "base/number_forms.h"
-#include "fit/lapack.h"
 #include "fit/passivity_grid.h"
+#include "kernels/lapack.h"
 #include "support/console_capture.h"
 #include "support/description.h"
 #include "support/phase_file.h"

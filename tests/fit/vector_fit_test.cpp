@@ -2,7 +2,7 @@
 // count, since their poles are not unique.
 #include "fit/vector_fit.h"
 
-#include "fit/lapack.h"
+#include "fit/scaled_columns.h"
 #include "support/console_capture.h"
 #include "support/sampled_functions.h"
 
