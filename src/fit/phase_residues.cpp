@@ -20,6 +20,7 @@
 
 #include "base/big_store.h"
 #include "base/constants.h"
+#include "base/finite.h"
 #include "fit/fitted_curves.h"
 #include "fit/partial_fractions.h"
 #include "fit/scaled_columns.h"
@@ -201,9 +202,6 @@ void storeResidues(int r, int c) {
     first += NH;
   }
 }
-
-// The larger of two; not a number stays.
-double larger(double a, double b) { return b > a || std::isnan(b) ? b : a; }
 
 void addDeviation(const Problem& p, const ComplexCurve& H, ComplexCurve& M, PhaseFit& fit) {
   std::fill_n(M.steps, p.NS, Complex());

@@ -18,6 +18,7 @@
 #include "fit/vector_fit.h"
 
 #include "base/console.h"
+#include "base/finite.h"
 #include "fit/scaled_columns.h"
 #include "kernels/lapack.h"
 
@@ -177,9 +178,6 @@ void residuesOnce(const FitSamples& Q, int offs, int N, const PoleTable& P, Func
     partialFractionCurve(P, fit.R, N, fit.D, fit.E, Q.WFREQ, Q.NS, fit.FIT);
   }
 }
-
-// The larger of two; not a number stays.
-double larger(double a, double b) { return b > a || std::isnan(b) ? b : a; }
 
 void deviations(const FitSamples& Q, const FunctionFit* FITS, FitErrors& ERRORS) {
   double squares = 0;

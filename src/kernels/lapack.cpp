@@ -1,5 +1,6 @@
 #include "kernels/lapack.h"
 
+#include "base/finite.h"
 #include "kernels/matrix_kernels.h"
 
 #include <algorithm>
@@ -113,10 +114,9 @@ bool ZGETRI(CView A, int n, const ModeInts& IPIV) {
 
 namespace {
 
-bool anyNaN(RView A, int n) {
+bool anyNaN(RConstView A, int n) {
   for (int c = 1; c <= n; ++c) {
-    const double* a = A.column(c);
-    if (std::any_of(a, a + n, [](double x) { return std::isnan(x); })) return true;
+    if (lcp::anyNaN(A.column(c), n)) return true;
   }
   return false;
 }

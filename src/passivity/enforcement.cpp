@@ -14,6 +14,7 @@
 #include "fit/fit_console.h"
 #include "fit/fitted_curves.h"
 #include "kernels/lapack.h"
+#include "kernels/matrix_kernels.h"
 #include "passivity/nodal_admittance.h"
 #include "passivity/quadratic_program.h"
 #include "passivity/residue_model.h"
@@ -95,14 +96,10 @@ void formConstraints(double margin) {
   for (int i = 1; i <= ENFORCE.NCFREQ; ++i) addConstraints(ENFORCE.CFREQ[i], margin);
 }
 
-// A solution beyond all numbers is none.
-bool allFinite(const ResidueList& RES) {
+// A solution can lead beyond the range of numbers.
+bool isFiniteModel(const ResidueList& RES) {
   for (int m = 1; m <= ENFORCE.TOTORD; ++m) {
-    for (int c = 1; c <= ENFORCE.NC; ++c) {
-      const double* a = reinterpret_cast<const double*>(RES[m].view().column(c));
-      if (!std::all_of(a, a + 2 * ENFORCE.NC, [](double x) { return std::isfinite(x); }))
-        return false;
-    }
+    if (!allFinite(RES[m], ENFORCE.NC)) return false;
   }
   return true;
 }
@@ -120,7 +117,7 @@ bool solveProgram() {
 bool QPRUN() {
   if (solveProgram()) {
     RESAPPLY(ENFORCE.X);
-    if (allFinite(ENFORCE.FPERT)) return true;
+    if (isFiniteModel(ENFORCE.FPERT)) return true;
   }
   console::line(" Constrained solution failed");
   return false;

@@ -17,7 +17,9 @@
 // again.
 #include "passivity/quadratic_program.h"
 
+#include "base/finite.h"
 #include "kernels/lapack.h"
+#include "kernels/matrix_kernels.h"
 
 #include <algorithm>
 #include <cmath>
@@ -84,17 +86,6 @@ struct Step {
   double t2 = NOSTEP; // to the constraint
   int drop = 0;       // position of the constraint that is dropped at t1
 };
-
-bool allFinite(const double* a, int n) {
-  return std::all_of(a, a + n, [](double v) { return std::isfinite(v); });
-}
-
-bool allFinite(RConstView A, int m, int n) {
-  for (int k = 1; k <= n; ++k) {
-    if (!allFinite(A.column(k), m)) return false;
-  }
-  return true;
-}
 
 double dot(const double* a, const double* b, int n) {
   double sum = 0;

@@ -1,6 +1,7 @@
 #include "passivity/violation_scan.h"
 
 #include "base/console.h"
+#include "base/finite.h"
 #include "base/number_forms.h"
 #include "kernels/lapack.h"
 #include "passivity/nodal_admittance.h"
@@ -42,7 +43,7 @@ double violationAt(double f, double PEIGTOL, Residues which) {
   PASSYN(f, Y11, Y12, which);
   addHalf(first, Y11, Y12, 1.0, n);
   addHalf(first + n, Y11, Y12, -1.0, n);
-  if (std::any_of(first, first + 2 * n, [](double x) { return std::isnan(x); })) return 0;
+  if (anyNaN(first, 2 * n)) return 0;
   std::stable_sort(first, first + 2 * n,
                    [](double a, double b) { return std::fabs(a) < std::fabs(b); });
   double sum = 0;
@@ -106,13 +107,6 @@ void PASSTAB() {
                    pointedField(-P.value[i], 14, 7));
   }
 }
-
-namespace {
-
-// The larger of the two; what is not a number stays.
-double larger(double top, double x) { return x <= top || std::isnan(top) ? top : x; }
-
-} // namespace
 
 double PASSERR() {
   static LineMatrix H, fitted;
