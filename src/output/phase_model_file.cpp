@@ -1,11 +1,11 @@
 #include "output/phase_model_file.h"
 
 #include "fit/fit_driver.h"
-#include "fit/passivity_check.h"
 #include "output/curve_files.h"
 #include "output/fit_parameters.h"
 #include "output/model_file.h"
 #include "passivity/enforcement.h"
+#include "passivity/passivity_check.h"
 #include "store/rundata.h"
 
 namespace lcp {

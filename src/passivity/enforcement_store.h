@@ -7,8 +7,8 @@
 #pragma once
 
 #include "base/big_store.h"
-#include "fit/passivity_grid.h"
 #include "passivity/dense_algebra.h"
+#include "passivity/passivity_grid.h"
 #include "store/capacities.h"
 #include "store/fitmodel.h"
 

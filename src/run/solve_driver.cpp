@@ -3,7 +3,6 @@
 #include "base/console.h"
 #include "base/solve_error.h"
 #include "base/text_file.h"
-#include "fit/passivity_grid.h"
 #include "fit/series_fit.h"
 #include "modal/first_loop.h"
 #include "modal/frequency_grid.h"
@@ -20,6 +19,7 @@
 #include "output/phase_model_file.h"
 #include "output/pi_component.h"
 #include "output/report.h"
+#include "passivity/passivity_grid.h"
 #include "store/rundata.h"
 #include "store/solvedata.h"
 
@@ -53,7 +53,8 @@ void checkWeights() {
   for (const double w : {F.WF1, F.WF2, F.WF3}) {
     if (std::fabs(w) <= MOSTWEIGHT) continue;
     console::openStars();
-    console::print("Weighting Factor {:.4g} is out of Range, Maximum of {:.4g} Allowed!", w, MOSTWEIGHT);
+    console::print("Weighting Factor {:.4g} is out of Range, Maximum of {:.4g} Allowed!", w,
+                   MOSTWEIGHT);
     stopInStars();
   }
 }
