@@ -38,14 +38,14 @@ void addExtraPole(int& N) {
 }
 
 void printResult(const AdmittanceWish& wish, int limit, double err, int N) {
-  printErrorRequested(100 * wish.target);
+  printErrorRequested(INPERCENT * wish.target);
   console::print(" Maximum Number of Poles: {:38}{}", "", integerField(limit, 3));
   console::line();
   console::line(" Yc:          Maximum          Number");
   console::line("              Fitting Error    of Poles");
   console::line("              --------------   --------");
   Record row;
-  addError(row.blanks(15), 100 * err).blanks(6).integer(N, 3);
+  addError(row.blanks(15), INPERCENT * err).blanks(6).integer(N, 3);
   console::line(row.view());
   console::line();
 }
@@ -66,7 +66,7 @@ void YCFIT(const AdmittanceWish& wish) {
   if (wish.dcType == DCEXTRAPOLE) addExtraPole(N);
   FITMODEL.NPY = N;
   printResult(wish, limit, err, N);
-  if (100 * err > 100 * wish.target) warnOfError("");
+  if (INPERCENT * err > INPERCENT * wish.target) warnOfError("");
 }
 
 } // namespace lcp

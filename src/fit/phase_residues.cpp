@@ -36,7 +36,7 @@ namespace {
 
 constexpr double RCOND = 1e-12;
 constexpr double LEASTVALUE = 1e-14; // of a singular value over the largest that counts
-constexpr double NORESIDUE = 1e-20;  // magnitude up to which a residue is none
+constexpr double NORESIDUE = 1e-20;  // magnitude up to which a residue counts as 0
 constexpr double IMAGZERO = 1e-20;   // imaginary part, rad/s, up to which a first pole can close
 constexpr double RATIOMARGIN = 1.1;  // by which a ratio must lead to take the place of another
 constexpr double CLOSINGPOLE = -PI;  // rad/s

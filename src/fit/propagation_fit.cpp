@@ -1,5 +1,6 @@
 #include "fit/propagation_fit.h"
 
+#include "base/constants.h"
 #include "fit/dc_values.h"
 #include "fit/delay_groups.h"
 #include "fit/fit_console.h"
@@ -14,7 +15,6 @@ namespace lcp {
 
 namespace {
 
-constexpr double PERCENT = 0.01;
 constexpr double FIRSTTARGET = 0.25;
 constexpr double TARGETFACTOR = 0.5; // from one attempt to the next
 

@@ -3,6 +3,7 @@
 #include "fit/series_fit.h"
 
 #include "base/console.h"
+#include "base/constants.h"
 #include "base/record.h"
 #include "fit/fit_console.h"
 #include "fit/matrix_fit.h"
@@ -16,7 +17,6 @@ namespace lcp {
 namespace {
 
 constexpr int PASSES = 10; // of the vector fit, for each number of poles
-constexpr double PERCENT = 0.01;
 constexpr int RULELENGTH = 53;
 
 ColumnInts JPVT; // column pivots, 0 at the start of the run only
@@ -32,11 +32,11 @@ void printResult(int NMAX, double TARGET, double err, int N) {
   console::line(" Relative Fitting Error          Number of Poles");
   console::line(" ----------------------          ---------------");
   Record wish(" Maximum: ");
-  wish.fixed(100 * TARGET, 9, 4).text(" %").blanks(11).text(" Maximum: ").integer(NMAX, 3);
+  wish.fixed(INPERCENT * TARGET, 9, 4).text(" %").blanks(11).text(" Maximum: ").integer(NMAX, 3);
   console::line(wish.view());
-  const int shift = 100 * err < SMALLERROR ? 3 : 0;
+  const int shift = INPERCENT * err < SMALLERROR ? 3 : 0;
   Record actual("  Actual: ");
-  addError(actual.blanks(shift), 100 * err).blanks(11 - shift);
+  addError(actual.blanks(shift), INPERCENT * err).blanks(11 - shift);
   console::line(actual.text("  Actual: ").integer(N, 3).view());
 }
 
@@ -56,7 +56,7 @@ double SERIESFIT(int NMAX, double TARGET) {
   if (!std::isfinite(err)) refuseFit("The Fit of the Series Impedance gives no Finite Numbers!");
   M.NPZ = N;
   printResult(limit, TARGET, err, N);
-  if (100 * err > 100 * TARGET) warnOfError(" ");
+  if (INPERCENT * err > INPERCENT * TARGET) warnOfError(" ");
   return err;
 }
 

@@ -91,10 +91,6 @@ void CMATMUL(CView C, CConstView A, CConstView B, int n) {
   for (int j = 1; j <= n; ++j) multiply(C.column(j), F, B.column(j));
 }
 
-void UNPACKC(CView A, const Complex* P, int n, int m) {
-  for (int j = 1; j <= m; ++j, P += n) std::copy_n(P, n, A.column(j));
-}
-
 void COLNORM(CView B, CConstView A, int n) { unitColumns(B, A, n); }
 
 void RCOLNORM(RView B, RConstView A, int n) { unitColumns(B, A, n); }

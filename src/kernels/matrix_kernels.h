@@ -1,4 +1,4 @@
-// Small dense complex matrices: products, packing, the scale of eigenvectors, display clean-up.
+// Small dense complex matrices: products, the scale of eigenvectors, display clean-up.
 //
 // Every kernel takes views and the order n, and touches the n by n corner only.
 #pragma once
@@ -24,9 +24,6 @@ void multiply(Complex* y, const LeftFactor& F, const Complex* x);
 
 // C = A B, formed column by column; n up to MAXINV. C must be neither A nor B.
 void CMATMUL(CView C, CConstView A, CConstView B, int n);
-
-// A = P, the n by m corner, whose columns stand one behind the other in P.
-void UNPACKC(CView A, const Complex* P, int n, int m);
 
 // B = A with columns of unit Euclidean length; a column of length 1e-30 or less stays as it is.
 // B may be A.

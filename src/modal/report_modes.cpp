@@ -16,7 +16,6 @@ namespace lcp {
 namespace {
 
 constexpr double LARGETIME = 1000.0; // ms
-constexpr double MILLI = 0.001;      // ms to s
 constexpr double EQUAL = 1e-9;       // relative; two modes that differ by less are one
 constexpr double ROUNDING = 1e-12;   // relative imaginary part of a lossless mode's eigenvalue
 constexpr double ISOTROPIC = 1e-3;   // x^T x of a unit vector that others cannot be turned against

@@ -1,6 +1,7 @@
 #include "passivity/violation_scan.h"
 
 #include "base/console.h"
+#include "base/constants.h"
 #include "base/finite.h"
 #include "base/number_forms.h"
 #include "kernels/lapack.h"
@@ -18,7 +19,6 @@ namespace {
 constexpr double PZERO = single(1e-20); // sums and differences of violations up to this are zero
 constexpr double CSPACE = single(0.1);  // least relative distance of constraint frequencies
 constexpr double NOCURVE = 1e-20;       // an H up to this has no relative change
-constexpr double PERCENT = 100.0;
 
 // Eigenvalues of the Hermitian part of Y11 + sign Y12, into W.
 void addHalf(double* W, CConstView Y11, CConstView Y12, double sign, int n) {
@@ -81,15 +81,13 @@ void findPeaks() {
   if (E.VPOINT.count == 0) addPoint(1 + static_cast<int>(std::max_element(first, last) - first));
 }
 
-void SORTDOWN(double* x, int n) { std::sort(x, x + n, std::greater<>()); }
-
 void PASSLIST() {
   EnforcementStore& E = ENFORCE;
   if (E.VPOINT.count == 0) return;
   Table<double, MAXVIOLATED> work = E.CFREQ;
   int n = E.NCFREQ;
   for (int i = 1; i <= E.VPOINT.count && n < MAXVIOLATED; ++i) work[++n] = E.VPOINT.frequency[i];
-  SORTDOWN(work.data(), n);
+  std::sort(work.data(), work.data() + n, std::greater<>());
   E.NCFREQ = 0;
   for (int i = 1; i <= n; ++i) {
     const double f = work[i];
@@ -123,7 +121,7 @@ double PASSERR() {
       }
     }
   }
-  const double ERR = PERCENT * (scale > NOCURVE ? change / scale : change);
+  const double ERR = INPERCENT * (scale > NOCURVE ? change / scale : change);
   console::print("  Maximum abs. error  {} %", ERR);
   return ERR;
 }
