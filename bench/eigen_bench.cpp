@@ -34,7 +34,7 @@ void Inversion(benchmark::State& state) {
   const int n = static_cast<int>(state.range(0));
   std::mt19937 random(1);
   fillRandom(A, n, n, random);
-  while (state.KeepRunning()) benchmark::DoNotOptimize(INVCJD(R, A, n));
+  while (state.KeepRunning()) benchmark::DoNotOptimize(INVCHECKED(R, A, n));
 }
 BENCHMARK(Inversion)->Arg(3)->Arg(12)->Arg(48);
 

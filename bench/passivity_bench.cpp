@@ -47,7 +47,7 @@ BENCHMARK(BM_mainIteration)
 void BM_scan(benchmark::State& state) {
   setUp(state);
   PASSGRID(0.5, 1e6, 1000, GRIDLOGARITHMIC, ENFORCE.EGRID);
-  for ([[maybe_unused]] auto step : state) PASSVIOL(1e-9, Residues::BASE);
+  for ([[maybe_unused]] auto step : state) PASSVIOL(1e-9, Residues::Base);
 }
 BENCHMARK(BM_scan)
     ->Args({3, 40, 20})

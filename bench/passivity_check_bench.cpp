@@ -1,7 +1,7 @@
 // The passivity check of 100 points on a made-up model; the argument is the number of conductors.
 #include "../tests/passivity/made_up_model.h"
 #include "../tests/support/console_capture.h"
-#include "fit/passivity_check.h"
+#include "passivity/passivity_check.h"
 #include "store/rundata.h"
 
 #include <benchmark/benchmark.h>

@@ -1,9 +1,7 @@
 #include "companions/shared/direct_line.h"
 
-#include "kernels/inversion.h"
-#include "kernels/lapack_eigen.h"
+#include "kernels/lapack.h"
 #include "modal/line_constants.h"
-#include "passivity/dense_algebra.h"
 #include "store/rundata.h"
 #include "store/solvedata.h"
 
@@ -74,7 +72,7 @@ LineModes modesOf(const LinePoint& point) {
   const double size = largest(YZ);
   for (Complex& e : YZ.elements) e /= size;
   M.TI = Matrix(n, n);
-  ZGEEV(view(YZ), squares, view(M.TI), static_cast<int>(n));
+  ZGEEV(view(YZ), squares, view(M.TI), static_cast<int>(n), BackSubstitution::ByColumns);
   M.TIINV = inverse(M.TI);
   M.condition = columnSum(M.TI) * columnSum(M.TIINV);
   // Currents and voltages of a mode: YM = TI^-1 Y TI^-T.
@@ -107,8 +105,12 @@ Matrix product(const Matrix& A, const Matrix& B) {
 }
 
 Matrix inverse(const Matrix& A) {
+  static ModeInts pivots;
+  const int n = static_cast<int>(A.rows);
   Matrix R = A;
-  INVCJD(view(R), view(R), static_cast<int>(A.rows));
+  const double none = std::numeric_limits<double>::quiet_NaN();
+  if (!std::isfinite(columnSum(A)) || !ZGETRF(view(R), n, pivots) || !ZGETRI(view(R), n, pivots))
+    std::fill(R.elements.begin(), R.elements.end(), Complex(none, none));
   return R;
 }
 
@@ -140,9 +142,7 @@ std::vector<double> hermitianEigenvalues(const Matrix& A) {
     for (std::size_t i = 0; i < n; ++i) S(i, j) = 0.5 * (A(i, j) + std::conj(A(j, i)));
   }
   std::vector<double> values(n);
-  static NodalReals W;
-  ZHEEV(view(S), W.data(), static_cast<int>(n));
-  std::copy_n(W.data(), n, values.data());
+  ZHEEV(view(S), values.data(), static_cast<int>(n));
   return values;
 }
 

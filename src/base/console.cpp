@@ -1,6 +1,7 @@
 #include "base/console.h"
 
-#include <cerrno>
+#include "base/write_all.h"
+
 #include <csignal>
 #include <fcntl.h>
 #include <string>
@@ -55,29 +56,13 @@ void openStars() {
 void closeStars() { rule('*', STARS); }
 
 void note(std::string_view words) {
-  const std::string whole = fmt::format("corvo: {}\n", words);
-  std::size_t done = 0;
-  while (done < whole.size()) {
-    const ssize_t n = write(STDERR_FILENO, whole.data() + done, whole.size() - done);
-    if (n > 0) {
-      done += static_cast<std::size_t>(n);
-    } else if (n == 0 || errno != EINTR) {
-      return;
-    }
-  }
+  // A stream that does not take it has no place to complain.
+  [[maybe_unused]] const bool written = writeAll(STDERR_FILENO, fmt::format("corvo: {}\n", words));
 }
 
 bool flush() {
   State& s = state();
-  std::size_t done = 0;
-  while (!s.failed && done < s.collected.size()) {
-    const ssize_t n = write(STDOUT_FILENO, s.collected.data() + done, s.collected.size() - done);
-    if (n > 0) {
-      done += static_cast<std::size_t>(n);
-    } else if (n == 0 || errno != EINTR) {
-      s.failed = true;
-    }
-  }
+  s.failed = s.failed || !writeAll(STDOUT_FILENO, s.collected);
   s.collected.clear();
   return !s.failed;
 }

@@ -16,4 +16,9 @@ constexpr double INVTWOPI = 0.159154943091895; // 1 / (2 pi) carried to 15 digit
 constexpr double DEGREES = 57.29577951308232;  // 180 / pi
 constexpr double LIGHTSPEED = 299792458.0;     // m/s
 
+constexpr double PERCENT = 0.01;    // one per cent
+constexpr double INPERCENT = 100.0; // a fraction in per cent
+constexpr double MILLI = 0.001;     // a millisecond in s
+constexpr double INMILLI = 1000.0;  // a second in ms
+
 } // namespace lcp

@@ -1,6 +1,7 @@
 #include "base/open_files.h"
 
 #include "base/console.h"
+#include "base/write_all.h"
 
 #include <cerrno>
 #include <fcntl.h>
@@ -32,18 +33,6 @@ bool locked(int descriptor) {
 }
 
 } // namespace
-
-bool writeAll(int descriptor, std::string_view text) {
-  while (!text.empty()) {
-    const ssize_t n = write(descriptor, text.data(), text.size());
-    if (n > 0) {
-      text.remove_prefix(static_cast<std::size_t>(n));
-    } else if (n == 0 || errno != EINTR) {
-      return false;
-    }
-  }
-  return true;
-}
 
 int openForWriting(const std::string& name, bool alone) {
   constexpr int FLAGS = O_WRONLY | O_CREAT | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;

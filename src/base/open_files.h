@@ -22,9 +22,6 @@ struct OpenFile {
   OpenFile* next = nullptr;
 };
 
-// Writes the whole text to an open file; false when the device does not take all of it.
-bool writeAll(int descriptor, std::string_view text);
-
 // Creates or empties the file and opens it for writing, without waiting for anybody; -1 when that
 // fails. What is no file to write to (a FIFO, a terminal, a disk) counts as not openable; the null
 // device and the one that is always full are files. With alone, so does a file that another process

@@ -32,7 +32,7 @@ public:
     return *this;
   }
   std::string_view view() const { return characters; }
-  bool finite() const { return numbers; } // all its values are finite numbers
+  bool finite() const { return numbers; } // all its values are
 
 private:
   std::string characters;

@@ -1,5 +1,7 @@
 #include "base/stream_file.h"
 
+#include "base/write_all.h"
+
 #include <unistd.h>
 
 namespace lcp {

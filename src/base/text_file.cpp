@@ -2,6 +2,7 @@
 
 #include "base/console.h"
 #include "base/stop.h"
+#include "base/write_all.h"
 
 #include <unistd.h>
 

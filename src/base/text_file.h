@@ -15,7 +15,7 @@ public:
   // leaves of it what the early end says.
   bool open(std::string_view name, EarlyEnd end);
 
-  // A record with a number that is none ends the run with a message, exit status 1.
+  // A record with a value that is not finite ends the run with a message, exit status 1.
   void line(std::string_view words = {}) { file.collected.append(words).push_back('\n'); }
   void line(const Record& record) {
     if (!record.finite()) refuseNumber();

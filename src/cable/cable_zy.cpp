@@ -42,18 +42,6 @@ void checkCount(int total) {
   stop(1);
 }
 
-void clear(CView M, int n) {
-  for (int j = 1; j <= n; ++j) {
-    for (int i = 1; i <= n; ++i) M(i, j) = 0.0;
-  }
-}
-
-void addTo(CView sum, CConstView M, int n) {
-  for (int j = 1; j <= n; ++j) {
-    for (int i = 1; i <= n; ++i) sum(i, j) += M(i, j);
-  }
-}
-
 void fillBlocks(double w, int n) {
   CableStore& S = CABLE;
   const CableNumbering& N = S.numbering;
@@ -75,11 +63,11 @@ void fillBlocks(double w, int n) {
 void sumBlocks(int n) {
   CableStore& S = CABLE;
   clear(S.ZT, n);
-  for (const CableMatrix* M : {&S.A, &S.B, &S.C, &S.D}) addTo(S.ZT, *M, n);
+  for (const CableMatrix* M : {&S.A, &S.B, &S.C, &S.D}) add(S.ZT, *M, n);
   clear(S.PT, n);
-  for (const CableMatrix* M : {&S.P1, &S.P2, &S.P3}) addTo(S.PT, *M, n);
-  if (RUNDATA.cable.ANYOVHD) addTo(S.PT, S.PA, n);
-  addTo(S.PT, S.Q, n);
+  for (const CableMatrix* M : {&S.P1, &S.P2, &S.P3}) add(S.PT, *M, n);
+  if (RUNDATA.cable.ANYOVHD) add(S.PT, S.PA, n);
+  add(S.PT, S.Q, n);
 }
 
 // A bare conductor in the ground has no insulator outside it, and PT no value for it: it stands

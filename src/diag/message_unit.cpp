@@ -2,6 +2,7 @@
 
 #include "base/console.h"
 #include "base/stop.h"
+#include "base/write_all.h"
 #include "diag/version_stamp.h"
 
 #include <cerrno>
@@ -74,16 +75,8 @@ void writeLine(std::string_view text) {
     console::line(text);
     return;
   }
-  std::string rest(text);
-  rest += '\n';
-  while (!rest.empty()) {
-    const ssize_t n = write(MSGUNIT, rest.data(), rest.size());
-    if (n > 0) {
-      rest.erase(0, static_cast<std::size_t>(n));
-    } else if (n == 0 || errno != EINTR) {
-      fail("W_OUTMSG: ERROR DURING WRITE TO MESSAGE UNIT");
-    }
-  }
+  if (!writeAll(MSGUNIT, std::string(text) + '\n'))
+    fail("W_OUTMSG: ERROR DURING WRITE TO MESSAGE UNIT");
 }
 
 int firstFreeUnit() {

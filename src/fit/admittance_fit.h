@@ -3,15 +3,10 @@
 
 namespace lcp {
 
-// DC correction types of the phase-domain model.
-constexpr int DCNONE = 0;
-constexpr int DCCONSTRAINED = 1; // the fit is made to meet the DC values
-constexpr int DCEXTRAPOLE = 2;   // a real pole of its own takes up the difference behind the fit
-
 struct AdmittanceWish {
   double target; // largest deviation over the largest magnitude, both over all elements
   int limit;     // most poles, at most NPMAX
-  int dcType;
+  int dcType;    // DC correction type
 };
 
 // Fits YCST over the fitted grid points with one set of poles, adding poles one at a time from 1 on

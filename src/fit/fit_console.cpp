@@ -3,21 +3,36 @@
 #include "base/console.h"
 #include "base/number_forms.h"
 #include "base/solve_error.h"
+#include "store/rundata.h"
 
 #include <string>
 
 namespace lcp {
 
-namespace {
-
-constexpr int RULELENGTH = 68;
-
-} // namespace
-
-void fitRule(char sign) { console::line(" " + std::string(RULELENGTH, sign)); }
+void fitRule(char sign, int length) {
+  console::print(" {}", std::string(static_cast<std::size_t>(length), sign));
+}
 
 void printErrorRequested(double percent) {
   console::print(" Maximum Fitting Error Requested: {:24}{} %", "", fixedField(percent, 9, 4));
+}
+
+Record& addError(Record& row, double percent) {
+  if (percent < SMALLERROR) {
+    row.scientific(percent, 9, 3);
+  } else {
+    row.fixed(percent, 9, 4);
+  }
+  return row.text(" %");
+}
+
+void warnOfError(std::string_view indent) {
+  console::line();
+  console::print("{}*WARNING*: The relative fitting error exceeds the ", indent);
+  console::print("{}           maximum requested. This may be partially", indent);
+  console::print("{}           improved by increasing the maximum # of", indent);
+  console::print("{}           poles.", indent);
+  RUNDATA.run.WARNFLAG = true;
 }
 
 void refuseFit(std::string_view why) {

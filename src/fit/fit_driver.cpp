@@ -1,6 +1,7 @@
 #include "fit/fit_driver.h"
 
 #include "base/console.h"
+#include "base/constants.h"
 #include "base/solve_error.h"
 #include "fit/admittance_fit.h"
 #include "fit/dc_values.h"
@@ -14,7 +15,6 @@ namespace lcp {
 
 namespace {
 
-constexpr double PERCENT = 0.01;
 constexpr double LARGEDELAY = 1.0; // s
 
 void printHeading() {

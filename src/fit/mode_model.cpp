@@ -1,6 +1,7 @@
 #include "fit/mode_model.h"
 
 #include "base/console.h"
+#include "base/constants.h"
 #include "base/number_forms.h"
 #include "store/rundata.h"
 
@@ -10,9 +11,7 @@ namespace lcp {
 
 namespace {
 
-constexpr double PERCENT = 0.01;
-constexpr double MILLI = 1000.0; // s to ms
-constexpr double TURN = 360.0;   // degrees
+constexpr double TURN = 360.0; // degrees
 
 // The stored angle of the mode loses the part of the delay and ends above -360, up to 0.
 void turnBack(int i, double TAU) {
@@ -52,7 +51,7 @@ void fitAttenuation(int i) {
   console::print("Mode {} Attenuation Constant:", integerField(i, 2));
   const double TAU = DELAYFIT(G.NFUSE, G.WFREQ, T.HMODE.curve(i), T.VELOC.curve(i), G.WFIT,
                               RUNDATA.run.LINELEN, O.MAXPA, O.ERRA * PERCENT, MODEMODEL.A[i]);
-  T.TAUMS[i] = MILLI * TAU;
+  T.TAUMS[i] = INMILLI * TAU;
   turnBack(i, TAU);
 }
 

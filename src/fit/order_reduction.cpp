@@ -1,5 +1,6 @@
 #include "fit/order_reduction.h"
 
+#include "fit/dc_values.h"
 #include "fit/propagation_tables.h"
 
 namespace lcp {
@@ -18,10 +19,10 @@ void PRUNEPOLE(double RATIOMAX, bool& DONE) {
 
 PhaseFit REDUCEORDER(double RATIOMAX) {
   printReductionHeading();
-  HPHASEFIT(0, nullptr, true);
+  HPHASEFIT(DCNONE, nullptr, true);
   PhaseFit fit{};
   for (bool DONE = false; !DONE;) {
-    fit = HPHASEFIT(0, nullptr, false);
+    fit = HPHASEFIT(DCNONE, nullptr, false);
     PRUNEPOLE(RATIOMAX, DONE);
   }
   printReducedGroups();

@@ -20,9 +20,12 @@
 
 #include "base/big_store.h"
 #include "base/constants.h"
+#include "base/finite.h"
+#include "fit/dc_values.h"
 #include "fit/fitted_curves.h"
-#include "fit/lapack.h"
 #include "fit/partial_fractions.h"
+#include "fit/scaled_columns.h"
+#include "kernels/lapack.h"
 
 #include <algorithm>
 #include <cmath>
@@ -31,12 +34,9 @@ namespace lcp {
 
 namespace {
 
-constexpr int CONSTRAINED = 1; // DC correction types
-constexpr int EXTRAPOLE = 2;
-
 constexpr double RCOND = 1e-12;
 constexpr double LEASTVALUE = 1e-14; // of a singular value over the largest that counts
-constexpr double NORESIDUE = 1e-20;  // magnitude up to which a residue is none
+constexpr double NORESIDUE = 1e-20;  // magnitude up to which a residue counts as 0
 constexpr double IMAGZERO = 1e-20;   // imaginary part, rad/s, up to which a first pole can close
 constexpr double RATIOMARGIN = 1.1;  // by which a ratio must lead to take the place of another
 constexpr double CLOSINGPOLE = -PI;  // rad/s
@@ -75,10 +75,10 @@ ComplexCurve lag, curve;
 
 // The pole of group 1 that meets the DC value, added where there is none.
 int closingPole(int DCTYPE) {
-  if (DCTYPE != CONSTRAINED && DCTYPE != EXTRAPOLE) return 0;
+  if (DCTYPE != DCCONSTRAINED && DCTYPE != DCEXTRAPOLE) return 0;
   PoleTable& P = FITMODEL.HPOLE[1];
   int& NH = FITMODEL.NH[1];
-  if (DCTYPE == CONSTRAINED && NH > 0 && std::fabs(P[1].imag()) <= IMAGZERO) return 1;
+  if (DCTYPE == DCCONSTRAINED && NH > 0 && std::fabs(P[1].imag()) <= IMAGZERO) return 1;
   P[++NH] = CLOSINGPOLE;
   return NH;
 }
@@ -88,7 +88,7 @@ Problem layProblem(int DCTYPE) {
   p.NS = SOLVEDATA.grid.NFUSE;
   p.closing = closingPole(DCTYPE);
   if (p.closing > 0) p.a = FITMODEL.HPOLE[1][p.closing].real();
-  p.constrained = DCTYPE == CONSTRAINED;
+  p.constrained = DCTYPE == DCCONSTRAINED;
   for (int g = 1; g <= FITMODEL.NGROUP; ++g) p.poles += FITMODEL.NH[g];
   p.unknowns = p.poles - (p.closing > 0 ? 1 : 0);
   p.basis = roomFor(STORE.basis, p.NS, p.poles);
@@ -200,9 +200,6 @@ void storeResidues(int r, int c) {
     first += NH;
   }
 }
-
-// The larger of two; not a number stays.
-double larger(double a, double b) { return b > a || std::isnan(b) ? b : a; }
 
 void addDeviation(const Problem& p, const ComplexCurve& H, ComplexCurve& M, PhaseFit& fit) {
   std::fill_n(M.steps, p.NS, Complex());

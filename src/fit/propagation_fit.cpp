@@ -1,5 +1,7 @@
 #include "fit/propagation_fit.h"
 
+#include "base/constants.h"
+#include "fit/dc_values.h"
 #include "fit/delay_groups.h"
 #include "fit/fit_console.h"
 #include "fit/order_reduction.h"
@@ -13,7 +15,6 @@ namespace lcp {
 
 namespace {
 
-constexpr double PERCENT = 0.01;
 constexpr double FIRSTTARGET = 0.25;
 constexpr double TARGETFACTOR = 0.5; // from one attempt to the next
 
@@ -32,7 +33,7 @@ PhaseFit runAttempts(const PropagationWish& wish) {
     printAttempt(attempt, TARGET);
     if (attempt == 1) FORMGROUPS();
     const bool changed = HMODEFIT(TARGET, limit);
-    if (changed || attempt == 1) fit = HPHASEFIT(0, nullptr, false);
+    if (changed || attempt == 1) fit = HPHASEFIT(DCNONE, nullptr, false);
     checkFinite(fit);
     printPhaseFit(fit);
     if (fit.MAXERR <= wish.ERRA * PERCENT || !groupsCanGrow(limit)) return fit;
@@ -46,7 +47,7 @@ void HFIT(const PropagationWish& wish) {
   printPropagationHeading(wish.ERRA, wish.MAXPA);
   PhaseFit fit = runAttempts(wish);
   if (fit.RATIO > wish.RPRATIO) fit = REDUCEORDER(wish.RPRATIO);
-  if (wish.DCCORR < 1) {
+  if (wish.DCCORR < DCCONSTRAINED) {
     printFitEnd();
     return;
   }

@@ -9,8 +9,8 @@ struct PropagationWish {
   double ERRA;    // largest deviation of an element of H that is asked for, per cent
   int MAXPA;      // most poles of a delay group, at most NPMAX
   double RPRATIO; // largest |residue / pole| of a real pole
-  int DCCORR;     // DC correction type: 0 none, 1 constrained fit, 2 extra pole
-  const RealMatrix* HDC = nullptr; // H at zero frequency, for types 1 and 2
+  int DCCORR;     // DC correction type
+  const RealMatrix* HDC = nullptr; // H at zero frequency, for a correction
 };
 
 // Fits HST over the fitted grid points of the solve store, the modes HMODE and VELOC giving delays

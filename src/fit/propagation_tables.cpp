@@ -1,6 +1,7 @@
 #include "fit/propagation_tables.h"
 
 #include "base/console.h"
+#include "base/constants.h"
 #include "base/record.h"
 #include "fit/fit_console.h"
 
@@ -8,10 +9,7 @@ namespace lcp {
 
 namespace {
 
-constexpr double PERCENT = 100.0;
-constexpr double MILLI = 1000.0; // s to ms
-
-Record& delay(Record& row, double TAU) { return row.fixed(TAU * MILLI, 10, 6).text(" ms"); }
+Record& delay(Record& row, double TAU) { return row.fixed(TAU * INMILLI, 10, 6).text(" ms"); }
 
 } // namespace
 
@@ -27,7 +25,7 @@ void printPropagationHeading(double percentRequested, int limit) {
 void printAttempt(int attempt, double TARGET) {
   fitRule('-');
   Record row(" Attempt # ");
-  row.integer(attempt, 2).blanks(31).text("Target error: ").fixed(TARGET * PERCENT, 9, 4);
+  row.integer(attempt, 2).blanks(31).text("Target error: ").fixed(TARGET * INPERCENT, 9, 4);
   console::line(row.text(" %").view());
 }
 
@@ -40,7 +38,7 @@ void printModeHeading() {
 
 void printModeRow(int g, double ERRG, int NH, double TAU) {
   Record row;
-  row.blanks(16).integer(g, 2).blanks(7).fixed(ERRG * PERCENT, 10, 5).text(" %");
+  row.blanks(16).integer(g, 2).blanks(7).fixed(ERRG * INPERCENT, 10, 5).text(" %");
   row.blanks(7).integer(NH, 2).blanks(7);
   console::line(delay(row, TAU).view());
 }
@@ -51,8 +49,8 @@ void printPhaseFit(const PhaseFit& fit) {
   console::line("              Fitting Error     RMS Error     Residue/Pole Ratio");
   console::line("              --------------    ----------    ------------------");
   Record row;
-  row.blanks(15).fixed(fit.MAXERR * PERCENT, 9, 4).text(" %");
-  row.blanks(5).fixed(fit.RMSERR * PERCENT, 9, 4).text(" %");
+  row.blanks(15).fixed(fit.MAXERR * INPERCENT, 9, 4).text(" %");
+  row.blanks(5).fixed(fit.RMSERR * INPERCENT, 9, 4).text(" %");
   console::line(row.blanks(7).fixed(fit.RATIO, 11, 2).view());
 }
 
@@ -86,8 +84,8 @@ void printFinalFit(const PhaseFit& fit) {
   console::line("              Fitting Error  RMS Error    of Poles    Time Delays");
   console::line("              -------------  ---------    --------    -----------");
   Record row;
-  row.blanks(13).fixed(fit.MAXERR * PERCENT, 10, 5).text(" %");
-  row.blanks(1).fixed(fit.RMSERR * PERCENT, 10, 5).text(" %");
+  row.blanks(13).fixed(fit.MAXERR * INPERCENT, 10, 5).text(" %");
+  row.blanks(1).fixed(fit.RMSERR * INPERCENT, 10, 5).text(" %");
   row.blanks(5).integer(FITMODEL.NH[1], 3).blanks(7);
   console::line(delay(row, FITMODEL.TAU[1]).view());
   for (int g = 2; g <= FITMODEL.NGROUP; ++g) {

@@ -1,9 +1,6 @@
 // Rational fit of the series impedance of the phases, per metre:
 //
 //   Z(i,j)(s) = ZFD(i,j) + s ZFE(i,j) + sum over m of ZFR(i,j)[m] / (s - ZFP[m])
-//
-// All elements share their poles. Complex poles come in conjugate pairs side by side, with
-// conjugate residues at the same places; no pole has a positive real part.
 #pragma once
 
 #include "base/big_store.h"
@@ -29,7 +26,7 @@ inline SeriesModel& SERIESMODEL = bigStore<SeriesModel>();
 // NPMAX), until the largest deviation of all elements over the largest magnitude of all is TARGET
 // or less; returns that error. Fills SERIESMODEL and prints the result; when the target is not met,
 // a warning, and the run ends with exit status 2. A grid with a frequency that is not above 0, and
-// a model that is no numbers, end the run with a message, exit status 1.
+// a model that is not finite, end the run with a message, exit status 1.
 double SERIESFIT(int NMAX, double TARGET);
 
 // The fit with the limits of the model section, and its headings on the console.

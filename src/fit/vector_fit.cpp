@@ -18,7 +18,9 @@
 #include "fit/vector_fit.h"
 
 #include "base/console.h"
-#include "fit/lapack.h"
+#include "base/finite.h"
+#include "fit/scaled_columns.h"
+#include "kernels/lapack.h"
 
 #include <algorithm>
 #include <cmath>
@@ -177,9 +179,6 @@ void residuesOnce(const FitSamples& Q, int offs, int N, const PoleTable& P, Func
   }
 }
 
-// The larger of two; not a number stays.
-double larger(double a, double b) { return b > a || std::isnan(b) ? b : a; }
-
 void deviations(const FitSamples& Q, const FunctionFit* FITS, FitErrors& ERRORS) {
   double squares = 0;
   double f = 0;
@@ -214,10 +213,6 @@ void startingPoles(PoleTable& P, int N, double WLO, double WHI) {
   for (int i = 1; i <= N; ++i) P[i] = Complex(-LOGPOLE(i, WLO, WHI, N), 0.0);
 }
 
-void VFIT(const FitSamples& Q, int N, PoleTable& POLES, FunctionFit* FITS, FitErrors& ERRORS) {
-  VFITPASSES(1, Q, N, POLES, FITS, ERRORS);
-}
-
 void VFITPASSES(int passes, const FitSamples& Q, int N, PoleTable& POLES, FunctionFit* FITS,
                 FitErrors& ERRORS) {
   const int offs = asymptoteColumns(Q.ASYMP);
@@ -229,13 +224,6 @@ void VFITPASSES(int passes, const FitSamples& Q, int N, PoleTable& POLES, Functi
 void RELOCATE(int passes, const FitSamples& Q, int N, PoleTable& POLES) {
   const int offs = asymptoteColumns(Q.ASYMP);
   for (int pass = 1; pass <= passes; ++pass) relocateOnce(Q, offs, N, POLES);
-}
-
-void FITRESIDUES(const FitSamples& Q, int N, const PoleTable& POLES, FunctionFit* FITS,
-                 FitErrors& ERRORS) {
-  const int offs = asymptoteColumns(Q.ASYMP);
-  residuesOnce(Q, offs, N, POLES, FITS);
-  deviations(Q, FITS, ERRORS);
 }
 
 } // namespace lcp

@@ -49,21 +49,14 @@ double LOGPOLE(int I, double WLO, double WHI, int N);
 // All N of them on the negative real axis.
 void startingPoles(PoleTable& P, int N, double WLO, double WHI);
 
-// One pass: relocates the N poles (at most NPMAX) and finds residues, D, E, model and deviations
-// of each function over the new poles. POLES is in and out; on exit sorted by rising modulus.
-// Uses the least-squares store and keeps nothing between calls.
-void VFIT(const FitSamples& Q, int N, PoleTable& POLES, FunctionFit* FITS, FitErrors& ERRORS);
-
-// The pass repeated, each time from the poles of the last, with the same outcome as so many calls
-// of VFIT; what the next pass would overwrite is not worked out.
+// So many passes, each of which relocates the N poles (at most NPMAX), from where the last one left
+// them; then residues, D, E, model and deviations of each function over the new poles, with no pass
+// over those given. POLES is in and out; after a pass sorted by rising modulus. Uses the
+// least-squares store and keeps nothing between calls.
 void VFITPASSES(int passes, const FitSamples& Q, int N, PoleTable& POLES, FunctionFit* FITS,
                 FitErrors& ERRORS);
 
 // The poles alone, for fits that find the residues by a problem of their own.
 void RELOCATE(int passes, const FitSamples& Q, int N, PoleTable& POLES);
-
-// Residues, D, E and model over given poles, which stay, and the deviations.
-void FITRESIDUES(const FitSamples& Q, int N, const PoleTable& POLES, FunctionFit* FITS,
-                 FitErrors& ERRORS);
 
 } // namespace lcp

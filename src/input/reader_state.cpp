@@ -4,6 +4,7 @@
 #include "base/open_files.h"
 #include "base/stop.h"
 #include "base/text_source.h"
+#include "base/write_all.h"
 #include "store/rundata.h"
 
 #include <unistd.h>

@@ -12,7 +12,7 @@
 
 #include "kernels/hyperbolic.h"
 #include "kernels/inversion.h"
-#include "kernels/lapack_complex.h"
+#include "kernels/lapack.h"
 
 #include <algorithm>
 #include <cmath>
@@ -119,7 +119,7 @@ void substitute(BorderedVector& q, const Rows& R, int column, int n) {
 }
 
 // The length of the inverse times a vector of elements of modulus 1 without pattern is as a rule
-// within a decade of the norm of the inverse. False also for what is no number.
+// within a decade of the norm of the inverse. False also for NaN.
 bool farFromSingular(const Rows& R, const BorderedMatrix& M) {
   constexpr double eps = std::numeric_limits<double>::epsilon();
   BorderedVector q;
@@ -180,7 +180,7 @@ bool SOLVEBORDERED(BorderedVector& d, const BorderedMatrix& M, Complex l, const 
   substitute(q, R, M.n + 2, M.n);
   multiply(d.data(), M.fromReduced, q.data());
   d[M.n + 1] = q[M.n + 1];
-  return false;
+  return true;
 }
 
 } // namespace lcp

@@ -30,9 +30,9 @@ void reduce(BorderedMatrix& M, CConstView A, int n);
 //   |              | d = r,   e_p the row with 1 in column p,
 //   |  e_p       0 |
 //
-// for an A and an x whose elements are about 1. Returns true, and d is of no use, when the system
-// is singular: SOLVEJD decides that wherever the reduced form comes near to it.
-bool SOLVEBORDERED(BorderedVector& d, const BorderedMatrix& M, Complex l, const Complex* x, int p,
-                   const BorderedVector& r);
+// for an A and an x whose elements are about 1. False, and d is of no use, when the system is
+// singular: SOLVEJD decides that wherever the reduced form comes near to it.
+[[nodiscard]] bool SOLVEBORDERED(BorderedVector& d, const BorderedMatrix& M, Complex l,
+                                 const Complex* x, int p, const BorderedVector& r);
 
 } // namespace lcp

@@ -1,4 +1,4 @@
-//   sinh z = (e^z - e^-z) / 2                 cosh z = (e^z + e^-z) / 2
+//   sinh z = (e^z - e^-z) / 2
 //   tanh z = (1 - e^-2z) / (1 + e^-2z)        coth z = 1 / tanh z
 //
 // With e^-2z for Re z > 1 and e^2z for Re z < -1 neither power grows beyond 1; in between the
@@ -14,7 +14,7 @@ namespace lcp {
 
 namespace {
 
-constexpr double CAP = 30.0;        // largest real part of sine and cosine
+constexpr double CAP = 30.0;        // largest real part of the sine
 constexpr double ONESIDED = 1.0;    // real part beyond which one of the two powers is dropped
 constexpr double RECIPROCAL = 1e-5; // up to this |z| coth z = 1 / z
 constexpr double NOTHING = 1e-20;   // up to this |z| the cotangent is cut off
@@ -24,18 +24,11 @@ constexpr double NOANGLE = 1e-25; // parts up to this have no angle
 constexpr double QUARTERTURN = 1.5707963267948966;
 constexpr double THREEQUARTERS = 4.71238898038469;
 
-Complex capped(Complex z) { return {std::min(z.real(), CAP), z.imag()}; }
-
 } // namespace
 
 Complex CSINH(Complex z) {
-  const Complex u = capped(z);
+  const Complex u(std::min(z.real(), CAP), z.imag());
   return (std::exp(u) - std::exp(-u)) / 2.0;
-}
-
-Complex CCOSH(Complex z) {
-  const Complex u = capped(z);
-  return (std::exp(u) + std::exp(-u)) / 2.0;
 }
 
 Complex CTANH(Complex z) {

@@ -7,9 +7,8 @@
 
 namespace lcp {
 
-// Hyperbolic sine and cosine. A real part of 30 or more counts as 30, so that they stay finite.
+// Hyperbolic sine. A real part of 30 or more counts as 30, so that it stays finite.
 Complex CSINH(Complex z);
-Complex CCOSH(Complex z);
 
 // Hyperbolic tangent and cotangent; no argument overflows. The cotangent of a |z| of 1e-20 or less
 // is 1e20.

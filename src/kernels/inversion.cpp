@@ -43,7 +43,7 @@ struct Pivot {
   int column = 0;
 };
 
-// Largest squared modulus of each row over the unused columns; -1 where there is no number.
+// Largest squared modulus of each row over the unused columns; -1 where all are NaN.
 void rowMaxima(double* largest, CConstView R, const Bookkeeping& B, int n) {
   std::fill_n(largest, n, -1.0);
   for (int k = 1; k <= n; ++k) {
@@ -57,7 +57,7 @@ void rowMaxima(double* largest, CConstView R, const Bookkeeping& B, int n) {
 }
 
 // The element of largest modulus in the unused rows and columns, walked row by row; the last one
-// among equals. Row 0 when none of them is a number.
+// among equals. Row 0 when all of them are NaN.
 Pivot findPivot(CConstView R, const Bookkeeping& B, int n) {
   Table<double, MAXINV> largest;
   rowMaxima(largest.data(), R, B, n);
@@ -109,7 +109,7 @@ void eliminate(CView R, int c, int n) {
   }
 }
 
-enum class Sweep { Done, SmallPivot, NoNumber };
+enum class Sweep { Done, SmallPivot, OnlyNaN };
 
 // R = inverse of R, as long as every pivot has a modulus above the limit.
 Sweep invertInPlace(CView R, int n, double limit) {
@@ -117,7 +117,7 @@ Sweep invertInPlace(CView R, int n, double limit) {
   B.used.fill(false);
   for (int i = 1; i <= n; ++i) {
     const Pivot pivot = findPivot(R, B, n);
-    if (pivot.row == 0) return Sweep::NoNumber;
+    if (pivot.row == 0) return Sweep::OnlyNaN;
     B.used[pivot.column] = true;
     B.INDXR[i] = pivot.row;
     B.INDXC[i] = pivot.column;
@@ -132,14 +132,14 @@ Sweep invertInPlace(CView R, int n, double limit) {
   return Sweep::Done;
 }
 
-bool isNoInverse(const LeftFactor& A, CConstView R, int n) {
+bool isInverse(const LeftFactor& A, CConstView R, int n) {
   Table<Complex, MAXINV> column;
   double sum = 0.0;
   for (int j = 1; j <= n; ++j) {
     multiply(column.data(), A, R.column(j));
     for (int i = 1; i <= n; ++i) sum += std::abs(column[i]);
   }
-  return !(sum - n < CHECKLIMIT);
+  return sum - n < CHECKLIMIT;
 }
 
 [[noreturn]] void stopSingular() {
@@ -153,15 +153,22 @@ bool isNoInverse(const LeftFactor& A, CConstView R, int n) {
   stop(1);
 }
 
-} // namespace
-
-bool INVCJD(CView R, CConstView A, int n) {
-  static LeftFactor original;
-  prepare(original, A, n);
+// False when an element is NaN.
+bool invert(CView R, CConstView A, int n) {
   if (R.first != A.first) copyCorner(R, A, n);
   const Sweep sweep = invertInPlace(R, n, SINGULARINVERSE);
   if (sweep == Sweep::SmallPivot) stopSingular();
-  return sweep == Sweep::NoNumber || isNoInverse(original, R, n);
+  return sweep == Sweep::Done;
+}
+
+} // namespace
+
+void INVCJD(CView R, CConstView A, int n) { invert(R, A, n); }
+
+bool INVCHECKED(CView R, CConstView A, int n) {
+  static LeftFactor original;
+  prepare(original, A, n);
+  return invert(R, A, n) && isInverse(original, R, n);
 }
 
 bool SOLVEJD(Complex* x, CConstView A, const Complex* b, int n) {
@@ -171,10 +178,10 @@ bool SOLVEJD(Complex* x, CConstView A, const Complex* b, int n) {
   const CView R(store.elements, n);
   prepare(original, A, n);
   copyCorner(R, A, n);
-  if (invertInPlace(R, n, SINGULARSOLVE) != Sweep::Done) return true;
+  if (invertInPlace(R, n, SINGULARSOLVE) != Sweep::Done) return false;
   prepare(inverse, R, n);
   multiply(x, inverse, b);
-  return isNoInverse(original, R, n);
+  return isInverse(original, R, n);
 }
 
 } // namespace lcp

@@ -6,13 +6,16 @@
 namespace lcp {
 
 // R = inverse of A; R may be A. A pivot of modulus 1e-50 or less ends the run with a message and
-// exit status 1. Returns true when the result is no inverse: |A R| summed over all elements
-// exceeds n by 0.1 or more, or is not a number.
-bool INVCJD(CView R, CConstView A, int n);
+// exit status 1.
+void INVCJD(CView R, CConstView A, int n);
+
+// The same with a check. True when R is an inverse: |A R| summed over all elements exceeds n by
+// less than 0.1.
+[[nodiscard]] bool INVCHECKED(CView R, CConstView A, int n);
 
 // x = inverse of A times b, by the same elimination and check without a message: for systems of
-// which singular ones are an expected event. Returns true, and x is of no use, when a pivot has a
-// modulus of 1e-20 or less or the check of the inverse fails. x must not be b.
-bool SOLVEJD(Complex* x, CConstView A, const Complex* b, int n);
+// which singular ones are an expected event. False, and x is of no use, when a pivot has a modulus
+// of 1e-20 or less or the check of the inverse fails. x must not be b.
+[[nodiscard]] bool SOLVEJD(Complex* x, CConstView A, const Complex* b, int n);
 
 } // namespace lcp

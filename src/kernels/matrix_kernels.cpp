@@ -7,6 +7,7 @@
 // columns j a are formed once for a whole matrix.
 #include "kernels/matrix_kernels.h"
 
+#include "base/finite.h"
 #include "kernels/hyperbolic.h"
 
 #include <algorithm>
@@ -90,20 +91,46 @@ void CMATMUL(CView C, CConstView A, CConstView B, int n) {
   for (int j = 1; j <= n; ++j) multiply(C.column(j), F, B.column(j));
 }
 
-void PACKC(CConstView A, Complex* P, int n, int m) {
-  for (int j = 1; j <= m; ++j) P = std::copy_n(A.column(j), n, P);
-}
-
-void UNPACKC(CView A, const Complex* P, int n, int m) {
-  for (int j = 1; j <= m; ++j, P += n) std::copy_n(P, n, A.column(j));
-}
-
 void COLNORM(CView B, CConstView A, int n) { unitColumns(B, A, n); }
 
 void RCOLNORM(RView B, RConstView A, int n) { unitColumns(B, A, n); }
 
 void copyCorner(CView B, CConstView A, int n) {
   for (int j = 1; j <= n; ++j) std::copy_n(A.column(j), n, B.column(j));
+}
+
+void clear(CView A, int n) {
+  for (int j = 1; j <= n; ++j) std::fill_n(A.column(j), n, Complex(0));
+}
+
+void add(CView A, CConstView B, int n) {
+  for (int j = 1; j <= n; ++j) {
+    Complex* a = A.column(j);
+    const Complex* b = B.column(j);
+    for (int i = 0; i < n; ++i) a[i] += b[i];
+  }
+}
+
+void addTimes(CView A, Complex factor, CConstView B, int n) {
+  for (int j = 1; j <= n; ++j) {
+    Complex* a = A.column(j);
+    const Complex* b = B.column(j);
+    for (int i = 0; i < n; ++i) a[i] += factor * b[i];
+  }
+}
+
+bool allFinite(CConstView A, int n) {
+  for (int j = 1; j <= n; ++j) {
+    if (!allFinite(parts(A.column(j)), 2 * n)) return false;
+  }
+  return true;
+}
+
+bool allFinite(RConstView A, int m, int n) {
+  for (int j = 1; j <= n; ++j) {
+    if (!allFinite(A.column(j), m)) return false;
+  }
+  return true;
 }
 
 void REALPT(RView R, CConstView A, int n) {

@@ -1,4 +1,4 @@
-// Small dense complex matrices: products, packing, the scale of eigenvectors, display clean-up.
+// Small dense complex matrices: products, the scale of eigenvectors, display clean-up.
 //
 // Every kernel takes views and the order n, and touches the n by n corner only.
 #pragma once
@@ -25,10 +25,6 @@ void multiply(Complex* y, const LeftFactor& F, const Complex* x);
 // C = A B, formed column by column; n up to MAXINV. C must be neither A nor B.
 void CMATMUL(CView C, CConstView A, CConstView B, int n);
 
-// Copies the n by m corner of A to P, columns one behind the other, and back.
-void PACKC(CConstView A, Complex* P, int n, int m);
-void UNPACKC(CView A, const Complex* P, int n, int m);
-
 // B = A with columns of unit Euclidean length; a column of length 1e-30 or less stays as it is.
 // B may be A.
 void COLNORM(CView B, CConstView A, int n);
@@ -36,6 +32,15 @@ void RCOLNORM(RView B, RConstView A, int n);
 
 // B = A, the n by n corner. B must not be A.
 void copyCorner(CView B, CConstView A, int n);
+
+// The corner of zeros, and A = A + B, A = A + factor B.
+void clear(CView A, int n);
+void add(CView A, CConstView B, int n);
+void addTimes(CView A, Complex factor, CConstView B, int n);
+
+// Whether all elements of the corner, or of the m by n corner, are finite.
+bool allFinite(CConstView A, int n);
+bool allFinite(RConstView A, int m, int n);
 
 // R = Re A.
 void REALPT(RView R, CConstView A, int n);

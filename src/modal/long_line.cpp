@@ -46,8 +46,8 @@ void decompose(CConstView Y, CConstView Z, int n) {
   copyCorner(decomposed, product, n);
   VALVC(eigenvalues, Ti, T, product, n);
   COLNORM(T, T, n);
-  const bool failed = INVCJD(Ti, T, n) || EITER[1] == EITERFAILED;
-  decomposedOrder = failed ? 0 : n;
+  const bool good = INVCHECKED(Ti, T, n) && EITER[1] != EITERFAILED;
+  decomposedOrder = good ? n : 0;
 }
 
 bool canBeShown(Complex z) { return z.real() >= NOTSHOWN && z.imag() >= NOTSHOWN; }

@@ -33,7 +33,6 @@ ManualModes MANUAL;
 
 namespace {
 
-constexpr double MILLI = 1000.0;                   // s to ms
 constexpr double TWOPIC0 = 3.4954932422641835e-10; // 2 pi C0
 constexpr double TWOPIL0 = 1.2566370614359145e-06; // 2 pi L0
 constexpr double MEGOHM = 1e6;                     // ohm
@@ -167,12 +166,12 @@ ManualMode modeOfReactances(double R, double X, double XC) {
   const double w = angularFrequency();
   const double L = X * units.impedance / w;
   const double C = 1.0 / (w * XC * units.shunt);
-  return {MILLI * manualLength() * std::sqrt(L * C), std::sqrt(L / C), R * units.impedance, 0, 0};
+  return {INMILLI * manualLength() * std::sqrt(L * C), std::sqrt(L / C), R * units.impedance, 0, 0};
 }
 
 // From a travel time per metre.
 ManualMode modeOfSurge(double R, double T, double Zc) {
-  return {MILLI * manualLength() * T, Zc, R, 0, 0};
+  return {INMILLI * manualLength() * T, Zc, R, 0, 0};
 }
 
 ManualMode positiveSequence() {
@@ -223,7 +222,7 @@ void estimateZeroFields() {
   const EntryUnits units = entryUnits();
   const ManualMode positive = positiveSequence();
   const double w = angularFrequency();
-  const double tau = positive.T / (MILLI * manualLength()) * ratio.T; // s/m
+  const double tau = positive.T / (INMILLI * manualLength()) * ratio.T; // s/m
   const double Zc = positive.Zc * ratio.Z;
   S.X0 = w * Zc * tau / units.impedance;
   S.XC0 = Zc / (w * tau * units.shunt);
@@ -254,7 +253,7 @@ ManualMode modeOfSequence(int k, int n) {
 ManualMode modeOfPair(int k) {
   const Complex g = std::sqrt(MANUAL.EIGM[k]);
   const Complex Zc = std::sqrt(MANUAL.ZMOD(k, k) / MANUAL.YMOD(k, k));
-  return {std::fabs(MILLI * manualLength() / angularFrequency() * g.imag()), std::fabs(Zc.real()),
+  return {std::fabs(INMILLI * manualLength() / angularFrequency() * g.imag()), std::fabs(Zc.real()),
           std::fabs(MANUAL.ZMOD(k, k).real()), 0, 0};
 }
 
@@ -262,8 +261,8 @@ ManualMode modeOfPair(int k) {
 
 void formLineValues(ManualMode& m) {
   const double l = manualLength();
-  m.C = m.T / MILLI / (l * m.Zc);
-  m.L = m.Zc * m.T / MILLI / l;
+  m.C = m.T / INMILLI / (l * m.Zc);
+  m.L = m.Zc * m.T / INMILLI / l;
 }
 
 void warnOfUnits() {
@@ -287,7 +286,7 @@ void takeCorrectionOut(ManualMode& m) {
   if (X < 0.0 || B < 0.0) warnOfUnits();
   m.R = series.real();
   m.Zc = std::sqrt(std::fabs(X / B));
-  m.T = MILLI * l * std::sqrt(std::fabs(X * B)) / w;
+  m.T = INMILLI * l * std::sqrt(std::fabs(X * B)) / w;
   formLineValues(m);
 }
 

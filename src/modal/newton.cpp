@@ -86,7 +86,7 @@ double stepFactor(const BorderedVector& d, Complex l, int n) {
 void update(Follower& F, Complex& LSTEP, CView TI, int k) {
   const int n = F.M.n;
   BorderedVector d;
-  if (SOLVEBORDERED(d, F.M, F.l, F.x.data(), F.p, F.r)) {
+  if (!SOLVEBORDERED(d, F.M, F.l, F.x.data(), F.p, F.r)) {
     // An eigenvalue that was never stepped is taken from the guess: 1 % of 0 would lead nowhere.
     F.l = LSTEP = RECOVERY * (LSTEP == 0.0 ? F.l : LSTEP);
     return;

@@ -4,7 +4,7 @@
 #include "base/constants.h"
 #include "base/solve_error.h"
 #include "kernels/inversion.h"
-#include "kernels/lapack_eigen.h"
+#include "kernels/lapack.h"
 #include "kernels/matrix_kernels.h"
 #include "modal/modal_transform.h"
 #include "store/rundata.h"
@@ -16,7 +16,6 @@ namespace lcp {
 namespace {
 
 constexpr double LARGETIME = 1000.0; // ms
-constexpr double MILLI = 0.001;      // ms to s
 constexpr double EQUAL = 1e-9;       // relative; two modes that differ by less are one
 constexpr double ROUNDING = 1e-12;   // relative imaginary part of a lossless mode's eigenvalue
 constexpr double ISOTROPIC = 1e-3;   // x^T x of a unit vector that others cannot be turned against
@@ -88,7 +87,7 @@ void formReportModes() {
   SecondLoopStore& T = SOLVEDATA.second;
   const int n = RUNDATA.line.NC;
   copyCorner(copy, S.PMAT, n);
-  ZGEEV(copy, S.EIG, S.TI, n);
+  ZGEEV(copy, S.EIG, S.TI, n, BackSubstitution::ByColumns);
   if (RUNDATA.run.ISCABLE == FOURWIRECABLE) turnEqualModes(S.TI, S.EIG, n);
   COLNORM(S.TI, S.TI, n);
   INVCJD(S.TIINV, S.TI, n);

@@ -23,8 +23,7 @@ namespace lcp {
 
 namespace {
 
-constexpr double FADED = 1e-10;  // modal propagation below which a travel time says nothing
-constexpr double MILLI = 1000.0; // s to ms
+constexpr double FADED = 1e-10; // modal propagation below which a travel time says nothing
 
 LineMatrix work, phases, inverse; // products on the way
 
@@ -115,7 +114,7 @@ void storeTravelTimes(int k, int n) {
   SecondLoopStore& T = SOLVEDATA.second;
   const ModelChoice& M = RUNDATA.model;
   const int last = SOLVEDATA.grid.NFREQ;
-  const double t = MILLI * RUNDATA.run.LINELEN / SOLVEDATA.grid.WFREQ[k];
+  const double t = INMILLI * RUNDATA.run.LINELEN / SOLVEDATA.grid.WFREQ[k];
   const bool whole = M.MODPI || (M.MODBERG && k == last);
   const bool fitted = (M.MODFDM || M.MODFDP) && k < last;
   for (int i = 1; i <= n; ++i) {

@@ -15,8 +15,6 @@ namespace lcp {
 
 namespace {
 
-constexpr double MILLI = 0.001; // ms to s
-
 // Start of a branch record: side and node at both ends, in columns 2 to 17.
 Record branchStart(std::string_view fromSide, int i, std::string_view toSide, int j) {
   Record record(" ");

@@ -13,6 +13,8 @@
 #include "base/console.h"
 #include "fit/fit_console.h"
 #include "fit/fitted_curves.h"
+#include "kernels/lapack.h"
+#include "kernels/matrix_kernels.h"
 #include "passivity/nodal_admittance.h"
 #include "passivity/quadratic_program.h"
 #include "passivity/residue_model.h"
@@ -33,7 +35,7 @@ namespace {
 constexpr int NINNER = 3;             // inner iterations of a main iteration
 constexpr double MARGINFACTOR = 10.0; // margin of the constraints over the tolerance of the scan
 
-enum class Outcome { PASSIVE, VIOLATED, FAILED };
+enum class Outcome { Passive, Violated, Failed };
 
 void hyphens() { console::print("  {} ", std::string(68, '-')); }
 
@@ -94,14 +96,10 @@ void formConstraints(double margin) {
   for (int i = 1; i <= ENFORCE.NCFREQ; ++i) addConstraints(ENFORCE.CFREQ[i], margin);
 }
 
-// A solution beyond all numbers is none.
-bool allFinite(const ResidueList& RES) {
+// A solution can lead beyond the range of numbers.
+bool isFiniteModel(const ResidueList& RES) {
   for (int m = 1; m <= ENFORCE.TOTORD; ++m) {
-    for (int c = 1; c <= ENFORCE.NC; ++c) {
-      const double* a = reinterpret_cast<const double*>(RES[m].view().column(c));
-      if (!std::all_of(a, a + 2 * ENFORCE.NC, [](double x) { return std::isfinite(x); }))
-        return false;
-    }
+    if (!allFinite(RES[m], ENFORCE.NC)) return false;
   }
   return true;
 }
@@ -111,9 +109,7 @@ bool solveProgram() {
   static Table<double, MAXVARIABLES> g;
   EnforcementStore& E = ENFORCE;
   if (E.NVAR == 0) return E.NCON == 0;
-  int INFO = 0;
-  QPDUAL(E.NVAR, E.NCON, E.G, g.data(), constraints(), E.CBOUND.data(), E.X.data(), INFO);
-  return INFO == 0;
+  return QPDUAL(E.NVAR, E.NCON, E.G, g.data(), constraints(), E.CBOUND.data(), E.X.data());
 }
 
 } // namespace
@@ -121,7 +117,7 @@ bool solveProgram() {
 bool QPRUN() {
   if (solveProgram()) {
     RESAPPLY(ENFORCE.X);
-    if (allFinite(ENFORCE.FPERT)) return true;
+    if (isFiniteModel(ENFORCE.FPERT)) return true;
   }
   console::line(" Constrained solution failed");
   return false;
@@ -133,16 +129,16 @@ Outcome innerIteration(int i, double PEIGTOL) {
   blanks();
   console::print("    Inner Iteration  #{:3}", i);
   formConstraints(MARGINFACTOR * PEIGTOL);
-  if (!QPRUN()) return Outcome::FAILED;
-  PASSVIOL(PEIGTOL, Residues::CHANGED);
+  if (!QPRUN()) return Outcome::Failed;
+  PASSVIOL(PEIGTOL, Residues::Changed);
   PASSLIST();
   if (ENFORCE.VPOINT.count == 0) {
     blanks();
     printSuccess();
-    return Outcome::PASSIVE;
+    return Outcome::Passive;
   }
   PASSTAB();
-  return Outcome::VIOLATED;
+  return Outcome::Violated;
 }
 
 // The scan at the start of a main iteration; true when there is nothing to do.
@@ -151,7 +147,7 @@ bool passiveAtStart(int n, double PEIGTOL) {
   hyphens();
   console::print("   Main Iteration  # {:3}", n);
   hyphens();
-  PASSVIOL(PEIGTOL, Residues::BASE);
+  PASSVIOL(PEIGTOL, Residues::Base);
   PASSLIST();
   if (ENFORCE.VPOINT.count == 0) {
     blanks();
@@ -167,14 +163,14 @@ bool passiveAtStart(int n, double PEIGTOL) {
 }
 
 Outcome mainIteration(int n, double PEIGTOL) {
-  if (passiveAtStart(n, PEIGTOL)) return Outcome::PASSIVE;
+  if (passiveAtStart(n, PEIGTOL)) return Outcome::Passive;
   decomposeResidues();
   RESMASK();
   formNormalMatrix();
-  Outcome outcome = Outcome::VIOLATED;
-  for (int i = 1; i <= NINNER && outcome == Outcome::VIOLATED; ++i)
+  Outcome outcome = Outcome::Violated;
+  for (int i = 1; i <= NINNER && outcome == Outcome::Violated; ++i)
     outcome = innerIteration(i, PEIGTOL);
-  if (outcome != Outcome::FAILED) copyResidues(ENFORCE.FRES, ENFORCE.FPERT);
+  if (outcome != Outcome::Failed) copyResidues(ENFORCE.FRES, ENFORCE.FPERT);
   return outcome;
 }
 
@@ -182,10 +178,10 @@ Outcome mainIteration(int n, double PEIGTOL) {
 bool iterate(const PassivityOptions& P) {
   RESCLASS();
   PASSGRID(P.PFLO, P.PFHI, P.NPFINC, P.PFDIST, ENFORCE.EGRID);
-  Outcome outcome = Outcome::VIOLATED;
-  for (int n = 1; n <= P.PMAXIT && outcome == Outcome::VIOLATED; ++n)
+  Outcome outcome = Outcome::Violated;
+  for (int n = 1; n <= P.PMAXIT && outcome == Outcome::Violated; ++n)
     outcome = mainIteration(n, P.PEIGTOL);
-  return outcome == Outcome::PASSIVE;
+  return outcome == Outcome::Passive;
 }
 
 bool orderFits() {
@@ -203,7 +199,7 @@ bool PASSENF(const PassivityOptions& P, const FreqCurve& WFREQ, int NS) {
   ENFORCE.NS = NS;
   for (int k = 1; k <= NS; ++k) ENFORCE.FFIT[k] = WFREQ[k] / SINGLETWOPI;
   printHeading();
-  // An error that is no number is not within the error allowed.
+  // An error that is NaN is not within the error allowed.
   const bool improved = orderFits() && iterate(P) && PASSERR() <= P.PMAXERR;
   console::print(" Time elapsed  {}  [sec]",
                  static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC);

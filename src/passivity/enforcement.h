@@ -11,11 +11,11 @@ namespace lcp {
 // WFREQ, rad/s. True when the residues FRES are those of a model that is passive on the grid and
 // whose H moved by no more than the error allowed; FITMODEL stays as it is. Prints the course of
 // the iterations.
-bool PASSENF(const PassivityOptions& P, const FreqCurve& WFREQ, int NS);
+[[nodiscard]] bool PASSENF(const PassivityOptions& P, const FreqCurve& WFREQ, int NS);
 
 // Solves the quadratic program at hand and forms FPERT from its solution. False, with a message,
 // when it has none.
-bool QPRUN();
+[[nodiscard]] bool QPRUN();
 
 // The enforcement between fit and model file: takes FITMODEL, and gives its residues back when they
 // were improved.

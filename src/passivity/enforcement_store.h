@@ -7,8 +7,8 @@
 #pragma once
 
 #include "base/big_store.h"
-#include "fit/passivity_grid.h"
 #include "passivity/dense_algebra.h"
+#include "passivity/passivity_grid.h"
 #include "store/capacities.h"
 #include "store/fitmodel.h"
 
@@ -29,7 +29,7 @@ constexpr double SMALLSINGLE = single(1e-15);      // imaginary parts above it m
 
 using ResidueList = Table<LineMatrix, MAXORDER>; // one matrix a pole, rad/s
 
-enum class Residues { BASE, CHANGED }; // of H: FRES or FPERT
+enum class Residues { Base, Changed }; // of H: FRES or FPERT
 
 // An eigenvalue of a residue matrix that the quadratic program may change: its real part, and its
 // imaginary part if it is complex.
@@ -105,7 +105,7 @@ void PASSBACK();
 void copyResidues(ResidueList& to, const ResidueList& from);
 
 inline const ResidueList& residuesOf(Residues which) {
-  return which == Residues::BASE ? ENFORCE.FRES : ENFORCE.FPERT;
+  return which == Residues::Base ? ENFORCE.FRES : ENFORCE.FPERT;
 }
 
 } // namespace lcp

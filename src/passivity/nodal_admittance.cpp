@@ -11,26 +11,9 @@
 #include "kernels/inversion.h"
 #include "kernels/matrix_kernels.h"
 
-#include <algorithm>
 #include <cmath>
 
 namespace lcp {
-
-namespace {
-
-void clear(CView A, int n) {
-  for (int j = 1; j <= n; ++j) std::fill_n(A.column(j), n, Complex(0));
-}
-
-void addTimes(CView A, Complex factor, CConstView B, int n) {
-  for (int j = 1; j <= n; ++j) {
-    Complex* a = A.column(j);
-    const Complex* b = B.column(j);
-    for (int i = 0; i < n; ++i) a[i] += factor * b[i];
-  }
-}
-
-} // namespace
 
 void poleFactors(Complex s, Table<Complex, MAXORDER>& factor) {
   const EnforcementStore& E = ENFORCE;

@@ -17,7 +17,9 @@
 // again.
 #include "passivity/quadratic_program.h"
 
-#include "passivity/lapack_dense.h"
+#include "base/finite.h"
+#include "kernels/lapack.h"
+#include "kernels/matrix_kernels.h"
 
 #include <algorithm>
 #include <cmath>
@@ -84,17 +86,6 @@ struct Step {
   double t2 = NOSTEP; // to the constraint
   int drop = 0;       // position of the constraint that is dropped at t1
 };
-
-bool allFinite(const double* a, int n) {
-  return std::all_of(a, a + n, [](double v) { return std::isfinite(v); });
-}
-
-bool allFinite(RConstView A, int m, int n) {
-  for (int k = 1; k <= n; ++k) {
-    if (!allFinite(A.column(k), m)) return false;
-  }
-  return true;
-}
 
 double dot(const double* a, const double* b, int n) {
   double sum = 0;
@@ -255,15 +246,14 @@ bool followConstraints(DualStore& S, const Program& P) {
 
 } // namespace
 
-void QPDUAL(int N, int M, RConstView G, const double* g, RConstView A, const double* b, double* x,
-            int& INFO) {
-  INFO = 1;
+bool QPDUAL(int N, int M, RConstView G, const double* g, RConstView A, const double* b, double* x) {
   std::fill_n(x, N, 0.0);
-  if (!allFinite(G, N, N) || !allFinite(g, N) || !allFinite(A, M, N) || !allFinite(b, M)) return;
+  if (!allFinite(G, N, N) || !allFinite(g, N) || !allFinite(A, M, N) || !allFinite(b, M))
+    return false;
   DualStore S(N, M);
   const Program P{N, M, A, b, x};
   startUnconstrained(S, P, G, g);
-  if (followConstraints(S, P) && allFinite(x, N)) INFO = 0;
+  return followConstraints(S, P) && allFinite(x, N);
 }
 
 } // namespace lcp

@@ -10,10 +10,10 @@ namespace lcp {
 // that stand in its way are dropped. G is N by N, symmetric, positive definite (its upper triangle
 // is read), A is M by N, g and x are of length N, b of length M.
 //
-// INFO = 0: no constraint is violated by more than 1e-15, or 500 passes were made and x is what was
-// reached. INFO = 1: no x meets all constraints, or x does not come out as finite numbers, as from
-// a G that holds none; x is then of no use. Work arrays are allocated at entry.
-void QPDUAL(int N, int M, RConstView G, const double* g, RConstView A, const double* b, double* x,
-            int& INFO);
+// True: no constraint is violated by more than 1e-15, or 500 passes were made and x is what was
+// reached. False, and x is of no use: no x meets all constraints, or an element of x or of what is
+// given is not finite. Work arrays are allocated at entry.
+[[nodiscard]] bool QPDUAL(int N, int M, RConstView G, const double* g, RConstView A,
+                          const double* b, double* x);
 
 } // namespace lcp

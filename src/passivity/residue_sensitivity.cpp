@@ -16,6 +16,7 @@
 // so each eigenvalue has one weight for each real number of a column of the sensitivity of H.
 #include "passivity/residue_sensitivity.h"
 
+#include "kernels/lapack.h"
 #include "kernels/matrix_kernels.h"
 #include "passivity/nodal_admittance.h"
 

@@ -1,7 +1,10 @@
 #include "passivity/violation_scan.h"
 
 #include "base/console.h"
+#include "base/constants.h"
+#include "base/finite.h"
 #include "base/number_forms.h"
+#include "kernels/lapack.h"
 #include "passivity/nodal_admittance.h"
 
 #include <algorithm>
@@ -16,7 +19,6 @@ namespace {
 constexpr double PZERO = single(1e-20); // sums and differences of violations up to this are zero
 constexpr double CSPACE = single(0.1);  // least relative distance of constraint frequencies
 constexpr double NOCURVE = 1e-20;       // an H up to this has no relative change
-constexpr double PERCENT = 100.0;
 
 // Eigenvalues of the Hermitian part of Y11 + sign Y12, into W.
 void addHalf(double* W, CConstView Y11, CConstView Y12, double sign, int n) {
@@ -41,7 +43,7 @@ double violationAt(double f, double PEIGTOL, Residues which) {
   PASSYN(f, Y11, Y12, which);
   addHalf(first, Y11, Y12, 1.0, n);
   addHalf(first + n, Y11, Y12, -1.0, n);
-  if (std::any_of(first, first + 2 * n, [](double x) { return std::isnan(x); })) return 0;
+  if (anyNaN(first, 2 * n)) return 0;
   std::stable_sort(first, first + 2 * n,
                    [](double a, double b) { return std::fabs(a) < std::fabs(b); });
   double sum = 0;
@@ -79,15 +81,13 @@ void findPeaks() {
   if (E.VPOINT.count == 0) addPoint(1 + static_cast<int>(std::max_element(first, last) - first));
 }
 
-void SORTDOWN(double* x, int n) { std::sort(x, x + n, std::greater<>()); }
-
 void PASSLIST() {
   EnforcementStore& E = ENFORCE;
   if (E.VPOINT.count == 0) return;
   Table<double, MAXVIOLATED> work = E.CFREQ;
   int n = E.NCFREQ;
   for (int i = 1; i <= E.VPOINT.count && n < MAXVIOLATED; ++i) work[++n] = E.VPOINT.frequency[i];
-  SORTDOWN(work.data(), n);
+  std::sort(work.data(), work.data() + n, std::greater<>());
   E.NCFREQ = 0;
   for (int i = 1; i <= n; ++i) {
     const double f = work[i];
@@ -106,13 +106,6 @@ void PASSTAB() {
   }
 }
 
-namespace {
-
-// The larger of the two; what is not a number stays.
-double larger(double top, double x) { return x <= top || std::isnan(top) ? top : x; }
-
-} // namespace
-
 double PASSERR() {
   static LineMatrix H, fitted;
   const EnforcementStore& E = ENFORCE;
@@ -128,7 +121,7 @@ double PASSERR() {
       }
     }
   }
-  const double ERR = PERCENT * (scale > NOCURVE ? change / scale : change);
+  const double ERR = INPERCENT * (scale > NOCURVE ? change / scale : change);
   console::print("  Maximum abs. error  {} %", ERR);
   return ERR;
 }

@@ -23,10 +23,7 @@ void PASSLIST();
 void PASSTAB();
 
 // Largest change of H over the fit frequencies, in per cent of its largest element as fitted, which
-// is printed. Not a number when H is none.
+// is printed. NaN when an element of H is.
 double PASSERR();
-
-// Sorts n numbers, largest first.
-void SORTDOWN(double* x, int n);
 
 } // namespace lcp

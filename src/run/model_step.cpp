@@ -3,7 +3,6 @@
 #include "base/text_file.h"
 #include "fit/fit_driver.h"
 #include "fit/mode_model.h"
-#include "fit/passivity_check.h"
 #include "fit/series_fit.h"
 #include "modal/pi_model.h"
 #include "modal/series_shunt.h"
@@ -16,6 +15,7 @@
 #include "output/output_file.h"
 #include "output/phase_model_file.h"
 #include "passivity/enforcement.h"
+#include "passivity/passivity_check.h"
 #include "store/rundata.h"
 
 namespace lcp {

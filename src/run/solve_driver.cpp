@@ -2,7 +2,6 @@
 
 #include "base/console.h"
 #include "base/solve_error.h"
-#include "fit/passivity_grid.h"
 #include "modal/first_loop.h"
 #include "modal/frequency_grid.h"
 #include "modal/line_constants.h"
@@ -10,6 +9,7 @@
 #include "modal/sequence.h"
 #include "output/curve_files.h"
 #include "output/pi_component.h"
+#include "passivity/passivity_grid.h"
 #include "run/model_step.h"
 #include "run/report_step.h"
 #include "store/rundata.h"

@@ -2,7 +2,7 @@
 // count, since their poles are not unique.
 #include "fit/vector_fit.h"
 
-#include "fit/lapack.h"
+#include "fit/scaled_columns.h"
 #include "support/console_capture.h"
 #include "support/sampled_functions.h"
 
@@ -118,11 +118,11 @@ TEST(VectorFit, PartialFractionsComeBackInOnePass) {
   T.P[2] = std::conj(first);
   T.P[3] = second;
   T.P[4] = std::conj(second);
-  VFIT(T.samples(WITHCONSTANT), 4, T.P, T.fits, T.errors);
+  VFITPASSES(1, T.samples(WITHCONSTANT), 4, T.P, T.fits, T.errors);
   expectModel(PAIR, T.fits[0]);
   SCOPED_TRACE("over the poles given");
   const PoleTable given = T.P;
-  FITRESIDUES(T.samples(WITHCONSTANT), 4, T.P, T.fits, T.errors);
+  VFITPASSES(0, T.samples(WITHCONSTANT), 4, T.P, T.fits, T.errors);
   EXPECT_EQ(T.P.entries, given.entries);
   expectModel(PAIR, T.fits[0]);
 }
@@ -178,7 +178,7 @@ TEST(VectorFit, FunctionsShareTheirPolesAndDeviationsKnowNoWeights) {
     T.F[0][20] += 50.0;
     T.G.weight[20] = 0;
     T.start(4);
-    VFIT(T.samples(ASYMP, FLIPUNSTABLE, 2), 4, T.P, T.fits, T.errors);
+    VFITPASSES(1, T.samples(ASYMP, FLIPUNSTABLE, 2), 4, T.P, T.fits, T.errors);
     expectModel(PAIR, T.fits[0]);
     expectModel(second, T.fits[1]);
     double most = 0;
@@ -216,7 +216,8 @@ TEST(VectorFit, RankDeficientPassesEndWell) {
 TEST(VectorFit, PassesAreCallsInARowAndKeepNothing) {
   T.sample(surgeImpedance, 80, 3, 6e6);
   T.start(7);
-  for (int pass = 1; pass <= 3; ++pass) VFIT(T.samples(WITHCONSTANT), 7, T.P, T.fits, T.errors);
+  for (int pass = 1; pass <= 3; ++pass)
+    VFITPASSES(1, T.samples(WITHCONSTANT), 7, T.P, T.fits, T.errors);
   const PoleTable P = T.P, R = T.fits[0].R;
   // Whatever stands in the work store has no say in it.
   std::fill_n(LSQ.A, sizeof LSQ.A / sizeof(double), std::nan(""));

@@ -17,17 +17,15 @@ double relative(Complex a, Complex b) { return std::abs(a - b) / std::abs(b); }
 TEST(Hyperbolic, AgreesWithTheLibraryOnAllBranches) {
   for (double re : {-700.0, -30.0, -1.5, -1.0, -0.2, 0.0, 0.3, 1.0, 1.0 + 1e-9, 4.0, 29.9}) {
     for (double im : {-9.0, -0.7, 0.1, 1.4, 300.0}) {
-      const Complex z(re, im), sinh = std::sinh(z), cosh = std::cosh(z);
+      const Complex z(re, im), sinh = std::sinh(z);
       // The symmetric forms lose what the two powers have in common.
       const double limit = 20.0 * eps * (1.0 + 1.0 / std::abs(sinh));
       EXPECT_LT(relative(CSINH(z), sinh), limit) << z;
-      EXPECT_LT(relative(CCOSH(z), cosh), 20.0 * eps / std::min(1.0, std::abs(cosh))) << z;
       EXPECT_LT(relative(CTANH(z) * CCOTH(z), 1.0), 4.0 * eps) << z;
       EXPECT_TRUE(re < -300.0 || relative(CTANH(z), std::tanh(z)) < 20.0 * limit) << z;
     }
   }
   EXPECT_EQ(CSINH({100.0, 1.0}), CSINH({30.0, 1.0})); // the limits of the arguments
-  EXPECT_EQ(CCOSH({30.1, -2.0}), CCOSH({30.0, -2.0}));
   for (const double sign : {1.0, -1.0}) {
     EXPECT_EQ(CTANH({sign * 1e4, 3.0}), sign);
     EXPECT_EQ(CCOTH({sign * 1e4, 3.0}), sign);

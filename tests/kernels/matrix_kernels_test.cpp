@@ -12,7 +12,7 @@ TEST(MatrixKernels, UnitColumns) {
   static RealMatrix R;
   fillNaN(A);
   const Complex given[] = {3.0, {0.0, 4.0}, 0.0, {0.0, 2e-31}, 0.0, 0.0, 0.0, 1e-20, 0.0};
-  UNPACKC(A, given, 3, 3);
+  for (int e = 0; e < 9; ++e) A(1 + e % 3, 1 + e / 3) = given[e];
   REALPT(R, A, 3);
   RCOLNORM(R, R, 3);
   COLNORM(A, A, 3);

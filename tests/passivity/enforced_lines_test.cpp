@@ -1,6 +1,6 @@
 // Lines whose fits are not passive, mended by the program, and looked at from the model file alone:
 // the whole spectrum of the nodal admittance at ten times as many frequencies as the enforcement's.
-#include "fit/lapack.h"
+#include "kernels/lapack.h"
 #include "made_up_model.h"
 #include "passivity/enforcement.h"
 #include "support/console_capture.h"

@@ -21,7 +21,7 @@ struct Problem {
 };
 
 // Solves it out of stores wider than the matrices, with NaN around them.
-int solve(const Problem& P, Reals& x) {
+bool solve(const Problem& P, Reals& x) {
   SquareStore<double, 9> G, A;
   const std::size_t N = P.g.size(), M = P.b.size();
   for (std::size_t k = 0; k < 81; ++k) {
@@ -29,10 +29,8 @@ int solve(const Problem& P, Reals& x) {
     G.elements[k] = i < N && j < N ? P.G[i][j] : std::nan("");
     A.elements[k] = i < M && j < N ? P.A[i][j] : std::nan("");
   }
-  int INFO = -1;
   x.assign(N, 99.0);
-  QPDUAL(static_cast<int>(N), static_cast<int>(M), G, P.g.data(), A, P.b.data(), x.data(), INFO);
-  return INFO;
+  return QPDUAL(static_cast<int>(N), static_cast<int>(M), G, P.g.data(), A, P.b.data(), x.data());
 }
 
 double dot(const Reals& a, const Reals& x) {
@@ -67,36 +65,36 @@ TEST(QuadraticProgram, SolutionsByHand) {
   const std::vector<Reals> unit{{1, 0}, {0, 1}};
   struct Case {
     Problem problem;
-    int INFO;
+    bool solved;
     Reals x;
   };
   const Case cases[] = {
-      {{{{4, 1}, {1, 3}}, {1, 2}, {}, {}}, 0, {-1 / 11., -7 / 11.}},
-      {{{{4, 1}, {1, 3}}, {0, 0}, {{1, 1}}, {-1}}, 0, {-0.4, -0.6}},
-      {{unit, {0, 0}, {{1, 1}, {1, 1}, {2, 2}}, {-2, -2, -4}}, 0, {-1, -1}},
-      {{unit, {0, 0}, {{1, 0}, {0, 1}, {1, 1}}, {-1, -1, -2}}, 0, {-1, -1}}, // three in a corner
-      {{{{1}}, {0}, {{1}, {3}}, {-2, -4}}, 0, {-2}},                         // one is dropped
-      {{{{1}}, {0}, {{1}}, {-TINY}}, 0, {0}},
-      {{{{1}}, {0}, {{1}}, {-2 * TINY}}, 0, {-2 * TINY}},
-      {{unit, {0, 0}, {{1, 0}, {-1, 0}}, {-1, 0}}, 1, {0, 0}}, // no point meets both
-      {{unit, {0, 0}, {{0, 0}}, {-1}}, 1, {0, 0}},
+      {{{{4, 1}, {1, 3}}, {1, 2}, {}, {}}, true, {-1 / 11., -7 / 11.}},
+      {{{{4, 1}, {1, 3}}, {0, 0}, {{1, 1}}, {-1}}, true, {-0.4, -0.6}},
+      {{unit, {0, 0}, {{1, 1}, {1, 1}, {2, 2}}, {-2, -2, -4}}, true, {-1, -1}},
+      {{unit, {0, 0}, {{1, 0}, {0, 1}, {1, 1}}, {-1, -1, -2}}, true, {-1, -1}}, // three in a corner
+      {{{{1}}, {0}, {{1}, {3}}, {-2, -4}}, true, {-2}},                         // one is dropped
+      {{{{1}}, {0}, {{1}}, {-TINY}}, true, {0}},
+      {{{{1}}, {0}, {{1}}, {-2 * TINY}}, true, {-2 * TINY}},
+      {{unit, {0, 0}, {{1, 0}, {-1, 0}}, {-1, 0}}, false, {0, 0}}, // no point meets both
+      {{unit, {0, 0}, {{0, 0}}, {-1}}, false, {0, 0}},
       // The quotients of all pairs make a step too short: feasible, but the least is (-2, 1/2).
-      {{{{2, 0}, {0, 1}}, {0, 0}, {{0, -2}, {1, 0}, {3, 1}}, {-1, -2, -4}}, 0, {-2, 0.75}},
+      {{{{2, 0}, {0, 1}}, {0, 0}, {{0, -2}, {1, 0}, {3, 1}}, {-1, -2, -4}}, true, {-2, 0.75}},
       // A constraint is dropped and comes in again.
       {{{{1, 0, 0}, {0, 1, 0}, {0, 0, 3}},
         {0, 0, 0},
         {{0, 1, -2}, {-1, 3, -2}, {-1, 0, 3}, {3, -1, 2}},
         {-3, -3, 2, -3}},
-       0,
+       true,
        {-2, -3, 0}},
-      {{{{NaN}}, {0}, {{1}}, {-1}}, 1, {0}},
-      {{{{1}}, {HUGE_VAL}, {{1}}, {-1}}, 1, {0}},
+      {{{{NaN}}, {0}, {{1}}, {-1}}, false, {0}},
+      {{{{1}}, {HUGE_VAL}, {{1}}, {-1}}, false, {0}},
   };
-  for (const auto& [problem, INFO, expected] : cases) {
+  for (const auto& [problem, solved, expected] : cases) {
     Reals x;
     SCOPED_TRACE(dot(problem.b, problem.b));
-    EXPECT_EQ(solve(problem, x), INFO);
-    for (std::size_t i = 0; INFO == 0 && i < x.size(); ++i)
+    EXPECT_EQ(solve(problem, x), solved);
+    for (std::size_t i = 0; solved && i < x.size(); ++i)
       EXPECT_NEAR(x[i], expected[i], 1e-14 * std::sqrt(dot(expected, expected)));
   }
 }
@@ -116,7 +114,7 @@ TEST(QuadraticProgram, RandomProgramsMeetTheirConstraints) {
     for (std::size_t i = 0; i < N; ++i) P.G[i][i] = numbers.between(0.1, 2);
     const Reals best = leastPoint(P);
     Reals x;
-    if (solve(P, x) == 1) {
+    if (!solve(P, x)) {
       EXPECT_GT(excess(P, best), 1e-4) << k;
       continue;
     }

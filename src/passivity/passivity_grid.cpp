@@ -5,7 +5,7 @@
 //   by decades   m = floor(N / (log10 c - log10 a)) points in each full decade a .. 10 a, evenly
 //                spaced from a on; in the last one floor(m (c - a) / (9 a)) up to c. A decade that
 //                gets none by this count gets the one point a.
-#include "fit/passivity_grid.h"
+#include "passivity/passivity_grid.h"
 
 #include "base/console.h"
 #include "base/solve_error.h"

@@ -1,10 +1,10 @@
 // The passivity check against a closed form and, for lines from end to end, against the eigenvalues
 // of the nodal admittance of the model file.
-#include "fit/passivity_check.h"
+#include "passivity/passivity_check.h"
 
 #include "base/number_forms.h"
-#include "fit/lapack.h"
-#include "fit/passivity_grid.h"
+#include "kernels/lapack.h"
+#include "passivity/passivity_grid.h"
 #include "support/console_capture.h"
 #include "support/description.h"
 #include "support/phase_file.h"

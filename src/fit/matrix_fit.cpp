@@ -1,0 +1,163 @@
+// The poles come from vector fitting of the trace of F. Over them, with the real basis functions
+// phi_m and weights W_k, one linear least-squares problem has all elements as right-hand sides:
+//
+//   W_k (sum over m of x_m phi_m(j w_k) + D + j w_k E) = W_k F(i,j)(j w_k),   k = 1 to NS,
+//
+// real parts in rows 1 to NS, imaginary parts below them. Its columns are not scaled: those of
+// poles are of the size 1 / w, that of E of the size w, so the rank at RCOND has a say in the
+// result, and so has the order of the columns.
+//
+// With values at s = 0 to be met, the unknowns are those of F(i,j) - DC(i,j), each basis function
+// has its value at s = 0 taken off, and D follows from DC = D - sum R / p.
+#include "fit/matrix_fit.h"
+
+#include "base/finite.h"
+#include "fit/partial_fractions.h"
+#include "fit/vector_fit.h"
+#include "store/rundata.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace lcp {
+
+namespace {
+
+constexpr double RCOND = 1e-14; // of the residue problem
+constexpr double TINY = 1e-20;  // magnitudes up to this are not divided by
+
+ComplexCurve trace, phi;
+PoleClasses CINDEX;
+
+void formTrace(const MatrixFit& Q, int NS) {
+  std::fill_n(trace.steps, NS, 0.0);
+  for (int i = 1; i <= RUNDATA.line.NC; ++i) {
+    for (int k = 1; k <= NS; ++k) trace[k] += Q.F(k, i, i);
+  }
+}
+
+// Poles of the trace, from N starting poles.
+void findPoles(const MatrixFit& Q, int NS, int N) {
+  const FrequencyGrid& G = SOLVEDATA.grid;
+  const int ASYMP = Q.E == nullptr ? WITHCONSTANT : WITHPROPORTION;
+  const FitSamples samples{NS, 1, G.WFREQ, &trace, G.WFIT, FLIPUNSTABLE, ASYMP};
+  startingPoles(Q.P, N, G.WFREQ[1], G.WFREQ[NS]);
+  RELOCATE(Q.PASSES, samples, N, Q.P);
+  classifyPoles(Q.P, N, CINDEX);
+}
+
+// Columns of the basis, of the constant unless the values at s = 0 fix it, and of E. Returns how
+// many there are.
+int fillMatrix(const MatrixFit& Q, int NS, int N) {
+  const FrequencyGrid& G = SOLVEDATA.grid;
+  const RView A = LSQ.matrix();
+  for (int m = 1; m <= N; ++m) {
+    basisCurve(Q.P, CINDEX, m, G.WFREQ, NS, phi);
+    if (Q.DC != nullptr) {
+      const Complex atZero = basisFunction(Q.P, CINDEX, m, 0.0);
+      for (int k = 1; k <= NS; ++k) phi[k] -= atZero;
+    }
+    curveColumn(phi, G.WFIT, NS, columnRows(A, m, NS));
+  }
+  int columns = N;
+  if (Q.DC == nullptr) constantColumn(G.WFIT, NS, columnRows(A, ++columns, NS));
+  if (Q.E != nullptr) proportionalColumn(G.WFREQ, G.WFIT, NS, columnRows(A, ++columns, NS));
+  return columns;
+}
+
+int elementNumber(int i, int j) { return (i - 1) * RUNDATA.line.NC + j; }
+
+void fillRightSides(const MatrixFit& Q, int NS) {
+  const FreqCurve& W = SOLVEDATA.grid.WFIT;
+  for (int i = 1; i <= RUNDATA.line.NC; ++i) {
+    for (int j = 1; j <= RUNDATA.line.NC; ++j) {
+      const auto& F = Q.F.curve(i, j);
+      const double dc = Q.DC == nullptr ? 0.0 : (*Q.DC)(i, j);
+      const ColumnRows b = columnRows(LSQ.rightSides(), elementNumber(i, j), NS);
+      for (int k = 1; k <= NS; ++k) {
+        b.re[k - 1] = W[k] * (F[k].real() - dc);
+        b.im[k - 1] = W[k] * F[k].imag();
+      }
+    }
+  }
+}
+
+void takeSolution(const MatrixFit& Q, int N, int columns) {
+  const RView X = LSQ.rightSides();
+  for (int i = 1; i <= RUNDATA.line.NC; ++i) {
+    for (int j = 1; j <= RUNDATA.line.NC; ++j) {
+      const int element = elementNumber(i, j);
+      PoleTable& R = Q.R(i, j);
+      residuesOf(CINDEX, N, X, element, R);
+      Q.D(i, j) = Q.DC == nullptr ? X(N + 1, element) : (*Q.DC)(i, j) + ratioSum(Q.P, R, N);
+      if (Q.E != nullptr) (*Q.E)(i, j) = X(columns, element);
+    }
+  }
+}
+
+void fitResidues(const MatrixFit& Q, int NS, int N) {
+  const int columns = fillMatrix(Q, NS, N);
+  const int elements = RUNDATA.line.NC * RUNDATA.line.NC;
+  fillRightSides(Q, NS);
+  if (Q.JPVT == nullptr) {
+    DGELSY(LSQ.matrix(), LSQ.rightSides(), 2 * NS, columns, elements, RCOND);
+  } else {
+    DGELSY(LSQ.matrix(), LSQ.rightSides(), 2 * NS, columns, elements, *Q.JPVT, RCOND);
+  }
+  takeSolution(Q, N, columns);
+}
+
+void evaluateModel(const MatrixFit& Q, int NS, int N) {
+  const FreqCurve& W = SOLVEDATA.grid.WFREQ;
+  const int n = RUNDATA.line.NC;
+  for (int j = 1; j <= n; ++j) {
+    for (int i = 1; i <= n; ++i) {
+      const double E = Q.E == nullptr ? 0.0 : (*Q.E)(i, j);
+      for (int k = 1; k <= NS; ++k) Q.FIT(k, i, j) = Complex(Q.D(i, j), W[k] * E);
+    }
+  }
+  for (int m = 1; m <= N; ++m) {
+    poleCurve(Q.P[m], W, NS, phi);
+    for (int j = 1; j <= n; ++j) {
+      for (int i = 1; i <= n; ++i) addTimes(Q.R(i, j)[m], phi, NS, Q.FIT.curve(i, j));
+    }
+  }
+}
+
+double relativeError(const MatrixFit& Q, int NS) {
+  double err = 0.0, f = 0.0;
+  for (int j = 1; j <= RUNDATA.line.NC; ++j) {
+    for (int i = 1; i <= RUNDATA.line.NC; ++i) {
+      const ComplexCurve& model = Q.FIT.curve(i, j);
+      const ComplexCurve& F = Q.F.curve(i, j);
+      for (int k = 1; k <= NS; ++k) {
+        err = larger(err, std::abs(model[k] - F[k]));
+        f = std::max(f, std::abs(F[k]));
+      }
+    }
+  }
+  return f > TINY ? err / f : err;
+}
+
+} // namespace
+
+MatrixFitResult FITMATRIX(const MatrixFit& Q, int NMAX, double TARGET) {
+  const int NS = SOLVEDATA.grid.NFUSE;
+  const int limit = std::min(NMAX, NPMAX);
+  formTrace(Q, NS);
+  for (int N = 1;; ++N) {
+    findPoles(Q, NS, N);
+    fitResidues(Q, NS, N);
+    evaluateModel(Q, NS, N);
+    const double ERR = relativeError(Q, NS);
+    if (ERR <= TARGET || N >= limit) return {N, ERR};
+  }
+}
+
+double ratioSum(const PoleTable& P, const PoleTable& R, int N) {
+  double sum = 0.0;
+  for (int m = 1; m <= N; ++m) sum += (R[m] * std::conj(P[m])).real() / std::norm(P[m]);
+  return sum;
+}
+
+} // namespace lcp
