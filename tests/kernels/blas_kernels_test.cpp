@@ -71,11 +71,10 @@ TEST(BlasKernels, AreThePlainLoops) {
     for (int i = 0; i < y.n; ++i) sum[i] = beta == 0 ? 0 : beta * y[i];
     if (beta == 0) std::fill(std::begin(into.memory), std::end(into.memory), std::nan(""));
     for (int j = 0; j < columns; ++j) {
-      if (across && x.stride == 1)
-        sum[j] += alpha * product(A[j], x);
-      else
-        for (int i = 0; i < rows; ++i)
-          across ? sum[j] += alpha * A[j][i] * x[i] : sum[i] += alpha * A[j][i] * x[j];
+      const bool whole = across && x.stride == 1;
+      if (whole) sum[j] += alpha * product(A[j], x);
+      for (int i = whole ? rows : 0; i < rows; ++i)
+        (across ? sum[j] : sum[i]) += alpha * A[j][i] * (across ? x[i] : x[j]);
     }
     dgemv_(across ? "T" : "N", &rows, &columns, &alpha, A[0].memory, &LDA, x.memory, &x.stride,
            &beta, into.memory, &y.stride, 1);
