@@ -47,7 +47,6 @@ TEST(GeneralField, IsThatOfANumberField) {
   std::uniform_real_distribution<> exponent(-40, 18), digits(-1e9, 1e9);
   for (int i = 0; i < 100000; ++i) {
     expectSame(std::bit_cast<double>(random()));
-    expectSame(std::pow(10, exponent(random)));
     // nine digits: a last one of 5 is rounded by what stands behind it in binary
     expectSame(std::round(digits(random)) * std::pow(10, std::floor(exponent(random) / 2)));
   }

@@ -32,10 +32,7 @@ std::string operator""_s(const char* text, std::size_t length) { return {text, l
 
 TEST(TextSource, Records) {
   const std::string ten = "0123456789", start = "The start of a line that is kept ";
-  const struct {
-    std::string content;
-    std::vector<std::string> records;
-  } cases[] = {
+  const std::pair<std::string, std::vector<std::string>> cases[] = {
       {"", {}},
       {"\n", {""}},
       {"a\n\nb", {"a", "", "b"}},
@@ -43,7 +40,6 @@ TEST(TextSource, Records) {
       {"a\r", {"a"}},
       {"a\rb\r\r\n", {"a\rb\r"}}, // only the return at the line end goes
       {"a\0b\n\0"_s, {"a\0b"_s, "\0"_s}},
-      {"\xc3\xa9\xff\n", {"\xc3\xa9\xff"}},
       {"\xef\xbb\xbf" + ten + "\n\xef\xbb\xbf", {ten, "\xef\xbb\xbf"}}, // a mark at the start only
       {"\xef\xbb\xbf", {}},
       {"\xef\xbb", {"\xef\xbb"}},
@@ -51,8 +47,8 @@ TEST(TextSource, Records) {
       {ten + "x\n" + ten + "\rx\nb", {ten + "|", ten + "|", "b"}},
   };
   const Scratch scratch;
-  for (const auto& c : cases)
-    EXPECT_EQ(readAll(scratch.file("case", c.content), 10), c.records) << c.content;
+  for (const auto& [content, records] : cases)
+    EXPECT_EQ(readAll(scratch.file("case", content), 10), records) << content;
   std::string content; // longer lines than any buffer
   for (std::size_t i = 0; i < 5; ++i) content += start + std::string(16380 * i, 'x') + "\r\n";
   const std::string cut = start + "|", name = scratch.file("long", content);

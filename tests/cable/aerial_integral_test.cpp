@@ -1,6 +1,7 @@
 #include "cable/aerial_integral.h"
 
 #include "base/constants.h"
+#include "cable/complex_root.h"
 #include "store/rundata.h"
 
 #include <cmath>
@@ -33,7 +34,9 @@ AerialSums plainSums(double X, double H, double w) {
   return sum;
 }
 
-bool same(const AerialSums& a, const AerialSums& b) { return a.SZ == b.SZ && a.SQ == b.SQ; }
+double distance(const AerialSums& a, const AerialSums& b) {
+  return std::max(std::abs(a.SZ - b.SZ) / std::abs(b.SZ), std::abs(a.SQ - b.SQ) / std::abs(b.SQ));
+}
 
 } // namespace
 
@@ -42,6 +45,7 @@ bool same(const AerialSums& a, const AerialSums& b) { return a.SZ == b.SZ && a.S
 // last, so that a store that turns them out shows.
 TEST(AerialIntegral, IsTheSameKeptAndAnew) {
   const double pairs[][2] = {{0.01, 20}, {4, 20}, {4, 22}, {3000, 20}, {20e5, 20}, {21e5, 21}};
+  const auto sum = [&](int k, double w) { return AERIALSUM(pairs[k][0], pairs[k][1], w); };
   FORGETAERIAL();
   for (const double eps : {1.0, 30.0}) {
     RUNDATA.ground = {};
@@ -50,18 +54,29 @@ TEST(AerialIntegral, IsTheSameKeptAndAnew) {
     for (const double w : {1.0, 3e3, 6e6}) {
       AerialSums kept[6];
       for (int k = 0; k < (w == 3e3 && eps == 1.0 ? 6 : 4); ++k) {
-        kept[k] = AERIALSUM(pairs[k][0], pairs[k][1], w);
-        const AerialSums plain = plainSums(pairs[k][0], pairs[k][1], w);
+        kept[k] = sum(k, w);
         const double limit = 1e-12 + 1e-13 * pairs[k][0] / pairs[k][1]; // digits of the phase X u
-        EXPECT_LT(std::abs(kept[k].SZ / plain.SZ - 1.0), limit) << k << " at " << w;
-        EXPECT_LT(std::abs(kept[k].SQ / plain.SQ - 1.0), limit) << k << " at " << w;
+        EXPECT_LT(distance(kept[k], plainSums(pairs[k][0], pairs[k][1], w)), limit)
+            << k << " " << w;
       }
-      for (int k = 3; k >= 0; --k) {
-        EXPECT_TRUE(same(AERIALSUM(pairs[k][0], pairs[k][1], w), kept[k])) << k << " at " << w;
+      for (int k = 3; k >= 0; --k) EXPECT_EQ(distance(sum(k, w), kept[k]), 0) << k << " at " << w;
+    }
+  }
+  const AerialSums kept = sum(1, 6e6), far = sum(5, 6e6);
+  FORGETAERIAL();
+  EXPECT_TRUE(distance(sum(5, 6e6), far) == 0 && distance(sum(1, 6e6), kept) == 0);
+}
+
+// All quadrants, the axes, and parts far apart.
+TEST(ComplexRoot, IsThePrincipalRoot) {
+  const double parts[] = {0, 1e-300, 3e-131, 1e-20, 0.7, 0.7000000000000001, 5e9, 2e130, 1e300};
+  for (const double x : parts) {
+    for (const double y : parts) {
+      for (const Complex z : {Complex(x, y), Complex(-x, y), Complex(x, -y), Complex(-x, -y)}) {
+        const Complex wanted = std::sqrt(z), is = ROOT(z);
+        EXPECT_DOUBLE_EQ(is.real(), wanted.real()) << z;
+        EXPECT_DOUBLE_EQ(is.imag(), wanted.imag()) << z;
       }
     }
   }
-  const AerialSums kept = AERIALSUM(4, 20, 6e6), far = AERIALSUM(21e5, 21, 6e6);
-  FORGETAERIAL();
-  EXPECT_TRUE(same(AERIALSUM(21e5, 21, 6e6), far) && same(AERIALSUM(4, 20, 6e6), kept));
 }

@@ -58,8 +58,8 @@ TEST(PipeBlocks, ImpedanceMeetsTheFieldOfTheWall) {
     Complex self = Z(2, 2) + 1.3 * std::log(0.19);
     Complex pair = Z(2, 2) + 1.3 * std::log(0.2 / std::abs(U[1] - U[2]));
     for (int n = 1; n <= 49; ++n) {
-      const Complex sides = test::scaledBesselK(n - 1, x) + test::scaledBesselK(n + 1, x);
-      const Complex g = 0.5 * x * sides / test::scaledBesselK(n, x);
+      const Complex sides = test::scaledK(n - 1, x) + test::scaledK(n + 1, x);
+      const Complex g = 0.5 * x * sides / test::scaledK(n, x);
       const Complex more = (n * mu - g) / (n * mu + g) + 1.0;
       self += std::pow(0.81, n) * more / double(n);
       pair += std::pow(UU, n).real() * (more - 1.3) / double(n);

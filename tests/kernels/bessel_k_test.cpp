@@ -20,7 +20,7 @@ TEST(BesselK, RatiosOfNumbersWithASmallestPart) {
       ZBESK(x, K);
       Wide below;
       for (int n = 0; n <= LASTORDER; ++n) {
-        const Wide k = Wide(test::scaledBesselK(n, x)) * std::exp(-Wide(x));
+        const Wide k = Wide(test::scaledK(n, x)) * std::exp(-Wide(x));
         const Wide above(lifted(k.real()), lifted(k.imag()));
         const Wide ratio(n == 0 ? 0.0 : KRATIO(K, n));
         EXPECT_LE(std::abs(ratio * above - below), 1e-14L * std::abs(below)) << x << ' ' << n;

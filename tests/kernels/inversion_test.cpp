@@ -28,23 +28,20 @@ TEST(Inversion, StatusOfWhatIsNoInverse) {
   for (int n : {3, 14}) { // Hilbert's matrix, condition 5e2 and 6e17
     for (int e = 0; e < n * n; ++e) A(1 + e / n, 1 + e % n) = 1.0 / (e / n + e % n + 1);
     EXPECT_EQ(INVCHECKED(R, A, n), n == 3);
-    EXPECT_TRUE(std::isfinite(std::abs(R(1, 1))));
   }
   A(1, 1) = std::nan("");
   EXPECT_FALSE(INVCHECKED(R, A, 3));
-  const std::string stars(43, '*');
+  A = {};
+  A(1, 1) = 1.0;
   for (double last : {1.01e-50, 0.0, 0.99e-50}) {
-    const ChildResult r = runChild([&] {
-      A = {};
-      A(1, 1) = 1.0;
-      A(2, 2) = last;
-      INVCJD(A, A, 2);
-    });
+    A(2, 2) = last;
+    const ChildResult r = runChild([&] { INVCJD(R, A, 2); });
     EXPECT_EQ(r.status, last < 1e-50 ? 1 : 0);
-    if (last > 1e-50) continue;
-    EXPECT_EQ(r.console,
-              lines({" ", stars, "Corvo.exe: ERROR", "Error in INVCJD. Singularity occurs",
-                     "Verify Transmission line data", stars, "QUENT Ending!"}));
+    const std::string stars(43, '*');
+    const std::string told =
+        lines({" ", stars, "Corvo.exe: ERROR", "Error in INVCJD. Singularity occurs",
+               "Verify Transmission line data", stars, "QUENT Ending!"});
+    EXPECT_EQ(r.console, last < 1e-50 ? told : "");
   }
 }
 
@@ -62,9 +59,8 @@ TEST(Solution, SolvesAndChecks) {
       for (int j = 1; j <= n; ++j) r += A(i, j) * x[j];
       EXPECT_LT(std::abs(r), 1e-12 * n);
     }
-    if (n == 1) continue;
     for (int j = 1; j <= n; ++j) A(n, j) = A(1, j) * (1.0 + 1e-15 * (j % 2));
-    EXPECT_FALSE(SOLVEJD(x.data(), A, b.data(), n)); // no pivot is below 1e-20: the check tells
+    EXPECT_EQ(SOLVEJD(x.data(), A, b.data(), n), n == 1); // no pivot below 1e-20: the check tells
   }
   A(1, 1) = 2.0;
   A(1, 2) = A(2, 1) = 0.0;

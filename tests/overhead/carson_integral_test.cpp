@@ -1,7 +1,7 @@
 #include "overhead/carson_integral.h"
 
-#include "base/constants.h"
-#include "support/child.h"
+#include "support/bessel_reference.h"
+#include "support/console_capture.h"
 
 #include <algorithm>
 #include <cmath>
@@ -10,25 +10,6 @@
 using namespace lcp;
 
 namespace {
-
-using Wide = std::complex<long double>;
-
-Wide integrand(long double t, Wide z, long double theta) {
-  return 2.0L * std::exp(-t * std::cos(theta)) * std::cos(t * std::sin(theta)) /
-         (t + std::sqrt(t * t + z * z));
-}
-
-// The integral to the end by the double exponential rule, t = end / (1 + exp(-pi sinh u)).
-Complex quadrature(Complex z, double theta, long double end) {
-  constexpr long double step = 1 / 128.0L;
-  Wide sum = 0;
-  for (int k = -800; k <= 500; ++k) {
-    const long double e = std::exp(-PI * std::sinh(step * k)), t = end / (1 + e);
-    const long double weight = PI * std::cosh(step * k) * e / (1 + e) * t;
-    sum += step * weight * integrand(t, Wide(z), theta);
-  }
-  return Complex(sum);
-}
 
 double relative(Complex a, Complex b) { return std::abs(a - b) / std::abs(b); }
 
@@ -44,11 +25,11 @@ TEST(CarsonIntegral, AgreesWithQuadratureToTheErrorOfItsPanels) {
     for (int decade = -2; decade <= 7; ++decade) {
       for (const double rho : {1.0, 100.0, 1e4}) {
         const double k = std::sqrt(PI * std::pow(10.0, decade) * MU0 / rho) * std::hypot(H, x);
-        const double theta = std::atan2(x, H);
-        const Complex J = quadrature({k, k}, theta, 50.0L / std::cos(theta));
-        const CarsonSum cut = carsonPanels({k, k}, theta, 10);
-        const Complex part = quadrature({k, k}, theta, 0.05L * cut.linear);
-        worst = std::max(worst, relative(CARSINT({k, k}, theta), J));
+        const double theta = std::atan2(x, H), up = std::cos(theta), across = std::sin(theta);
+        const Complex z(k, k), J = test::earthIntegral(up, 0, across, z);
+        const CarsonSum cut = carsonPanels(z, theta, 10);
+        const Complex part = test::earthIntegral(up, 0, across, z, 1.0, 0.05 * cut.linear);
+        worst = std::max(worst, relative(CARSINT(z, theta), J));
         narrow = std::max(narrow, relative(cut.A, part));
         behind = std::max(behind, relative(part, J));
       }
@@ -90,13 +71,12 @@ TEST(CarsonIntegral, SaysWhenAStageRunsOut) {
   const std::string failed = "Failed to converge on ", going = "Exec. Continuing\n";
   const std::string hyperbolic = failed + "hyperbolic step length for R=   ";
   const std::string linear = failed + "linear step length for R=   ";
-  const auto inChild = [](Complex z, double theta) {
-    return test::runChild([=] { CARSINT(z, theta); }).console;
+  const auto told = [](Complex z, double theta) {
+    return test::consoleOf([=] { CARSINT(z, theta); });
   };
-  EXPECT_EQ(inChild(1e-3, 0.4), "");
-  EXPECT_EQ(inChild(1e-100, 0.0), hyperbolic + "1.000000-100" + going);
-  EXPECT_EQ(inChild(0.0, 0.0),
-            hyperbolic + "0.000000E+00" + going + linear + "0.000000E+00" + going);
+  EXPECT_EQ(told(1e-3, 0.4), "");
+  EXPECT_EQ(told(1e-100, 0.0), hyperbolic + "1.000000-100" + going);
+  EXPECT_EQ(told(0.0, 0.0), hyperbolic + "0.000000E+00" + going + linear + "0.000000E+00" + going);
   // A conductor below ground by its average height: the integrand grows without limit.
-  EXPECT_EQ(inChild({3.0, 4.0}, 2.0), linear + "5.000000E+00" + going);
+  EXPECT_EQ(told({3.0, 4.0}, 2.0), linear + "5.000000E+00" + going);
 }

@@ -1,5 +1,6 @@
 #include "support/overhead_lines.h"
 
+#include "base/constants.h"
 #include "overhead/overhead_zy.h"
 #include "store/solvedata.h"
 
@@ -94,6 +95,21 @@ LineResult solveWith(LineConstants routine, double f, bool first) {
   result.Z = corner(S.ZMAT, result.n);
   result.P = corner(S.PMAT, result.n);
   return result;
+}
+
+std::string unsound(const LineResult& r, double f, bool passive) {
+  const Wide jw(0, TWOPI * f);
+  const auto asymmetry = [](const Dense& A) {
+    return distance(formed(A.size(), [&](auto i, auto j) { return A[j][i]; }), A);
+  };
+  std::string what;
+  if (!(r.length == RUNDATA.run.LINELEN)) what += " length";
+  if (!(asymmetry(r.Z) < 1e-12 && asymmetry(r.Y) < 1e-12)) what += " symmetry";
+  if (passive && !hasPositiveRealPart(r.Z)) what += " Z";
+  if (!hasPositiveRealPart(times(Wide(1) / jw, r.Y))) what += " Y";
+  const Dense P = times(Wide(1) / (jw * jw * Wide(C0 * L0)), product(r.Y, r.Z));
+  if (!(distance(r.P, P) < 1e-13)) what += " P";
+  return what;
 }
 
 LineResult solveLine(double f, bool first) { return solveWith(OHZY, f, first); }

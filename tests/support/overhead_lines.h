@@ -6,6 +6,7 @@
 #include "support/dense_functions.h"
 
 #include <cstdint>
+#include <string>
 
 namespace lcp::test {
 
@@ -48,6 +49,9 @@ struct LineResult {
 // What a routine of line constants gives at the frequency f.
 using LineConstants = void (*)(double f, double& length, CView YMAT, CView ZMAT, CView PMAT);
 LineResult solveWith(LineConstants routine, double f, bool first = true);
+// What does not hold of a result at f: its length, reciprocity, a positive real part of Z and
+// of Y over j w, P = Yn Zn.
+std::string unsound(const LineResult& r, double f, bool passive = true);
 // OHZY at the frequency f, with ISTATUS set unless told otherwise.
 LineResult solveLine(double f, bool first = true);
 

@@ -1,0 +1,97 @@
+#include <algorithm>
+#include <cmath>
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+#include <random>
+#include <vector>
+
+extern "C" {
+void dgemv_(const char* trans, const int* m, const int* n, const double* alpha, const double* a,
+            const int* lda, const double* x, const int* incx, const double* beta, double* y,
+            const int* incy, std::size_t);
+void dger_(const int* m, const int* n, const double* alpha, const double* x, const int* incx,
+           const double* y, const int* incy, double* a, const int* lda);
+double dnrm2_(const int* n, const double* x, const int* incx);
+}
+
+namespace {
+
+std::mt19937 numbers(61);
+
+// n elements, and NaN in all that stands beside them. A column of a matrix when the stride is 1.
+struct Strided {
+  double memory[20];
+  std::ptrdiff_t n;
+  int stride;
+
+  Strided(int length, int step) : n(length), stride(step) {
+    std::fill(std::begin(memory), std::end(memory), std::nan(""));
+    for (int i = 0; i < n; ++i) (*this)[i] = std::normal_distribution<double>()(numbers);
+  }
+  double& operator[](int i) { return memory[stride < 0 ? (i + 1 - n) * stride : i * stride]; }
+};
+constexpr int LDA = sizeof(Strided) / sizeof(double);
+
+// The same bits; to rounding over kernels of another make.
+bool same(double is, double wanted) {
+  static const bool own = dlsym(RTLD_DEFAULT, "openblas_get_config") == nullptr;
+  if (std::isnan(wanted)) return std::isnan(is);
+  return own ? is == wanted : std::abs(is - wanted) <= 1e-13;
+}
+
+bool same(const Strided& is, const Strided& wanted) {
+  return std::equal(std::begin(is.memory), std::end(is.memory), wanted.memory,
+                    [](double a, double b) { return same(a, b); });
+}
+
+// A sum of products: of contiguous numbers as four sums, then what is left behind them.
+double product(Strided& a, Strided& x) {
+  double sums[4] = {};
+  const int n = static_cast<int>(x.n), whole = x.stride == 1 ? n / 4 * 4 : 0;
+  for (int i = 0; i < whole; ++i) sums[i % 4] += a[i] * x[i];
+  double sum = (sums[0] + sums[1]) + (sums[2] + sums[3]);
+  for (int i = whole; i < n; ++i) sum += a[i] * x[i];
+  return sum;
+}
+
+} // namespace
+
+// y = beta y + alpha A x or alpha A^T x column by column, A = A + alpha x y^T, |x|. An alpha that
+// is a power of 2 leaves the bits to the order of the sums.
+TEST(BlasKernels, AreThePlainLoops) {
+  const double factors[][2] = {{1.0, 0.0}, {-0.5, 1.0}, {2.0, 0.3}, {0.0, 0.3}};
+  for (int t = 0; t < 9 * 9 * 3 * 3 * 8; ++t) {
+    const int rows = 1 + t % 9, columns = 1 + t / 9 % 9, strides[] = {1, 2, -1};
+    const bool across = t / 729 % 2 == 1;
+    const auto& [alpha, beta] = factors[t / 1458];
+    Strided x(across ? rows : columns, strides[t / 81 % 3]);
+    Strided y(across ? columns : rows, strides[t / 243 % 3]), sum = y, into = y;
+    std::vector<Strided> A;
+    for (int j = 0; j < columns; ++j) A.emplace_back(rows, 1);
+    for (int i = 0; i < y.n; ++i) sum[i] = beta == 0 ? 0 : beta * y[i];
+    if (beta == 0) std::fill(std::begin(into.memory), std::end(into.memory), std::nan(""));
+    for (int j = 0; j < columns; ++j) {
+      const bool whole = across && x.stride == 1;
+      if (whole) sum[j] += alpha * product(A[j], x);
+      for (int i = whole ? rows : 0; i < rows; ++i)
+        (across ? sum[j] : sum[i]) += alpha * A[j][i] * (across ? x[i] : x[j]);
+    }
+    dgemv_(across ? "T" : "N", &rows, &columns, &alpha, A[0].memory, &LDA, x.memory, &x.stride,
+           &beta, into.memory, &y.stride, 1);
+    EXPECT_TRUE(same(into, sum)) << t;
+    if (!across) continue;
+    std::vector<Strided> B = A;
+    dger_(&rows, &columns, &alpha, x.memory, &x.stride, y.memory, &y.stride, B[0].memory, &LDA);
+    for (int j = 0; j < columns; ++j) {
+      for (int i = 0; i < rows; ++i) A[j][i] += alpha * y[j] * x[i];
+      EXPECT_TRUE(same(B[j], A[j])) << t;
+    }
+    const double length = std::sqrt(product(x, x));
+    EXPECT_TRUE(same(dnrm2_(&rows, x.memory, &x.stride), length)) << t;
+    for (const double size : {1e-170, 1e170}) { // squares leave the range of numbers
+      Strided far = x;
+      for (double& e : far.memory) e *= size;
+      EXPECT_NEAR(dnrm2_(&rows, far.memory, &x.stride) / size / length, 1.0, 1e-14) << t;
+    }
+  }
+}
