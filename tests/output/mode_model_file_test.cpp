@@ -26,79 +26,49 @@ struct ModeRecord {
   std::vector<Rational> row;
 };
 
-// The values of a line, each in 20 columns.
-std::vector<double> values(const std::string& line) {
-  std::vector<double> all;
-  EXPECT_EQ(line.size() % 20, 0U) << line;
-  for (std::size_t c = 0; c + 20 <= line.size(); c += 20) {
-    EXPECT_TRUE(line[c] == ' ' && line[c + 16] == 'E') << line;
-    all.push_back(std::stod(line.substr(c, 20)));
+// Real parts of up to six, and behind them their imaginary parts.
+std::vector<Complex> values(Numbers& in, std::size_t count) {
+  std::vector<Complex> all(count);
+  for (std::size_t first = 0; first < count; first += 6) {
+    const std::size_t end = std::min(first + 6, count);
+    for (std::size_t m = first; m < end; ++m) all[m].real(in.real());
+    for (std::size_t m = first; m < end; ++m) all[m].imag(in.real());
   }
   return all;
 }
 
-class ModeFile {
-public:
-  std::vector<std::string> head, console;
+Rational function(Numbers& in) {
+  const std::size_t count = in.count();
+  Rational f;
+  f.D = in.real();
+  EXPECT_EQ(in.number(), 0); // its imaginary part
+  f.poles = values(in, count);
+  f.residues = values(in, count);
+  return f;
+}
+
+struct ModeFile {
+  std::vector<std::string> console;
   std::vector<ModeRecord> modes;
 
-  ModeFile(const std::string& text, const std::string& shown)
-      : console(splitLines(shown)), lines(splitLines(text)) {
-    while (lines[at][0] != 'C') head.push_back(lines[at++]);
-    for (int m = 1; m <= RUNDATA.line.NC; ++m) modes.push_back(mode(m));
-    EXPECT_EQ(at, lines.size());
-  }
-
-private:
-  std::vector<std::string> lines;
-  std::size_t at = 0;
-
-  const std::string& next() { return lines.at(at++); }
-
-  ModeRecord mode(int m) {
-    const std::string stars(44, '*');
-    EXPECT_EQ(next(), fmt::format("C {} Mode{:2} Data => {}", stars, m, stars));
-    ModeRecord record;
-    const std::string nodes = next();
-    EXPECT_EQ(nodes.substr(0, 17), fmt::format(" {0:5} {0:5}     ", m));
-    EXPECT_EQ(nodes.substr(36), " / Nodes, Travel-Time(mS)");
-    EXPECT_EQ(next(), fmt::format("C ** Mode {:2} Surge Impedances => ", m));
-    record.surge = function();
-    EXPECT_EQ(next(), fmt::format("C ** Mode {:2} Attenuation Constants => ", m));
-    record.attenuation = function();
-    record.attenuation.delay = 1e-3 * std::stod(nodes.substr(17, 19));
-    EXPECT_EQ(next(), fmt::format("C ** Mode {:2} Current Transformation Matrix => ", m));
-    for (int r = 1; r <= RUNDATA.line.NC; ++r) {
-      EXPECT_EQ(next(), fmt::format("C ** Row {:2} => ", r));
-      record.row.push_back(function());
+  ModeFile(const std::string& text, const std::string& shown) : console(splitLines(shown)) {
+    Numbers in(text, "\nC *");
+    for (int m = 1; m <= RUNDATA.line.NC; ++m) {
+      ModeRecord& record = modes.emplace_back();
+      for (int i = 0; i < 3; ++i) EXPECT_EQ(in.count(), m); // title, both nodes
+      const double delay = 1e-3 * in.real();
+      EXPECT_EQ(in.count(), m);
+      record.surge = function(in);
+      EXPECT_EQ(in.count(), m);
+      record.attenuation = function(in);
+      record.attenuation.delay = delay;
+      EXPECT_EQ(in.count(), m);
+      for (int r = 1; r <= RUNDATA.line.NC; ++r) {
+        EXPECT_EQ(in.count(), r);
+        record.row.push_back(function(in));
+      }
     }
-    return record;
-  }
-
-  // Real parts of up to six, and behind them their imaginary parts.
-  std::vector<Complex> numbers(std::size_t count) {
-    std::vector<Complex> all;
-    while (all.size() < count) {
-      const std::vector<double> re = values(next()), im = values(next());
-      EXPECT_EQ(re.size(), im.size());
-      EXPECT_EQ(re.size(), std::min<std::size_t>(6, count - all.size()));
-      for (std::size_t m = 0; m < re.size(); ++m) all.emplace_back(re[m], im[m]);
-    }
-    return all;
-  }
-
-  Rational function() {
-    const std::string first = next();
-    EXPECT_EQ(first.substr(0, 1) + first.substr(5, 3), "    ");
-    const auto count = static_cast<std::size_t>(std::stoi(first.substr(1, 4)));
-    const std::vector<double> constant = values(first.substr(8));
-    EXPECT_EQ(constant.size(), 2U);
-    EXPECT_EQ(constant.at(1), 0);
-    Rational f;
-    f.D = constant[0];
-    f.poles = numbers(count);
-    f.residues = numbers(count);
-    return f;
+    EXPECT_TRUE(!in.early && in.left() == 0);
   }
 };
 
@@ -168,37 +138,18 @@ void expectModes(const ModeFile& file) {
 
 } // namespace
 
+// Without a target of the error the counts of poles are the limits.
 TEST(ModeModelFile, FunctionsAreTheModesOfTheLine) {
-  const std::string flags = "Interpolate Travel Times: 0\nInfinite Line Length: 1\n";
-  for (const auto& body : {doubleCircuit(modeModel()), singleCircuit(modeModel(flags)),
-                           singleCircuit(modeModel(flags), "Transposed: 1\n")}) {
-    const ModeFile file = solveAndWrite(body);
+  const std::string limits = "Maximum Fitting Error (%) for Surge Impedance: 0\n"
+                             "Maximum Fitting Error (%) for Attenuation Constant: 0\n"
+                             "Maximum # of Poles for Surge Impedance Fit: {0}\n"
+                             "Maximum # of Poles for Attenuation Constant Fit: {0}\n";
+  expectModes(solveAndWrite(doubleCircuit(modeModel())));
+  for (const int count : {1, 6, 7, 13}) {
+    const std::string model = modeModel(fmt::format(fmt::runtime(limits), count));
+    const ModeFile file = solveAndWrite(singleCircuit(model, count == 6 ? "Transposed: 1\n" : ""));
     expectModes(file);
-    EXPECT_EQ(file.console[0], " FITTING ERROR                # OF POLES");
-    EXPECT_EQ(file.console[1], " -------------                ----------");
-    if (RUNDATA.line.NC != 3) continue;
-    EXPECT_EQ(
-        std::vector<std::string>(file.head.begin() + 5, file.head.end()),
-        (std::vector<std::string>{"Fre-Dep  3 0                 1          1 /", "NOINT",
-                                  "INFLENGTH", "! *** Length: .10000E+06 Metres ",
-                                  "! ***  3 Conductors,  Ground Res.: 100.00     Ohm-Metres "}));
-  }
-}
-
-// Without target the counts are the limits.
-TEST(ModeModelFile, BlocksHoldSixValuesOnALine) {
-  for (const int count : {1, 6, 7, 12, 13}) {
-    const ModeFile file = solveAndWrite(singleCircuit(
-        modeModel(fmt::format("Maximum Fitting Error (%) for Surge Impedance: 0\n"
-                              "Maximum Fitting Error (%) for Attenuation Constant: 0\n"
-                              "Maximum # of Poles for Surge Impedance Fit: {}\n"
-                              "Maximum # of Poles for Attenuation Constant Fit: {}\n",
-                              count, std::min(count, 8)))));
-    expectModes(file);
-    for (const ModeRecord& mode : file.modes) {
-      EXPECT_EQ(mode.surge.N(), count);
-      EXPECT_EQ(mode.attenuation.N(), std::min(count, 8));
-    }
+    for (const ModeRecord& mode : file.modes) EXPECT_EQ(mode.surge.N(), count);
   }
 }
 

@@ -4,12 +4,11 @@
 #include "store/rundata.h"
 #include "store/solvedata.h"
 #include "support/child.h"
-#include "support/dense_functions.h"
+#include "support/phase_file.h"
 #include "support/solve.h"
 #include "support/whole_run.h"
 
 #include <cmath>
-#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 using namespace lcp;
@@ -68,29 +67,24 @@ TEST(ModelFile, ThePiFileIsTheExactPiCircuit) {
 }
 
 TEST(ModelFile, BergeronModesAreThoseOfTheLine) {
-  const std::string body = doubleCircuit(bergeronModel("Frequency for Loss Approximation: 3000\n"
-                                                       "Interpolate Travel Times: 0\n"
-                                                       "Infinite Line Length: 1\n"));
-  const std::vector<std::string> file = modelFileOf(body, "50000");
-  ASSERT_EQ(file.size(), 14U);
-  EXPECT_EQ(file[5] + file[6] + file[7],
-            "  6 0     1          1         60.00000        3000.000        50000.00       "
-            "0.1000000E-08   0.1000000E-08 /NOINTINFLENGTH");
+  const std::string body = doubleCircuit(bergeronModel("Frequency for Loss Approximation: 3000\n"));
+  Numbers in(runLine(body, "50000").files.at("a.cvo"), "\n  6 0");
+  for (const double head : {6.0, 0.0, 1.0, 1.0, 60.0, 3000.0, 5e4, 1e-9, 1e-9})
+    EXPECT_EQ(in.real(), head);
   solveBothLoops(body, 5e4);
   const SecondLoopStore& T = SOLVEDATA.second;
-  for (std::size_t k = 1; k <= 6; ++k) {
-    const std::string& line = file[k + 7];
-    ASSERT_EQ(line.size(), 13U + 10 * 25) << line;
-    EXPECT_EQ(line.substr(0, 13), fmt::format(" {0:5} {0:5} ", k));
+  double squares[6] = {}; // of the columns of the transformation
+  for (int m = 1; m <= 6; ++m) {
+    EXPECT_EQ(in.count() * in.count(), m * m); // both nodes
     // a mode's travel time and surge impedance from its propagation constant at 60 Hz
-    const int m = static_cast<int>(k);
-    EXPECT_NEAR(number(line, 15, 24), 1e3 * 5e4 * T.GAM[m].imag() / ANGULAR60, 1e-12);
-    EXPECT_NEAR(number(line, 40, 24), T.ZSURGE[m].real(), 1e-9);
-    EXPECT_GT(number(line, 90, 24), number(line, 65, 24)); // more loss at 3000 Hz than at 60 Hz
-    double squares = 0;
-    for (std::size_t i = 8; i < 14; ++i) squares += std::pow(number(file[i], 90 + 25 * k, 24), 2);
-    EXPECT_NEAR(squares, 1.0, 1e-12);
+    EXPECT_NEAR(in.real(), 1e3 * 5e4 * T.GAM[m].imag() / ANGULAR60, 1e-12);
+    EXPECT_NEAR(in.real(), T.ZSURGE[m].real(), 1e-9);
+    const double loss = in.real();
+    EXPECT_GT(in.real(), loss); // more at 3000 Hz than at 60 Hz
+    for (double& column : squares) column += std::pow(in.real(), 2);
   }
+  EXPECT_TRUE(!in.early && in.left() == 0);
+  for (const double column : squares) EXPECT_NEAR(column, 1.0, 1e-12);
   const ChildResult noted = runChild([] { // by magnitude in the file, one of rounding in silence
     dup2(STDOUT_FILENO, STDERR_FILENO);
     SOLVEDATA.second.RLOSS1.fill(1e-4);

@@ -127,29 +127,6 @@ TEST(PhaseModel, FitsWithoutFiniteNumbersAreRefused) {
   }
 }
 
-TEST(PhaseModel, ConsoleTableOfAnAdmittanceFitThatIsShort) {
-  const ProgramRun run = runLine(
-      singleCircuit(phaseModel(EVENWEIGHTS + "Maximum # of Poles for Surge Admittance Fit: 1\n"
-                                             "Maximum Fitting Error (%) for Surge Admittance: "
-                                             "0.01\n")),
-      "1e5");
-  const std::string rule = " " + std::string(68, '=');
-  for (const std::string& text :
-       {lines({"", "", rule, " CURVE FITTING OUTPUT", rule, "",
-               " Fitting Characteristic Admittance Yc:", rule,
-               fmt::format(" Maximum Fitting Error Requested: {:24}{:9.4f} %", "", 0.01),
-               fmt::format(" Maximum Number of Poles: {:38}{:3}", "", 1), "",
-               " Yc:          Maximum          Number", "              Fitting Error    of Poles",
-               "              --------------   --------"}),
-        lines({"", "*WARNING*: The relative fitting error exceeds the ",
-               "           maximum requested. This may be partially",
-               "           improved by increasing the maximum # of", "           poles."})}) {
-    EXPECT_NE(run.console.find(text), std::string::npos) << run.console;
-  }
-  EXPECT_EQ(run.status, 2);
-  EXPECT_EQ(readPhaseFile(run.files.at("a.cvo")).yPoles.size(), 1U);
-}
-
 TEST(PhaseModel, AManualFileReplacesTheModelFile) {
   const Scratch scratch;
   scratch.file("a.cvi", description(singleCircuit(phaseModel(EVENWEIGHTS)) +

@@ -48,6 +48,11 @@ double matrixScale(const std::vector<std::string>& lines, std::size_t at) {
   return largest;
 }
 
+std::string wordsOf(const std::string& text) {
+  static const std::regex number(R"(-?[0-9]+(\.[0-9]+)?([eE][-+][0-9]+)?)");
+  return std::regex_replace(text, number, "#");
+}
+
 Free freedom(std::size_t line, const Tolerances& t) {
   for (const FreeLines& f : t.free) {
     if (line >= f.first && line <= f.last) return f.what;
@@ -83,7 +88,9 @@ std::string textDifferences(const std::string& expected, const std::string& actu
     const Line line = taken(wanted[i]);
     if (line.matrix && !inMatrix) scale = matrixScale(wanted, i);
     inMatrix = line.matrix;
-    if (!agree(line, taken(got[i]), scale, t, freedom(i + 1, t)))
+    const Free free = freedom(i + 1, t);
+    if (free == Free::WIDTH ? wordsOf(got[i]) != wordsOf(wanted[i])
+                            : !agree(line, taken(got[i]), scale, t, free))
       return fmt::format("line {}: |{}|, expected |{}|\n", i + 1, got[i], wanted[i]);
   }
   if (wanted.size() == got.size()) return "";

@@ -13,7 +13,8 @@
 //
 // Lines of eigenvectors are looser, since their sign and the basis of equal modes are free and
 // differ between kernels of linear algebra: of lines with free signs the magnitudes count, of a
-// free basis the columns of the text alone.
+// free basis the columns of the text alone. Of lines of free width the words count alone: their
+// numbers are written with as many digits as they need.
 #pragma once
 
 #include <string>
@@ -21,7 +22,7 @@
 
 namespace lcp::test {
 
-enum class Free { NOTHING, SIGNS, BASIS };
+enum class Free { NOTHING, SIGNS, BASIS, WIDTH };
 
 struct FreeLines {
   std::size_t first, last; // counted from 1

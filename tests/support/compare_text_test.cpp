@@ -6,7 +6,8 @@ using namespace lcp::test;
 
 TEST(CompareText, TellsCloseFromApart) {
   const Tolerances fine{1e-9, 1e-9, 0.0}, coarse{1e-3, 1e-3, 0.0}, noise{1e-9, 1e-9, 1e-12};
-  const Tolerances turned{1e-9, 1e-9, 0.0, {{1, 1, Free::SIGNS}, {2, 2, Free::BASIS}}};
+  const Tolerances turned{
+      1e-9, 1e-9, 0.0, {{1, 1, Free::SIGNS}, {2, 2, Free::BASIS}, {3, 4, Free::WIDTH}}};
   const std::string row = "  0.100000E+04,0.200000E+01  0.300000E-03,-.400000E-03\n";
   const std::string moved = "  0.100090E+04,0.200000E+01  0.300000E-03,0.900000E+00\n";
   const std::string small = "  0.100000E-03,0.000000E+00\n", other = "  0.2" + small.substr(5);
@@ -34,7 +35,8 @@ TEST(CompareText, TellsCloseFromApart) {
       {"  NaN", "  NaN", coarse, false},
       {" 0.50,-.20\n 0.50,-.20\n", " -.50,0.20\n 0.70,0.00\n", turned, true},
       {" 0.50,-.20\n 0.50,-.20\n", " -.50,0.30\n 0.50,-.20\n", turned, false},
-      {" 0.50,-.20\n 0.50,-.20\n 0.5\n", " 0.50,-.20\n 0.50,-.20\n -.5\n", turned, false},
+      {"\n\n 0.5\n", "\n\n 6e-05\n", turned, true},
+      {"\n\n 0.5\n", "\n\n nan\n", turned, false},
       {" 0.5\n NaN", " 0.5\n NaN", turned, false},
   };
   for (const auto& c : cases) {

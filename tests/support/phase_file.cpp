@@ -1,48 +1,40 @@
 #include "support/phase_file.h"
 
+#include <algorithm>
+#include <cstdlib>
 #include <sstream>
 
 namespace lcp::test {
 
+Numbers::Numbers(const std::string& text, const std::string& from) {
+  std::string words = text.substr(std::min(text.find(from), text.size()));
+  std::replace_if(
+      words.begin(), words.end(), [](char c) { return c == '(' || c == ',' || c == ')'; }, ' ');
+  std::istringstream in(words);
+  for (std::string word; in >> word;) {
+    char* end = nullptr;
+    const long double value = std::strtold(word.c_str(), &end);
+    if (*end == '\0') all.push_back(value);
+  }
+}
+
+long double Numbers::number() {
+  early = early || left() == 0;
+  return early ? 0 : all[at++];
+}
+
+Wide Numbers::complex() {
+  const long double re = number();
+  return {re, number()};
+}
+
 namespace {
-
-// The lines of the file in turn, with the first one that was not as expected.
-struct Lines {
-  std::istringstream in;
-  std::string trouble;
-
-  std::string next() {
-    std::string l;
-    if (!std::getline(in, l) && trouble.empty()) trouble = "the file ends early";
-    return l;
-  }
-  void expect(const std::string& words) {
-    const std::string l = next();
-    if (l != words && trouble.empty()) trouble = "'" + l + "' instead of '" + words + "'";
-  }
-  long double number() {
-    const std::string l = next();
-    std::istringstream item(l);
-    long double value = 0;
-    std::string rest;
-    if ((!(item >> value) || item >> rest) && trouble.empty()) trouble = "no number: " + l;
-    return value;
-  }
-  std::size_t count() { return static_cast<std::size_t>(number()); }
-  Wide complex() {
-    const long double re = number();
-    return {re, number()};
-  }
-};
 
 Dense zeros(std::size_t n) { return Dense(n, std::vector<Wide>(n)); }
 
-void readAdmittance(Lines& in, PhaseFile& f) {
-  in.expect("Fitting parameters for the char. admittance:");
-  in.expect("N.o. conductors:");
+void readAdmittance(Numbers& in, PhaseFile& f) {
   const std::size_t n = in.count();
   f.n = static_cast<int>(n);
-  in.expect("Residues and poles:");
   for (std::size_t column = 0; column < n; ++column) {
     f.yPoles.resize(in.count());
     f.yResidues.resize(f.yPoles.size(), zeros(n));
@@ -55,20 +47,15 @@ void readAdmittance(Lines& in, PhaseFile& f) {
   for (std::size_t e = 0; e < n * n; ++e) f.yConstant[e % n][e / n] = in.number();
 }
 
-void readPropagation(Lines& in, PhaseFile& f) {
-  in.expect("Fitting parameters for the propagation function:");
-  in.expect("N.o. delay groups:");
+void readPropagation(Numbers& in, PhaseFile& f) {
+  const auto n = static_cast<std::size_t>(f.n);
   f.delays.resize(in.count());
   f.hPoles.resize(f.delays.size());
-  in.expect("Time delays:");
   for (long double& d : f.delays) d = in.number();
-  in.expect("Poles:");
   for (auto& group : f.hPoles) {
     group.resize(in.count());
     for (Wide& p : group) p = in.complex();
   }
-  in.expect("Residues:");
-  const auto n = static_cast<std::size_t>(f.n);
   for (const auto& poles : f.hPoles) {
     auto& group = f.hResidues.emplace_back(poles.size(), zeros(n));
     for (std::size_t e = 0; e < n * n; ++e) {
@@ -92,12 +79,10 @@ int badPoles(const std::vector<Wide>& poles) {
 
 PhaseFile readPhaseFile(const std::string& text) {
   PhaseFile f;
-  Lines in{std::istringstream(text), ""};
-  for (int i = 0; i < 6; ++i) in.next();
+  Numbers in(text, "Fitting parameters");
   readAdmittance(in, f);
   readPropagation(in, f);
-  f.trouble = in.trouble;
-  if (f.trouble.empty() && in.in.peek() != EOF) f.trouble = "more lines: " + in.next();
+  if (in.early || in.left() > 0 || f.n == 0) f.trouble = "too few or too many numbers\n" + text;
   return f;
 }
 

@@ -46,7 +46,8 @@ Tolerances tolerancesOf(const fs::path& tolerance, const std::string& file) {
   std::string word, name;
   in >> word >> t.matrix >> word >> t.scalar >> word >> t.line;
   for (std::size_t first = 0, last = 0; in >> word >> name >> first >> last;) {
-    if (name == file) t.free.push_back({first, last, word == "signs" ? Free::SIGNS : Free::BASIS});
+    const Free what = word == "signs" ? Free::SIGNS : word == "basis" ? Free::BASIS : Free::WIDTH;
+    if (name == file) t.free.push_back({first, last, what});
   }
   return t;
 }

@@ -8,7 +8,8 @@
 //   expected/   the files it writes, all of them; absent when it writes none
 //   tolerance   how close numbers must be: matrix, scalar and line (see compare_text.h); then lines
 //               "signs FILE FIRST LAST" and "basis FILE FIRST LAST": eigenvectors whose signs,
-//               whose basis is free
+//               whose basis is free (or any numbers whose columns alone count), and
+//               "width FILE FIRST LAST": numbers of any width
 //   source      one line: where the expected numbers come from (an independent calculation, a
 //               book), or "snapshot of this program: guards the layout only"
 // and its input files. With CORVO_REWRITE_SNAPSHOTS set in the environment the cases whose source
