@@ -1,7 +1,9 @@
 // Cost of the modal kernels: products, inversion, the solutions of a Newton step, decomposition,
 // and the tracking of all modes over a grid.
-#include "../tests/support/mode_walk.h"
+#include "../tests/support/line_matrices.h"
 #include "kernels/bordered_system.h"
+#include "kernels/eigen_package.h"
+#include "modal/newton.h"
 
 #include <algorithm>
 #include <benchmark/benchmark.h>
@@ -11,6 +13,36 @@ using namespace lcp;
 using namespace lcp::test;
 
 namespace {
+
+// Following all modes from matrix to matrix, as a solve does from frequency to frequency.
+struct Walk {
+  LineMatrix A, TI, TIINV;
+  ModeComplex EIG;
+  ModeInts PIVOT;
+  double s = 0.0;
+};
+
+// The decomposition of A.
+void start(Walk& W, int n) {
+  static LineMatrix copy;
+  copy = W.A;
+  W.s = 0.0;
+  for (int i = 1; i <= n; ++i) W.s += std::abs(W.A(i, i)) / n;
+  VALVC(W.EIG, W.TIINV, W.TI, copy, n);
+  PIVNORM(W.TI, W.TIINV, W.PIVOT, n);
+}
+
+// The modes of the next A from those of the last one.
+bool step(Walk& W, int n) {
+  static LineMatrix copy, XGUESS;
+  ModeComplex LGUESS;
+  copy = W.A;
+  XGUESS = W.TI;
+  for (int i = 1; i <= n; ++i) LGUESS[i] = W.EIG[i] / W.s;
+  const bool ok = NREIG(W.EIG, W.TI, LGUESS, XGUESS, copy, W.s, W.PIVOT, n);
+  PIVNORM(W.TI, W.TIINV, W.PIVOT, n);
+  return ok;
+}
 
 // A walk over 107 steps of a frequency grid from 0.25 Hz to 1 MHz.
 constexpr int STEPS = 107;

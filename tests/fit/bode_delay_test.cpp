@@ -42,19 +42,13 @@ TEST(BodeDelay, PowersOfTheFrequencyAndVanishedModes) {
 // Skin effect: exp(-a sqrt(s)) has the slope S = -|ln a|/2, which grows as sqrt(w), so that over a
 // decade to both sides CORR w0 = S pi/2 + |S|/pi integral of (exp(u/2) - 1) ln coth|u/2| du.
 TEST(BodeDelay, SkinEffectIsTakenOutOverADecadeToBothSides) {
-  double integral = 0;
-  const int intervals = 40000;
-  const double du = 2 * std::log(10.0) / intervals;
-  for (int i = 0; i < intervals; ++i) {
-    const double u = (i + 0.5) * du - std::log(10.0);
-    integral += (std::exp(u / 2) - 1) * -std::log(std::tanh(std::fabs(u) / 2)) * du;
-  }
+  constexpr double INTEGRAL = 0.440848; // by the midpoint rule
   const SampleGrid grid(1, 1e8, 600);
   for (const double a : {0.02, 0.3}) {
     const Taken t =
         taken(grid, sampled(grid, [&](Complex s) { return std::exp(-a * std::sqrt(s)); }));
     const double S = -0.5 * a * std::sqrt(grid.w[t.step] / 2);
-    EXPECT_NEAR(t.turn, S * PI / 2 + std::fabs(S) / PI * integral, 0.01 * std::fabs(S));
+    EXPECT_NEAR(t.turn, S * PI / 2 + std::fabs(S) / PI * INTEGRAL, 0.01 * std::fabs(S));
   }
 }
 

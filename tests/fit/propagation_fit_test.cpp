@@ -6,13 +6,11 @@
 #include "fit/delay_groups.h"
 #include "store/rundata.h"
 #include "store/solvedata.h"
-#include "support/child.h"
 #include "support/console_capture.h"
 #include "support/propagation_case.h"
 
 #include <algorithm>
 #include <cmath>
-#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 using namespace lcp;
@@ -61,12 +59,12 @@ Complex twoModes(int r, int c, Complex s) {
          T[r - 1][1] * SLOWANDFAST[0].at(s) * I[1][c - 1];
 }
 
-// Fits them, and returns what the console shows.
-std::string fitTwoModes(const PropagationWish& wish, bool vanished = false) {
+// Fits them; the console shows the tables, which whole runs hold.
+void fitTwoModes(const PropagationWish& wish, bool vanished = false) {
   poseModes(SLOWANDFAST);
   sampleH(twoModes);
   if (vanished) SOLVEDATA.second.HMODE.curve(1) = {};
-  return consoleOf([&] { HFIT(wish); });
+  consoleOf([&] { HFIT(wish); });
 }
 
 } // namespace
@@ -115,14 +113,11 @@ TEST(PropagationFit, MeetsTheErrorAskedForAlsoBetweenTheSamples) {
   EXPECT_EQ(badPoles(), 0);
   EXPECT_NEAR(FITMODEL.TAU[1], 3e-4, 0.02 * 3e-4);
   EXPECT_NEAR(FITMODEL.TAU[2], 4e-4, 0.02 * 4e-4);
-  for (int step = 0; step < 71; ++step) {
-    const double w = 1.3 * std::pow(1.21, step);
-    for (int r = 1; r <= 2; ++r) {
-      for (int c = 1; c <= 2; ++c) {
-        const Complex M(modelOfH(r, c, Wide(0, w)));
-        EXPECT_LT(std::abs(M - twoModes(r, c, Complex(0, w))), 0.001);
-      }
-    }
+  for (int i = 0; i < 284; ++i) {
+    const double w = 1.3 * std::pow(1.21, i / 4);
+    const int r = 1 + i % 2, c = 1 + i / 2 % 2;
+    const Complex H = twoModes(r, c, Complex(0, w));
+    EXPECT_LT(std::abs(Complex(modelOfH(r, c, Wide(0, w))) - H), 0.001) << w;
   }
 }
 
@@ -134,51 +129,8 @@ TEST(PropagationFit, EndsAtThePoleLimitWhenTheErrorIsOutOfReach) {
     EXPECT_EQ(least, limit == 4 ? 1 : std::max(limit, 0));
     EXPECT_EQ(most, std::max(limit, 0));
   }
-}
-
-// All tables of a run with reduction and correction: blanks and widths, numbers of the last table
-// from the model. In the form @ stands for a digit or the blank before one.
-TEST(PropagationFit, PrintsItsTables) {
-  RealMatrix HDC{};
+  RealMatrix HDC{}; // the values at s = 0 are met behind the reduction
   HDC(1, 1) = HDC(2, 2) = 1;
-  const std::string console = fitTwoModes({30, 7, 0.2, 2, &HDC});
-  const MeasuredFit measured = measureFit();
+  fitTwoModes({30, 7, 0.2, 2, &HDC});
   EXPECT_LT(dcDeviation(HDC), 1e-9);
-  const std::string rule = " " + std::string(68, '-');
-  const std::string hphase =
-      lines({" Hphase:      Maximum           Maximum       Maximum",
-             "              Fitting Error     RMS Error     Residue/Pole Ratio",
-             "              --------------    ----------    ------------------",
-             "               @@@@.@@@@ %     @@@@.@@@@ %       @@@@@@@@.@@"});
-  const std::string form =
-      lines({" Fitting Propagation Function H:", " " + std::string(68, '='),
-             " Maximum Fitting Error Requested:                           30.0000 %",
-             " Maximum Number of Poles (per delay group):                       7", "", rule,
-             " Attempt #  1                               Target error:   25.0000 %", rule,
-             " Hmode:       Delay      Maximum          Number      Time",
-             "              Group #    Fitting Error    of Poles    Delay",
-             "              -------    -------------    --------    -----",
-             "                 1       @@@@.@@@@@ %       @@       @@@.@@@@@@ ms",
-             "                 2       @@@@.@@@@@ %       @@       @@@.@@@@@@ ms", ""}) +
-      hphase +
-      lines({rule, " Removing Large Residue/Pole Ratios (Model Order Reduction)", rule,
-             "              Delay      Number", "              Group #    of Poles",
-             "              -------    --------", "                 1       @@",
-             "                 2       @@", "", ""}) +
-      hphase +
-      lines({"", " Applying DC Correction", rule, "", "",
-             " Final Fit:   Maximum        Maximum      Number      Adjusted",
-             "              Fitting Error  RMS Error    of Poles    Time Delays",
-             "              -------------  ---------    --------    -----------",
-             fmt::format("             {:10.5f} % {:10.5f} %     {:3}       {:10.6f} ms",
-                         100 * measured.largest, 100 * measured.rms, FITMODEL.NH[1],
-                         1000 * FITMODEL.TAU[1]),
-             fmt::format("{:44}{:2}       {:10.6f} ms", "", FITMODEL.NH[2], 1000 * FITMODEL.TAU[2]),
-             "", "                           Maximum Residue/Pole Ratio:  0.@@@@@@@E+@@", "",
-             rule});
-  ASSERT_EQ(console.size(), form.size()) << console;
-  for (std::size_t i = 0; i < form.size(); ++i) {
-    const bool digit = console[i] == ' ' || (console[i] >= '0' && console[i] <= '9');
-    ASSERT_TRUE(form[i] == '@' ? digit : form[i] == console[i]) << console.substr(0, i);
-  }
 }

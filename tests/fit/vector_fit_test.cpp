@@ -3,7 +3,6 @@
 #include "fit/vector_fit.h"
 
 #include "fit/scaled_columns.h"
-#include "support/console_capture.h"
 #include "support/sampled_functions.h"
 
 #include <algorithm>
@@ -51,24 +50,22 @@ void expectModel(const Rational& model, const FunctionFit& fit) {
     EXPECT_LT(std::abs(T.P[m] - (swapped ? std::conj(p) : p)), TIGHT * std::abs(p)) << m;
     EXPECT_LT(std::abs(fit.R[m] - (swapped ? std::conj(r) : r)), TIGHT * std::abs(r)) << m;
   }
-  EXPECT_NEAR(fit.D, model.D, TIGHT * (1 + std::abs(model.D)));
-  EXPECT_NEAR(fit.E, model.E, std::max(1e-12, TIGHT * std::abs(model.E)));
+  EXPECT_NEAR(fit.D, model.D, TIGHT * std::abs(model.D) + 1e-9);
+  EXPECT_NEAR(fit.E, model.E, TIGHT * std::abs(model.E) + (model.E == 0 ? 1e-12 : 0));
 }
 
+// Stable poles by magnitude, conjugates side by side with conjugate residues.
 void expectSortedStablePairs(int N) {
-  PoleClasses CINDEX;
-  classifyPoles(T.P, N, CINDEX);
+  const PoleTable& R = T.fits[0].R;
   for (int m = 1; m <= N; ++m) {
     EXPECT_LE(T.P[m].real(), 0.0) << m;
     EXPECT_GE(std::abs(T.P[m]), m > 1 ? std::abs(T.P[m - 1]) : 0.0) << m;
-    if (CINDEX[m] == REALPOLE) {
-      EXPECT_EQ(T.fits[0].R[m].imag(), 0.0) << m;
-    } else if (CINDEX[m] == PAIRFIRST) {
-      EXPECT_EQ(T.P[m + 1], std::conj(T.P[m])) << m;
-      EXPECT_EQ(T.fits[0].R[m + 1], std::conj(T.fits[0].R[m])) << m;
-    }
+    const bool pair = T.P[m].imag() != 0;
+    EXPECT_TRUE(pair || R[m].imag() == 0) << m;
+    if (!pair) continue;
+    ++m;
+    EXPECT_TRUE(m <= N && T.P[m] == std::conj(T.P[m - 1]) && R[m] == std::conj(R[m - 1])) << m;
   }
-  EXPECT_NE(CINDEX[N], PAIRFIRST);
 }
 
 const Rational PAIR{{-2, {-30, 400}, {-30, -400}, -5e3}, {4, {20, -90}, {20, 90}, -3e4}, 0.7};
@@ -82,18 +79,13 @@ Complex surgeImpedance(Complex s) {
 
 } // namespace
 
-TEST(StartingPoles, EvenInTheLogarithm) {
-  EXPECT_EQ(LOGPOLE(1, 3.0, 300.0, 1), 3.0);
-  PoleTable P;
-  startingPoles(P, 8, 0.1, 1e6);
-  for (int m = 1; m <= 8; ++m) {
-    EXPECT_NEAR(P[m].real() / std::pow(10, m - 2), -1.0, 1e-14);
-    EXPECT_EQ(P[m].imag(), 0.0);
-  }
-}
-
-// From whatever poles it starts, one pass is enough: sigma F is linear in the unknowns.
+// From whatever poles it starts, one pass is enough: sigma F is linear in the unknowns. Eleven
+// decades need the columns scaled, and three.
 TEST(VectorFit, PartialFractionsComeBackInOnePass) {
+  const Rational wide{{-1e-2, -1e2, {-2e5, 3e6}, {-2e5, -3e6}, -1e9},
+                      {3e-2, 50, {4e5, 1e6}, {4e5, -1e6}, 2e9},
+                      40,
+                      1e-10};
   const struct {
     Rational model;
     int ASYMP;
@@ -102,40 +94,27 @@ TEST(VectorFit, PartialFractionsComeBackInOnePass) {
                  {{3, 1}, {3, -1}, {-50, 700}, {-50, -700}}},
                 NOASYMPTOTE},
                {PAIR, WITHCONSTANT},
-               {{PAIR.poles, PAIR.residues, 0.7, 2e-4}, WITHPROPORTION}};
+               {{PAIR.poles, PAIR.residues, 0.7, 2e-4}, WITHPROPORTION},
+               {wide, WITHPROPORTION}};
   for (const auto& c : cases) {
     SCOPED_TRACE(&c - cases);
-    T.sample(c.model);
-    T.fit(c.model.N(), c.ASYMP);
+    const bool eleven = c.model.N() == 5;
+    T.sample(c.model, eleven ? 140 : 61, eleven ? 1e-3 : 0.5, eleven ? 1e10 : 5e4);
+    T.fit(c.model.N(), c.ASYMP, eleven ? 3 : 1);
     expectModel(c.model, T.fits[0]);
     expectSortedStablePairs(c.model.N());
     EXPECT_LT(T.errors.ERRNORM, TIGHT);
   }
-  SCOPED_TRACE("from complex poles");
+  SCOPED_TRACE("from complex poles, and over the poles given");
   T.sample(PAIR);
-  const Complex first(-1, 10), second(-500, 2e4);
-  T.P[1] = first;
-  T.P[2] = std::conj(first);
-  T.P[3] = second;
-  T.P[4] = std::conj(second);
+  for (const int m : {1, 3})
+    T.P[m + 1] = std::conj(T.P[m] = Complex(-1, 10) * std::pow(500, m / 2));
   VFITPASSES(1, T.samples(WITHCONSTANT), 4, T.P, T.fits, T.errors);
   expectModel(PAIR, T.fits[0]);
-  SCOPED_TRACE("over the poles given");
   const PoleTable given = T.P;
   VFITPASSES(0, T.samples(WITHCONSTANT), 4, T.P, T.fits, T.errors);
   EXPECT_EQ(T.P.entries, given.entries);
   expectModel(PAIR, T.fits[0]);
-}
-
-TEST(VectorFit, ElevenDecadesNeedTheColumnScaling) {
-  const Rational model{{-1e-2, -1e2, {-2e5, 3e6}, {-2e5, -3e6}, -1e9},
-                       {3e-2, 50, {4e5, 1e6}, {4e5, -1e6}, 2e9},
-                       40,
-                       1e-10};
-  T.sample(model, 140, 1e-3, 1e10);
-  T.fit(5, WITHPROPORTION, 3);
-  expectModel(model, T.fits[0]);
-  EXPECT_NEAR(T.fits[0].E, model.E, TIGHT * model.E);
 }
 
 TEST(VectorFit, UnstablePolesAreMirroredWhenAsked) {
@@ -155,19 +134,16 @@ TEST(VectorFit, SamplesCountBySquaresOfTheirWeights) {
   T.G.weight[90] = 3;
   T.fit(4, WITHCONSTANT, 3);
   EXPECT_GT(T.errors.ERRNORM, 1e-4); // a fit with something to deviate
-  const PoleTable P = T.P, R = T.fits[0].R;
-  T.G.weight[90] = 1;
+  const Rational heavy{
+      {T.P.data(), T.P.data() + 4}, {T.fits[0].R.data(), T.fits[0].R.data() + 4}, T.fits[0].D};
   T.G.NS = 98;
-  for (int k = 91; k <= 98; ++k) {
+  for (int k = 90; k <= 98; ++k) {
     T.G.w[k] = T.G.w[90];
     T.G.weight[k] = 1;
     T.F[0][k] = T.F[0][90];
   }
   T.fit(4, WITHCONSTANT, 3);
-  for (int m = 1; m <= 4; ++m) {
-    EXPECT_LT(std::abs(T.P[m] - P[m]), TIGHT * std::abs(P[m]));
-    EXPECT_LT(std::abs(T.fits[0].R[m] - R[m]), TIGHT * std::abs(R[m]));
-  }
+  expectModel(heavy, T.fits[0]);
 }
 
 TEST(VectorFit, FunctionsShareTheirPolesAndDeviationsKnowNoWeights) {
@@ -191,16 +167,6 @@ TEST(VectorFit, FunctionsShareTheirPolesAndDeviationsKnowNoWeights) {
   }
 }
 
-TEST(VectorFit, ZeroFunctionKeepsThePoles) {
-  T.sample([](Complex) { return Complex(0); });
-  T.fit(3, WITHPROPORTION);
-  for (int m = 1; m <= 3; ++m) {
-    EXPECT_LT(std::abs(T.P[m] + LOGPOLE(m, 0.5, 5e4, 3)), 1e-7);
-    EXPECT_EQ(T.fits[0].R[m], Complex(0));
-  }
-  EXPECT_EQ(T.errors.ERRMAX + T.errors.ERRREL + T.errors.ERRRMS + T.errors.ERRNORM, 0.0);
-}
-
 // More poles than the function has, more unknowns than rows, equal poles: the response is right.
 TEST(VectorFit, RankDeficientPassesEndWell) {
   for (const auto& [N, NS] : {std::pair(6, 61), {25, 61}, {20, 15}}) {
@@ -213,13 +179,13 @@ TEST(VectorFit, RankDeficientPassesEndWell) {
   }
 }
 
+// Whatever stands in the work store has no say in them.
 TEST(VectorFit, PassesAreCallsInARowAndKeepNothing) {
   T.sample(surgeImpedance, 80, 3, 6e6);
   T.start(7);
   for (int pass = 1; pass <= 3; ++pass)
     VFITPASSES(1, T.samples(WITHCONSTANT), 7, T.P, T.fits, T.errors);
   const PoleTable P = T.P, R = T.fits[0].R;
-  // Whatever stands in the work store has no say in it.
   std::fill_n(LSQ.A, sizeof LSQ.A / sizeof(double), std::nan(""));
   std::fill_n(LSQ.B, LSROWS, std::nan(""));
   T.start(7);
@@ -227,20 +193,10 @@ TEST(VectorFit, PassesAreCallsInARowAndKeepNothing) {
   VFITPASSES(1, T.samples(WITHCONSTANT), 7, T.P, T.fits, T.errors);
   EXPECT_EQ(T.P.entries, P.entries);
   EXPECT_EQ(T.fits[0].R.entries, R.entries);
-}
-
-TEST(VectorFit, SampleThatIsNoNumberShowsInTheDeviations) {
-  for (double bad : {std::nan(""), HUGE_VAL}) {
-    T.sample(PAIR);
+  for (double bad : {std::nan(""), HUGE_VAL}) { // a sample shows in the deviations
     T.F[0][11] = Complex(bad, 0);
     T.fit(6, WITHCONSTANT, 2);
     EXPECT_TRUE(std::isnan(T.errors.ERRMAX));
     EXPECT_FALSE(T.errors.ERRNORM <= 0.02); // no target is met
   }
-}
-
-TEST(VectorFit, UnknownAsymptoteIsReported) {
-  T.sample(PAIR);
-  const auto told = [](int ASYMP) { return consoleOf([&] { T.fit(4, ASYMP); }); };
-  EXPECT_EQ(told(NOASYMPTOTE) + told(0) + told(4), "ERROR 1\nERROR 1\n");
 }

@@ -27,41 +27,31 @@ using Bands = std::vector<std::string>;
 std::string three(double v) { return scientificField(v, 10, 3); }
 
 std::string band(double from, double to, double worst) {
-  return lines({" From " + three(from) + " Hz to " + three(to) + " Hz         " + three(worst)});
+  return " From " + three(from) + " Hz to " + three(to) + " Hz         " + three(worst);
 }
 
-std::string report(const Options& O, const Bands& bands) {
-  const std::string blank(12, ' '), hyphens = " " + std::string(65, '-');
-  std::string text =
-      lines({blank, blank,
-             fmt::format(" Checking for Passivity Violations Between {} Hz and {} Hz",
-                         three(O.PFLO), three(O.PFHI)),
-             blank, blank, " " + std::string(68, '='),
-             " The presence of negative eigenvalues indicates passivity violations",
-             " and hence possibility of unstable simulations", hyphens,
-             " Frequency range                              smallest eigenvalue", hyphens, blank});
-  for (const std::string& b : bands) text += b;
-  const char* found = " Passivity violations detected. See help for further details";
-  return text + lines({blank, bands.empty() ? " No passivity violations detected." : found, blank});
+// The bands in what the check prints; the table around them is held by whole runs.
+Bands bandsIn(const std::string& console) {
+  Bands bands;
+  for (const std::string& l : splitLines(console)) {
+    if (l.starts_with(" From ")) bands.push_back(l);
+  }
+  EXPECT_EQ(console.find(" No passivity violations detected.\n") < console.size(), bands.empty());
+  return bands;
 }
 
 // The smallest eigenvalue of the real part of the nodal admittance, of order 2 n.
 double smallest(const PhaseFile& file, double f) {
-  static SquareStore<double, NPMAX> G;
-  static Table<double, NPMAX> re, im;
   const Wide s(0, 2 * std::acos(-1.0L) * static_cast<long double>(f));
   const Dense H = file.H(s), H2 = product(H, H), unit = identity(H.size());
   const Dense P = inverse(sum(unit, H2, -1));
   const Dense own = product(P, product(sum(unit, H2), file.Yc(s)));
   const Dense mutual = product(P, product(times(-2, H), file.Yc(s)));
   const std::size_t n = H.size();
-  for (std::size_t k = 0; k < 4 * n * n; ++k) {
-    const std::size_t i = k / (2 * n), j = k % (2 * n);
-    const Dense& part = (i < n) == (j < n) ? own : mutual;
-    G.elements[j * NPMAX + i] = static_cast<double>(part[i % n][j % n].real());
-  }
-  DGEEV(G, 2 * file.n, re, im);
-  return *std::min_element(re.data(), re.data() + 2 * file.n);
+  const auto E = realEigenvalues(formed(2 * n, [&](std::size_t i, std::size_t j) {
+    return ((i < n) == (j < n) ? own : mutual)[i % n][j % n];
+  }));
+  return *std::min_element(E.begin(), E.end());
 }
 
 Bands bandsOf(const PhaseFile& file, const FrequencyList& grid) {
@@ -84,11 +74,7 @@ const FrequencyList& layGrid(const Options& O) {
 } // namespace
 
 TEST(PassivityGrid, Distributions) {
-  struct Case {
-    Options options;
-    std::vector<double> grid;
-  };
-  const Case cases[] = {
+  const std::pair<Options, std::vector<double>> cases[] = {
       {{0.1, true, 1000, 5, 1}, {0.1, 1, 10, 100, 1000}},
       {{-5, true, 10, 4, 2}, {-5, 0, 5, 10}},
       {{1, true, 10, 5, 3}, {1, 2.8, 4.6, 6.4, 8.2}}, // a decade
@@ -99,34 +85,13 @@ TEST(PassivityGrid, Distributions) {
       {{1, true, 100, 5, 0}, {}},
       {{-1, true, -5, -5, 4}, {}},
   };
-  for (const Case& c : cases) {
-    const FrequencyList& GRID = layGrid(c.options);
-    ASSERT_EQ(GRID.NGRID, static_cast<int>(c.grid.size())) << &c - cases;
+  for (const auto& [options, grid] : cases) {
+    const FrequencyList& GRID = layGrid(options);
+    ASSERT_EQ(GRID.NGRID, static_cast<int>(grid.size())) << options.NPFINC;
     for (int i = 1; i <= GRID.NGRID; ++i)
-      EXPECT_NEAR(GRID.f[i], c.grid[static_cast<std::size_t>(i - 1)], 1e-10) << &c - cases;
+      EXPECT_NEAR(GRID.f[i], grid[static_cast<std::size_t>(i - 1)], 1e-10) << options.NPFINC;
   }
-}
-
-TEST(PassivityGrid, RefusesWhatGivesNoGrid) {
-  const double NaN = std::nan("");
-  const std::vector<Options> cases = {{0, true, 1e6, 100, 1},
-                                      {0, true, 1e6, 100, 3},
-                                      {10, true, 1, 100, 1},
-                                      {10, true, 1, 100, 2},
-                                      {1, true, 1, 100, 3},
-                                      {NaN, true, 1, 100, 2},
-                                      {1, true, 10, 1, 1},
-                                      {1, true, 10, -1, 3},
-                                      {1, true, 10, 5021, 1},
-                                      {1, true, 1e9, 5022, 3},
-                                      {1, true, 1 + 1e-15, 2000000000, 3},
-                                      {-1e308, true, 1e308, 9, 2}};
-  for (const Options& O : cases) {
-    const ChildResult child = runChild([&] { layGrid(O); });
-    EXPECT_EQ(child.status, 1) << &O - cases.data();
-    EXPECT_TRUE(child.console.ends_with(lines({std::string(43, '*'), "QUENT Ending!"})));
-  }
-  EXPECT_EQ(layGrid({1, true, 10, 5020, 1}).NGRID, 5020);
+  EXPECT_EQ(layGrid({1, true, 10, 5020, 1}).NGRID, 5020); // full
   EXPECT_EQ(layGrid({1, true, 1e9, 5021, 3}).NGRID, 9 * 557);
 }
 
@@ -144,30 +109,29 @@ TEST(PassivityCheck, BandsOfAClosedForm) {
   };
   for (const auto& [options, bands] : cases) {
     RUNDATA.passivity = options;
-    EXPECT_EQ(consoleOf(PASSCHK), report(options, bands));
+    EXPECT_EQ(bandsIn(consoleOf(PASSCHK)), bands);
   }
   setGroups(2, {}); // no H; an eigenvalue so small that it is found a second time
   FITMODEL.YD(1, 1) = 1e-3;
   FITMODEL.YD(2, 2) = -1.25e-12;
   RUNDATA.passivity = cases[0].first;
-  EXPECT_EQ(consoleOf(PASSCHK), report(RUNDATA.passivity, {band(0.5, 4.5, -1.25e-12)}));
+  EXPECT_EQ(bandsIn(consoleOf(PASSCHK)), Bands{band(0.5, 4.5, -1.25e-12)});
   FITMODEL.YD(1, 1) = std::nan("");
   RUNDATA.passivity = cases[0].first;
   EXPECT_EQ(runChild(PASSCHK).status, 1);
 }
 
 TEST(PassivityCheck, ALineFromEndToEnd) {
-  const Options O{1, true, 2e4, 300, 3};
-  const Scratch scratch;
-  scratch.file("a.cvi", description(doubleCircuit(phaseModel(
-                            "Weighting Factor 1: 1\nWeighting Factor 2: 1\nWeighting Factor 3: "
-                            "1\nLower frequency for passivity check: 1\n"
-                            "Upper frequency for passivity check: 2e4\n"
-                            "Frequency increments for passivity check: 300\n"
-                            "Frequency distribution for passivity check: 3\n"))));
-  ProgramRun run = runProgram({"/file", "a.cvi", "/length", "1e5"}, scratch.path());
-  const Bands expected = bandsOf(readPhaseFile(run.files["a.cvo"]), layGrid(O));
+  const ProgramRun run =
+      runLine(doubleCircuit(phaseModel(EVENWEIGHTS + "Lower frequency for passivity check: 1\n"
+                                                     "Upper frequency for passivity check: 2e4\n"
+                                                     "Frequency increments for passivity check: "
+                                                     "300\n"
+                                                     "Frequency distribution for passivity check: "
+                                                     "3\n")),
+              "1e5");
+  const Bands expected =
+      bandsOf(readPhaseFile(run.files.at("a.cvo")), layGrid({1, true, 2e4, 300, 3}));
   EXPECT_EQ(expected.size(), 2);
-  EXPECT_NE(run.console.find(report(O, expected)), std::string::npos) << run.console;
-  EXPECT_EQ(run.status, 0);
+  EXPECT_EQ(bandsIn(run.console), expected);
 }

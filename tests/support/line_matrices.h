@@ -3,13 +3,12 @@
 #pragma once
 
 #include "base/constants.h"
+#include "dense_functions.h"
 #include "kernels/inversion.h"
 #include "kernels/matrix_kernels.h"
 #include "store/solvedata.h"
 
-#include <algorithm>
 #include <cmath>
-#include <complex>
 #include <random>
 #include <vector>
 
@@ -22,26 +21,18 @@ inline void fillNaN(LineMatrix& A) {
 
 // Whether the n by n corner, and nothing else, holds numbers.
 inline bool onlyCornerSet(const LineMatrix& A, int n) {
-  for (int j = 1; j <= LDMAT; ++j) {
-    for (int i = 1; i <= LDMAT; ++i) {
-      const bool number = std::isfinite(A(i, j).real()) && std::isfinite(A(i, j).imag());
-      if (number != (i <= n && j <= n)) return false;
-    }
+  bool only = true;
+  for (int k = 0; k < LDMAT * LDMAT; ++k) {
+    const int i = 1 + k % LDMAT, j = 1 + k / LDMAT;
+    only = only && (std::isfinite(A(i, j).real() + A(i, j).imag()) == (i <= n && j <= n));
   }
-  return true;
+  return only;
 }
 
 // The largest element of A B - I.
 inline double distanceFromInverse(CConstView A, CConstView B, int n) {
-  double worst = 0.0;
-  for (int i = 1; i <= n; ++i) {
-    for (int j = 1; j <= n; ++j) {
-      Complex sum = i == j ? -1.0 : 0.0;
-      for (int l = 1; l <= n; ++l) sum += A(i, l) * B(l, j);
-      worst = std::max(worst, std::abs(sum));
-    }
-  }
-  return worst;
+  const Dense unit = identity(static_cast<std::size_t>(n));
+  return distance(product(corner(A, n), corner(B, n)), unit);
 }
 
 // Elements with normally distributed parts.

@@ -1,17 +1,16 @@
 #include "support/propagation_case.h"
 
+#include "fit/lapack.h"
 #include "store/rundata.h"
 #include "store/solvedata.h"
 #include "support/phase_file.h"
+#include "support/sampled_functions.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace lcp::test {
 
 namespace {
-
-Wide axis(int k) { return {0, SOLVEDATA.grid.WFREQ[k]}; }
 
 template <class Code> void forElements(Code code) {
   for (int r = 1; r <= FITMODEL.NC; ++r) {
@@ -28,12 +27,10 @@ template <class Code> void forPoles(Code code) {
 } // namespace
 
 void laySampleGrid(int NS, double low, double high) {
-  FrequencyGrid& G = SOLVEDATA.grid;
-  G.NFUSE = G.NFREQ = NS;
-  for (int k = 1; k <= NS; ++k) {
-    G.WFREQ[k] = low * std::pow(high / low, (k - 1.0) / (NS - 1.0));
-    G.WFIT[k] = 1;
-  }
+  const SampleGrid grid(low, high, NS);
+  SOLVEDATA.grid.NFUSE = SOLVEDATA.grid.NFREQ = NS;
+  SOLVEDATA.grid.WFREQ = grid.w;
+  SOLVEDATA.grid.WFIT = grid.weight;
 }
 
 void setGroups(int NC, const std::vector<GroupPoles>& groups) {
@@ -62,7 +59,7 @@ void setRandomResidues(LineNumbers& numbers) {
 void sampleH(const ElementFunction& H) {
   forElements([&](int r, int c) {
     for (int k = 1; k <= SOLVEDATA.grid.NFUSE; ++k)
-      SOLVEDATA.second.HST(k, r, c) = H(r, c, Complex(axis(k)));
+      SOLVEDATA.second.HST(k, r, c) = H(r, c, Complex(0, SOLVEDATA.grid.WFREQ[k]));
   });
 }
 
@@ -85,11 +82,11 @@ MeasuredFit measureFit() {
   forElements([&](int r, int c) {
     double squares = 0;
     for (int k = 1; k <= NS; ++k) {
-      const Wide H = SOLVEDATA.second.HST(k, r, c);
-      const auto e = static_cast<double>(std::abs(modelOfH(r, c, axis(k)) - H));
+      const Wide H = SOLVEDATA.second.HST(k, r, c),
+                 M = modelOfH(r, c, {0, SOLVEDATA.grid.WFREQ[k]});
+      const auto e = static_cast<double>(std::abs(M - H));
       squares += e * e;
       fit.largest = std::max(fit.largest, e);
-      fit.norm = std::max(fit.norm, static_cast<double>(std::abs(H)));
     }
     fit.rms = std::max(fit.rms, std::sqrt(squares / NS));
     forPoles([&](int g, int m) {
@@ -116,6 +113,16 @@ int badPoles() {
     bad += badPoles(std::vector<Wide>(P, P + FITMODEL.NH[g]));
   }
   return bad;
+}
+
+std::vector<double> realEigenvalues(const Dense& A) {
+  static SquareStore<double, NPMAX> G;
+  static Table<double, NPMAX> re, im;
+  const std::size_t n = A.size();
+  for (std::size_t k = 0; k < n * n; ++k)
+    G.elements[k / n * NPMAX + k % n] = static_cast<double>(A[k % n][k / n].real());
+  DGEEV(G, static_cast<int>(n), re, im);
+  return {re.data(), re.data() + n};
 }
 
 } // namespace lcp::test

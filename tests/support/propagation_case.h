@@ -37,7 +37,6 @@ struct MeasuredFit {
   double largest = 0; // deviation of model and samples at a grid frequency
   double rms = 0;     // of the element where it is largest
   double ratio = 0;   // largest |residue / pole| of a real pole
-  double norm = 0;    // largest sample
 };
 MeasuredFit measureFit();
 
@@ -46,5 +45,8 @@ double dcDeviation(const RealMatrix& H);
 
 // Poles with a positive real part, or without their conjugate beside them.
 int badPoles();
+
+// Real parts of the eigenvalues of the real part of A.
+std::vector<double> realEigenvalues(const Dense& A);
 
 } // namespace lcp::test
