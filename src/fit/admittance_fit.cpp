@@ -180,7 +180,7 @@ void warnOfError() {
   console::line("           maximum requested. This may be partially");
   console::line("           improved by increasing the maximum # of");
   console::line("           poles.");
-  RUNDATA.run.WARNFLAG = true;
+  warn();
 }
 
 } // namespace

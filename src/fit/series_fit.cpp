@@ -158,7 +158,7 @@ void warnOfError() {
   console::line("            maximum requested. This may be partially");
   console::line("            improved by increasing the maximum # of");
   console::line("            poles.");
-  RUNDATA.run.WARNFLAG = true;
+  warn();
 }
 
 void fitRule53(char sign) { console::line(" " + std::string(RULELENGTH, sign)); }

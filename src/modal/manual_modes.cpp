@@ -276,7 +276,7 @@ void warnOfUnits() {
   console::line("Check input data for Manual Entry of Z,Y");
   console::line("Some of the input data must be expressed per  unit length");
   console::rule('.', DOTS);
-  RUNDATA.run.WARNFLAG = true;
+  warn();
 }
 
 // Values below 0, of data that are no corrected ones, give the warning and count by magnitude.

@@ -26,4 +26,6 @@ void RunData::setConductors(int NC, int NCOND) {
 
 void RunData::setUnitBases() { display.VBASEDISP = display.MVABASEDISP = 1.0; }
 
+void warn() { RUNDATA.run.WARNFLAG = true; }
+
 } // namespace lcp

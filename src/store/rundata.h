@@ -3,7 +3,7 @@
 // What changes behind the reader, each by the routine named and by no other:
 //
 //   LINELEN, FOUTR, FOUTM   nameOutputs and the loop over the steps (run): one length step each
-//   WARNFLAG                from false to true, anywhere
+//   WARNFLAG                warn: from false to true, anywhere
 //   NC, NCOND               setConductors: what the cable constants leave of a system
 //   CBGLAST, CBELIM1 to 3   eliminateSheath (cable/crossbonding): a crossbonded sheath is grounded
 //   CONSTT                  layFittedGrid (modal/frequency_grid): of phase and MFDTD models
@@ -48,5 +48,8 @@ struct RunData {
 };
 
 extern RunData RUNDATA;
+
+// A warning was given: the run ends with exit status 2.
+void warn();
 
 } // namespace lcp
