@@ -163,13 +163,10 @@ void CBZY(double f, double& length, CView YMAT, CView ZMAT, CView PMAT) {
   reorder(S.ZT, S.order, n);
   reorder(S.YN, S.order, n);
   CBKRON(S.ZT, S.order.kept, n);
-  RUNDATA.cond.NCOND = n;
-  if (RUNDATA.cable.MIXEDOH) {
-    foldOverheadConductors();
-    RUNDATA.cond.NCOND = S.order.equivalents;
-  }
-  RUNDATA.line.NC = S.order.equivalents;
-  scaleResults(w, RUNDATA.line.NC, YMAT, ZMAT, PMAT);
+  const int nc = S.order.equivalents;
+  if (RUNDATA.cable.MIXEDOH) foldOverheadConductors();
+  RUNDATA.setConductors(nc, RUNDATA.cable.MIXEDOH ? nc : n);
+  scaleResults(w, nc, YMAT, ZMAT, PMAT);
 }
 
 } // namespace lcp

@@ -186,7 +186,7 @@ void FWZY(double f, double& length, CView YMAT, CView ZMAT, CView PMAT) {
   const double w = TWOPI * f;
   checkRecord(cable);
   length = RUNDATA.run.LINELEN;
-  RUNDATA.line.NC = RUNDATA.cond.NCOND = FOURWIRES;
+  RUNDATA.setConductors(FOURWIRES, FOURWIRES);
   const Geometry g = geometryOf(cable);
   fillCapacitances(g, cable);
   fillSeries(f, g, cable);

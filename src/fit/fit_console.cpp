@@ -32,7 +32,7 @@ void warnOfError(std::string_view indent) {
   console::print("{}           maximum requested. This may be partially", indent);
   console::print("{}           improved by increasing the maximum # of", indent);
   console::print("{}           poles.", indent);
-  RUNDATA.run.WARNFLAG = true;
+  warn();
 }
 
 void refuseFit(std::string_view why) {

@@ -97,7 +97,7 @@ struct Library {
 };
 
 void warnDefaults(double mur) {
-  RUNDATA.run.WARNFLAG = true;
+  warn();
   if (READER.libraryWarned) return;
   READER.libraryWarned = true;
   console::rule('-', 49);

@@ -173,7 +173,7 @@ void readYZFile() {
     if (tag == "Y:") chosen = M.YENT;
     if (readMatrix(file, chosen, RUNDATA.line.NC)) continue;
     console::print("*WARNING*: Data File Ends Inside a Matrix: {}", M.YZFILE.text());
-    RUNDATA.run.WARNFLAG = true;
+    warn();
     return;
   }
 }

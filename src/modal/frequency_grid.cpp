@@ -71,7 +71,7 @@ void warnOfFirstRow() {
   if (YZTABLE.FTABLE[1] == RUNDATA.line.SSFREQ) return;
   console::print("*WARNING*: The PI Model Takes the First of the Y and Z Data, at {:.4g} Hz",
                  YZTABLE.FTABLE[1]);
-  RUNDATA.run.WARNFLAG = true;
+  warn();
 }
 
 void layTableGrid() {

@@ -156,8 +156,8 @@ EntryUnits entryUnits() {
   return {Zb, Zb};
 }
 
-SequenceReactances& reactances() {
-  ManualSequences& S = RUNDATA.manual.MANSEQ;
+const SequenceReactances& reactances() {
+  const ManualSequences& S = RUNDATA.manual.MANSEQ;
   return RUNDATA.manual.MANFMT == MANPERUNIT ? S.SEQPU : S.SEQOHM;
 }
 
@@ -208,17 +208,21 @@ ManualMode zeroSequence(int n) {
   return modeOfReactances(S.R0 + S.R0M, S.X0 + S.X0M, S.XC0 * S.XC0M / (S.XC0 + S.XC0M));
 }
 
-// The zero sequence values that go with the estimate.
-void estimateZeroFields() {
+// The values of an entry with the zero sequence that the estimate gives, where there is one.
+SequenceSurges surgesWithZero() {
+  SequenceSurges S = RUNDATA.manual.MANSEQ.SEQSURGE;
+  if (RUNDATA.manual.ESTZERO == ZEROENTERED) return S;
   const ZeroRatios ratio = zeroRatios();
-  if (RUNDATA.manual.MANFMT == MANSURGE) {
-    SequenceSurges& S = RUNDATA.manual.MANSEQ.SEQSURGE;
-    S.ZC0 = S.ZC1 * ratio.Z;
-    S.T0 = S.T1 * ratio.T;
-    S.R0 = S.R1 * ratio.R;
-    return;
-  }
-  SequenceReactances& S = reactances();
+  S.ZC0 = S.ZC1 * ratio.Z;
+  S.T0 = S.T1 * ratio.T;
+  S.R0 = S.R1 * ratio.R;
+  return S;
+}
+
+SequenceReactances reactancesWithZero() {
+  SequenceReactances S = reactances();
+  if (RUNDATA.manual.ESTZERO == ZEROENTERED) return S;
+  const ZeroRatios ratio = zeroRatios();
   const EntryUnits units = entryUnits();
   const ManualMode positive = positiveSequence();
   const double w = angularFrequency();
@@ -227,18 +231,18 @@ void estimateZeroFields() {
   S.X0 = w * Zc * tau / units.impedance;
   S.XC0 = Zc / (w * tau * units.shunt);
   S.R0 = S.R1 * ratio.R;
+  return S;
 }
 
 ManualMode zeroMutual() {
-  if (RUNDATA.manual.ESTZERO != ZEROENTERED) estimateZeroFields();
   if (RUNDATA.manual.MANFMT == MANSURGE) {
-    const SequenceSurges& S = RUNDATA.manual.MANSEQ.SEQSURGE;
+    const SequenceSurges S = surgesWithZero();
     const double a = S.ZC0 * S.T0 - S.ZC0M * S.T0M; // L, H/m
     const double b = S.T0 * S.ZC0M - S.T0M * S.ZC0; // C ZC0 ZC0M
     const double zz = S.ZC0 * S.ZC0M;
     return modeOfSurge(S.R0 - S.R0M, std::sqrt(a * b / zz), std::sqrt(a * zz / b));
   }
-  const SequenceReactances& S = reactances();
+  const SequenceReactances S = reactancesWithZero();
   return modeOfReactances(S.R0 - S.R0M, S.X0 - S.X0M, S.XC0 * S.XC0M / (S.XC0M - S.XC0));
 }
 
@@ -271,7 +275,7 @@ void warnOfUnits() {
   console::line("Check input data for Manual Entry of Z,Y");
   console::line("Some of the input data must be expressed per  unit length");
   console::rule('.', DOTS);
-  RUNDATA.run.WARNFLAG = true;
+  warn();
 }
 
 // Values below 0, of data that are no corrected ones, give the warning and count by magnitude.

@@ -34,8 +34,7 @@ void checkManualData();
 // Fills TI, TIINV and EIGM, and for an entered pair YMOD and ZMOD; else these are 0.
 void formManualTransformation();
 
-// Mode k, to be asked for in rising order: estimates replace the zero sequence values of MANSEQ on
-// the way. With LONGLINE the correction for the length is taken out. Data without a travel time and
+// Mode k. With LONGLINE the correction for the length is taken out. Data without a travel time and
 // a surge impedance above 0 end the run with a message, exit status 1; an inductance below 0 behind
 // the correction gives a warning.
 ManualMode manualMode(int k);

@@ -116,9 +116,8 @@ double impedanceFactor() {
 }
 
 void chooseBases(LoadFlowData& data) {
-  DisplayOptions& D = RUNDATA.display;
   data.perUnit = hasBases();
-  if (!data.perUnit) D.MVABASEDISP = D.VBASEDISP = 1.0;
+  if (!data.perUnit) RUNDATA.setUnitBases();
   data.KZ = data.perUnit ? impedanceFactor() : 1.0;
   data.KY = 1.0 / data.KZ;
 }

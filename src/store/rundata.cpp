@@ -19,4 +19,13 @@ void RunData::resetInput() {
   halo = {};
 }
 
+void RunData::setConductors(int NC, int NCOND) {
+  line.NC = NC;
+  cond.NCOND = NCOND;
+}
+
+void RunData::setUnitBases() { display.VBASEDISP = display.MVABASEDISP = 1.0; }
+
+void warn() { RUNDATA.run.WARNFLAG = true; }
+
 } // namespace lcp

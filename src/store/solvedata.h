@@ -1,10 +1,25 @@
 // The run-wide solve store: everything that one solve knows at each step of its frequency grid.
 //
 // Fixed in size, alive for the whole run, reused by each length step, which overwrites what it
-// needs. What a later step finds on purpose: TISUM (only added to), the digits of the decimal
-// search, LSTEP, and CONSTT of the fit options. Outside this store the column pivots of the MFDTD
-// fit (JPVT) and the tried delays of the phase model stay too. Letters: k frequency step, i and j
-// conductor or mode.
+// needs. Letters: k frequency step, i and j conductor or mode.
+//
+// All that a length step finds of the steps before it, and what comes of it:
+//
+//   LINELEN                 the increment is added to it
+//   WARNFLAG                exit status of the run
+//   VBASEDISP, MVABASEDISP  1 where one was missing: load flow data labelled per unit
+//   JPVT (fit/series_fit)   order of the columns of the first fit: its last digits
+//   TISUM                   only added to: sign of a fitted element of the transformation
+//   LSTEP                   next eigenvalue of a mode whose first Newton step is singular
+//   tried (fit/delay_groups)  a delay tried before, to the bit, is not fitted again
+//   NC, NCOND, CBGLAST, CBELIM1 to 3, CONSTT
+//                           nothing: the step would set them to what they are
+//   digits                  nothing: a search clears the digits that it uses
+//
+// Results that are kept with what they were computed from give the same bits when they are taken
+// again: the modes of a product Y Z (modal/long_line), pairs of the aerial integral and moments of
+// the Carson integral. The date stamps of the message package show in a fatal message alone. All
+// else is written before it is read.
 #pragma once
 
 #include "base/big_store.h"
