@@ -1,6 +1,6 @@
 #include "support/propagation_case.h"
 
-#include "fit/lapack.h"
+#include "kernels/lapack.h"
 #include "store/rundata.h"
 #include "store/solvedata.h"
 #include "support/phase_file.h"
