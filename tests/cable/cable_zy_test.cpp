@@ -78,7 +78,6 @@ TEST(CableZY, PropertiesOfGeneratedSystems) {
     // From 10 kHz on the closed form between buried cables is no more passive.
     if (f > 1e3) RUNDATA.ground.EARTHFU = EARTHINTEGRAL;
     const LineResult r = solveCables(f);
-    EXPECT_EQ(r.length, RUNDATA.run.LINELEN);
     for (std::size_t i = 0; i < r.Z.size(); ++i) {
       for (std::size_t j = 0; j < i; ++j) {
         ASSERT_LT(std::abs(r.Z[i][j] - r.Z[j][i]), 1e-12L * std::abs(r.Z[i][i])) << seed;

@@ -83,7 +83,6 @@ TEST(OverheadZY, PropertiesOfGeneratedLines) {
     if (seed % 25 == 0) RUNDATA.ground.EARTHF = EARTHINTEGRAL;
     const double f = frequencyOf(seed), w = TWOPI * f;
     const LineResult r = solveLine(f);
-    EXPECT_EQ(r.length, RUNDATA.run.LINELEN);
     for (int i = 0; i < r.n; ++i) {
       for (int j = 0; j < i; ++j) {
         ASSERT_EQ(r.Z[at(i)][at(j)], r.Z[at(j)][at(i)]) << seed;

@@ -42,11 +42,10 @@ void setConductor(int i, double x, double y, double radius, double resistance);
 struct LineResult {
   int n = 0;
   Dense Y, Z, P;
-  double length = 0;
 };
 
 // What a routine of line constants gives at the frequency f.
-using LineConstants = void (*)(double f, double& length, CView YMAT, CView ZMAT, CView PMAT);
+using LineConstants = void (*)(double f, CView YMAT, CView ZMAT, CView PMAT);
 LineResult solveWith(LineConstants routine, double f, bool first = true);
 // OHZY at the frequency f, with ISTATUS set unless told otherwise.
 LineResult solveLine(double f, bool first = true);
