@@ -36,7 +36,7 @@ void cableSystem(benchmark::State& state) {
     setCables(static_cast<int>(state.range(0)));
     S.ISTATUS = true;
     for (int k = 0; k < STEPS; ++k) {
-      CBZY(0.1 * std::pow(10.0, 7.0 * k / (STEPS - 1)), S.length, S.YMAT, S.ZMAT, S.PMAT);
+      CBZY(0.1 * std::pow(10.0, 7.0 * k / (STEPS - 1)), S.YMAT, S.ZMAT, S.PMAT);
       S.ISTATUS = false;
     }
   }

@@ -6,19 +6,18 @@
 #include "cable/cable_earth.h"
 #include "cable/earth_integrals.h"
 #include "cable/numbering.h"
+#include "run/lcpmain.h"
 #include "store/rundata.h"
 #include "store/solvedata.h"
 
 #include <benchmark/benchmark.h>
 #include <cmath>
-#include <xmmintrin.h>
 
 using namespace lcp;
 
 namespace {
 
 constexpr int STEPS = 107;
-constexpr unsigned FLUSHTOZERO = 0x8040;
 
 void setCables(bool aerial, bool even) {
   RUNDATA = {};
@@ -61,7 +60,7 @@ void sweep() {
 }
 
 void earthReturn(benchmark::State& state, bool aerial, bool even, int formula) {
-  _mm_setcsr(_mm_getcsr() | FLUSHTOZERO);
+  flushDenormals();
   setCables(aerial, even);
   RUNDATA.ground.EARTHF = RUNDATA.ground.EARTHFU = formula;
   while (state.KeepRunning()) sweep();
@@ -73,7 +72,7 @@ BENCHMARK_CAPTURE(earthReturn, aerialIntegral, true, false, 2)->Unit(benchmark::
 BENCHMARK_CAPTURE(earthReturn, aerialIntegralEven, true, true, 2)->Unit(benchmark::kMillisecond);
 
 void towers(benchmark::State& state) {
-  _mm_setcsr(_mm_getcsr() | FLUSHTOZERO);
+  flushDenormals();
   setTowers();
   RUNDATA.ground.EARTHF = 2;
   while (state.KeepRunning()) sweep();

@@ -5,19 +5,18 @@
 #include "overhead/carson_integral.h"
 #include "overhead/earth_return.h"
 #include "overhead/overhead_zy.h"
+#include "run/lcpmain.h"
 #include "store/rundata.h"
 #include "store/solvedata.h"
 
 #include <benchmark/benchmark.h>
 #include <cmath>
-#include <xmmintrin.h>
 
 using namespace lcp;
 
 namespace {
 
 constexpr int STEPS = 107;
-constexpr unsigned FLUSHTOZERO = 0x8040;
 
 // A right-of-way of stranded, solid and tubular conductors in three layers, bundled by fours when
 // told so: the first quarter of the entries are main conductors then.
@@ -52,21 +51,21 @@ void solve() {
   S.ISTATUS = true;
   for (int k = 0; k < STEPS; ++k) {
     const double f = 0.25 * std::pow(4e6, k / (STEPS - 1.0));
-    OHZY(f, S.length, S.YMAT, S.ZMAT, S.PMAT);
+    OHZY(f, S.YMAT, S.ZMAT, S.PMAT);
     S.ISTATUS = false;
   }
   benchmark::DoNotOptimize(S.PMAT(1, 1));
 }
 
 void closedForm(benchmark::State& state) {
-  _mm_setcsr(_mm_getcsr() | FLUSHTOZERO);
+  flushDenormals();
   setLine(static_cast<int>(state.range(0)), false);
   while (state.KeepRunning()) solve();
 }
 BENCHMARK(closedForm)->Arg(3)->Arg(12)->Arg(48)->Unit(benchmark::kMillisecond);
 
 void transposed(benchmark::State& state) {
-  _mm_setcsr(_mm_getcsr() | FLUSHTOZERO);
+  flushDenormals();
   setLine(static_cast<int>(state.range(0)), false);
   RUNDATA.cond.CTRANSP.fill(1);
   while (state.KeepRunning()) solve();
@@ -74,14 +73,14 @@ void transposed(benchmark::State& state) {
 BENCHMARK(transposed)->Arg(3)->Arg(48)->Unit(benchmark::kMillisecond);
 
 void bundles(benchmark::State& state) {
-  _mm_setcsr(_mm_getcsr() | FLUSHTOZERO);
+  flushDenormals();
   setLine(static_cast<int>(state.range(0)), true);
   while (state.KeepRunning()) solve();
 }
 BENCHMARK(bundles)->Arg(12)->Arg(60)->Arg(192)->Unit(benchmark::kMillisecond);
 
 void integral(benchmark::State& state) {
-  _mm_setcsr(_mm_getcsr() | FLUSHTOZERO);
+  flushDenormals();
   setLine(static_cast<int>(state.range(0)), true);
   RUNDATA.ground.EARTHF = EARTHINTEGRAL;
   while (state.KeepRunning()) solve();
@@ -89,7 +88,7 @@ void integral(benchmark::State& state) {
 BENCHMARK(integral)->Arg(12)->Arg(60)->Unit(benchmark::kMillisecond);
 
 void integralVaryingSoil(benchmark::State& state) {
-  _mm_setcsr(_mm_getcsr() | FLUSHTOZERO);
+  flushDenormals();
   setLine(static_cast<int>(state.range(0)), true);
   RUNDATA.ground.EARTHF = EARTHINTEGRAL;
   RUNDATA.ground.GRTYPE = true;

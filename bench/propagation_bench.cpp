@@ -8,19 +8,17 @@
 #include "modal/first_loop.h"
 #include "modal/frequency_grid.h"
 #include "modal/second_loop.h"
+#include "run/lcpmain.h"
 #include "store/rundata.h"
 #include "store/solvedata.h"
 
 #include <benchmark/benchmark.h>
 #include <cmath>
-#include <xmmintrin.h>
 
 using namespace lcp;
 using lcp::test::consoleOf;
 
 namespace {
-
-constexpr unsigned FLUSHTOZERO = 0x8040;
 
 // Untransposed phases over each other at the sides of towers 40 m apart.
 void setLine(int n) {
@@ -63,7 +61,7 @@ int polesOfAll() {
 }
 
 void propagation(benchmark::State& state) {
-  _mm_setcsr(_mm_getcsr() | FLUSHTOZERO);
+  flushDenormals();
   const FitOptions& F = RUNDATA.fit;
   consoleOf([&] {
     solveLine(static_cast<int>(state.range(0)), 1000.0 * static_cast<double>(state.range(1)));
@@ -79,7 +77,7 @@ BENCHMARK(propagation)
 
 // The residues alone, over the poles of a finished fit.
 void residues(benchmark::State& state) {
-  _mm_setcsr(_mm_getcsr() | FLUSHTOZERO);
+  flushDenormals();
   const FitOptions& F = RUNDATA.fit;
   consoleOf([&] {
     solveLine(static_cast<int>(state.range(0)), 1e5);

@@ -144,10 +144,9 @@ void scaleResults(double w, int nc, CView YMAT, CView ZMAT, CView PMAT) {
 
 } // namespace
 
-void CBZY(double f, double& length, CView YMAT, CView ZMAT, CView PMAT) {
+void CBZY(double f, CView YMAT, CView ZMAT, CView PMAT) {
   CableStore& S = CABLE;
   const double w = TWOPI * f;
-  length = RUNDATA.run.LINELEN;
   if (SOLVEDATA.first.ISTATUS) numberConductors(S.numbering);
   const int n = S.numbering.total;
   checkCount(n);

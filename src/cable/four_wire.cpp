@@ -180,12 +180,11 @@ void fillSeries(double f, const Geometry& g, const FourWireRecord& cable) {
 
 } // namespace
 
-void FWZY(double f, double& length, CView YMAT, CView ZMAT, CView PMAT) {
+void FWZY(double f, CView YMAT, CView ZMAT, CView PMAT) {
   const FourWireRecord& cable = RUNDATA.cable.fourWire;
   const FourWireStore& S = FOURWIRE;
   const double w = TWOPI * f;
   checkRecord(cable);
-  length = RUNDATA.run.LINELEN;
   RUNDATA.setConductors(FOURWIRES, FOURWIRES);
   const Geometry g = geometryOf(cable);
   fillCapacitances(g, cable);

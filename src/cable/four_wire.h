@@ -20,13 +20,12 @@ inline FourWireStore FOURWIRE{};
 
 // Z and Y of the four conductors, from the four-wire record and the soil resistivity of the run
 // store. Sets NC and NCOND to 4, fills FOURWIRE.
-//   f       frequency, Hz, above 0
-//   length  out: line length of the current step, m
-//   YMAT    out: shunt admittance, S/m, without conductance, 4 by 4
-//   ZMAT    out: series impedance, ohm/m, 4 by 4
-//   PMAT    out: product Y Z, not normalised, 1/m^2, 4 by 4
+//   f    frequency, Hz, above 0
+//   YMAT out: shunt admittance, S/m, without conductance, 4 by 4
+//   ZMAT out: series impedance, ohm/m, 4 by 4
+//   PMAT out: product Y Z, not normalised, 1/m^2, 4 by 4
 // Conductors of a resistivity below 1e-15 ohm m have no losses. A record without area, insulator or
 // permittivities ends the run, exit status 1.
-void FWZY(double f, double& length, CView YMAT, CView ZMAT, CView PMAT);
+void FWZY(double f, CView YMAT, CView ZMAT, CView PMAT);
 
 } // namespace lcp

@@ -86,15 +86,14 @@ int mostConductors() {
 void constantsAt(double f) {
   FirstLoopStore& S = SOLVEDATA.first;
   if (fromTable()) {
-    S.length = RUNDATA.run.LINELEN;
     tableConstants(f, S.YMAT, S.ZMAT, S.PMAT);
     finishConstants(f);
     return;
   }
   switch (RUNDATA.run.ISCABLE) {
-  case OVERHEADLINE: OHZY(f, S.length, S.YMAT, S.ZMAT, S.PMAT); break;
-  case CABLESYSTEM: CBZY(f, S.length, S.YMAT, S.ZMAT, S.PMAT); break;
-  default: FWZY(f, S.length, S.YMAT, S.ZMAT, S.PMAT); break;
+  case OVERHEADLINE: OHZY(f, S.YMAT, S.ZMAT, S.PMAT); break;
+  case CABLESYSTEM: CBZY(f, S.YMAT, S.ZMAT, S.PMAT); break;
+  default: FWZY(f, S.YMAT, S.ZMAT, S.PMAT); break;
   }
   finishConstants(f);
   if (RUNDATA.run.ISCABLE == CABLESYSTEM) checkShunt();
@@ -106,7 +105,6 @@ void constantsAtStep(int k, double f, Place place) {
     constantsAt(f);
     return;
   }
-  S.length = RUNDATA.run.LINELEN;
   YZINTERP(f, S.YMAT, S.ZMAT, S.PMAT, place == Place::OnTheWay ? 1 : 0, k);
   finishConstants(f);
 }

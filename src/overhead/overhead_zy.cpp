@@ -124,12 +124,11 @@ Complex timesJ(double x, Complex value) { return {0.0 - x * value.imag(), x * va
 
 } // namespace
 
-void OHZY(double f, double& length, CView YMAT, CView ZMAT, CView PMAT) {
+void OHZY(double f, CView YMAT, CView ZMAT, CView PMAT) {
   OverheadStore& S = OVERHEAD;
   const int n = RUNDATA.cond.NCOND;
   const int nc = RUNDATA.line.NC;
   const double w = TWOPI * f;
-  length = RUNDATA.run.LINELEN;
   const bool first = SOLVEDATA.first.ISTATUS;
   if (first) {
     for (int i = 1; i <= n; ++i) checkConductor(i);

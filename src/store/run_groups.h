@@ -23,7 +23,7 @@ struct RunControl {
   FileName FNAME;        // input file
   FileName FOUTR;        // report file of the current step
   FileName FOUTM;        // line model file of the current step
-  double LINELEN = 0;    // line length of the current step, m
+  double LINELEN = 0;    // line length of the current step, m; every stage takes it here
   int ISCABLE = 0;       // kind of system, from the extension of FNAME
   int DATAFMT = 0;       // route, set by the reader
   bool WARNFLAG = false; // a warning was given: the run ends with exit status 2

@@ -66,7 +66,6 @@ struct FirstLoopStore {
   double PSCALEST;   // scale of the values stored last
   bool ISTATUS;      // before the first frequency of a solve
   bool IDEALT;       // the line is one ideally transposed circuit
-  double length;     // line length that went with the last Y and Z, m
   int digits[6];     // decimal digits of the search, 1 to 5
 };
 

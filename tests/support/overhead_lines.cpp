@@ -88,7 +88,7 @@ LineResult solveWith(LineConstants routine, double f, bool first) {
   FirstLoopStore& S = SOLVEDATA.first;
   LineResult result;
   S.ISTATUS = first;
-  routine(f, result.length, S.YMAT, S.ZMAT, S.PMAT);
+  routine(f, S.YMAT, S.ZMAT, S.PMAT);
   S.ISTATUS = false;
   result.n = RUNDATA.line.NC;
   result.Y = corner(S.YMAT, result.n);

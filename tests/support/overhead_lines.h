@@ -43,11 +43,10 @@ void setConductor(int i, double x, double y, double radius, double resistance);
 struct LineResult {
   int n = 0;
   Dense Y, Z, P;
-  double length = 0;
 };
 
 // What a routine of line constants gives at the frequency f.
-using LineConstants = void (*)(double f, double& length, CView YMAT, CView ZMAT, CView PMAT);
+using LineConstants = void (*)(double f, CView YMAT, CView ZMAT, CView PMAT);
 LineResult solveWith(LineConstants routine, double f, bool first = true);
 // What does not hold of a result at f: its length, reciprocity, a positive real part of Z and
 // of Y over j w, P = Yn Zn.
