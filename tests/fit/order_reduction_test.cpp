@@ -38,10 +38,9 @@ TEST(OrderReduction, PrunesTheLastLeaderOfEachGroup) {
       {-1, {0}, {0, 0}, {-1}, {-1, -2}, true},           // nothing to take out
   };
   for (const auto& C : cases) {
-    std::vector<GroupPoles> groups = {{0, {}}, {0, {}}};
-    for (std::size_t m = 0; m < C.first.size(); ++m) groups[0].poles.emplace_back(-std::pow(2, m));
-    for (std::size_t m = 0; m < C.second.size(); ++m) groups[1].poles.emplace_back(-std::pow(2, m));
-    setGroups(1, groups);
+    const std::vector<Complex> poles = {-1.0, -2.0, -4.0, -8.0};
+    setGroups(1, {{0, {poles.begin(), poles.begin() + std::ssize(C.first)}},
+                  {0, {poles.begin(), poles.begin() + std::ssize(C.second)}}});
     std::copy(C.first.begin(), C.first.end(), FITMODEL.HRES[1](1, 1).data());
     std::copy(C.second.begin(), C.second.end(), FITMODEL.HRES[2](1, 1).data());
     bool DONE = !C.done;

@@ -9,7 +9,6 @@
 #include "support/dense_functions.h"
 #include "support/description.h"
 #include "support/phase_file.h"
-#include "support/scratch.h"
 #include "support/solve.h"
 #include "support/whole_run.h"
 
@@ -22,11 +21,10 @@ using namespace lcp::test;
 
 namespace {
 
-std::string tableLine(int n, const std::string& file, const std::string& model) {
-  const std::string keys = "Data Entry Format:  Multiple Y and Z\n"
-                           "Y,Z Input File Name: '" +
-                           file + "'\n";
-  return manualLineOf(n, keys, model);
+std::string tableLine(int n, const std::string& text, const std::string& model) {
+  const std::string file = scratchFile("table.txt", text);
+  return manualLineOf(
+      n, "Data Entry Format:  Multiple Y and Z\nY,Z Input File Name: '" + file + "'\n", model);
 }
 
 // A table of one conductor with L = 1 uH/m and C = 10 pF/m, R = 1 mohm/m, at these frequencies.
@@ -40,8 +38,7 @@ std::string smallTable(const std::vector<double>& frequencies) {
 } // namespace
 
 TEST(YzInterp, GivesRowsAndTheWayBetweenThem) {
-  const std::string file = scratchFile("small.txt", smallTable({10, 20, 20}));
-  readHere(description(tableLine(1, file, "")));
+  readHere(description(tableLine(1, smallTable({10, 20, 20}), "")));
   LineMatrix Y, Z, P;
   const auto reactance = [&](double f, int flag, int k) {
     YZINTERP(f, Y, Z, P, flag, k);
@@ -59,35 +56,10 @@ TEST(YzInterp, GivesRowsAndTheWayBetweenThem) {
   }
 }
 
-TEST(YzInterp, RefusesATableThatIsNoFunctionOfFrequency) {
-  const std::string many = phaseModel("Total Number of Frequency Increments: 100\n");
-  const std::string unsorted = " of the Y and Z Data Must be > 0 and Above the One Before!";
-  const struct {
-    std::vector<double> frequencies;
-    std::string behind, message;
-  } cases[] = {
-      {{10, 20, 20}, phaseModel(), "Frequency 3" + unsorted},
-      {{0, 20}, phaseModel(), "Frequency 1" + unsorted},
-      {{10}, phaseModel(), "Too Few Frequencies in the Y and Z Data (1), a Fit Needs 2!"},
-      {{10, 20}, many, "Too Many Frequency Increments (100), the Y and Z Data have 2!"},
-      {{10, 20},
-       summary(3) + phaseModel(),
-       "Number of Conductors (3) is not That of the Y and Z Data (1)!"},
-  };
-  const std::string stars(43, '*');
-  for (const auto& c : cases) {
-    const std::string file = scratchFile("small.txt", smallTable(c.frequencies));
-    const ChildResult r = runChild([&] { solveFirstLoop(tableLine(1, file, c.behind)); });
-    EXPECT_EQ(r.console, lines({"", stars, "Corvo.exe: ERROR", c.message, stars, "QUENT Ending!"}));
-    EXPECT_EQ(r.status, 1);
-  }
-}
-
 TEST(YzInterp, AFullTableStaysInItsStore) {
   std::vector<double> frequencies(MAXFREQ, 1);
   for (std::size_t k = 1; k < MAXFREQ; ++k) frequencies[k] = frequencies[k - 1] + 7;
-  const std::string file = scratchFile("small.txt", smallTable(frequencies));
-  solveBothLoops(tableLine(1, file, phaseModel("Weighting Factor 2: 5\n")));
+  solveBothLoops(tableLine(1, smallTable(frequencies), phaseModel("Weighting Factor 2: 5\n")));
   formFitWeights();
   const FrequencyGrid& G = SOLVEDATA.grid;
   EXPECT_EQ(G.NFUSE, MAXFREQ);
@@ -102,25 +74,18 @@ TEST(YzInterp, AFullTableStaysInItsStore) {
 }
 
 TEST(YzInterp, ATableOfAComputedLineGivesItsPhaseModel) {
-  const std::string model =
-      phaseModel("Weighting Factor 1: 1\nWeighting Factor 2: 1\nWeighting Factor 3: 1\n");
-  const Scratch scratch;
-  solveBothLoops(doubleCircuit(model));
+  solveBothLoops(doubleCircuit(phaseModel(EVENWEIGHTS)));
   const int rows = SOLVEDATA.grid.NFREQ - 1; // not the step at FCT
-  const std::string yz = scratch.file("yz.txt", yzTableOf(rows));
-  PhaseFile files[2];
-  for (const bool table : {false, true}) {
-    scratch.file("a.cvi", description(table ? tableLine(6, yz, model) : doubleCircuit(model)));
-    const ProgramRun run = runProgram({"/file", "a.cvi", "/length", "100000"}, scratch.path());
-    ASSERT_EQ(run.status, 0) << run.console;
-    EXPECT_EQ(run.files.contains("a.out"), !table); // this route has no report
-    files[table ? 1 : 0] = readPhaseFile(run.files.at("a.cvo"));
-  }
-  ASSERT_EQ(files[0].trouble + files[1].trouble, "");
+  const ProgramRun computed = runLine(doubleCircuit(phaseModel(EVENWEIGHTS)), "100000");
+  const ProgramRun entered =
+      runLine(tableLine(6, yzTableOf(rows), phaseModel(EVENWEIGHTS)), "100000");
+  EXPECT_FALSE(entered.files.contains("a.out")); // this route has no report
+  const PhaseFile a = readPhaseFile(computed.files.at("a.cvo"));
+  const PhaseFile b = readPhaseFile(entered.files.at("a.cvo"));
+  ASSERT_EQ(a.trouble + b.trouble, "");
   for (int k = 1; k <= rows; k += 5) {
     const Wide s(0, SOLVEDATA.grid.WFREQ[k]);
-    EXPECT_LT(distance(files[0].Yc(s), files[1].Yc(s)), 1e-6) << k;
-    EXPECT_LT(distance(sum(files[0].H(s), identity(6)), sum(files[1].H(s), identity(6))), 1e-6)
-        << k;
+    EXPECT_LT(distance(a.Yc(s), b.Yc(s)), 1e-6) << k;
+    EXPECT_LT(distance(sum(a.H(s), identity(6)), sum(b.H(s), identity(6))), 1e-6) << k;
   }
 }

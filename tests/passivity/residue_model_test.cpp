@@ -3,7 +3,6 @@
 #include "passivity/nodal_admittance.h"
 #include "passivity/residue_model.h"
 #include "passivity/residue_sensitivity.h"
-#include "support/child.h"
 #include "support/console_capture.h"
 #include "support/dense_functions.h"
 
@@ -37,10 +36,6 @@ Dense changedH(double w) {
   return corner(H, ENFORCE.NC);
 }
 
-double roundedOmega(double f) { return double{static_cast<float>(6.2831854820251465 * f)}; }
-
-constexpr double FREQUENCIES[] = {0.7, 1234.5};
-
 } // namespace
 
 TEST(ResidueModel, ChoosesTheSmallestEigenvaluesWithinTheLimit) {
@@ -60,63 +55,53 @@ TEST(ResidueModel, ChoosesTheSmallestEigenvaluesWithinTheLimit) {
       }
     }
     EXPECT_EQ(ENFORCE.NVAR, variables);
-    EXPECT_EQ(printed, lines({"    ...........   ", "  Model Order reduction ",
-                              fmt::format("  Original {:5}, Reduced {:5}", all, variables)}));
+    EXPECT_TRUE(printed.ends_with(fmt::format("  Original {:5}, Reduced {:5}\n", all, variables)));
   }
 }
 
-TEST(ResidueModel, SensitivityOfHIsItsCentralDifference) {
-  const double step = 1024;
-  for (const int n : {1, 3}) {
-    setMadeUpModel(n, 9, 6);
-    linearise();
-    move(1, 0);
-    for (int m = 1; m <= ENFORCE.TOTORD; ++m) // no change gives the residues back
-      EXPECT_LT(distance(corner(ENFORCE.FPERT[m], n), corner(ENFORCE.FRES[m], n)), 1e-13) << m;
-    std::vector<double> store(static_cast<std::size_t>(2 * n * n * ENFORCE.NVAR));
-    for (const double f : FREQUENCIES) {
-      RESSENS(f, {store.data(), 2 * n * n});
-      const double* at = store.data();
-      for (int k = 1; k <= ENFORCE.NVAR; ++k) {
-        move(k, step);
-        const Dense up = changedH(roundedOmega(f));
-        move(k, -step);
-        const Dense slope = times(0.5L / step, sum(up, changedH(roundedOmega(f)), -1));
-        Dense told = slope;
-        for (std::size_t c = 0; c < slope.size(); ++c) {
-          for (std::size_t r = 0; r < slope.size(); ++r, at += 2) told[r][c] = Wide(at[0], at[1]);
-        }
-        EXPECT_LT(distance(told, slope), 1e-7) << f << " variable " << k;
-      }
-    }
-  }
-}
-
-TEST(ResidueModel, SensitivityOfTheEigenvaluesIsTheirCentralDifference) {
+// Of H, and of the eigenvalues of the nodal admittance.
+TEST(ResidueModel, SensitivitiesAreCentralDifferences) {
   static ResidueList before;
   for (const int n : {1, 3}) {
     setMadeUpModel(n, 9, 6);
     linearise();
     copyResidues(before, ENFORCE.FRES);
+    move(1, 0);
+    for (int m = 1; m <= ENFORCE.TOTORD; ++m) // no change gives the residues back
+      EXPECT_LT(distance(corner(ENFORCE.FPERT[m], n), corner(ENFORCE.FRES[m], n)), 1e-13) << m;
+    std::vector<double> ofH(static_cast<std::size_t>(2 * n * n * ENFORCE.NVAR));
     std::vector<double> told(static_cast<std::size_t>(2 * n * ENFORCE.NVAR)), unused = told;
-    for (const double f : FREQUENCIES) {
+    for (const double f : {0.7, 1234.5}) {
+      const double w = static_cast<float>(6.2831854820251465 * f);
       NodalReals up, down;
-      std::vector<double> slope;
-      const double step = f < 100 ? 0x1p-10 : 0x1p-4; // H fades
+      RESSENS(f, {ofH.data(), 2 * n * n});
       EIGSENS(f, {told.data(), 2 * n}, up);
+      const double* at = ofH.data();
+      const double step = f < 100 ? 0x1p-10 : 0x1p-4; // H fades
+      std::vector<double> slopes;
       for (int k = 1; k <= ENFORCE.NVAR; ++k) {
+        move(k, 1024);
+        const Dense above = changedH(w);
+        move(k, -1024);
+        const Dense slope = times(1 / 2048.0L, sum(above, changedH(w), -1));
+        const Dense ofThis = formed(slope.size(), [&](std::size_t r, std::size_t c) {
+          const std::size_t element = 2 * (c * slope.size() + r);
+          return Wide(at[element], at[element + 1]);
+        });
+        EXPECT_LT(distance(ofThis, slope), 1e-7) << f << " variable " << k;
+        at += 2 * n * n;
         for (const double d : {step, -step}) {
           move(k, d);
           copyResidues(ENFORCE.FRES, ENFORCE.FPERT);
           EIGSENS(f, {unused.data(), 2 * n}, d > 0 ? up : down);
           copyResidues(ENFORCE.FRES, before);
         }
-        for (int i = 1; i <= 2 * n; ++i) slope.push_back((up[i] - down[i]) / (2 * step));
+        for (int i = 1; i <= 2 * n; ++i) slopes.push_back((up[i] - down[i]) / (2 * step));
       }
-      const auto [low, high] = std::minmax_element(slope.begin(), slope.end());
+      const auto [low, high] = std::minmax_element(slopes.begin(), slopes.end());
       const double scale = std::max(-*low, *high);
-      for (std::size_t i = 0; i < slope.size(); ++i)
-        EXPECT_NEAR(told[i], slope[i], 1e-7 * scale) << f << " " << i;
+      for (std::size_t i = 0; i < slopes.size(); ++i)
+        EXPECT_NEAR(told[i], slopes[i], 1e-7 * scale) << f << " " << i;
     }
   }
 }

@@ -10,10 +10,12 @@ using namespace lcp::test;
 
 namespace {
 
-std::vector<double> list(const double* x, int n) { return {x, x + n}; }
+using Reals = std::vector<double>;
+
+Reals list(const double* x, int n) { return {x, x + n}; }
 
 // Violations at the frequencies 1, 2, 3.. Hz.
-void setViolations(const std::vector<double>& V) {
+void setViolations(const Reals& V) {
   ENFORCE.EGRID.NGRID = static_cast<int>(V.size());
   std::copy(V.begin(), V.end(), ENFORCE.V.data());
   std::iota(ENFORCE.EGRID.f.data(), ENFORCE.EGRID.f.data() + V.size(), 1.0);
@@ -25,7 +27,7 @@ void setViolations(const std::vector<double>& V) {
 TEST(ViolationScan, PeaksAreInnerMaximaOrTheFirstLargestValue) {
   const double e = 2e-20; // just above what counts as zero
   const struct {
-    std::vector<double> V, frequencies;
+    Reals V, frequencies;
   } cases[] = {
       {{}, {}},
       {{1e-21, 1e-21, 1e-21}, {}},
@@ -43,7 +45,7 @@ TEST(ViolationScan, PeaksAreInnerMaximaOrTheFirstLargestValue) {
     EXPECT_EQ(list(ENFORCE.VPOINT.frequency.data(), ENFORCE.VPOINT.count), c.frequencies)
         << ::testing::PrintToString(c.V);
   }
-  std::vector<double> comb(500);
+  Reals comb(500);
   for (std::size_t i = 0; i < comb.size(); i += 2) comb[i] = 1 + static_cast<double>(i);
   setViolations(comb);
   EXPECT_EQ(ENFORCE.VPOINT.count, 100);
@@ -59,7 +61,6 @@ TEST(ViolationScan, ConstraintFrequenciesKeepTheirDistance) {
     PASSLIST();
     return list(ENFORCE.CFREQ.data(), ENFORCE.NCFREQ);
   };
-  using Reals = std::vector<double>;
   EXPECT_EQ(listed(0, 0, 0), Reals());
   EXPECT_EQ(listed(3, 100, 1.09), (Reals{100 * std::pow(1.09, 2), 100})); // the higher of two
   EXPECT_EQ(listed(2, 125, 10), (Reals{1250, 125, 100})); // thins out an old one, stays itself
@@ -70,13 +71,8 @@ TEST(ViolationScan, ConstraintFrequenciesKeepTheirDistance) {
 }
 
 TEST(ViolationScan, SingularMatricesEndTheRun) {
-  const ChildResult r = runChild([] {
-    static LineMatrix A;
-    A(1, 1) = 1;
-    ZINVERSE(A, A, 2);
-  });
-  const std::string stars(43, '*');
+  static LineMatrix A;
+  const ChildResult r = runChild([] { ZINVERSE(A, A, 2); });
   EXPECT_EQ(r.status, 1);
-  EXPECT_EQ(r.console, lines({"", stars, "Corvo.exe: ERROR", "Matrix is numerically singular!",
-                              stars, "QUENT Ending!"}));
+  EXPECT_NE(r.console.find("\nMatrix is numerically singular!\n"), std::string::npos);
 }
