@@ -19,7 +19,7 @@ void layCables(int n, bool piped) {
   RUNDATA.run.LINELEN = 1000;
   CableTable& T = RUNDATA.cable;
   T.NCABLE = n;
-  if (piped) T.pipe = {1, -3, 1.5, n, 0, 1, 0.4, 0.41, 0.42, 2e-7, 200, 2.5, 1, 0, 2.5, 1};
+  if (piped) T.pipe = {1, -3, 1.5, n, 1, 0, 0.4, 0.41, 0.42, 2e-7, 200, 2.5, 1, 0, 2.5, 1};
   T.NPIPE = piped;
   for (int c = 1; c <= n; ++c) {
     setSingleCore(c, 0.3 * c + (c > 3 ? 2.0 : 0.0), 1.0);
