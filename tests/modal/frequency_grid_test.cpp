@@ -1,13 +1,42 @@
+// Frequencies of a solve: the grid, and the table of Y and Z over frequency.
 #include "modal/frequency_grid.h"
 
+#include "base/constants.h"
+#include "modal/second_loop.h"
+#include "modal/yz_interp.h"
 #include "store/rundata.h"
 #include "store/solvedata.h"
-#include "support/child.h"
+#include "store/yz_table.h"
+#include "support/dense_functions.h"
+#include "support/description.h"
+#include "support/phase_file.h"
+#include "support/solve.h"
+#include "support/whole_run.h"
 
+#include <cmath>
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 using namespace lcp;
 using namespace lcp::test;
+
+namespace {
+
+std::string tableLine(int n, const std::string& text, const std::string& model) {
+  const std::string file = scratchFile("table.txt", text);
+  return manualLineOf(
+      n, "Data Entry Format:  Multiple Y and Z\nY,Z Input File Name: '" + file + "'\n", model);
+}
+
+// A table of one conductor with L = 1 uH/m and C = 10 pF/m, R = 1 mohm/m, at these frequencies.
+std::string smallTable(const std::vector<double>& frequencies) {
+  std::string text = fmt::format("\n{}\n1\n", frequencies.size());
+  for (const double f : frequencies)
+    text += fmt::format("{}\n1e-3\n{}\n0\n{}\n", f, TWOPI * f * 1e-6, TWOPI * f * 10e-12);
+  return text;
+}
+
+} // namespace
 
 TEST(FrequencyGrid, LaysTheFitRangeWithFivePointsBelow) {
   RUNDATA.resetInput();
@@ -24,45 +53,60 @@ TEST(FrequencyGrid, LaysTheFitRangeWithFivePointsBelow) {
   storeFrequency(3, 50.0);
   EXPECT_NEAR(SOLVEDATA.grid.WFREQ[3], 314.159265358979, 1e-11);
   EXPECT_NEAR(SOLVEDATA.grid.LOGF[3], 1.69897000433602, 1e-14);
+  RUNDATA.fit.NFINC = 1012; // the most
+  layGrid();
+  EXPECT_EQ(SOLVEDATA.grid.NFREQ, 1019);
 }
 
-TEST(FrequencyGrid, UnfittedModelsHaveFixedFrequencies) {
-  for (const bool pi : {false, true}) {
-    RUNDATA.resetInput();
-    RUNDATA.line.SSFREQ = 50;
-    RUNDATA.bergeron.FLOSS = 1000;
-    RUNDATA.model.MODPI = pi;
-    RUNDATA.model.MODBERG = !pi;
-    layGrid();
-    EXPECT_EQ(SOLVEDATA.grid.NFREQ, pi ? 1 : 2);
-    EXPECT_EQ(gridFrequency(1), pi ? 50.0 : 1000.0);
-    EXPECT_EQ(gridFrequency(SOLVEDATA.grid.NFREQ), 50.0);
+TEST(YzInterp, GivesRowsAndTheWayBetweenThem) {
+  readHere(description(tableLine(1, smallTable({10, 20, 20}), "")));
+  LineMatrix Y, Z, P;
+  const auto reactance = [&](double f, int flag, int k) {
+    YZINTERP(f, Y, Z, P, flag, k);
+    EXPECT_NEAR(Y(1, 1).imag() / Z(1, 1).imag(), 1e-5, 1e-17); // Y and Z are at one frequency
+    return Z(1, 1).imag() / (TWOPI * 1e-6);
+  };
+  EXPECT_EQ(reactance(60, 0, 2), 20); // row 2, whatever the frequency
+  EXPECT_EQ(reactance(20, 1, 2), 20);
+  EXPECT_NEAR(reactance(12.5, 1, 2), 12.5, 1e-13);
+  EXPECT_EQ(reactance(20, 1, 3), 20); // between equal frequencies
+  EXPECT_EQ(reactance(1, 1, 1), 10);  // there is no row before the first
+  for (const auto& [f, at] : {std::pair{5.0, 10.0}, {10.0, 10.0}, {17.5, 17.5}, {1e6, 20.0}}) {
+    tableConstants(f, Y, Z, P);
+    EXPECT_NEAR(Z(1, 1).imag() / (TWOPI * 1e-6), at, 1e-13) << f;
   }
 }
 
-TEST(FrequencyGrid, RefusesWhatItCannotLay) {
-  const struct {
-    const char* what;
-    void (*set)();
-    const char* line;
-  } cases[] = {
-      {"no model", [] { RUNDATA.model = {}; }, "Unknown Model Type: -10\n"},
-      {"1013 increments", [] { RUNDATA.fit.NFINC = 1013; },
-       "Too Many Frequency Increments (1013), Maximum of 1012 Allowed!\n"},
-      {"2147483647 increments", [] { RUNDATA.fit.NFINC = 2147483647; }, "Too Many Frequency"},
-      {"start of 0", [] { RUNDATA.fit.FSTART = 0; }, "Curve Fitting Frequencies"},
-      {"end at start", [] { RUNDATA.fit.FEND = 0.5; }, "Curve Fitting Frequencies"},
-      {"transform at 0", [] { RUNDATA.fit.FCT = 0; }, "Frequency to Calculate"},
-      {"1012 increments", [] { RUNDATA.fit.NFINC = 1012; }, ""},
-  };
-  for (const auto& c : cases) {
-    const ChildResult r = runChild([&] {
-      RUNDATA.resetInput();
-      RUNDATA.model.MODFDM = true;
-      c.set();
-      layGrid();
-    });
-    EXPECT_EQ(r.status, *c.line == '\0' ? 0 : 1) << c.what;
-    EXPECT_NE(r.console.find(c.line), std::string::npos) << c.what << r.console;
+TEST(YzInterp, AFullTableStaysInItsStore) {
+  std::vector<double> frequencies(MAXFREQ, 1);
+  for (std::size_t k = 1; k < MAXFREQ; ++k) frequencies[k] = frequencies[k - 1] + 7;
+  solveBothLoops(tableLine(1, smallTable(frequencies), phaseModel("Weighting Factor 2: 5\n")));
+  formFitWeights();
+  const FrequencyGrid& G = SOLVEDATA.grid;
+  EXPECT_EQ(G.NFUSE, MAXFREQ);
+  EXPECT_EQ(G.FREQ[MAXFREQ], 1 + 7.0 * (MAXFREQ - 1));
+  EXPECT_EQ(G.WFIT[9], 5); // 57 Hz, the last below 60 Hz
+  EXPECT_EQ(G.WFIT[8] + G.WFIT[10], 0);
+  // the wave of L and C travels at (L C)^-1/2
+  EXPECT_NEAR(SOLVEDATA.second.VELOC(MAXFREQ, 1), std::sqrt(1e17), 1e-3 * std::sqrt(1e17));
+  RUNDATA.line.SSFREQ = 1e6; // beyond the table
+  formFitWeights();
+  EXPECT_EQ(G.WFIT[MAXFREQ], 5);
+}
+
+TEST(YzInterp, ATableOfAComputedLineGivesItsPhaseModel) {
+  solveBothLoops(doubleCircuit(phaseModel(EVENWEIGHTS)));
+  const int rows = SOLVEDATA.grid.NFREQ - 1; // not the step at FCT
+  const ProgramRun computed = runLine(doubleCircuit(phaseModel(EVENWEIGHTS)), "100000");
+  const ProgramRun entered =
+      runLine(tableLine(6, yzTableOf(rows), phaseModel(EVENWEIGHTS)), "100000");
+  EXPECT_FALSE(entered.files.contains("a.out")); // this route has no report
+  const PhaseFile a = readPhaseFile(computed.files.at("a.cvo"));
+  const PhaseFile b = readPhaseFile(entered.files.at("a.cvo"));
+  ASSERT_EQ(a.trouble + b.trouble, "");
+  for (int k = 1; k <= rows; k += 5) {
+    const Wide s(0, SOLVEDATA.grid.WFREQ[k]);
+    EXPECT_LT(distance(a.Yc(s), b.Yc(s)), 1e-6) << k;
+    EXPECT_LT(distance(sum(a.H(s), identity(6)), sum(b.H(s), identity(6))), 1e-6) << k;
   }
 }

@@ -56,15 +56,11 @@ std::string keysOf(const char* name, const Mode& m, int MANFMT) {
 // sum and of the difference of two circuits.
 Dense phases(std::size_t n, Wide positive, Wide sum, Wide difference) {
   if (n == 1) return {{positive}};
-  Dense A(n, std::vector<Wide>(n));
   const Wide zero = n == 6 ? (sum + difference) / 2.0L : sum;
-  for (std::size_t i = 0; i < n; ++i) {
-    for (std::size_t j = 0; j < n; ++j) {
-      A[i][j] = i / 3 == j / 3 ? (zero - positive) / 3.0L + (i == j ? positive : 0)
-                               : (sum - difference) / 6.0L;
-    }
-  }
-  return A;
+  return formed(n, [&](std::size_t i, std::size_t j) {
+    if (i / 3 != j / 3) return (sum - difference) / 6.0L;
+    return (zero - positive) / 3.0L + (i == j ? positive : 0);
+  });
 }
 
 void checkSequences(int MANFMT, int n, int ESTZERO) {
@@ -83,23 +79,17 @@ void checkSequences(int MANFMT, int n, int ESTZERO) {
   const bool sums = n == 6 && ESTZERO == ZEROENTERED && MANFMT != MANSURGE;
   const Mode sum = zero.added(MUTUAL, sums ? 1 : 0), difference = zero.added(MUTUAL, -1);
   const double w = TWOPI * 170;
-  const auto z = [&](const Mode& m) { return Wide(m.R, w * m.L); };
-  const auto y = [&](const Mode& m) { return Wide(0, w * m.C); };
-  const Dense wantedZ = phases(static_cast<std::size_t>(n), z(POSITIVE), z(sum), z(difference));
-  const Dense wantedY = phases(static_cast<std::size_t>(n), y(POSITIVE), y(sum), y(difference));
-  EXPECT_LT(distance(corner(Z, n), wantedZ), 1e-13) << MANFMT << " " << n << " " << ESTZERO;
-  EXPECT_LT(distance(corner(Y, n), wantedY), 1e-13) << MANFMT << " " << n << " " << ESTZERO;
+  for (const bool ofZ : {false, true}) {
+    const auto x = [&](const Mode& m) { return ofZ ? Wide(m.R, w * m.L) : Wide(0, w * m.C); };
+    const Dense wanted = phases(static_cast<std::size_t>(n), x(POSITIVE), x(sum), x(difference));
+    EXPECT_LT(distance(corner(ofZ ? Z : Y, n), wanted), 1e-13) << MANFMT << n << ESTZERO;
+  }
 }
 
 } // namespace
 
 TEST(ManualModes, SequenceDataGiveTheirPhaseMatrices) {
-  for (int MANFMT = MANPERUNIT; MANFMT <= MANSURGE; ++MANFMT) {
-    for (const int n : {1, 3, 6}) {
-      for (int ESTZERO = ZEROENTERED; ESTZERO <= ZEROEQUAL; ++ESTZERO)
-        checkSequences(MANFMT, n, ESTZERO);
-    }
-  }
+  for (int i = 0; i < 27; ++i) checkSequences(i / 9, i % 3 == 0 ? 1 : i % 3 * 3, i / 3 % 3);
 }
 
 TEST(ManualModes, TakesTheLongLineCorrectionOut) {
@@ -126,12 +116,11 @@ TEST(ManualModes, TakesTheLongLineCorrectionOut) {
 TEST(ManualModes, AComputedLineComesBackFromItsPair) {
   solveBothLoops(doubleCircuit(bergeronModel("High Frequency Approximation: 0\n")), LENGTH);
   std::string file;
-  for (const LineMatrix* A : {&SOLVEDATA.first.ZMAT, &SOLVEDATA.first.YMAT}) {
-    file += A == &SOLVEDATA.first.ZMAT ? "Z:\n" : "Y:\n";
-    for (int i = 0; i < 36; ++i) {
-      const Complex a = (*A)(1 + i / 6, 1 + i % 6);
-      file += fmt::format("{} {}\n", a.real(), a.imag());
-    }
+  for (int i = 0; i < 72; ++i) {
+    const LineMatrix& A = i < 36 ? SOLVEDATA.first.ZMAT : SOLVEDATA.first.YMAT;
+    const Complex a = A(1 + i % 36 / 6, 1 + i % 6);
+    file += (i % 36 == 0 ? (i == 0 ? "Z:\n" : "Y:\n") : "") +
+            fmt::format("{} {}\n", a.real(), a.imag());
   }
   enter(6, fmt::format("Data Entry Format:  Y and Z\nY,Z Input File Name: '{}'\n",
                        scratchFile("pair.txt", file)));

@@ -1,16 +1,21 @@
+// Load flow values, and the long-line correction of lines of one conductor: long ones, and what of
+// them is shown. The pi file of a line is tested for the exact circuit.
 #include "modal/sequence.h"
 
+#include "modal/long_line.h"
 #include "store/rundata.h"
+#include "store/solvedata.h"
 
-#include <array>
+#include <cmath>
 #include <gtest/gtest.h>
-#include <vector>
 
 using namespace lcp;
 
 namespace {
 
-// Two balanced circuits: self and mutual value within, one value between them.
+LineMatrix Y, Z;
+
+// Circuits of three, of a value of their own within, mutual ones and one value between the two.
 void balanced(LineMatrix& M, Complex self, Complex mutual, Complex between) {
   for (int i = 1; i <= 6; ++i) {
     for (int j = 1; j <= 6; ++j)
@@ -18,24 +23,23 @@ void balanced(LineMatrix& M, Complex self, Complex mutual, Complex between) {
   }
 }
 
-LineMatrix Y, Z;
-
-void prepare(int conductors) {
+LoadFlowData dataOf(int conductors, double length, double VBASE, double MVABASE, bool corrected) {
   RUNDATA.resetInput();
   RUNDATA.line.NC = conductors;
-  RUNDATA.run.LINELEN = conductors == 6 ? 2.0 : 1.0;
+  RUNDATA.run.LINELEN = length;
+  RUNDATA.display.VBASEDISP = VBASE;
+  RUNDATA.display.MVABASEDISP = MVABASE;
+  LoadFlowData data;
+  formLoadFlowData(data, Y, Z, Y, Z, corrected);
+  return data;
 }
 
 } // namespace
 
 TEST(Sequence, LoadFlowBlocksOfADoubleCircuit) {
-  prepare(6);
-  RUNDATA.display.VBASEDISP = 100;
-  RUNDATA.display.MVABASEDISP = 50;
   balanced(Z, {3, 30}, {1, 10}, {0.5, 5});
   balanced(Y, {0, 3e-3}, {0, -5e-4}, {0, -1e-4});
-  LoadFlowData data;
-  formLoadFlowData(data, Y, Z, Y, Z, true);
+  const LoadFlowData data = dataOf(6, 2, 100, 50, true);
   ASSERT_EQ(data.count, 10);
   EXPECT_TRUE(data.perUnit);
   const double KZ = 50.0 / 1e4;
@@ -51,14 +55,9 @@ TEST(Sequence, LoadFlowBlocksOfADoubleCircuit) {
 }
 
 TEST(Sequence, ABipoleHasAMetallicAndAGroundMode) {
-  prepare(2);
-  RUNDATA.display.MVABASEDISP = 100; // one base alone is none
-  Z(1, 1) = Z(2, 2) = {3, 30};
-  Z(1, 2) = Z(2, 1) = {1, 10};
-  Y(1, 1) = Y(2, 2) = {0, -3e-3}; // not a line: no surge impedance
-  Y(1, 2) = Y(2, 1) = 0;
-  LoadFlowData data;
-  formLoadFlowData(data, Y, Z, Y, Z, false);
+  balanced(Z, {3, 30}, {1, 10}, {});
+  balanced(Y, {0, -3e-3}, {}, {});                       // not a line: no surge impedance
+  const LoadFlowData data = dataOf(2, 1, 0, 100, false); // one base alone is none
   ASSERT_EQ(data.count, 2);
   EXPECT_FALSE(data.perUnit);
   EXPECT_EQ(RUNDATA.display.MVABASEDISP, 1.0);
@@ -69,12 +68,31 @@ TEST(Sequence, ABipoleHasAMetallicAndAGroundMode) {
   EXPECT_EQ(data.circuits, 0);
 }
 
-TEST(Sequence, SectionsAreForThreePhaseLines) {
-  for (const auto& [nodes, circuits, towers, loadFlow] : std::vector<std::array<int, 4>>{
-           {3, 9, 9, 1}, {2, 9, 9, 1}, {4, 1, 1, 0}, {6, 2, 2, 1}, {6, 3, 1, 0}, {6, 2, 3, 0}}) {
-    prepare(nodes);
-    RUNDATA.cond.NCIRC = circuits;
-    RUNDATA.cond.NTOWER = towers;
-    EXPECT_EQ(hasLoadFlowSection(), loadFlow == 1) << nodes << circuits << towers;
+TEST(LongLine, CorrectsEachLineByItselfAndShowsPositiveParts) {
+  static LineMatrix Y, Z, YLC, ZLC;
+  const Complex y(1e-11, 4e-9), z(1e-3, 5e-4);
+  const struct {
+    Complex y, z;
+    double length;
+    bool shown;
+  } cases[] = {{y, z, 1, true},
+               {y, z, 1e4, true},
+               {y, 4.0 * z, 1e4, true}, // another line
+               {{-1e-9, 4e-9}, z, 1e4, false},
+               {{1e-11, 0}, z, 1e4, false},
+               {y, {0, 5e-4}, 1e4, false},
+               {y, {1e-3, -5e-4}, 1e4, false},
+               {y, z, 1e9, false}}; // no wave comes back: Z fades
+  for (const auto& c : cases) {
+    bool shown = !c.shown;
+    Y(1, 1) = c.y;
+    Z(1, 1) = c.z;
+    LONGCOR(Y, Z, c.length, YLC, ZLC, 1, shown);
+    EXPECT_EQ(shown, c.shown) << &c - cases;
+    EXPECT_TRUE(std::isfinite(std::abs(YLC(1, 1))) && std::isfinite(std::abs(ZLC(1, 1))));
+    const Complex u2 = c.y * c.z * c.length * c.length;
+    if (c.length < 1e9) {
+      EXPECT_LT(std::abs(ZLC(1, 1) / c.z - 1.0 - u2 / 6.0), 0.01 * std::norm(u2) + 1e-9);
+    }
   }
 }

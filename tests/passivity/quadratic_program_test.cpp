@@ -63,12 +63,11 @@ Reals leastPoint(const Problem& P) {
 TEST(QuadraticProgram, SolutionsByHand) {
   const double TINY = 1.0000000036274937e-15, NaN = std::nan("");
   const std::vector<Reals> unit{{1, 0}, {0, 1}};
-  struct Case {
+  const struct {
     Problem problem;
     bool solved;
     Reals x;
-  };
-  const Case cases[] = {
+  } cases[] = {
       {{{{4, 1}, {1, 3}}, {1, 2}, {}, {}}, true, {-1 / 11., -7 / 11.}},
       {{{{4, 1}, {1, 3}}, {0, 0}, {{1, 1}}, {-1}}, true, {-0.4, -0.6}},
       {{unit, {0, 0}, {{1, 1}, {1, 1}, {2, 2}}, {-2, -2, -4}}, true, {-1, -1}},

@@ -3,7 +3,6 @@
 #include "kernels/lapack.h"
 #include "store/rundata.h"
 #include "store/solvedata.h"
-#include "support/phase_file.h"
 #include "support/sampled_functions.h"
 
 #include <algorithm>
@@ -104,15 +103,6 @@ double dcDeviation(const RealMatrix& H) {
     largest = std::max<long double>(largest, std::fabs(H(r, c)));
   });
   return static_cast<double>(deviation / largest);
-}
-
-int badPoles() {
-  int bad = 0;
-  for (int g = 1; g <= FITMODEL.NGROUP; ++g) {
-    const Complex* P = FITMODEL.HPOLE[g].data();
-    bad += badPoles(std::vector<Wide>(P, P + FITMODEL.NH[g]));
-  }
-  return bad;
 }
 
 std::vector<double> realEigenvalues(const Dense& A) {

@@ -43,9 +43,6 @@ MeasuredFit measureFit();
 // Largest deviation of the model at s = 0 from H, over the largest element of H.
 double dcDeviation(const RealMatrix& H);
 
-// Poles with a positive real part, or without their conjugate beside them.
-int badPoles();
-
 // Real parts of the eigenvalues of the real part of A.
 std::vector<double> realEigenvalues(const Dense& A);
 
