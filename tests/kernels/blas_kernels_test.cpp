@@ -86,6 +86,7 @@ TEST(BlasKernels, AreThePlainLoops) {
       for (int i = 0; i < rows; ++i) A[j][i] += alpha * y[j] * x[i];
       EXPECT_TRUE(same(B[j], A[j])) << t;
     }
+    if (x.stride < 0) continue; // of which others make no length
     const double length = std::sqrt(product(x, x));
     EXPECT_TRUE(same(dnrm2_(&rows, x.memory, &x.stride), length)) << t;
     for (const double size : {1e-170, 1e170}) { // squares leave the range of numbers

@@ -113,6 +113,7 @@ TEST(PassivityCheck, BandsOfAClosedForm) {
   }
   setGroups(2, {}); // no H; an eigenvalue so small that it is found a second time
   FITMODEL.YD(1, 1) = 1e-3;
+  FITMODEL.YD(1, 2) = FITMODEL.YD(2, 1) = 0;
   FITMODEL.YD(2, 2) = -1.25e-12;
   RUNDATA.passivity = cases[0].first;
   EXPECT_EQ(bandsIn(consoleOf(PASSCHK)), Bands{band(0.5, 4.5, -1.25e-12)});

@@ -103,7 +103,6 @@ std::string unsound(const LineResult& r, double f, bool passive) {
     return distance(formed(A.size(), [&](auto i, auto j) { return A[j][i]; }), A);
   };
   std::string what;
-  if (!(r.length == RUNDATA.run.LINELEN)) what += " length";
   if (!(asymmetry(r.Z) < 1e-12 && asymmetry(r.Y) < 1e-12)) what += " symmetry";
   if (passive && !hasPositiveRealPart(r.Z)) what += " Z";
   if (!hasPositiveRealPart(times(Wide(1) / jw, r.Y))) what += " Y";

@@ -48,7 +48,7 @@ struct LineResult {
 // What a routine of line constants gives at the frequency f.
 using LineConstants = void (*)(double f, CView YMAT, CView ZMAT, CView PMAT);
 LineResult solveWith(LineConstants routine, double f, bool first = true);
-// What does not hold of a result at f: its length, reciprocity, a positive real part of Z and
+// What does not hold of a result at f: reciprocity, a positive real part of Z and
 // of Y over j w, P = Yn Zn.
 std::string unsound(const LineResult& r, double f, bool passive = true);
 // OHZY at the frequency f, with ISTATUS set unless told otherwise.
