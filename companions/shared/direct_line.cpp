@@ -2,6 +2,7 @@
 
 #include "kernels/lapack.h"
 #include "modal/line_constants.h"
+#include "run/manual_driver.h"
 #include "store/rundata.h"
 #include "store/solvedata.h"
 
@@ -58,7 +59,11 @@ LinePoint constantsOf(double f) {
   static bool first = true;
   if (first) SOLVEDATA.first.ISTATUS = true;
   first = false;
-  constantsAt(f);
+  if (RUNDATA.run.DATAFMT == ROUTEMANUAL) { // of data entered by hand
+    MANLINE(SOLVEDATA.first.YMAT, SOLVEDATA.first.ZMAT, f, MANUALMATRICES);
+  } else {
+    constantsAt(f);
+  }
   return {f, cornerOf(SOLVEDATA.first.YMAT, lineOrder()),
           cornerOf(SOLVEDATA.first.ZMAT, lineOrder())};
 }
@@ -75,13 +80,16 @@ LineModes modesOf(const LinePoint& point) {
   ZGEEV(view(YZ), squares, view(M.TI), static_cast<int>(n), BackSubstitution::ByColumns);
   M.TIINV = inverse(M.TI);
   M.condition = columnSum(M.TI) * columnSum(M.TIINV);
-  // Currents and voltages of a mode: YM = TI^-1 Y TI^-T.
-  const Matrix YM = product(product(M.TIINV, point.Y), transposed(M.TIINV));
-  for (std::size_t i = 0; i < n; ++i) {
+  for (std::size_t i = 0; i < n; ++i)
     M.gamma.push_back(std::sqrt(squares[static_cast<int>(i) + 1] * size));
-    M.Zc.push_back(M.gamma[i] / YM(i, i));
-  }
+  formSurgeImpedances(M, point);
   return M;
+}
+
+void formSurgeImpedances(LineModes& modes, const LinePoint& point) {
+  const Matrix YM = product(product(modes.TIINV, point.Y), transposed(modes.TIINV));
+  modes.Zc.clear();
+  for (std::size_t i = 0; i < YM.rows; ++i) modes.Zc.push_back(modes.gamma[i] / YM(i, i));
 }
 
 PhaseFunctions phaseFunctionsOf(const LinePoint& point, const LineModes& modes, double length) {

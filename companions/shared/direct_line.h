@@ -36,6 +36,9 @@ LinePoint constantsOf(double f);
 
 LineModes modesOf(const LinePoint& point);
 
+// The surge impedances of the vectors TI, TI^-1: gamma / (TI^-1 Y TI^-T).
+void formSurgeImpedances(LineModes& modes, const LinePoint& point);
+
 PhaseFunctions phaseFunctionsOf(const LinePoint& point, const LineModes& modes, double length);
 
 // ---- small dense matrices

@@ -20,6 +20,40 @@ constexpr double TWOPI = 6.283185307179586;
 constexpr double MILLI = 1e-3;
 constexpr double MICRO = 1e-6;
 
+constexpr double EQUAL = 1e-6; // relative distance of squares of gamma that count as one
+
+// Where modes are equal any basis of their space will do: they take the one nearest to the
+// reference, the projections of its columns. TI^-1 and the surge impedances follow.
+void takeBasis(LineModes& modes, const Matrix& reference, const LinePoint& point) {
+  const std::size_t n = reference.columns;
+  const auto same = [&](std::size_t i, std::size_t j) {
+    const Complex a = modes.gamma[i] * modes.gamma[i], b = modes.gamma[j] * modes.gamma[j];
+    return std::abs(a - b) <= EQUAL * std::abs(a);
+  };
+  Matrix TI = modes.TI;
+  bool changed = false;
+  for (std::size_t j = 0; j < n; ++j) {
+    std::vector<Complex> projection(n);
+    std::size_t members = 0;
+    for (std::size_t k = 0; k < n; ++k) {
+      if (!same(j, k)) continue;
+      ++members;
+      Complex share = 0;
+      for (std::size_t i = 0; i < n; ++i) share += modes.TIINV(k, i) * reference(i, j);
+      for (std::size_t i = 0; i < n; ++i) projection[i] += share * modes.TI(i, k);
+    }
+    double length = 0;
+    for (const Complex& e : projection) length += std::norm(e);
+    if (members < 2 || length == 0) continue;
+    changed = true;
+    for (std::size_t i = 0; i < n; ++i) TI(i, j) = projection[i] / std::sqrt(length);
+  }
+  if (!changed) return;
+  modes.TI = TI;
+  modes.TIINV = inverse(TI);
+  formSurgeImpedances(modes, point);
+}
+
 // Column j of the modes is that of the reference with which it shares most; in its order.
 LineModes inOrderOf(const LineModes& modes, const Matrix& reference) {
   const std::size_t n = reference.columns;
@@ -69,7 +103,9 @@ void turn(LineModes& modes) {
 }
 
 LineModes modesLike(double f, const Matrix& reference) {
-  LineModes modes = inOrderOf(modesOf(constantsOf(f)), reference);
+  const LinePoint point = constantsOf(f);
+  LineModes modes = inOrderOf(modesOf(point), reference);
+  takeBasis(modes, reference, point);
   turn(modes);
   return modes;
 }

@@ -38,13 +38,11 @@ const std::vector<Limit>& defaultLimits() {
       {"z", 1, 5, "%", "series impedance in the band, of its largest magnitude"},
       {"mode", 5, 20, "%", "surge impedance, attenuation or transformation of a mode in the band"},
       {"outside", 10, 50, "%", "the same a decade below and a decade above the band"},
-      {"zero", 2, 10, "%", "the same at zero frequency"},
       {"exact", 0.1, 1, "%", "pi and Bergeron data against the line"},
       {"passive", 1e-6, 1e-3, "", "negative eigenvalue of a nodal admittance, of its largest one"},
       {"ratio", 100, 1000, "", "residue over pole"},
       {"condition", 100, 1e4, "", "of the transformation"},
       {"delay", 0.1, 1, "%", "by which a delay exceeds the travel time at the top of the band"},
-      {"element", 1, 20, "", "0.05 over the element by which a vector was turned, of its largest"},
   };
   return LIMITS;
 }
