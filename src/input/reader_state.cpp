@@ -4,6 +4,7 @@
 #include "base/open_files.h"
 #include "base/stop.h"
 #include "base/text_source.h"
+#include "input/line_trace.h"
 #include "store/rundata.h"
 
 #include <unistd.h>
@@ -48,12 +49,14 @@ bool nextLine() {
   READER.wasCut = source.wasCut();
   const std::string_view raw = READER.RAWLINE;
   READER.LINE = raw.substr(std::min(raw.find_first_not_of(' '), raw.size()));
+  if (TRACE.on) traceRecord();
   return true;
 }
 
 bool takeOpeningBrace() {
   if (!nextLine()) return false;
   if (!READER.LINE.starts_with('{')) readError();
+  if (TRACE.on) traceOpening();
   return true;
 }
 
