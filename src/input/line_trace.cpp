@@ -39,7 +39,7 @@ void traceRecord() {
 
 void traceKey(std::span<const KeyRow> rows, const KeyRow* key) {
   TracedLine& L = current();
-  for (const KeyRow& row : rows) L.compared.push_back(row.text);
+  L.rows = rows;
   L.key = key;
 }
 
@@ -53,8 +53,8 @@ void tracePosition(const KeyRow& row) {
   seeGroup();
 }
 
-void traceHeadings(const std::vector<std::string_view>& texts, std::string_view found) {
-  current().compared = texts;
+void traceHeadings(std::span<const std::string_view> texts, std::string_view found) {
+  current().headings = texts;
   current().heading = found;
 }
 

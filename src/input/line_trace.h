@@ -6,6 +6,7 @@
 #include "input/key_rows.h"
 #include "input/reader_state.h"
 
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -27,14 +28,15 @@ struct TracedLine {
   State state = State::BeforeStart; // in which it was met
   int section = 0;                  // its section, an index of LineTrace::sections
   LineFate fate = LineFate::Taken;
-  std::vector<std::string_view> compared; // keys or headings that it was compared with
-  const KeyRow* key = nullptr;            // the one that it begins with
-  Got got = Got::None;                    // whether the key's value was read
-  std::string_view heading;               // the heading that it is
-  int group = 0;                          // conductors of the open group
-  int offsets = 0;                        // offset lines of the open bundle so far
-  int subConductors = 0;                  // sub-conductors of the open circuit
-  int cable = 0;                          // number of the cable that it goes to
+  std::span<const KeyRow> rows;               // keys that it was compared with
+  std::span<const std::string_view> headings; // or headings
+  const KeyRow* key = nullptr;                // the one that it begins with
+  Got got = Got::None;                        // whether the key's value was read
+  std::string_view heading;                   // the heading that it is
+  int group = 0;                              // conductors of the open group
+  int offsets = 0;                            // offset lines of the open bundle so far
+  int subConductors = 0;                      // sub-conductors of the open circuit
+  int cable = 0;                              // number of the cable that it goes to
 };
 
 // A block between braces. The first one stands for what is outside of all.
@@ -67,7 +69,7 @@ void traceRecord(); // a record was read
 void traceKey(std::span<const KeyRow> rows, const KeyRow* key);
 void traceValue(Got got);
 void tracePosition(const KeyRow& row); // a line of a position list
-void traceHeadings(const std::vector<std::string_view>& texts, std::string_view found);
+void traceHeadings(std::span<const std::string_view> texts, std::string_view found);
 void traceFate(LineFate fate);
 void traceOpening();    // the line opens the section whose heading is the line before
 void traceClosing();    // the line closes the open section

@@ -211,8 +211,11 @@ void readDebugKey() {
 }
 
 void tellHeadings(std::string_view found) {
-  std::vector<std::string_view> texts;
-  for (const Heading& heading : HEADINGS) texts.push_back(heading.text);
+  static constexpr auto texts = [] {
+    std::array<std::string_view, HEADINGS.size()> all;
+    for (std::size_t i = 0; i < all.size(); ++i) all[i] = HEADINGS[i].text;
+    return all;
+  }();
   traceHeadings(texts, found);
 }
 
