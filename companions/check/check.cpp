@@ -49,7 +49,7 @@ void readerWarnings(Findings& findings, const CapturedRun& read) {
 Findings findAll(const CapturedRun& read) {
   Findings findings;
   readerWarnings(findings, read);
-  lineRules(findings);
+  lineRules(findings, true);
   if (RUNDATA.run.DATAFMT == ROUTECONSTANTS) {
     conductorRules(findings);
     if (RUNDATA.run.ISCABLE != OVERHEADLINE) cableRules(findings);
@@ -70,7 +70,7 @@ std::string printable(std::string_view text) {
 
 std::string_view lineText(int number) {
   if (number < 1) return {};
-  return wordsOf(TRACE.lines[static_cast<std::size_t>(number - 1)]);
+  return wordsOf(TRACE->lines()[static_cast<std::size_t>(number - 1)]);
 }
 
 void printFindings(const Findings& findings) {
@@ -102,10 +102,18 @@ Json findingsAsJson(const Findings& findings) {
 }
 
 int tellRefusal(const std::string& file, const CapturedRun& read, bool json) {
+  Findings findings;
+  lineRules(findings, false);
+  sortFindings(findings);
   if (json) {
-    printJson({{"file", file}, {"status", REFUSED}, {"message", read.console}});
+    printJson({{"file", file},
+               {"status", REFUSED},
+               {"message", read.console},
+               {"findings", findingsAsJson(findings)}});
   } else {
     fmt::print("{}", read.console);
+    if (!findings.empty()) fmt::print("\n");
+    if (!findings.empty()) printFindings(findings);
   }
   if (read.status < 0) giveUp("corvo-check", "the reader broke down");
   return REFUSED;
@@ -118,11 +126,11 @@ int checkDescription(std::span<char* const> arguments) {
   const double length = given.numberOr("/length", USUALLENGTH);
   const std::string& file = given.words[0];
   const bool json = given.has("--json");
+  if (!startTrace()) giveUp("corvo-check", "there is no memory for the lines of the file");
   const CapturedRun read = readInChild(file, length);
+  TRACE->on = false;
   if (read.status != 0) return tellRefusal(file, read, json);
-  startTrace();
   readHere(file, length);
-  TRACE.on = false;
   const Findings findings = findAll(read);
   const int status = findings.empty() ? CLEAN : FOUND;
   if (json) {

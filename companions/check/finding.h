@@ -11,6 +11,7 @@ enum class Kind {
   CommentKey,
   UnknownLine,
   LongLine,
+  LongFile,
   LostCharacter,
   EarlyEnd,
   NoValue,

@@ -21,14 +21,14 @@ constexpr std::size_t UNKNOWNLETTERS = 3;
 
 Texts candidatesOf(const TracedLine& line) {
   Texts texts(line.headings.begin(), line.headings.end());
-  for (const KeyRow& row : line.rows) texts.push_back(row.text);
+  for (const KeyRow& row : rowsOf(line)) texts.push_back(row.text);
   return texts;
 }
 
 std::span<const std::string_view> headings() {
-  const auto top = std::find_if(TRACE.lines.begin(), TRACE.lines.end(),
+  const auto top = std::find_if(TRACE->lines().begin(), TRACE->lines().end(),
                                 [](const TracedLine& l) { return !l.headings.empty(); });
-  if (top == TRACE.lines.end()) return {};
+  if (top == TRACE->lines().end()) return {};
   return top->headings;
 }
 
@@ -38,14 +38,15 @@ std::string elsewhere(const TracedLine& line) {
   for (const std::string_view heading : headings()) {
     if (line.state == State::TopLevel || !words.starts_with(heading)) continue;
     return fmt::format("{}, a heading, while the section of line {} is open", heading,
-                       TRACE.sections[static_cast<std::size_t>(line.section)].heading);
+                       TRACE->sections()[static_cast<std::size_t>(line.section)].heading);
   }
-  for (const TracedLine& other : TRACE.lines) {
-    if (other.rows.empty() || other.rows.data() == line.rows.data()) continue;
-    const auto row = std::find_if(other.rows.begin(), other.rows.end(), [&](const KeyRow& r) {
+  for (const TracedLine& other : TRACE->lines()) {
+    const auto rows = rowsOf(other);
+    if (rows.empty() || other.rows == line.rows) continue;
+    const auto row = std::find_if(rows.begin(), rows.end(), [&](const KeyRow& r) {
       return r.text.size() > 2 && words.starts_with(r.text);
     });
-    if (row != other.rows.end())
+    if (row != rows.end())
       return fmt::format("{}, a key of {}", row->text, keyWords(headingOf(other.section)));
   }
   return {};
@@ -100,29 +101,32 @@ bool sameTarget(const KeyRow& a, const KeyRow& b) {
   return &a == &b || real || integer;
 }
 
-void aheadOfNeed(Findings& findings, const TracedLine& line, std::string_view needed) {
+void aheadOfNeed(Findings& findings, const TracedLine& line, std::string_view needed,
+                 bool wholeFile) {
   int later = 0;
-  for (const TracedLine& other : TRACE.lines) {
+  for (const TracedLine& other : TRACE->lines()) {
     if (other.section != line.section || other.key == nullptr || other.key->text != needed)
       continue;
     if (other.number < line.number) return;
     if (later == 0) later = other.number;
   }
+  if (later == 0 && !wholeFile) return;
   const std::string where =
       later == 0 ? ", which is missing" : fmt::format(", which follows in line {}", later);
   add(findings, line.number, Kind::AheadOfNeed, line.key->text, needed, where);
 }
 
-void leadingKey(Findings& findings, const TracedLine& line) {
+void leadingKey(Findings& findings, const TracedLine& line, bool wholeFile) {
+  const auto rows = rowsOf(line);
   const auto lead =
-      std::find_if(line.rows.begin(), line.rows.end(), [](const KeyRow& row) { return row.leads; });
+      std::find_if(rows.begin(), rows.end(), [](const KeyRow& row) { return row.leads; });
   const bool needs = line.key->kind != KeyKind::Mark && !line.key->leads;
-  if (needs && lead != line.rows.end()) aheadOfNeed(findings, line, lead->text);
+  if (needs && lead != rows.end()) aheadOfNeed(findings, line, lead->text, wholeFile);
 }
 
 void undone(Findings& findings, const TracedLine& line, std::string_view key) {
   if (key.empty()) return;
-  for (const TracedLine& other : TRACE.lines) {
+  for (const TracedLine& other : TRACE->lines()) {
     if (other.number >= line.number) return;
     const bool hit = other.key != nullptr && other.key->text == key && other.got == Got::Value;
     if (hit && (oneScope(other, line) || !standsAlone(line.state)))
@@ -133,7 +137,7 @@ void undone(Findings& findings, const TracedLine& line, std::string_view key) {
 void repeated(Findings& findings, const TracedLine& line) {
   const KeyRow& key = *line.key;
   if (key.kind == KeyKind::Mark || key.repeats || key.text == "P") return;
-  for (const TracedLine& other : TRACE.lines) {
+  for (const TracedLine& other : TRACE->lines()) {
     if (other.number >= line.number) return;
     if (other.key == nullptr || !oneScope(other, line) || !sameTarget(*other.key, key)) continue;
     add(findings, line.number, Kind::Repeated, other.key->text, std::to_string(other.number));
@@ -143,19 +147,20 @@ void repeated(Findings& findings, const TracedLine& line) {
 
 void noPlace(Findings& findings, const TracedLine& line) {
   const std::string_view name = line.key->text;
-  if (line.key->entry == Entry::Second && line.group < 2)
+  if (line.key->entry == Entry::Second && line.open.wires < 2)
     add(findings, line.number, Kind::NoPlace, name, "the group has no second wire");
   if (line.state != State::SubConductors) return;
-  const std::string bundle = fmt::format("the bundle has {} sub-conductors", line.subConductors);
+  const std::string bundle =
+      fmt::format("the bundle has {} sub-conductors", line.open.subConductors);
   const bool offset = line.key->kind == KeyKind::Items;
-  if (offset ? line.offsets >= line.subConductors : line.subConductors < 2)
+  if (offset ? line.open.offsets >= line.open.subConductors : line.open.subConductors < 2)
     add(findings, line.number, Kind::NoPlace, offset ? "the offset" : name, bundle);
 }
 
-void keyRules(Findings& findings, const TracedLine& line) {
+void keyRules(Findings& findings, const TracedLine& line, bool wholeFile) {
   valueRules(findings, line);
-  if (!line.key->needs.empty()) aheadOfNeed(findings, line, line.key->needs);
-  leadingKey(findings, line);
+  if (!line.key->needs.empty()) aheadOfNeed(findings, line, line.key->needs, wholeFile);
+  leadingKey(findings, line, wholeFile);
   undone(findings, line, line.key->undoes);
   undone(findings, line, line.key->undoes2);
   repeated(findings, line);
@@ -164,13 +169,14 @@ void keyRules(Findings& findings, const TracedLine& line) {
 
 } // namespace
 
-void lineRules(Findings& findings) {
-  for (const TracedLine& line : TRACE.lines) {
+void lineRules(Findings& findings, bool wholeFile) {
+  if (TRACE->lineCount == MOSTTRACED) add(findings, 0, Kind::LongFile, std::to_string(MOSTTRACED));
+  for (const TracedLine& line : TRACE->lines()) {
     if (line.fate == LineFate::Unknown) unknownLine(findings, line);
     if (line.fate == LineFate::Comment) commentKey(findings, line);
     if (line.fate == LineFate::Taken && line.cut)
       add(findings, line.number, Kind::LongLine, std::to_string(LINELENGTH));
-    if (line.key != nullptr) keyRules(findings, line);
+    if (line.key != nullptr) keyRules(findings, line, wholeFile);
   }
 }
 

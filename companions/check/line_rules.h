@@ -6,7 +6,8 @@
 
 namespace lcp::companions {
 
-// Over the trace of the reader.
-void lineRules(Findings& findings);
+// Over the trace of the reader. wholeFile: it was not refused midway, so that what the trace lacks
+// is missing.
+void lineRules(Findings& findings, bool wholeFile);
 
 } // namespace lcp::companions

@@ -7,7 +7,7 @@ namespace lcp::companions {
 namespace {
 
 const TracedSection& sectionAt(int section) {
-  return TRACE.sections[static_cast<std::size_t>(section)];
+  return TRACE->sections()[static_cast<std::size_t>(section)];
 }
 
 bool storesInto(const KeyRow& key, const void* target) {
@@ -17,23 +17,28 @@ bool storesInto(const KeyRow& key, const void* target) {
 } // namespace
 
 std::string_view wordsOf(const TracedLine& line) {
-  const std::string_view text = line.text;
+  const std::string_view text = line.text.text();
   return text.substr(std::min(text.find_first_not_of(' '), text.size()));
+}
+
+std::span<const KeyRow> rowsOf(const TracedLine& line) {
+  return {line.rows, static_cast<std::size_t>(line.rowCount)};
 }
 
 std::string_view fieldOf(const TracedLine& line) { return valueField(*line.key, wordsOf(line)); }
 
 std::string_view headingOf(int section) {
   const int line = sectionAt(section).heading;
-  return line == 0 ? std::string_view() : wordsOf(TRACE.lines[static_cast<std::size_t>(line - 1)]);
+  return line == 0 ? std::string_view()
+                   : wordsOf(TRACE->lines()[static_cast<std::size_t>(line - 1)]);
 }
 
 int lineOf(const void* target, int section, int cable) {
   int found = 0;
-  for (const TracedLine& line : TRACE.lines) {
+  for (const TracedLine& line : TRACE->lines()) {
     if (line.key == nullptr || line.got != Got::Value || !storesInto(*line.key, target)) continue;
     if (section >= 0 && line.section != section) continue;
-    if (cable == 0 || line.cable == cable) found = line.number;
+    if (cable == 0 || line.open.cable == cable) found = line.number;
   }
   return found;
 }
@@ -44,7 +49,7 @@ int lineOrHeading(const void* target, int section) {
 }
 
 int positionLine(int section) {
-  for (const TracedLine& line : TRACE.lines) {
+  for (const TracedLine& line : TRACE->lines()) {
     const bool list =
         line.key != nullptr && line.key->kind == KeyKind::Items && line.key->least == 2;
     if (list && line.section == section) return line.number;
@@ -53,7 +58,7 @@ int positionLine(int section) {
 }
 
 int bundleLine(int section) {
-  for (const TracedLine& line : TRACE.lines) {
+  for (const TracedLine& line : TRACE->lines()) {
     const bool bundle = line.state == State::SubConductors && line.key != nullptr;
     if (bundle && sectionAt(line.section).parent == section) return line.number;
   }
@@ -62,16 +67,16 @@ int bundleLine(int section) {
 
 int headingLine(std::string_view beginning) {
   int found = 0;
-  for (const TracedLine& line : TRACE.lines) {
+  for (const TracedLine& line : TRACE->lines()) {
     if (line.heading.starts_with(beginning) && !line.heading.empty()) found = line.number;
   }
   return found;
 }
 
 int sectionOfConductor(double x, double y) {
-  const auto found = std::find_if(TRACE.conductors.begin(), TRACE.conductors.end(),
+  const auto found = std::find_if(TRACE->conductors().begin(), TRACE->conductors().end(),
                                   [&](const TracedConductor& c) { return c.x == x && c.y == y; });
-  return found == TRACE.conductors.end() ? 0 : found->section;
+  return found == TRACE->conductors().end() ? 0 : found->section;
 }
 
 } // namespace lcp::companions

@@ -1,14 +1,19 @@
 // Looks things up in the trace of the reader.
 #pragma once
 
+#include "input/key_rows.h"
 #include "input/line_trace.h"
 
+#include <span>
 #include <string_view>
 
 namespace lcp::companions {
 
 // The line without the blanks in front.
 std::string_view wordsOf(const TracedLine& line);
+
+// The keys that it was compared with.
+std::span<const KeyRow> rowsOf(const TracedLine& line);
 
 // What stands in the line from the value column of its key on.
 std::string_view fieldOf(const TracedLine& line);

@@ -74,8 +74,8 @@ int countNumbers(std::string_view field) {
 
 int itemsOf(const TracedLine& line) {
   const bool inPipe = line.state == State::CoaxCable &&
-                      TRACE.sections[static_cast<std::size_t>(line.section)].parent != 0;
-  if (line.key->least == EACH) return line.group;
+                      TRACE->sections()[static_cast<std::size_t>(line.section)].parent != 0;
+  if (line.key->least == EACH) return line.open.wires;
   return inPipe && line.key->least == 2 ? PLACESINPIPE : line.key->least;
 }
 

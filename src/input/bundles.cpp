@@ -86,7 +86,7 @@ void readPositions() {
   for (int c = 2; c <= READER.CURN; ++c) {
     if (!nextLine()) return;
     if (!READER.LINE.starts_with('P')) readError();
-    if (TRACE.on) tracePosition(POSITIONROW);
+    if (tracing()) tracePosition(POSITIONROW, openGroup());
     readPosition(firstEntry() + c - 1);
   }
 }

@@ -41,7 +41,7 @@ const KeyRow* findKey(std::span<const KeyRow> rows, std::string_view line) {
   const auto row = std::find_if(rows.begin(), rows.end(),
                                 [&](const KeyRow& r) { return line.starts_with(r.text); });
   const KeyRow* key = row == rows.end() ? nullptr : &*row;
-  if (TRACE.on) traceKey(rows, key);
+  if (tracing()) traceKeys(rows.data(), rows.size(), key);
   return key;
 }
 
@@ -56,7 +56,7 @@ Got readKey(const KeyRow& row, std::string_view line) {
   if (row.kind == KeyKind::Name) got = readName(row, field);
   if (row.kind < KeyKind::Name) got = readNumber(row, field);
   if (got == Got::Malformed) readError();
-  if (TRACE.on) traceValue(got);
+  if (tracing()) traceValue(got, openGroup());
   if (row.alsoSet != nullptr && got == Got::Value) *row.alsoSet = true;
   if (row.alsoMark != nullptr && got == Got::Value) markEntry(*row.alsoMark, row.entry);
   return got;

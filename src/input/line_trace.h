@@ -2,16 +2,17 @@
 // explains a description file to its user.
 #pragma once
 
+#include "base/table.h"
 #include "input/free_form.h"
-#include "input/key_rows.h"
-#include "input/reader_state.h"
+#include "store/capacities.h"
 
 #include <span>
-#include <string>
 #include <string_view>
-#include <vector>
 
 namespace lcp {
+
+struct KeyRow;
+enum class State;
 
 enum class LineFate {
   Skipped, // ahead of the start mark
@@ -21,22 +22,28 @@ enum class LineFate {
   Unknown  // announced and ignored
 };
 
+// What is open while a line is read.
+struct TracedGroup {
+  int wires = 0;         // conductors of the group
+  int subConductors = 0; // ... of a bundle of the circuit
+  int offsets = 0;       // offset lines of the bundle so far
+  int cable = 0;         // number of the cable
+};
+
 struct TracedLine {
-  int number = 0;                   // in the file, from 1
-  std::string text;                 // what is read of it
-  bool cut = false;                 // there was more
-  State state = State::BeforeStart; // in which it was met
-  int section = 0;                  // its section, an index of LineTrace::sections
+  int number = 0;             // in the file, from 1
+  TextField<LINELENGTH> text; // what is read of it
+  bool cut = false;           // there was more
+  State state{};              // in which it was met
+  int section = 0;            // its section
   LineFate fate = LineFate::Taken;
-  std::span<const KeyRow> rows;               // keys that it was compared with
+  const KeyRow* rows = nullptr; // keys that it was compared with
+  int rowCount = 0;
   std::span<const std::string_view> headings; // or headings
   const KeyRow* key = nullptr;                // the one that it begins with
   Got got = Got::None;                        // whether the key's value was read
   std::string_view heading;                   // the heading that it is
-  int group = 0;                              // conductors of the open group
-  int offsets = 0;                            // offset lines of the open bundle so far
-  int subConductors = 0;                      // sub-conductors of the open circuit
-  int cable = 0;                              // number of the cable that it goes to
+  TracedGroup open;
 };
 
 // A block between braces. The first one stands for what is outside of all.
@@ -51,24 +58,42 @@ struct TracedConductor {
   int section = 0;
 };
 
+constexpr int MOSTTRACED = 20000; // lines; what follows them is not traced
+
 struct LineTrace {
-  bool on = false;
-  std::vector<TracedLine> lines;
-  std::vector<TracedSection> sections;
-  std::vector<TracedConductor> conductors;
-  int open = 0; // the open section
+  bool on;
+  int lineCount, sectionCount, conductorCount;
+  int open; // the open section
+  Table<TracedLine, MOSTTRACED> lineStore;
+  Table<TracedSection, MOSTTRACED> sectionStore; // section 0 is the first entry
+  Table<TracedConductor, MAXCOND> conductorStore;
+
+  std::span<const TracedLine> lines() const { return {lineStore.data(), entries(lineCount)}; }
+  std::span<const TracedSection> sections() const {
+    return {sectionStore.data(), entries(sectionCount)};
+  }
+  std::span<const TracedConductor> conductors() const {
+    return {conductorStore.data(), entries(conductorCount)};
+  }
+
+private:
+  static constexpr std::size_t entries(int n) { return static_cast<std::size_t>(n); }
 };
 
-extern LineTrace TRACE;
+// Null unless a trace was asked for.
+extern LineTrace* TRACE;
 
-// Starts a trace with the next description file.
-void startTrace();
+inline bool tracing() { return TRACE != nullptr && TRACE->on; }
+
+// Starts a trace with the next description file. It is shared with processes forked from here, so
+// that one which the reader ends leaves it behind. False when there is no memory for it.
+bool startTrace();
 
 // What the reader tells while the trace is on.
-void traceRecord(); // a record was read
-void traceKey(std::span<const KeyRow> rows, const KeyRow* key);
-void traceValue(Got got);
-void tracePosition(const KeyRow& row); // a line of a position list
+void traceRecord(std::string_view text, bool cut, State state, TracedGroup open);
+void traceKeys(const KeyRow* rows, std::size_t count, const KeyRow* key);
+void traceValue(Got got, TracedGroup open);
+void tracePosition(const KeyRow& row, TracedGroup open); // a line of a position list
 void traceHeadings(std::span<const std::string_view> texts, std::string_view found);
 void traceFate(LineFate fate);
 void traceOpening();    // the line opens the section whose heading is the line before

@@ -223,7 +223,7 @@ bool topLevelLine() {
   const auto heading = std::find_if(HEADINGS.begin(), HEADINGS.end(), [](const Heading& h) {
     return READER.LINE.starts_with(h.text);
   });
-  if (TRACE.on) tellHeadings(heading == HEADINGS.end() ? std::string_view() : heading->text);
+  if (tracing()) tellHeadings(heading == HEADINGS.end() ? std::string_view() : heading->text);
   if (heading == HEADINGS.end()) return false;
   if (heading->effect == Effect::End) READER.ended = true;
   if (heading->effect == Effect::Debug) readDebugKey();
@@ -236,16 +236,13 @@ bool topLevelLine() {
   return true;
 }
 
-void tellClosing() {
-  traceConductors();
-  traceClosing();
-}
-
 // The line behind the name of an external file is dropped; it is the closing mark of the tower.
 bool externalLine() {
   readExternalConductors();
   READER.RSTATE = State::TopLevel;
-  if (TRACE.on) tellClosing();
+  if (!tracing()) return true;
+  traceConductors();
+  traceClosing();
   return true;
 }
 
@@ -290,7 +287,7 @@ LineFate fateOf(bool comment) {
 void ignoreUnknownLine() {
   const std::string& raw = READER.RAWLINE;
   const bool comment = READER.LINE.empty() || raw[0] == '!' || raw[0] == 'C';
-  if (TRACE.on) traceFate(fateOf(comment));
+  if (tracing()) traceFate(fateOf(comment));
   if (comment) return;
   console::print("Unknown Data Line Ignored: {}", raw.substr(0, raw.find_last_not_of(' ') + 1));
 }
@@ -303,7 +300,9 @@ const StateRow& currentState() {
 void closeBlock(const StateRow& row) {
   READER.RSTATE = row.closedTo;
   if (row.finish != nullptr) row.finish();
-  if (TRACE.on) tellClosing();
+  if (!tracing()) return;
+  if (row.state != State::SubConductors) traceConductors(); // the circuit is still open
+  traceClosing();
 }
 
 void takeLine() {

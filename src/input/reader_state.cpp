@@ -4,7 +4,6 @@
 #include "base/open_files.h"
 #include "base/stop.h"
 #include "base/text_source.h"
-#include "input/line_trace.h"
 #include "store/rundata.h"
 
 #include <unistd.h>
@@ -49,16 +48,18 @@ bool nextLine() {
   READER.wasCut = source.wasCut();
   const std::string_view raw = READER.RAWLINE;
   READER.LINE = raw.substr(std::min(raw.find_first_not_of(' '), raw.size()));
-  if (TRACE.on) traceRecord();
+  if (tracing()) traceRecord(READER.RAWLINE, READER.wasCut, READER.RSTATE, openGroup());
   return true;
 }
 
 bool takeOpeningBrace() {
   if (!nextLine()) return false;
   if (!READER.LINE.starts_with('{')) readError();
-  if (TRACE.on) traceOpening();
+  if (tracing()) traceOpening();
   return true;
 }
+
+TracedGroup openGroup() { return {READER.CURN, READER.CURSUB, READER.offsetLine, READER.CURCABLE}; }
 
 int firstEntry() { return RUNDATA.cond.NCOND - READER.CURN + 1; }
 

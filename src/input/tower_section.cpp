@@ -267,7 +267,7 @@ bool subConductorLine() {
     std::array<double, 2> offset{};
     if (line.size() > POSITIONCOLUMN && !readReals(line.substr(POSITIONCOLUMN), offset))
       readError();
-    if (TRACE.on) tracePosition(POSITIONROW);
+    if (tracing()) tracePosition(POSITIONROW, openGroup());
     moveSubConductors(++READER.offsetLine, {offset[0], offset[1]});
     return true;
   }
