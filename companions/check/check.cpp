@@ -1,15 +1,25 @@
 #include "companions/check/check.h"
 
+#include "companions/check/finding.h"
+#include "companions/check/geometry_rules.h"
+#include "companions/check/line_rules.h"
+#include "companions/check/option_rules.h"
+#include "companions/check/traced.h"
+#include "companions/check/understood.h"
 #include "companions/shared/arguments.h"
 #include "companions/shared/captured_run.h"
+#include "store/rundata.h"
 
+#include <algorithm>
 #include <fmt/format.h>
+#include <sstream>
 
 namespace lcp::companions {
 
 namespace {
 
 constexpr int CLEAN = 0;
+constexpr int FOUND = 1;
 constexpr int REFUSED = 2;
 
 constexpr double USUALLENGTH = 1e4; // m
@@ -23,18 +33,116 @@ constexpr Program CHECK = {"corvo-check",
                            1,
                            OPTIONS};
 
+// Words of the reader on the console, but for what the line rules tell better and for its rules.
+void readerWarnings(Findings& findings, const CapturedRun& read) {
+  std::istringstream lines(fmt::format("{}\n{}", read.console, read.errors));
+  std::string all;
+  for (std::string line; std::getline(lines, line);) {
+    const std::size_t first = line.find_first_not_of(" *-=");
+    if (first == std::string::npos || line.starts_with("Unknown Data Line Ignored:")) continue;
+    if (!all.empty()) all += ' ';
+    all += line.substr(line.find_first_not_of(' '));
+  }
+  if (!all.empty()) add(findings, 0, Kind::ReaderWarning, all);
+}
+
+Findings findAll(const CapturedRun& read) {
+  Findings findings;
+  readerWarnings(findings, read);
+  lineRules(findings, true);
+  if (RUNDATA.run.DATAFMT == ROUTECONSTANTS) {
+    conductorRules(findings);
+    if (RUNDATA.run.ISCABLE != OVERHEADLINE) cableRules(findings);
+    soilRules(findings);
+  }
+  optionRules(findings);
+  sortFindings(findings);
+  return findings;
+}
+
+// Bytes that a terminal would take for orders are shown as question marks.
+std::string printable(std::string_view text) {
+  std::string shown(text);
+  std::replace_if(
+      shown.begin(), shown.end(), [](char c) { return (c >= 0 && c < ' ') || c == '\x7f'; }, '?');
+  return shown;
+}
+
+std::string_view lineText(int number) {
+  if (number < 1) return {};
+  return wordsOf(TRACE->lines()[static_cast<std::size_t>(number - 1)]);
+}
+
+void printFindings(const Findings& findings) {
+  int line = -1;
+  for (const Finding& f : findings) {
+    if (f.line != line && f.line == 0) fmt::print("the file\n");
+    if (f.line != line && f.line != 0)
+      fmt::print("line {}: {}\n", f.line, printable(lineText(f.line)));
+    line = f.line;
+    fmt::print("  {} [{}] {}\n", rowOf(f.kind).severity, rowOf(f.kind).id, printable(f.text));
+  }
+  fmt::print("{} finding{}\n", findings.size(), findings.size() == 1 ? "" : "s");
+}
+
+void printJson(const Json& document) {
+  fmt::print("{}\n", document.dump(2, ' ', false, Json::error_handler_t::replace));
+}
+
+Json findingsAsJson(const Findings& findings) {
+  Json rows = Json::array();
+  for (const Finding& f : findings) {
+    rows.push_back({{"line", f.line},
+                    {"kind", rowOf(f.kind).id},
+                    {"severity", rowOf(f.kind).severity},
+                    {"text", f.text},
+                    {"source", lineText(f.line)}});
+  }
+  return rows;
+}
+
+int tellRefusal(const std::string& file, const CapturedRun& read, bool json) {
+  Findings findings;
+  lineRules(findings, false);
+  sortFindings(findings);
+  if (json) {
+    printJson({{"file", file},
+               {"status", REFUSED},
+               {"message", read.console},
+               {"findings", findingsAsJson(findings)}});
+  } else {
+    fmt::print("{}", read.console);
+    if (!findings.empty()) fmt::print("\n");
+    if (!findings.empty()) printFindings(findings);
+  }
+  if (read.status < 0) giveUp("corvo-check", "the reader broke down");
+  return REFUSED;
+}
+
 } // namespace
 
 int checkDescription(std::span<char* const> arguments) {
   const Arguments given = parseArguments(CHECK, arguments);
   const double length = given.numberOr("/length", USUALLENGTH);
-  const CapturedRun read = readInChild(given.words[0], length);
-  if (read.status != 0) {
-    fmt::print("{}", read.console);
-    return REFUSED;
+  const std::string& file = given.words[0];
+  const bool json = given.has("--json");
+  if (!startTrace()) giveUp("corvo-check", "there is no memory for the lines of the file");
+  const CapturedRun read = readInChild(file, length);
+  TRACE->on = false;
+  if (read.status != 0) return tellRefusal(file, read, json);
+  readHere(file, length);
+  const Findings findings = findAll(read);
+  const int status = findings.empty() ? CLEAN : FOUND;
+  if (json) {
+    printJson({{"file", file},
+               {"status", status},
+               {"findings", findingsAsJson(findings)},
+               {"understood", understood()}});
+  } else {
+    printFindings(findings);
+    fmt::print("{}", tablesAsText(understood()));
   }
-  readHere(given.words[0], length);
-  return CLEAN;
+  return std::fflush(stdout) == 0 ? status : REFUSED;
 }
 
 } // namespace lcp::companions

@@ -3,7 +3,7 @@
 #include "base/console.h"
 #include "base/constants.h"
 #include "base/number_forms.h"
-#include "input/key_rows.h"
+#include "input/line_trace.h"
 #include "input/reader_state.h"
 #include "store/rundata.h"
 
@@ -13,8 +13,6 @@
 namespace lcp {
 
 namespace {
-
-constexpr int POSITIONCOLUMN = 5;
 
 // Angle of the first sub-conductor of bundles of 2, 3, ... 15.
 constexpr std::array<double, MAXSUB - 1> STARTANGLES = {
@@ -88,6 +86,7 @@ void readPositions() {
   for (int c = 2; c <= READER.CURN; ++c) {
     if (!nextLine()) return;
     if (!READER.LINE.starts_with('P')) readError();
+    if (tracing()) tracePosition(POSITIONROW, openGroup());
     readPosition(firstEntry() + c - 1);
   }
 }

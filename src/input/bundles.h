@@ -1,7 +1,13 @@
 // Geometry of bundles and position lists.
 #pragma once
 
+#include "input/key_rows.h"
+
 namespace lcp {
+
+// Lines of position and offset lists: P, a number, and x and y from a fixed column on.
+constexpr int POSITIONCOLUMN = 5; // counted from 0
+constexpr KeyRow POSITIONROW = itemsKey("P", NORULE).at(POSITIONCOLUMN).taking(2).in("m");
 
 // A displacement, m.
 struct Offset {

@@ -14,21 +14,21 @@ namespace {
 enum Rule { NUMBER = 1, POSITION };
 
 constexpr KeyRow rows[] = {
-    bareKey("Cable Number", NUMBER),
-    bareKey("P1", POSITION),
-    realKey("Nominal Conductor Area", &RUNDATA.cable.fourWire.FWAREA),
-    realKey("Insulator Thickness", &RUNDATA.cable.fourWire.FWTINS),
-    realKey("Polyester Tape Thickness", &RUNDATA.cable.fourWire.FWTTAPE),
-    realKey("Outer Mantle Thickness", &RUNDATA.cable.fourWire.FWTMANT),
-    realKey("Conductor Resistivity", &RUNDATA.cable.fourWire.FWRHO),
-    realKey("Conductor Permeability", &READER.dropped),
-    realKey("Insulator Relative Permittivity", &RUNDATA.cable.fourWire.FWEPSI),
-    realKey("Insulator Permeability", &READER.dropped),
-    realKey("Polyester Tape Relative Permittivity", &RUNDATA.cable.fourWire.FWEPST),
-    realKey("Polyester Tape Permeability", &READER.dropped),
-    realKey("Outer Mantle Relative Permittivity", &RUNDATA.cable.fourWire.FWEPSM),
-    realKey("Outer Mantle Permeability", &READER.dropped),
-    bareKey("Name", NORULE),
+    itemsKey("Cable Number", NUMBER).leading(),
+    itemsKey("P1", POSITION).taking(2).in("m"),
+    realKey("Nominal Conductor Area", &RUNDATA.cable.fourWire.FWAREA).in("mm^2"),
+    realKey("Insulator Thickness", &RUNDATA.cable.fourWire.FWTINS).in("m"),
+    realKey("Polyester Tape Thickness", &RUNDATA.cable.fourWire.FWTTAPE).in("m"),
+    realKey("Outer Mantle Thickness", &RUNDATA.cable.fourWire.FWTMANT).in("m"),
+    realKey("Conductor Resistivity", &RUNDATA.cable.fourWire.FWRHO).in("ohm m"),
+    realKey("Conductor Permeability", &READER.dropped).in("1"),
+    realKey("Insulator Relative Permittivity", &RUNDATA.cable.fourWire.FWEPSI).in("1"),
+    realKey("Insulator Permeability", &READER.dropped).in("1"),
+    realKey("Polyester Tape Relative Permittivity", &RUNDATA.cable.fourWire.FWEPST).in("1"),
+    realKey("Polyester Tape Permeability", &READER.dropped).in("1"),
+    realKey("Outer Mantle Relative Permittivity", &RUNDATA.cable.fourWire.FWEPSM).in("1"),
+    realKey("Outer Mantle Permeability", &READER.dropped).in("1"),
+    markKey("Name", NORULE),
 };
 static_assert(noRowHidden(rows));
 

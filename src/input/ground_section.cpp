@@ -14,13 +14,15 @@ enum Rule { EXPONENT = 1, ALLFORMULAS };
 
 constexpr KeyRow rows[] = {
     setBy1Key("Ground Resistivity Type", &RUNDATA.ground.GRTYPE),
-    realKey("GroundResistivity", &RUNDATA.ground.GRHO),
-    realKey("Low Frequency Ground Conductivity", &RUNDATA.ground.GSIGLF),
-    realKey("FD Ground Conductivity and Permitivity", &RUNDATA.ground.GFDSIG),
-    realKey("FD Factor", &RUNDATA.ground.GFDFAC).then(EXPONENT),
-    realKey("GroundPermeability", &RUNDATA.ground.GMUR),
-    realKey("GroundPermittivity", &RUNDATA.ground.GEPSR),
-    integerKey("EarthImpedanceFormula", &RUNDATA.ground.EARTHF).then(ALLFORMULAS),
+    realKey("GroundResistivity", &RUNDATA.ground.GRHO).in("ohm m"),
+    realKey("Low Frequency Ground Conductivity", &RUNDATA.ground.GSIGLF).in("S/m"),
+    realKey("FD Ground Conductivity and Permitivity", &RUNDATA.ground.GFDSIG).in("S/m"),
+    realKey("FD Factor", &RUNDATA.ground.GFDFAC).in("1").then(EXPONENT),
+    realKey("GroundPermeability", &RUNDATA.ground.GMUR).in("1"),
+    realKey("GroundPermittivity", &RUNDATA.ground.GEPSR).in("1"),
+    integerKey("EarthImpedanceFormula", &RUNDATA.ground.EARTHF)
+        .then(ALLFORMULAS)
+        .undoing("EarthUImpedanceFormula", "EarthMImpedanceFormula"),
     integerKey("EarthUImpedanceFormula", &RUNDATA.ground.EARTHFU),
     integerKey("EarthMImpedanceFormula", &RUNDATA.ground.EARTHFM),
 };

@@ -1,5 +1,7 @@
 #include "input/key_rows.h"
 
+#include "input/line_trace.h"
+
 #include <algorithm>
 
 namespace lcp {
@@ -38,7 +40,9 @@ Got readName(const KeyRow& row, std::string_view field) {
 const KeyRow* findKey(std::span<const KeyRow> rows, std::string_view line) {
   const auto row = std::find_if(rows.begin(), rows.end(),
                                 [&](const KeyRow& r) { return line.starts_with(r.text); });
-  return row == rows.end() ? nullptr : &*row;
+  const KeyRow* key = row == rows.end() ? nullptr : &*row;
+  if (tracing()) traceKeys(rows.data(), rows.size(), key);
+  return key;
 }
 
 std::string_view valueField(const KeyRow& row, std::string_view line) {
@@ -50,8 +54,9 @@ Got readKey(const KeyRow& row, std::string_view line) {
   const std::string_view field = valueField(row, line);
   Got got = Got::None;
   if (row.kind == KeyKind::Name) got = readName(row, field);
-  if (row.kind != KeyKind::Name && row.kind != KeyKind::Bare) got = readNumber(row, field);
+  if (row.kind < KeyKind::Name) got = readNumber(row, field);
   if (got == Got::Malformed) readError();
+  if (tracing()) traceValue(got, openGroup());
   if (row.alsoSet != nullptr && got == Got::Value) *row.alsoSet = true;
   if (row.alsoMark != nullptr && got == Got::Value) markEntry(*row.alsoMark, row.entry);
   return got;

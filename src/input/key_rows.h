@@ -23,14 +23,17 @@ enum class KeyKind {
   SetBy1,  // an integer; 1 sets the flag, other values do nothing
   IsIt1,   // an integer; 1 sets the flag, other values clear it
   Name,    // one word into a file name
-  Bare     // no value of the usual form: the rule reads what it needs
+  Items,   // free-form items, which the rule reads
+  Text,    // a text, which the rule takes
+  Mark     // no value
 };
 
 constexpr int NORULE = 0;
+constexpr int EACH = -1; // an item for each conductor of the group
 
 struct KeyRow {
   std::string_view text;
-  KeyKind kind = KeyKind::Bare;
+  KeyKind kind = KeyKind::Mark;
   int column = 0; // where the value starts in the line, counted from 0
   double factor = 1.0;
   double floor = -std::numeric_limits<double>::infinity();
@@ -43,6 +46,14 @@ struct KeyRow {
   CondReals* reals = nullptr;
   bool* alsoSet = nullptr;       // a flag that reading the key sets, whatever its value
   CondFlags* alsoMark = nullptr; // ... the entry's mark in the conductor table
+
+  // What the reader does not need, for who explains a description.
+  std::string_view unit;            // of the value; "1" a pure number, empty where none is known
+  int least = 1;                    // items that it takes
+  bool leads = false;               // keys of the section that stand ahead of it go elsewhere
+  bool repeats = false;             // may stand several times in its section
+  std::string_view needs;           // a key of the section that must stand ahead of it
+  std::string_view undoes, undoes2; // keys whose values it takes back when they stand ahead of it
 
   // The row with one member changed.
   template <class T> constexpr KeyRow with(T KeyRow::*member, T value) const {
@@ -58,20 +69,33 @@ struct KeyRow {
   constexpr KeyRow then(int r) const { return with(&KeyRow::rule, r); }
   constexpr KeyRow setting(bool* f) const { return with(&KeyRow::alsoSet, f); }
   constexpr KeyRow marking(CondFlags* f) const { return with(&KeyRow::alsoMark, f); }
+  constexpr KeyRow in(std::string_view u) const { return with(&KeyRow::unit, u); }
+  constexpr KeyRow taking(int n) const { return with(&KeyRow::least, n); }
+  constexpr KeyRow leading() const { return with(&KeyRow::leads, true); }
+  constexpr KeyRow many() const { return with(&KeyRow::repeats, true); }
+  constexpr KeyRow behind(std::string_view key) const { return with(&KeyRow::needs, key); }
+  constexpr KeyRow undoing(std::string_view key, std::string_view key2 = {}) const {
+    return with(&KeyRow::undoes, key).with(&KeyRow::undoes2, key2);
+  }
 };
 
 // Rows for each kind. The value starts two characters behind the key: a colon and a blank.
-constexpr KeyRow bareKey(std::string_view text, int rule) {
+constexpr KeyRow keyOf(std::string_view text, KeyKind kind, int rule = NORULE) {
   KeyRow row;
   row.text = text;
+  row.kind = kind;
   row.column = static_cast<int>(text.size()) + 2;
   row.rule = rule;
   return row;
 }
-constexpr KeyRow keyOf(std::string_view text, KeyKind kind) {
-  KeyRow row = bareKey(text, NORULE);
-  row.kind = kind;
-  return row;
+constexpr KeyRow itemsKey(std::string_view text, int rule) {
+  return keyOf(text, KeyKind::Items, rule);
+}
+constexpr KeyRow textKey(std::string_view text, int rule) {
+  return keyOf(text, KeyKind::Text, rule);
+}
+constexpr KeyRow markKey(std::string_view text, int rule) {
+  return keyOf(text, KeyKind::Mark, rule);
 }
 constexpr KeyRow realKey(std::string_view text, double* target) {
   KeyRow row = keyOf(text, KeyKind::Real);

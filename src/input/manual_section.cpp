@@ -62,17 +62,19 @@ constexpr GroupField fields[] = {
 static_assert(std::size(fields) == B0M - R1 + 1);
 
 constexpr KeyRow groupKey(std::string_view text, Rule field) {
-  return realKey(text, &READER.dropped).then(field);
+  return realKey(text, &READER.dropped).then(field).behind("Data Entry Format");
 }
 
 constexpr KeyRow rows[] = {
     integerKey("Number of Conductors", &READER.droppedInteger).then(CONDUCTORCOUNT),
-    bareKey("Data Entry Format", FORMAT).at(20),
-    nameKey("Y,Z Input File Name", &RUNDATA.manual.YZFILE).then(DATAFILE),
+    textKey("Data Entry Format", FORMAT).at(20),
+    nameKey("Y,Z Input File Name", &RUNDATA.manual.YZFILE)
+        .then(DATAFILE)
+        .behind("Data Entry Format"),
     integerKey("Long Line Corrected", &RUNDATA.manual.LONGLINE),
     integerKey("YZ Data Format", &RUNDATA.manual.YZFMT),
-    realKey("Voltage Rating (kV L-L RMS)", &RUNDATA.manual.VRATE),
-    realKey("Total MVA Rating", &RUNDATA.manual.MVARATE),
+    realKey("Voltage Rating (kV L-L RMS)", &RUNDATA.manual.VRATE).in("kV"),
+    realKey("Total MVA Rating", &RUNDATA.manual.MVARATE).in("MVA"),
     groupKey("+ve Sequence Resistance", R1),
     groupKey("0 Sequence Resistance", R0),
     groupKey("0 Sequence Mutual Resistance", R0M),
@@ -85,16 +87,16 @@ constexpr KeyRow rows[] = {
     groupKey("0 Sequence Capacitive Susceptance", B0),
     groupKey("0 Sequence Mutual Capacitive Reactance", XC0M),
     groupKey("0 Sequence Mutual Capacitive Susceptance", B0M),
-    realKey("+ve Sequence Travel Time", &RUNDATA.manual.MANSEQ.SEQSURGE.T1),
-    realKey("0 Sequence Travel Time", &RUNDATA.manual.MANSEQ.SEQSURGE.T0),
-    realKey("0 Sequence Mutual Travel Time", &RUNDATA.manual.MANSEQ.SEQSURGE.T0M),
-    realKey("+ve Sequence Surge Impedance", &RUNDATA.manual.MANSEQ.SEQSURGE.ZC1),
-    realKey("0 Sequence Surge Impedance", &RUNDATA.manual.MANSEQ.SEQSURGE.ZC0),
-    realKey("0 Sequence Mutual Surge Impedance", &RUNDATA.manual.MANSEQ.SEQSURGE.ZC0M),
+    realKey("+ve Sequence Travel Time", &RUNDATA.manual.MANSEQ.SEQSURGE.T1).in("s/m"),
+    realKey("0 Sequence Travel Time", &RUNDATA.manual.MANSEQ.SEQSURGE.T0).in("s/m"),
+    realKey("0 Sequence Mutual Travel Time", &RUNDATA.manual.MANSEQ.SEQSURGE.T0M).in("s/m"),
+    realKey("+ve Sequence Surge Impedance", &RUNDATA.manual.MANSEQ.SEQSURGE.ZC1).in("ohm"),
+    realKey("0 Sequence Surge Impedance", &RUNDATA.manual.MANSEQ.SEQSURGE.ZC0).in("ohm"),
+    realKey("0 Sequence Mutual Surge Impedance", &RUNDATA.manual.MANSEQ.SEQSURGE.ZC0M).in("ohm"),
     integerKey("Estimate Zero Sequence", &RUNDATA.manual.ESTZERO),
-    realKey("Estimation Ratio for 0-Seq.-R/+ve-Seq.-R", &RUNDATA.manual.RATIOR),
-    realKey("Estimation Ratio for 0-Seq.-Z/+ve-Seq.-Z", &RUNDATA.manual.RATIOZ),
-    realKey("Estimation Ratio for 0-Seq.-T/+ve-Seq.-T", &RUNDATA.manual.RATIOT),
+    realKey("Estimation Ratio for 0-Seq.-R/+ve-Seq.-R", &RUNDATA.manual.RATIOR).in("1"),
+    realKey("Estimation Ratio for 0-Seq.-Z/+ve-Seq.-Z", &RUNDATA.manual.RATIOZ).in("1"),
+    realKey("Estimation Ratio for 0-Seq.-T/+ve-Seq.-T", &RUNDATA.manual.RATIOT).in("1"),
 };
 static_assert(noRowHidden(rows));
 

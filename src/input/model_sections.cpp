@@ -12,10 +12,12 @@ constexpr double LOWESTFREQ = 0.001; // Hz
 constexpr int LEASTINCREMENTS = 100; // of the fit range
 
 constexpr KeyRow bergeronRows[] = {
-    realKey("Frequency for Loss Approximation", &RUNDATA.bergeron.FLOSS).atLeast(LOWESTFREQ),
+    realKey("Frequency for Loss Approximation", &RUNDATA.bergeron.FLOSS)
+        .in("Hz")
+        .atLeast(LOWESTFREQ),
     integerKey("High Frequency Approximation", &RUNDATA.bergeron.HFAPPROX),
-    realKey("Shaping Time Constant (0 Seq.)", &RUNDATA.bergeron.TAU0),
-    realKey("Shaping Time Constant (Metallic)", &RUNDATA.bergeron.TAUMET),
+    realKey("Shaping Time Constant (0 Seq.)", &RUNDATA.bergeron.TAU0).in("s"),
+    realKey("Shaping Time Constant (Metallic)", &RUNDATA.bergeron.TAUMET).in("s"),
     isIt1Key("Interpolate Travel Times", &RUNDATA.flags.INTTT),
     isIt1Key("Infinite Line Length", &RUNDATA.flags.INFLEN),
 };
@@ -24,40 +26,41 @@ static_assert(noRowHidden(bergeronRows));
 enum FitRule { INCREMENTS = 1, DCCORRECTION };
 
 constexpr KeyRow fitRows[] = {
-    realKey("Curve Fitting Start Frequency", &RUNDATA.fit.FSTART),
-    realKey("Curve Fitting End Frequency", &RUNDATA.fit.FEND),
+    realKey("Curve Fitting Start Frequency", &RUNDATA.fit.FSTART).in("Hz"),
+    realKey("Curve Fitting End Frequency", &RUNDATA.fit.FEND).in("Hz"),
     integerKey("Total Number of Frequency Increments", &RUNDATA.fit.NFINC).then(INCREMENTS),
     integerKey("DC Correction Type", &RUNDATA.fit.DCCORR).then(DCCORRECTION),
     realKey("Cable Shunt Conductance", &RUNDATA.fit.CSHUNTG),
     integerKey("Cable dielectric loss method", &RUNDATA.fit.DIELM),
     setBy1Key("Eliminate Error at High Frequency", &RUNDATA.fit.ELIMHF),
     realKey("Lower frequency for passivity check", &RUNDATA.passivity.PFLO)
+        .in("Hz")
         .setting(&RUNDATA.passivity.PFLOSET),
-    realKey("Upper frequency for passivity check", &RUNDATA.passivity.PFHI),
+    realKey("Upper frequency for passivity check", &RUNDATA.passivity.PFHI).in("Hz"),
     integerKey("Frequency increments for passivity check", &RUNDATA.passivity.NPFINC),
     integerKey("Frequency distribution for passivity check", &RUNDATA.passivity.PFDIST),
     integerKey("Maximum iterations for passivity", &RUNDATA.passivity.PMAXIT)
         .setting(&RUNDATA.passivity.PITERSET),
-    realKey("Maximum relative error for passivity", &RUNDATA.passivity.PMAXERR),
-    realKey("Eigenvalue tolerence", &RUNDATA.passivity.PEIGTOL),
+    realKey("Maximum relative error for passivity", &RUNDATA.passivity.PMAXERR).in("%"),
+    realKey("Eigenvalue tolerence", &RUNDATA.passivity.PEIGTOL).in("S"),
     isIt1Key("Smart Frequency Selection", &RUNDATA.fit.SMARTF),
-    realKey("Frequency to Calculate Constant Transform", &RUNDATA.fit.FCT),
+    realKey("Frequency to Calculate Constant Transform", &RUNDATA.fit.FCT).in("Hz"),
     integerKey("Maximum # of Poles for Surge Impedance Fit", &RUNDATA.fit.MAXPZ),
     integerKey("Maximum # of Poles for Surge Admittance Fit", &RUNDATA.fit.MAXPY),
     integerKey("Maximum # of Poles for Series Impedance Fit", &RUNDATA.fit.MAXPZ),
     integerKey("Maximum # of Poles for Attenuation Constant Fit", &RUNDATA.fit.MAXPA),
-    realKey("Maximum Fitting Error (%) for Surge Impedance", &RUNDATA.fit.ERRZ),
-    realKey("Maximum Fitting Error (%) for Surge Admittance", &RUNDATA.fit.ERRY),
-    realKey("Maximum Fitting Error (%) for Series Impedance", &RUNDATA.fit.ERRZ),
-    realKey("Maximum Fitting Error (%) for Attenuation Constant", &RUNDATA.fit.ERRA),
+    realKey("Maximum Fitting Error (%) for Surge Impedance", &RUNDATA.fit.ERRZ).in("%"),
+    realKey("Maximum Fitting Error (%) for Surge Admittance", &RUNDATA.fit.ERRY).in("%"),
+    realKey("Maximum Fitting Error (%) for Series Impedance", &RUNDATA.fit.ERRZ).in("%"),
+    realKey("Maximum Fitting Error (%) for Attenuation Constant", &RUNDATA.fit.ERRA).in("%"),
     realKey("Voltage Maximum", &RUNDATA.fit.VMAX),
-    realKey("Maximum Fitting Error (%) for Time Delay Extraction", &RUNDATA.fit.ERRTD),
+    realKey("Maximum Fitting Error (%) for Time Delay Extraction", &RUNDATA.fit.ERRTD).in("%"),
     integerKey("Starting # of Poles for Trace of H Fit", &RUNDATA.fit.NPTRH),
-    realKey("Maximum Fitting Error (%) for Trace of H", &RUNDATA.fit.ERRTRH),
-    realKey("Maximum Residue/Pole Ratio Tolerance", &RUNDATA.fit.RPRATIO),
-    realKey("Weighting Factor 1", &RUNDATA.fit.WF1),
-    realKey("Weighting Factor 2", &RUNDATA.fit.WF2),
-    realKey("Weighting Factor 3", &RUNDATA.fit.WF3),
+    realKey("Maximum Fitting Error (%) for Trace of H", &RUNDATA.fit.ERRTRH).in("%"),
+    realKey("Maximum Residue/Pole Ratio Tolerance", &RUNDATA.fit.RPRATIO).in("1"),
+    realKey("Weighting Factor 1", &RUNDATA.fit.WF1).in("1"),
+    realKey("Weighting Factor 2", &RUNDATA.fit.WF2).in("1"),
+    realKey("Weighting Factor 3", &RUNDATA.fit.WF3).in("1"),
     isIt1Key("Interpolate Travel Times", &RUNDATA.flags.INTTT),
     isIt1Key("Infinite Line Length", &RUNDATA.flags.INFLEN),
     isIt1Key("Write Detailed Output Files", &RUNDATA.fit.WDETAIL),
@@ -67,14 +70,17 @@ static_assert(noRowHidden(fitRows));
 enum DisplayRule { RECIPROCAL = 1 };
 
 constexpr KeyRow displayRows[] = {
-    realKey("Frequency for Calculation", &RUNDATA.display.DISPFREQ).at(28).atLeast(LOWESTFREQ),
+    realKey("Frequency for Calculation", &RUNDATA.display.DISPFREQ)
+        .in("Hz")
+        .at(28)
+        .atLeast(LOWESTFREQ),
     realKey("Zero Tolerance for Display", &RUNDATA.display.ZEROTOL).at(29),
-    realKey("Base Voltage for Display", &RUNDATA.display.VBASEDISP).at(27),
-    realKey("Base MVA for Display", &RUNDATA.display.MVABASEDISP).at(23),
+    realKey("Base Voltage for Display", &RUNDATA.display.VBASEDISP).in("kV").at(27),
+    realKey("Base MVA for Display", &RUNDATA.display.MVABASEDISP).in("MVA").at(23),
     setBy1Key("Manual Output File", &RUNDATA.display.MANOUT).at(21),
     nameKey("Man. Output File Name", &RUNDATA.display.MANOUTF).at(24),
     setBy1Key("Create PI-Section", &RUNDATA.display.CREATEPI),
-    realKey("Parallel R Limit", &RUNDATA.display.GPARLIM).then(RECIPROCAL),
+    realKey("Parallel R Limit", &RUNDATA.display.GPARLIM).in("ohm").then(RECIPROCAL),
 };
 static_assert(noRowHidden(displayRows));
 

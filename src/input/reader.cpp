@@ -7,6 +7,7 @@
 #include "base/stop.h"
 #include "input/external_conductors.h"
 #include "input/key_rows.h"
+#include "input/line_trace.h"
 #include "input/manual_section.h"
 #include "input/open_cable.h"
 #include "input/post_read.h"
@@ -202,17 +203,27 @@ void applyEffect(Effect effect) {
 }
 
 void readDebugKey() {
-  constexpr KeyRow row = bareKey("Line Constants Debug", NORULE);
+  constexpr KeyRow row = itemsKey("Line Constants Debug", NORULE);
   int value = 0;
   const Got got = readInteger(valueField(row, READER.LINE), value);
   if (got == Got::Malformed) readError();
   if (got == Got::Value) setDebugFile(value == 1);
 }
 
+void tellHeadings(std::string_view found) {
+  static constexpr auto texts = [] {
+    std::array<std::string_view, HEADINGS.size()> all;
+    for (std::size_t i = 0; i < all.size(); ++i) all[i] = HEADINGS[i].text;
+    return all;
+  }();
+  traceHeadings(texts, found);
+}
+
 bool topLevelLine() {
   const auto heading = std::find_if(HEADINGS.begin(), HEADINGS.end(), [](const Heading& h) {
     return READER.LINE.starts_with(h.text);
   });
+  if (tracing()) tellHeadings(heading == HEADINGS.end() ? std::string_view() : heading->text);
   if (heading == HEADINGS.end()) return false;
   if (heading->effect == Effect::End) READER.ended = true;
   if (heading->effect == Effect::Debug) readDebugKey();
@@ -229,6 +240,9 @@ bool topLevelLine() {
 bool externalLine() {
   readExternalConductors();
   READER.RSTATE = State::TopLevel;
+  if (!tracing()) return true;
+  traceConductors();
+  traceClosing();
   return true;
 }
 
@@ -265,9 +279,16 @@ void noteWhatIsMissing() {
   }
 }
 
+LineFate fateOf(bool comment) {
+  if (READER.LINE.empty()) return LineFate::Blank;
+  return comment ? LineFate::Comment : LineFate::Unknown;
+}
+
 void ignoreUnknownLine() {
   const std::string& raw = READER.RAWLINE;
-  if (READER.LINE.empty() || raw[0] == '!' || raw[0] == 'C') return;
+  const bool comment = READER.LINE.empty() || raw[0] == '!' || raw[0] == 'C';
+  if (tracing()) traceFate(fateOf(comment));
+  if (comment) return;
   console::print("Unknown Data Line Ignored: {}", raw.substr(0, raw.find_last_not_of(' ') + 1));
 }
 
@@ -279,6 +300,9 @@ const StateRow& currentState() {
 void closeBlock(const StateRow& row) {
   READER.RSTATE = row.closedTo;
   if (row.finish != nullptr) row.finish();
+  if (!tracing()) return;
+  if (row.state != State::SubConductors) traceConductors(); // the circuit is still open
+  traceClosing();
 }
 
 void takeLine() {

@@ -49,14 +49,18 @@ bool nextLine() {
   READER.wasCut = source.wasCut();
   const std::string_view raw = READER.RAWLINE;
   READER.LINE = raw.substr(std::min(raw.find_first_not_of(' '), raw.size()));
+  if (tracing()) traceRecord(READER.RAWLINE, READER.wasCut, READER.RSTATE, openGroup());
   return true;
 }
 
 bool takeOpeningBrace() {
   if (!nextLine()) return false;
   if (!READER.LINE.starts_with('{')) readError();
+  if (tracing()) traceOpening();
   return true;
 }
+
+TracedGroup openGroup() { return {READER.CURN, READER.CURSUB, READER.offsetLine, READER.CURCABLE}; }
 
 int firstEntry() { return RUNDATA.cond.NCOND - READER.CURN + 1; }
 

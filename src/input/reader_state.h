@@ -1,6 +1,7 @@
 // What the sections of the reader share: the current line, the open group, the way out.
 #pragma once
 
+#include "input/line_trace.h"
 #include "store/cable_group.h"
 #include "store/conductor_table.h"
 #include "store/manual_group.h"
@@ -77,6 +78,9 @@ bool nextLine();
 // Takes the next line, which must open a block; anything else takes the common error exit. False
 // at the end of the file.
 bool takeOpeningBrace();
+
+// What is open now, for the trace.
+TracedGroup openGroup();
 
 // First and second entry of the open group in the conductor table.
 int firstEntry();

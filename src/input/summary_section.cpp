@@ -17,11 +17,15 @@ enum Rule { LINENAME = 1, ENTRYMETHOD, CONDUCTORCOUNT, FREQUENCY };
 constexpr KeyRow rows[] = {
     realKey("Line Length", &READER.dropped),
     realKey("Cable Length", &READER.dropped),
-    bareKey("Line Name", LINENAME),
-    bareKey("Cable Name", LINENAME),
-    bareKey("Data Entry Method", ENTRYMETHOD).at(20),
+    itemsKey("Line Name", LINENAME),
+    itemsKey("Cable Name", LINENAME),
+    textKey("Data Entry Method", ENTRYMETHOD).at(20),
     integerKey("Number of Conductors", &RUNDATA.line.NC).then(CONDUCTORCOUNT),
-    realKey("Steady State Frequency", &RUNDATA.line.SSFREQ).atLeast(LOWESTFREQ).then(FREQUENCY),
+    realKey("Steady State Frequency", &RUNDATA.line.SSFREQ)
+        .in("Hz")
+        .atLeast(LOWESTFREQ)
+        .then(FREQUENCY)
+        .undoing("Frequency for Calculation"),
 };
 static_assert(noRowHidden(rows));
 

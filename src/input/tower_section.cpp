@@ -8,6 +8,7 @@
 #include "input/free_form.h"
 #include "input/key_rows.h"
 #include "input/library.h"
+#include "input/line_trace.h"
 #include "input/reader_state.h"
 #include "input/sections.h"
 #include "store/rundata.h"
@@ -40,63 +41,62 @@ enum Rule {
 };
 
 constexpr KeyRow circuitRows[] = {
-    integerKey("Sub-ConductorsPerBundle", &READER.CURSUB).then(BUNDLE),
+    integerKey("Sub-ConductorsPerBundle", &READER.CURSUB).then(BUNDLE).behind("P1"),
     integerKey("Conductors", &READER.CURN).then(CONDUCTORS),
     integerKey("Transposed", &READER.transposed),
-    bareKey("Conductor Phase Information", PHASES),
-    realKey("DCResistance", &RUNDATA.cond.CRDC).times(PERKM),
-    realKey("Conductor Relative Permeability", &RUNDATA.cond.CMUR),
-    realKey("ShuntConductance", &RUNDATA.cond.CSHUNT).then(SHUNT),
+    itemsKey("Conductor Phase Information", PHASES).taking(EACH).behind("Conductors"),
+    realKey("DCResistance", &RUNDATA.cond.CRDC).in("ohm/km").times(PERKM),
+    realKey("Conductor Relative Permeability", &RUNDATA.cond.CMUR).in("1"),
+    realKey("ShuntConductance", &RUNDATA.cond.CSHUNT).in("S/m").then(SHUNT),
     integerKey("Conductor Type", &READER.droppedInteger),
     realKey("Circuit AC Current Magnitude", &READER.dropped),
     realKey("Circuit AC Voltage Magnitude", &READER.dropped),
-    bareKey("Conductor DC Voltage Magnitude", NUMBERED31),
-    bareKey("Conductor DC Current Magnitude", NUMBERED31),
-    bareKey("Conductor AC Voltage Phase Angle", NUMBERED33),
-    bareKey("Conductor AC Current Phase Angle", NUMBERED33),
-    realKey("Sag", &RUNDATA.cond.CSAG),
-    realKey("Radius", &RUNDATA.cond.CRAD),
-    realKey("Inner Radius", &READER.dropped).then(INNERRADIUS),
-    realKey("Strand Radius", &RUNDATA.cond.CSTRAD).marking(&RUNDATA.cond.CSTRND),
+    textKey("Conductor DC Voltage Magnitude", NUMBERED31).many(),
+    textKey("Conductor DC Current Magnitude", NUMBERED31).many(),
+    textKey("Conductor AC Voltage Phase Angle", NUMBERED33).many(),
+    textKey("Conductor AC Current Phase Angle", NUMBERED33).many(),
+    realKey("Sag", &RUNDATA.cond.CSAG).in("m"),
+    realKey("Radius", &RUNDATA.cond.CRAD).in("m"),
+    realKey("Inner Radius", &READER.dropped).in("m").then(INNERRADIUS).behind("Radius"),
+    realKey("Strand Radius", &RUNDATA.cond.CSTRAD).in("m").marking(&RUNDATA.cond.CSTRND),
     integerKey("Number of Outer Strands", &READER.droppedInteger).then(OUTERSTRANDS),
     integerKey("Total Number of Strands", &READER.droppedInteger).then(TOTALSTRANDS),
-    realKey("Thickness", &RUNDATA.cond.CTHICK).marking(&RUNDATA.cond.CTUBE),
-    bareKey("P1", POSITIONS),
-    bareKey("Library", LIBRARY).at(10),
-    bareKey("Name", CONDUCTORNAME),
+    realKey("Thickness", &RUNDATA.cond.CTHICK).in("m").marking(&RUNDATA.cond.CTUBE),
+    itemsKey("P1", POSITIONS).at(POSITIONCOLUMN).taking(2).in("m").behind("Conductors"),
+    textKey("Library", LIBRARY).at(10),
+    textKey("Name", CONDUCTORNAME).undoing("ShuntConductance"),
 };
 static_assert(noRowHidden(circuitRows));
 
 constexpr KeyRow groundWireRows[] = {
     integerKey("Eliminate Ground Wires", &READER.eliminate).then(ELIMINATE),
-    realKey("DCResistance", &RUNDATA.cond.CRDC).times(PERKM),
-    realKey("Ground Wire Relative Permeability", &RUNDATA.cond.CMUR),
-    realKey("GW2 DCResistance", &RUNDATA.cond.CRDC).times(PERKM).second(),
-    realKey("GW2 Ground Wire Relative Permeability", &RUNDATA.cond.CMUR).second(),
-    realKey("GW2 Radius", &RUNDATA.cond.CRAD).second(),
-    realKey("Sag", &RUNDATA.cond.CSAG),
-    realKey("Radius", &RUNDATA.cond.CRAD),
+    realKey("DCResistance", &RUNDATA.cond.CRDC).in("ohm/km").times(PERKM),
+    realKey("Ground Wire Relative Permeability", &RUNDATA.cond.CMUR).in("1"),
+    realKey("GW2 DCResistance", &RUNDATA.cond.CRDC).in("ohm/km").times(PERKM).second(),
+    realKey("GW2 Ground Wire Relative Permeability", &RUNDATA.cond.CMUR).in("1").second(),
+    realKey("GW2 Radius", &RUNDATA.cond.CRAD).in("m").second(),
+    realKey("Sag", &RUNDATA.cond.CSAG).in("m"),
+    realKey("Radius", &RUNDATA.cond.CRAD).in("m"),
     integerKey("Unique Ground Wires", &RUNDATA.cond.UNIQGW),
-    bareKey("Library", LIBRARY).at(10),
-    bareKey("Name", WIRENAME),
-    bareKey("GW2 Name", SECONDWIRENAME),
-    bareKey("P1", POSITIONS),
-    bareKey("Ground Wire Phase Information", PHASES),
+    textKey("Library", LIBRARY).at(10),
+    textKey("Name", WIRENAME),
+    textKey("GW2 Name", SECONDWIRENAME).second(),
+    itemsKey("P1", POSITIONS).at(POSITIONCOLUMN).taking(2).in("m"),
+    itemsKey("Ground Wire Phase Information", PHASES).taking(EACH),
 };
 static_assert(noRowHidden(groundWireRows));
 
 enum TowerRule { OPENCIRCUIT = 1, OPENWIRES, EXTERNAL };
 
 constexpr KeyRow towerRows[] = {
-    bareKey("Circuit", OPENCIRCUIT),
-    integerKey("GroundWires", &READER.CURN).then(OPENWIRES),
-    bareKey("Name", NORULE),
-    bareKey("External file name", EXTERNAL),
+    markKey("Circuit", OPENCIRCUIT).many(),
+    integerKey("GroundWires", &READER.CURN).then(OPENWIRES).many(),
+    markKey("Name", NORULE),
+    textKey("External file name", EXTERNAL),
 };
 static_assert(noRowHidden(towerRows));
 
-constexpr KeyRow spacingRow = realKey("BundleSpacing", &READER.dropped);
-constexpr int OFFSETCOLUMN = 5;
+constexpr KeyRow spacingRows[] = {realKey("BundleSpacing", &READER.dropped).in("m")};
 
 // The rest of the line from the value column on, without the blanks in front.
 std::string_view restOfLine(const KeyRow& key) {
@@ -265,12 +265,15 @@ bool subConductorLine() {
   const std::string_view line = READER.LINE;
   if (line.starts_with('P')) {
     std::array<double, 2> offset{};
-    if (line.size() > OFFSETCOLUMN && !readReals(line.substr(OFFSETCOLUMN), offset)) readError();
+    if (line.size() > POSITIONCOLUMN && !readReals(line.substr(POSITIONCOLUMN), offset))
+      readError();
+    if (tracing()) tracePosition(POSITIONROW, openGroup());
     moveSubConductors(++READER.offsetLine, {offset[0], offset[1]});
     return true;
   }
-  if (!line.starts_with(spacingRow.text)) return false;
-  if (readKey(spacingRow, line) == Got::Value) spreadBundle(READER.dropped);
+  const KeyRow* key = findKey(spacingRows, line);
+  if (key == nullptr) return false;
+  if (readKey(*key, line) == Got::Value) spreadBundle(READER.dropped);
   return true;
 }
 

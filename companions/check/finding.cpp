@@ -1,0 +1,95 @@
+#include "companions/check/finding.h"
+
+#include <algorithm>
+#include <fmt/format.h>
+
+namespace lcp::companions {
+
+namespace {
+
+constexpr std::string_view ERROR = "error", WARNING = "warning", NOTE = "note";
+
+constexpr KindRow KINDS[] = {
+    // lines
+    {Kind::CommentKey, "comment-key", WARNING,
+     "the line is a comment and has no effect, though it looks like {}"},
+    {Kind::UnknownLine, "unknown-line", ERROR, "the line is unknown and ignored{}"},
+    {Kind::LongLine, "long-line", WARNING, "what stands behind column {} is not read"},
+    {Kind::LongFile, "long-file", WARNING, "only the first {} lines are looked at"},
+    {Kind::LostCharacter, "lost-character", ERROR,
+     "{} stands where a colon and a blank are skipped, so the value begins behind it: {}"},
+    {Kind::EarlyEnd, "early-end", ERROR,
+     "the value begins with {}, which leaves it out: {} keeps what it was"},
+    {Kind::NoValue, "no-value", WARNING, "{} has no value and keeps what it was"},
+    {Kind::FewItems, "few-items", WARNING,
+     "{} holds {} of {} values, the others keep what they were"},
+    {Kind::MoreItems, "more-items", WARNING,
+     "{} takes {} values, the line holds {}: the others are not read"},
+    {Kind::CutNumber, "cut-number", ERROR, "the number ends at {}: {} is read"},
+    {Kind::FlagValue, "flag-value", WARNING, "{} is 1 for yes; {} counts as no"},
+    {Kind::OtherUnit, "other-unit", ERROR,
+     "{} takes {}, the line says [{}]: the number is taken as it stands"},
+    {Kind::AheadOfNeed, "ahead-of-need", ERROR, "{} must stand behind {}{}"},
+    {Kind::Undone, "undone", WARNING, "{} in line {} takes this value back"},
+    {Kind::Repeated, "repeated", WARNING,
+     "{} was given in line {} already; this line is the one that counts"},
+    {Kind::NoPlace, "no-place", WARNING, "{} goes nowhere: {}"},
+    {Kind::ReaderWarning, "reader-warning", WARNING, "the reader says: {}"},
+    // options that void the result
+    {Kind::ZeroWeight, "zero-weight", ERROR,
+     "{} is 0: the frequencies {} the steady state frequency do not count in any fit"},
+    {Kind::DcConductance, "dc-conductance", ERROR,
+     "the DC correction needs a shunt conductance above 0, and {} has none"},
+    {Kind::ZeroPassivityError, "zero-passivity-error", ERROR,
+     "Maximum relative error for passivity is 0: every change of the enforcement is dropped"},
+    {Kind::ZeroTolerance, "zero-tolerance", ERROR,
+     "Eigenvalue tolerence is 0: the enforcement lifts violations to 0 and no further"},
+    {Kind::NoPassivityGrid, "no-passivity-grid", ERROR,
+     "Frequency distribution for passivity check is {}: there are no points, and no violation is "
+     "found"},
+    {Kind::NoModel, "no-model", ERROR,
+     "no section chooses a line model, and the run will end there"},
+    // physics
+    {Kind::RadiusAboveHeight, "radius-above-height", ERROR,
+     "the radius of {} is {} m, its average height {} m"},
+    {Kind::SagAboveHeight, "sag-above-height", ERROR, "the sag of {} is {} m, its height {} m"},
+    {Kind::Resistivity, "resistivity", WARNING, "the resistivity of {} is {} ohm m, usual are {}"},
+    {Kind::Permittivity, "permittivity", ERROR, "the relative permittivity of {} is {}, below 1"},
+    {Kind::Soil, "soil", WARNING,
+     "the resistivity of the soil is {} ohm m, usual are 0.1 to 100000"},
+    {Kind::Touching, "touching", ERROR, "{} and {} are {} m apart, centre to centre: they touch"},
+    {Kind::TightBundle, "tight-bundle", ERROR,
+     "two sub-conductors of {} are {} m apart, less than the diameter of {} m"},
+    {Kind::NoWireAbove, "no-wire-above", NOTE, "no ground wire lies above the phase conductors"},
+    // formulas
+    {Kind::BuriedClosedForm, "buried-closed-form", WARNING,
+     "formula 0 between buried cables is used up to {} Hz; above 10000 Hz it can give modes a "
+     "gain, "
+     "formula 2 does not"},
+    {Kind::AerialLowFrequency, "aerial-low-frequency", WARNING,
+     "formula 2 of aerial cables is used down to {} Hz; below 0.01 Hz it has too little of the "
+     "resistance of the earth"},
+};
+
+} // namespace
+
+const KindRow& rowOf(Kind kind) {
+  return *std::find_if(std::begin(KINDS), std::end(KINDS),
+                       [&](const KindRow& row) { return row.kind == kind; });
+}
+
+void add(Findings& findings, int line, Kind kind, std::string_view a, std::string_view b,
+         std::string_view c) {
+  Finding found{line, kind, fmt::format(fmt::runtime(rowOf(kind).text), a, b, c)};
+  const bool there = std::any_of(findings.begin(), findings.end(), [&](const Finding& f) {
+    return f.line == line && f.kind == kind && f.text == found.text;
+  });
+  if (!there) findings.push_back(std::move(found));
+}
+
+void sortFindings(Findings& findings) {
+  std::stable_sort(findings.begin(), findings.end(),
+                   [](const Finding& a, const Finding& b) { return a.line < b.line; });
+}
+
+} // namespace lcp::companions

@@ -1,0 +1,132 @@
+#include "companions/check/option_rules.h"
+
+#include "companions/check/traced.h"
+#include "companions/check/wires.h"
+#include "store/rundata.h"
+
+#include <algorithm>
+#include <cmath>
+#include <fmt/format.h>
+
+namespace lcp::companions {
+
+namespace {
+
+constexpr double CLOSEDFORMLIMIT = 1e4; // Hz: closed form between buried cables
+constexpr double AERIALLEAST = 0.01;    // Hz: formula 2 of aerial bodies
+constexpr double DCFREQUENCY = 1e-6;    // Hz, at which the DC correction takes its values
+constexpr int STEPSBELOW = 5;           // of the grid below the fit range
+constexpr int LASTDISTRIBUTION = 3;
+
+// The line of a key, or the section of the model.
+int optionLine(const void* target) {
+  const int line = lineOf(target);
+  if (line != 0) return line;
+  return std::max(headingLine("Frequency Dep."), headingLine("MFDTD Model Options"));
+}
+
+void weights(Findings& findings) {
+  const FitOptions& F = RUNDATA.fit;
+  struct Weight {
+    const double& value;
+    std::string_view key, where;
+  };
+  for (const Weight& w : {Weight{F.WF1, "Weighting Factor 1", "below"},
+                          Weight{F.WF2, "Weighting Factor 2", "just below or at"},
+                          Weight{F.WF3, "Weighting Factor 3", "above"}}) {
+    if (w.value == 0) add(findings, optionLine(&w.value), Kind::ZeroWeight, w.key, w.where);
+  }
+}
+
+// --- DC correction
+
+void dcOfWires(Findings& findings, int line) {
+  const ConductorTable& C = RUNDATA.cond;
+  for (int i = 1; i <= C.NCOND; ++i) {
+    const int role = roleOfWire(i);
+    if ((role == MAPMAIN || role == MAPKEPT) && C.CSHUNT[i] <= 0)
+      return add(findings, line, Kind::DcConductance, nameOfWire(i));
+  }
+}
+
+void dcOfCables(Findings& findings, int line) {
+  const CableTable& T = RUNDATA.cable;
+  if (RUNDATA.run.ISCABLE == FOURWIRECABLE)
+    return add(findings, line, Kind::DcConductance, "a four-wire cable");
+  for (int n = 1; n <= T.NCABLE - T.overhead && RUNDATA.fit.DIELM == 1; ++n) {
+    for (int k = 1; k <= T.CB[n].CBNLAY / 2; ++k) {
+      if (T.CB[n].CBTAND[static_cast<std::size_t>(k - 1)] > 0) continue;
+      return add(
+          findings, line, Kind::DcConductance,
+          fmt::format("insulator {} of cable {}, whose loss tangent or its frequency is 0", k, n));
+    }
+  }
+}
+
+void dcCorrection(Findings& findings) {
+  const int line = optionLine(&RUNDATA.fit.DCCORR);
+  if (RUNDATA.run.DATAFMT != ROUTECONSTANTS || RUNDATA.fit.DCCORR < 1) return;
+  dcOfWires(findings, line);
+  if (RUNDATA.run.ISCABLE != OVERHEADLINE) dcOfCables(findings, line);
+}
+
+// --- passivity
+
+void passivity(Findings& findings) {
+  const PassivityOptions& P = RUNDATA.passivity;
+  const bool known = P.PFDIST >= 1 && P.PFDIST <= LASTDISTRIBUTION;
+  if ((P.PFLOSET || P.PITERSET) && !known)
+    add(findings, optionLine(&P.PFDIST), Kind::NoPassivityGrid, std::to_string(P.PFDIST));
+  if (!P.PITERSET) return;
+  if (P.PMAXERR <= 0) add(findings, optionLine(&P.PMAXERR), Kind::ZeroPassivityError);
+  if (P.PEIGTOL <= 0) add(findings, optionLine(&P.PEIGTOL), Kind::ZeroTolerance);
+}
+
+// --- formulas
+
+double highestFrequency() {
+  const double fixed = std::max(RUNDATA.bergeron.FLOSS, RUNDATA.line.SSFREQ);
+  if (RUNDATA.model.MODBERG) return fixed;
+  return RUNDATA.model.fitted() ? RUNDATA.fit.FEND : RUNDATA.line.SSFREQ;
+}
+
+double lowestFrequency() {
+  const FitOptions& F = RUNDATA.fit;
+  if (!RUNDATA.model.fitted()) return RUNDATA.line.SSFREQ;
+  const double step = std::log10(F.FEND / F.FSTART) / F.NFINC;
+  const double grid = F.FSTART * std::pow(10.0, -STEPSBELOW * step);
+  return RUNDATA.model.MODFDP && F.DCCORR > 0 ? std::min(grid, DCFREQUENCY) : grid;
+}
+
+// Cables and a pipe that lie side by side in the ground or in the air.
+int bodies(bool aerial) {
+  const CableTable& T = RUNDATA.cable;
+  int n = T.PIPEF && T.pipe.PIPEOVHD == aerial ? 1 : 0;
+  for (int i = 1; i <= T.NCABLE; ++i) n += T.CB[i].CBPIPE == 0 && T.CB[i].CBOVHD == aerial ? 1 : 0;
+  return n;
+}
+
+int formulaLine(const int* own) { return std::max(lineOf(own), lineOf(&RUNDATA.ground.EARTHF)); }
+
+void formulas(Findings& findings) {
+  const Ground& G = RUNDATA.ground;
+  const double high = highestFrequency(), low = lowestFrequency();
+  if (G.EARTHFU == EARTHCLOSED && bodies(false) > 1 && high > CLOSEDFORMLIMIT)
+    add(findings, formulaLine(&G.EARTHFU), Kind::BuriedClosedForm, fmt::format("{:.6g}", high));
+  if (G.EARTHF == EARTHINTEGRAL && bodies(true) > 0 && low < AERIALLEAST)
+    add(findings, lineOf(&G.EARTHF), Kind::AerialLowFrequency, fmt::format("{:.2g}", low));
+}
+
+} // namespace
+
+void optionRules(Findings& findings) {
+  const ModelChoice& M = RUNDATA.model;
+  if (M.MODEL == MODELNONE) add(findings, 0, Kind::NoModel);
+  if (M.fitted()) weights(findings);
+  if (M.MODFDP) dcCorrection(findings);
+  if (M.MODFDP) passivity(findings);
+  if (RUNDATA.run.ISCABLE == CABLESYSTEM && RUNDATA.run.DATAFMT == ROUTECONSTANTS)
+    formulas(findings);
+}
+
+} // namespace lcp::companions

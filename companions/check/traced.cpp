@@ -1,0 +1,82 @@
+#include "companions/check/traced.h"
+
+#include <algorithm>
+
+namespace lcp::companions {
+
+namespace {
+
+const TracedSection& sectionAt(int section) {
+  return TRACE->sections()[static_cast<std::size_t>(section)];
+}
+
+bool storesInto(const KeyRow& key, const void* target) {
+  return key.real == target || key.integer == target || key.flag == target || key.reals == target;
+}
+
+} // namespace
+
+std::string_view wordsOf(const TracedLine& line) {
+  const std::string_view text = line.text.text();
+  return text.substr(std::min(text.find_first_not_of(' '), text.size()));
+}
+
+std::span<const KeyRow> rowsOf(const TracedLine& line) {
+  return {line.rows, static_cast<std::size_t>(line.rowCount)};
+}
+
+std::string_view fieldOf(const TracedLine& line) { return valueField(*line.key, wordsOf(line)); }
+
+std::string_view headingOf(int section) {
+  const int line = sectionAt(section).heading;
+  return line == 0 ? std::string_view()
+                   : wordsOf(TRACE->lines()[static_cast<std::size_t>(line - 1)]);
+}
+
+int lineOf(const void* target, int section, int cable) {
+  int found = 0;
+  for (const TracedLine& line : TRACE->lines()) {
+    if (line.key == nullptr || line.got != Got::Value || !storesInto(*line.key, target)) continue;
+    if (section >= 0 && line.section != section) continue;
+    if (cable == 0 || line.open.cable == cable) found = line.number;
+  }
+  return found;
+}
+
+int lineOrHeading(const void* target, int section) {
+  const int line = lineOf(target, section);
+  return line != 0 ? line : sectionAt(section).heading;
+}
+
+int positionLine(int section) {
+  for (const TracedLine& line : TRACE->lines()) {
+    const bool list =
+        line.key != nullptr && line.key->kind == KeyKind::Items && line.key->least == 2;
+    if (list && line.section == section) return line.number;
+  }
+  return sectionAt(section).heading;
+}
+
+int bundleLine(int section) {
+  for (const TracedLine& line : TRACE->lines()) {
+    const bool bundle = line.state == State::SubConductors && line.key != nullptr;
+    if (bundle && sectionAt(line.section).parent == section) return line.number;
+  }
+  return sectionAt(section).heading;
+}
+
+int headingLine(std::string_view beginning) {
+  int found = 0;
+  for (const TracedLine& line : TRACE->lines()) {
+    if (line.heading.starts_with(beginning) && !line.heading.empty()) found = line.number;
+  }
+  return found;
+}
+
+int sectionOfConductor(double x, double y) {
+  const auto found = std::find_if(TRACE->conductors().begin(), TRACE->conductors().end(),
+                                  [&](const TracedConductor& c) { return c.x == x && c.y == y; });
+  return found == TRACE->conductors().end() ? 0 : found->section;
+}
+
+} // namespace lcp::companions

@@ -1,0 +1,12 @@
+// Findings on the value of one key.
+#pragma once
+
+#include "companions/check/finding.h"
+#include "input/line_trace.h"
+
+namespace lcp::companions {
+
+// Over a line that has a key.
+void valueRules(Findings& findings, const TracedLine& line);
+
+} // namespace lcp::companions
