@@ -115,6 +115,7 @@ int tellRefusal(const std::string& file, const CapturedRun& read, bool json) {
     if (!findings.empty()) fmt::print("\n");
     if (!findings.empty()) printFindings(findings);
   }
+  std::fflush(stdout);
   if (read.status < 0) giveUp("corvo-check", "the reader broke down");
   return REFUSED;
 }

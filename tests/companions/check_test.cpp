@@ -39,20 +39,155 @@ struct Case {
   int status = 1;
 };
 
-const std::string BUNDLE = "Sub-ConductorsPerBundle: 4\n{\nBundleSpacing: 0.45 [m]\n}\n";
-const std::string ENFORCE = "Weighting Factor 1: 1.0\nMaximum iterations for passivity: 3\n"
-                            "Lower frequency for passivity check: 1.0\n"
-                            "Frequency distribution for passivity check: 4\n";
+const std::string BERGERON = "Bergeron Line Model Options\n{\n"
+                             "Shaping Time Constant (0 Seq.): 1.0E-9 [s]\n"
+                             "Shaping Time Constant (Metallic): 1.0E-9 [s]\n}\n";
+const std::string CONDUCTORS = "Conductors: 3\nTransposed: 0\n",
+                  RADII = "Radius: 0.01407 [m]\nInner Radius: 0.00518 [m]\n",
+                  BUNDLE = "Sub-ConductorsPerBundle: 4\n", SPACING = "BundleSpacing: 0.45 [m]\n",
+                  WEIGHTS = "Weighting Factor 1: 1.0\n";
 
+// Changes keep the line numbers of the example where they can.
 const std::vector<Case> CASES = {
     // lines without effect
-    {LINE, {{"Sag: 13.0", "! Sag: 13.0"}}, {"27 comment-key"}},
-    {LINE, {{"Conductor Phase Information:", "C Conductor Phase Info:"}}, {}, 2},
-    {LINE, {{"Name: Flat tower", "! Name of the tower\nCircut"}}, {"19 comment-key"}},
-    {LINE, {{"Sag: 9.0", "Sagg: 9.0"}}, {"38 unknown-line"}},
-    {LINE, {{"Sag: 13.0", std::string(130, ' ') + "Sag: 13.0"}}, {}},
+    {LINE, {{"Sag: 13.0", "! Sag: 13.0"}}, {"28 comment-key"}},
+    {LINE, {{"Name: Flat tower", "Cicuit"}}, {"18 comment-key"}},
+    {LINE, {{"Sag: 13.0", "C Sag is 13"}}, {}},
+    {LINE, {{"Sag: 9.0", "sag: 9.0"}}, {"42 unknown-line"}},
+    {LINE, {{"Sag: 13.0", "Sag: 13.0" + std::string(120, ' ') + "x"}}, {"28 long-line"}},
+    {LINE, {{"END", std::string(20000, '\n')}}, {"0 long-file"}},
+    // values that are not what they say
+    {LINE, {{"P1 : -8.0", "P1: -8.5"}}, {"43 lost-character"}},
+    {LINE, {{"GroundResistivity: ", "GroundResistivity:"}}, {"50 lost-character", "50 soil"}},
+    {LINE, {{"Sag: 9.0", "Sag: , 9.0"}}, {"42 early-end"}},
+    {LINE, {{"Sag: 9.0", "Sag: /"}}, {"42 early-end"}},
+    {LINE, {{"Sag: 9.0 [m]", "Sag:"}}, {"42 no-value"}},
+    {LINE,
+     {{"P3 : 11.0 28.0", "P3 : 11.0"}},
+     {"24 radius-above-height", "28 sag-above-height", "31 few-items"}},
+    {LINE, {{"P3 : 11.0 28.0", "P3 : 11.0, 28.0, 5"}}, {"31 more-items"}},
+    {CABLES, {{"P1: -0.3 1.3", "P1: -0.3 1.3 0.2 0"}}, {"20 more-items"}},
+    {PIPE, {{"P1: 0.0 -0.05 0.05 -90.0", "P1: 0.0 -0.05"}}, {"36 few-items"}},
+    {LINE, {{"Sag: 9.0", "Sag: 9,5"}}, {"42 cut-number"}},
+    {CABLES, {{"layers: 1", "layers: 2"}}, {"30 flag-value"}},
+    {LINE,
+     {{"0.01407 [m]", "0.01407 [cm]"}, {"2.865 [ohm/km]", "2.865 [Ohms / km]"}},
+     {"24 other-unit"}},
+    {LINE, {{"Weighting Factor 1: 1.0", "Weighting Factor 1: 1.0 [%]"}}, {"60 other-unit"}},
+    // keys among each other
+    {LINE, {{CONDUCTORS, "Transposed: 0\nConductors: 3\n"}}, {}},
+    {LINE,
+     {{RADII, "Inner Radius: 0.00518 [m]\nRadius: 0.01407 [m]\n"}},
+     {"24 ahead-of-need", "26 resistivity"}},
+    {CABLES,
+     {{"Cable Number: 1\nP1: -0.3 1.3\n", "P1: -0.3 1.3\nCable Number: 1\n"}},
+     {"19 ahead-of-need"}},
+    {HAND,
+     {{"Data Entry Format : ohms/m\n", ""},
+      {"450.0 [Mohm*m]\n", "450.0 [Mohm*m]\nData Entry Format : ohms/m\n"}},
+     {"18 ahead-of-need", "19 ahead-of-need", "20 ahead-of-need", "21 ahead-of-need",
+      "22 ahead-of-need", "23 ahead-of-need"}},
+    {CABLES,
+     {{"EarthUImpedanceFormula: 2", "EarthUImpedanceFormula: 2\nEarthImpedanceFormula: 2"}},
+     {"97 undone"}},
+    {LINE, {{"Sag: 9.0 [m]", "Sag: 9.0 [m]\nSag: 8.0"}}, {"43 repeated"}},
+    {LINE, {{"GroundPermeability", "GroundResistivity: 50\nGroundPermeability"}}, {"51 repeated"}},
+    {LINE,
+     {{"GroundWires: 2", "GroundWires: 1"}, {"P2 : 8.0 37.5", "GW2 Radius: 0.005"}},
+     {"44 no-place"}},
+    {LINE, {{BUNDLE, "Sub-ConductorsPerBundle: 1\n"}}, {"34 no-place"}},
+    {LINE,
+     {{BUNDLE, "Sub-ConductorsPerBundle: 2\n"}, {SPACING, "P1 : 0.2 0\nP2 : -0.2 0\nP3 : 0 0.2\n"}},
+     {"36 no-place"}},
+    {CABLES,
+     {{"Cable Number: 3", "Cable Number: 3\nOverhead Cable: 1"},
+      {"EarthUImpedanceFormula", "EarthImpedanceFormula"},
+      {"Start Frequency: 0.5", "Start Frequency: 0.005"}},
+     {"98 aerial-low-frequency"}},
+    // options
+    {LINE,
+     {{WEIGHTS, "\n"}, {"Factor 3: 1.0", "Factor 3: 0"}},
+     {"55 zero-weight", "62 zero-weight"}},
+    {LINE,
+     {{WEIGHTS, WEIGHTS + "DC Correction Type: 1\n"}, {"1.0E-11", "0.0"}},
+     {"61 dc-conductance"}},
+    {CABLES, {{WEIGHTS, WEIGHTS + "DC Correction Type: 2\n"}}, {"106 dc-conductance"}},
+    {LINE,
+     {{WEIGHTS, WEIGHTS + "Maximum iterations for passivity: 3\n"
+                          "Frequency distribution for passivity check: 4\n"}},
+     {"55 zero-passivity-error", "55 zero-tolerance", "62 no-passivity-grid"}},
+    {HAND, {{BERGERON, ""}, {" : ohms/m", " : Y and Z"}}, {"0 no-model", "0 reader-warning"}},
+    // geometry and materials
+    {LINE,
+     {{"0.01407 [m]", "25 [m]"}},
+     {"24 radius-above-height", "26 resistivity", "29 touching", "34 tight-bundle", "43 touching"}},
+    {LINE, {{"Sag: 13.0", "Sag: 28.0"}}, {"28 sag-above-height"}},
+    {LINE, {{"0.0728", "0.728"}, {"2.865", "0.02865"}}, {"26 resistivity", "41 resistivity"}},
+    {CABLES, {{"1.7E-8", "1.7E-7"}, {"2.8E-8", "2.8E-5"}}, {"25 resistivity", "34 resistivity"}},
+    {PIPE,
+     {{"2.0E-7", "2.0E-4"}, {"Permittivity: 2.1", "Permittivity: 0.21"}},
+     {"25 permittivity", "28 resistivity"}},
+    {FOURWIRE,
+     {{"1.7241E-8", "1.7241"}, {"Permittivity: 3.3", "Permittivity: 0.3"}},
+     {"23 resistivity", "25 permittivity"}},
+    {LINE, {{"GroundResistivity: 100.0", "GroundResistivity: 1E6"}}, {"50 soil"}},
+    {LINE, {{"P3 : 11.0 28.0", "P3 : 0.0005 28.0"}}, {"29 touching"}},
+    {LINE, {{"0.45", "0.02"}}, {"34 tight-bundle"}},
+    {LINE,
+     {{"-8.0 37.5", "-8.0 7.5"}, {"8.0 37.5", "8.0 7.5"}},
+     {"0 no-wire-above", "42 sag-above-height"}},
+    // formulas
+    {CABLES,
+     {{"EarthUImpedanceFormula: 2", "EarthUImpedanceFormula: 0"}},
+     {"97 buried-closed-form"}},
+    // what ends the reader
+    {LINE, {{"P1 : -11.0", "P1: -11.0"}}, {"29 lost-character"}, 2},
+    {LINE,
+     {{"Radius: 0.01407", "Radius: x"}, {"Name: Flat tower", "Cicuit"}},
+     {"18 comment-key"},
+     2},
 };
 
+std::string changed(const Case& c) {
+  std::string text = test::contentOf(EXAMPLES + c.example);
+  for (const auto& [from, to] : c.changes) {
+    const std::size_t at = text.find(from);
+    EXPECT_NE(at, std::string::npos) << from;
+    if (at != std::string::npos) text.replace(at, from.size(), to);
+  }
+  return text;
+}
+
+Strings kindsIn(const nlohmann::json& document) {
+  Strings kinds;
+  for (const auto& f : document["findings"])
+    kinds.insert(fmt::format("{} {}", f["line"].get<int>(), f["kind"].get<std::string>()));
+  return kinds;
+}
+
 } // namespace
+
+// What is shown on the console is what the document holds, every kind is found somewhere, and
+// nothing is found in the examples.
+TEST(Check, FindsWhatHadNoEffectOrIsHardlyMeant) {
+  const Scratch scratch;
+  Strings seen;
+  for (const Case& c : CASES) {
+    const std::string file = scratch.file(c.example, changed(c));
+    const ChildResult told = check(file, false), json = check(file, true);
+    const auto document = nlohmann::json::parse(json.console, nullptr, false);
+    EXPECT_EQ(kindsIn(document), c.found) << c.changes[0].second;
+    EXPECT_EQ(json.status, c.found.empty() ? 0 : c.status) << c.changes[0].second;
+    EXPECT_EQ(told.status, json.status);
+    for (const auto& f : document["findings"]) {
+      seen.insert(f["kind"]);
+      EXPECT_NE(told.console.find(f["text"]), std::string::npos) << f;
+    }
+  }
+  for (Kind k = Kind::CommentKey; k <= Kind::AerialLowFrequency; k = Kind(int(k) + 1))
+    EXPECT_TRUE(seen.contains(std::string(rowOf(k).id))) << rowOf(k).id;
+  for (const std::string& example : {LINE, CABLES, PIPE, HAND, FOURWIRE})
+    EXPECT_EQ(check(EXAMPLES + example, false).status, 0) << example;
+}
 
 } // namespace lcp::companions
