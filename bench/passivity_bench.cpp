@@ -30,7 +30,8 @@ void BM_mainIteration(benchmark::State& state) {
   for (int k = 1; k <= NS; ++k) WFREQ[k] = SINGLETWOPI * 0.25 * std::pow(4e6, (k - 1.0) / (NS - 1));
   for ([[maybe_unused]] auto step : state) {
     setUp(state);
-    const std::string printed = test::consoleOf([&] { benchmark::DoNotOptimize(PASSENF(P, WFREQ, NS)); });
+    const std::string printed =
+        test::consoleOf([&] { benchmark::DoNotOptimize(PASSENF(P, WFREQ, NS)); });
     benchmark::DoNotOptimize(printed.data());
   }
   state.counters["variables"] = ENFORCE.NVAR;

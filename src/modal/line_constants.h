@@ -4,8 +4,8 @@
 
 namespace lcp {
 
-// The most conductors that the matrices of the run can have: known before a cable system has counted
-// its own.
+// The most conductors that the matrices of the run can have: known before a cable system has
+// counted its own.
 int mostConductors();
 
 // Fills YMAT, ZMAT, PMAT of SOLVEDATA.first at the frequency f, Hz, and clears ISTATUS. Results
