@@ -50,12 +50,14 @@ void oneWire(Findings& findings, int i) {
   const ConductorTable& C = RUNDATA.cond;
   const int section = sectionOfConductor(C.CX[i], C.CY[i]);
   const std::string name = nameOfWire(i);
-  if (C.CRAD[i] >= C.CYAVG[i])
+  if (C.CRAD[i] >= C.CYAVG[i]) {
     addOnce(findings, lineOrHeading(&C.CRAD, section), Kind::RadiusAboveHeight, name,
             number(C.CRAD[i]), number(C.CYAVG[i]));
-  if (C.CSAG[i] > 0 && C.CSAG[i] >= C.CY[i])
+  }
+  if (C.CSAG[i] > 0 && C.CSAG[i] >= C.CY[i]) {
     addOnce(findings, lineOrHeading(&C.CSAG, section), Kind::SagAboveHeight, name,
             number(C.CSAG[i]), number(C.CY[i]));
+  }
   resistivity(findings, lineOrHeading(&C.CRDC, section), name, resistivityOfWire(i),
               isGroundWire(i) ? METALS : COPPERALUMINIUM);
 }
@@ -67,9 +69,10 @@ void twoWires(Findings& findings, int i, int j) {
   if (d >= std::max(radii, LEASTGAP)) return;
   const int section = sectionOfConductor(C.CX[j], C.CY[j]);
   if (mainOfWire(i) == mainOfWire(j)) {
-    if (d < radii)
+    if (d < radii) {
       addOnce(findings, bundleLine(section), Kind::TightBundle, nameOfWire(mainOfWire(i)),
               number(d), number(radii));
+    }
   } else {
     addOnce(findings, positionLine(section), Kind::Touching, nameOfWire(i), nameOfWire(j),
             number(d));
@@ -105,9 +108,10 @@ void oneCable(Findings& findings, int n) {
   for (std::size_t k = 0; k < std::size(LAYERS); ++k) {
     const int layer = 2 * static_cast<int>(k) + 1;
     const auto name = [&](std::string_view of) { return fmt::format("{} of cable {}", of, n); };
-    if (C.CBNLAY >= layer)
+    if (C.CBNLAY >= layer) {
       resistivity(findings, cableLine(&key.CBRHO[k], n), name(LAYERS[k].conductor), C.CBRHO[k],
                   k == 0 ? COPPERALUMINIUM : METALS);
+    }
     if (C.CBNLAY > layer)
       permittivity(findings, cableLine(&key.CBEPS[k], n), name(LAYERS[k].insulator), C.CBEPS[k]);
   }

@@ -89,7 +89,7 @@ Json conductorLayer(int n, std::size_t k) {
           {"resistivity_ohm_m", C.CBRHO[k]},
           {"permeability", C.CBMU[2 * k]},
           {"permittivity", nullptr},
-          {"losses_S/F", nullptr}};
+          {"losses_1/s", nullptr}};
 }
 
 Json insulatorLayer(int n, std::size_t k) {
@@ -101,7 +101,7 @@ Json insulatorLayer(int n, std::size_t k) {
           {"resistivity_ohm_m", nullptr},
           {"permeability", C.CBMU[2 * k + 1]},
           {"permittivity", C.CBEPS[k]},
-          {"losses_S/F", C.CBTAND[k]}};
+          {"losses_1/s", C.CBTAND[k]}};
 }
 
 Json layers() {
@@ -146,9 +146,10 @@ Json soil() {
               {"formula_air", G.EARTHF},
               {"formula_ground", G.EARTHFU},
               {"formula_mixed", G.EARTHFM}};
-  if (RUNDATA.run.ISCABLE == OVERHEADLINE)
+  if (RUNDATA.run.ISCABLE == OVERHEADLINE) {
     for (const char* cablesOnly : {"permittivity", "formula_ground", "formula_mixed"})
       row.erase(cablesOnly);
+  }
   return row;
 }
 
