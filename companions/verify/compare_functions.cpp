@@ -16,7 +16,7 @@ constexpr double TWOPI = 6.283185307179586;
 constexpr int BELOW = 5; // points of the grid below the band
 constexpr int FINER = 10;
 constexpr double ZERO = 1e-6; // Hz
-constexpr int OUTSIDE = 30; // points of a decade outside the band
+constexpr int OUTSIDE = 30;   // points of a decade outside the band
 
 bool fromTable() { return RUNDATA.run.DATAFMT == ROUTEMULTIPLE; }
 
@@ -52,9 +52,10 @@ Finding findingOf(const Deviation& d, std::string_view subject, const FrequencyR
 
 bool conductsAtZero() {
   const Matrix Y = constantsOf(ZERO).Y;
-  return std::all_of(Y.elements.begin(), Y.elements.end(), [](const Complex& y) {
-    return std::fabs(y.real()) >= std::fabs(y.imag());
-  });
+  for (std::size_t i = 0; i < Y.rows; ++i) {
+    if (std::fabs(Y(i, i).real()) < std::fabs(Y(i, i).imag())) return false;
+  }
+  return true;
 }
 
 } // namespace

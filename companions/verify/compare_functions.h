@@ -22,9 +22,9 @@ struct FrequencyRange {
 std::vector<double> ratios(double a, double b, int steps);
 
 // The points of the fit that the description asks for, the same ten times finer, a decade below, a
-// decade above, and zero frequency: a microhertz, at which resistances and conductances are all that
-// is left. A line without conductances has no values there that could be met. Of a table of Y and Z its rows and the points between them alone: it says nothing
-// about what lies outside.
+// decade above, and zero frequency: a microhertz, at which resistances and conductances are all
+// that is left. A line without conductances has no values there that could be met. Of a table of Y
+// and Z its rows and the points between them alone: it says nothing about what lies outside.
 std::vector<FrequencyRange> fitRanges();
 
 // Phase model: Yc (of its largest magnitude at the points of the fit) and H (of 1).

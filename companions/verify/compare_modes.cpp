@@ -21,8 +21,8 @@ constexpr double MILLI = 1e-3;
 constexpr double MICRO = 1e-6;
 
 constexpr double SMALLTURN = 0.05; // of the largest element: too small to turn a vector by
-constexpr double MERGED = 1e-9;    // of one, by which the cosine's square of two vectors falls short
-constexpr int AROUND = 10;         // points of a decade about the steady state frequency
+constexpr double MERGED = 1e-9; // of one, by which the cosine's square of two vectors falls short
+constexpr int AROUND = 10;      // points of a decade about the steady state frequency
 
 constexpr double EQUAL = 1e-6; // relative distance of squares of gamma that count as one
 
@@ -163,8 +163,7 @@ void takeVector(Deviation& d, const Matrix& T, const Matrix& line, std::size_t m
     turned += std::conj(T(i, m)) * line(i, m);
   }
   const Complex factor = turned / std::abs(turned) / std::sqrt(length);
-  for (std::size_t i = 0; i < T.rows; ++i)
-    d.take(std::abs(factor * T(i, m) - line(i, m)), f, i, m);
+  for (std::size_t i = 0; i < T.rows; ++i) d.take(std::abs(factor * T(i, m) - line(i, m)), f, i, m);
 }
 
 // Pairs of vectors of a written transformation that are one: two modes on one solution.

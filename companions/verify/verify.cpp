@@ -7,9 +7,11 @@
 #include "companions/verify/compare_modes.h"
 #include "companions/verify/passivity.h"
 #include "companions/verify/poles.h"
+#include "companions/verify/told_by_run.h"
 #include "companions/verify/verdicts.h"
 #include "store/rundata.h"
 
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fmt/format.h>
@@ -53,12 +55,15 @@ void add(std::vector<Finding>& all, const std::vector<Finding>& more) {
   all.insert(all.end(), more.begin(), more.end());
 }
 
-// The model file: the one that is given, or one that the program makes in the scratch folder.
-ModelFile modelOf(const Arguments& given, double length, const Scratch& scratch) {
+// The model file: the one that is given, or one that the program makes in the scratch folder, whose
+// console then tells more.
+ModelFile modelOf(const Arguments& given, double length, const Scratch& scratch,
+                  std::string& console) {
   if (given.words.size() > 1) return readModelFile(given.words[1]);
   const std::string model = (scratch.path / "model").string();
   const CapturedRun run =
       solveInChild(given.words[0], length, model, (scratch.path / "report").string());
+  console = run.console;
   if (run.status == 0 || run.status == 2) return readModelFile(model);
   fmt::print("{}", run.console);
   giveUp(VERIFY.name, "the program makes no model of this description");
@@ -89,12 +94,16 @@ int verifyModel(std::span<char* const> arguments) {
   if (!limits.set(given.valueOr("--limits", "")))
     giveUp(VERIFY.name, "--limits NAME=DOUBTFUL:BAD[,...] expected");
   const Scratch scratch;
-  const ModelFile file = modelOf(given, length, scratch);
+  std::string console;
+  const ModelFile file = modelOf(given, length, scratch, console);
   if (!file.trouble.empty()) giveUp(VERIFY.name, "the model file: " + file.trouble);
   readHere(given.words[0], length);
-  const std::vector<Finding> findings = verified(file, length, limits);
+  std::vector<Finding> findings = verified(file, length, limits);
+  if (!console.empty() && RUNDATA.model.fitted())
+    add(findings, compareConsole(console, findings, limits));
   fmt::print("{}", given.has("--json") ? asJson(findings, nameOf(file.kind), file.n, length)
                                        : asText(findings));
+  if (std::fflush(stdout) != 0) giveUp(VERIFY.name, "the findings cannot be written");
   return exitStatus(findings);
 }
 
