@@ -76,17 +76,17 @@ std::string_view lineText(int number) {
 void printFindings(const Findings& findings) {
   int line = -1;
   for (const Finding& f : findings) {
-    if (f.line != line && f.line == 0) fmt::print("the file\n");
+    if (f.line != line && f.line == 0) say("the file\n");
     if (f.line != line && f.line != 0)
-      fmt::print("line {}: {}\n", f.line, printable(lineText(f.line)));
+      say(fmt::format("line {}: {}\n", f.line, printable(lineText(f.line))));
     line = f.line;
-    fmt::print("  {} [{}] {}\n", rowOf(f.kind).severity, rowOf(f.kind).id, printable(f.text));
+    say(fmt::format("  {} [{}] {}\n", rowOf(f.kind).severity, rowOf(f.kind).id, printable(f.text)));
   }
-  fmt::print("{} finding{}\n", findings.size(), findings.size() == 1 ? "" : "s");
+  say(fmt::format("{} finding{}\n", findings.size(), findings.size() == 1 ? "" : "s"));
 }
 
 void printJson(const Json& document) {
-  fmt::print("{}\n", document.dump(2, ' ', false, Json::error_handler_t::replace));
+  say(fmt::format("{}\n", document.dump(2, ' ', false, Json::error_handler_t::replace)));
 }
 
 Json findingsAsJson(const Findings& findings) {
@@ -111,8 +111,8 @@ int tellRefusal(const std::string& file, const CapturedRun& read, bool json) {
                {"message", read.console},
                {"findings", findingsAsJson(findings)}});
   } else {
-    fmt::print("{}", read.console);
-    if (!findings.empty()) fmt::print("\n");
+    say(read.console);
+    if (!findings.empty()) say("\n");
     if (!findings.empty()) printFindings(findings);
   }
   std::fflush(stdout);
@@ -141,9 +141,9 @@ int checkDescription(std::span<char* const> arguments) {
                {"understood", understood()}});
   } else {
     printFindings(findings);
-    fmt::print("{}", tablesAsText(understood()));
+    say(tablesAsText(understood()));
   }
-  return std::fflush(stdout) == 0 ? status : REFUSED;
+  return saidAll() ? status : REFUSED;
 }
 
 } // namespace lcp::companions

@@ -114,7 +114,7 @@ std::string asJson(const std::vector<Finding>& findings, std::string_view model,
   document["findings"] = nlohmann::ordered_json::array();
   for (const Finding& f : findings) {
     nlohmann::ordered_json one = {{"subject", f.subject}, {"where", f.where}};
-    if (f.words.empty()) one["value"] = f.value;
+    if (f.words.empty() || f.value != 0) one["value"] = f.value;
     if (!f.unit.empty()) one["unit"] = f.unit;
     if (!std::isnan(f.rms)) one["rms"] = f.rms;
     if (!std::isnan(f.frequency)) one["frequency"] = f.frequency;

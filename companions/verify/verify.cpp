@@ -2,6 +2,7 @@
 
 #include "companions/shared/arguments.h"
 #include "companions/shared/captured_run.h"
+#include "companions/shared/direct_line.h"
 #include "companions/shared/model_file.h"
 #include "companions/verify/compare_functions.h"
 #include "companions/verify/compare_modes.h"
@@ -11,7 +12,8 @@
 #include "companions/verify/verdicts.h"
 #include "store/rundata.h"
 
-#include <cstdio>
+#include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <filesystem>
 #include <fmt/format.h>
@@ -59,18 +61,61 @@ void add(std::vector<Finding>& all, const std::vector<Finding>& more) {
 // console then tells more.
 ModelFile modelOf(const Arguments& given, double length, const Scratch& scratch,
                   std::string& console) {
-  if (given.words.size() > 1) return readModelFile(given.words[1]);
+  if (given.words.size() > 1) {
+    const CapturedRun read = readInChild(given.words[0], length);
+    if (read.status == 0) return readModelFile(given.words[1]);
+    say(read.console);
+    giveUp(VERIFY.name, "the program refuses this description");
+  }
   const std::string model = (scratch.path / "model").string();
   const CapturedRun run =
       solveInChild(given.words[0], length, model, (scratch.path / "report").string());
   console = run.console;
   if (run.status == 0 || run.status == 2) return readModelFile(model);
-  fmt::print("{}", run.console);
+  say(run.console);
   giveUp(VERIFY.name, "the program makes no model of this description");
 }
 
+ModelKind kindWanted() {
+  const auto& M = RUNDATA.model;
+  const std::pair<bool, ModelKind> wanted[] = {{M.MODPI, ModelKind::PI},
+                                               {M.MODBERG, ModelKind::BERGERON},
+                                               {M.MODFDM, ModelKind::MODE},
+                                               {M.MODFDP, ModelKind::PHASE},
+                                               {M.MODMFDTD, ModelKind::MFDTD}};
+  const auto* const row =
+      std::find_if(std::begin(wanted), std::end(wanted), [](const auto& w) { return w.first; });
+  return row == std::end(wanted) ? ModelKind::UNKNOWN : row->second;
+}
+
+// A file of another kind or with another number of conductors belongs to another description: there
+// is nothing to compare.
+void refuseStranger(const ModelFile& file) {
+  if (file.kind != kindWanted())
+    giveUp(VERIFY.name, fmt::format("the model file is {}, the description asks for {}",
+                                    nameOf(file.kind), nameOf(kindWanted())));
+  // A cable system has its order behind its eliminations.
+  const double f = RUNDATA.model.fitted() ? fitRanges()[0].f.back() : RUNDATA.line.SSFREQ;
+  const std::size_t order = constantsOf(f).Y.rows;
+  if (file.n != order)
+    giveUp(VERIFY.name,
+           fmt::format("the model file has {} conductors, the line has {}", file.n, order));
+}
+
+// The length that the file tells, rounded to its digits there.
+std::vector<Finding> compareLength(const ModelFile& file, double length) {
+  constexpr double DIGITS = 1e-4;
+  const double off = std::fabs(file.length / length - 1);
+  if (file.length == 0 || off <= DIGITS) return {};
+  Finding f{"length", "of the model file"};
+  f.value = file.length;
+  f.unit = "m";
+  f.verdict = Verdict::BAD;
+  return {f};
+}
+
 std::vector<Finding> verified(const ModelFile& file, double length, const Limits& limits) {
-  std::vector<Finding> all;
+  std::vector<Finding> all = compareLength(file, length);
   if (file.kind == ModelKind::PHASE) add(all, comparePhase(file, length, limits));
   if (file.kind == ModelKind::MFDTD) add(all, compareSeries(file, limits));
   if (file.kind == ModelKind::MODE) add(all, compareModeFits(file, length, limits));
@@ -98,12 +143,12 @@ int verifyModel(std::span<char* const> arguments) {
   const ModelFile file = modelOf(given, length, scratch, console);
   if (!file.trouble.empty()) giveUp(VERIFY.name, "the model file: " + file.trouble);
   readHere(given.words[0], length);
+  refuseStranger(file);
   std::vector<Finding> findings = verified(file, length, limits);
   if (!console.empty() && RUNDATA.model.fitted())
     add(findings, compareConsole(console, findings, limits));
-  fmt::print("{}", given.has("--json") ? asJson(findings, nameOf(file.kind), file.n, length)
-                                       : asText(findings));
-  if (std::fflush(stdout) != 0) giveUp(VERIFY.name, "the findings cannot be written");
+  say(given.has("--json") ? asJson(findings, nameOf(file.kind), file.n, length) : asText(findings));
+  if (!saidAll()) giveUp(VERIFY.name, "the findings cannot be written");
   return exitStatus(findings);
 }
 
