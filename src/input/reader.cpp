@@ -70,6 +70,7 @@ constexpr std::array HEADINGS = {
     Heading{"Pipe-Type Cable", State::Pipe, Effect::Pipe, "", ""},
     Heading{"Output File Display Options", State::Display, Effect::None, "", ""},
     Heading{"HALO Options", State::Halo, Effect::Halo, "", ""},
+    Heading{"Numerical Options", State::Numerics, Effect::None, "", ""},
     Heading{"Four-Wire Cable", State::FourWire, Effect::FourWire,
             "Reading 4-Wire Geometry Cable Data..", ""},
     Heading{"END-OF-CORVO-INPUT-DATA", State::TopLevel, Effect::End, "", ""},
@@ -107,6 +108,7 @@ constexpr std::array STATES = {
     StateRow{State::Display, displayLine, State::TopLevel, nullptr},
     StateRow{State::Pipe, pipeLine, State::TopLevel, nullptr},
     StateRow{State::Halo, haloLine, State::TopLevel, nullptr},
+    StateRow{State::Numerics, numericsLine, State::TopLevel, nullptr},
     StateRow{State::ExternalFile, externalLine, State::TopLevel, nullptr},
 };
 

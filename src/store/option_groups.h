@@ -87,6 +87,15 @@ struct DisplayOptions {
   double GPARLIM = 1.0e-5;  // conductances below this are left out of it, S
 };
 
+// Better methods in place of the default ones, each off unless asked for.
+struct NumericalOptions {
+  bool IMPROVEDMODES = false;     // modes followed as invariant subspaces
+  bool IMPROVEDFITS = false;      // fits that hold between their points and say what they miss
+  bool IMPROVEDPASSIVITY = false; // enforcement over the whole spectrum and all frequencies
+
+  bool any() const { return IMPROVEDMODES || IMPROVEDFITS || IMPROVEDPASSIVITY; }
+};
+
 // Options of field, corona and noise calculations, which are accepted and not used.
 struct HaloOptions {
   double height = 2.0;
