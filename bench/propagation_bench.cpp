@@ -41,7 +41,7 @@ void setLine(int n) {
 
 void solveLine(int n, double length) {
   RUNDATA = {};
-  RUNDATA.model.MODFDP = true;
+  RUNDATA.model.MODEL = ModelKind::Phase;
   RUNDATA.fit.WF1 = RUNDATA.fit.WF3 = 1;
   RUNDATA.fit.WF2 = 1000;
   RUNDATA.run.LINELEN = length;

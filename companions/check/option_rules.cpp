@@ -86,7 +86,7 @@ void passivity(Findings& findings) {
 
 double highestFrequency() {
   const double fixed = std::max(RUNDATA.bergeron.FLOSS, RUNDATA.line.SSFREQ);
-  if (RUNDATA.model.MODBERG) return fixed;
+  if (RUNDATA.model.MODBERG()) return fixed;
   return RUNDATA.model.fitted() ? RUNDATA.fit.FEND : RUNDATA.line.SSFREQ;
 }
 
@@ -95,7 +95,7 @@ double lowestFrequency() {
   if (!RUNDATA.model.fitted()) return RUNDATA.line.SSFREQ;
   const double step = std::log10(F.FEND / F.FSTART) / F.NFINC;
   const double grid = F.FSTART * std::pow(10.0, -STEPSBELOW * step);
-  return RUNDATA.model.MODFDP && F.DCCORR > 0 ? std::min(grid, DCFREQUENCY) : grid;
+  return RUNDATA.model.MODFDP() && F.DCCORR > 0 ? std::min(grid, DCFREQUENCY) : grid;
 }
 
 // Cables and a pipe that lie side by side in the ground or in the air.
@@ -121,10 +121,10 @@ void formulas(Findings& findings) {
 
 void optionRules(Findings& findings) {
   const ModelChoice& M = RUNDATA.model;
-  if (M.MODEL == MODELNONE) add(findings, 0, Kind::NoModel);
+  if (M.MODEL == ModelKind::None) add(findings, 0, Kind::NoModel);
   if (M.fitted()) weights(findings);
-  if (M.MODFDP) dcCorrection(findings);
-  if (M.MODFDP) passivity(findings);
+  if (M.MODFDP()) dcCorrection(findings);
+  if (M.MODFDP()) passivity(findings);
   if (RUNDATA.run.ISCABLE == CABLESYSTEM && RUNDATA.run.DATAFMT == ROUTECONSTANTS)
     formulas(findings);
 }

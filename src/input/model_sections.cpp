@@ -1,4 +1,5 @@
-// Bergeron, fitted models, Output File Display Options and HALO Options.
+// Bergeron, fitted models, Output File Display Options, HALO Options and Numerical
+// Options.
 #include "input/key_rows.h"
 #include "input/reader_state.h"
 #include "input/sections.h"
@@ -97,6 +98,13 @@ constexpr KeyRow haloRows[] = {
 };
 static_assert(noRowHidden(haloRows));
 
+constexpr KeyRow numericsRows[] = {
+    isIt1Key("Improved Modes", &RUNDATA.numerics.IMPROVEDMODES),
+    isIt1Key("Improved Fits", &RUNDATA.numerics.IMPROVEDFITS),
+    isIt1Key("Improved Passivity", &RUNDATA.numerics.IMPROVEDPASSIVITY),
+};
+static_assert(noRowHidden(numericsRows));
+
 // Sections without rules of their own.
 bool plainLine(std::span<const KeyRow> rows) {
   const KeyRow* key = findKey(rows, READER.LINE);
@@ -109,6 +117,8 @@ bool plainLine(std::span<const KeyRow> rows) {
 bool bergeronLine() { return plainLine(bergeronRows); }
 
 bool haloLine() { return plainLine(haloRows); }
+
+bool numericsLine() { return plainLine(numericsRows); }
 
 bool fittedModelLine() {
   const KeyRow* key = findKey(fitRows, READER.LINE);

@@ -70,6 +70,7 @@ constexpr std::array HEADINGS = {
     Heading{"Pipe-Type Cable", State::Pipe, Effect::Pipe, "", ""},
     Heading{"Output File Display Options", State::Display, Effect::None, "", ""},
     Heading{"HALO Options", State::Halo, Effect::Halo, "", ""},
+    Heading{"Numerical Options", State::Numerics, Effect::None, "", ""},
     Heading{"Four-Wire Cable", State::FourWire, Effect::FourWire,
             "Reading 4-Wire Geometry Cable Data..", ""},
     Heading{"END-OF-CORVO-INPUT-DATA", State::TopLevel, Effect::End, "", ""},
@@ -107,6 +108,7 @@ constexpr std::array STATES = {
     StateRow{State::Display, displayLine, State::TopLevel, nullptr},
     StateRow{State::Pipe, pipeLine, State::TopLevel, nullptr},
     StateRow{State::Halo, haloLine, State::TopLevel, nullptr},
+    StateRow{State::Numerics, numericsLine, State::TopLevel, nullptr},
     StateRow{State::ExternalFile, externalLine, State::TopLevel, nullptr},
 };
 
@@ -135,16 +137,15 @@ void chooseManualRoute() {
   DATAFMT = ROUTEMANUAL;
 }
 
-void chooseModel(int number, bool& flag, std::string_view repeated) {
-  int& MODEL = RUNDATA.model.MODEL;
-  if (MODEL != MODELNONE) {
+void chooseModel(ModelKind kind, std::string_view repeated) {
+  ModelKind& MODEL = RUNDATA.model.MODEL;
+  if (MODEL != ModelKind::None) {
     console::line("ERROR: corvo.exe");
     console::line(repeated);
     console::line("Select only one Line Model Type!");
     readError();
   }
-  MODEL = number;
-  flag = true;
+  MODEL = kind;
 }
 
 void checkFileKind(std::string_view what) {
@@ -170,13 +171,13 @@ void applyEffect(Effect effect) {
     progress(fmt::format("Reading Line {} Tower Data...", RUNDATA.cond.NTOWER));
     break;
   case Effect::Ground: chooseConstantsRoute(); break;
-  case Effect::Pi: chooseModel(1, M.MODPI, COMPONENTS); break;
-  case Effect::Bergeron: chooseModel(2, M.MODBERG, COMPONENTS); break;
-  case Effect::Mode: chooseModel(3, M.MODFDM, COMPONENTS); break;
-  case Effect::Phase: chooseModel(4, M.MODFDP, MODELS); break;
-  case Effect::Mfdtd: chooseModel(5, M.MODMFDTD, MODELS); break;
+  case Effect::Pi: chooseModel(ModelKind::Pi, COMPONENTS); break;
+  case Effect::Bergeron: chooseModel(ModelKind::Bergeron, COMPONENTS); break;
+  case Effect::Mode: chooseModel(ModelKind::Mode, COMPONENTS); break;
+  case Effect::Phase: chooseModel(ModelKind::Phase, MODELS); break;
+  case Effect::Mfdtd: chooseModel(ModelKind::Mfdtd, MODELS); break;
   case Effect::Halo:
-    M.MODEL = 6;
+    if (M.MODEL == ModelKind::None) M.MODEL = ModelKind::Halo;
     M.MODHALO = true;
     break;
   case Effect::Manual: chooseManualRoute(); break;

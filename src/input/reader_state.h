@@ -29,7 +29,8 @@ enum class State {
   Display = 14,
   Pipe = 15,
   Halo = 16,
-  ExternalFile = 17
+  ExternalFile = 17,
+  Numerics = 18
 };
 
 // Where in the conductor table a value goes: the first or second entry of the open group.

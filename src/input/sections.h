@@ -16,6 +16,7 @@ bool bergeronLine();
 bool fittedModelLine();
 bool displayLine();
 bool haloLine();
+bool numericsLine();
 bool coaxLine();
 bool pipeLine();
 bool fourWireLine();

@@ -80,12 +80,12 @@ void takeStep(int k) {
   const double f = gridFrequency(k);
   storeFrequency(k, f);
   noteConstantStart(k);
-  if (k > 1 && !RUNDATA.model.MODBERG && !RUNDATA.model.MODMFDTD && !S.IDEALT) {
+  if (k > 1 && !RUNDATA.model.MODBERG() && !RUNDATA.model.MODMFDTD() && !S.IDEALT) {
     trackedStep(k);
     return;
   }
   constantsAtStep(k, f, Place::AtTheStep);
-  if (RUNDATA.model.MODMFDTD) {
+  if (RUNDATA.model.MODMFDTD()) {
     storeConstants(k);
   } else if (S.IDEALT) {
     idealStep(k);

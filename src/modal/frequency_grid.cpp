@@ -90,7 +90,7 @@ void layTableGrid() {
 
 void layFittedGrid() {
   const bool fromTable = RUNDATA.run.DATAFMT == ROUTEMULTIPLE;
-  if (!RUNDATA.model.MODFDM) RUNDATA.fit.CONSTT = !fromTable;
+  if (!RUNDATA.model.MODFDM()) RUNDATA.fit.CONSTT = !fromTable;
   if (fromTable) {
     layTableGrid();
   } else {
@@ -105,16 +105,16 @@ void layGrid() {
   FrequencyGrid& G = SOLVEDATA.grid;
   const bool fromTable = RUNDATA.run.DATAFMT == ROUTEMULTIPLE;
   if (fromTable) checkTable();
-  if (M.MODPI) {
+  if (M.MODPI()) {
     if (fromTable) warnOfFirstRow();
     G.NFREQ = 1;
-  } else if (M.MODBERG) {
+  } else if (M.MODBERG()) {
     G.NFREQ = 2;
   } else if (M.fitted()) {
     layFittedGrid();
   } else {
     console::line("***** CORVO.EXE - ERROR *****");
-    console::print("Unknown Model Type: {}", M.MODEL);
+    console::print("Unknown Model Type: {}", static_cast<int>(M.MODEL));
     stop(1);
   }
   mapCurves(SOLVEDATA, mostConductors());
@@ -122,8 +122,8 @@ void layGrid() {
 
 double gridFrequency(int k) {
   const FrequencyGrid& G = SOLVEDATA.grid;
-  if (RUNDATA.model.MODPI) return RUNDATA.line.SSFREQ;
-  if (RUNDATA.model.MODBERG) return k == 1 ? RUNDATA.bergeron.FLOSS : RUNDATA.line.SSFREQ;
+  if (RUNDATA.model.MODPI()) return RUNDATA.line.SSFREQ;
+  if (RUNDATA.model.MODBERG()) return k == 1 ? RUNDATA.bergeron.FLOSS : RUNDATA.line.SSFREQ;
   if (RUNDATA.run.DATAFMT == ROUTEMULTIPLE) return YZTABLE.FTABLE[k];
   if (k == G.NFREQ) return RUNDATA.fit.FCT;
   return std::pow(10.0, (k - 1) * G.DLOGW + G.LOGW0) * INVTWOPI;

@@ -98,9 +98,9 @@ constexpr CurveRow TABLE[] = {
 
 unsigned modelOfRun() {
   const ModelChoice& M = RUNDATA.model;
-  if (M.MODFDM) return MODECURVES;
-  if (M.MODFDP) return PHASECURVES;
-  return M.MODMFDTD ? SERIESCURVES : 0;
+  if (M.MODFDM()) return MODECURVES;
+  if (M.MODFDP()) return PHASECURVES;
+  return M.MODMFDTD() ? SERIESCURVES : 0;
 }
 
 bool fitsRun(const CurveRow& row) {

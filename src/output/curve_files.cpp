@@ -48,7 +48,7 @@ void discardHeadedCurves() { forAllCurves(discardCurve); }
 
 void writeEndCurves() {
   const CurveSteps steps = gridSteps();
-  if (!wanted(RUNDATA.model.MODFDM || RUNDATA.model.MODFDP) || steps.empty()) return;
+  if (!wanted(RUNDATA.model.MODFDM() || RUNDATA.model.MODFDP()) || steps.empty()) return;
   headCurve(CurveId::GDIS);
   headCurve(CurveId::GDIO);
   writeSentVoltages(steps);
@@ -56,7 +56,7 @@ void writeEndCurves() {
 
 void writeModeCurves() {
   const CurveSteps steps = gridSteps();
-  if (!wanted(RUNDATA.model.MODFDM) || steps.empty()) return;
+  if (!wanted(RUNDATA.model.MODFDM()) || steps.empty()) return;
   writeConstants(steps);
   writeEigenvalues(steps);
   writeModeFits(steps);
@@ -64,27 +64,27 @@ void writeModeCurves() {
 }
 
 void writePhaseLineCurves() {
-  if (!wanted(RUNDATA.model.MODFDP)) return;
+  if (!wanted(RUNDATA.model.MODFDP())) return;
   writeConstants(phaseSteps());
   writeTransformation(phaseSteps());
   writeEigenvalues(phaseSteps());
 }
 
 void writePhaseFitCurves() {
-  if (!wanted(RUNDATA.model.MODFDP)) return;
+  if (!wanted(RUNDATA.model.MODFDP())) return;
   writeAdmittanceFit(fitSteps(LONGTABLE));
   writeGroupFits(fitSteps(LONGHTABLE));
   writePropagationFit(fitSteps(LONGHTABLE));
 }
 
 void writeSeriesFitCurves() {
-  if (!wanted(RUNDATA.model.MODMFDTD)) return;
+  if (!wanted(RUNDATA.model.MODMFDTD())) return;
   writeSeriesFit(fitSteps(LONGTABLE));
 }
 
 void writeSeriesLineCurves() {
   const CurveSteps steps = gridSteps();
-  if (!wanted(RUNDATA.model.MODMFDTD) || steps.empty()) return;
+  if (!wanted(RUNDATA.model.MODMFDTD()) || steps.empty()) return;
   writeConstants(steps);
 }
 

@@ -35,6 +35,15 @@ void checkLength(double length) {
   stop(1);
 }
 
+// What is on is said once; a run without such options says nothing.
+void printNumericalOptions() {
+  const NumericalOptions& N = RUNDATA.numerics;
+  if (!N.any()) return;
+  console::print(" Numerical Options:{}{}{}", N.IMPROVEDMODES ? " Improved Modes" : "",
+                 N.IMPROVEDFITS ? " Improved Fits" : "",
+                 N.IMPROVEDPASSIVITY ? " Improved Passivity" : "");
+}
+
 [[noreturn]] void unknownRoute() {
   console::line("***  corvo.exe ERROR ***");
   console::print("Unknown Data Entry Format: {}", RUNDATA.run.DATAFMT);
@@ -66,6 +75,7 @@ void LCPMAIN(std::span<char* const> arguments) {
   R.FNAME = line.fileName;
   const BaseName base = chooseBaseName(R);
   READTLDATA();
+  printNumericalOptions();
   for (int k = 1; k <= line.steps; ++k) {
     nameOutputs(R, base, k, line.steps);
     if (k != 1) R.LINELEN += line.increment;

@@ -47,7 +47,7 @@ void phaseModel(TextFile& file) {
 
 // What can end the run for its data does so before there is a file.
 void beforeTheFile() {
-  if (RUNDATA.model.MODMFDTD) {
+  if (RUNDATA.model.MODMFDTD()) {
     fitSeriesImpedance();
     formSeriesShunt(shunt);
     writeSeriesFitCurves();
@@ -57,11 +57,11 @@ void beforeTheFile() {
 
 void writeModel(TextFile& file) {
   const ModelChoice& M = RUNDATA.model;
-  if (M.MODPI) piModel(file);
-  if (M.MODBERG) writeBergeronModel(file);
-  if (M.MODFDM) modeModel(file);
-  if (M.MODFDP) phaseModel(file);
-  if (M.MODMFDTD) writeMfdtdModel(file, shunt);
+  if (M.MODPI()) piModel(file);
+  if (M.MODBERG()) writeBergeronModel(file);
+  if (M.MODFDM()) modeModel(file);
+  if (M.MODFDP()) phaseModel(file);
+  if (M.MODMFDTD()) writeMfdtdModel(file, shunt);
   file.close();
 }
 
@@ -73,7 +73,7 @@ void behindTheFile() {
 
 bool isReplaced() {
   const ModelChoice& M = RUNDATA.model;
-  return RUNDATA.display.MANOUT && (M.MODFDP || M.MODMFDTD);
+  return RUNDATA.display.MANOUT && (M.MODFDP() || M.MODMFDTD());
 }
 
 } // namespace

@@ -52,10 +52,10 @@ void writeReport(TextFile& file) {
   if (hasCoreSequences()) SEQCABLE(file);
   writePhaseDomain(file, S.YMAT, S.ZMAT);
   if (LLOK) writeCorrectedData(file, YLC, ZLC);
-  if (M.MODPI || M.MODBERG) reportModes(file);
+  if (M.MODPI() || M.MODBERG()) reportModes(file);
   if (hasSequenceMatrices()) SEQMATS(file, S.YMAT, S.ZMAT);
-  if (M.MODBERG) MINDELAY(file, first(SOLVEDATA.second.TAUMS.entries, n), true);
-  if (M.MODFDP) MINDELAY(file, first(FITMODEL.TAU.entries, FITMODEL.NGROUP), false);
+  if (M.MODBERG()) MINDELAY(file, first(SOLVEDATA.second.TAUMS.entries, n), true);
+  if (M.MODFDP()) MINDELAY(file, first(FITMODEL.TAU.entries, FITMODEL.NGROUP), false);
 }
 
 } // namespace

@@ -34,7 +34,7 @@ void checkConductors() {
 void checkPassivityGrid() {
   static FrequencyList grid;
   const PassivityOptions& P = RUNDATA.passivity;
-  if (!RUNDATA.model.MODFDP || !(P.PFLOSET || P.PITERSET)) return;
+  if (!RUNDATA.model.MODFDP() || !(P.PFLOSET || P.PITERSET)) return;
   PASSGRID(P.PFLO, P.PFHI, P.NPFINC, P.PFDIST, grid);
 }
 

@@ -5,18 +5,19 @@
 
 namespace lcp {
 
-constexpr int MODELNONE = -10;
+// The numbers show in a message.
+enum class ModelKind { None = -10, Pi = 1, Bergeron, Mode, Phase, Mfdtd, Halo };
 
 struct ModelChoice {
-  int MODEL = MODELNONE; // 1 PI, 2 Bergeron, 3 mode, 4 phase, 5 MFDTD, 6 HALO
-  bool MODPI = false;
-  bool MODBERG = false;
-  bool MODFDM = false;
-  bool MODFDP = false;
-  bool MODMFDTD = false;
-  bool MODHALO = false;
+  ModelKind MODEL = ModelKind::None; // the line model; Halo: field options alone, which give none
+  bool MODHALO = false;              // field options: conductors keep the order of their sections
 
-  bool fitted() const { return MODFDM || MODFDP || MODMFDTD; }
+  bool MODPI() const { return MODEL == ModelKind::Pi; }
+  bool MODBERG() const { return MODEL == ModelKind::Bergeron; }
+  bool MODFDM() const { return MODEL == ModelKind::Mode; }
+  bool MODFDP() const { return MODEL == ModelKind::Phase; }
+  bool MODMFDTD() const { return MODEL == ModelKind::Mfdtd; }
+  bool fitted() const { return MODFDM() || MODFDP() || MODMFDTD(); }
 };
 
 struct BergeronOptions {
@@ -84,6 +85,15 @@ struct DisplayOptions {
   FileName MANOUTF;         // that file
   bool CREATEPI = false;    // write a Coupled Pi component
   double GPARLIM = 1.0e-5;  // conductances below this are left out of it, S
+};
+
+// Better methods in place of the default ones, each off unless asked for.
+struct NumericalOptions {
+  bool IMPROVEDMODES = false;     // modes followed as invariant subspaces
+  bool IMPROVEDFITS = false;      // fits that hold between their points and say what they miss
+  bool IMPROVEDPASSIVITY = false; // enforcement over the whole spectrum and all frequencies
+
+  bool any() const { return IMPROVEDMODES || IMPROVEDFITS || IMPROVEDPASSIVITY; }
 };
 
 // Options of field, corona and noise calculations, which are accepted and not used.

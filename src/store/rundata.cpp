@@ -16,6 +16,7 @@ void RunData::resetInput() {
   passivity = {};
   manual = {};
   display = {};
+  numerics = {};
   halo = {};
 }
 

@@ -35,6 +35,7 @@ struct RunData {
   PassivityOptions passivity;
   ManualData manual;
   DisplayOptions display;
+  NumericalOptions numerics;
   HaloOptions halo;
 
   // Every group but run control back to its defaults.

@@ -40,7 +40,7 @@ std::string smallTable(const std::vector<double>& frequencies) {
 
 TEST(FrequencyGrid, LaysTheFitRangeWithFivePointsBelow) {
   RUNDATA.resetInput();
-  RUNDATA.model.MODFDP = true;
+  RUNDATA.model.MODEL = ModelKind::Phase;
   RUNDATA.fit.CONSTT = false;
   layGrid();
   EXPECT_EQ(SOLVEDATA.grid.NFREQ, 107);

@@ -215,19 +215,16 @@ TEST(CurveFiles, FilesStepsAndRowsByModelAndRoute) {
   using Lines = std::vector<std::size_t>;
   solveBothLoops(singleCircuit(phaseModel(KEYS)), LENGTH);
   for (const auto& [model, NFUSE, n, count, file, rows, values] :
-       std::vector<std::tuple<char, int, int, std::size_t, const char*, std::size_t, Lines>>{
-           {'p', 100, 3, 20, "ycmp", 95, {20}},
-           {'p', 99, 3, 20, "ycmp", 99, {20}},
-           {'p', 99, 3, 20, "hmp", 94, {20}},
-           {'p', 98, 3, 20, "hpp", 98, {20}},
-           {'p', 6, 21, 14, "hpp", 6, {403, 403, 78}},
-           {'f', 99, 4, 6, "zpf", 99, {18}},
-           {'m', 5, 4, 12, "amm", 0, {}}}) {
+       std::vector<std::tuple<ModelKind, int, int, std::size_t, const char*, std::size_t, Lines>>{
+           {ModelKind::Phase, 100, 3, 20, "ycmp", 95, {20}},
+           {ModelKind::Phase, 99, 3, 20, "ycmp", 99, {20}},
+           {ModelKind::Phase, 99, 3, 20, "hmp", 94, {20}},
+           {ModelKind::Phase, 98, 3, 20, "hpp", 98, {20}},
+           {ModelKind::Phase, 6, 21, 14, "hpp", 6, {403, 403, 78}},
+           {ModelKind::Mfdtd, 99, 4, 6, "zpf", 99, {18}},
+           {ModelKind::Mode, 5, 4, 12, "amm", 0, {}}}) {
     const Files files = written([&, kind = model, order = n, last = NFUSE] {
-      RUNDATA.model = ModelChoice{};
-      RUNDATA.model.MODFDM = kind == 'm';
-      RUNDATA.model.MODFDP = kind == 'p';
-      RUNDATA.model.MODMFDTD = kind == 'f';
+      RUNDATA.model.MODEL = kind;
       RUNDATA.line.NC = order;
       SOLVEDATA.grid.NFUSE = last;
       headCurves(), writeEndCurves(), writePhaseFitCurves(), writeModeCurves();
