@@ -75,7 +75,7 @@ std::string_view lineText(int number) {
 
 void printFindings(const Findings& findings) {
   int line = -1;
-  for (const Finding& f : findings) {
+  for (const CheckFinding& f : findings) {
     if (f.line != line && f.line == 0) say("the file\n");
     if (f.line != line && f.line != 0)
       say(fmt::format("line {}: {}\n", f.line, printable(lineText(f.line))));
@@ -91,7 +91,7 @@ void printJson(const Json& document) {
 
 Json findingsAsJson(const Findings& findings) {
   Json rows = Json::array();
-  for (const Finding& f : findings) {
+  for (const CheckFinding& f : findings) {
     rows.push_back({{"line", f.line},
                     {"kind", rowOf(f.kind).id},
                     {"severity", rowOf(f.kind).severity},
@@ -120,6 +120,13 @@ int tellRefusal(const std::string& file, const CapturedRun& read, bool json) {
   return REFUSED;
 }
 
+// What the reader takes and the run behind it refuses at once.
+bool endsBeforeASolve(const Findings& findings) {
+  return RUNDATA.run.DATAFMT == ROUTENONE ||
+         std::any_of(findings.begin(), findings.end(),
+                     [](const CheckFinding& f) { return f.kind == Kind::NoModel; });
+}
+
 } // namespace
 
 int checkDescription(std::span<char* const> arguments) {
@@ -133,7 +140,8 @@ int checkDescription(std::span<char* const> arguments) {
   if (read.status != 0) return tellRefusal(file, read, json);
   readHere(file, length);
   const Findings findings = findAll(read);
-  const int status = findings.empty() ? CLEAN : FOUND;
+  int status = findings.empty() ? CLEAN : FOUND;
+  if (endsBeforeASolve(findings)) status = REFUSED;
   if (json) {
     printJson({{"file", file},
                {"status", status},

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cmath>
 #include <fmt/format.h>
+#include <limits>
 #include <numeric>
 
 namespace lcp::companions {
@@ -19,6 +20,8 @@ namespace {
 constexpr double TWOPI = 6.283185307179586;
 constexpr double MILLI = 1e-3;
 constexpr double MICRO = 1e-6;
+constexpr double ROUNDING = 1e-18; // of squares of unit vectors in a file of 15 digits
+constexpr double CLOSER = 1e-6;    // relative; distances that differ by less are one
 
 constexpr double SMALLTURN = 0.05; // of the largest element: too small to turn a vector by
 constexpr double MERGED = 1e-9; // of one, by which the cosine's square of two vectors falls short
@@ -185,16 +188,34 @@ Finding onOneSolution(const Matrix& T) {
   return f;
 }
 
-// A vector of the steady state is turned by the element that is largest at the frequency of the
-// losses: its share of the largest.
-double turningShare(const Matrix& loss, const Matrix& at, std::size_t m) {
-  std::size_t row = 0;
-  double most = 0;
-  for (std::size_t i = 0; i < at.rows; ++i) {
-    if (std::abs(loss(i, m)) > std::abs(loss(row, m))) row = i;
-    most = std::max(most, std::abs(at(i, m)));
+// A vector in the file is the real part of one that was turned so that one of its elements became
+// real. Which one shows in the numbers; a small one turns the others at random.
+Finding turnOf(const ModelFile& file, const LineModes& at, std::size_t m) {
+  const std::size_t n = file.n;
+  double most = 0, best = std::numeric_limits<double>::infinity();
+  std::size_t by = 0;
+  for (std::size_t i = 0; i < n; ++i) most = std::max(most, std::abs(at.TI(i, m)));
+  for (std::size_t r = 0; r < n; ++r) {
+    const Complex turn = std::conj(at.TI(r, m)) / std::abs(at.TI(r, m));
+    double alike = 0, against = 0;
+    for (std::size_t i = 0; i < n; ++i) {
+      const double e = (at.TI(i, m) * turn).real(), w = file.bergeron.TI(i, m).real();
+      alike += (e - w) * (e - w);
+      against += (e + w) * (e + w);
+    }
+    // Elements that turn to the same numbers are told apart by their size.
+    const double distance = std::min(alike, against);
+    const bool larger = std::abs(at.TI(r, m)) > std::abs(at.TI(by, m));
+    if (distance < best * (1 - CLOSER) - ROUNDING || (larger && distance < best + ROUNDING)) {
+      best = distance;
+      by = r;
+    }
   }
-  return std::abs(at(row, m)) / most;
+  const double share = std::abs(at.TI(by, m)) / most;
+  Finding f{"vector", fmt::format("mode {}, turned by element {}", m + 1, by + 1)};
+  f.words = fmt::format("{:.3g} % of its largest", 100 * share);
+  f.verdict = share < SMALLTURN ? Verdict::DOUBTFUL : Verdict::GOOD;
+  return f;
 }
 
 // Models of one frequency are told about, not judged, a decade to both sides, where the line can be
@@ -279,15 +300,7 @@ std::vector<Finding> compareBergeron(const ModelFile& file, double length, const
     found.push_back(percent("Zc", mode, off(B.modes[m].Zc, at.Zc[m].real()), B.SSFREQ, limits));
     found.push_back(percent("R", mode, off(B.modes[m].R, R), B.SSFREQ, limits));
     found.push_back(percent("R loss", mode, off(B.modes[m].Rloss, Rloss), B.FLOSS, limits));
-    const double share = turningShare(loss.TI, at.TI, m);
-    if (!(share < SMALLTURN)) continue;
-    Finding f{"vector", mode + ", turned by an element of"};
-    f.value = 100 * share;
-    f.unit = "%";
-    f.frequency = B.SSFREQ;
-    f.words = fmt::format("{:.3g} % of its largest", f.value);
-    f.verdict = Verdict::DOUBTFUL;
-    found.push_back(f);
+    found.push_back(turnOf(file, at, m));
   }
   found.push_back(onOneSolution(B.TI));
   for (const auto& [name, to] : aroundSteadyState(B.SSFREQ)) {

@@ -78,11 +78,11 @@ ModelFile modelOf(const Arguments& given, double length, const Scratch& scratch,
 
 ModelKind kindWanted() {
   const auto& M = RUNDATA.model;
-  const std::pair<bool, ModelKind> wanted[] = {{M.MODPI, ModelKind::PI},
-                                               {M.MODBERG, ModelKind::BERGERON},
-                                               {M.MODFDM, ModelKind::MODE},
-                                               {M.MODFDP, ModelKind::PHASE},
-                                               {M.MODMFDTD, ModelKind::MFDTD}};
+  const std::pair<bool, ModelKind> wanted[] = {{M.MODPI(), ModelKind::PI},
+                                               {M.MODBERG(), ModelKind::BERGERON},
+                                               {M.MODFDM(), ModelKind::MODE},
+                                               {M.MODFDP(), ModelKind::PHASE},
+                                               {M.MODMFDTD(), ModelKind::MFDTD}};
   const auto* const row =
       std::find_if(std::begin(wanted), std::end(wanted), [](const auto& w) { return w.first; });
   return row == std::end(wanted) ? ModelKind::UNKNOWN : row->second;
@@ -125,7 +125,7 @@ std::vector<Finding> verified(const ModelFile& file, double length, const Limits
   add(all, checkPoles(file, limits));
   add(all, checkDelays(file, length, limits));
   if (file.kind == ModelKind::PHASE) add(all, phasePassivity(file, limits));
-  if (RUNDATA.model.fitted()) add(all, linePassivity(limits));
+  add(all, linePassivity(limits));
   return all;
 }
 
