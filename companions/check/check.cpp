@@ -75,23 +75,23 @@ std::string_view lineText(int number) {
 
 void printFindings(const Findings& findings) {
   int line = -1;
-  for (const Finding& f : findings) {
-    if (f.line != line && f.line == 0) fmt::print("the file\n");
+  for (const CheckFinding& f : findings) {
+    if (f.line != line && f.line == 0) say("the file\n");
     if (f.line != line && f.line != 0)
-      fmt::print("line {}: {}\n", f.line, printable(lineText(f.line)));
+      say(fmt::format("line {}: {}\n", f.line, printable(lineText(f.line))));
     line = f.line;
-    fmt::print("  {} [{}] {}\n", rowOf(f.kind).severity, rowOf(f.kind).id, printable(f.text));
+    say(fmt::format("  {} [{}] {}\n", rowOf(f.kind).severity, rowOf(f.kind).id, printable(f.text)));
   }
-  fmt::print("{} finding{}\n", findings.size(), findings.size() == 1 ? "" : "s");
+  say(fmt::format("{} finding{}\n", findings.size(), findings.size() == 1 ? "" : "s"));
 }
 
 void printJson(const Json& document) {
-  fmt::print("{}\n", document.dump(2, ' ', false, Json::error_handler_t::replace));
+  say(fmt::format("{}\n", document.dump(2, ' ', false, Json::error_handler_t::replace)));
 }
 
 Json findingsAsJson(const Findings& findings) {
   Json rows = Json::array();
-  for (const Finding& f : findings) {
+  for (const CheckFinding& f : findings) {
     rows.push_back({{"line", f.line},
                     {"kind", rowOf(f.kind).id},
                     {"severity", rowOf(f.kind).severity},
@@ -111,13 +111,20 @@ int tellRefusal(const std::string& file, const CapturedRun& read, bool json) {
                {"message", read.console},
                {"findings", findingsAsJson(findings)}});
   } else {
-    fmt::print("{}", read.console);
-    if (!findings.empty()) fmt::print("\n");
+    say(read.console);
+    if (!findings.empty()) say("\n");
     if (!findings.empty()) printFindings(findings);
   }
   std::fflush(stdout);
   if (read.status < 0) giveUp("corvo-check", "the reader broke down");
   return REFUSED;
+}
+
+// What the reader takes and the run behind it refuses at once.
+bool endsBeforeASolve(const Findings& findings) {
+  return RUNDATA.run.DATAFMT == ROUTENONE ||
+         std::any_of(findings.begin(), findings.end(),
+                     [](const CheckFinding& f) { return f.kind == Kind::NoModel; });
 }
 
 } // namespace
@@ -133,7 +140,8 @@ int checkDescription(std::span<char* const> arguments) {
   if (read.status != 0) return tellRefusal(file, read, json);
   readHere(file, length);
   const Findings findings = findAll(read);
-  const int status = findings.empty() ? CLEAN : FOUND;
+  int status = findings.empty() ? CLEAN : FOUND;
+  if (endsBeforeASolve(findings)) status = REFUSED;
   if (json) {
     printJson({{"file", file},
                {"status", status},
@@ -141,9 +149,9 @@ int checkDescription(std::span<char* const> arguments) {
                {"understood", understood()}});
   } else {
     printFindings(findings);
-    fmt::print("{}", tablesAsText(understood()));
+    say(tablesAsText(understood()));
   }
-  return std::fflush(stdout) == 0 ? status : REFUSED;
+  return saidAll() ? status : REFUSED;
 }
 
 } // namespace lcp::companions

@@ -80,8 +80,8 @@ const KindRow& rowOf(Kind kind) {
 
 void add(Findings& findings, int line, Kind kind, std::string_view a, std::string_view b,
          std::string_view c) {
-  Finding found{line, kind, fmt::format(fmt::runtime(rowOf(kind).text), a, b, c)};
-  const bool there = std::any_of(findings.begin(), findings.end(), [&](const Finding& f) {
+  CheckFinding found{line, kind, fmt::format(fmt::runtime(rowOf(kind).text), a, b, c)};
+  const bool there = std::any_of(findings.begin(), findings.end(), [&](const CheckFinding& f) {
     return f.line == line && f.kind == kind && f.text == found.text;
   });
   if (!there) findings.push_back(std::move(found));
@@ -89,7 +89,7 @@ void add(Findings& findings, int line, Kind kind, std::string_view a, std::strin
 
 void sortFindings(Findings& findings) {
   std::stable_sort(findings.begin(), findings.end(),
-                   [](const Finding& a, const Finding& b) { return a.line < b.line; });
+                   [](const CheckFinding& a, const CheckFinding& b) { return a.line < b.line; });
 }
 
 } // namespace lcp::companions

@@ -52,13 +52,13 @@ struct KindRow {
 
 const KindRow& rowOf(Kind kind);
 
-struct Finding {
+struct CheckFinding {
   int line; // number, 0 for the file as a whole
   Kind kind;
   std::string text;
 };
 
-using Findings = std::vector<Finding>;
+using Findings = std::vector<CheckFinding>;
 
 // Adds a finding; the words go to the places of the kind's sentence. What is there already is not
 // added again.

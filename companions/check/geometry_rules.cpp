@@ -28,7 +28,7 @@ std::string number(double x) { return fmt::format("{:.4g}", x); }
 // Properties that a group shares are told once.
 void addOnce(Findings& findings, int line, Kind kind, std::string_view a, std::string_view b,
              std::string_view c = {}) {
-  const bool there = std::any_of(findings.begin(), findings.end(), [&](const Finding& f) {
+  const bool there = std::any_of(findings.begin(), findings.end(), [&](const CheckFinding& f) {
     return f.line == line && f.kind == kind;
   });
   if (!there) add(findings, line, kind, a, b, c);

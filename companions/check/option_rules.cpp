@@ -121,7 +121,7 @@ void formulas(Findings& findings) {
 
 void optionRules(Findings& findings) {
   const ModelChoice& M = RUNDATA.model;
-  if (M.MODEL == ModelKind::None) add(findings, 0, Kind::NoModel);
+  if (M.MODEL == ModelKind::None || M.MODEL == ModelKind::Halo) add(findings, 0, Kind::NoModel);
   if (M.fitted()) weights(findings);
   if (M.MODFDP()) dcCorrection(findings);
   if (M.MODFDP()) passivity(findings);

@@ -31,8 +31,8 @@ std::string usageOf(const Program& p) {
 }
 
 [[noreturn]] void tell(const std::string& text) {
-  fmt::print("{}", text);
-  std::exit(std::fflush(stdout) == 0 ? 0 : CANNOTTELL);
+  say(text);
+  std::exit(saidAll() ? 0 : CANNOTTELL);
 }
 
 } // namespace
@@ -75,6 +75,11 @@ Arguments parseArguments(const Program& program, std::span<char* const> argument
     refuse(program, fmt::format("{} is one word too many", result.words[program.mostWords]));
   return result;
 }
+
+// Not by fmt::print, which throws where a device is full.
+void say(std::string_view text) { std::fwrite(text.data(), 1, text.size(), stdout); }
+
+bool saidAll() { return std::fflush(stdout) == 0 && std::ferror(stdout) == 0; }
 
 void giveUp(std::string_view name, std::string_view words) {
   fmt::print(stderr, "{}: {}\n", name, words);

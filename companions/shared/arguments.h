@@ -39,6 +39,10 @@ struct Arguments {
 // end it with a message and the usage on the error stream, exit status 2.
 Arguments parseArguments(const Program& program, std::span<char* const> arguments);
 
+// Text on the standard output, and whether all of it could be written.
+void say(std::string_view text);
+bool saidAll();
+
 // A line "NAME: WORDS" on the error stream, and the end, exit status 2.
 [[noreturn]] void giveUp(std::string_view name, std::string_view words);
 

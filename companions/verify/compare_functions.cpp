@@ -15,20 +15,14 @@ namespace {
 constexpr double TWOPI = 6.283185307179586;
 constexpr int BELOW = 5; // points of the grid below the band
 constexpr int FINER = 10;
-constexpr int OUTSIDE = 30; // points of a decade outside the band
+constexpr double ZERO = 1e-6; // Hz
+constexpr int OUTSIDE = 30;   // points of a decade outside the band
 
 bool fromTable() { return RUNDATA.run.DATAFMT == ROUTEMULTIPLE; }
 
 std::vector<double> tableFrequencies() {
   std::vector<double> f;
   for (int k = 1; k <= RUNDATA.fit.NFINC; ++k) f.push_back(YZTABLE.FTABLE[k]);
-  return f;
-}
-
-// From a to b times so many equal ratios.
-std::vector<double> ratios(double a, double b, int steps) {
-  std::vector<double> f;
-  for (int k = 0; k <= steps; ++k) f.push_back(a * std::pow(b / a, static_cast<double>(k) / steps));
   return f;
 }
 
@@ -41,56 +35,53 @@ std::vector<double> between(const std::vector<double>& points) {
   return f;
 }
 
-// Worst deviation and root of the mean square over a range.
-struct Deviation {
-  double worst = 0, frequency = 0, squares = 0;
-  std::size_t row = 0, column = 0, count = 0;
-
-  // The elements of two matrices at a frequency, as fractions of a reference.
-  void take(const Matrix& model, const Matrix& line, double reference, double f) {
-    for (std::size_t j = 0; j < line.columns; ++j) {
-      for (std::size_t i = 0; i < line.rows; ++i) {
-        const double e = std::abs(model(i, j) - line(i, j)) / reference;
-        squares += e * e;
-        ++count;
-        if (e <= worst || std::isnan(worst)) continue; // NaN stays
-        worst = e;
-        frequency = f;
-        row = i;
-        column = j;
-      }
-    }
+// The elements of two matrices at a frequency, as fractions of a reference.
+void take(Deviation& d, const Matrix& model, const Matrix& line, double reference, double f) {
+  for (std::size_t j = 0; j < line.columns; ++j) {
+    for (std::size_t i = 0; i < line.rows; ++i)
+      d.take(std::abs(model(i, j) - line(i, j)) / reference, f, i, j);
   }
-};
+}
 
 Finding findingOf(const Deviation& d, std::string_view subject, const FrequencyRange& range,
                   std::string_view limit, const Limits& limits) {
-  Finding f{std::string(subject), fmt::format("{} ({},{})", range.name, d.row + 1, d.column + 1)};
-  f.value = 100 * d.worst;
-  f.unit = "%";
-  f.rms = 100 * std::sqrt(d.squares / static_cast<double>(std::max<std::size_t>(d.count, 1)));
-  f.frequency = d.frequency;
-  f.verdict = limits.judge(range.limit.empty() ? limit : range.limit, f.value);
-  return f;
+  return d.finding(std::string(subject),
+                   fmt::format("{} ({},{})", range.name, d.row + 1, d.column + 1),
+                   limits.judge(range.limitOf(limit), 100 * d.worst));
+}
+
+bool conductsAtZero() {
+  const Matrix Y = constantsOf(ZERO).Y;
+  for (std::size_t i = 0; i < Y.rows; ++i) {
+    if (std::fabs(Y(i, i).real()) < std::fabs(Y(i, i).imag())) return false;
+  }
+  return true;
 }
 
 } // namespace
+
+std::vector<double> ratios(double a, double b, int steps) {
+  std::vector<double> f;
+  for (int k = 0; k <= steps; ++k) f.push_back(a * std::pow(b / a, static_cast<double>(k) / steps));
+  return f;
+}
 
 std::vector<FrequencyRange> fitRanges() {
   const FitOptions& F = RUNDATA.fit;
   std::vector<FrequencyRange> ranges;
   if (fromTable()) {
-    ranges.push_back({"at the rows of the table", "", tableFrequencies()});
+    ranges.push_back({"at the rows of the table", true, "", tableFrequencies()});
   } else {
     const double step = std::pow(F.FEND / F.FSTART, 1.0 / F.NFINC);
-    ranges.push_back({"at the points of the fit", "",
+    ranges.push_back({"at the points of the fit", true, "",
                       ratios(F.FSTART * std::pow(step, -BELOW), F.FEND, F.NFINC + BELOW)});
   }
-  ranges.push_back({"between them", "", between(ranges[0].f)});
+  ranges.push_back({"between them", true, "", between(ranges[0].f)});
   if (fromTable()) return ranges;
   const double low = ranges[0].f.front();
-  ranges.push_back({"a decade below", "outside", ratios(low / 10, low, OUTSIDE)});
-  ranges.push_back({"a decade above", "outside", ratios(F.FEND, 10 * F.FEND, OUTSIDE)});
+  ranges.push_back({"a decade below", false, "outside", ratios(low / 10, low, OUTSIDE)});
+  ranges.push_back({"a decade above", false, "outside", ratios(F.FEND, 10 * F.FEND, OUTSIDE)});
+  ranges.push_back({"at zero frequency", false, conductsAtZero() ? "zero" : "", {ZERO}});
   return ranges;
 }
 
@@ -107,9 +98,9 @@ std::vector<Finding> comparePhase(const ModelFile& file, double length, const Li
     }
     for (std::size_t k = 0; k < line.size(); ++k) {
       const Complex s(0, TWOPI * range.f[k]);
-      const double reference = range.limit.empty() ? largestYc : largest(line[k].Yc);
-      ofYc.take(file.Yc.at(s), line[k].Yc, reference, range.f[k]);
-      ofH.take(file.H.at(s), line[k].H, 1.0, range.f[k]);
+      const double reference = range.inside ? largestYc : largest(line[k].Yc);
+      take(ofYc, file.Yc.at(s), line[k].Yc, reference, range.f[k]);
+      take(ofH, file.H.at(s), line[k].H, 1.0, range.f[k]);
     }
     admittance.push_back(findingOf(ofYc, "Yc", range, "yc", limits));
     propagation.push_back(findingOf(ofH, "H", range, "h", limits));
@@ -129,8 +120,8 @@ std::vector<Finding> compareSeries(const ModelFile& file, const Limits& limits) 
       if (found.empty()) largestZ = std::max(largestZ, largest(line.back()));
     }
     for (std::size_t k = 0; k < line.size(); ++k) {
-      const double reference = range.limit.empty() ? largestZ : largest(line[k]);
-      d.take(file.Z.at(Complex(0, TWOPI * range.f[k])), line[k], reference, range.f[k]);
+      const double reference = range.inside ? largestZ : largest(line[k]);
+      take(d, file.Z.at(Complex(0, TWOPI * range.f[k])), line[k], reference, range.f[k]);
     }
     found.push_back(findingOf(d, "Z", range, "z", limits));
   }

@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cmath>
 #include <fmt/format.h>
+#include <limits>
 #include <numeric>
 
 namespace lcp::companions {
@@ -19,6 +20,12 @@ namespace {
 constexpr double TWOPI = 6.283185307179586;
 constexpr double MILLI = 1e-3;
 constexpr double MICRO = 1e-6;
+constexpr double ROUNDING = 1e-18; // of squares of unit vectors in a file of 15 digits
+constexpr double CLOSER = 1e-6;    // relative; distances that differ by less are one
+
+constexpr double SMALLTURN = 0.05; // of the largest element: too small to turn a vector by
+constexpr double MERGED = 1e-9; // of one, by which the cosine's square of two vectors falls short
+constexpr int AROUND = 10;      // points of a decade about the steady state frequency
 
 constexpr double EQUAL = 1e-6; // relative distance of squares of gamma that count as one
 
@@ -110,12 +117,12 @@ LineModes modesLike(double f, const Matrix& reference) {
   return modes;
 }
 
-// The transformation that the mode model was written with, at its frequency: conductor by mode.
-Matrix writtenTransformation(const ModelFile& file) {
+// The transformation of a mode model at a frequency, conductor by mode: fitted, or constant.
+Matrix writtenTransformation(const ModelFile& file, double f) {
   Matrix T(file.n, file.n);
   for (std::size_t i = 0; i < file.n; ++i) {
     for (std::size_t j = 0; j < file.n; ++j)
-      T(i, j) = file.modes[i].row[j].at(Complex(0, TWOPI * RUNDATA.fit.FCT))(0, 0);
+      T(i, j) = file.modes[i].row[j].at(Complex(0, TWOPI * f))(0, 0);
   }
   return T;
 }
@@ -137,33 +144,10 @@ std::vector<LineModes> followed(const std::vector<double>& f, const Matrix& writ
   return modes;
 }
 
-struct Worst {
-  double value = 0, frequency = 0, squares = 0;
-  std::size_t count = 0;
-
-  void take(double e, double f) {
-    squares += e * e;
-    ++count;
-    if (e <= value || std::isnan(value)) return;
-    value = e;
-    frequency = f;
-  }
-};
-
-Finding findingOf(const Worst& w, std::string subject, std::string where, Verdict verdict) {
-  Finding f{std::move(subject), std::move(where)};
-  f.value = 100 * w.value;
-  f.unit = "%";
-  f.frequency = w.frequency;
-  if (w.count > 1) f.rms = 100 * std::sqrt(w.squares / static_cast<double>(w.count));
-  f.verdict = verdict;
-  return f;
-}
-
 Finding percent(std::string subject, std::string where, double e, double f, const Limits& limits) {
-  Worst w;
-  w.take(e, f);
-  return findingOf(w, std::move(subject), std::move(where), limits.judge("exact", 100 * e));
+  Deviation d;
+  d.take(e, f);
+  return d.finding(std::move(subject), std::move(where), limits.judge("exact", 100 * e));
 }
 
 double off(Complex a, Complex b) { return std::abs(a - b) / std::abs(b); }
@@ -172,50 +156,80 @@ double offBy(const Matrix& model, const Matrix& line) {
   return largest(combined(model, -1, line)) / largest(line);
 }
 
-} // namespace
+// A column of a transformation against the mode's vector, of unit length both; a vector may be
+// turned in the complex plane as a whole.
+void takeVector(Deviation& d, const Matrix& T, const Matrix& line, std::size_t m, double f) {
+  double length = 0;
+  Complex turned = 0;
+  for (std::size_t i = 0; i < T.rows; ++i) {
+    length += std::norm(T(i, m));
+    turned += std::conj(T(i, m)) * line(i, m);
+  }
+  const Complex factor = turned / std::abs(turned) / std::sqrt(length);
+  for (std::size_t i = 0; i < T.rows; ++i) d.take(std::abs(factor * T(i, m) - line(i, m)), f, i, m);
+}
 
-std::vector<Finding> compareModeFits(const ModelFile& file, double length, const Limits& limits) {
-  std::vector<Finding> found;
-  const Matrix written = writtenTransformation(file);
-  for (const FrequencyRange& range : fitRanges()) {
-    const std::vector<LineModes> line = followed(range.f, written);
-    for (std::size_t m = 0; m < file.n; ++m) {
-      Worst ofZc, ofA;
-      for (std::size_t k = 0; k < range.f.size(); ++k) {
-        const Complex s(0, TWOPI * range.f[k]);
-        const Complex lag = std::exp(-s * MILLI * file.modes[m].delay);
-        ofZc.take(off(file.modes[m].Zc.at(s)(0, 0), line[k].Zc[m]), range.f[k]);
-        ofA.take(std::abs(file.modes[m].A.at(s)(0, 0) * lag - std::exp(-line[k].gamma[m] * length)),
-                 range.f[k]);
+// Pairs of vectors of a written transformation that are one: two modes on one solution.
+Finding onOneSolution(const Matrix& T) {
+  Finding f{"modes", "pairs that are on one solution"};
+  for (std::size_t a = 0; a < T.columns; ++a) {
+    for (std::size_t b = a + 1; b < T.columns; ++b) {
+      Complex dot = 0;
+      double aa = 0, bb = 0;
+      for (std::size_t i = 0; i < T.rows; ++i) {
+        dot += std::conj(T(i, a)) * T(i, b);
+        aa += std::norm(T(i, a));
+        bb += std::norm(T(i, b));
       }
-      const std::string where = fmt::format("mode {}, {}", m + 1, range.name);
-      const std::string_view limit = range.limit.empty() ? "mode" : range.limit;
-      found.push_back(findingOf(ofZc, "Zc", where, limits.judge(limit, 100 * ofZc.value)));
-      found.push_back(findingOf(ofA, "H", where, limits.judge(limit, 100 * ofA.value)));
+      if (!(std::norm(dot) <= (1 - MERGED) * aa * bb)) f.value += 1;
     }
   }
-  return found;
+  f.verdict = f.value == 0 ? Verdict::GOOD : Verdict::BAD;
+  return f;
 }
 
-std::vector<Finding> compareBergeron(const ModelFile& file, double length, const Limits& limits) {
-  const BergeronFile& B = file.bergeron;
-  const LineModes at = modesLike(B.SSFREQ, B.TI);
-  const LineModes loss = modesLike(B.FLOSS, at.TI);
-  std::vector<Finding> found;
-  for (std::size_t m = 0; m < file.n; ++m) {
-    const std::string mode = fmt::format("mode {}", m + 1);
-    const double T = length * at.gamma[m].imag() / (TWOPI * B.SSFREQ);
-    const double R = (at.gamma[m] * at.Zc[m]).real(), Rloss = (loss.gamma[m] * loss.Zc[m]).real();
-    found.push_back(percent("T", mode, off(MILLI * B.modes[m].T, T), B.SSFREQ, limits));
-    found.push_back(percent("Zc", mode, off(B.modes[m].Zc, at.Zc[m].real()), B.SSFREQ, limits));
-    found.push_back(percent("R", mode, off(B.modes[m].R, R), B.SSFREQ, limits));
-    found.push_back(percent("R loss", mode, off(B.modes[m].Rloss, Rloss), B.FLOSS, limits));
+// A vector in the file is the real part of one that was turned so that one of its elements became
+// real. Which one shows in the numbers; a small one turns the others at random.
+Finding turnOf(const ModelFile& file, const LineModes& at, std::size_t m) {
+  const std::size_t n = file.n;
+  double most = 0, best = std::numeric_limits<double>::infinity();
+  std::size_t by = 0;
+  for (std::size_t i = 0; i < n; ++i) most = std::max(most, std::abs(at.TI(i, m)));
+  for (std::size_t r = 0; r < n; ++r) {
+    const Complex turn = std::conj(at.TI(r, m)) / std::abs(at.TI(r, m));
+    double alike = 0, against = 0;
+    for (std::size_t i = 0; i < n; ++i) {
+      const double e = (at.TI(i, m) * turn).real(), w = file.bergeron.TI(i, m).real();
+      alike += (e - w) * (e - w);
+      against += (e + w) * (e + w);
+    }
+    // Elements that turn to the same numbers are told apart by their size.
+    const double distance = std::min(alike, against);
+    const bool larger = std::abs(at.TI(r, m)) > std::abs(at.TI(by, m));
+    if (distance < best * (1 - CLOSER) - ROUNDING || (larger && distance < best + ROUNDING)) {
+      best = distance;
+      by = r;
+    }
   }
-  return found;
+  const double share = std::abs(at.TI(by, m)) / most;
+  Finding f{"vector", fmt::format("mode {}, turned by element {}", m + 1, by + 1)};
+  f.words = fmt::format("{:.3g} % of its largest", 100 * share);
+  f.verdict = share < SMALLTURN ? Verdict::DOUBTFUL : Verdict::GOOD;
+  return f;
 }
 
-std::vector<Finding> comparePi(const ModelFile& file, double length, const Limits& limits) {
-  const double f = RUNDATA.line.SSFREQ;
+// Models of one frequency are told about, not judged, a decade to both sides, where the line can be
+// computed there.
+std::vector<std::pair<std::string, double>> aroundSteadyState(double f) {
+  if (RUNDATA.run.DATAFMT != ROUTECONSTANTS) return {};
+  return {{"a decade below", f / 10}, {"a decade above", 10 * f}};
+}
+
+struct PiDeviation {
+  double shunt, series;
+};
+
+PiDeviation piAt(const ModelFile& file, double length, double f) {
   const Complex s(0, TWOPI * f);
   const LinePoint point = constantsOf(f);
   const PhaseFunctions line = phaseFunctionsOf(point, modesOf(point), length);
@@ -235,8 +249,93 @@ std::vector<Finding> comparePi(const ModelFile& file, double length, const Limit
       Z(i, j) += s * file.pi.L(i, j);
     }
   }
-  return {percent("shunt", "both halves", offBy(shunt, alike), f, limits),
-          percent("series", "impedance", offBy(Z, inverse(series)), f, limits)};
+  return {offBy(shunt, alike), offBy(Z, inverse(series))};
+}
+
+} // namespace
+
+std::vector<Finding> compareModeFits(const ModelFile& file, double length, const Limits& limits) {
+  std::vector<Finding> found;
+  const Matrix written = writtenTransformation(file, RUNDATA.fit.FCT);
+  for (const FrequencyRange& range : fitRanges()) {
+    const std::vector<LineModes> line = followed(range.f, written);
+    std::vector<Deviation> ofZc(file.n), ofA(file.n), ofT(file.n);
+    for (std::size_t k = 0; k < range.f.size(); ++k) {
+      const double f = range.f[k];
+      const Complex s(0, TWOPI * f);
+      const Matrix T = writtenTransformation(file, f);
+      for (std::size_t m = 0; m < file.n; ++m) {
+        const Complex lag = std::exp(-s * MILLI * file.modes[m].delay);
+        ofZc[m].take(off(file.modes[m].Zc.at(s)(0, 0), line[k].Zc[m]), f);
+        ofA[m].take(
+            std::abs(file.modes[m].A.at(s)(0, 0) * lag - std::exp(-line[k].gamma[m] * length)), f);
+        takeVector(ofT[m], T, line[k].TI, m, f);
+      }
+    }
+    for (std::size_t m = 0; m < file.n; ++m) {
+      const auto add = [&](std::string_view what, const Deviation& d, std::string element) {
+        found.push_back(d.finding(std::string(what),
+                                  fmt::format("mode {}{}, {}", m + 1, element, range.name),
+                                  limits.judge(range.limitOf("mode"), 100 * d.worst)));
+      };
+      add("Zc", ofZc[m], "");
+      add("H", ofA[m], "");
+      add("T", ofT[m], fmt::format(" ({},{})", ofT[m].row + 1, m + 1));
+    }
+  }
+  found.push_back(onOneSolution(written));
+  return found;
+}
+
+std::vector<Finding> compareBergeron(const ModelFile& file, double length, const Limits& limits) {
+  const BergeronFile& B = file.bergeron;
+  const LineModes at = modesLike(B.SSFREQ, B.TI);
+  const LineModes loss = modesLike(B.FLOSS, at.TI);
+  std::vector<Finding> found;
+  for (std::size_t m = 0; m < file.n; ++m) {
+    const std::string mode = fmt::format("mode {}", m + 1);
+    const double T = length * at.gamma[m].imag() / (TWOPI * B.SSFREQ);
+    const double R = (at.gamma[m] * at.Zc[m]).real(), Rloss = (loss.gamma[m] * loss.Zc[m]).real();
+    found.push_back(percent("T", mode, off(MILLI * B.modes[m].T, T), B.SSFREQ, limits));
+    found.push_back(percent("Zc", mode, off(B.modes[m].Zc, at.Zc[m].real()), B.SSFREQ, limits));
+    found.push_back(percent("R", mode, off(B.modes[m].R, R), B.SSFREQ, limits));
+    found.push_back(percent("R loss", mode, off(B.modes[m].Rloss, Rloss), B.FLOSS, limits));
+    found.push_back(turnOf(file, at, m));
+  }
+  found.push_back(onOneSolution(B.TI));
+  for (const auto& [name, to] : aroundSteadyState(B.SSFREQ)) {
+    const std::vector<double> f = ratios(B.SSFREQ, to, AROUND);
+    for (std::size_t m = 0; m < file.n; ++m) {
+      Deviation ofT, ofZc;
+      for (const double g : f) {
+        const LineModes line = modesLike(g, at.TI);
+        ofT.take(off(MILLI * B.modes[m].T, length * line.gamma[m].imag() / (TWOPI * g)), g);
+        ofZc.take(off(B.modes[m].Zc, line.Zc[m].real()), g);
+      }
+      const std::string where = fmt::format("mode {}, {}", m + 1, name);
+      found.push_back(ofT.finding("T", where));
+      found.push_back(ofZc.finding("Zc", where));
+    }
+  }
+  return found;
+}
+
+std::vector<Finding> comparePi(const ModelFile& file, double length, const Limits& limits) {
+  const double f = RUNDATA.line.SSFREQ;
+  const PiDeviation exact = piAt(file, length, f);
+  std::vector<Finding> found = {percent("shunt", "both halves", exact.shunt, f, limits),
+                                percent("series", "impedance", exact.series, f, limits)};
+  for (const auto& [name, to] : aroundSteadyState(f)) {
+    Deviation ofShunt, ofSeries;
+    for (const double g : ratios(f, to, AROUND)) {
+      const PiDeviation d = piAt(file, length, g);
+      ofShunt.take(d.shunt, g);
+      ofSeries.take(d.series, g);
+    }
+    found.push_back(ofShunt.finding("shunt", name));
+    found.push_back(ofSeries.finding("series", name));
+  }
+  return found;
 }
 
 std::vector<Finding> checkTransformation(const Limits& limits) {

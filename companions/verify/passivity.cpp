@@ -21,7 +21,8 @@ namespace lcp::companions {
 namespace {
 
 constexpr double TWOPI = 6.283185307179586;
-constexpr double BEYOND = 100; // two decades
+constexpr double NOISE = 1e-12; // of the size: what rounding leaves
+constexpr double BEYOND = 100;  // two decades
 constexpr std::size_t SHOWNBANDS = 10;
 constexpr double WORK = 4e7; // points times the cube of the order that a scan may cost
 constexpr double LEASTPOINTS = 5000;
@@ -100,7 +101,7 @@ std::vector<Finding> phasePassivity(const ModelFile& file, const Limits& limits)
                                  [&](double f) { return nodalExtremes(file, f); });
   std::vector<Finding> found = {
       worstOf(scan, "passivity", "smallest eigenvalue, both ends", "S", limits)};
-  const auto noise = [](const ScanPoint& p) { return -1e-12 * p.size; };
+  const auto noise = [](const ScanPoint& p) { return -NOISE * p.size; };
   addBands(found, bandsBelow(scan, noise), limits, scan);
   if (scan.resolved) return found;
   Finding f{"passivity", "resolution"};
@@ -110,15 +111,30 @@ std::vector<Finding> phasePassivity(const ModelFile& file, const Limits& limits)
   return found;
 }
 
+namespace {
+
+// A conductance of nothing beside a capacitance is 0, whatever its rounding.
+ScanPoint realExtremes(double f, const Matrix& A) {
+  ScanPoint p = extremes(f, {A});
+  if (p.value < 0 && -p.value <= NOISE * largest(A)) p.value = 0;
+  return p;
+}
+
+} // namespace
+
 std::vector<Finding> linePassivity(const Limits& limits) {
   std::vector<Finding> found;
   Scan ofZ, ofY;
-  for (const FrequencyRange& range : fitRanges()) {
-    for (const double f : range.f) {
-      const LinePoint point = constantsOf(f);
-      ofZ.points.push_back(extremes(f, {point.Z}));
-      ofY.points.push_back(extremes(f, {point.Y}));
-    }
+  std::vector<double> all = {RUNDATA.line.SSFREQ, RUNDATA.bergeron.FLOSS};
+  if (RUNDATA.model.fitted()) {
+    all.clear();
+    for (const FrequencyRange& range : fitRanges())
+      all.insert(all.end(), range.f.begin(), range.f.end());
+  }
+  for (const double f : all) {
+    const LinePoint point = constantsOf(f);
+    ofZ.points.push_back(realExtremes(f, point.Z));
+    ofY.points.push_back(realExtremes(f, point.Y));
   }
   found.push_back(worstOf(ofZ, "line", "smallest eigenvalue of Re Z", "ohm/m", limits));
   found.push_back(worstOf(ofY, "line", "smallest eigenvalue of Re Y", "S/m", limits));

@@ -12,7 +12,8 @@ namespace lcp::companions {
 // beyond it on both sides: its smallest eigenvalue and every band where it is negative.
 std::vector<Finding> phasePassivity(const ModelFile& file, const Limits& limits);
 
-// The real parts of Z and Y of the line, which no network has negative.
+// The real parts of Z and Y of the line, which no network has negative, over the ranges of the fit;
+// without one at the frequencies of the model.
 std::vector<Finding> linePassivity(const Limits& limits);
 
 } // namespace lcp::companions

@@ -81,6 +81,25 @@ Finding counted(std::string_view what, std::size_t n) {
   return f;
 }
 
+// A tenth of the shortest way along the line.
+Finding longestStep(double delay) {
+  constexpr double STEPSOFADELAY = 10;
+  Finding step{"step", "of the simulation, at most"};
+  step.value = 1e6 * delay / STEPSOFADELAY;
+  step.unit = "us";
+  return step;
+}
+
+// A Bergeron file has travel times; a MFDTD file leaves them to light, which is never slower.
+std::vector<Finding> stepWithoutDelays(const ModelFile& file, double length) {
+  if (file.kind == ModelKind::PI) return {};
+  double shortest = length / LIGHT;
+  const auto& modes = file.bergeron.modes;
+  const auto quicker = [](const BergeronMode& a, const BergeronMode& b) { return a.T < b.T; };
+  if (!modes.empty()) shortest = 1e-3 * std::min_element(modes.begin(), modes.end(), quicker)->T;
+  return {longestStep(shortest)};
+}
+
 } // namespace
 
 std::vector<Finding> checkPoles(const ModelFile& file, const Limits& limits) {
@@ -100,7 +119,7 @@ std::vector<Finding> checkPoles(const ModelFile& file, const Limits& limits) {
 std::vector<Finding> checkDelays(const ModelFile& file, double length, const Limits& limits) {
   std::vector<double> delays = file.H.delays; // s
   for (const ModeFit& m : file.modes) delays.push_back(1e-3 * m.delay);
-  if (delays.empty()) return {};
+  if (delays.empty()) return stepWithoutDelays(file, length);
   const double top = fitRanges()[0].f.back();
   std::vector<double> travel;
   for (const Complex& gamma : modesOf(constantsOf(top)).gamma)
@@ -126,10 +145,7 @@ std::vector<Finding> checkDelays(const ModelFile& file, double length, const Lim
     }
     found.push_back(f);
   }
-  Finding step{"step", "of the simulation, at most"};
-  step.value = 1e6 * delays.front() / 10;
-  step.unit = "us";
-  found.push_back(step);
+  found.push_back(longestStep(delays.front()));
   return found;
 }
 

@@ -31,6 +31,25 @@ std::string lineOf(const Finding& f) {
 
 } // namespace
 
+void Deviation::take(double e, double f, std::size_t i, std::size_t j) {
+  squares += e * e;
+  if (count++ > 0 && (e <= worst || std::isnan(worst))) return;
+  worst = e;
+  frequency = f;
+  row = i;
+  column = j;
+}
+
+Finding Deviation::finding(std::string subject, std::string where, Verdict verdict) const {
+  Finding f{std::move(subject), std::move(where)};
+  f.value = 100 * worst;
+  f.unit = "%";
+  if (count > 1) f.rms = 100 * std::sqrt(squares / static_cast<double>(count));
+  f.frequency = frequency;
+  f.verdict = verdict;
+  return f;
+}
+
 const std::vector<Limit>& defaultLimits() {
   static const std::vector<Limit> LIMITS = {
       {"yc", 1, 5, "%", "characteristic admittance in the band, of its largest magnitude"},
@@ -38,8 +57,10 @@ const std::vector<Limit>& defaultLimits() {
       {"z", 1, 5, "%", "series impedance in the band, of its largest magnitude"},
       {"mode", 5, 20, "%", "surge impedance, attenuation or transformation of a mode in the band"},
       {"outside", 10, 50, "%", "the same a decade below and a decade above the band"},
+      {"zero", 10, 100, "%", "the same at zero frequency, of a line with conductances"},
       {"exact", 0.1, 1, "%", "pi and Bergeron data against the line"},
       {"passive", 1e-6, 1e-3, "", "negative eigenvalue of a nodal admittance, of its largest one"},
+      {"printed", 1.5, 4, "", "error of the file over the error that the run prints"},
       {"ratio", 100, 1000, "", "residue over pole"},
       {"condition", 100, 1e4, "", "of the transformation"},
       {"delay", 0.1, 1, "%", "by which a delay exceeds the travel time at the top of the band"},
@@ -75,6 +96,7 @@ bool Limits::set(std::string_view text) {
 }
 
 Verdict Limits::judge(std::string_view name, double value) const {
+  if (name.empty()) return Verdict::TOLD;
   const Limit& limit = find(name);
   if (!(value <= limit.bad)) return Verdict::BAD; // NaN is bad
   return value <= limit.doubtful ? Verdict::GOOD : Verdict::DOUBTFUL;
@@ -92,7 +114,7 @@ std::string asJson(const std::vector<Finding>& findings, std::string_view model,
   document["findings"] = nlohmann::ordered_json::array();
   for (const Finding& f : findings) {
     nlohmann::ordered_json one = {{"subject", f.subject}, {"where", f.where}};
-    if (f.words.empty()) one["value"] = f.value;
+    if (f.words.empty() || f.value != 0) one["value"] = f.value;
     if (!f.unit.empty()) one["unit"] = f.unit;
     if (!std::isnan(f.rms)) one["rms"] = f.rms;
     if (!std::isnan(f.frequency)) one["frequency"] = f.frequency;

@@ -34,11 +34,23 @@ struct Finding {
   std::string words; // in plain words, where a number does not say it
 };
 
+// Deviations over some frequencies: the worst with its place, and the root of the mean square.
+struct Deviation {
+  double worst = 0, frequency = std::numeric_limits<double>::quiet_NaN(), squares = 0;
+  std::size_t row = 0, column = 0, count = 0;
+
+  // A deviation as a fraction, at f in Hz, of an element where there are several. NaN stays worst.
+  void take(double e, double f, std::size_t i = 0, std::size_t j = 0);
+  // In per cent.
+  Finding finding(std::string subject, std::string where, Verdict verdict = Verdict::TOLD) const;
+};
+
 // The limits as the user left or set them: "name=doubtful:bad" parted by commas.
 class Limits {
 public:
   // False for a name that does not exist and for numbers that are none.
   bool set(std::string_view text);
+  // TOLD for an empty name.
   Verdict judge(std::string_view name, double value) const;
 
 private:

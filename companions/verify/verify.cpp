@@ -2,14 +2,18 @@
 
 #include "companions/shared/arguments.h"
 #include "companions/shared/captured_run.h"
+#include "companions/shared/direct_line.h"
 #include "companions/shared/model_file.h"
 #include "companions/verify/compare_functions.h"
 #include "companions/verify/compare_modes.h"
 #include "companions/verify/passivity.h"
 #include "companions/verify/poles.h"
+#include "companions/verify/told_by_run.h"
 #include "companions/verify/verdicts.h"
 #include "store/rundata.h"
 
+#include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <filesystem>
 #include <fmt/format.h>
@@ -53,19 +57,65 @@ void add(std::vector<Finding>& all, const std::vector<Finding>& more) {
   all.insert(all.end(), more.begin(), more.end());
 }
 
-// The model file: the one that is given, or one that the program makes in the scratch folder.
-ModelFile modelOf(const Arguments& given, double length, const Scratch& scratch) {
-  if (given.words.size() > 1) return readModelFile(given.words[1]);
+// The model file: the one that is given, or one that the program makes in the scratch folder, whose
+// console then tells more.
+ModelFile modelOf(const Arguments& given, double length, const Scratch& scratch,
+                  std::string& console) {
+  if (given.words.size() > 1) {
+    const CapturedRun read = readInChild(given.words[0], length);
+    if (read.status == 0) return readModelFile(given.words[1]);
+    say(read.console);
+    giveUp(VERIFY.name, "the program refuses this description");
+  }
   const std::string model = (scratch.path / "model").string();
   const CapturedRun run =
       solveInChild(given.words[0], length, model, (scratch.path / "report").string());
+  console = run.console;
   if (run.status == 0 || run.status == 2) return readModelFile(model);
-  fmt::print("{}", run.console);
+  say(run.console);
   giveUp(VERIFY.name, "the program makes no model of this description");
 }
 
+ModelKind kindWanted() {
+  const auto& M = RUNDATA.model;
+  const std::pair<bool, ModelKind> wanted[] = {{M.MODPI(), ModelKind::PI},
+                                               {M.MODBERG(), ModelKind::BERGERON},
+                                               {M.MODFDM(), ModelKind::MODE},
+                                               {M.MODFDP(), ModelKind::PHASE},
+                                               {M.MODMFDTD(), ModelKind::MFDTD}};
+  const auto* const row =
+      std::find_if(std::begin(wanted), std::end(wanted), [](const auto& w) { return w.first; });
+  return row == std::end(wanted) ? ModelKind::UNKNOWN : row->second;
+}
+
+// A file of another kind or with another number of conductors belongs to another description: there
+// is nothing to compare.
+void refuseStranger(const ModelFile& file) {
+  if (file.kind != kindWanted())
+    giveUp(VERIFY.name, fmt::format("the model file is {}, the description asks for {}",
+                                    nameOf(file.kind), nameOf(kindWanted())));
+  // A cable system has its order behind its eliminations.
+  const double f = RUNDATA.model.fitted() ? fitRanges()[0].f.back() : RUNDATA.line.SSFREQ;
+  const std::size_t order = constantsOf(f).Y.rows;
+  if (file.n != order)
+    giveUp(VERIFY.name,
+           fmt::format("the model file has {} conductors, the line has {}", file.n, order));
+}
+
+// The length that the file tells, rounded to its digits there.
+std::vector<Finding> compareLength(const ModelFile& file, double length) {
+  constexpr double DIGITS = 1e-4;
+  const double off = std::fabs(file.length / length - 1);
+  if (file.length == 0 || off <= DIGITS) return {};
+  Finding f{"length", "of the model file"};
+  f.value = file.length;
+  f.unit = "m";
+  f.verdict = Verdict::BAD;
+  return {f};
+}
+
 std::vector<Finding> verified(const ModelFile& file, double length, const Limits& limits) {
-  std::vector<Finding> all;
+  std::vector<Finding> all = compareLength(file, length);
   if (file.kind == ModelKind::PHASE) add(all, comparePhase(file, length, limits));
   if (file.kind == ModelKind::MFDTD) add(all, compareSeries(file, limits));
   if (file.kind == ModelKind::MODE) add(all, compareModeFits(file, length, limits));
@@ -75,7 +125,7 @@ std::vector<Finding> verified(const ModelFile& file, double length, const Limits
   add(all, checkPoles(file, limits));
   add(all, checkDelays(file, length, limits));
   if (file.kind == ModelKind::PHASE) add(all, phasePassivity(file, limits));
-  if (RUNDATA.model.fitted()) add(all, linePassivity(limits));
+  add(all, linePassivity(limits));
   return all;
 }
 
@@ -89,12 +139,16 @@ int verifyModel(std::span<char* const> arguments) {
   if (!limits.set(given.valueOr("--limits", "")))
     giveUp(VERIFY.name, "--limits NAME=DOUBTFUL:BAD[,...] expected");
   const Scratch scratch;
-  const ModelFile file = modelOf(given, length, scratch);
+  std::string console;
+  const ModelFile file = modelOf(given, length, scratch, console);
   if (!file.trouble.empty()) giveUp(VERIFY.name, "the model file: " + file.trouble);
   readHere(given.words[0], length);
-  const std::vector<Finding> findings = verified(file, length, limits);
-  fmt::print("{}", given.has("--json") ? asJson(findings, nameOf(file.kind), file.n, length)
-                                       : asText(findings));
+  refuseStranger(file);
+  std::vector<Finding> findings = verified(file, length, limits);
+  if (!console.empty() && RUNDATA.model.fitted())
+    add(findings, compareConsole(console, findings, limits));
+  say(given.has("--json") ? asJson(findings, nameOf(file.kind), file.n, length) : asText(findings));
+  if (!saidAll()) giveUp(VERIFY.name, "the findings cannot be written");
   return exitStatus(findings);
 }
 

@@ -12,7 +12,11 @@
 #include <array>
 #include <cmath>
 #include <filesystem>
+#include <fmt/format.h>
+#include <fstream>
 #include <gtest/gtest.h>
+#include <map>
+#include <nlohmann/json.hpp>
 
 using namespace lcp::companions;
 using namespace lcp::test;
@@ -119,18 +123,86 @@ TEST(Poles, ThatNoRealNetworkHasAreCounted) {
   EXPECT_EQ(exitStatus(found), 1);
 }
 
-// The errors of the example are those that its run prints: 0.0773 % and 0.1300 %.
-TEST(Verify, AgreesWithThePrintedErrors) {
-  const std::string command = std::string(CORVO_VERIFY " ") + CORVO_EXAMPLES +
-                              "/line500kv_phase.cvi /length 100000 --json 2>&1";
-  FILE* pipe = popen(command.c_str(), "r");
+namespace {
+
+// What the program says, and how it ends.
+std::pair<int, std::string> verify(const std::string& words) {
+  FILE* pipe = popen((CORVO_VERIFY " " + words).c_str(), "r");
   std::string text;
   for (int c = 0; (c = std::fgetc(pipe)) != EOF;) text.push_back(static_cast<char>(c));
-  EXPECT_EQ(WEXITSTATUS(pclose(pipe)), 1) << text; // its slowest delay is behind its mode
-  const auto near = [&](const std::string& subject, double percent) {
-    const auto at = text.find("\"value\": ", text.find(subject));
-    EXPECT_NEAR(std::stod(text.substr(at + 9)), percent, 6e-5);
+  return {WEXITSTATUS(pclose(pipe)), text};
+}
+
+using Json = nlohmann::json;
+
+const Json& findingOf(const Json& all, const std::string& subject, const std::string& where) {
+  static const Json none;
+  for (const Json& f : all) {
+    if (f["subject"] == subject && f["where"].get<std::string>().starts_with(where)) return f;
+  }
+  ADD_FAILURE() << subject << " " << where;
+  return none;
+}
+
+} // namespace
+
+// Lines whose runs end in success and whose models are not good; the number is told here.
+TEST(Verify, FindsWhatARunDoesNotTell) {
+  struct Fault {
+    const char *file, *length, *subject, *where;
+    double least, most;
   };
-  near("Yc", 0.0773);
-  near("\"H\"", 0.1300);
+  const Fault FAULTS[] = {
+      {"between", "5000", "H", "a decade above", 50, 1e9},
+      {"between", "5000", "modes", "steps given up", 1, 1e9},
+      {"between", "5000", "H", "at the points", 0, 1},
+      {"between", "5000", "H", "between them", 5, 1e9},
+      {"printed", "500", "Yc", "of the file over", 2, 1e9},
+      {"enforced", "500", "passivity", "smallest", -1e9, -0.1},
+      {"surge", "100000", "Zc", "mode 1, at the points", 50, 1e9},
+      {"unpaired", "500", "poles", "residues that", 1, 1e9},
+  };
+  std::map<std::string, Json> runs;
+  for (const Fault& f : FAULTS) {
+    if (!runs.contains(f.file)) {
+      const auto [status, text] = verify(fmt::format(
+          "{}/companions/faults/{}.cvi /length {} --json", CORVO_TEST_DATA, f.file, f.length));
+      EXPECT_EQ(status, 1) << text;
+      runs[f.file] = Json::parse(text)["findings"];
+    }
+    const Json& found = findingOf(runs[f.file], f.subject, f.where);
+    if (found.is_null()) continue;
+    EXPECT_GE(found["value"], f.least) << f.file << found;
+    EXPECT_LE(found["value"], f.most) << f.file << found;
+  }
+}
+
+// The errors of the example are those that its run prints: 0.0773 % and 0.1300 %.
+TEST(Verify, AgreesWithThePrintedErrors) {
+  const std::string file = CORVO_EXAMPLES "/line500kv_phase.cvi /length 100000 --json";
+  const auto [status, text] = verify(file);
+  EXPECT_EQ(status, 1) << text; // its slowest delay is behind its mode
+  const Json all = Json::parse(text)["findings"];
+  EXPECT_NEAR(findingOf(all, "Yc", "at the points")["value"].get<double>(), 0.0773, 6e-5);
+  EXPECT_NEAR(findingOf(all, "H", "at the points")["value"].get<double>(), 0.1300, 6e-5);
+  // At zero frequency the line's own values: conductance and resistance alone.
+  EXPECT_EQ(findingOf(all, "Yc", "at zero")["frequency"], 1e-6);
+  EXPECT_EQ(verify(file + " --limits delay=2:3").first, 0);
+}
+
+TEST(Verify, ComparesNothingWithAStranger) {
+  const Scratch scratch;
+  const std::string model = (scratch.path() / "m").string(), examples = CORVO_EXAMPLES "/";
+  std::ofstream(model) << contentOf(CORVO_TEST_DATA
+                                    "/cases/line500_bergeron/expected/line500kv.cvo");
+  const std::string of = " " + model + " /length 100000 2>/dev/null";
+  EXPECT_EQ(verify(examples + "line500kv.cvi" + of).first, 0);
+  for (const char* words : {"fourwire.cbi", "line500kv_phase.cvi", "none", "."})
+    EXPECT_EQ(verify(examples + words + of).first, 2) << words;
+  for (const char* length : {"0", "-1", "text", "nan"})
+    EXPECT_EQ(verify(examples + "line500kv.cvi /length " + length + " 2>/dev/null").first, 2);
+  for (const char* json : {"", " --json"})
+    EXPECT_EQ(verify(examples + "line500kv_phase.cvi /length 1000 2>&1 >/dev/full" + json).first,
+              2);
+  EXPECT_EQ(verify(examples + "line500kv.cvi " + model + " /length 50000").first, 1);
 }

@@ -4,6 +4,7 @@
 
 #include "support/console_capture.h"
 
+#include <cstdio>
 #include <cstdlib>
 #include <functional>
 #include <sstream>
@@ -20,6 +21,7 @@ struct ChildResult {
 inline ChildResult runChild(const std::function<void()>& code) {
   const int file = memfd_create("console", 0);
   console::flush();
+  std::fflush(stdout); // else the child writes what is waiting once more
   const pid_t child = fork();
   if (child == 0) {
     dup2(file, STDOUT_FILENO);
