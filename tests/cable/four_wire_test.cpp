@@ -22,27 +22,6 @@ const FourWireStore& at(double f) { return test::solveWith(FWZY, f), FOURWIRE; }
 
 } // namespace
 
-// Formulas typed anew, the internal inductance by quadrature: between the two joints below, where
-// the current has left the middle and still fills the outer half, and with a thin skin.
-TEST(FourWire, MatchesAnEvaluationIn30Digits) {
-  const double frequencies[] = {400, 1e4}; // Hz; then by the distance on the square
-  const Complex z[2][3] = {{{0.000652643731840751, 0.00570427163509326},
-                            {0.000400178454261335, 0.00525242060826203},
-                            {0.000370285447947368, 0.0051039737766268}},
-                           {{0.0111753231840534, 0.120262004001997},
-                            {0.00993956856948796, 0.113766522060673},
-                            {0.00953247117603385, 0.111490527022627}}};
-  const double y[] = {2.45747519884728e-5, -5.80701936053033e-6, -4.41303338324874e-7}; // at 10 kHz
-  setCable();
-  for (std::size_t n = 0; n < 32; ++n) {
-    const test::LineResult r = test::solveWith(FWZY, frequencies[n / 16]);
-    const std::size_t i = n / 4 % 4, j = n % 4, far = (i - j) % 4, m = std::min(far, 4 - far);
-    const double share = frequencies[n / 16] / 1e4;
-    EXPECT_LT(std::abs(Complex(r.Z[i][j]) / z[n / 16][m] - 1.0), 1e-13) << n;
-    EXPECT_LT(std::abs(Complex(r.Y[i][j]) / Complex(0, share * y[m]) - 1.0), 1e-13) << n;
-  }
-}
-
 TEST(FourWire, LimitsAndJoints) {
   const double f = 1e-3, earth = PI * PI * f * 1e-4; // ohm/km of any earth return
   for (const double rho : {0.99e-15, RHO}) {
