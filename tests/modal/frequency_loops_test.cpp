@@ -17,13 +17,6 @@ using namespace lcp::test;
 
 namespace {
 
-// One step of a curve store as a dense matrix.
-template <class Store> Dense stepOf(const Store& store, int k) {
-  static LineMatrix M;
-  store.load(k, M, RUNDATA.line.NC);
-  return corner(M, RUNDATA.line.NC);
-}
-
 Dense vectors(int k) { return stepOf(SOLVEDATA.at.MTI, k); }
 
 // Residual of A x = l x over all modes of step k, as the Newton step measures it: A over the mean

@@ -4,9 +4,9 @@
 #include "store/rundata.h"
 #include "store/solvedata.h"
 #include "support/child.h"
-#include "support/phase_file.h"
 #include "support/solve.h"
 #include "support/whole_run.h"
+#include "support/written_model.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
@@ -22,27 +22,15 @@ std::vector<std::string> modelFileOf(const std::string& body, const std::string&
   return splitLines(runLine(body, length).files.at("a.cvo"));
 }
 
-double number(const std::string& line, std::size_t column, std::size_t width) {
-  return std::stod(line.substr(column - 1, width));
-}
-
-// One end's shunt matrix and the series matrix of a PI file, read by its columns.
-PiCircuit readPiFile(const std::vector<std::string>& file, std::size_t n, double w) {
-  PiCircuit pi{Dense(n, std::vector<Wide>(n)), Dense(n, std::vector<Wide>(n))};
-  bool series = false;
-  for (const std::string& line : file) {
-    if (line == " TRANSFORMERS:") series = true;
-    if (line.size() < 41 || line[1] != 'S') continue; // the receiving end repeats the sending end
-    const auto i = static_cast<std::size_t>(number(line, 4, 5));
-    const auto j = static_cast<std::size_t>(number(line, 13, 5));
-    for (std::size_t c = 0; series && c < i; ++c) {
-      const Wide z(number(line, 26 + 38 * c, 16), w * number(line, 43 + 38 * c, 16));
-      pi.Z[i - 1][c] = pi.Z[c][i - 1] = z;
-    }
-    const double value = number(line, 26, 16);
-    if (!series) join(pi.Y, i, j, line[19] == 'C' ? Wide(0, w * value * 1e-6) : Wide(1 / value));
+// The branches of a PI file as matrices; of the shunts those of one end.
+PiCircuit circuitOf(const companions::PiFile& pi, double w) {
+  PiCircuit circuit{sum(denseOf(pi.R), denseOf(pi.L), Wide(0, w)), denseOf(pi.R)};
+  circuit.Y = times(0, circuit.Y);
+  for (std::size_t i = 0; i < pi.R.rows; ++i) {
+    for (std::size_t j = 0; j <= i; ++j)
+      join(circuit.Y, i + 1, i == j ? 0 : j + 1, Wide(0, 1e-6 * w) * Wide(pi.shuntC(i, j)));
   }
-  return pi;
+  return circuit;
 }
 
 Dense susceptance(const Dense& A) {
@@ -57,7 +45,7 @@ TEST(ModelFile, ThePiFileIsTheExactPiCircuit) {
     solveFirstLoop(body, 8e4);
     const int n = RUNDATA.line.NC;
     const PiCircuit pi =
-        readPiFile(modelFileOf(body, "80000"), static_cast<std::size_t>(n), ANGULAR60);
+        circuitOf(readModel(runLine(body, "80000").files.at("a.cvo")).pi, ANGULAR60);
     const PiCircuit exact =
         exactPi(corner(SOLVEDATA.first.YMAT, n), corner(SOLVEDATA.first.ZMAT, n), 8e4L);
     EXPECT_LT(distance(pi.Z, exact.Z), 1e-7);
@@ -68,23 +56,22 @@ TEST(ModelFile, ThePiFileIsTheExactPiCircuit) {
 
 TEST(ModelFile, BergeronModesAreThoseOfTheLine) {
   const std::string body = doubleCircuit(bergeronModel("Frequency for Loss Approximation: 3000\n"));
-  Numbers in(runLine(body, "50000").files.at("a.cvo"), "\n  6 0");
-  for (const double head : {6.0, 0.0, 1.0, 1.0, 60.0, 3000.0, 5e4, 1e-9, 1e-9})
-    EXPECT_EQ(in.real(), head);
+  const companions::BergeronFile file =
+      readModel(runLine(body, "50000").files.at("a.cvo")).bergeron;
+  EXPECT_EQ(std::tuple(file.SSFREQ, file.FLOSS, file.length), std::tuple(60, 3000, 5e4));
   solveBothLoops(body, 5e4);
   const SecondLoopStore& T = SOLVEDATA.second;
-  double squares[6] = {}; // of the columns of the transformation
+  const Dense TI = denseOf(file.TI);
   for (int m = 1; m <= 6; ++m) {
-    EXPECT_EQ(in.count() * in.count(), m * m); // both nodes
-    // a mode's travel time and surge impedance from its propagation constant at 60 Hz
-    EXPECT_NEAR(in.real(), 1e3 * 5e4 * T.GAM[m].imag() / ANGULAR60, 1e-12);
-    EXPECT_NEAR(in.real(), T.ZSURGE[m].real(), 1e-9);
-    const double loss = in.real();
-    EXPECT_GT(in.real(), loss); // more at 3000 Hz than at 60 Hz
-    for (double& column : squares) column += std::pow(in.real(), 2);
+    const companions::BergeronMode& mode = file.modes[static_cast<std::size_t>(m) - 1];
+    // travel time and surge impedance from the propagation constant at 60 Hz
+    EXPECT_NEAR(mode.T, 1e3 * 5e4 * T.GAM[m].imag() / ANGULAR60, 1e-12);
+    EXPECT_NEAR(mode.Zc, T.ZSURGE[m].real(), 1e-9);
+    EXPECT_GT(mode.Rloss, mode.R); // more at 3000 Hz than at 60 Hz
+    long double square = 0;
+    for (const auto& row : TI) square += std::norm(row[static_cast<std::size_t>(m) - 1]);
+    EXPECT_NEAR(static_cast<double>(square), 1.0, 1e-12);
   }
-  EXPECT_TRUE(!in.early && in.left() == 0);
-  for (const double column : squares) EXPECT_NEAR(column, 1.0, 1e-12);
   const ChildResult noted = runChild([] { // by magnitude in the file, one of rounding in silence
     dup2(STDOUT_FILENO, STDERR_FILENO);
     SOLVEDATA.second.RLOSS1.fill(1e-4);

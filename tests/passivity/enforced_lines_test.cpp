@@ -1,19 +1,19 @@
 // Lines whose fits are not passive, mended by the program, and looked at from the model file alone:
 // the whole spectrum of the nodal admittance at ten times as many frequencies as the enforcement's.
+#include "base/constants.h"
 #include "kernels/lapack.h"
 #include "made_up_model.h"
 #include "passivity/enforcement.h"
 #include "support/console_capture.h"
-#include "support/phase_file.h"
 #include "support/propagation_case.h"
 #include "support/scratch.h"
 #include "support/solve.h"
 #include "support/whole_run.h"
+#include "support/written_model.h"
 
 #include <algorithm>
 #include <fmt/format.h>
 #include <gtest/gtest.h>
-#include <numbers>
 
 using namespace lcp;
 using namespace lcp::test;
@@ -35,20 +35,22 @@ struct Worst {
 };
 
 // Eigenvalues of the ends driven alike and against each other, together those of both ends.
-Worst scan(const PhaseFile& file, double low, double high, int n) {
+Worst scan(const ModelFile& file, double low, double high, int n) {
   const auto smaller = [](double a, double b) { return std::fabs(a) < std::fabs(b); };
   Worst worst;
   for (int i = 0; i < n; ++i) {
     const double f = low * std::pow(high / low, i / (n - 1.0));
-    const Wide s(0, 2 * std::numbers::pi_v<long double> * f);
-    const Dense H = file.H(s), Yc = file.Yc(s), I = identity(H.size());
+    const Complex s(0, TWOPI * f);
+    const Dense H = denseOf(file.H.at(s)), Yc = denseOf(file.Yc.at(s)), I = identity(H.size());
     const Dense ratio = product(inverse(sum(I, H)), sum(I, H, -1));
     std::vector<double> w;
     addSpectrum(w, product(ratio, Yc));
     addSpectrum(w, product(inverse(ratio), Yc));
     std::sort(w.begin(), w.end(), smaller);
     worst.all = std::min(worst.all, *std::min_element(w.begin(), w.end()));
-    worst.seen = std::min(worst.seen, *std::min_element(w.begin(), w.begin() + 2 * file.n));
+    worst.seen =
+        std::min(worst.seen,
+                 *std::min_element(w.begin(), w.begin() + 2 * static_cast<std::ptrdiff_t>(file.n)));
   }
   return worst;
 }
@@ -101,7 +103,7 @@ TEST(EnforcedLines, ArePassiveBetweenThePointsOfTheGrid) {
   for (const auto& [run, left] : cases) {
     EXPECT_TRUE(tells(run, "Passivity is sucessfully enforced")) << run.console;
     const bool cable = run.files.contains("a.cbo");
-    const PhaseFile file = readPhaseFile(run.files.at(cable ? "a.cbo" : "a.cvo"));
+    const ModelFile file = readModel(run.files.at(cable ? "a.cbo" : "a.cvo"));
     EXPECT_GE(scan(file, 0.5, 1e6, 3000).all, -left) << run.console;
   }
 }
@@ -124,7 +126,7 @@ TEST(EnforcedLines, KeepTheFitWhenItIsNotImproved) {
   }
   // There the half of the eigenvalues that the enforcement looks at is positive, and the largest of
   // the other half is not.
-  const Worst worst = scan(readPhaseFile(fitted), 760, 900, 50);
+  const Worst worst = scan(readModel(fitted), 760, 900, 50);
   EXPECT_GT(worst.seen, 1e-6);
   EXPECT_NEAR(worst.all, -1.31e-4, 1e-6);
 }

@@ -2,16 +2,17 @@
 // of the nodal admittance of the model file.
 #include "passivity/passivity_check.h"
 
+#include "base/constants.h"
 #include "base/number_forms.h"
 #include "kernels/lapack.h"
 #include "passivity/passivity_grid.h"
 #include "support/console_capture.h"
 #include "support/description.h"
-#include "support/phase_file.h"
 #include "support/propagation_case.h"
 #include "support/scratch.h"
 #include "support/solve.h"
 #include "support/whole_run.h"
+#include "support/written_model.h"
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
@@ -41,12 +42,12 @@ Bands bandsIn(const std::string& console) {
 }
 
 // The smallest eigenvalue of the real part of the nodal admittance, of order 2 n.
-double smallest(const PhaseFile& file, double f) {
-  const Wide s(0, 2 * std::acos(-1.0L) * static_cast<long double>(f));
-  const Dense H = file.H(s), H2 = product(H, H), unit = identity(H.size());
+double smallest(const ModelFile& file, double f) {
+  const Complex s(0, TWOPI * f);
+  const Dense H = denseOf(file.H.at(s)), H2 = product(H, H), unit = identity(H.size());
   const Dense P = inverse(sum(unit, H2, -1));
-  const Dense own = product(P, product(sum(unit, H2), file.Yc(s)));
-  const Dense mutual = product(P, product(times(-2, H), file.Yc(s)));
+  const Dense own = product(P, product(sum(unit, H2), denseOf(file.Yc.at(s))));
+  const Dense mutual = product(P, product(times(-2, H), denseOf(file.Yc.at(s))));
   const std::size_t n = H.size();
   const auto E = realEigenvalues(formed(2 * n, [&](std::size_t i, std::size_t j) {
     return ((i < n) == (j < n) ? own : mutual)[i % n][j % n];
@@ -54,7 +55,7 @@ double smallest(const PhaseFile& file, double f) {
   return *std::min_element(E.begin(), E.end());
 }
 
-Bands bandsOf(const PhaseFile& file, const FrequencyList& grid) {
+Bands bandsOf(const ModelFile& file, const FrequencyList& grid) {
   Bands bands;
   for (int i = 1; i <= grid.NGRID; ++i) {
     const int first = i;
@@ -131,8 +132,7 @@ TEST(PassivityCheck, ALineFromEndToEnd) {
                                                      "Frequency distribution for passivity check: "
                                                      "3\n")),
               "1e5");
-  const Bands expected =
-      bandsOf(readPhaseFile(run.files.at("a.cvo")), layGrid({1, true, 2e4, 300, 3}));
+  const Bands expected = bandsOf(readModel(run.files.at("a.cvo")), layGrid({1, true, 2e4, 300, 3}));
   EXPECT_EQ(expected.size(), 2);
   EXPECT_EQ(bandsIn(run.console), expected);
 }

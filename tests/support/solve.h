@@ -1,6 +1,10 @@
 // Solves of described lines, in stages, without the program around them.
 #pragma once
 
+#include "store/rundata.h"
+#include "store/solvedata.h"
+#include "support/dense_functions.h"
+
 #include <string>
 
 namespace lcp::test {
@@ -27,5 +31,12 @@ inline const std::string EVENWEIGHTS =
 // Reads the description, lays the grid and runs the loops.
 void solveFirstLoop(const std::string& body, double length = 1e5);
 void solveBothLoops(const std::string& body, double length = 1e5);
+
+// One step of a curve store.
+template <class Store> Dense stepOf(const Store& store, int k) {
+  static LineMatrix M;
+  store.load(k, M, RUNDATA.line.NC);
+  return corner(M, RUNDATA.line.NC);
+}
 
 } // namespace lcp::test
