@@ -113,43 +113,6 @@ TEST(PipeBlocks, PotentialAndPerfectWallOfImages) {
   EXPECT_LT(std::abs(blockOf(PIPECP, 200.0)(5, 2) / outer - 1.0), 1e-15);
 }
 
-// The surfaces of the wall: coth^2 - 1 / sinh^2 = 1, and the DC resistance at low frequency.
-TEST(PipeBlocks, WallAsATube) {
-  setPipe(20.0);
-  const double k = 2e-7 / (TWOPI * 0.204);
-  for (const double w : {0.01, 10.0, 1e3, 1e4}) {
-    const Complex L(0.0, w * L0);
-    const Complex in = (blockOf(PIPEZ, w)(2, 3) + 1.3 * std::log(0.2)) * L;
-    const CableMatrix& C = blockOf(PIPECZ, w);
-    const Complex out = (C(8, 8) - 1.1 * std::log(0.11 / 0.104)) * L;
-    const Complex zm = (C(8, 8) - C(8, 3)) * L;
-    const Complex coth2 = (in + k / 0.1) * (out - k / 0.104) * 0.0104;
-    const Complex one = coth2 - std::pow(0.102 * zm, 2) - 20 * 2e-7 / TWOPI * L;
-    EXPECT_LT(std::abs(one), 1e-13 * std::abs(coth2)) << w;
-    EXPECT_LT(std::abs((C(8, 8) - C(2, 5)) * L - 2.0 * zm), 1e-12 * std::abs(zm)) << w;
-    const double fromDC = std::abs((in + out + zm) * 0.002 / k - 3.0);
-    EXPECT_EQ(fromDC < 1e-4, w < 1.0) << w;
-  }
-}
-
-// Every conductor inside is written, alike within a cable, none outside; the list of cables counts.
-TEST(PipeBlocks, RowsOfTheInnerConductorsAndThePipe) {
-  setPipe(1.0);
-  for (const auto block : {PIPEZ, PIPEP, PIPECZ, PIPECP}) {
-    for (N.ninner = 3; N.ninner >= 0; N.ninner -= 3) {
-      const CableMatrix& M = blockOf(block, 300.0);
-      const int first = N.ninner > 0 ? 2 : 8;
-      const int last = block == PIPECZ || block == PIPECP ? 8 : 7;
-      for (int e = 0; e < 81; ++e) {
-        const int i = 1 + e / 9, j = 1 + e % 9;
-        EXPECT_EQ(M(i, j), M(j, i));
-        EXPECT_EQ(M(i, j), M(i > 1 && i < 8 ? i / 2 * 2 : i, j));
-        EXPECT_EQ(M(i, j) != 0.0, std::min(i, j) >= first && std::max(i, j) <= last);
-      }
-    }
-  }
-}
-
 TEST(CoaxLayers, DcResistanceOfStrands) {
   static CableMatrix A;
   Cable& C = setCable(1);

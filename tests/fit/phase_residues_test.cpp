@@ -137,25 +137,6 @@ TEST(OrderReduction, PrunesTheLastLeaderOfEachGroup) {
   }
 }
 
-TEST(OrderReduction, PairsStayAndRowsOfElementsGoFirst) {
-  setGroups(2, {{0, {-1.0 + J, -1.0 - J, -1.0, -2.0 + J, -2.0 - J}}});
-  const double values[] = {1, 1.05, 1.15, 1.2}; // of the real pole; by columns it would end at 1.2
-  for (int i = 0; i < 4; ++i) {
-    PoleTable& R = FITMODEL.HRES[1](1 + i / 2, 1 + i % 2);
-    for (const int m : {1, 2, 4, 5}) R[m] = 1000;
-    R[3] = values[i];
-  }
-  GroupInts LEADER;
-  EXPECT_EQ(POLERATIO(LEADER), 1.15);
-  EXPECT_EQ(LEADER[1], 3);
-  for (const bool last : {false, true}) {
-    bool DONE = !last;
-    PRUNEPOLE(1.1, DONE);
-    EXPECT_EQ(DONE, last);
-    EXPECT_EQ(realParts(1), (Reals{-1, -1, -2, -2}));
-  }
-}
-
 // Two of the poles nearly cancel: ratios of 150, of which the response shows a ten thousandth.
 TEST(OrderReduction, TakesOutWhatCancelsAndKeepsTheResponse) {
   laySampleGrid(120, 1, 1e6);

@@ -88,23 +88,6 @@ TEST(DelayGroups, ModesWithinTenDegreesShareTheSmallestDelay) {
   }
 }
 
-// Two modes with opposite parts of one pole: their mean has the other pole alone.
-TEST(DelayGroups, AreFittedByTheMeanOfTheirModes) {
-  poseModes({{3e-4, {1e4}}, {3e-4, {1e4}}});
-  for (int k = 1; k <= 100; ++k) {
-    const Complex s(0, SOLVEDATA.grid.WFREQ[k]);
-    const Complex part = 0.2 * std::exp(-s * 3e-4) * s / (s + 300.0);
-    SOLVEDATA.second.HMODE(k, 1) += part;
-    SOLVEDATA.second.HMODE(k, 2) -= part;
-    SOLVEDATA.second.VELOC(k, 1) = SOLVEDATA.second.VELOC(k, 2) = LENGTH / 3e-4;
-  }
-  FORMGROUPS();
-  ASSERT_EQ(FITMODEL.NGROUP, 1);
-  consoleOf([] { HMODEFIT(0.02, 20); });
-  for (int m = 1; m <= FITMODEL.NH[1]; ++m) EXPECT_LT(FITMODEL.HPOLE[1][m].real(), -2000);
-  EXPECT_LT(std::abs(FITMODEL.HPOLE[1][1] + 1e4), 2000) << FITMODEL.HPOLE[1][1];
-}
-
 TEST(PropagationFit, MeetsTheErrorAskedForAlsoBetweenTheSamples) {
   fitTwoModes({0.05, 20, 100, 0});
   EXPECT_EQ(FITMODEL.NGROUP, 2);

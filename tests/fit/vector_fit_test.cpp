@@ -70,13 +70,6 @@ void expectSortedStablePairs(int N) {
 
 const Rational PAIR{{-2, {-30, 400}, {-30, -400}, -5e3}, {4, {20, -90}, {20, 90}, -3e4}, 0.7};
 
-// Surge impedance of a lossy line: no partial fractions with few poles.
-Complex surgeImpedance(Complex s) {
-  const double w = s.imag();
-  const Complex z(0.05 + 1e-4 * std::sqrt(w), w * 1e-6 + 1e-4 * std::sqrt(w));
-  return std::sqrt(z / Complex(3e-10, w * 1e-11));
-}
-
 } // namespace
 
 // From whatever poles it starts, one pass is enough: sigma F is linear in the unknowns. Eleven
@@ -128,24 +121,6 @@ TEST(VectorFit, UnstablePolesAreMirroredWhenAsked) {
     EXPECT_EQ(T.P[m], Complex(-std::abs(kept[m].real()), kept[m].imag())) << m;
 }
 
-// Least squares: a sample of weight 3 is one that stands nine times.
-TEST(VectorFit, SamplesCountBySquaresOfTheirWeights) {
-  T.sample(surgeImpedance, 90, 3, 6e6);
-  T.G.weight[90] = 3;
-  T.fit(4, WITHCONSTANT, 3);
-  EXPECT_GT(T.errors.ERRNORM, 1e-4); // a fit with something to deviate
-  const Rational heavy{
-      {T.P.data(), T.P.data() + 4}, {T.fits[0].R.data(), T.fits[0].R.data() + 4}, T.fits[0].D};
-  T.G.NS = 98;
-  for (int k = 90; k <= 98; ++k) {
-    T.G.w[k] = T.G.w[90];
-    T.G.weight[k] = 1;
-    T.F[0][k] = T.F[0][90];
-  }
-  T.fit(4, WITHCONSTANT, 3);
-  expectModel(heavy, T.fits[0]);
-}
-
 TEST(VectorFit, FunctionsShareTheirPolesAndDeviationsKnowNoWeights) {
   const Rational second{PAIR.poles, {-1, {300, 2}, {300, -2}, 1e3}, -3};
   for (int ASYMP : {WITHCONSTANT, WITHPROPORTION}) {
@@ -176,27 +151,5 @@ TEST(VectorFit, RankDeficientPassesEndWell) {
     VFITPASSES(3, T.samples(WITHCONSTANT), N, T.P, T.fits, T.errors);
     EXPECT_LT(T.errors.ERRNORM, TIGHT) << N;
     expectSortedStablePairs(N);
-  }
-}
-
-// Whatever stands in the work store has no say in them.
-TEST(VectorFit, PassesAreCallsInARowAndKeepNothing) {
-  T.sample(surgeImpedance, 80, 3, 6e6);
-  T.start(7);
-  for (int pass = 1; pass <= 3; ++pass)
-    VFITPASSES(1, T.samples(WITHCONSTANT), 7, T.P, T.fits, T.errors);
-  const PoleTable P = T.P, R = T.fits[0].R;
-  std::fill_n(LSQ.A, sizeof LSQ.A / sizeof(double), std::nan(""));
-  std::fill_n(LSQ.B, LSROWS, std::nan(""));
-  T.start(7);
-  RELOCATE(2, T.samples(WITHCONSTANT), 7, T.P);
-  VFITPASSES(1, T.samples(WITHCONSTANT), 7, T.P, T.fits, T.errors);
-  EXPECT_EQ(T.P.entries, P.entries);
-  EXPECT_EQ(T.fits[0].R.entries, R.entries);
-  for (double bad : {std::nan(""), HUGE_VAL}) { // a sample shows in the deviations
-    T.F[0][11] = Complex(bad, 0);
-    T.fit(6, WITHCONSTANT, 2);
-    EXPECT_TRUE(std::isnan(T.errors.ERRMAX));
-    EXPECT_FALSE(T.errors.ERRNORM <= 0.02); // no target is met
   }
 }

@@ -54,20 +54,6 @@ TEST(Sequence, LoadFlowBlocksOfADoubleCircuit) {
   EXPECT_NEAR(data.simulator[1].X, 40, 1e-12); // the simulator is told ohms
 }
 
-TEST(Sequence, ABipoleHasAMetallicAndAGroundMode) {
-  balanced(Z, {3, 30}, {1, 10}, {});
-  balanced(Y, {0, -3e-3}, {}, {});                       // not a line: no surge impedance
-  const LoadFlowData data = dataOf(2, 1, 0, 100, false); // one base alone is none
-  ASSERT_EQ(data.count, 2);
-  EXPECT_FALSE(data.perUnit);
-  EXPECT_EQ(RUNDATA.display.MVABASEDISP, 1.0);
-  EXPECT_NEAR(data.blocks[0].values.X, 20, 1e-12);
-  EXPECT_NEAR(data.blocks[1].values.X, 40, 1e-12);
-  EXPECT_TRUE(data.blocks[1].parted);
-  EXPECT_EQ(data.blocks[1].values.Zc, 0.0);
-  EXPECT_EQ(data.circuits, 0);
-}
-
 TEST(LongLine, CorrectsEachLineByItselfAndShowsPositiveParts) {
   static LineMatrix Y, Z, YLC, ZLC;
   const Complex y(1e-11, 4e-9), z(1e-3, 5e-4);

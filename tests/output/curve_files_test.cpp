@@ -210,38 +210,6 @@ TEST(CurveFiles, OfTheModeModelAreItsModesAndEnds) {
   }
 }
 
-// How many files there are, the rows of one, and the values on the lines of a row.
-TEST(CurveFiles, FilesStepsAndRowsByModelAndRoute) {
-  using Lines = std::vector<std::size_t>;
-  solveBothLoops(singleCircuit(phaseModel(KEYS)), LENGTH);
-  for (const auto& [model, NFUSE, n, count, file, rows, values] :
-       std::vector<std::tuple<char, int, int, std::size_t, const char*, std::size_t, Lines>>{
-           {'p', 100, 3, 20, "ycmp", 95, {20}},
-           {'p', 99, 3, 20, "ycmp", 99, {20}},
-           {'p', 99, 3, 20, "hmp", 94, {20}},
-           {'p', 98, 3, 20, "hpp", 98, {20}},
-           {'p', 6, 21, 14, "hpp", 6, {403, 403, 78}},
-           {'f', 99, 4, 6, "zpf", 99, {18}},
-           {'m', 5, 4, 12, "amm", 0, {}}}) {
-    const Files files = written([&, kind = model, order = n, last = NFUSE] {
-      RUNDATA.model = ModelChoice{};
-      RUNDATA.model.MODFDM = kind == 'm';
-      RUNDATA.model.MODFDP = kind == 'p';
-      RUNDATA.model.MODMFDTD = kind == 'f';
-      RUNDATA.line.NC = order;
-      SOLVEDATA.grid.NFUSE = last;
-      headCurves(), writeEndCurves(), writePhaseFitCurves(), writeModeCurves();
-      writeSeriesFitCurves();
-      closeHeadedCurves();
-    });
-    const std::vector<std::string> texts = splitLines(textOf(files, file));
-    EXPECT_EQ(files.size(), count) << file << NFUSE;
-    ASSERT_EQ(texts.size(), 1 + rows * values.size()) << file << NFUSE;
-    for (std::size_t i = 1; i < texts.size(); ++i)
-      EXPECT_EQ((texts[i].size() + 3) / 19, values[(i - 1) % values.size()]) << file;
-  }
-}
-
 TEST(CurveFiles, HalfTurnsArePositiveAndNoNumbersStayOut) {
   solveBothLoops(singleCircuit(phaseModel(KEYS)), LENGTH);
   const Files files = written(
