@@ -136,24 +136,3 @@ TEST(OrderReduction, PrunesTheLastLeaderOfEachGroup) {
     EXPECT_EQ(realParts(2), C.left2) << C.limit;
   }
 }
-
-// Two of the poles nearly cancel: ratios of 150, of which the response shows a ten thousandth.
-TEST(OrderReduction, TakesOutWhatCancelsAndKeepsTheResponse) {
-  laySampleGrid(120, 1, 1e6);
-  setGroups(2, {{3e-4, {-10.0, -1000.0, -1000.1, -1e5}}, {4e-4, {-2e3 + 1e3 * J, -2e3 - 1e3 * J}}});
-  LineNumbers numbers(3);
-  setRandomResidues(numbers);
-  for (const int i : {0, 1, 2, 3}) {
-    PoleTable& R = FITMODEL.HRES[1](1 + i / 2, 1 + i % 2);
-    R[2] = -(R[3] = -1.5e5);
-  }
-  sampleModelOfH();
-  EXPECT_GT(HPHASEFIT(0, nullptr, false).RATIO, 130);
-  PhaseFit fit{};
-  consoleOf([&] { fit = REDUCEORDER(100); });
-  EXPECT_LT(measureFit().ratio, 100);
-  EXPECT_EQ(FITMODEL.NH[1], 3); // one of the two is enough
-  EXPECT_EQ(FITMODEL.NH[2], 2);
-  EXPECT_NEAR(fit.MAXERR, measureFit().largest, 1e-12);
-  EXPECT_LT(fit.MAXERR, 0.01); // the two together were a double pole of 0.015
-}

@@ -121,27 +121,6 @@ TEST(VectorFit, UnstablePolesAreMirroredWhenAsked) {
     EXPECT_EQ(T.P[m], Complex(-std::abs(kept[m].real()), kept[m].imag())) << m;
 }
 
-TEST(VectorFit, FunctionsShareTheirPolesAndDeviationsKnowNoWeights) {
-  const Rational second{PAIR.poles, {-1, {300, 2}, {300, -2}, 1e3}, -3};
-  for (int ASYMP : {WITHCONSTANT, WITHPROPORTION}) {
-    T.sample(PAIR);
-    T.F[1] = sampled(T.G, second);
-    T.F[0][20] += 50.0;
-    T.G.weight[20] = 0;
-    T.start(4);
-    VFITPASSES(1, T.samples(ASYMP, FLIPUNSTABLE, 2), 4, T.P, T.fits, T.errors);
-    expectModel(PAIR, T.fits[0]);
-    expectModel(second, T.fits[1]);
-    double most = 0;
-    for (int k = 1; k <= T.G.NS; ++k)
-      most = std::max({most, std::abs(T.F[0][k]), std::abs(T.F[1][k])});
-    EXPECT_NEAR(T.errors.ERRMAX, 50, 1e-6);
-    EXPECT_NEAR(T.errors.ERRRMS, 50 / std::sqrt(2.0 * T.G.NS), 1e-6);
-    EXPECT_NEAR(T.errors.ERRREL, 50 / std::max(std::abs(T.F[0][20]), std::abs(T.F[1][20])), 1e-6);
-    EXPECT_NEAR(T.errors.ERRNORM, 50 / most, 1e-6);
-  }
-}
-
 // More poles than the function has, more unknowns than rows, equal poles: the response is right.
 TEST(VectorFit, RankDeficientPassesEndWell) {
   for (const auto& [N, NS] : {std::pair(6, 61), {25, 61}, {20, 15}}) {

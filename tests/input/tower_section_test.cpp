@@ -121,15 +121,6 @@ TEST(Library, RowsOfBothFormats) {
              values(1, 0.01, 19, 12, 1.2));
 }
 
-TEST(Library, RowsBehindItsMostAreNotFound) {
-  std::string many = "#Format 1\n";
-  for (int i = 0; i < 5000; ++i) many += "x 1 1 1 1 1\n";
-  const std::string path = scratchFile("long.lib", many + "one 10 0.1 19 2 1\n");
-  const ChildResult r =
-      readInChild(description(threePhaseTower("Library : " + path + "\nName: one\n")));
-  EXPECT_NE(r.console.find("Conductor one Not Found!\n"), std::string::npos) << r.console;
-}
-
 TEST(Conductors, BundleMembersAndKeptWiresFollowTheirNodes) {
   // Circuit 1 at nodes 5 1 3 with bundles of two, an eliminated wire, a kept wire at node 2,
   // circuit 2 of one conductor at node 4; node p stands at 10 p.

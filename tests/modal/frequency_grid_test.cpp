@@ -77,23 +77,6 @@ TEST(YzInterp, GivesRowsAndTheWayBetweenThem) {
   }
 }
 
-TEST(YzInterp, AFullTableStaysInItsStore) {
-  std::vector<double> frequencies(MAXFREQ, 1);
-  for (std::size_t k = 1; k < MAXFREQ; ++k) frequencies[k] = frequencies[k - 1] + 7;
-  solveBothLoops(tableLine(1, smallTable(frequencies), phaseModel("Weighting Factor 2: 5\n")));
-  formFitWeights();
-  const FrequencyGrid& G = SOLVEDATA.grid;
-  EXPECT_EQ(G.NFUSE, MAXFREQ);
-  EXPECT_EQ(G.FREQ[MAXFREQ], 1 + 7.0 * (MAXFREQ - 1));
-  EXPECT_EQ(G.WFIT[9], 5); // 57 Hz, the last below 60 Hz
-  EXPECT_EQ(G.WFIT[8] + G.WFIT[10], 0);
-  // the wave of L and C travels at (L C)^-1/2
-  EXPECT_NEAR(SOLVEDATA.second.VELOC(MAXFREQ, 1), std::sqrt(1e17), 1e-3 * std::sqrt(1e17));
-  RUNDATA.line.SSFREQ = 1e6; // beyond the table
-  formFitWeights();
-  EXPECT_EQ(G.WFIT[MAXFREQ], 5);
-}
-
 TEST(YzInterp, ATableOfAComputedLineGivesItsPhaseModel) {
   solveBothLoops(doubleCircuit(phaseModel(EVENWEIGHTS)));
   const int rows = SOLVEDATA.grid.NFREQ - 1; // not the step at FCT

@@ -54,6 +54,18 @@ TEST(Newton, StepsAreLimited) {
   EXPECT_EQ(LSTEP(1), 0.5);
 }
 
+// A zero vector has a singular Jacobian at any eigenvalue, which is moved.
+TEST(Newton, ASingularStepMovesTheEigenvalue) {
+  Single S;
+  S.X(1, 1) = 0.0;
+  S.L[1] = 0.5;
+  S.TI(1, 1) = 42.0;
+  LSTEP(1) = {0.2, 0.3};
+  EXPECT_FALSE(S.solve({1.0}));
+  EXPECT_LT(std::abs(LSTEP(1) - std::pow(1.01, MAXNEWTON) * Complex(0.2, 0.3)), 1e-13);
+  EXPECT_TRUE(S.EIG[1] == LSTEP(1) && S.TI(1, 1) == 42.0); // no vector was found
+}
+
 TEST(ModeTracking, RestoresOrderAndSigns) {
   static LineMatrix V, TI, TIINV;
   ModeComplex EIG;

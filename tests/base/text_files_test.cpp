@@ -1,7 +1,8 @@
-#include "base/text_file.h"
-
+// Text that is read, and text that is written.
 #include "base/console.h"
 #include "base/stop.h"
+#include "base/text_file.h"
+#include "base/text_source.h"
 #include "support/child.h"
 #include "support/scratch.h"
 
@@ -12,9 +13,11 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <vector>
 
-using namespace lcp::test;
 using namespace lcp;
+using lcp::test::Scratch;
+using namespace lcp::test;
 
 namespace {
 
@@ -52,7 +55,7 @@ ChildResult writeRun(const std::string& name, const Write& w) {
 enum Console { SOUND, FULL, BROKENPIPE, CLOSED };
 
 // A run with such a console that prints so many lines and ends with the status given.
-ChildResult runOf(Console kind, int printed, int status, const std::string& file = "") {
+ChildResult runOf(Console kind, int printed, int status) {
   return runChild([&] {
     std::signal(SIGPIPE, SIG_DFL);
     int ends[2];
@@ -61,15 +64,79 @@ ChildResult runOf(Console kind, int printed, int status, const std::string& file
     if (kind == FULL) dup2(open("/dev/full", O_WRONLY), STDOUT_FILENO);
     if (kind == BROKENPIPE) dup2(ends[1], STDOUT_FILENO);
     if (kind == CLOSED) close(STDOUT_FILENO);
-    if (!file.empty()) close(STDIN_FILENO);
     if (printed > 0) console::prepare();
-    if (!file.empty()) open(file.c_str(), O_WRONLY | O_CREAT, 0666);
     for (int i = 0; i < printed; ++i) console::print("line {}", i);
     stop(status);
   });
 }
 
 } // namespace
+
+using Result = TextSource::Result;
+
+namespace {
+
+// The records to the end of the file, each cut one with a bar behind.
+std::vector<std::string> readAll(const std::string& name, std::size_t columns) {
+  std::vector<std::string> records;
+  TextSource source;
+  EXPECT_TRUE(source.open(name));
+  Result end;
+  for (std::string record; (end = source.next(record, columns)) == Result::Record;)
+    records.push_back(record + (source.wasCut() ? "|" : ""));
+  EXPECT_EQ(end, Result::End);
+  std::string more;
+  EXPECT_EQ(source.next(more, columns), end); // the end stays the end
+  return records;
+}
+
+std::string operator""_s(const char* text, std::size_t length) { return {text, length}; }
+
+} // namespace
+
+TEST(TextSource, Records) {
+  const std::string ten = "0123456789", start = "The start of a line that is kept ";
+  const std::pair<std::string, std::vector<std::string>> cases[] = {
+      {"", {}},
+      {"\n", {""}},
+      {"a\n\nb", {"a", "", "b"}},
+      {"a\r\nb\r\n", {"a", "b"}},
+      {"a\r", {"a"}},
+      {"a\rb\r\r\n", {"a\rb\r"}}, // only the return at the line end goes
+      {"a\0b\n\0"_s, {"a\0b"_s, "\0"_s}},
+      {"\xef\xbb\xbf" + ten + "\n\xef\xbb\xbf", {ten, "\xef\xbb\xbf"}}, // a mark at the start only
+      {"\xef\xbb\xbf", {}},
+      {"\xef\xbb", {"\xef\xbb"}},
+      {ten + "\n" + ten + "\r\n" + ten, {ten, ten, ten}},
+      {ten + "x\n" + ten + "\rx\nb", {ten + "|", ten + "|", "b"}},
+  };
+  const Scratch scratch;
+  for (const auto& [content, records] : cases)
+    EXPECT_EQ(readAll(scratch.file("case", content), 10), records) << content;
+  std::string content; // longer lines than any buffer
+  for (std::size_t i = 0; i < 5; ++i) content += start + std::string(16380 * i, 'x') + "\r\n";
+  const std::string cut = start + "|", name = scratch.file("long", content);
+  EXPECT_EQ(readAll(name, 33), (std::vector<std::string>{start, cut, cut, cut, cut}));
+  EXPECT_EQ(readAll(name, 100000).at(4).size(), 33U + 4 * 16380U);
+}
+
+TEST(TextSource, OpensRegularFilesOnly) {
+  const Scratch scratch;
+  const std::string good = scratch.file("good", "text"), pipe = scratch.file("pipe");
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0666), 0);
+  TextSource source;
+  std::string record;
+  for (const std::string& name :
+       {std::string(), std::string("    "), scratch.path().string(), std::string("/dev/null"),
+        scratch.file("missing"), pipe, good + "/x", std::string(5000, 'n')}) {
+    EXPECT_TRUE(source.open(good + "     "));
+    EXPECT_FALSE(source.open(name)) << name; // and no longer the file before it
+    EXPECT_EQ(source.next(record, 10), Result::Error);
+  }
+  EXPECT_TRUE(source.open(good) && source.open(good)); // from its start again
+  EXPECT_EQ(source.next(record, 10), Result::Record);
+  EXPECT_EQ(record, "text");
+}
 
 TEST(TextFile, WritesWhenClosedAndReplacesWhatStood) {
   const Scratch scratch;
@@ -159,11 +226,4 @@ TEST(Stop, KeepsTheStatusWhenTheConsoleTakesItAll) {
     }
   }
   EXPECT_EQ(runOf(CLOSED, 0, 0).status, 1); // nothing to write: only the close reports it
-}
-
-TEST(Console, NoFileTakesThePlaceOfAClosedConsole) {
-  const Scratch scratch;
-  const std::string name = scratch.file("model");
-  EXPECT_EQ(runOf(CLOSED, 1, 0, name).status, 1);
-  EXPECT_EQ(contentOf(name), "");
 }

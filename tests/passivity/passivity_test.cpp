@@ -1,10 +1,15 @@
-// Lines whose fits are not passive, mended by the program, and looked at from the model file alone:
-// the whole spectrum of the nodal admittance at ten times as many frequencies as the enforcement's.
+// The grid and the check against a closed form; and lines whose fits are not passive, mended by the
+// program, and looked at from the model file alone: the whole spectrum of the nodal admittance at
+// ten times as many frequencies as the enforcement's.
 #include "base/constants.h"
+#include "base/number_forms.h"
 #include "kernels/lapack.h"
 #include "made_up_model.h"
 #include "passivity/enforcement.h"
+#include "passivity/passivity_check.h"
+#include "passivity/passivity_grid.h"
 #include "support/console_capture.h"
+#include "support/description.h"
 #include "support/propagation_case.h"
 #include "support/scratch.h"
 #include "support/solve.h"
@@ -19,6 +24,31 @@ using namespace lcp;
 using namespace lcp::test;
 
 namespace {
+
+using Options = PassivityOptions; // lowest frequency, asked for, highest, count, distribution
+using Bands = std::vector<std::string>;
+
+std::string three(double v) { return scientificField(v, 10, 3); }
+
+std::string band(double from, double to, double worst) {
+  return " From " + three(from) + " Hz to " + three(to) + " Hz         " + three(worst);
+}
+
+// The bands in what the check prints; the table around them is held by whole runs.
+Bands bandsIn(const std::string& console) {
+  Bands bands;
+  for (const std::string& l : splitLines(console)) {
+    if (l.starts_with(" From ")) bands.push_back(l);
+  }
+  EXPECT_EQ(console.find(" No passivity violations detected.\n") < console.size(), bands.empty());
+  return bands;
+}
+
+const FrequencyList& layGrid(const Options& O) {
+  static FrequencyList grid;
+  PASSGRID(O.PFLO, O.PFHI, O.NPFINC, O.PFDIST, grid);
+  return grid;
+}
 
 // Adds the eigenvalues of the Hermitian part h, each twice: those of [Re -Im; Im Re].
 void addSpectrum(std::vector<double>& all, const Dense& P) {
@@ -92,6 +122,55 @@ bool tells(const ProgramRun& run, const char* words) {
 
 } // namespace
 
+TEST(PassivityGrid, Distributions) {
+  const std::pair<Options, std::vector<double>> cases[] = {
+      {{0.1, true, 1000, 5, 1}, {0.1, 1, 10, 100, 1000}},
+      {{-5, true, 10, 4, 2}, {-5, 0, 5, 10}},
+      {{1, true, 10, 5, 3}, {1, 2.8, 4.6, 6.4, 8.2}}, // a decade
+      {{1, true, 100, 4, 3}, {1, 5.5, 10, 55}},
+      {{1, true, 40, 6, 3}, {1, 4, 7, 10}},        // the last part is too short for a point
+      {{1, true, 70, 6, 3}, {1, 4, 7, 10, 40}},    // ... holds two
+      {{1, true, 2000, 2, 3}, {1, 10, 100, 1000}}, // less than a point a decade
+      {{1, true, 100, 5, 0}, {}},
+      {{-1, true, -5, -5, 4}, {}},
+  };
+  for (const auto& [options, grid] : cases) {
+    const FrequencyList& GRID = layGrid(options);
+    ASSERT_EQ(GRID.NGRID, static_cast<int>(grid.size())) << options.NPFINC;
+    for (int i = 1; i <= GRID.NGRID; ++i)
+      EXPECT_NEAR(GRID.f[i], grid[static_cast<std::size_t>(i - 1)], 1e-10) << options.NPFINC;
+  }
+  EXPECT_EQ(layGrid({1, true, 10, 5020, 1}).NGRID, 5020); // full
+  EXPECT_EQ(layGrid({1, true, 1e9, 5021, 3}).NGRID, 9 * 557);
+}
+
+TEST(PassivityCheck, BandsOfAClosedForm) {
+  // Yc = 1 mS, H = 5 / (4 + j f): the smallest eigenvalue is (f^2 - 9) / (f^2 + 1) mS below 3 Hz.
+  setGroups(1, {{0.0, {-8 * std::acos(-1.0)}}});
+  FITMODEL.HRES[1](1, 1)[1] = 10 * std::acos(-1.0);
+  FITMODEL.NPY = 0;
+  FITMODEL.YD(1, 1) = 1e-3;
+  const std::pair<Options, Bands> cases[] = {
+      {{0.5, true, 4.5, 5, 2}, {band(0.5, 3.5, -7e-3)}},
+      {{2, true, 3.5, 2, 2}, {band(2, 3.5, -1e-3)}}, // a single point
+      {{-4, true, 2, 4, 2}, {band(-2, 2, -9e-3)}},   // open at the end, the worst inside
+      {{1, true, 2, 50, 5}, {}},
+  };
+  for (const auto& [options, bands] : cases) {
+    RUNDATA.passivity = options;
+    EXPECT_EQ(bandsIn(consoleOf(PASSCHK)), bands);
+  }
+  setGroups(2, {}); // no H; an eigenvalue so small that it is found a second time
+  FITMODEL.YD(1, 1) = 1e-3;
+  FITMODEL.YD(1, 2) = FITMODEL.YD(2, 1) = 0;
+  FITMODEL.YD(2, 2) = -1.25e-12;
+  RUNDATA.passivity = cases[0].first;
+  EXPECT_EQ(bandsIn(consoleOf(PASSCHK)), Bands{band(0.5, 4.5, -1.25e-12)});
+  FITMODEL.YD(1, 1) = std::nan("");
+  RUNDATA.passivity = cases[0].first;
+  EXPECT_EQ(runChild(PASSCHK).status, 1);
+}
+
 TEST(EnforcedLines, ArePassiveBetweenThePointsOfTheGrid) {
   const struct {
     ProgramRun run;
@@ -129,15 +208,4 @@ TEST(EnforcedLines, KeepTheFitWhenItIsNotImproved) {
   const Worst worst = scan(readModel(fitted), 760, 900, 50);
   EXPECT_GT(worst.seen, 1e-6);
   EXPECT_NEAR(worst.all, -1.31e-4, 1e-6);
-}
-
-TEST(EnforcedLines, TooManyPolesAreNoLongerEnforced) {
-  setMadeUpModel(1, 2, 2);
-  FITMODEL.NGROUP = 6;
-  for (int g = 1; g <= 6; ++g) FITMODEL.NH[g] = 84; // 504
-  PASSSETH();
-  const std::string told = consoleOf([&] { EXPECT_FALSE(PASSENF({}, {}, 3)); });
-  EXPECT_NE(told.find(" The passivity enforcement takes transfer functions of order 500 at most.\n"
-                      " The model stays as it was fitted.\n Time elapsed "),
-            std::string::npos);
 }
