@@ -97,10 +97,11 @@ Complex layered(const Arguments& a) {
   return A(31 + static_cast<int>(a.at(3)), 31 + static_cast<int>(a.at(4)));
 }
 // Of the cable with four conductors: series impedance or shunt admittance at f of conductors so far
-// apart on the square.
+// apart on the square; resistivity.
 Complex fourWire(const Arguments& a, bool series) {
   RUNDATA = {};
-  RUNDATA.cable.fourWire = {95, 1.1e-3, 2e-4, 2e-3, 1.7241e-8, 2.4, 3.3, 6.0};
+  const double rho = a.size() > 2 ? a[2] : 1.7241e-8;
+  RUNDATA.cable.fourWire = {95, 1.1e-3, 2e-4, 2e-3, rho, 2.4, 3.3, 6.0};
   const LineResult r = solveWith(FWZY, a.at(0));
   return Complex((series ? r.Z : r.Y)[3][3 - static_cast<std::size_t>(a.at(1))]);
 }

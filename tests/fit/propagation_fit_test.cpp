@@ -65,24 +65,6 @@ void poseModes(const std::vector<TestMode>& modes) {
   }
 }
 
-const std::vector<TestMode> SLOWANDFAST = {{4e-4, {50, 3e4}}, {3e-4, {4e3, 2e5}}};
-
-// The two modes through a constant transformation: H = T diag(h1, h2) T^-1.
-Complex twoModes(int r, int c, Complex s) {
-  const double T[2][2] = {{1, 0.4}, {-0.3, 1}}; // of determinant 1.12
-  const double I[2][2] = {{1 / 1.12, -0.4 / 1.12}, {0.3 / 1.12, 1 / 1.12}};
-  return T[r - 1][0] * SLOWANDFAST[1].at(s) * I[0][c - 1] +
-         T[r - 1][1] * SLOWANDFAST[0].at(s) * I[1][c - 1];
-}
-
-// Fits them; the console shows the tables, which whole runs hold.
-void fitTwoModes(const PropagationWish& wish, bool vanished = false) {
-  poseModes(SLOWANDFAST);
-  sampleH(twoModes);
-  if (vanished) SOLVEDATA.second.HMODE.curve(1) = {};
-  consoleOf([&] { HFIT(wish); });
-}
-
 } // namespace
 
 TEST(BodeDelay, PowersOfTheFrequencyAndVanishedModes) {
@@ -125,19 +107,5 @@ TEST(DelayGroups, ModesWithinTenDegreesShareTheSmallestDelay) {
     const double first =
         BODEDLY(T.VELOC.curve(i), T.HMODE.curve(i), G.NFUSE, G.WFREQ, LENGTH, 0.01).TAU;
     EXPECT_EQ(FITMODEL.TAU[g], g <= 3 ? first : 0.0);
-  }
-}
-
-TEST(PropagationFit, MeetsTheErrorAskedForAlsoBetweenTheSamples) {
-  fitTwoModes({0.05, 20, 100, 0});
-  EXPECT_EQ(FITMODEL.NGROUP, 2);
-  EXPECT_LE(measureFit().largest, 0.0005);
-  EXPECT_NEAR(FITMODEL.TAU[1], 3e-4, 0.02 * 3e-4);
-  EXPECT_NEAR(FITMODEL.TAU[2], 4e-4, 0.02 * 4e-4);
-  for (int i = 0; i < 284; ++i) {
-    const double w = 1.3 * std::pow(1.21, i / 4);
-    const int r = 1 + i % 2, c = 1 + i / 2 % 2;
-    const Complex H = twoModes(r, c, Complex(0, w));
-    EXPECT_LT(std::abs(Complex(modelOfH(r, c, Wide(0, w))) - H), 0.001) << w;
   }
 }

@@ -104,7 +104,7 @@ TEST(Tower, ExternalFileMakesEntriesBundleByBundle) {
   expectNear(values(C.CX[1], C.CX[5], C.CX[2], C.CX[6]), values(-4.8, -5.2, 4.9, 5.1));
   expectNear(values(C.CYAVG[6], C.CYAVG[7]), values(18.05, 86 / 3.0));
   expectNear(values(C.CSTRND[2], C.CTUBE[2], C.CNTOT[2]), values(1, 0, 7));
-  expectNear(values(C.CTUBE[3], C.CTHICK[3]), values(1, 0.004));
+  expectNear(values(C.CTUBE[3], C.CTHICK[3], C.CRDC[7]), values(1, 0.004, 0.002));
 }
 
 TEST(Library, RowsOfBothFormats) {

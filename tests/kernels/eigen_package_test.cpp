@@ -95,17 +95,6 @@ TEST(EigenPackage, LinesAndMatricesWithPatterns) {
   }
 }
 
-TEST(EigenPackage, WhatDoesNotSettleLeavesThePairsAsTheyStood) {
-  fill2(std::nan(""), 1, 1, std::nan(""));
-  decompose(2);
-  EXPECT_EQ(EITER[1], EITERFAILED);
-  EXPECT_TRUE(std::isnan(X(1, 1).real()) && std::isnan(Y(2, 2).real())); // as filled
-  fill2(0, 1, 1, 0);
-  decompose(2);
-  EXPECT_LT(EITER[1], 100);
-  check(2);
-}
-
 TEST(EigenPackage, OrderIsChecked) {
   const ChildResult r = runChild([] { VALVC(L, A, A, A, 50); });
   const std::string told =

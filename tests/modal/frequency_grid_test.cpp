@@ -76,20 +76,3 @@ TEST(YzInterp, GivesRowsAndTheWayBetweenThem) {
     EXPECT_NEAR(Z(1, 1).imag() / (TWOPI * 1e-6), at, 1e-13) << f;
   }
 }
-
-TEST(YzInterp, ATableOfAComputedLineGivesItsPhaseModel) {
-  solveBothLoops(doubleCircuit(phaseModel(EVENWEIGHTS)));
-  const int rows = SOLVEDATA.grid.NFREQ - 1; // not the step at FCT
-  const ProgramRun computed = runLine(doubleCircuit(phaseModel(EVENWEIGHTS)), "100000");
-  const ProgramRun entered =
-      runLine(tableLine(6, yzTableOf(rows), phaseModel(EVENWEIGHTS)), "100000");
-  EXPECT_FALSE(entered.files.contains("a.out")); // this route has no report
-  const ModelFile a = readModel(computed.files.at("a.cvo"));
-  const ModelFile b = readModel(entered.files.at("a.cvo"));
-  for (int k = 1; k <= rows; k += 5) {
-    const Complex s(0, SOLVEDATA.grid.WFREQ[k]);
-    const Dense H = denseOf(b.H.at(s));
-    EXPECT_LT(distance(denseOf(a.Yc.at(s)), denseOf(b.Yc.at(s))), 1e-6) << k;
-    EXPECT_LT(largest(sum(denseOf(a.H.at(s)), H, -1)), 1e-6) << k;
-  }
-}

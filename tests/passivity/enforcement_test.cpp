@@ -144,10 +144,4 @@ TEST(ViolationScan, PeaksAreInnerMaximaOrTheFirstLargestValue) {
     EXPECT_EQ(list(ENFORCE.VPOINT.frequency.data(), ENFORCE.VPOINT.count), c.frequencies)
         << ::testing::PrintToString(c.V);
   }
-  Reals comb(500);
-  for (std::size_t i = 0; i < comb.size(); i += 2) comb[i] = 1 + static_cast<double>(i);
-  setViolations(comb);
-  EXPECT_EQ(ENFORCE.VPOINT.count, 100);
-  EXPECT_EQ(ENFORCE.VPOINT.frequency[100], 201);
-  EXPECT_EQ(ENFORCE.VPOINT.value[100], 201);
 }
