@@ -18,24 +18,24 @@ constexpr double TIGHT = 1e-9;
 // Curves and results of one fit; large, so they live in static store.
 struct Problem {
   SampleGrid G{1, 10, 2};
-  ComplexCurve F[2];
-  FunctionFit fits[2];
+  ComplexCurve F;
+  FunctionFit fit;
   FitErrors errors;
   PoleTable P;
 
   template <class Function>
   void sample(const Function& f, int NS = 61, double low = 0.5, double high = 5e4) {
     G = SampleGrid(low, high, NS);
-    F[0] = sampled(G, f);
+    F = sampled(G, f);
   }
-  FitSamples samples(int ASYMP, int STABLE = FLIPUNSTABLE, int NF = 1) const {
-    return {G.NS, NF, G.w, F, G.weight, STABLE, ASYMP};
+  FitSamples samples(int ASYMP, int STABLE = FLIPUNSTABLE) const {
+    return {G.NS, 1, G.w, &F, G.weight, STABLE, ASYMP};
   }
   void start(int N) { startingPoles(P, N, G.w[1], G.w[G.NS]); }
   // From starting poles, so many passes.
-  void fit(int N, int ASYMP, int passes = 1, int STABLE = FLIPUNSTABLE) {
+  void run(int N, int ASYMP, int passes = 1, int STABLE = FLIPUNSTABLE) {
     start(N);
-    VFITPASSES(passes, samples(ASYMP, STABLE), N, P, fits, errors);
+    VFITPASSES(passes, samples(ASYMP, STABLE), N, P, &fit, errors);
   }
 };
 
@@ -56,7 +56,7 @@ void expectModel(const Rational& model, const FunctionFit& fit) {
 
 // Stable poles by magnitude, conjugates side by side with conjugate residues.
 void expectSortedStablePairs(int N) {
-  const PoleTable& R = T.fits[0].R;
+  const PoleTable& R = T.fit.R;
   for (int m = 1; m <= N; ++m) {
     EXPECT_LE(T.P[m].real(), 0.0) << m;
     EXPECT_GE(std::abs(T.P[m]), m > 1 ? std::abs(T.P[m - 1]) : 0.0) << m;
@@ -93,8 +93,8 @@ TEST(VectorFit, PartialFractionsComeBackInOnePass) {
     SCOPED_TRACE(&c - cases);
     const bool eleven = c.model.N() == 5;
     T.sample(c.model, eleven ? 140 : 61, eleven ? 1e-3 : 0.5, eleven ? 1e10 : 5e4);
-    T.fit(c.model.N(), c.ASYMP, eleven ? 3 : 1);
-    expectModel(c.model, T.fits[0]);
+    T.run(c.model.N(), c.ASYMP, eleven ? 3 : 1);
+    expectModel(c.model, T.fit);
     expectSortedStablePairs(c.model.N());
     EXPECT_LT(T.errors.ERRNORM, TIGHT);
   }
@@ -102,21 +102,21 @@ TEST(VectorFit, PartialFractionsComeBackInOnePass) {
   T.sample(PAIR);
   for (const int m : {1, 3})
     T.P[m + 1] = std::conj(T.P[m] = Complex(-1, 10) * std::pow(500, m / 2));
-  VFITPASSES(1, T.samples(WITHCONSTANT), 4, T.P, T.fits, T.errors);
-  expectModel(PAIR, T.fits[0]);
+  VFITPASSES(1, T.samples(WITHCONSTANT), 4, T.P, &T.fit, T.errors);
+  expectModel(PAIR, T.fit);
   const PoleTable given = T.P;
-  VFITPASSES(0, T.samples(WITHCONSTANT), 4, T.P, T.fits, T.errors);
+  VFITPASSES(0, T.samples(WITHCONSTANT), 4, T.P, &T.fit, T.errors);
   EXPECT_EQ(T.P.entries, given.entries);
-  expectModel(PAIR, T.fits[0]);
+  expectModel(PAIR, T.fit);
 }
 
 TEST(VectorFit, UnstablePolesAreMirroredWhenAsked) {
   const Rational model{{-5, {40, 300}, {40, -300}, 2e3}, {1, {20, 3}, {20, -3}, 100}};
   T.sample(model, 50);
-  T.fit(4, NOASYMPTOTE, 1, KEEPUNSTABLE);
-  expectModel(model, T.fits[0]);
+  T.run(4, NOASYMPTOTE, 1, KEEPUNSTABLE);
+  expectModel(model, T.fit);
   const PoleTable kept = T.P;
-  T.fit(4, NOASYMPTOTE);
+  T.run(4, NOASYMPTOTE);
   for (int m = 1; m <= 4; ++m)
     EXPECT_EQ(T.P[m], Complex(-std::abs(kept[m].real()), kept[m].imag())) << m;
 }
@@ -127,7 +127,7 @@ TEST(VectorFit, RankDeficientPassesEndWell) {
     T.sample(PAIR, NS);
     T.start(N);
     T.P[4] = T.P[3];
-    VFITPASSES(3, T.samples(WITHCONSTANT), N, T.P, T.fits, T.errors);
+    VFITPASSES(3, T.samples(WITHCONSTANT), N, T.P, &T.fit, T.errors);
     EXPECT_LT(T.errors.ERRNORM, TIGHT) << N;
     expectSortedStablePairs(N);
   }

@@ -25,17 +25,6 @@ void balanced(LineMatrix& M, Complex self, Complex mutual, Complex between) {
   }
 }
 
-LoadFlowData dataOf(int conductors, double length, double VBASE, double MVABASE, bool corrected) {
-  RUNDATA.resetInput();
-  RUNDATA.line.NC = conductors;
-  RUNDATA.run.LINELEN = length;
-  RUNDATA.display.VBASEDISP = VBASE;
-  RUNDATA.display.MVABASEDISP = MVABASE;
-  LoadFlowData data;
-  formLoadFlowData(data, Y, Z, Y, Z, corrected);
-  return data;
-}
-
 constexpr double F = 50.0; // Hz
 
 void layCables(int n, bool piped) {
@@ -79,7 +68,13 @@ Wide transposed(const Dense& M, std::size_t i, std::size_t j) {
 TEST(Sequence, LoadFlowBlocksOfADoubleCircuit) {
   balanced(Z, {3, 30}, {1, 10}, {0.5, 5});
   balanced(Y, {0, 3e-3}, {0, -5e-4}, {0, -1e-4});
-  const LoadFlowData data = dataOf(6, 2, 100, 50, true);
+  RUNDATA.resetInput();
+  RUNDATA.line.NC = 6;
+  RUNDATA.run.LINELEN = 2;
+  RUNDATA.display.VBASEDISP = 100;
+  RUNDATA.display.MVABASEDISP = 50;
+  LoadFlowData data;
+  formLoadFlowData(data, Y, Z, Y, Z, true);
   ASSERT_EQ(data.count, 10);
   EXPECT_TRUE(data.perUnit);
   const double KZ = 50.0 / 1e4;
