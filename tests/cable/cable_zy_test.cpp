@@ -124,6 +124,7 @@ TEST(CableZY, OverheadConductorsAsCablesAreTheOverheadLine) {
     const double limit = cables == 0 ? 1e-11 : 1e-6;
     makeConvertibleLine(seed);
     const double f = cables > 0 ? 1e6 : std::pow(10.0, static_cast<double>(seed % 6));
+    RUNDATA.ground.GMUR = 1.3;
     if (cables > 0) RUNDATA.ground.GRTYPE = false;
     if (cables > 0) RUNDATA.ground.GRHO = 10;
     const LineResult overhead = solveLine(f);

@@ -110,7 +110,7 @@ TEST(Reader, SetsOptionsAndTheirDefaults) {
   EXPECT_EQ(D.MANOUTF.text(), "my file.cvo");
   EXPECT_EQ(RUNDATA.bergeron.FLOSS, 60.0); // the steady-state frequency
   EXPECT_EQ(RUNDATA.run.DATAFMT, ROUTENONE);
-  readHere(description("Frequency Dep. (Phase) Model Options\n{\nDC Correction Type: 2\n"
+  readHere(description("Frequency Dep. (Phase) Model Options\n{\nDC Correction Type: 1\n"
                        "Lower frequency for passivity check: 5\n}\nHALO Options\n{\n}\n"));
   EXPECT_EQ(values(RUNDATA.model.MODEL, RUNDATA.fit.DCCORRF, RUNDATA.passivity.PFLOSET),
             values(6, 1, 1));
