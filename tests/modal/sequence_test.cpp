@@ -1,7 +1,9 @@
 // Load flow values, sequences of cable cores, and the long-line correction of lines of one
 // conductor. The pi file of a line is tested for the exact circuit.
+#include "cable/four_wire.h"
 #include "modal/core_sequence.h"
 #include "modal/long_line.h"
+#include "modal/report_modes.h"
 #include "modal/sequence.h"
 #include "store/rundata.h"
 #include "store/solvedata.h"
@@ -143,4 +145,18 @@ TEST(CoreSequence, CircuitsAreGroundedAndTransposedAndTheSystemComesBack) {
   EXPECT_FALSE(hasCoreSequences());
   layCables(4, false);
   EXPECT_FALSE(hasCoreSequences());
+}
+
+TEST(ReportModes, EqualModesOfAFourWireCableAreParted) {
+  RUNDATA = {};
+  RUNDATA.run.ISCABLE = FOURWIRECABLE;
+  RUNDATA.run.LINELEN = 1000;
+  RUNDATA.cable.fourWire = {95, 1.1e-3, 2e-4, 2e-3, 1.7241e-8, 2.4, 3.3, 6.0};
+  solveWith(FWZY, RUNDATA.display.DISPFREQ);
+  formReportModes();
+  for (const LineMatrix* M : {&SOLVEDATA.second.ZM, &SOLVEDATA.second.YM}) {
+    const Dense A = corner(*M, 4);
+    for (std::size_t e = 0; e < 16; ++e)
+      EXPECT_LT(std::abs(A[e / 4][e % 4]), e % 5 == 0 ? 1 : 1e-9 * largest(A)) << e;
+  }
 }
