@@ -1,10 +1,8 @@
 #include "kernels/eigen_package.h"
 
 #include "kernels/hyperbolic.h"
-#include "support/child.h"
 #include "support/dense_functions.h"
 #include "support/line_matrices.h"
-#include "support/version_line.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
@@ -93,13 +91,4 @@ TEST(EigenPackage, LinesAndMatricesWithPatterns) {
       EXPECT_EQ(Y(k, k % 2 + 1), 0.0);
     }
   }
-}
-
-TEST(EigenPackage, OrderIsChecked) {
-  const ChildResult r = runChild([] { VALVC(L, A, A, A, 50); });
-  const std::string told =
-      "-*** ERROR: VALVC:  Matrix dimensions out of bounds--Execution terminating. ***";
-  EXPECT_EQ(r.status, 12);
-  EXPECT_EQ(r.console, lines({told, "-Traceback:", " VALVC  - MODALPAK            ", "-",
-                              versionLine(910209)}));
 }
