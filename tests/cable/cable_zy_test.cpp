@@ -124,6 +124,7 @@ TEST(CableZY, OverheadConductorsAsCablesAreTheOverheadLine) {
     const double limit = cables == 0 ? 1e-11 : 1e-6;
     makeConvertibleLine(seed);
     const double f = cables > 0 ? 1e6 : std::pow(10.0, static_cast<double>(seed % 6));
+    RUNDATA.ground.GMUR = 1.3;
     if (cables > 0) RUNDATA.ground.GRTYPE = false;
     if (cables > 0) RUNDATA.ground.GRHO = 10;
     const LineResult overhead = solveLine(f);
@@ -165,10 +166,10 @@ TEST(CableZY, PipeInTheAir) {
 }
 
 TEST(CableZY, ConductanceOfAerialCables) {
-  constexpr double g = 3e-10;
-  for (int n = 0; n < 32; ++n) {
-    const double air = n < 16 ? 5e-11 : 0.0;
-    const bool corrected = n % 2 == 0;
+  for (int n = 0; n < 48; ++n) {
+    const double air = n < 16 || n >= 32 ? 5e-11 : 0.0;
+    const bool corrected = n % 2 == 0, tangents = n >= 32; // these are all losses
+    const double g = tangents ? 0.0 : 3e-10;
     const int layers = 1 + n / 2 % 8;
     layCables(1);
     Cable& C = cable(1);
@@ -179,8 +180,8 @@ TEST(CableZY, ConductanceOfAerialCables) {
     C.CBOVHD = RUNDATA.cable.ANYOVHD = true;
     C.CBY = 10;
     C.CBGAER = air;
-    RUNDATA.fit.DIELM = 0;
-    RUNDATA.fit.CSHUNTG = g;
+    RUNDATA.fit.DIELM = tangents;
+    RUNDATA.fit.CSHUNTG = 3e-10;
     RUNDATA.fit.DCCORRF = corrected;
     Dense wanted = chain(layers, g, air);
     if (!corrected) { // without insulators the air is what is left

@@ -1,5 +1,4 @@
-// The fits of the mode model: counts of poles, the delay taken out of the angle, the sign of the
-// transformation. Responses are tested on the model file.
+// The sign of the transformation of a mode model; its fits are tested on the model file.
 #include "fit/mode_model.h"
 
 #include "modal/second_loop.h"
@@ -11,36 +10,6 @@
 
 using namespace lcp;
 using namespace lcp::test;
-
-// All that grow from one pole on; a count of 0 is one of 1.
-TEST(ModeModel, EveryFitHasItsOwnTargetAndLimit) {
-  solveBothLoops(singleCircuit(modeModel()));
-  formFitWeights();
-  SecondLoopStore& T = SOLVEDATA.second;
-  FitOptions& O = RUNDATA.fit;
-  O.CONSTT = false;
-  O.MAXPZ = 3;
-  O.MAXPA = 5;
-  for (double* target : {&O.ERRZ, &O.ERRA, &O.ERR4}) { // the one that one pole meets
-    O.ERRZ = O.ERRA = O.ERR4 = 0;
-    *target = 90;
-    O.MAXP4 = target == &O.ERRZ ? 0 : 4;
-    for (int i = 1; i <= 3; ++i) {
-      const double angles[] = {-200, 90, -1000}, lag[] = {-200, -270, -280};
-      for (int k = 1; k <= 3; ++k) T.HARG(k, i) = angles[k - 1];
-      consoleOf([&] {
-        fitSurgeImpedance(i);
-        fitAttenuation(i);
-        fitTransformElement(i, 1);
-      });
-      EXPECT_EQ(MODEMODEL.Z[i].N, target == &O.ERRZ ? 1 : 3);
-      EXPECT_EQ(MODEMODEL.A[i].N, target == &O.ERRA ? 1 : 5);
-      EXPECT_EQ(MODEMODEL.T(i, 1).N, target == &O.ERRA ? 4 : 1);
-      for (int k = 1; k <= 3; ++k) // without the part of the delay, above -360 degrees up to 0
-        EXPECT_NEAR(T.HARG(k, i), lag[k - 1] + 0.36 * SOLVEDATA.grid.FREQ[k] * T.TAUMS[i], 1e-9);
-    }
-  }
-}
 
 TEST(ModeModel, AnglesOfATurnedElementEndAtTwoHundredAndSeventy) {
   SecondLoopStore& T = SOLVEDATA.second;

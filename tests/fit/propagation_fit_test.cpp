@@ -1,13 +1,14 @@
-// Delay groups and the fit of the propagation function, on modes that are rational functions
-// with delays.
-#include "fit/propagation_fit.h"
-
+// Delays by the gain-phase relation of functions whose magnitude is known; delay groups and the fit
+// of the propagation function, on modes that are rational functions with delays.
+#include "base/constants.h"
 #include "fit/bode_delay.h"
 #include "fit/delay_groups.h"
+#include "fit/propagation_fit.h"
 #include "store/rundata.h"
 #include "store/solvedata.h"
 #include "support/console_capture.h"
 #include "support/propagation_case.h"
+#include "support/sampled_functions.h"
 
 #include <algorithm>
 #include <cmath>
@@ -17,6 +18,21 @@ using namespace lcp;
 using namespace lcp::test;
 
 namespace {
+
+struct Taken {
+  int step;
+  double turn; // CORR w0
+};
+
+// A travel time of its own at every step tells the step at which the delay was taken.
+Taken taken(const SampleGrid& grid, const ComplexCurve& HM) {
+  FreqCurve V;
+  for (int k = 1; k <= grid.NS; ++k) V[k] = 1e5 * k;
+  const BodeDelay b = BODEDLY(V, HM, grid.NS, grid.w, 1e5, 0.01);
+  EXPECT_TRUE(std::isfinite(b.TAU) && std::isfinite(b.CORR));
+  const int step = static_cast<int>(std::lround(1 / (b.TAU - b.CORR)));
+  return {step, b.CORR * grid.w[step]};
+}
 
 constexpr double LENGTH = 9e4;
 
@@ -49,25 +65,31 @@ void poseModes(const std::vector<TestMode>& modes) {
   }
 }
 
-const std::vector<TestMode> SLOWANDFAST = {{4e-4, {50, 3e4}}, {3e-4, {4e3, 2e5}}};
-
-// The two modes through a constant transformation: H = T diag(h1, h2) T^-1.
-Complex twoModes(int r, int c, Complex s) {
-  const double T[2][2] = {{1, 0.4}, {-0.3, 1}}; // of determinant 1.12
-  const double I[2][2] = {{1 / 1.12, -0.4 / 1.12}, {0.3 / 1.12, 1 / 1.12}};
-  return T[r - 1][0] * SLOWANDFAST[1].at(s) * I[0][c - 1] +
-         T[r - 1][1] * SLOWANDFAST[0].at(s) * I[1][c - 1];
-}
-
-// Fits them; the console shows the tables, which whole runs hold.
-void fitTwoModes(const PropagationWish& wish, bool vanished = false) {
-  poseModes(SLOWANDFAST);
-  sampleH(twoModes);
-  if (vanished) SOLVEDATA.second.HMODE.curve(1) = {};
-  consoleOf([&] { HFIT(wish); });
-}
-
 } // namespace
+
+TEST(BodeDelay, PowersOfTheFrequencyAndVanishedModes) {
+  for (const int NS : {2, 3, 150}) {
+    const SampleGrid grid(1, 1e7, NS);
+    for (const double n : {0.0, 0.3, 2.5}) {
+      const ComplexCurve HM = sampled(grid, [&](Complex s) { return std::pow(s / 10.0, -n); });
+      EXPECT_NEAR(taken(grid, HM).turn, -n * PI / 2, 1e-12) << NS;
+    }
+    taken(grid, sampled(grid, [](Complex s) { return std::exp(-1e4 * std::sqrt(s)); })); // to 0
+  }
+}
+
+// Skin effect: exp(-a sqrt(s)) has the slope S = -|ln a|/2, which grows as sqrt(w), so that over a
+// decade to both sides CORR w0 = S pi/2 + |S|/pi integral of (exp(u/2) - 1) ln coth|u/2| du.
+TEST(BodeDelay, SkinEffectIsTakenOutOverADecadeToBothSides) {
+  constexpr double INTEGRAL = 0.440848; // by the midpoint rule
+  const SampleGrid grid(1, 1e8, 600);
+  for (const double a : {0.02, 0.3}) {
+    const Taken t =
+        taken(grid, sampled(grid, [&](Complex s) { return std::exp(-a * std::sqrt(s)); }));
+    const double S = -0.5 * a * std::sqrt(grid.w[t.step] / 2);
+    EXPECT_NEAR(t.turn, S * PI / 2 + std::fabs(S) / PI * INTEGRAL, 0.01 * std::fabs(S));
+  }
+}
 
 // 10 degrees at 1e6 rad/s are 0.175 us, counted from the first mode of a group.
 TEST(DelayGroups, ModesWithinTenDegreesShareTheSmallestDelay) {
@@ -86,49 +108,4 @@ TEST(DelayGroups, ModesWithinTenDegreesShareTheSmallestDelay) {
         BODEDLY(T.VELOC.curve(i), T.HMODE.curve(i), G.NFUSE, G.WFREQ, LENGTH, 0.01).TAU;
     EXPECT_EQ(FITMODEL.TAU[g], g <= 3 ? first : 0.0);
   }
-}
-
-// Two modes with opposite parts of one pole: their mean has the other pole alone.
-TEST(DelayGroups, AreFittedByTheMeanOfTheirModes) {
-  poseModes({{3e-4, {1e4}}, {3e-4, {1e4}}});
-  for (int k = 1; k <= 100; ++k) {
-    const Complex s(0, SOLVEDATA.grid.WFREQ[k]);
-    const Complex part = 0.2 * std::exp(-s * 3e-4) * s / (s + 300.0);
-    SOLVEDATA.second.HMODE(k, 1) += part;
-    SOLVEDATA.second.HMODE(k, 2) -= part;
-    SOLVEDATA.second.VELOC(k, 1) = SOLVEDATA.second.VELOC(k, 2) = LENGTH / 3e-4;
-  }
-  FORMGROUPS();
-  ASSERT_EQ(FITMODEL.NGROUP, 1);
-  consoleOf([] { HMODEFIT(0.02, 20); });
-  for (int m = 1; m <= FITMODEL.NH[1]; ++m) EXPECT_LT(FITMODEL.HPOLE[1][m].real(), -2000);
-  EXPECT_LT(std::abs(FITMODEL.HPOLE[1][1] + 1e4), 2000) << FITMODEL.HPOLE[1][1];
-}
-
-TEST(PropagationFit, MeetsTheErrorAskedForAlsoBetweenTheSamples) {
-  fitTwoModes({0.05, 20, 100, 0});
-  EXPECT_EQ(FITMODEL.NGROUP, 2);
-  EXPECT_LE(measureFit().largest, 0.0005);
-  EXPECT_NEAR(FITMODEL.TAU[1], 3e-4, 0.02 * 3e-4);
-  EXPECT_NEAR(FITMODEL.TAU[2], 4e-4, 0.02 * 4e-4);
-  for (int i = 0; i < 284; ++i) {
-    const double w = 1.3 * std::pow(1.21, i / 4);
-    const int r = 1 + i % 2, c = 1 + i / 2 % 2;
-    const Complex H = twoModes(r, c, Complex(0, w));
-    EXPECT_LT(std::abs(Complex(modelOfH(r, c, Wide(0, w))) - H), 0.001) << w;
-  }
-}
-
-// A mode that has vanished is fitted exactly and takes no more than a pole.
-TEST(PropagationFit, EndsAtThePoleLimitWhenTheErrorIsOutOfReach) {
-  for (const int limit : {3, 0, -1, 4}) {
-    fitTwoModes({0, limit, 1e9, 0}, limit == 4);
-    const auto [least, most] = std::minmax(FITMODEL.NH[1], FITMODEL.NH[2]);
-    EXPECT_EQ(least, limit == 4 ? 1 : std::max(limit, 0));
-    EXPECT_EQ(most, std::max(limit, 0));
-  }
-  RealMatrix HDC{}; // the values at s = 0 are met behind the reduction
-  HDC(1, 1) = HDC(2, 2) = 1;
-  fitTwoModes({30, 7, 0.2, 2, &HDC});
-  EXPECT_LT(dcDeviation(HDC), 1e-9);
 }

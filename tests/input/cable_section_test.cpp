@@ -61,7 +61,8 @@ TEST(CableSection, PipeHoldsItsCables) {
     return pipe("P1 : 10 2\nInner Insulator Outer Radius: 0.2\nConductor Outer Radius: 0.25\n"
                 "Frequency for loss tangent: 50\nInner Ins. Loss Tangent: 0.002\n" +
                 identical + sheathed(2, inner + "P1: 0.1 0 0.1 90\nGround Last Layer: 1\n") +
-                sheathed(3, inner + "P1: -0.1 0 0.1 180\nSheath Outer Radius: 0.04\n") +
+                sheathed(3, inner + "P1: -0.1 0 0.1 180\nInsulator 1 Loss Tangent: 0.005\nSheath "
+                                    "Outer Radius: 0.04\n") +
                 "Outer Ins. Loss Tangent: 0.003\n") +
            sheathed(1, inner + "P1: 0 1 7 7\n");
   };
@@ -75,9 +76,10 @@ TEST(CableSection, PipeHoldsItsCables) {
   EXPECT_DOUBLE_EQ(P.PIPETANI, losses(50, 0.002));
   EXPECT_DOUBLE_EQ(P.PIPETANO, losses(50, 0.003));
   EXPECT_EQ(three.radius(), 0.04);
-  read(body("Identical Cables: 1\n") + "Frequency Dep. (Phase) Model Options\n{\n"
-                                       "Cable dielectric loss method: 0\n}\n");
+  read(body("Identical Cables: 1\n"));
   EXPECT_EQ(values(three.radius(), three.CBGLAST, three.CBX), values(0.03, 1, -0.1));
+  EXPECT_EQ(three.CBTAND, two.CBTAND);
+  read(body("") + "Frequency Dep. (Phase) Model Options\n{\nCable dielectric loss method: 0\n}\n");
   EXPECT_EQ(values(one.CBGLAST, one.CBTAND[0], P.PIPETANI), values(0, 0, 0));
 }
 

@@ -1,13 +1,81 @@
+// Items of a line, any bytes, options, entered data.
+#include "input/free_form.h"
 #include "input/reader.h"
-
 #include "store/rundata.h"
+#include "store/yz_table.h"
 #include "support/description.h"
 #include "support/scratch.h"
+#include "support/solve.h"
 
+#include <array>
 #include <fmt/format.h>
+#include <gtest/gtest.h>
+#include <vector>
 
 using namespace lcp;
 using namespace lcp::test;
+
+namespace {
+
+template <class T> using Fields = std::vector<std::pair<const char*, T>>;
+template <class T> using Read = Got (*)(std::string_view, T&);
+
+// How each field is read into a target that held `old`.
+template <class T>
+void check(T old, Read<T> read, const Fields<T>& good, const std::vector<const char*>& none,
+           const std::vector<const char*>& malformed) {
+  const auto expect = [&](const char* text, Got got, const T& wanted) {
+    T value = old;
+    EXPECT_EQ(read(text, value), got) << text;
+    EXPECT_EQ(value, wanted) << text;
+  };
+  for (const auto& [text, value] : good) expect(text, Got::Value, value);
+  for (const char* text : none) expect(text, Got::None, old);
+  for (const char* text : malformed) expect(text, Got::Malformed, old);
+}
+
+// Reads a line of n conductors, with the key that names a file of that text; a slash would end an
+// unquoted name.
+void read(const std::string& format, const std::string& file, int n = 2) {
+  const std::string name = scratchFile("yz.txt", file);
+  const std::string keys =
+      fmt::format("Data Entry Format:  {}\nY,Z Input File Name: '{}'\n", format, name);
+  readHere(description(manualLineOf(n, keys, "")));
+}
+
+} // namespace
+
+TEST(FreeForm, ReadsTheFirstItemOfAField) {
+  const Fields<double> reals = {
+      {"  12.5 m", 12.5}, {"1,2", 1}, {"1D3", 1000}, {"1.5d+2", 150}, {"1+3", 1000},
+      {"-.5E-1", -0.05},  {"5.", 5},  {"3/4", 3},    {"2*9", 9},      {"\t7", 7}};
+  check(-7.0, readReal, reals, {"", "   ", "/ 5", ", 5"},
+        {"abc", "1.2.3", "nan", "inf", "1e400", "1e", ".", "-", "0x10", "12m", "'4", "'4'", "\"4\"",
+         "0*5", "99999999999*5"});
+  check(-7, readInteger, {{"42 rest", 42}, {"+3", 3}, {"-2147483648", -2147483647 - 1}}, {""},
+        {"2147483648", "1.0", "1e3", "+-3", "'4'"});
+  const Fields<std::string> words = {{"My Line", "My"},
+                                     {"'My Line' x", "My Line"},
+                                     {"\"a,b/c\"", "a,b/c"},
+                                     {"'it''s'", "it's"},
+                                     {"a/b", "a"}};
+  check<std::string>("old", readWord, words, {"/a", ""}, {"'open"});
+}
+
+TEST(FreeForm, ListsLeaveWhatIsMissingUnchanged) {
+  using Four = std::array<double, 4>;
+  const std::pair<const char*, Four> cases[] = {
+      {"1 2", {1, 2, -3, -4}}, {"1,,3", {1, -2, 3, -4}},   {"1 , 2 / 3 4", {1, 2, -3, -4}},
+      {",2", {-1, 2, -3, -4}}, {"2*5 2*", {5, 5, -3, -4}}, {"1 2 3 4 words", {1, 2, 3, 4}},
+      {"9*8", {8, 8, 8, 8}}};
+  for (const auto& [field, expected] : cases) {
+    Four t = {-1, -2, -3, -4};
+    EXPECT_TRUE(readReals(field, t)) << field;
+    EXPECT_EQ(t, expected) << field;
+  }
+  Four t{};
+  for (const char* malformed : {"1 2 words", "1 '2'"}) EXPECT_FALSE(readReals(malformed, t));
+}
 
 TEST(Reader, SurvivesAnyBytes) {
   std::string binary;
@@ -42,7 +110,7 @@ TEST(Reader, SetsOptionsAndTheirDefaults) {
   EXPECT_EQ(D.MANOUTF.text(), "my file.cvo");
   EXPECT_EQ(RUNDATA.bergeron.FLOSS, 60.0); // the steady-state frequency
   EXPECT_EQ(RUNDATA.run.DATAFMT, ROUTENONE);
-  readHere(description("Frequency Dep. (Phase) Model Options\n{\nDC Correction Type: 2\n"
+  readHere(description("Frequency Dep. (Phase) Model Options\n{\nDC Correction Type: 1\n"
                        "Lower frequency for passivity check: 5\n}\nHALO Options\n{\n}\n"));
   EXPECT_EQ(values(RUNDATA.model.MODFDP(), RUNDATA.model.MODHALO, RUNDATA.fit.DCCORRF,
                    RUNDATA.passivity.PFLOSET),
@@ -57,5 +125,49 @@ TEST(Reader, SetsOptionsAndTheirDefaults) {
   for (const char* empty : {"", "''"}) { // the first blank is the first character
     readHere(description(fmt::format("Line Summary\n{{\nLine Name: {}\n}}\n", empty)));
     EXPECT_EQ(RUNDATA.line.LNAMELEN, 1) << empty;
+  }
+}
+
+TEST(ManualSection, SusceptancesArePerUnit) {
+  for (const std::string format : {"p.u./m", "RXB p.u./m", "ohms/metre"}) {
+    read(format + "\n0 Sequence Capacitive Susceptance: 4", "");
+    const ManualSequences& S = RUNDATA.manual.MANSEQ;
+    EXPECT_EQ(values(S.SEQPU.XC0, S.SEQOHM.XC0, RUNDATA.run.DATAFMT),
+              values(format == "ohms/metre" ? 0 : 0.25, 0, ROUTEMANUAL));
+  }
+}
+
+TEST(ManualSection, TakesAPairInAnyOrderOfItsBlocks) {
+  const std::string Z = " Z:impedance\n1 2 3\n3,\n4 dropped\n\n5 6\n7 8\n",
+                    Y = "Y:\n0 1\n0 2\n0 3\n0 4\n";
+  // ahead of the first tag Z is selected, and a block that repeats overwrites
+  const std::string others = "X\n9 9\n9 9\n9 9\n9 9\n";
+  for (const std::string& file : {Z + Y, Y + Z, others + Y + Z, others + Y + Y + "\n\n" + Z}) {
+    read("Y and Z", file);
+    for (int k = 0; k < 4; ++k) {
+      EXPECT_EQ(RUNDATA.manual.ZENT(1 + k / 2, 1 + k % 2), Complex(2 * k + 1, 2 * k + 2));
+      EXPECT_EQ(RUNDATA.manual.YENT(1 + k / 2, 1 + k % 2), Complex(0, k + 1));
+    }
+  }
+}
+
+TEST(ManualSection, TakesATableAndItsNumbersInEveryForm) {
+  const char* const forms[] = {"{}",   "{} ohm",   "  {},1",   "+{}/",
+                               "'{}'", "\n\t\n{}", "{}.0D+00", "0.{}E1\r"};
+  std::string file = "1\n2\n2\n"; // the first record is not looked at
+  for (int value = 1; value <= 34; ++value) {
+    const bool plain = value % 17 == 1 || value > 9;
+    file += fmt::format(fmt::runtime(plain ? "{}" : forms[value - 2]), value) + "\n";
+  }
+  read("Multiple Y and Z", file, 5);
+  const FitOptions& F = RUNDATA.fit;
+  EXPECT_EQ(values(RUNDATA.run.DATAFMT, RUNDATA.line.NC, RUNDATA.cond.NCOND, F.NFINC, F.FSTART,
+                   F.FEND, F.CONSTT),
+            values(ROUTEMULTIPLE, 2, 2, 2, 1, 18, 0));
+  for (int e = 0; e < 8; ++e) {
+    const int k = 1 + e / 4, i = 1 + e % 4 / 2, j = 1 + e % 2;
+    const double at = 17 * (k - 1) + 2 + 4 * (e % 4); // Re Z of the element
+    EXPECT_EQ(YZTABLE.ZTABLE(k, i, j), Complex(at, at + 1)) << e;
+    EXPECT_EQ(YZTABLE.YTABLE(k, i, j), Complex(at + 2, at + 3)) << e;
   }
 }

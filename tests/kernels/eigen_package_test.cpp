@@ -1,10 +1,8 @@
 #include "kernels/eigen_package.h"
 
 #include "kernels/hyperbolic.h"
-#include "support/child.h"
 #include "support/dense_functions.h"
 #include "support/line_matrices.h"
-#include "support/version_line.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
@@ -93,24 +91,4 @@ TEST(EigenPackage, LinesAndMatricesWithPatterns) {
       EXPECT_EQ(Y(k, k % 2 + 1), 0.0);
     }
   }
-}
-
-TEST(EigenPackage, WhatDoesNotSettleLeavesThePairsAsTheyStood) {
-  fill2(std::nan(""), 1, 1, std::nan(""));
-  decompose(2);
-  EXPECT_EQ(EITER[1], EITERFAILED);
-  EXPECT_TRUE(std::isnan(X(1, 1).real()) && std::isnan(Y(2, 2).real())); // as filled
-  fill2(0, 1, 1, 0);
-  decompose(2);
-  EXPECT_LT(EITER[1], 100);
-  check(2);
-}
-
-TEST(EigenPackage, OrderIsChecked) {
-  const ChildResult r = runChild([] { VALVC(L, A, A, A, 50); });
-  const std::string told =
-      "-*** ERROR: VALVC:  Matrix dimensions out of bounds--Execution terminating. ***";
-  EXPECT_EQ(r.status, 12);
-  EXPECT_EQ(r.console, lines({told, "-Traceback:", " VALVC  - MODALPAK            ", "-",
-                              versionLine(910209)}));
 }

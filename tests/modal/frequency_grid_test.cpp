@@ -9,9 +9,9 @@
 #include "store/yz_table.h"
 #include "support/dense_functions.h"
 #include "support/description.h"
-#include "support/phase_file.h"
 #include "support/solve.h"
 #include "support/whole_run.h"
+#include "support/written_model.h"
 
 #include <cmath>
 #include <fmt/format.h>
@@ -74,39 +74,5 @@ TEST(YzInterp, GivesRowsAndTheWayBetweenThem) {
   for (const auto& [f, at] : {std::pair{5.0, 10.0}, {10.0, 10.0}, {17.5, 17.5}, {1e6, 20.0}}) {
     tableConstants(f, Y, Z, P);
     EXPECT_NEAR(Z(1, 1).imag() / (TWOPI * 1e-6), at, 1e-13) << f;
-  }
-}
-
-TEST(YzInterp, AFullTableStaysInItsStore) {
-  std::vector<double> frequencies(MAXFREQ, 1);
-  for (std::size_t k = 1; k < MAXFREQ; ++k) frequencies[k] = frequencies[k - 1] + 7;
-  solveBothLoops(tableLine(1, smallTable(frequencies), phaseModel("Weighting Factor 2: 5\n")));
-  formFitWeights();
-  const FrequencyGrid& G = SOLVEDATA.grid;
-  EXPECT_EQ(G.NFUSE, MAXFREQ);
-  EXPECT_EQ(G.FREQ[MAXFREQ], 1 + 7.0 * (MAXFREQ - 1));
-  EXPECT_EQ(G.WFIT[9], 5); // 57 Hz, the last below 60 Hz
-  EXPECT_EQ(G.WFIT[8] + G.WFIT[10], 0);
-  // the wave of L and C travels at (L C)^-1/2
-  EXPECT_NEAR(SOLVEDATA.second.VELOC(MAXFREQ, 1), std::sqrt(1e17), 1e-3 * std::sqrt(1e17));
-  RUNDATA.line.SSFREQ = 1e6; // beyond the table
-  formFitWeights();
-  EXPECT_EQ(G.WFIT[MAXFREQ], 5);
-}
-
-TEST(YzInterp, ATableOfAComputedLineGivesItsPhaseModel) {
-  solveBothLoops(doubleCircuit(phaseModel(EVENWEIGHTS)));
-  const int rows = SOLVEDATA.grid.NFREQ - 1; // not the step at FCT
-  const ProgramRun computed = runLine(doubleCircuit(phaseModel(EVENWEIGHTS)), "100000");
-  const ProgramRun entered =
-      runLine(tableLine(6, yzTableOf(rows), phaseModel(EVENWEIGHTS)), "100000");
-  EXPECT_FALSE(entered.files.contains("a.out")); // this route has no report
-  const PhaseFile a = readPhaseFile(computed.files.at("a.cvo"));
-  const PhaseFile b = readPhaseFile(entered.files.at("a.cvo"));
-  ASSERT_EQ(a.trouble + b.trouble, "");
-  for (int k = 1; k <= rows; k += 5) {
-    const Wide s(0, SOLVEDATA.grid.WFREQ[k]);
-    EXPECT_LT(distance(a.Yc(s), b.Yc(s)), 1e-6) << k;
-    EXPECT_LT(distance(sum(a.H(s), identity(6)), sum(b.H(s), identity(6))), 1e-6) << k;
   }
 }

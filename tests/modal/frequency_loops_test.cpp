@@ -17,30 +17,19 @@ using namespace lcp::test;
 
 namespace {
 
-// One step of a curve store as a dense matrix.
-template <class Store> Dense stepOf(const Store& store, int k) {
-  static LineMatrix M;
-  store.load(k, M, RUNDATA.line.NC);
-  return corner(M, RUNDATA.line.NC);
-}
-
 Dense vectors(int k) { return stepOf(SOLVEDATA.at.MTI, k); }
 
-// Residual of A x = l x over all modes of step k, as the Newton step measures it: A over the mean
-// magnitude of its diagonal, the largest element of x at 1.
+// Residual of A x = l x over all modes of step k, A over the mean magnitude of its diagonal, the
+// largest element of x at 1.
 double newtonResidual(int k) {
   constantsAt(SOLVEDATA.grid.FREQ[k]);
-  const Dense A = corner(SOLVEDATA.first.PMAT, RUNDATA.line.NC), T = vectors(k), AT = product(A, T);
-  const std::size_t n = A.size();
-  long double s = 0, worst = 0;
-  for (std::size_t i = 0; i < n; ++i) s += std::abs(A[i][i]) / static_cast<long double>(n);
-  for (std::size_t m = 0; m < n; ++m) {
-    const Wide l = SOLVEDATA.at.MEIG(k, static_cast<int>(m) + 1);
-    long double e = 0;
-    for (std::size_t i = 0; i < n; ++i) e += std::abs(AT[i][m] - l * T[i][m]) / s;
-    worst = std::max(worst, e);
-  }
-  return static_cast<double>(worst);
+  const Dense A = corner(SOLVEDATA.first.PMAT, RUNDATA.line.NC), T = vectors(k);
+  long double s = 0;
+  for (std::size_t i = 0; i < A.size(); ++i) s += std::abs(A[i][i]) / A.size();
+  const Dense TL = formed(A.size(), [&](std::size_t i, std::size_t m) {
+    return T[i][m] * Wide(SOLVEDATA.at.MEIG(k, static_cast<int>(m) + 1));
+  });
+  return largest(sum(product(A, T), TL, -1)) / static_cast<double>(s);
 }
 
 // How far a mode's vector turns between two steps: 1 - |cosine| of their angle.

@@ -1,15 +1,19 @@
-// Load flow values, and the long-line correction of lines of one conductor: long ones, and what of
-// them is shown. The pi file of a line is tested for the exact circuit.
-#include "modal/sequence.h"
-
+// Load flow values, sequences of cable cores, and the long-line correction of lines of one
+// conductor. The pi file of a line is tested for the exact circuit.
+#include "cable/four_wire.h"
+#include "modal/core_sequence.h"
 #include "modal/long_line.h"
+#include "modal/report_modes.h"
+#include "modal/sequence.h"
 #include "store/rundata.h"
 #include "store/solvedata.h"
+#include "support/cable_systems.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
 
 using namespace lcp;
+using namespace lcp::test;
 
 namespace {
 
@@ -23,15 +27,42 @@ void balanced(LineMatrix& M, Complex self, Complex mutual, Complex between) {
   }
 }
 
-LoadFlowData dataOf(int conductors, double length, double VBASE, double MVABASE, bool corrected) {
-  RUNDATA.resetInput();
-  RUNDATA.line.NC = conductors;
-  RUNDATA.run.LINELEN = length;
-  RUNDATA.display.VBASEDISP = VBASE;
-  RUNDATA.display.MVABASEDISP = MVABASE;
-  LoadFlowData data;
-  formLoadFlowData(data, Y, Z, Y, Z, corrected);
-  return data;
+constexpr double F = 50.0; // Hz
+
+void layCables(int n, bool piped) {
+  RUNDATA = {};
+  RUNDATA.run.ISCABLE = CABLESYSTEM;
+  RUNDATA.run.LINELEN = 1000;
+  CableTable& T = RUNDATA.cable;
+  T.NCABLE = n;
+  if (piped) T.pipe = {1, -3, 1.5, n, 1, 0, 0.4, 0.41, 0.42, 2e-7, 200, 2.5, 1, 0, 2.5, 1};
+  T.NPIPE = piped;
+  for (int c = 1; c <= n; ++c) {
+    setSingleCore(c, 0.3 * c + (c > 3 ? 2.0 : 0.0), 1.0);
+    if (!piped) continue;
+    Cable& C = T.CB[c];
+    C.CBPIPE = 1;
+    C.CBX = (C.CBPR = 0.22) * std::cos(C.CBPTH = 1.9 * c);
+    C.CBY = C.CBPR * std::sin(C.CBPTH);
+  }
+}
+
+void ground(int pipe, int even, int odd) {
+  RUNDATA.cable.pipe.PIPEGND = pipe;
+  for (int c = 1; c <= 6; ++c) RUNDATA.cable.CB[c].CBGLAST = c % 2 == 0 ? even : odd;
+}
+
+// Element (i, j) of a matrix of circuits that are transposed by themselves and against each other.
+Wide transposed(const Dense& M, std::size_t i, std::size_t j) {
+  if (M.size() == 2) return M[i][j];
+  Wide sum, count;
+  for (std::size_t k = 0; k < 9; ++k) {
+    const std::size_t row = i / 3 * 3 + k / 3, column = j / 3 * 3 + k % 3;
+    const bool counts = i / 3 != j / 3 || (row == column) == (i == j);
+    sum += counts ? M[row][column] : 0;
+    count += counts ? 1 : 0;
+  }
+  return sum / count;
 }
 
 } // namespace
@@ -39,7 +70,13 @@ LoadFlowData dataOf(int conductors, double length, double VBASE, double MVABASE,
 TEST(Sequence, LoadFlowBlocksOfADoubleCircuit) {
   balanced(Z, {3, 30}, {1, 10}, {0.5, 5});
   balanced(Y, {0, 3e-3}, {0, -5e-4}, {0, -1e-4});
-  const LoadFlowData data = dataOf(6, 2, 100, 50, true);
+  RUNDATA.resetInput();
+  RUNDATA.line.NC = 6;
+  RUNDATA.run.LINELEN = 2;
+  RUNDATA.display.VBASEDISP = 100;
+  RUNDATA.display.MVABASEDISP = 50;
+  LoadFlowData data;
+  formLoadFlowData(data, Y, Z, Y, Z, true);
   ASSERT_EQ(data.count, 10);
   EXPECT_TRUE(data.perUnit);
   const double KZ = 50.0 / 1e4;
@@ -52,20 +89,6 @@ TEST(Sequence, LoadFlowBlocksOfADoubleCircuit) {
   EXPECT_NEAR(data.blocks[9].values.B, 6e-4 / KZ, 1e-12); // a mutual susceptance by magnitude
   EXPECT_EQ(data.circuits, 2);
   EXPECT_NEAR(data.simulator[1].X, 40, 1e-12); // the simulator is told ohms
-}
-
-TEST(Sequence, ABipoleHasAMetallicAndAGroundMode) {
-  balanced(Z, {3, 30}, {1, 10}, {});
-  balanced(Y, {0, -3e-3}, {}, {});                       // not a line: no surge impedance
-  const LoadFlowData data = dataOf(2, 1, 0, 100, false); // one base alone is none
-  ASSERT_EQ(data.count, 2);
-  EXPECT_FALSE(data.perUnit);
-  EXPECT_EQ(RUNDATA.display.MVABASEDISP, 1.0);
-  EXPECT_NEAR(data.blocks[0].values.X, 20, 1e-12);
-  EXPECT_NEAR(data.blocks[1].values.X, 40, 1e-12);
-  EXPECT_TRUE(data.blocks[1].parted);
-  EXPECT_EQ(data.blocks[1].values.Zc, 0.0);
-  EXPECT_EQ(data.circuits, 0);
 }
 
 TEST(LongLine, CorrectsEachLineByItselfAndShowsPositiveParts) {
@@ -94,5 +117,46 @@ TEST(LongLine, CorrectsEachLineByItselfAndShowsPositiveParts) {
     if (c.length < 1e9) {
       EXPECT_LT(std::abs(ZLC(1, 1) / c.z - 1.0 - u2 / 6.0), 0.01 * std::norm(u2) + 1e-9);
     }
+  }
+}
+
+TEST(CoreSequence, CircuitsAreGroundedAndTransposedAndTheSystemComesBack) {
+  for (const auto& [n, piped] : {std::pair{2, false}, {3, false}, {3, true}, {6, false}}) {
+    layCables(n, piped);
+    ground(1, 2, 2);
+    const LineResult plain = solveCables(F);
+    ASSERT_EQ(plain.n, n);
+    ground(0, 0, 1);
+    const LineResult system = solveCables(F);
+    ASSERT_GT(system.n, n);
+    ASSERT_TRUE(hasCoreSequences());
+    const Grounding saved = groundSheaths(F);
+    for (const auto& [M, all] :
+         {std::pair{&SOLVEDATA.first.ZMAT, &plain.Z}, {&SOLVEDATA.first.YMAT, &plain.Y}}) {
+      const Dense expected =
+          formed(all->size(), [&](std::size_t i, std::size_t j) { return transposed(*all, i, j); });
+      EXPECT_LT(distance(corner(*M, n), expected), 1e-13) << n << piped;
+    }
+    restoreSheaths(saved, F);
+    EXPECT_EQ(RUNDATA.line.NC, system.n);
+    EXPECT_EQ(distance(corner(SOLVEDATA.first.ZMAT, system.n), system.Z), 0);
+  }
+  RUNDATA.cable.ANYOVHD = true;
+  EXPECT_FALSE(hasCoreSequences());
+  layCables(4, false);
+  EXPECT_FALSE(hasCoreSequences());
+}
+
+TEST(ReportModes, EqualModesOfAFourWireCableAreParted) {
+  RUNDATA = {};
+  RUNDATA.run.ISCABLE = FOURWIRECABLE;
+  RUNDATA.run.LINELEN = 1000;
+  RUNDATA.cable.fourWire = {95, 1.1e-3, 2e-4, 2e-3, 1.7241e-8, 2.4, 3.3, 6.0};
+  solveWith(FWZY, RUNDATA.display.DISPFREQ);
+  formReportModes();
+  for (const LineMatrix* M : {&SOLVEDATA.second.ZM, &SOLVEDATA.second.YM}) {
+    const Dense A = corner(*M, 4);
+    for (std::size_t e = 0; e < 16; ++e)
+      EXPECT_LT(std::abs(A[e / 4][e % 4]), e % 5 == 0 ? 1 : 1e-9 * largest(A)) << e;
   }
 }

@@ -1,19 +1,14 @@
-// Component files against texts composed by hand, and read back as a circuit.
+// Component files against texts composed by hand; whole runs hold those of lines.
 #include "output/pi_component.h"
 
 #include "base/constants.h"
-#include "modal/line_constants.h"
-#include "store/rundata.h"
 #include "store/solvedata.h"
+
+#include "store/rundata.h"
 #include "support/child.h"
-#include "support/dense_functions.h"
 #include "support/scratch.h"
-#include "support/solve.h"
-#include "support/whole_run.h"
 
 #include <gtest/gtest.h>
-#include <map>
-#include <sstream>
 
 using namespace lcp;
 using namespace lcp::test;
@@ -40,31 +35,6 @@ std::string component(int n, const std::string& name) {
 
 bool has(const std::string& text, const std::string& line) {
   return text.find("\n" + line + "\n") != std::string::npos;
-}
-
-// Per metre, of the circuit in the text: shunt admittance of the ends S and R, series impedance.
-std::map<char, Dense> readCircuit(const std::string& text, std::size_t n, double w) {
-  const Dense zero(n, std::vector<Wide>(n));
-  std::map<char, Dense> c{{'S', zero}, {'R', zero}, {'Z', zero}};
-  std::map<std::string, double> value;
-  for (const std::string& line : splitLines(text)) {
-    std::istringstream stream(line);
-    const std::vector<std::string> word(std::istream_iterator<std::string>(stream), {});
-    if (line.starts_with("REAL")) value["$" + word[1]] = std::stod(word[3]);
-    if (line[0] != '$' || line.back() == '"') continue;
-    const std::size_t i = std::stoul(word[0].substr(2)); // behind $S, $R
-    const std::size_t j = word[1] == "$G" ? 0 : std::stoul(word[1].substr(2));
-    if (line.back() != '/') {
-      join(c[line[1]], i, j,
-           word[2] == "0" ? Wide(0, 1e-6 * w * value.at(word[4])) : 1 / value.at(word[2]));
-      continue;
-    }
-    for (std::size_t k = 0; k < i; ++k) {
-      const Wide z(value.at(word[2 + 2 * k]), w * value.at(word[3 + 2 * k]));
-      c['Z'][i - 1][k] = c['Z'][k][i - 1] = z;
-    }
-  }
-  return c;
 }
 
 } // namespace
@@ -104,24 +74,4 @@ TEST(PiComponent, CablesThatDoNotCoupleAndManyConductors) {
   }
   EXPECT_FALSE(has(text, "$S1  $S2    0  0  $C_12"));
   EXPECT_TRUE(has(component(2, "c"), "$S1  $S2    0  0  $C_12"));
-}
-
-TEST(PiComponent, TheCircuitIsThatOfTheLine) {
-  const std::string display = "Line Summary\n{\nLine Name: L\nSteady State Frequency: 50\n}\n"
-                              "Output File Display Options\n{\nCreate PI-Section: 1\n"
-                              "Frequency for Calculation: 70\n"
-                              "Parallel R Limit: 1e15\n}\n";
-  for (const std::string& body : {singleCircuit(""), doubleCircuit(""), manyCircuits(13, "")}) {
-    const std::string all = body + display + bergeronModel();
-    solveFirstLoop(all);
-    constantsAt(50);
-    const auto n = static_cast<std::size_t>(RUNDATA.line.NC);
-    auto c = readCircuit(runLine(all, "1e5").files.at("L.cmp"), n, TWOPI * 50);
-    const Dense y = corner(SOLVEDATA.first.YMAT, RUNDATA.line.NC);
-    const double digits = 7.1e-9; // both parts may be half a unit of the ninth digit off
-    EXPECT_LT(distance(times(2, c['S']), y), digits);
-    EXPECT_LT(distance(times(2, c['R']), y), digits);
-    EXPECT_LT(distance(c['Z'], corner(SOLVEDATA.first.ZMAT, RUNDATA.line.NC)), digits);
-    EXPECT_NEAR(static_cast<double>((c['S'][0][0] - y[0][0] / 2.0L).real()), 0, 1e-20);
-  }
 }

@@ -100,47 +100,6 @@ TEST(OverheadZY, ReductionJoinsBundlesGroundsWiresAndTakesMeans) {
   EXPECT_GT(transposed, 20);
 }
 
-// Behind wires that are eliminated, as in a table that was not ordered, a row is that of the line
-// without all conductors behind it, and its column the same over the element of the diagonal.
-TEST(OverheadZY, UnorderedTablesShowTheStepsOfTheirElimination) {
-  const double f = 60.0;
-  RUNDATA = {};
-  for (int i = 1; i <= 5; ++i) setConductor(i, 7.0 * i, 12.0 + i % 2, 0.014, 7e-5);
-  RUNDATA.cond.NCOND = 5;
-  RUNDATA.line.NC = 4;
-  RUNDATA.cond.CMAP[2] = MAPELIMINATED;
-  const Dense admittance = inverse(solveUnreduced(f).Z);
-  const LineResult r = solveLine(f);
-  for (std::size_t q = 1; q < 4; ++q) {
-    const Dense Z = inverse(block(admittance, 0, 0, q + 1));
-    for (std::size_t i = 0; i <= q; ++i) {
-      const Wide over = i == q ? 1 : Wide(0, TWOPI * f * L0) / Z[q][q];
-      EXPECT_LT(std::abs(r.Z[q][i] - Z[q][i]), 1e-12L * std::abs(Z[q][q])) << q << i;
-      EXPECT_LT(std::abs(r.Z[i][q] - over * Z[i][q]), 1e-12L * std::abs(over * Z[q][q])) << q << i;
-    }
-  }
-}
-
-TEST(OverheadZY, SolvesRepeatAndConductanceActsAtOnceAndGeometryAtTheNextSolve) {
-  makeLine(77, {.mostKept = 20});
-  ConductorTable& C = RUNDATA.cond;
-  for (int i = 1; i <= RUNDATA.line.NC; ++i) C.CTRANSP[i] = C.CCIRC[i] % 2 == 0;
-  C.CSHUNT.fill(0);
-  const LineResult before = solveLine(60.0), again = solveLine(60.0, false);
-  EXPECT_TRUE(again.Z == before.Z && again.Y == before.Y && again.P == before.P);
-  EXPECT_EQ(solveLine(60.0).Z, before.Z); // from the circuits as read
-  C.CSHUNT[1] = 2e-9;
-  const LineResult after = solveLine(60.0, false);
-  EXPECT_LT(std::abs(after.Y[0][0] - before.Y[0][0] - 2e-9L), 1e-24L);
-  const double w = TWOPI * 60.0;
-  const Wide change = before.Z[0][0] * Wide(-2e-9 / (w * C0 * w * L0));
-  EXPECT_LT(std::abs(after.P[0][0] - before.P[0][0] - change), 1e-12L * std::abs(change));
-  C.CSHUNT[1] = 0;
-  C.CX[1] += 1.0;
-  EXPECT_EQ(solveLine(60.0, false).Y, before.Y);
-  EXPECT_GT(distance(solveLine(60.0).Y, before.Y), 1e-4);
-}
-
 // Textbook sequence values of a transposed circuit at 60 Hz: positive sequence capacitance from the
 // mean distances of wires and images, inductance from those of the wires and the radius that holds
 // the internal field, zero sequence from the first two terms of Carson's series: depth of return

@@ -144,34 +144,4 @@ TEST(ViolationScan, PeaksAreInnerMaximaOrTheFirstLargestValue) {
     EXPECT_EQ(list(ENFORCE.VPOINT.frequency.data(), ENFORCE.VPOINT.count), c.frequencies)
         << ::testing::PrintToString(c.V);
   }
-  Reals comb(500);
-  for (std::size_t i = 0; i < comb.size(); i += 2) comb[i] = 1 + static_cast<double>(i);
-  setViolations(comb);
-  EXPECT_EQ(ENFORCE.VPOINT.count, 100);
-  EXPECT_EQ(ENFORCE.VPOINT.frequency[100], 201);
-  EXPECT_EQ(ENFORCE.VPOINT.value[100], 201);
-}
-
-TEST(ViolationScan, ConstraintFrequenciesKeepTheirDistance) {
-  ENFORCE.NCFREQ = 0;
-  const auto listed = [](int n, double first, double factor) {
-    ENFORCE.VPOINT.count = n;
-    for (int i = 1; i <= n; ++i) ENFORCE.VPOINT.frequency[i] = first * std::pow(factor, i - 1);
-    PASSLIST();
-    return list(ENFORCE.CFREQ.data(), ENFORCE.NCFREQ);
-  };
-  EXPECT_EQ(listed(0, 0, 0), Reals());
-  EXPECT_EQ(listed(3, 100, 1.09), (Reals{100 * std::pow(1.09, 2), 100})); // the higher of two
-  EXPECT_EQ(listed(2, 125, 10), (Reals{1250, 125, 100})); // thins out an old one, stays itself
-  EXPECT_EQ(listed(100, 1e4, 1.2)[0], 1e4 * std::pow(1.2, 96)); // full after 97 of them
-  PASSLIST();
-  EXPECT_EQ(ENFORCE.NCFREQ, 100);
-  EXPECT_EQ(ENFORCE.VPOINT.count, 100); // violations stay violations
-}
-
-TEST(ViolationScan, SingularMatricesEndTheRun) {
-  static LineMatrix A;
-  const ChildResult r = runChild([] { ZINVERSE(A, A, 2); });
-  EXPECT_EQ(r.status, 1);
-  EXPECT_NE(r.console.find("\nMatrix is numerically singular!\n"), std::string::npos);
 }

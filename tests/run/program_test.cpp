@@ -1,4 +1,4 @@
-// The program as its user starts it: steps of the length, bad bytes, files that cannot be written.
+// The program as its user starts it: steps of the length, files that cannot be written.
 #include "support/compare_text.h"
 #include "support/description.h"
 #include "support/scratch.h"
@@ -11,11 +11,6 @@
 using namespace lcp::test;
 
 namespace {
-
-ProgramRun runIn(const Scratch& scratch, const std::string& text) {
-  scratch.file("a.cvi", text);
-  return runProgram({"/file", "a.cvi", "/length", "1e5"}, scratch.path());
-}
 
 // "o"ld, "n"ew, "e"mpty, "/" a directory, "|" a pipe, "-" not there.
 char stateOf(const std::filesystem::path& file) {
@@ -54,25 +49,6 @@ TEST(Program, LengthStepsAreRunsOfTheirOwn) {
     }
     if (component.empty()) component = steps.files.at("x.cmp");
     EXPECT_EQ(component, steps.files.at("x.cmp"));
-  }
-}
-
-TEST(Program, TellsOfBytesThatAreNoText) {
-  const std::pair<std::string, std::string> cases[] = {
-      {{"CORVO-INPUT-DATA\n\0\0 x\n", 22},
-       "no section describes a tower, a cable, the ground or data entered by hand"},
-      {{"\xff\xfe"
-        "C\0O\0R\0V\0O\0",
-        12},
-       "the file is no plain text; save it as ASCII or UTF-8, not UTF-16"},
-      {"CORVO-INPUT-DATA\rManual Data Entry\r{\r}\r",
-       "its lines must end with a line feed, not a carriage return alone"},
-  };
-  for (const auto& [text, told] : cases) {
-    const ProgramRun run = runIn(Scratch(), text);
-    EXPECT_TRUE(run.console.ends_with("Unknown Data Entry Format: -10\n")) << run.console;
-    EXPECT_EQ(run.errors, "corvo: a.cvi: " + told + "\n");
-    EXPECT_EQ(run.status, 1);
   }
 }
 
@@ -116,8 +92,8 @@ TEST(Program, EarlyEndsLeaveFilesInOrder) {
       if (c.left[i] == '|') mkfifo(file.c_str(), 0600); // nobody waits for its reader
       if (!std::filesystem::exists(file)) writeContent(file, "old");
     }
-    const ProgramRun run =
-        runIn(scratch, description("Line Summary\n{\nLine Name: x\n}\n" + c.body));
+    scratch.file("a.cvi", description("Line Summary\n{\nLine Name: x\n}\n" + c.body));
+    const ProgramRun run = runProgram({"/file", "a.cvi", "/length", "1e5"}, scratch.path());
     EXPECT_NE(run.console.find(c.console), std::string::npos) << run.console;
     EXPECT_EQ(run.status, c.status) << c.console;
     std::string left;

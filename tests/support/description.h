@@ -21,8 +21,7 @@ std::string threePhaseTower(std::string_view circuitLines = "", std::string_view
 // A summary that goes with so many conductors.
 std::string summary(int conductors);
 
-// Reads a description with READTLDATA in a child that it may end, and here: a description that is
-// refused fails the test that reads it, and no other.
+// Reads a description with READTLDATA, here or in a child that it may end.
 ChildResult readInChild(const std::string& text, int iscable = 0);
 void readHere(const std::string& text, int iscable = 0);
 

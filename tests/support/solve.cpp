@@ -68,22 +68,6 @@ std::string manualLineOf(int n, const std::string& keys, const std::string& mode
   return summary(n) + "Manual Data Entry\n{\n" + keys + "}\n" + model;
 }
 
-std::string yzTableOf(int last) {
-  const int n = RUNDATA.line.NC;
-  const FrequencyStore& A = SOLVEDATA.at;
-  std::string text = fmt::format("Y and Z\n{}\n{}\n", last, n);
-  for (int k = 1; k <= last; ++k) {
-    text += fmt::format("{}\n", SOLVEDATA.grid.FREQ[k]);
-    for (int j = 1; j <= n; ++j) {
-      for (int i = 1; i <= n; ++i) {
-        for (const Complex& x : {A.ZSTORE(k, j, i), A.YSTORE(k, j, i)})
-          text += fmt::format("{}\n{}\n", x.real(), x.imag());
-      }
-    }
-  }
-  return text;
-}
-
 std::string phaseModel(const std::string& keys) {
   return "Frequency Dep. (Phase) Model Options\n{\n" + keys + "}\n";
 }

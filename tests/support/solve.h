@@ -1,6 +1,10 @@
 // Solves of described lines, in stages, without the program around them.
 #pragma once
 
+#include "store/rundata.h"
+#include "store/solvedata.h"
+#include "support/dense_functions.h"
+
 #include <string>
 
 namespace lcp::test {
@@ -15,8 +19,6 @@ std::string manyCircuits(int n, const std::string& model); // n wires in circuit
 // A line of n conductors with entered data.
 std::string manualLineOf(int n, const std::string& keys, const std::string& model);
 
-// The rows 1 to last of a solved line as a multiple Y and Z file.
-std::string yzTableOf(int last);
 
 std::string phaseModel(const std::string& keys = ""); // frequency dependent (phase)
 std::string modeModel(const std::string& keys = "");  // ... (mode), all samples of one weight
@@ -27,5 +29,12 @@ inline const std::string EVENWEIGHTS =
 // Reads the description, lays the grid and runs the loops.
 void solveFirstLoop(const std::string& body, double length = 1e5);
 void solveBothLoops(const std::string& body, double length = 1e5);
+
+// One step of a curve store.
+template <class Store> Dense stepOf(const Store& store, int k) {
+  static LineMatrix M;
+  store.load(k, M, RUNDATA.line.NC);
+  return corner(M, RUNDATA.line.NC);
+}
 
 } // namespace lcp::test
