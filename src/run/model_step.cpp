@@ -15,6 +15,7 @@
 #include "output/output_file.h"
 #include "output/phase_model_file.h"
 #include "passivity/enforcement.h"
+#include "passivity/improved_enforcement.h"
 #include "passivity/passivity_check.h"
 #include "store/rundata.h"
 
@@ -37,8 +38,10 @@ void modeModel(TextFile& file) {
 
 void phaseModel(TextFile& file) {
   const PassivityOptions& P = RUNDATA.passivity;
+  const bool improved = RUNDATA.numerics.IMPROVEDPASSIVITY;
   FITDRIVE();
-  if (P.PITERSET) enforcePassivity();
+  if (P.PITERSET && improved) improvedEnforcement();
+  if (P.PITERSET && !improved) enforcePassivity();
   writePhaseFitCurves();
   CHECKDELAYS();
   writePhaseModel(file);
