@@ -23,7 +23,7 @@ namespace {
 
 constexpr double NOSTEP = std::numeric_limits<double>::infinity();
 constexpr double DEPENDENT = 1e-12; // h over M_pp of a constraint that depends on the active ones
-constexpr double MET = 1e-11;       // of the farthest bound from the origin: a bound that is met
+constexpr double MET = 1e-11;       // distance, of the length of y, from a constraint that is met
 constexpr int PASSESPERROW = 50;    // against rounding that goes round in a circle
 
 using Reals = std::vector<double>;
@@ -147,8 +147,16 @@ double distance(const Search& S, int i) {
   return length > 0 ? missing(S, i) / std::sqrt(length) : missing(S, i);
 }
 
+// y^T y: the active constraints are met.
+double lengthOf(const Search& S) {
+  double square = 0;
+  for (const int i : S.active.rows) square += S.active.u[at(i)] * S.P.b[at(i)];
+  return std::sqrt(std::max(square, 0.0));
+}
+
 // The open bound that is farthest from being met; -1 when all are met.
-int farthest(const Search& S, double met) {
+int farthest(const Search& S) {
+  double met = MET * lengthOf(S);
   int found = -1;
   for (int i = S.P.equalities; i < S.P.n; ++i) {
     if (S.closed[at(i)] != 0) continue;
@@ -165,8 +173,6 @@ int farthest(const Search& S, double met) {
 LeastVector leastVector(const LeastVectorProgram& P) {
   Search S{P, {}, std::vector<char>(at(P.n)), {}, {}};
   S.active.u.assign(at(P.n), 0);
-  double largest = 0;
-  for (int i = 0; i < P.n; ++i) largest = std::max(largest, std::fabs(distance(S, i)));
   int contradicted = 0;
   const auto tryRow = [&](int p) {
     const ActiveSet before = S.active;
@@ -175,11 +181,11 @@ LeastVector leastVector(const LeastVectorProgram& P) {
     S.active = before;
     for (const int i : S.active.rows) S.closed[at(i)] = 1;
     S.closed[at(p)] = 1;
-    if (std::fabs(distance(S, p)) > MET * largest) ++contradicted;
+    if (std::fabs(distance(S, p)) > MET * lengthOf(S)) ++contradicted;
   };
   for (int i = 0; i < P.equalities; ++i) tryRow(i);
   for (int pass = 0; pass < PASSESPERROW * P.n; ++pass) {
-    const int p = farthest(S, MET * largest);
+    const int p = farthest(S);
     if (p < 0) break;
     tryRow(p);
   }

@@ -47,11 +47,14 @@ constexpr double MOSTMARGIN = 1e-3;
 constexpr double SMALLH = 0.1;   // H below it is weighed as if it were as large
 constexpr double BELOWBAND = 10; // a decade below the band H counts too
 constexpr int POINTSBELOW = 15;
+constexpr int PATIENCE = 4;
+constexpr int MOSTIDLE = 4;
 
 struct Cut {
   double f; // Hz
   Half half;
   Complexes x;
+  int idle = 0; // programs in a row that it did not hold
 };
 
 struct YcTerms {
@@ -66,7 +69,7 @@ struct Course {
   TiedBasis ofH, ofYc;
   bool freeYc = false;
   double margin = MARGIN;
-  std::vector<Cut> cuts;
+  std::vector<Cut> cuts;   // of minima, all iterations
   std::vector<RankOneRow> rowsH, rowsYc;
   LeastVectorProgram program;
 };
@@ -162,13 +165,14 @@ Complex product(const Complexes& a, const Complexes& b) { // a^H b
 
 double length(const Complexes& a) { return std::sqrt(product(a, a).real()); }
 
-// The negative vectors of A Yc B^H + B Yc^H A^H at a minimum.
-void addCuts(Course& C, const NegativeMinimum& m) {
+// The vectors of A Yc B^H + B Yc^H A^H at a frequency whose eigenvalues are below so much of the
+// size of its terms; the first one always.
+void addCuts(std::vector<Cut>& cuts, double f, Half half, double below) {
   static Condition K;
   static LineMatrix M;
   static ModeReals W;
   const int n = ENFORCE.NC;
-  formCondition(K, m.f, m.half);
+  formCondition(K, f, half);
   for (int c = 1; c <= n; ++c) {
     Complexes unit(at(n));
     unit[at(c - 1)] = 1;
@@ -178,9 +182,12 @@ void addCuts(Course& C, const NegativeMinimum& m) {
   }
   ZHEEVECTORS(M, W.data(), n);
   for (int j = 1; j <= n; ++j) {
-    if (j > 1 && !(W[j] < 0)) break;
     const Complex* v = M.view().column(j);
-    C.cuts.push_back({m.f, m.half, Complexes(v, v + n)});
+    const Complexes x(v, v + n);
+    const double size = 2 * length(adjointTimes(K.A, x)) * largestElement(K.Yc) *
+                        length(adjointTimes(K.B, x));
+    if (j > 1 && !(W[j] < below * size)) continue;
+    cuts.push_back({f, half, x, 0});
   }
 }
 
@@ -188,7 +195,7 @@ void addDeepestCuts(Course& C, std::vector<NegativeMinimum> minima) {
   std::stable_sort(minima.begin(), minima.end(),
                    [](const auto& a, const auto& b) { return a.value < b.value; });
   if (minima.size() > NEWCUTS) minima.resize(NEWCUTS);
-  for (const NegativeMinimum& m : minima) addCuts(C, m);
+  for (const NegativeMinimum& m : minima) addCuts(C.cuts, m.f, m.half, 0);
 }
 
 Complexes conjugated(Complexes a) {
@@ -266,12 +273,43 @@ void addFixedValues(Course& C) {
   C.program.b.assign(C.rowsH.size(), 0);
 }
 
-void formProgram(Course& C) {
+// The rows that held the last solution stay as they were: g is concave in H, so what is cut off by a
+// linearisation around any model is cut off for good, and the programs do not go round in a circle.
+void keepActiveRows(Course& C, const std::vector<double>& u) {
+  std::size_t kept = 0;
+  for (std::size_t i = 0; i < u.size(); ++i) {
+    const bool fixed = static_cast<int>(i) < C.program.equalities;
+    if (!fixed && !(u[i] > 0)) continue;
+    C.rowsH[kept] = C.rowsH[i];
+    C.rowsYc[kept] = C.rowsYc[i];
+    C.program.b[kept++] = C.program.b[i];
+  }
+  C.rowsH.resize(kept);
+  C.rowsYc.resize(kept);
+  C.program.b.resize(kept);
+}
+
+// Cuts that have held nothing for some programs go; a later scan finds them again if they matter.
+void dropIdleCuts(Course& C, const std::vector<double>& u) {
+  const std::size_t first = u.size() - C.cuts.size();
+  std::size_t kept = 0;
+  for (std::size_t i = 0; i < C.cuts.size(); ++i) {
+    Cut& cut = C.cuts[i];
+    cut.idle = u[first + i] > 0 ? 0 : cut.idle + 1;
+    if (cut.idle <= MOSTIDLE) std::swap(C.cuts[kept++], cut);
+  }
+  C.cuts.resize(kept);
+}
+
+void startRows(Course& C) {
   C.rowsH.clear();
   C.rowsYc.clear();
   C.program.b.clear();
   if (RUNDATA.fit.DCCORR > 0) addFixedValues(C);
   C.program.equalities = static_cast<int>(C.program.b.size());
+}
+
+void formProgram(Course& C) {
   for (const Cut& cut : C.cuts) addRow(C, cut);
   const std::size_t n = C.program.b.size();
   C.program.n = static_cast<int>(n);
@@ -324,19 +362,46 @@ void printScan(int n, const Spectrum& scan, const std::vector<NegativeMinimum>& 
                  pointedField(worst.f, 14, 7));
 }
 
-// Iterations with the terms that are free; true when the model is passive.
+// The model as it stands: a rough scan, and a full one when that finds nothing.
+Spectrum scanModel() {
+  Spectrum scan = scanSpectrum(ENFORCE.FRES, spectrumRange(), Scan::Rough);
+  if (!negativeMinima(scan).empty()) return scan;
+  return scanSpectrum(ENFORCE.FRES, spectrumRange(), Scan::Full);
+}
+
+// How far the model is from passive: the worst negative eigenvalue over the largest there.
+double depthOf(const std::vector<NegativeMinimum>& minima) {
+  double depth = 0;
+  for (const NegativeMinimum& m : minima) depth = std::max(depth, -m.value / m.size);
+  return depth;
+}
+
+// Iterations with the terms that are free, until the model is passive, so many are done or several
+// in a row bring nothing; true when it is passive.
 bool iterate(Course& C, int& n, int most) {
+  double best = 0;
+  int since = 0;
+  startRows(C);
   for (int i = 0; i <= most; ++i) {
-    const Spectrum scan = scanSpectrum(ENFORCE.FRES, spectrumRange());
+    const Spectrum scan = scanModel();
     const std::vector<NegativeMinimum> minima = negativeMinima(scan);
     printScan(n++, scan, minima);
     if (minima.empty()) return scan.resolved;
-    if (i == most) break;
+    const double depth = depthOf(minima);
+    ++since;
+    if (i == 0 || depth < best) {
+      best = depth;
+      since = 0;
+    }
+    if (i == most || (since > PATIENCE && !C.freeYc)) break;
     addDeepestCuts(C, minima);
     formProgram(C);
     const LeastVector found = leastVector(C.program);
+    if (found.contradicted > 0 && !C.freeYc) break;
     applyToH(C, found.multiplier);
     if (C.freeYc) applyToYc(C, found.multiplier);
+    dropIdleCuts(C, found.multiplier);
+    keepActiveRows(C, found.multiplier);
     C.margin = std::min(C.margin * MARGINGROWTH, MOSTMARGIN);
   }
   return false;

@@ -32,6 +32,7 @@ constexpr double STRAIGHT = 0.02;    // bend over the values that resolves a neg
 constexpr double NARROW = 1e-9;      // ratio of two frequencies, less 1, that counts as resolved
 constexpr double WORK = 1e8;         // points times the cube of the order that a scan may cost
 constexpr double LEASTPOINTS = 10000;
+constexpr double ROUGH = 0.1; // points of a rough scan over those of a full one
 constexpr double HALFSHARE = 0.5; // of the smallest eigenvalue of Yc that the waves may reach
 
 double frobenius(CConstView A, int n) {
@@ -140,9 +141,10 @@ bool isUnresolved(const SpectrumPoint& a, const SpectrumPoint& middle, const Spe
   return isUnresolved(a, middle, b, AGAINST) || isUnresolved(a, middle, b, ALIKE);
 }
 
-std::size_t mostPoints() {
+std::size_t mostPoints(Scan how) {
   const double n = ENFORCE.NC;
-  return static_cast<std::size_t>(std::max(LEASTPOINTS, WORK / (n * n * n + 100)));
+  const double full = std::max(LEASTPOINTS, WORK / (n * n * n + 100));
+  return static_cast<std::size_t>(how == Scan::Full ? full : full * ROUGH);
 }
 
 } // namespace
@@ -158,7 +160,8 @@ SpectrumRange spectrumRange() {
 
 SpectrumPoint spectrumAt(const ResidueList& RES, double f) { return sample(RES, f).point; }
 
-Spectrum scanSpectrum(const ResidueList& RES, SpectrumRange range) {
+Spectrum scanSpectrum(const ResidueList& RES, SpectrumRange range, Scan how) {
+  const std::size_t most = mostPoints(how);
   Spectrum scan;
   std::vector<Sampled> ahead = layGrid(RES, range);
   std::reverse(ahead.begin(), ahead.end());
@@ -170,8 +173,8 @@ Spectrum scanSpectrum(const ResidueList& RES, SpectrumRange range) {
     const Sampled right = ahead.back();
     const double a = left.point.f, b = right.point.f;
     const bool wide = b - a > NARROW * b && a + b > NARROW * range.low;
-    if (wide && taken >= mostPoints()) scan.resolved = false;
-    if (wide && !(left.settled && right.settled) && taken < mostPoints()) {
+    if (wide && taken >= most) scan.resolved = false;
+    if (wide && !(left.settled && right.settled) && taken < most) {
       const Sampled middle = sample(RES, a == 0 ? 0.5 * b : std::sqrt(a * b));
       ++taken;
       if (isUnresolved(left.point, middle.point, right.point)) {
@@ -203,7 +206,7 @@ std::vector<NegativeMinimum> negativeMinima(const Spectrum& spectrum) {
                         !(k + 1 < points.size() && value(k + 1) <= value(k));
       if (!deep && points[k].f < 1.25 * last) continue;
       last = points[k].f;
-      found.push_back({points[k].f, half, value(k)});
+      found.push_back({points[k].f, half, value(k), points[k].size});
     }
   }
   return found;

@@ -38,7 +38,9 @@ struct SpectrumRange {
 
 // Samples zero and a grid that follows the travelling waves, and bisects every stretch that could
 // hide a negative eigenvalue until what lies between its points is resolved.
-[[nodiscard]] Spectrum scanSpectrum(const ResidueList& RES, SpectrumRange range);
+// A rough scan may take a tenth of the points of a full one.
+enum class Scan { Rough, Full };
+[[nodiscard]] Spectrum scanSpectrum(const ResidueList& RES, SpectrumRange range, Scan how);
 
 // Whether an eigenvalue of this half is negative beyond the rounding of its matrix, or no number.
 [[nodiscard]] bool isNegative(const SpectrumPoint& p, Half half);
@@ -48,6 +50,7 @@ struct NegativeMinimum {
   double f; // Hz
   Half half;
   double value; // S
+  double size;  // largest magnitude of an eigenvalue there, S
 };
 
 [[nodiscard]] std::vector<NegativeMinimum> negativeMinima(const Spectrum& spectrum);
