@@ -32,7 +32,8 @@ constexpr double STRAIGHT = 0.02;    // bend over the values that resolves a neg
 constexpr double NARROW = 1e-9;      // ratio of two frequencies, less 1, that counts as resolved
 constexpr double WORK = 1e8;         // points times the cube of the order that a scan may cost
 constexpr double LEASTPOINTS = 10000;
-constexpr double ROUGH = 0.1; // points of a rough scan over those of a full one
+constexpr double ROUGH = 0.1;     // points of a rough scan over those of a full one
+constexpr double APART = 1.25;    // ratio of points in a negative stretch that count as found
 constexpr double HALFSHARE = 0.5; // of the smallest eigenvalue of Yc that the waves may reach
 
 double frobenius(CConstView A, int n) {
@@ -68,7 +69,8 @@ void addHalf(SpectrumPoint& p, Half half, CConstView H, CConstView Yc, double si
   CMATMUL(ratio, under, over, n);
   CMATMUL(Y, ratio, Yc, n);
   hermitianSpectrum(Y, W.data(), n);
-  p.smallest[half] = regular ? W[1] : std::numeric_limits<double>::quiet_NaN();
+  p.smallest[half] =
+      regular && std::isfinite(W[1]) ? W[1] : -std::numeric_limits<double>::infinity();
   p.size = std::max({p.size, std::fabs(W[1]), std::fabs(W[n])});
 }
 
@@ -194,19 +196,26 @@ bool isNegative(const SpectrumPoint& p, Half half) {
   return !(p.smallest[half] >= -ROUNDING * p.size);
 }
 
-std::vector<NegativeMinimum> negativeMinima(const Spectrum& spectrum) {
-  std::vector<NegativeMinimum> found;
+namespace {
+
+bool isMinimum(const std::vector<SpectrumPoint>& points, std::size_t k, Half half) {
+  const double value = points[k].smallest[half];
+  const bool falls = k == 0 || points[k - 1].smallest[half] >= value;
+  return falls && (k + 1 == points.size() || points[k + 1].smallest[half] > value);
+}
+
+} // namespace
+
+std::vector<NegativePoint> negativePoints(const Spectrum& spectrum) {
+  std::vector<NegativePoint> found;
   const auto& points = spectrum.points;
   for (const Half half : {AGAINST, ALIKE}) {
-    const auto value = [&](std::size_t k) { return points[k].smallest[half]; };
-    double last = -1;
+    double last = 0;
     for (std::size_t k = 0; k < points.size(); ++k) {
-      if (!isNegative(points[k], half)) continue;
-      const bool deep = !(k > 0 && value(k - 1) < value(k)) &&
-                        !(k + 1 < points.size() && value(k + 1) <= value(k));
-      if (!deep && points[k].f < 1.25 * last) continue;
-      last = points[k].f;
-      found.push_back({points[k].f, half, value(k), points[k].size});
+      const SpectrumPoint& p = points[k];
+      if (!isNegative(p, half) || (p.f < APART * last && !isMinimum(points, k, half))) continue;
+      last = p.f;
+      found.push_back({p.f, half, p.smallest[half], p.size});
     }
   }
   return found;

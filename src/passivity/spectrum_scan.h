@@ -12,7 +12,7 @@ namespace lcp {
 enum Half { AGAINST, ALIKE, HALVES };
 
 // The spectrum at one frequency: smallest eigenvalue of each half and the largest magnitude of all,
-// S. NaN where the model has no finite admittance.
+// S; minus infinity where the model has no finite admittance.
 struct SpectrumPoint {
   double f; // Hz
   double smallest[HALVES];
@@ -42,18 +42,19 @@ struct SpectrumRange {
 enum class Scan { Rough, Full };
 [[nodiscard]] Spectrum scanSpectrum(const ResidueList& RES, SpectrumRange range, Scan how);
 
-// Whether an eigenvalue of this half is negative beyond the rounding of its matrix, or no number.
+// Whether an eigenvalue of this half is negative beyond the rounding of its matrix.
 [[nodiscard]] bool isNegative(const SpectrumPoint& p, Half half);
 
-// A minimum among neighbours where a half is negative.
-struct NegativeMinimum {
+// A point where a half is negative.
+struct NegativePoint {
   double f; // Hz
   Half half;
   double value; // S
   double size;  // largest magnitude of an eigenvalue there, S
 };
 
-[[nodiscard]] std::vector<NegativeMinimum> negativeMinima(const Spectrum& spectrum);
+// The minima among them, and points between them where a negative stretch is wide.
+[[nodiscard]] std::vector<NegativePoint> negativePoints(const Spectrum& spectrum);
 
 // A stretch of points with a negative eigenvalue of either half.
 struct NegativeBand {

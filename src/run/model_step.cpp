@@ -36,16 +36,25 @@ void modeModel(TextFile& file) {
   writeModeModel(file);
 }
 
+// Asked for, and by which method.
+void enforceAsAsked() {
+  if (RUNDATA.numerics.IMPROVEDPASSIVITY) return improvedEnforcement();
+  enforcePassivity();
+}
+
+void checkAsAsked() {
+  if (RUNDATA.numerics.IMPROVEDPASSIVITY) return improvedPassivityCheck();
+  PASSCHK();
+}
+
 void phaseModel(TextFile& file) {
   const PassivityOptions& P = RUNDATA.passivity;
-  const bool improved = RUNDATA.numerics.IMPROVEDPASSIVITY;
   FITDRIVE();
-  if (P.PITERSET && improved) improvedEnforcement();
-  if (P.PITERSET && !improved) enforcePassivity();
+  if (P.PITERSET) enforceAsAsked();
   writePhaseFitCurves();
   CHECKDELAYS();
   writePhaseModel(file);
-  if (P.PFLOSET && !P.PITERSET) PASSCHK();
+  if (P.PFLOSET && !P.PITERSET) checkAsAsked();
 }
 
 // What can end the run for its data does so before there is a file.
