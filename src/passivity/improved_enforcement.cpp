@@ -29,6 +29,11 @@ constexpr int PATIENCE = 4; // programs with H alone that may bring nothing
 
 enum class Result { Passive, Negative, Unresolved };
 
+struct Outcome {
+  Result result;
+  double changeOfYc; // per cent
+};
+
 void printScan(int n, const Spectrum& scan, const std::vector<NegativePoint>& points) {
   if (points.empty()) {
     console::print("    {:4}{:11}  none{}", n, 0, scan.resolved ? "" : ", not resolved");
@@ -86,20 +91,19 @@ void printHeading() {
   console::line("    before      points");
 }
 
-Result enforce() {
+Outcome enforce() {
   const int most = PROGRAMS * std::max(RUNDATA.passivity.PMAXIT, 0);
   const FrequencyGrid& G = SOLVEDATA.grid;
   int n = 0;
   LeastChange C = startLeastChange();
-  Result result = iterate(C, n, most);
-  if (result == Result::Negative && most > 0) {
-    console::line("    H alone is not enough: Yc as well");
-    restartLeastChange(C, true);
-    result = iterate(C, n, most);
-    console::print("  Maximum change of Yc  {} %",
-                   INPERCENT * changeOfAdmittance(G.WFREQ, G.NFUSE));
-  }
-  return result;
+  const Result result = iterate(C, n, most);
+  if (result != Result::Negative || most == 0) return {result, 0};
+  console::line("    H alone is not enough: Yc as well");
+  restartLeastChange(C, true);
+  const Result further = iterate(C, n, most);
+  const double change = INPERCENT * changeOfAdmittance(G.WFREQ, G.NFUSE);
+  console::print("  Maximum change of Yc  {} %", change);
+  return {further, change};
 }
 
 void keepFit(std::string_view why) {
@@ -126,14 +130,15 @@ void takeModel() {
 }
 
 // What becomes of the model in the store.
-void decide(Result result) {
+void decide(const Outcome& outcome) {
   const double change = PASSERR();
-  if (result == Result::Unresolved) {
+  const double allowed = RUNDATA.passivity.PMAXERR;
+  if (outcome.result == Result::Unresolved) {
     keepFit("a scan did not resolve every minimum");
-  } else if (result == Result::Negative) {
+  } else if (outcome.result == Result::Negative) {
     keepFit("negative eigenvalues are left");
-  } else if (!(change <= RUNDATA.passivity.PMAXERR)) {
-    keepFit("H moved by more than the error allowed");
+  } else if (!(change <= allowed && outcome.changeOfYc <= allowed)) {
+    keepFit("H or Yc moved by more than the error allowed");
   } else {
     if (change > 0) takeModel();
     console::line(" There are no passivity violations. Passivity is sucessfully enforced  ");
