@@ -135,14 +135,14 @@ TEST(EnforcedLines, ImprovedPassivityMendsAllFrequencies) {
   for (const std::string dc : {"", "DC Correction Type: 1\n"}) {
     std::string model = mendedFit(5, 760, 900);
     model.insert(model.find("Lower"), dc);
-    const PhaseFile fitted = readPhaseFile(runSingle(model).files.at("a.cvo"));
+    const PhaseFile fitted = readPhaseFile(runSingle(fitOf(5, dc)).files.at("a.cvo"));
     const ProgramRun run = runSingle(model + improved);
     EXPECT_TRUE(tells(run, "Passivity is sucessfully enforced")) << run.console;
     EXPECT_EQ(run.status, 0);
     const PhaseFile file = readPhaseFile(run.files.at("a.cvo"));
     EXPECT_EQ(file.trouble, ""); // poles and residues in conjugate pairs
-    EXPECT_GE(scan(file, 1e-3, 1e8, 3000).all, 0) << run.console;
-    EXPECT_LT(scan(fitted, 1e-3, 1e8, 3000).all, -1e-5);
+    EXPECT_GE(scan(file, 1e-3, 1e8, 800).all, 0) << run.console;
+    EXPECT_LT(scan(fitted, 1e-3, 1e8, 800).all, -1e-5);
     for (std::size_t i = 0; i < 9 && !dc.empty(); ++i)
       EXPECT_LT(std::abs(file.H(0)[i / 3][i % 3] - fitted.H(0)[i / 3][i % 3]), 1e-12L);
   }
