@@ -81,14 +81,22 @@ void ZGEEV(CView A, ModeComplex& W, CView VR, int n, BackSubstitution how) {
   call(how == BackSubstitution::ByBlocks ? answeredLength(2 * n) : std::max(COLUMNWORK, 2 * n));
 }
 
-void ZHEEV(CView A, double* W, int n) {
+namespace {
+
+void hermitian(const char* vectors, CView A, double* W, int n) {
   if (!allFinite(A, n)) {
     std::fill_n(W, n, NaN);
     return;
   }
   int info = 0;
-  zheev_("N", "U", &n, A.first, &A.ld, W, complexWork, &MATRIXWORK, realPartWork, &info, 1, 1);
+  zheev_(vectors, "U", &n, A.first, &A.ld, W, complexWork, &MATRIXWORK, realPartWork, &info, 1, 1);
 }
+
+} // namespace
+
+void ZHEEV(CView A, double* W, int n) { hermitian("N", A, W, n); }
+
+void ZHEEVECTORS(CView A, double* W, int n) { hermitian("V", A, W, n); }
 
 void ZGEHRD(CView A, CView Q, int n) {
   static Table<Complex, MAXINV> tau;

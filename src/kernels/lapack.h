@@ -20,6 +20,9 @@ void ZGEEV(CView A, ModeComplex& W, CView VR, int n, BackSubstitution how);
 // read, and A is overwritten. With an element that is not finite all of them are NaN.
 void ZHEEV(CView A, double* W, int n);
 
+// The same with the vectors, of unit length, one a column of A in the order of the eigenvalues.
+void ZHEEVECTORS(CView A, double* W, int n);
+
 // A = Q H Q^H, H upper Hessenberg, Q unitary; n up to MAXINV. H overwrites A, and below its
 // subdiagonal stands what is not part of it.
 void ZGEHRD(CView A, CView Q, int n);

@@ -206,9 +206,6 @@ bool PASSENF(const PassivityOptions& P, const FreqCurve& WFREQ, int NS) {
   return improved;
 }
 
-namespace {
-
-// The curves of the fit are those of the model that goes to the file.
 void renewFittedCurves() {
   static LineMatrix H;
   const FrequencyGrid& G = SOLVEDATA.grid;
@@ -217,8 +214,6 @@ void renewFittedCurves() {
     FITTED.H.store(k, H, ENFORCE.NC);
   }
 }
-
-} // namespace
 
 void enforcePassivity() {
   PASSSETY();

@@ -62,6 +62,17 @@ void PASSBACK() {
   }
 }
 
+void PASSBACKY() {
+  FitModel& M = FITMODEL;
+  const EnforcementStore& E = ENFORCE;
+  for (int c = 1; c <= M.NC; ++c) {
+    for (int r = 1; r <= M.NC; ++r) {
+      for (int m = 1; m <= M.NPY; ++m) M.YRES(r, c)[m] = E.ERY[m](r, c);
+      M.YD(r, c) = E.EDY(r, c);
+    }
+  }
+}
+
 void copyResidues(ResidueList& to, const ResidueList& from) {
   for (int m = 1; m <= ENFORCE.TOTORD; ++m) copyCorner(to[m], from[m], ENFORCE.NC);
 }

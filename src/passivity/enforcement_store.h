@@ -95,11 +95,13 @@ struct EnforcementStore {
 // Mapped before anything of a file that includes this is initialised.
 inline EnforcementStore& ENFORCE = bigStore<EnforcementStore>();
 
-// Copies Yc and H of FITMODEL into the store, and the residues of H back into FITMODEL. A model
-// with more than MAXORDER poles of H is counted in TOTORD and not copied.
+// Copies Yc and H of FITMODEL into the store, and the residues of H, or residues and constant term
+// of Yc, back into FITMODEL. A model with more than MAXORDER poles of H is counted in TOTORD and
+// not copied.
 void PASSSETY();
 void PASSSETH();
 void PASSBACK();
+void PASSBACKY();
 
 // The residue matrices of all poles.
 void copyResidues(ResidueList& to, const ResidueList& from);

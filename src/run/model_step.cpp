@@ -15,6 +15,7 @@
 #include "output/output_file.h"
 #include "output/phase_model_file.h"
 #include "passivity/enforcement.h"
+#include "passivity/improved_enforcement.h"
 #include "passivity/passivity_check.h"
 #include "store/rundata.h"
 
@@ -35,14 +36,25 @@ void modeModel(TextFile& file) {
   writeModeModel(file);
 }
 
+// Asked for, and by which method.
+void enforceAsAsked() {
+  if (RUNDATA.numerics.IMPROVEDPASSIVITY) return improvedEnforcement();
+  enforcePassivity();
+}
+
+void checkAsAsked() {
+  if (RUNDATA.numerics.IMPROVEDPASSIVITY) return improvedPassivityCheck();
+  PASSCHK();
+}
+
 void phaseModel(TextFile& file) {
   const PassivityOptions& P = RUNDATA.passivity;
   FITDRIVE();
-  if (P.PITERSET) enforcePassivity();
+  if (P.PITERSET) enforceAsAsked();
   writePhaseFitCurves();
   CHECKDELAYS();
   writePhaseModel(file);
-  if (P.PFLOSET && !P.PITERSET) PASSCHK();
+  if (P.PFLOSET && !P.PITERSET) checkAsAsked();
 }
 
 // What can end the run for its data does so before there is a file.

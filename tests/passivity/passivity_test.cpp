@@ -209,3 +209,26 @@ TEST(EnforcedLines, KeepTheFitWhenItIsNotImproved) {
   EXPECT_GT(worst.seen, 1e-6);
   EXPECT_NEAR(worst.all, -1.31e-4, 1e-6);
 }
+
+// The grid of the options misses what is negative; the scan looks everywhere.
+TEST(EnforcedLines, ImprovedPassivityMendsAllFrequencies) {
+  const std::string improved = "Numerical Options\n{\nImproved Passivity: 1\n}\n";
+  const std::pair<double, std::string> cases[] = {{5, ""}, {0.5, "DC Correction Type: 1\n"}};
+  for (const auto& [error, dc] : cases) {
+    std::string model = mendedFit(error, 760, 900);
+    model.insert(model.find("Lower"), dc);
+    const ModelFile fitted = readModel(runSingle(fitOf(error, dc)).files.at("a.cvo"));
+    const ProgramRun run = runSingle(model + improved);
+    EXPECT_TRUE(tells(run, "Passivity is sucessfully enforced")) << run.console;
+    EXPECT_EQ(run.status, 0);
+    const ModelFile file = readModel(run.files.at("a.cvo")); // residues in conjugate pairs
+    EXPECT_GE(scan(file, 1e-3, 1e8, 800).all, 0) << run.console;
+    EXPECT_LT(scan(fitted, 1e-3, 1e8, 800).all, -1e-8);
+    const auto now = file.H.at(0), before = fitted.H.at(0);
+    for (std::size_t i = 0; i < now.elements.size() && !dc.empty(); ++i)
+      EXPECT_LT(std::abs(now.elements[i] - before.elements[i]), 1e-12);
+  }
+  const ProgramRun refused = runSingle(mendedFit(5, 760, 900, 8, 0.01) + improved);
+  EXPECT_TRUE(tells(refused, "The model stays as it was fitted.")) << refused.console;
+  EXPECT_EQ(refused.status, 2);
+}
