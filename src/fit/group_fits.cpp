@@ -13,8 +13,6 @@ namespace lcp {
 
 namespace {
 
-constexpr double WIDERSTEP = 8.0; // first step of a search over the last one of the search before
-
 struct GroupFit {
   double tau, error; // s, largest deviation
   PoleTable P;
@@ -41,9 +39,7 @@ void addFit(int g) {
   GroupFits& H = HISTORY[g];
   const int N = ++H.made;
   GroupFit& fit = H.fits[N];
-  const double first = std::fabs(groupCorrection(g)) / 4;
   fit.tau = N > 1 ? H.fits[N - 1].tau : FITMODEL.TAU[g];
-  H.range.step = N > 1 ? std::min(WIDERSTEP * std::fabs(H.range.step), first) : first;
   fit.error = SETTLEDELAY(samplesOf(g), {0, SOLVEDATA.grid.WFREQ, nullptr}, N, 0.0, H.range,
                           fit.tau, fit.P, settled);
 }
@@ -77,6 +73,27 @@ bool growGroups(double TARGET, int limit, GroupInts& NH) {
     NH[g] = N;
   }
   return changed;
+}
+
+bool addPoles(int limit, GroupInts& NH) {
+  bool changed = false;
+  for (int g = 1; g <= FITMODEL.NGROUP; ++g) {
+    if (NH[g] >= limit) continue;
+    if (++NH[g] > HISTORY[g].made) addFit(g);
+    changed = true;
+  }
+  return changed;
+}
+
+bool canImprove(int limit, const GroupInts& NH) {
+  for (int g = 1; g <= FITMODEL.NGROUP; ++g) {
+    const GroupFits& H = HISTORY[g];
+    if (H.made < limit && H.fits[NH[g]].error > 0) return true;
+    for (int N = NH[g] + 1; N <= H.made; ++N) {
+      if (H.fits[N].error < H.fits[NH[g]].error) return true;
+    }
+  }
+  return false;
 }
 
 double groupError(int g, int n) { return HISTORY[g].fits[n].error; }

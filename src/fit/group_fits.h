@@ -18,6 +18,12 @@ void startGroupFits();
 // TARGET, or that do it best of limit poles. True when a number changed.
 bool growGroups(double TARGET, int limit, GroupInts& NH);
 
+// One pole more for each group below the limit; false when there is none.
+bool addPoles(int limit, GroupInts& NH);
+
+// False when no group has a better fit of more poles, up to limit, tried or not.
+bool canImprove(int limit, const GroupInts& NH);
+
 // Error of the fit of group g with n poles, which was made before: largest deviation.
 double groupError(int g, int n);
 

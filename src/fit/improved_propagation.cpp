@@ -30,49 +30,71 @@ constexpr double GAIN = 0.95;        // error over the best so far that counts a
 
 struct HStore {
   PoleSet set, trial;
-  CurveMatrix<Complex, MAXFREQ> between; // the model there
+
+  // H at the points of the fit and behind them those between: all count in residues and errors.
+  int NS;
+  FreqCurve WFREQ, WFIT;
+  CurveMatrix<Complex, MAXFREQ> H, FIT;
 };
 HStore& STORE = bigStore<HStore>();
 
-// --- errors of the model in FITMODEL
+// --- samples and errors of the model in FITMODEL
 
-// Adds pole m of group g at NS frequencies: W, to the model M.
-void addPole(int g, int m, const FreqCurve& W, int NS, CurveMatrix<Complex, MAXFREQ>& M) {
+void gatherSamples() {
+  const FrequencyGrid& G = SOLVEDATA.grid;
+  STORE.H.map(FITMODEL.NC);
+  STORE.FIT.map(FITMODEL.NC);
+  STORE.NS = std::min(G.NFUSE + BETWEEN.NB, MAXFREQ);
+  for (int k = 1, below = 1; k <= STORE.NS; ++k) {
+    const bool between = k > G.NFUSE;
+    STORE.WFREQ[k] = between ? BETWEEN.WFREQ[k - G.NFUSE] : G.WFREQ[k];
+    while (between && below < G.NFUSE && G.WFREQ[below + 1] < STORE.WFREQ[k]) ++below;
+    STORE.WFIT[k] = G.WFIT[between ? below : k];
+    for (int c = 1; c <= FITMODEL.NC; ++c) {
+      for (int r = 1; r <= FITMODEL.NC; ++r)
+        STORE.H(k, r, c) = between ? BETWEEN.H(k - G.NFUSE, r, c) : SOLVEDATA.second.HST(k, r, c);
+    }
+  }
+}
+
+// Adds pole m of group g to the model at the samples.
+void addPole(int g, int m) {
   static ComplexCurve u;
-  poleCurve(FITMODEL.HPOLE[g][m], W, NS, u);
-  for (int k = 1; k <= NS; ++k) {
-    const double turn = W[k] * FITMODEL.TAU[g];
+  poleCurve(FITMODEL.HPOLE[g][m], STORE.WFREQ, STORE.NS, u);
+  for (int k = 1; k <= STORE.NS; ++k) {
+    const double turn = STORE.WFREQ[k] * FITMODEL.TAU[g];
     u[k] *= Complex(std::cos(turn), -std::sin(turn));
   }
   for (int c = 1; c <= FITMODEL.NC; ++c) {
-    for (int r = 1; r <= FITMODEL.NC; ++r) {
-      addTimes(FITMODEL.HRES[g](r, c)[m], u, NS, M.curve(r, c));
-    }
+    for (int r = 1; r <= FITMODEL.NC; ++r)
+      addTimes(FITMODEL.HRES[g](r, c)[m], u, STORE.NS, STORE.FIT.curve(r, c));
   }
 }
 
-double largestDeviation(const CurveMatrix<Complex, MAXFREQ>& M,
-                        const CurveMatrix<Complex, MAXFREQ>& H, int NS) {
-  double most = 0;
+PhaseFit deviations() {
+  PhaseFit fit{};
   for (int c = 1; c <= FITMODEL.NC; ++c) {
     for (int r = 1; r <= FITMODEL.NC; ++r) {
-      for (int k = 1; k <= NS; ++k) most = larger(most, std::abs(M(k, r, c) - H(k, r, c)));
+      double squares = 0;
+      for (int k = 1; k <= STORE.NS; ++k) {
+        const double e = std::abs(STORE.FIT(k, r, c) - STORE.H(k, r, c));
+        squares += e * e;
+        fit.MAXERR = larger(fit.MAXERR, e);
+      }
+      fit.RMSERR = larger(fit.RMSERR, std::sqrt(squares / STORE.NS));
     }
   }
-  return most;
+  GroupInts leaders;
+  fit.RATIO = POLERATIO(leaders);
+  return fit;
 }
 
-double errorBetween() {
-  STORE.between.map(FITMODEL.NC);
+// What the curve files show.
+void storeFittedCurves() {
   for (int c = 1; c <= FITMODEL.NC; ++c) {
     for (int r = 1; r <= FITMODEL.NC; ++r)
-      std::fill_n(STORE.between.curve(r, c).steps, BETWEEN.NB, Complex());
+      std::copy_n(STORE.FIT.curve(r, c).steps, SOLVEDATA.grid.NFUSE, FITTED.H.curve(r, c).steps);
   }
-  for (int g = 1; g <= FITMODEL.NGROUP; ++g) {
-    for (int m = 1; m <= FITMODEL.NH[g]; ++m)
-      addPole(g, m, BETWEEN.WFREQ, BETWEEN.NB, STORE.between);
-  }
-  return largestDeviation(STORE.between, BETWEEN.H, BETWEEN.NB);
 }
 
 // Residues over the poles of the set; a DC correction of type 1 is part of it.
@@ -82,8 +104,8 @@ PhaseFit fitPhases(const PoleSet& S, const PropagationWish& wish) {
     std::copy_n(S.HPOLE[g].data(), S.NH[g], FITMODEL.HPOLE[g].data());
   }
   const int DCTYPE = wish.DCCORR == DCCONSTRAINED ? DCCONSTRAINED : DCNONE;
-  PhaseFit fit = HPHASEFIT(DCTYPE, wish.HDC, false);
-  fit.MAXERR = larger(fit.MAXERR, errorBetween());
+  const PhaseFit fit =
+      HPHASEFIT({STORE.NS, STORE.WFREQ, STORE.WFIT, STORE.H, STORE.FIT}, DCTYPE, wish.HDC, false);
   if (!std::isfinite(fit.MAXERR))
     refuseFit("The Fit of the Propagation Function gives no Finite Numbers!");
   return fit;
@@ -104,18 +126,18 @@ void printGroupAttempt(int attempt, double TARGET, const GroupInts& NH, const Ph
   printPhaseFit(fit);
 }
 
-// Groups give up poles one by one as long as the wish stays met.
-PhaseFit giveUpPoles(GroupInts& NH, PhaseFit fit, const PropagationWish& wish) {
-  for (int g = 1; g <= FITMODEL.NGROUP; ++g) {
-    while (NH[g] > 1) {
+// Groups give up a pole each in turn, as long as the wish stays met.
+PhaseFit giveUpPoles(GroupInts& NH, const PropagationWish& wish) {
+  for (bool given = true; given;) {
+    given = false;
+    for (int g = 1; g <= FITMODEL.NGROUP; ++g) {
+      if (NH[g] == 1) continue;
       --NH[g];
-      const PhaseFit trial = fitCounts(NH, wish);
-      if (trial.MAXERR <= wish.ERRA * PERCENT) {
-        fit = trial;
-        continue;
+      if (fitCounts(NH, wish).MAXERR <= wish.ERRA * PERCENT) {
+        given = true;
+      } else {
+        ++NH[g];
       }
-      ++NH[g];
-      break;
     }
   }
   return fitCounts(NH, wish);
@@ -130,46 +152,49 @@ struct Attempts {
   double bestTarget = 0;
 };
 
-bool noteAttempt(Attempts& A, double TARGET) {
+void noteAttempt(Attempts& A, double TARGET) {
   const bool first = A.attempt == 1;
   A.idle = first || A.fit.MAXERR < GAIN * A.bestFit.MAXERR ? 0 : A.idle + 1;
-  if (!first && !(A.fit.MAXERR < A.bestFit.MAXERR)) return false;
+  if (!first && !(A.fit.MAXERR < A.bestFit.MAXERR)) return;
   A.best = A.NH;
   A.bestFit = A.fit;
   A.bestTarget = TARGET;
-  return true;
 }
 
-bool canGrow(const GroupInts& NH, int limit) {
-  for (int g = 1; g <= FITMODEL.NGROUP; ++g) {
-    if (NH[g] < limit && groupError(g, NH[g]) > 0) return true;
-  }
-  return false;
+// The best attempt stands in the model at the end, printed last.
+PhaseFit takeBest(Attempts& A, const PropagationWish& wish) {
+  if (std::equal(A.NH.data(), A.NH.data() + FITMODEL.NGROUP, A.best.data())) return A.fit;
+  A.fit = fitCounts(A.best, wish);
+  printGroupAttempt(A.attempt + 1, A.bestTarget, A.best, A.fit);
+  return A.fit;
 }
 
+// One attempt with the numbers of poles at hand; true when it ends the search.
+bool makeAttempt(Attempts& A, double TARGET, const PropagationWish& wish) {
+  ++A.attempt;
+  A.fit = fitCounts(A.NH, wish);
+  const bool met = A.fit.MAXERR <= wish.ERRA * PERCENT;
+  if (met) A.fit = giveUpPoles(A.NH, wish);
+  printGroupAttempt(A.attempt, TARGET, A.NH, A.fit);
+  noteAttempt(A, TARGET);
+  return met || A.idle == IDLEATTEMPTS;
+}
+
+// First by falling targets. Where the groups have no better fits of their own the wish may still be
+// missed, as the mean of a group's modes is not each of them: then by one more pole for each group.
 PhaseFit runAttempts(const PropagationWish& wish, GroupInts& NH) {
   const int limit = std::min(wish.MAXPA, NPMAX);
-  const double target = wish.ERRA * PERCENT;
   Attempts A;
+  double TARGET = FIRSTTARGET;
   FORMGROUPS();
   startGroupFits();
-  for (double TARGET = FIRSTTARGET;; TARGET *= TARGETFACTOR) {
-    const bool changed = growGroups(TARGET, limit, A.NH);
-    const bool last = !canGrow(A.NH, limit);
-    if (!changed && A.attempt > 0 && !last) continue;
-    ++A.attempt;
-    A.fit = fitCounts(A.NH, wish);
-    const bool met = A.fit.MAXERR <= target;
-    if (met) A.fit = giveUpPoles(A.NH, A.fit, wish);
-    printGroupAttempt(A.attempt, TARGET, A.NH, A.fit);
-    const bool better = noteAttempt(A, TARGET);
-    if (!met && !last && A.idle < IDLEATTEMPTS) continue;
-    NH = A.best;
-    if (met || better) return A.fit;
-    A.fit = fitCounts(NH, wish);
-    printGroupAttempt(A.attempt + 1, A.bestTarget, NH, A.fit);
-    return A.fit;
+  bool done = false;
+  for (; !done && (A.attempt == 0 || canImprove(limit, A.NH)); TARGET *= TARGETFACTOR) {
+    if (growGroups(TARGET, limit, A.NH)) done = makeAttempt(A, TARGET, wish);
   }
+  while (!done && addPoles(limit, A.NH)) done = makeAttempt(A, TARGET, wish);
+  NH = A.best;
+  return takeBest(A, wish);
 }
 
 // --- order reduction
@@ -265,23 +290,6 @@ double valueAtZero(int r, int c) {
   return sum;
 }
 
-PhaseFit deviations() {
-  const int NS = SOLVEDATA.grid.NFUSE;
-  PhaseFit fit{};
-  for (int c = 1; c <= FITMODEL.NC; ++c) {
-    for (int r = 1; r <= FITMODEL.NC; ++r) {
-      double squares = 0;
-      for (int k = 1; k <= NS; ++k)
-        squares += std::norm(FITTED.H(k, r, c) - SOLVEDATA.second.HST(k, r, c));
-      fit.RMSERR = larger(fit.RMSERR, std::sqrt(squares / NS));
-    }
-  }
-  fit.MAXERR = larger(largestDeviation(FITTED.H, SOLVEDATA.second.HST, NS), errorBetween());
-  GroupInts leaders;
-  fit.RATIO = POLERATIO(leaders);
-  return fit;
-}
-
 // Adds the pole to group 1. When that lifts the error above the one asked for the model stays as it
 // was, and that error is returned; else 0.
 double closeAtZero(const PropagationWish& wish, PhaseFit& fit) {
@@ -293,7 +301,7 @@ double closeAtZero(const PropagationWish& wish, PhaseFit& fit) {
   }
   FITMODEL.HPOLE[1][m] = a;
   FITMODEL.NH[1] = m;
-  addPole(1, m, SOLVEDATA.grid.WFREQ, SOLVEDATA.grid.NFUSE, FITTED.H);
+  addPole(1, m);
   const PhaseFit corrected = deviations();
   if (corrected.MAXERR <= std::max(wish.ERRA * PERCENT, fit.MAXERR)) {
     fit = corrected;
@@ -309,10 +317,12 @@ void fitPropagationImproved(const PropagationWish& wish) {
   GroupInts NH;
   FITMODEL.NC = RUNDATA.line.NC;
   printPropagationHeading(wish.ERRA, wish.MAXPA);
+  gatherSamples();
   PhaseFit fit = runAttempts(wish, NH);
   storeGroupCurves(NH);
   const int stay = fit.RATIO > wish.RPRATIO ? reduceOrder(wish, fit) : 0;
   const double refused = wish.DCCORR == DCEXTRAPOLE ? closeAtZero(wish, fit) : 0.0;
+  storeFittedCurves();
   if (wish.DCCORR >= DCCONSTRAINED) {
     printCorrectionHeading();
     printFinalFit(fit);

@@ -26,14 +26,15 @@ namespace {
 constexpr int MOSTPASSES = 20;     // of a relocation
 constexpr int IDLEPASSES = 3;      // in a row without a gain that end it
 constexpr double GAIN = 0.98;      // error over the best so far that counts as a gain
-constexpr int MOSTDELAYS = 24;     // tried at a number of poles
+constexpr int MOSTDELAYS = 12;     // tried around the rough one
 constexpr double LEASTPHASE = 0.2; // turn of a delay step at the highest frequency, degrees
 constexpr double DELAYUP = 1.2;    // bounds of a search over the first delay
 constexpr double DELAYLOW = 0.8;
-constexpr double FIRSTSTEP = 0.25; // of a search over the correction of the delay
-constexpr double CLOSE = 1e-2;     // distance of two poles over their size
-constexpr double HUGE = 1e3;       // residue over pole and the largest magnitude of the function
-constexpr double OPPOSITE = 0.1;   // sum of two residues over one of them
+constexpr double FIRSTSTEP = -0.5;  // of a search over the correction of the delay
+constexpr double REFINING = 0.0625; // first step around the rough delay over that one
+constexpr double CLOSE = 1e-2;      // distance of two poles over their size
+constexpr double HUGE = 1e3;        // residue over pole and the largest magnitude of the function
+constexpr double OPPOSITE = 0.1;    // sum of two residues over one of them
 constexpr double NOFIT = std::numeric_limits<double>::infinity();
 constexpr int DIGITS = 12; // of a number in a mode model file
 constexpr int FIELD = 40;  // more characters than one takes
@@ -173,6 +174,18 @@ bool tryDelay(DelayTrial& T, double t) {
   return true;
 }
 
+// The delay that the root mean square error leads to, from tau on, and poles for it.
+void roughDelay(const FitSamples& Q, int N, const DelayRange& range, double& tau,
+                PoleTable& POLES) {
+  static FunctionFit model;
+  FitErrors errors{};
+  DelayTable tried{};
+  DelaySearch search{tau, range.step, NOFIT, range.up, range.low};
+  startingPoles(POLES, N, Q.WFREQ[1], Q.WFREQ[Q.NS]);
+  SEARCHDELAY(search, tried, Q, N, POLES, model, errors);
+  tau = search.tau;
+}
+
 } // namespace
 
 double asWritten(double x) {
@@ -213,12 +226,12 @@ void GROWSETTLED(const FitSamples& Q, const BetweenCurve& between, int NMAX, dou
 }
 
 double SETTLEDELAY(const FitSamples& Q, const BetweenCurve& between, int N, double TARGET,
-                   DelayRange& range, double& tau, PoleTable& POLES, SettledFit& FIT) {
+                   const DelayRange& range, double& tau, PoleTable& POLES, SettledFit& FIT) {
   const double least = LEASTPHASE * PI / 180.0 / Q.WFREQ[Q.NS];
   DelayTrial trial{Q, between, N, TARGET, NOFIT, tau, POLES, FIT};
-  double& step = range.step;
-  startingPoles(POLES, N, Q.WFREQ[1], Q.WFREQ[Q.NS]);
+  roughDelay(Q, N, range, tau, POLES);
   tryDelay(trial, tau);
+  double step = REFINING * range.step;
   for (int tried = 1; tried < MOSTDELAYS && trial.best > TARGET && std::fabs(step) > least;) {
     const double centre = tau;
     ++tried;
@@ -240,11 +253,12 @@ double DELAYSETTLED(const FitSamples& Q, const BetweenCurve& between, const Bode
   static SettledFit fit;
   static RationalFit candidate;
   const double aim = TARGET * largestOf(*Q.F, Q.NS);
+  const DelayRange range = delayRange(first.TAU, first.CORR);
   double tau = first.TAU, best = tau;
   PoleTable poles;
   FIT.N = 0;
   for (int N = 1; FIT.N == 0 || (FIT.ERR > TARGET && N <= std::min(NMAX, NPMAX)); ++N) {
-    DelayRange range = delayRange(first.TAU, first.CORR);
+    tau = first.TAU;
     SETTLEDELAY(Q, between, N, aim, range, tau, poles, fit);
     const double written = asWritten(INMILLI * tau) / INMILLI;
     takeMerged(bareSamples(Q, written), bareBetween(between, written), N, poles, fit, candidate);

@@ -28,18 +28,17 @@ double SETTLE(const FitSamples& Q, const BetweenCurve& between, int N, double TA
 
 // Where a delay is searched, s.
 struct DelayRange {
-  double low, up;
-  double step; // in: first one, out: last one, signed
+  double low, up, step; // step: first one, signed
 };
 
 // The usual one, around a first delay with its minimum-phase part.
 DelayRange delayRange(double tau, double correction);
 
-// Searches the delay of the function Q, the delay still in its curves, that N poles fit best: from
-// tau on with steps to both sides, halved where neither is better. Leaves it in tau, and its poles
-// and their fit; returns the error.
+// Searches the delay of the function Q, the delay still in its curves, that N poles fit best: as
+// SEARCHDELAY does from tau on, then with settled poles and small steps to both sides, halved where
+// neither is better. Leaves it in tau, and its poles and their fit; returns the error.
 double SETTLEDELAY(const FitSamples& Q, const BetweenCurve& between, int N, double TARGET,
-                   DelayRange& range, double& tau, PoleTable& POLES, SettledFit& FIT);
+                   const DelayRange& range, double& tau, PoleTable& POLES, SettledFit& FIT);
 
 // Fewest poles, from 1 on, that meet TARGET in the numbers as a mode model file holds them; of NMAX
 // poles that do not, the best fit met. Arguments and the line on the console are those of GROWFIT

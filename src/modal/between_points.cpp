@@ -21,19 +21,47 @@ namespace lcp {
 
 namespace {
 
-constexpr double SAMEVECTOR = 0.9; // least cosine between a mode and its neighbours' mean
+constexpr double HALFWAY = 0.5;
+constexpr int MOSTBETWEEN = 7;      // frequencies between two points
+constexpr double SEENTURN = PI / 4; // of modes against each other, from one frequency to the next
+constexpr double FADED = 1e-3;      // modal propagation below which a mode does not count
+constexpr double SAMEVECTOR = 0.9;  // least cosine between a mode and its neighbours' mean
 
 LineMatrix product, vectors, inverse, phases;
 ModeComplex squares; // gamma^2, 1/m^2
 
 bool fromTable() { return RUNDATA.run.DATAFMT == ROUTEMULTIPLE; }
 
-// Constants half way to the next grid point; returns its angular frequency.
-double constantsBehind(int k) {
+// Constants at a part of the way to the next grid point; returns the angular frequency.
+double constantsBehind(int k, double part) {
   const FrequencyGrid& G = SOLVEDATA.grid;
-  const double f = std::sqrt(G.FREQ[k] * G.FREQ[k + 1]);
+  const double f = G.FREQ[k] * std::pow(G.FREQ[k + 1] / G.FREQ[k], part);
   constantsAt(f);
   return TWOPI * f;
+}
+
+// How far the modes that arrive at the other end turn against each other up to the next point, rad.
+double turnBehind(int k) {
+  const SecondLoopStore& T = SOLVEDATA.second;
+  double least = 0, most = 0;
+  bool any = false;
+  for (int i = 1; i <= RUNDATA.line.NC; ++i) {
+    if (T.HMAG(k, i) < FADED) continue;
+    const double turn = T.GAMLEN(k + 1, i).imag() - T.GAMLEN(k, i).imag();
+    least = any ? std::min(least, turn) : turn;
+    most = any ? std::max(most, turn) : turn;
+    any = true;
+  }
+  return most - least;
+}
+
+// One frequency half way; more where H turns too fast for that, as long as there is room for them
+// beside the points.
+int frequenciesBehind(int k) {
+  int points = 1;
+  while (points < MOSTBETWEEN && turnBehind(k) > SEENTURN * (points + 1)) points += 2;
+  const int needed = BETWEEN.NB + points + 2 * SOLVEDATA.grid.NFUSE - k;
+  return needed <= MAXFREQ ? points : 1;
 }
 
 Complex decaying(Complex square) {
@@ -160,9 +188,12 @@ void samplePhasesBetween() {
   BETWEEN.YC.map(n);
   BETWEEN.H.map(n);
   for (int k = 1; k < SOLVEDATA.grid.NFUSE && !fromTable(); ++k) {
-    BETWEEN.WFREQ[++BETWEEN.NB] = constantsBehind(k);
-    anyModes(n);
-    storePhases(BETWEEN.NB, n);
+    const int points = frequenciesBehind(k);
+    for (int p = 1; p <= points; ++p) {
+      BETWEEN.WFREQ[++BETWEEN.NB] = constantsBehind(k, p / (points + 1.0));
+      anyModes(n);
+      storePhases(BETWEEN.NB, n);
+    }
   }
 }
 
@@ -171,7 +202,7 @@ void sampleModesBetween() {
   BETWEEN.NB = 0;
   BETWEEN.TI.map(n);
   for (int k = 1; k < SOLVEDATA.grid.NFUSE && !fromTable(); ++k) {
-    const double w = constantsBehind(k);
+    const double w = constantsBehind(k, HALFWAY);
     if (!modesBetween(k, w, n)) continue;
     BETWEEN.WFREQ[++BETWEEN.NB] = w;
     storeModes(BETWEEN.NB, n);
@@ -183,7 +214,7 @@ void sampleSeriesBetween() {
   BETWEEN.NB = 0;
   BETWEEN.Z.map(n);
   for (int k = 1; k < SOLVEDATA.grid.NFUSE && !fromTable(); ++k) {
-    BETWEEN.WFREQ[++BETWEEN.NB] = constantsBehind(k);
+    BETWEEN.WFREQ[++BETWEEN.NB] = constantsBehind(k, HALFWAY);
     BETWEEN.Z.store(BETWEEN.NB, SOLVEDATA.first.ZMAT, n);
   }
 }

@@ -1,5 +1,7 @@
 // The line's functions at frequencies between the points of the fits, computed directly: half way
 // in the logarithm between each two neighbours, so that errors are seen on a grid twice as dense.
+// For phase functions there are up to seven where modes turn fast against each other from one point
+// to the next: a sum of delayed modes can be right at the points alone there.
 #pragma once
 
 #include "base/big_store.h"
