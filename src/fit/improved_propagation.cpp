@@ -25,7 +25,7 @@ namespace {
 
 constexpr double FIRSTTARGET = 0.25;
 constexpr double TARGETFACTOR = 0.5; // from one attempt to the next
-constexpr int IDLEATTEMPTS = 3;      // in a row without a gain that end the search
+constexpr int IDLEATTEMPTS = 4;      // in a row without a gain that end the search
 constexpr double GAIN = 0.95;        // error over the best so far that counts as a gain
 
 struct HStore {
@@ -152,9 +152,11 @@ struct Attempts {
   double bestTarget = 0;
 };
 
-void noteAttempt(Attempts& A, double TARGET) {
+// Attempts count as idle only when groups fit better than the wish.
+void noteAttempt(Attempts& A, double TARGET, double wish) {
   const bool first = A.attempt == 1;
-  A.idle = first || A.fit.MAXERR < GAIN * A.bestFit.MAXERR ? 0 : A.idle + 1;
+  const bool gained = first || A.fit.MAXERR < GAIN * A.bestFit.MAXERR;
+  A.idle = gained || TARGET > wish ? 0 : A.idle + 1;
   if (!first && !(A.fit.MAXERR < A.bestFit.MAXERR)) return;
   A.best = A.NH;
   A.bestFit = A.fit;
@@ -176,7 +178,7 @@ bool makeAttempt(Attempts& A, double TARGET, const PropagationWish& wish) {
   const bool met = A.fit.MAXERR <= wish.ERRA * PERCENT;
   if (met) A.fit = giveUpPoles(A.NH, wish);
   printGroupAttempt(A.attempt, TARGET, A.NH, A.fit);
-  noteAttempt(A, TARGET);
+  noteAttempt(A, TARGET, wish.ERRA * PERCENT);
   return met || A.idle == IDLEATTEMPTS;
 }
 
