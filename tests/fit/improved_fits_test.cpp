@@ -25,6 +25,7 @@ using namespace lcp::test;
 
 namespace {
 
+const std::string LEAK = "ShuntConductance: 1e-11\n"; // DC values need one
 const std::string IMPROVED = "Numerical Options\n{\nImproved Fits : 1\n}\n";
 
 std::string phaseFitOf(const std::string& body, double length) {
@@ -115,9 +116,9 @@ TEST(ImprovedFits, PrintedErrorIsThatOfTheModelWithItsCorrection) {
                            "Constant: 0.2\n" +
                            EVENWEIGHTS;
   const std::string heading = "--------------   --------\n";
-  std::string console = phaseFitOf(singleCircuit(phaseModel(keys)), 1e4);
+  std::string console = phaseFitOf(singleCircuit(phaseModel(keys), LEAK), 1e4);
   EXPECT_GT(measuredYc(), 1.5 * numberBehind(console, heading));
-  console = phaseFitOf(singleCircuit(phaseModel(keys) + IMPROVED), 1e4);
+  console = phaseFitOf(singleCircuit(phaseModel(keys) + IMPROVED, LEAK), 1e4);
   EXPECT_NEAR(measuredYc(), numberBehind(console, heading), 6e-5);
   EXPECT_LE(measuredYc(), 0.2);
   EXPECT_LE(100 * measureFit().largest, 0.2);
@@ -142,7 +143,7 @@ TEST(ImprovedFits, FitsGoodOnlyAtTheirPointsGrowOn) {
   EXPECT_LT(F.grown(0.1, false).N, 3);
   const RationalFit fit = F.grown(0.1, true);
   EXPECT_EQ(fit.N, 3);
-  EXPECT_LT(std::abs(fit.D + partial(fit.P, fit.R, fit.N, Complex(0, b)) - 1.0), 0.1);
+  EXPECT_LT(std::abs(fit.D + partial(fit.P, fit.R, fit.N, Complex(0, b)) - F.middles[20]), 0.1);
 }
 
 TEST(ImprovedFits, ValuesBetweenArePointsOfTheGridTwiceAsDense) {
