@@ -21,6 +21,8 @@ namespace lcp {
 
 namespace {
 
+constexpr int FEWPASSES = 3;
+
 using Samples = CurveMatrix<Complex, MAXFREQ>;
 
 double peakOf(const Samples& F, int NS) {
@@ -69,29 +71,45 @@ double fitElements(const MatrixFit& Q, const Samples& between, int N) {
   return wholeError(Q, between, N);
 }
 
-void settleTrace(const MatrixFit& Q, const ComplexCurve& trace, int N) {
-  static SettledFit fit;
+FitSamples traceSamples(const MatrixFit& Q, const ComplexCurve& trace) {
   const FrequencyGrid& G = SOLVEDATA.grid;
   const int ASYMP = Q.E == nullptr ? WITHCONSTANT : WITHPROPORTION;
-  startingPoles(Q.P, N, G.WFREQ[1], G.WFREQ[G.NFUSE]);
-  SETTLE({G.NFUSE, 1, G.WFREQ, &trace, G.WFIT, FLIPUNSTABLE, ASYMP}, {0, G.WFREQ, nullptr}, N, 0.0,
-         Q.P, fit);
+  return {G.NFUSE, 1, G.WFREQ, &trace, G.WFIT, FLIPUNSTABLE, ASYMP};
 }
 
-MatrixFitResult growMatrix(const MatrixFit& Q, const Samples& between, int limit, double TARGET) {
-  const ComplexCurve& trace = formTrace(Q);
-  MatrixFitResult best{};
+struct BestFit {
+  MatrixFitResult fit{};
   PoleTable poles;
-  for (int N = 1; best.N == 0 || (best.ERR > TARGET && N <= limit); ++N) {
-    settleTrace(Q, trace, N);
-    const double ERR = fitElements(Q, between, N);
-    if (best.N != 0 && !(ERR < best.ERR)) continue;
-    best = {N, ERR};
-    std::copy_n(Q.P.data(), N, poles.data());
+};
+
+// Fits the elements over the N poles at hand and keeps them when they are better.
+void tryPoles(const MatrixFit& Q, const Samples& between, int N, BestFit& best) {
+  const double ERR = fitElements(Q, between, N);
+  if (best.fit.N != 0 && !(ERR < best.fit.ERR)) return;
+  best.fit = {N, ERR};
+  std::copy_n(Q.P.data(), N, best.poles.data());
+}
+
+// The poles that fit the trace best need not fit the elements best, least of all with values at
+// zero frequency to be met: those of a few passes alone are tried too.
+MatrixFitResult growMatrix(const MatrixFit& Q, const Samples& between, int limit, double TARGET) {
+  static SettledFit fit;
+  static BestFit best;
+  const FrequencyGrid& G = SOLVEDATA.grid;
+  const FitSamples samples = traceSamples(Q, formTrace(Q));
+  best.fit = {};
+  for (int N = 1; best.fit.N == 0 || (best.fit.ERR > TARGET && N <= limit); ++N) {
+    startingPoles(Q.P, N, G.WFREQ[1], G.WFREQ[G.NFUSE]);
+    SETTLE(samples, {0, G.WFREQ, nullptr}, N, 0.0, Q.P, fit);
+    tryPoles(Q, between, N, best);
+    if (best.fit.ERR <= TARGET) break;
+    startingPoles(Q.P, N, G.WFREQ[1], G.WFREQ[G.NFUSE]);
+    RELOCATE(FEWPASSES, samples, N, Q.P);
+    tryPoles(Q, between, N, best);
   }
-  std::copy_n(poles.data(), best.N, Q.P.data());
-  best.ERR = fitElements(Q, between, best.N);
-  return best;
+  std::copy_n(best.poles.data(), best.fit.N, Q.P.data());
+  best.fit.ERR = fitElements(Q, between, best.fit.N);
+  return best.fit;
 }
 
 // Adds the real pole that takes up the difference to the DC values. When that lifts the error above
