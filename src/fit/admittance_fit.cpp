@@ -37,19 +37,6 @@ void addExtraPole(int& N) {
   }
 }
 
-void printResult(const AdmittanceWish& wish, int limit, double err, int N) {
-  printErrorRequested(INPERCENT * wish.target);
-  console::print(" Maximum Number of Poles: {:38}{}", "", integerField(limit, 3));
-  console::line();
-  console::line(" Yc:          Maximum          Number");
-  console::line("              Fitting Error    of Poles");
-  console::line("              --------------   --------");
-  Record row;
-  addError(row.blanks(15), INPERCENT * err).blanks(6).integer(N, 3);
-  console::line(row.view());
-  console::line();
-}
-
 } // namespace
 
 void YCFIT(const AdmittanceWish& wish) {
@@ -65,7 +52,21 @@ void YCFIT(const AdmittanceWish& wish) {
   }
   if (wish.dcType == DCEXTRAPOLE) addExtraPole(N);
   FITMODEL.NPY = N;
-  printResult(wish, limit, err, N);
+  reportAdmittance(wish, err, N);
+}
+
+void reportAdmittance(const AdmittanceWish& wish, double err, int N) {
+  printErrorRequested(INPERCENT * wish.target);
+  console::print(" Maximum Number of Poles: {:38}{}", "",
+                 integerField(std::min(wish.limit, NPMAX), 3));
+  console::line();
+  console::line(" Yc:          Maximum          Number");
+  console::line("              Fitting Error    of Poles");
+  console::line("              --------------   --------");
+  Record row;
+  addError(row.blanks(15), INPERCENT * err).blanks(6).integer(N, 3);
+  console::line(row.view());
+  console::line();
   if (INPERCENT * err > INPERCENT * wish.target) warnOfError("");
 }
 

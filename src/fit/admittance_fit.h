@@ -15,4 +15,7 @@ struct AdmittanceWish {
 // status 2.
 void YCFIT(const AdmittanceWish& wish);
 
+// The table of a fit of N poles with the error err, a fraction, and the warning when it misses.
+void reportAdmittance(const AdmittanceWish& wish, double err, int N);
+
 } // namespace lcp

@@ -147,6 +147,10 @@ void FORMGROUPS() {
   }
 }
 
+const ComplexCurve& groupCurve(int g) { return GROUPS.H.curve(g); }
+
+double groupCorrection(int g) { return GROUPS.TSTEP[g]; }
+
 bool HMODEFIT(double TARGET, int limit) {
   bool changed = false;
   printModeHeading();

@@ -1,6 +1,7 @@
 // Delay groups: modes whose delays nearly agree share one delay and one set of poles.
 #pragma once
 
+#include "fit/partial_fractions.h"
 #include "store/fitmodel.h"
 #include "store/solvedata.h"
 
@@ -24,6 +25,11 @@ int assignGroups(const ModeReals& tau, int n, double tol, ModeInts& group);
 // Groups the modes of the solve store, within 10 degrees of phase at the highest fitted frequency.
 // FITMODEL: NGROUP, TAU as it follows from the first mode of each group, no poles.
 void FORMGROUPS();
+
+// Behind FORMGROUPS: the mean propagation function of the modes of group g, and the minimum-phase
+// part of its first delay, s.
+const ComplexCurve& groupCurve(int g);
+double groupCorrection(int g);
 
 // One attempt: each group whose error is above TARGET gets poles, one at a time, each time with a
 // new search for its delay, until its largest deviation is TARGET or it has limit poles. Sets TAU,

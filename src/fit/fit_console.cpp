@@ -1,10 +1,12 @@
 #include "fit/fit_console.h"
 
 #include "base/console.h"
+#include "base/constants.h"
 #include "base/number_forms.h"
 #include "base/solve_error.h"
 #include "store/rundata.h"
 
+#include <fmt/format.h>
 #include <string>
 
 namespace lcp {
@@ -33,6 +35,18 @@ void warnOfError(std::string_view indent) {
   console::print("{}           improved by increasing the maximum # of", indent);
   console::print("{}           poles.", indent);
   warn();
+}
+
+void warnInLine(std::string_view text) {
+  console::print(" *WARNING*: {}", text);
+  warn();
+}
+
+bool warnOfMiss(std::string_view function, double err, double target) {
+  if (err <= target) return false;
+  warnInLine(fmt::format("{} misses its Fitting Error: {:.4g} % instead of {:.4g} %", function,
+                         INPERCENT * err, INPERCENT * target));
+  return true;
 }
 
 void refuseFit(std::string_view why) {

@@ -21,6 +21,13 @@ Record& addError(Record& row, double percent);
 // The run ends with exit status 2.
 void warnOfError(std::string_view indent);
 
+// The same of one function in one line, when its error, a fraction, is above the target. True when
+// it is.
+bool warnOfMiss(std::string_view function, double err, double target);
+
+// A warning of one line. The run ends with exit status 2.
+void warnInLine(std::string_view text);
+
 // Ends the run: a fit that gave values that are not finite, or cannot be made. Exit status 1.
 [[noreturn]] void refuseFit(std::string_view why);
 

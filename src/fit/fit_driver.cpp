@@ -7,7 +7,10 @@
 #include "fit/dc_values.h"
 #include "fit/fit_console.h"
 #include "fit/fitted_curves.h"
+#include "fit/improved_matrix.h"
+#include "fit/improved_propagation.h"
 #include "fit/propagation_fit.h"
+#include "modal/between_points.h"
 #include "store/fitmodel.h"
 #include "store/rundata.h"
 
@@ -42,7 +45,13 @@ void makeSymmetric() {
 void fitAdmittance() {
   const FitOptions& F = RUNDATA.fit;
   printHeading();
-  YCFIT({F.ERRY * PERCENT, F.MAXPY, F.DCCORR});
+  const AdmittanceWish wish{F.ERRY * PERCENT, F.MAXPY, F.DCCORR};
+  if (RUNDATA.numerics.IMPROVEDFITS) {
+    samplePhasesBetween();
+    fitAdmittanceImproved(wish);
+  } else {
+    YCFIT(wish);
+  }
   fitRule('=');
   console::line();
   makeSymmetric();
@@ -52,7 +61,12 @@ void fitPropagation() {
   static RealMatrix YDC, HDC;
   const FitOptions& F = RUNDATA.fit;
   if (F.DCCORR >= DCCONSTRAINED) DCVALUES(YDC, HDC);
-  HFIT({F.ERRA, F.MAXPA, F.RPRATIO, F.DCCORR, &HDC});
+  const PropagationWish wish{F.ERRA, F.MAXPA, F.RPRATIO, F.DCCORR, &HDC};
+  if (RUNDATA.numerics.IMPROVEDFITS) {
+    fitPropagationImproved(wish);
+  } else {
+    HFIT(wish);
+  }
 }
 
 void checkDelay(double tau) {

@@ -29,21 +29,13 @@ constexpr double TINY = 1e-20;  // magnitudes up to this are not divided by
 ComplexCurve trace, phi;
 PoleClasses CINDEX;
 
-void formTrace(const MatrixFit& Q, int NS) {
-  std::fill_n(trace.steps, NS, 0.0);
-  for (int i = 1; i <= RUNDATA.line.NC; ++i) {
-    for (int k = 1; k <= NS; ++k) trace[k] += Q.F(k, i, i);
-  }
-}
-
 // Poles of the trace, from N starting poles.
-void findPoles(const MatrixFit& Q, int NS, int N) {
+void findPoles(const MatrixFit& Q, int N) {
   const FrequencyGrid& G = SOLVEDATA.grid;
   const int ASYMP = Q.E == nullptr ? WITHCONSTANT : WITHPROPORTION;
-  const FitSamples samples{NS, 1, G.WFREQ, &trace, G.WFIT, FLIPUNSTABLE, ASYMP};
-  startingPoles(Q.P, N, G.WFREQ[1], G.WFREQ[NS]);
+  const FitSamples samples{G.NFUSE, 1, G.WFREQ, &trace, G.WFIT, FLIPUNSTABLE, ASYMP};
+  startingPoles(Q.P, N, G.WFREQ[1], G.WFREQ[G.NFUSE]);
   RELOCATE(Q.PASSES, samples, N, Q.P);
-  classifyPoles(Q.P, N, CINDEX);
 }
 
 // Columns of the basis, of the constant unless the values at s = 0 fix it, and of E. Returns how
@@ -95,18 +87,6 @@ void takeSolution(const MatrixFit& Q, int N, int columns) {
   }
 }
 
-void fitResidues(const MatrixFit& Q, int NS, int N) {
-  const int columns = fillMatrix(Q, NS, N);
-  const int elements = RUNDATA.line.NC * RUNDATA.line.NC;
-  fillRightSides(Q, NS);
-  if (Q.JPVT == nullptr) {
-    DGELSY(LSQ.matrix(), LSQ.rightSides(), 2 * NS, columns, elements, RCOND);
-  } else {
-    DGELSY(LSQ.matrix(), LSQ.rightSides(), 2 * NS, columns, elements, *Q.JPVT, RCOND);
-  }
-  takeSolution(Q, N, columns);
-}
-
 void evaluateModel(const MatrixFit& Q, int NS, int N) {
   const FreqCurve& W = SOLVEDATA.grid.WFREQ;
   const int n = RUNDATA.line.NC;
@@ -141,15 +121,42 @@ double relativeError(const MatrixFit& Q, int NS) {
 
 } // namespace
 
-MatrixFitResult FITMATRIX(const MatrixFit& Q, int NMAX, double TARGET) {
+const ComplexCurve& formTrace(const MatrixFit& Q) {
   const int NS = SOLVEDATA.grid.NFUSE;
+  std::fill_n(trace.steps, NS, 0.0);
+  for (int i = 1; i <= RUNDATA.line.NC; ++i) {
+    for (int k = 1; k <= NS; ++k) trace[k] += Q.F(k, i, i);
+  }
+  return trace;
+}
+
+void fitResidues(const MatrixFit& Q, int N) {
+  const int NS = SOLVEDATA.grid.NFUSE;
+  classifyPoles(Q.P, N, CINDEX);
+  const int columns = fillMatrix(Q, NS, N);
+  const int elements = RUNDATA.line.NC * RUNDATA.line.NC;
+  fillRightSides(Q, NS);
+  if (Q.JPVT == nullptr) {
+    DGELSY(LSQ.matrix(), LSQ.rightSides(), 2 * NS, columns, elements, RCOND);
+  } else {
+    DGELSY(LSQ.matrix(), LSQ.rightSides(), 2 * NS, columns, elements, *Q.JPVT, RCOND);
+  }
+  takeSolution(Q, N, columns);
+}
+
+double modelError(const MatrixFit& Q, int N) {
+  const int NS = SOLVEDATA.grid.NFUSE;
+  evaluateModel(Q, NS, N);
+  return relativeError(Q, NS);
+}
+
+MatrixFitResult FITMATRIX(const MatrixFit& Q, int NMAX, double TARGET) {
   const int limit = std::min(NMAX, NPMAX);
-  formTrace(Q, NS);
+  formTrace(Q);
   for (int N = 1;; ++N) {
-    findPoles(Q, NS, N);
-    fitResidues(Q, NS, N);
-    evaluateModel(Q, NS, N);
-    const double ERR = relativeError(Q, NS);
+    findPoles(Q, N);
+    fitResidues(Q, N);
+    const double ERR = modelError(Q, N);
     if (ERR <= TARGET || N >= limit) return {N, ERR};
   }
 }

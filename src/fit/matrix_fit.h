@@ -6,6 +6,7 @@
 // no pole has a positive real part.
 #pragma once
 
+#include "fit/partial_fractions.h"
 #include "fit/scaled_columns.h"
 #include "store/fitmodel.h"
 #include "store/solvedata.h"
@@ -33,6 +34,15 @@ struct MatrixFitResult {
 // Fits with one pole, two poles and so on, until the error is TARGET or less or NMAX poles are
 // reached, at most NPMAX. The error is NaN when a value of the model is.
 MatrixFitResult FITMATRIX(const MatrixFit& Q, int NMAX, double TARGET);
+
+// Its steps, for fits that grow in another way. The trace of F, which the poles are found from.
+const ComplexCurve& formTrace(const MatrixFit& Q);
+
+// Residues of all elements, D and E over the N poles P.
+void fitResidues(const MatrixFit& Q, int N);
+
+// Forms FIT; the largest deviation over the largest magnitude.
+double modelError(const MatrixFit& Q, int N);
 
 // Sum over N poles of the real part of R / p: what D exceeds the value at s = 0 by.
 double ratioSum(const PoleTable& P, const PoleTable& R, int N);

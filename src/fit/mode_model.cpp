@@ -13,16 +13,6 @@ namespace {
 
 constexpr double TURN = 360.0; // degrees
 
-// The stored angle of the mode loses the part of the delay and ends above -360, up to 0.
-void turnBack(int i, double TAU) {
-  const FrequencyGrid& G = SOLVEDATA.grid;
-  for (int k = 1; k <= G.NFREQ; ++k) {
-    double& angle = SOLVEDATA.second.HARG(k, i);
-    angle = std::fmod(angle + TURN * G.FREQ[k] * TAU, TURN);
-    if (angle > 0) angle -= TURN;
-  }
-}
-
 void signElement(int i, int r) {
   SecondLoopStore& T = SOLVEDATA.second;
   if (T.TISUM(i, r) > 0) return;
@@ -35,6 +25,15 @@ void signElement(int i, int r) {
 }
 
 } // namespace
+
+void turnBack(int i, double TAU) {
+  const FrequencyGrid& G = SOLVEDATA.grid;
+  for (int k = 1; k <= G.NFREQ; ++k) {
+    double& angle = SOLVEDATA.second.HARG(k, i);
+    angle = std::fmod(angle + TURN * G.FREQ[k] * TAU, TURN);
+    if (angle > 0) angle -= TURN;
+  }
+}
 
 void fitSurgeImpedance(int i) {
   const FrequencyGrid& G = SOLVEDATA.grid;
@@ -55,25 +54,32 @@ void fitAttenuation(int i) {
   turnBack(i, TAU);
 }
 
+bool constantElement(int i, int r) {
+  RationalFit& element = MODEMODEL.T(i, r);
+  signElement(i, r);
+  if (!RUNDATA.fit.CONSTT) return false;
+  element.N = 0;
+  element.D = SOLVEDATA.second.TIMAG(SOLVEDATA.grid.NFREQ, i, r);
+  return true;
+}
+
 void fitTransformElement(int i, int r) {
   const FrequencyGrid& G = SOLVEDATA.grid;
   const FitOptions& O = RUNDATA.fit;
-  RationalFit& element = MODEMODEL.T(i, r);
-  signElement(i, r);
-  if (O.CONSTT) {
-    element.N = 0;
-    element.D = SOLVEDATA.second.TIMAG(G.NFREQ, i, r);
-    return;
-  }
+  if (constantElement(i, r)) return;
   console::print("Transform Element {},{}:", integerField(i, 2), integerField(r, 2));
   GROWFIT(G.NFUSE, G.WFREQ, SOLVEDATA.second.TIST.curve(i, r), G.WFIT, O.MAXP4, O.ERR4 * PERCENT,
-          element);
+          MODEMODEL.T(i, r));
+}
+
+void printModeFitsHeading() {
+  console::line(" FITTING ERROR                # OF POLES");
+  console::line(" -------------                ----------");
 }
 
 void fitModes() {
   const int n = RUNDATA.line.NC;
-  console::line(" FITTING ERROR                # OF POLES");
-  console::line(" -------------                ----------");
+  printModeFitsHeading();
   for (int m = 1; m <= n; ++m) {
     fitSurgeImpedance(m);
     fitAttenuation(m);

@@ -54,9 +54,12 @@ template <class T> View<T> roomFor(MappedArray<T>& store, int rows, int columns)
   return {store.room(m * n), rows};
 }
 
-// One call's problem: its sizes, and views of the store.
+// One call's problem: its samples, its sizes, and views of the store.
 struct Problem {
-  int NS = 0;
+  explicit Problem(const PhaseSamples& samples) : Q(samples), NS(samples.NS) {}
+
+  const PhaseSamples& Q;
+  int NS;
   int poles = 0;    // of all groups, with the closing one
   int unknowns = 0; // without it
   int closing = 0;  // where it stands, in group 1; 0 for none
@@ -83,9 +86,8 @@ int closingPole(int DCTYPE) {
   return NH;
 }
 
-Problem layProblem(int DCTYPE) {
-  Problem p;
-  p.NS = SOLVEDATA.grid.NFUSE;
+Problem layProblem(const PhaseSamples& Q, int DCTYPE) {
+  Problem p(Q);
   p.closing = closingPole(DCTYPE);
   if (p.closing > 0) p.a = FITMODEL.HPOLE[1][p.closing].real();
   p.constrained = DCTYPE == DCCONSTRAINED;
@@ -98,9 +100,9 @@ Problem layProblem(int DCTYPE) {
 }
 
 // lag = exp(-j w tau)
-void formLag(double tau, int NS) {
-  for (int k = 1; k <= NS; ++k) {
-    const double turn = SOLVEDATA.grid.WFREQ[k] * tau;
+void formLag(const PhaseSamples& Q, double tau) {
+  for (int k = 1; k <= Q.NS; ++k) {
+    const double turn = Q.WFREQ[k] * tau;
     lag[k] = Complex(std::cos(turn), -std::sin(turn));
   }
 }
@@ -111,9 +113,9 @@ void formBasis(const Problem& p) {
     const PoleTable& P = FITMODEL.HPOLE[g];
     const int NH = FITMODEL.NH[g];
     classifyPoles(P, NH, CINDEX[g]);
-    formLag(FITMODEL.TAU[g], p.NS);
+    formLag(p.Q, FITMODEL.TAU[g]);
     for (int m = 1; m <= NH; ++m) {
-      basisCurve(P, CINDEX[g], m, SOLVEDATA.grid.WFREQ, p.NS, curve);
+      basisCurve(P, CINDEX[g], m, p.Q.WFREQ, p.NS, curve);
       Complex* b = p.basis.column(++q);
       for (int k = 1; k <= p.NS; ++k) b[k - 1] = curve[k] * lag[k];
       atZero[q] = basisFunction(P, CINDEX[g], m, 0.0).real();
@@ -134,7 +136,7 @@ void fillMatrix(const Problem& p) {
   for (int q = 1; q <= p.poles; ++q) {
     if (q == p.closing) continue;
     formCurve(p, p.basis.column(q), p.a * atZero[q]);
-    curveColumn(curve, SOLVEDATA.grid.WFIT, p.NS, columnRows(p.A, ++c, p.NS));
+    curveColumn(curve, p.Q.WFIT, p.NS, columnRows(p.A, ++c, p.NS));
   }
 }
 
@@ -144,8 +146,8 @@ void fillRightSides(const Problem& p, const RealMatrix* HDC) {
   for (int c = 1; c <= FITMODEL.NC; ++c) {
     for (int r = 1; r <= FITMODEL.NC; ++r) {
       const double dc = p.constrained ? (*HDC)(r, c) : 0.0;
-      formCurve(p, SOLVEDATA.second.HST.curve(r, c).steps, p.a * dc);
-      curveColumn(curve, SOLVEDATA.grid.WFIT, p.NS, columnRows(p.B, elementNumber(r, c), p.NS));
+      formCurve(p, p.Q.H.curve(r, c).steps, p.a * dc);
+      curveColumn(curve, p.Q.WFIT, p.NS, columnRows(p.B, elementNumber(r, c), p.NS));
     }
   }
 }
@@ -228,7 +230,7 @@ void takeElements(const Problem& p, const RealMatrix* HDC, PhaseFit& fit) {
     for (int r = 1; r <= FITMODEL.NC; ++r) {
       takeUnknowns(p, elementNumber(r, c), HDC, r, c);
       storeResidues(r, c);
-      addDeviation(p, SOLVEDATA.second.HST.curve(r, c), FITTED.H.curve(r, c), fit);
+      addDeviation(p, p.Q.H.curve(r, c), p.Q.FIT.curve(r, c), fit);
     }
   }
 }
@@ -245,8 +247,14 @@ void dropPolesWithoutResidue() {
 } // namespace
 
 PhaseFit HPHASEFIT(int DCTYPE, const RealMatrix* HDC, bool SVDFLAG) {
+  const FrequencyGrid& G = SOLVEDATA.grid;
+  return HPHASEFIT({G.NFUSE, G.WFREQ, G.WFIT, SOLVEDATA.second.HST, FITTED.H}, DCTYPE, HDC,
+                   SVDFLAG);
+}
+
+PhaseFit HPHASEFIT(const PhaseSamples& Q, int DCTYPE, const RealMatrix* HDC, bool SVDFLAG) {
   PhaseFit fit{};
-  const Problem p = layProblem(DCTYPE);
+  const Problem p = layProblem(Q, DCTYPE);
   formBasis(p);
   fillMatrix(p);
   fillRightSides(p, HDC);

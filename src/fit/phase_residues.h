@@ -11,6 +11,15 @@ struct PhaseFit {
   double RATIO;  // largest |residue / pole| of a real pole, within 10 per cent
 };
 
+// Samples of H at NS frequencies with their weights, and where the model at them goes.
+struct PhaseSamples {
+  int NS;
+  const FreqCurve& WFREQ; // rad/s
+  const FreqCurve& WFIT;
+  const CurveMatrix<Complex, MAXFREQ>& H;
+  CurveMatrix<Complex, MAXFREQ>& FIT;
+};
+
 // Fits HST of the solve store over its NFUSE grid points, with the weights WFIT, by the poles HPOLE
 // and delays TAU of FITMODEL, and fills HRES and H of FITTED; NC, NGROUP and NH say what is in use.
 // Deviations are unweighted and absolute. HDC is H at zero frequency, looked at with these DCTYPEs
@@ -21,6 +30,9 @@ struct PhaseFit {
 // SVDFLAG: directions that the columns hardly span are taken out of the problem before it is
 // solved, and poles that end without a residue out of the model.
 PhaseFit HPHASEFIT(int DCTYPE, const RealMatrix* HDC, bool SVDFLAG);
+
+// The same over other samples.
+PhaseFit HPHASEFIT(const PhaseSamples& Q, int DCTYPE, const RealMatrix* HDC, bool SVDFLAG);
 
 // Largest |residue / pole| of a real pole of FITMODEL, over all elements. A ratio takes the place
 // of the running largest when it leads it by more than 10 per cent; LEADER[g] is the pole of group

@@ -28,7 +28,18 @@ void checkFrequencies() {
   refuseFit("All Frequencies of the Series Impedance Fit Must be > 0!");
 }
 
-void printResult(int NMAX, double TARGET, double err, int N) {
+void rule(char sign) { fitRule(sign, RULELENGTH); }
+
+} // namespace
+
+void prepareSeriesFit() {
+  checkFrequencies();
+  SERIESMODEL.ZFR.map(RUNDATA.line.NC);
+  SERIESMODEL.ZFIT.map(RUNDATA.line.NC);
+}
+
+void reportSeries(int NMAX, double TARGET, double err, int N) {
+  if (!std::isfinite(err)) refuseFit("The Fit of the Series Impedance gives no Finite Numbers!");
   console::line(" Relative Fitting Error          Number of Poles");
   console::line(" ----------------------          ---------------");
   Record wish(" Maximum: ");
@@ -38,29 +49,22 @@ void printResult(int NMAX, double TARGET, double err, int N) {
   Record actual("  Actual: ");
   addError(actual.blanks(shift), INPERCENT * err).blanks(11 - shift);
   console::line(actual.text("  Actual: ").integer(N, 3).view());
+  if (INPERCENT * err > INPERCENT * TARGET) warnOfError(" ");
 }
-
-void rule(char sign) { fitRule(sign, RULELENGTH); }
-
-} // namespace
 
 double SERIESFIT(int NMAX, double TARGET) {
   SeriesModel& M = SERIESMODEL;
   const int limit = std::min(NMAX, NPMAX);
-  checkFrequencies();
-  M.ZFR.map(RUNDATA.line.NC);
-  M.ZFIT.map(RUNDATA.line.NC);
+  prepareSeriesFit();
   const auto [N, err] =
       FITMATRIX({SOLVEDATA.at.ZSTORE, PASSES, M.ZFP, M.ZFR, M.ZFD, &M.ZFE, M.ZFIT, nullptr, &JPVT},
                 limit, TARGET);
-  if (!std::isfinite(err)) refuseFit("The Fit of the Series Impedance gives no Finite Numbers!");
   M.NPZ = N;
-  printResult(limit, TARGET, err, N);
-  if (INPERCENT * err > INPERCENT * TARGET) warnOfError(" ");
+  reportSeries(limit, TARGET, err, N);
   return err;
 }
 
-void fitSeriesImpedance() {
+void printSeriesHeading() {
   console::line();
   console::line();
   rule('*');
@@ -69,9 +73,17 @@ void fitSeriesImpedance() {
   console::line();
   console::line(" Fitting Series Impedance Z:");
   rule('=');
-  SERIESFIT(RUNDATA.fit.MAXPZ, RUNDATA.fit.ERRZ * PERCENT);
+}
+
+void printSeriesEnd() {
   rule('=');
   console::line();
+}
+
+void fitSeriesImpedance() {
+  printSeriesHeading();
+  SERIESFIT(RUNDATA.fit.MAXPZ, RUNDATA.fit.ERRZ * PERCENT);
+  printSeriesEnd();
 }
 
 } // namespace lcp

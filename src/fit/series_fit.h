@@ -32,4 +32,11 @@ double SERIESFIT(int NMAX, double TARGET);
 // The fit with the limits of the model section, and its headings on the console.
 void fitSeriesImpedance();
 
+// What every fit of Z starts and ends with: the check of its frequencies, and room for the model;
+// the headings; the result with its warning.
+void prepareSeriesFit();
+void printSeriesHeading();
+void printSeriesEnd();
+void reportSeries(int NMAX, double TARGET, double err, int N);
+
 } // namespace lcp

@@ -16,6 +16,16 @@ namespace {
 
 constexpr double SAMEPLACE = 1e-10;   // m
 constexpr double LEASTLENGTH = 1e-10; // m
+constexpr double EVENWEIGHT = 1.0;
+
+// A weight that was not given is 1 to the improved fits, 0 to the default ones.
+void takeEvenWeights() {
+  FitOptions& F = RUNDATA.fit;
+  if (!RUNDATA.numerics.IMPROVEDFITS) return;
+  if (!F.WF1SET) F.WF1 = EVENWEIGHT;
+  if (!F.WF2SET) F.WF2 = EVENWEIGHT;
+  if (!F.WF3SET) F.WF3 = EVENWEIGHT;
+}
 
 void checkLength() {
   if (RUNDATA.run.LINELEN >= LEASTLENGTH) return;
@@ -98,6 +108,7 @@ void postReadPass() {
     checkAndOrder();
   }
   if (RUNDATA.bergeron.HFAPPROX == 0) RUNDATA.bergeron.FLOSS = RUNDATA.line.SSFREQ;
+  takeEvenWeights();
   takeOverheadConductors();
 }
 

@@ -2,6 +2,8 @@
 
 #include "base/text_file.h"
 #include "fit/fit_driver.h"
+#include "fit/improved_matrix.h"
+#include "fit/improved_modes.h"
 #include "fit/mode_model.h"
 #include "fit/series_fit.h"
 #include "modal/pi_model.h"
@@ -32,7 +34,11 @@ void piModel(TextFile& file) {
 }
 
 void modeModel(TextFile& file) {
-  fitModes();
+  if (RUNDATA.numerics.IMPROVEDFITS) {
+    fitModesImproved();
+  } else {
+    fitModes();
+  }
   writeModeModel(file);
 }
 
@@ -60,7 +66,11 @@ void phaseModel(TextFile& file) {
 // What can end the run for its data does so before there is a file.
 void beforeTheFile() {
   if (RUNDATA.model.MODMFDTD()) {
-    fitSeriesImpedance();
+    if (RUNDATA.numerics.IMPROVEDFITS) {
+      fitSeriesImproved();
+    } else {
+      fitSeriesImpedance();
+    }
     formSeriesShunt(shunt);
     writeSeriesFitCurves();
   }

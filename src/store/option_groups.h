@@ -61,7 +61,10 @@ struct FitOptions {
   double WF1 = 0;           // fit weight below the steady-state frequency
   double WF2 = 0;           // ... at it
   double WF3 = 0;           // ... above it
-  bool WDETAIL = false;     // write the detail curve files
+  bool WF1SET = false;      // whether each was given
+  bool WF2SET = false;
+  bool WF3SET = false;
+  bool WDETAIL = false; // write the detail curve files
 };
 
 struct PassivityOptions {
