@@ -3,11 +3,11 @@
 #include "companions/shared/arguments.h"
 #include "companions/shared/captured_run.h"
 #include "companions/shared/model_file.h"
+#include "companions/shared/verdicts.h"
 #include "companions/verify/compare_functions.h"
 #include "companions/verify/compare_modes.h"
 #include "companions/verify/passivity.h"
 #include "companions/verify/poles.h"
-#include "companions/verify/verdicts.h"
 #include "store/rundata.h"
 
 #include <cstdlib>
@@ -64,6 +64,8 @@ ModelFile modelOf(const Arguments& given, double length, const Scratch& scratch)
   giveUp(VERIFY.name, "the program makes no model of this description");
 }
 
+} // namespace
+
 std::vector<Finding> verified(const ModelFile& file, double length, const Limits& limits) {
   std::vector<Finding> all;
   if (file.kind == ModelKind::PHASE) add(all, comparePhase(file, length, limits));
@@ -78,8 +80,6 @@ std::vector<Finding> verified(const ModelFile& file, double length, const Limits
   if (RUNDATA.model.fitted()) add(all, linePassivity(limits));
   return all;
 }
-
-} // namespace
 
 int verifyModel(std::span<char* const> arguments) {
   const Arguments given = parseArguments(VERIFY, arguments);
