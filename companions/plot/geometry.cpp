@@ -1,0 +1,197 @@
+// Facts of a body are pairs of words in the order in which they are read out: what, and how much.
+#include "companions/plot/geometry.h"
+
+#include "base/constants.h"
+#include "companions/shared/wires.h"
+#include "store/rundata.h"
+
+#include <array>
+#include <cmath>
+#include <fmt/format.h>
+
+namespace lcp::companions {
+
+namespace {
+
+constexpr double KM = 1e3;        // m
+constexpr double MILLI = 1e-3;    // m in a mm
+constexpr double SQUAREMM = 1e-6; // m^2
+constexpr std::array<std::string_view, 4> METALS = {"core", "sheath", "armour",
+                                                    "outside conductor"};
+
+std::string mm(double metres) { return fmt::format("{:.4g} mm", metres / MILLI); }
+std::string position(double x, double y) { return fmt::format("x = {:.6g} m, y = {:.6g} m", x, y); }
+
+std::string roleOf(int i) {
+  if (roleOfWire(i) > 0) return "conductor of a bundle";
+  if (roleOfWire(i) == MAPELIMINATED) return "ground wire, eliminated";
+  return roleOfWire(i) == MAPKEPT ? "ground wire, kept" : "conductor";
+}
+
+std::string metalOf(int i) {
+  const ConductorTable& C = RUNDATA.cond;
+  std::string shape = C.CTUBE[i] ? "tube" : C.CSTRND[i] ? "stranded" : "solid";
+  shape += fmt::format(", {:.3g} ohm m", resistivityOfWire(i));
+  return C.CMUR[i] == 1 ? shape : shape + fmt::format(", permeability {:.4g}", C.CMUR[i]);
+}
+
+Json wire(int i) {
+  const ConductorTable& C = RUNDATA.cond;
+  const int main = mainOfWire(i);
+  const bool node = roleOfWire(main) != MAPELIMINATED;
+  Json facts = {{"Number", fmt::format("{}", i)}, {"Role", roleOf(i)}};
+  if (node) facts["Node"] = fmt::format("{}", C.CPHASE[main]);
+  if (!isGroundWire(main)) facts["Circuit"] = fmt::format("{}", circuitOfWire(i));
+  facts["Position"] = position(C.CX[i], C.CY[i]);
+  facts["At mid-span"] = fmt::format("y = {:.6g} m", C.CY[i] - C.CSAG[i]);
+  facts["Radius"] = mm(C.CRAD[i]);
+  facts["Material"] = metalOf(i);
+  facts["Resistance"] = fmt::format("{:.5g} ohm/km", C.CRDC[i] * KM);
+  return {{"x", C.CX[i]},
+          {"y", C.CY[i]},
+          {"sag", C.CSAG[i]},
+          {"r", C.CRAD[i]},
+          {"ground", isGroundWire(main)},
+          {"circuit", circuitOfWire(i)},
+          {"bundle", main},
+          {"label", main == i ? (node ? fmt::format("{}", C.CPHASE[main]) : "g") : ""},
+          {"facts", facts}};
+}
+
+Json ring(double inner, double outer, std::string_view kind, std::string_view name,
+          const std::string& material) {
+  return {{"inner", inner},
+          {"outer", outer},
+          {"kind", kind},
+          {"facts",
+           {{"Layer", name},
+            {"Radius", fmt::format("{} to {}", mm(inner), mm(outer))},
+            {"Material", material}}}};
+}
+
+std::string metal(double rho, double mu, double inner, double outer) {
+  const double area = PI * (outer * outer - inner * inner);
+  return fmt::format("{:.4g} ohm m, permeability {:.4g}, {:.4g} ohm/km", rho, mu, KM * rho / area);
+}
+
+std::string dielectric(double eps, double mu) {
+  const std::string text = fmt::format("permittivity {:.4g}", eps);
+  return mu == 1 || mu == 0 ? text : text + fmt::format(", permeability {:.4g}", mu);
+}
+
+Json layersOf(const Cable& C) {
+  Json rings = Json::array();
+  for (int layer = 0; layer < C.CBNLAY; ++layer) {
+    const auto l = static_cast<std::size_t>(layer), k = l / 2;
+    const double inner = C.CBRAD[l], outer = C.CBRAD[l + 1];
+    if (layer % 2 == 0)
+      rings.push_back(ring(inner, outer, METALS[k].substr(0, METALS[k].find(' ')), METALS[k],
+                           metal(C.CBRHO[k], C.CBMU[l], inner, outer)));
+    else
+      rings.push_back(ring(inner, outer, "insulator", fmt::format("insulator {}", k + 1),
+                           dielectric(C.CBEPS[k], C.CBMU[l])));
+  }
+  if (C.CBSEMI) { // layers of the insulator's own, on both of its sides
+    const double a = C.CBRAD[RADCORE], b = C.CBRAD[RADINSULATOR1];
+    rings.push_back(ring(a, a + C.CBSEMII, "semi", "semi-conducting layer", "semi-conductor"));
+    rings.push_back(ring(b - C.CBSEMIO, b, "semi", "semi-conducting layer", "semi-conductor"));
+  }
+  return rings;
+}
+
+Json cable(int n) {
+  const Cable& C = RUNDATA.cable.CB[n];
+  const PipeRecord& P = RUNDATA.cable.pipe;
+  const bool inside = C.CBPIPE != 0;
+  double x = C.CBX, y = C.CBOVHD ? C.CBY : -C.CBY;
+  std::string place = C.CBOVHD ? fmt::format("{:.6g} m above the ground", C.CBY)
+                               : fmt::format("{:.6g} m deep", C.CBY);
+  if (inside) {
+    x = P.PIPEX + C.CBX;
+    y = (P.PIPEOVHD ? P.PIPEY : -P.PIPEY) + C.CBY;
+    place = fmt::format("in the pipe, {:.4g} mm from its centre", C.CBPR / MILLI);
+  }
+  return {{"x", x},
+          {"y", y},
+          {"r", C.radius()},
+          {"inside", inside},
+          {"label", fmt::format("{}", n)},
+          {"rings", layersOf(C)},
+          {"facts",
+           {{"Cable", fmt::format("{}", n)},
+            {"Position", position(x, y)},
+            {"Place", place},
+            {"Overall radius", mm(C.radius())},
+            {"Conductors", fmt::format("{}", C.conductors())}}}};
+}
+
+Json pipe() {
+  const PipeRecord& P = RUNDATA.cable.pipe;
+  const double y = P.PIPEOVHD ? P.PIPEY : -P.PIPEY;
+  Json rings = {
+      ring(0, P.PIPERI, "filling", "inside of the pipe", dielectric(P.PIPEEPSI, P.PIPEMUI)),
+      ring(P.PIPERI, P.PIPERC, "pipe", "wall of the pipe",
+           metal(P.PIPERHO, P.PIPEMU, P.PIPERI, P.PIPERC))};
+  if (P.PIPEOUTL == 1)
+    rings.push_back(ring(P.PIPERC, P.PIPERO, "insulator", "coating of the pipe",
+                         dielectric(P.PIPEEPSO, P.PIPEMUO)));
+  return {{"x", P.PIPEX},
+          {"y", y},
+          {"r", P.radius()},
+          {"label", "pipe"},
+          {"rings", rings},
+          {"facts",
+           {{"Pipe", P.PIPEGND == 1 ? "grounded" : "not grounded"},
+            {"Position", position(P.PIPEX, y)},
+            {"Overall radius", mm(P.radius())}}}};
+}
+
+// Four sectors whose metal reaches as far from the middle as a round conductor of their area is
+// wide, as the formulas take them.
+Json fourWire() {
+  const FourWireRecord& F = RUNDATA.cable.fourWire;
+  const Cable& C = RUNDATA.cable.CB[1];
+  const double D = std::sqrt(4 * F.FWAREA * SQUAREMM / PI);
+  const double insulated = D + F.FWTINS, taped = insulated + F.FWTTAPE, outer = taped + F.FWTMANT;
+  const std::string copper = fmt::format("{:.4g} mm^2, {:.4g} ohm m, {:.4g} ohm/km", F.FWAREA,
+                                         F.FWRHO, KM * F.FWRHO / (F.FWAREA * SQUAREMM));
+  return {{"x", C.CBX},
+          {"y", -C.CBY},
+          {"r", outer},
+          {"sectors", 4},
+          {"gap", F.FWTINS},
+          {"label", "1"},
+          {"rings",
+           {ring(0, D, "core", "four conductors", copper),
+            ring(D, insulated, "insulator", "insulator", dielectric(F.FWEPSI, 1)),
+            ring(insulated, taped, "semi", "tape", dielectric(F.FWEPST, 1)),
+            ring(taped, outer, "mantle", "mantle", dielectric(F.FWEPSM, 1))}},
+          {"facts",
+           {{"Cable", "four-wire"},
+            {"Position", position(C.CBX, -C.CBY)},
+            {"Overall radius", mm(outer)},
+            {"Conductors", "4 sectors"}}}};
+}
+
+} // namespace
+
+Json geometryOf() {
+  Json all = Json::object();
+  if (RUNDATA.run.DATAFMT != ROUTECONSTANTS) {
+    all["note"] = RUNDATA.run.DATAFMT == ROUTEMANUAL
+                      ? "The data of this line were entered by hand: there is no geometry to draw."
+                      : "Y and Z come from a table: there is no geometry to draw.";
+    return all;
+  }
+  all["towers"] = RUNDATA.cond.NTOWER;
+  for (int i = 1; i <= RUNDATA.cond.NCOND; ++i) all["wires"].push_back(wire(i));
+  const CableTable& T = RUNDATA.cable;
+  if (RUNDATA.run.ISCABLE == FOURWIRECABLE) all["cables"].push_back(fourWire());
+  if (RUNDATA.run.ISCABLE == CABLESYSTEM) {
+    for (int n = 1; n <= T.NCABLE - T.overhead; ++n) all["cables"].push_back(cable(n));
+  }
+  if (T.PIPEF) all["pipe"] = pipe();
+  return all;
+}
+
+} // namespace lcp::companions
