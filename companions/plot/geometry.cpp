@@ -79,6 +79,17 @@ std::string dielectric(double eps, double mu) {
   return mu == 1 || mu == 0 ? text : text + fmt::format(", permeability {:.4g}", mu);
 }
 
+// Insulator 1 lies between the semi-conducting layers.
+void addInsulator(Json& rings, const Cable& C, std::size_t k) {
+  const bool parted = C.CBSEMI && k == 0;
+  const double a = C.CBRAD[2 * k + 1], b = C.CBRAD[2 * k + 2];
+  const double inner = parted ? a + C.CBSEMII : a, outer = parted ? b - C.CBSEMIO : b;
+  if (inner > a) rings.push_back(ring(a, inner, "semi", "semi-conducting layer", "semi-conductor"));
+  rings.push_back(ring(inner, outer, "insulator", fmt::format("insulator {}", k + 1),
+                       dielectric(C.CBEPS[k], C.CBMU[2 * k + 1])));
+  if (b > outer) rings.push_back(ring(outer, b, "semi", "semi-conducting layer", "semi-conductor"));
+}
+
 Json layersOf(const Cable& C) {
   Json rings = Json::array();
   for (int layer = 0; layer < C.CBNLAY; ++layer) {
@@ -88,13 +99,7 @@ Json layersOf(const Cable& C) {
       rings.push_back(ring(inner, outer, METALS[k].substr(0, METALS[k].find(' ')), METALS[k],
                            metal(C.CBRHO[k], C.CBMU[l], inner, outer)));
     else
-      rings.push_back(ring(inner, outer, "insulator", fmt::format("insulator {}", k + 1),
-                           dielectric(C.CBEPS[k], C.CBMU[l])));
-  }
-  if (C.CBSEMI) { // layers of the insulator's own, on both of its sides
-    const double a = C.CBRAD[RADCORE], b = C.CBRAD[RADINSULATOR1];
-    rings.push_back(ring(a, a + C.CBSEMII, "semi", "semi-conducting layer", "semi-conductor"));
-    rings.push_back(ring(b - C.CBSEMIO, b, "semi", "semi-conducting layer", "semi-conductor"));
+      addInsulator(rings, C, k);
   }
   return rings;
 }

@@ -19,6 +19,7 @@ namespace {
 
 constexpr double TWOPI = 6.283185307179586;
 constexpr double MILLI = 1e-3;
+constexpr double SAMESIZE = 1e-9; // relative difference of elements that are equal by symmetry
 constexpr Room ROOMOFLINE = {100000, 400};
 constexpr Room ROOMOFFIT = {450000, 500};
 
@@ -50,6 +51,35 @@ std::pair<Matrix, double> orderOf(const ModelFile& file) {
   const double f =
       std::clamp(RUNDATA.line.SSFREQ, fitRanges()[0].f.front(), fitRanges()[0].f.back());
   return {modesOf(constantsOf(f)).TI, f};
+}
+
+std::size_t nearest(const std::vector<double>& f, double wanted) {
+  const auto nearer = [wanted](double a, double b) {
+    return std::fabs(std::log(a / wanted)) < std::fabs(std::log(b / wanted));
+  };
+  return static_cast<std::size_t>(std::min_element(f.begin(), f.end(), nearer) - f.begin());
+}
+
+// Each vector is turned so that its element in one row is real and positive, at all frequencies the
+// row of its largest element at one of them, as the program turns them; surge impedances follow.
+void holdRows(std::vector<LineModes>& modes, std::size_t start) {
+  const Matrix from = modes[start].TI;
+  for (std::size_t m = 0; m < from.columns; ++m) {
+    std::size_t row = 0;
+    for (std::size_t i = 1; i < from.rows; ++i) {
+      if (std::abs(from(i, m)) > std::abs(from(row, m)) * (1 + SAMESIZE)) row = i;
+    }
+    for (LineModes& M : modes) {
+      const Complex pivot = M.TI(row, m);
+      if (pivot == 0.0) continue;
+      const Complex factor = std::conj(pivot) / std::abs(pivot);
+      for (std::size_t i = 0; i < from.rows; ++i) {
+        M.TI(i, m) *= factor;
+        M.TIINV(m, i) /= factor;
+      }
+      M.Zc[m] *= factor * factor;
+    }
+  }
 }
 
 template <class Value> std::vector<Complex> overFrequency(const Survey& S, Value value) {
@@ -91,6 +121,7 @@ Functions surges(const Survey& S, const ModelFile& file) {
 
 Functions transformation(const Survey& S) {
   Functions F{"TI", "Current transformation, (conductor, mode)", "ratio", ""};
+  F.reference = 1;
   std::vector<Matrix> TI;
   for (const LineModes& M : S.modes) TI.push_back(M.TI);
   F.elements = elementsOf(TI, {}, false);
@@ -200,6 +231,7 @@ Survey surveyLine(const ModelFile& file, double length) {
   for (const double f : S.at.f) S.line.push_back(constantsOf(f));
   const auto [reference, from] = orderOf(file);
   S.modes = followed(S.line, reference, from);
+  holdRows(S.modes, file.kind == ModelKind::MODE ? 0 : nearest(S.at.f, from));
   return S;
 }
 

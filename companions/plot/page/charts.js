@@ -157,7 +157,8 @@ function onKey(chart, event) {
 function swatch(series) {
   const dash = series.style === "model" ? "stroke-dasharray='5 3'" : "", wide = series.style === "under";
   const span = make("span", { "aria-hidden": "true" });
-  span.innerHTML = `<svg width="20" height="8"><line x1="0" y1="4" x2="20" y2="4" ${dash}
+  const mark = series.marks === "cross" ? "<path d='M 6 0 l 8 8 m 0 -8 l -8 8'" : "<path d='M 0 4 h 20'";
+  span.innerHTML = `<svg width="20" height="8">${mark} ${dash}
     style="stroke: var(--s${Number(series.colour) % 8}); stroke-width: ${wide ? 4 : 2}; opacity: ${wide ? 0.45 : 1}"/></svg>`;
   return span;
 }
@@ -165,12 +166,13 @@ function swatch(series) {
 function legendOf(chart) {
   chart.at = make("output", { class: "at", "aria-live": "polite" });
   chart.outputs = chart.spec.series.map(() => make("output"));
-  return make("div", { class: "legend" }, chart.at, ...chart.spec.series.map((s, i) =>
+  const below = make("div", { class: "axis x" }, chart.spec.xAxis, chart.at);
+  return [below, make("div", { class: "legend" }, ...chart.spec.series.map((s, i) =>
     make("button", { type: "button", "aria-pressed": "true", title: "Show or hide", onclick: (event) => {
       chart.shown[i] = !chart.shown[i];
       event.currentTarget.setAttribute("aria-pressed", chart.shown[i]);
       chart.graph.updateOptions({ visibility: chart.shown, axes: { y: { valueRange: extent(chart.spec, chart.shown) } } });
-    } }, swatch(s), make("span", {}, s.name), chart.outputs[i])));
+    } }, swatch(s), make("span", {}, s.name), chart.outputs[i])))];
 }
 
 function asCsv(spec) {
@@ -241,12 +243,14 @@ function addChart(host, spec) {
   const file = (spec.id + (spec.file || "")).replace(/[^\w-]+/g, "_");
   const button = (text, hint, act) => make("button", { type: "button", title: hint, "aria-label": `${hint}: ${spec.title}`, onclick: act }, text);
   const negative = spec.y.decades && spec.series.some((s) => s.values.some((v) => v < 0));
-  const note = [spec.note, negative && "Values below 0 are drawn by their size; the cursor tells the sign."].filter(Boolean).join(" ");
+  const nothing = spec.series.filter((s) => s.drawn.every((y) => y === null)).map((s) => s.name);
+  const note = [spec.note, nothing.length && `${nothing.join(", ")}: 0 throughout.`, negative && "Values below 0 are drawn by their size; the cursor tells the sign."].filter(Boolean).join(" ");
+  const legend = legendOf(chart);
   host.append(make("figure", { id: spec.id, class: spec.wide ? "wide" : "" },
     make("header", {}, make("h3", {}, spec.title),
       button("CSV", "Download the data as CSV", () => download(file + ".csv", URL.createObjectURL(new Blob([asCsv(spec)], { type: "text/csv" })))),
       button("PNG", "Download the picture as PNG", () => download(file + ".png", asPicture(chart)))),
-    make("div", { class: "axis" }, spec.yAxis), chart.plot, make("div", { class: "axis x" }, spec.xAxis), legendOf(chart),
+    make("div", { class: "axis" }, spec.yAxis), chart.plot, legend[0], legend[1],
     ...(note ? [make("figcaption", {}, note)] : [])));
   const rows = Array.from(spec.values, (x, k) => [spec.x.to(x), ...spec.series.map((s) => s.drawn[k])]);
   chart.graph = new Dygraph(chart.plot, rows, graphOptions(chart));

@@ -33,7 +33,7 @@ function tells(element, facts) {
 const circuitClass = (wire) => (wire.ground ? "ground" : "circuit" + ((wire.circuit - 1 + 60) % 6));
 
 // Bounds that hold all bodies, the surface, and room around them.
-function boundsOf(way) {
+function boundsOf(way, flat) {
   const xs = [], ys = [0];
   for (const w of way.wires || []) { xs.push(w.x - w.r, w.x + w.r); ys.push(w.y + w.r, w.y - w.sag); }
   for (const c of [...(way.cables || []), ...(way.pipe ? [way.pipe] : [])]) {
@@ -42,16 +42,24 @@ function boundsOf(way) {
   }
   let [left, right, low, high] = [Math.min(...xs), Math.max(...xs), Math.min(...ys), Math.max(...ys)];
   const size = Math.max(right - left, high - low);
-  const wide = Math.max(right - left + 0.2 * size, 0.9 * size, 1.9 * (high - low)), middle = (left + right) / 2;
+  const wide = Math.max(right - left + 0.2 * size, 0.9 * size, flat * (high - low)), middle = (left + right) / 2;
   low -= (low < 0 ? 0.12 : 0.05) * size;
   high += 0.09 * size;
   const tall = Math.max(high - low, 0.28 * wide);
   return { left: middle - wide / 2, right: middle + wide / 2, low, high: low + tall };
 }
 
+// The middle of each bundle; a single wire is its own.
+function bundles(wires) {
+  return [...new Set(wires.map((w) => w.bundle))].map((bundle) => {
+    const own = wires.filter((w) => w.bundle === bundle), mean = (key) => own.reduce((sum, w) => sum + w[key], 0) / own.length;
+    return { x: mean("x"), y: mean("y"), sag: mean("sag") };
+  });
+}
+
 // Masts and crossarms, schematic: the wires are parted into as many towers at the widest gaps.
 function towers(way) {
-  const sorted = [...(way.wires || [])].sort((a, b) => a.x - b.x), group = svg("g", { "aria-hidden": "true" });
+  const sorted = bundles(way.wires || []).sort((a, b) => a.x - b.x), group = svg("g", { "aria-hidden": "true" });
   const gaps = sorted.slice(1).map((w, i) => [w.x - sorted[i].x, i + 1]).sort((a, b) => b[0] - a[0]);
   const cuts = gaps.slice(0, Math.max(0, (way.towers || 1) - 1)).map((g) => g[1]).sort((a, b) => a - b);
   [0, ...cuts].forEach((from, k) => {
@@ -65,6 +73,7 @@ function towers(way) {
         x1: Math.min(middle, level[0].x), x2: Math.max(middle, level.at(-1).x) }));
     }
   });
+  for (const w of sorted) if (w.sag > 0) group.append(svg("line", { class: "guide", x1: w.x, x2: w.x, y1: -w.y, y2: w.sag - w.y }));
   return group;
 }
 
@@ -72,7 +81,6 @@ function wireMarks(wire, pixel) {
   const r = Math.max(wire.r, (wire.label === "" ? 2.2 : 3.2) * pixel), low = -(wire.y - wire.sag);
   const group = svg("g", { class: circuitClass(wire) });
   if (wire.sag > 0) {
-    group.append(svg("line", { class: "guide", x1: wire.x, x2: wire.x, y1: -wire.y, y2: low }));
     group.append(svg("circle", { class: "midspan", cx: wire.x, cy: low, r: Math.max(wire.r, 2.2 * pixel) }));
   }
   group.append(svg("circle", { class: "wire", cx: wire.x, cy: -wire.y, r }));
@@ -105,15 +113,15 @@ function rings(body, cx, cy) {
 
 function scales(b, pixel) {
   const group = svg("g", { "aria-hidden": "true" }), left = b.left + 44 * pixel, bottom = -b.low - 22 * pixel;
-  for (const v of steps(b.low + 30 * pixel, b.high - 8 * pixel, (b.high - b.low) / pixel / 48)) {
+  for (const v of steps(b.low + 30 * pixel, b.high - 24 * pixel, (b.high - b.low) / pixel / 48)) {
     group.append(svg("line", { class: "tick", x1: left, x2: left + 5 * pixel, y1: -v, y2: -v }));
-    group.append(text(left - 4 * pixel, -v + 4 * pixel, told(v, 4), pixel, { class: "soft halo", "text-anchor": "end", size: 11 }));
+    group.append(text(left - 4 * pixel, -v + (v === 0 ? -4 : 4) * pixel, told(v, 4), pixel, { class: "soft", "text-anchor": "end", size: 11 }));
   }
-  for (const v of steps(left + 30 * pixel, b.right - 30 * pixel, (b.right - b.left) / pixel / 80)) {
+  for (const v of steps(left + 30 * pixel, b.right - 56 * pixel, (b.right - b.left) / pixel / 80)) {
     group.append(svg("line", { class: "tick", x1: v, x2: v, y1: bottom, y2: bottom + 5 * pixel }));
     group.append(text(v, bottom + 17 * pixel, told(v, 4), pixel, { class: "soft", "text-anchor": "middle", size: 11 }));
   }
-  group.append(text(b.left + 6 * pixel, -b.high + 14 * pixel, "y (m)", pixel, { class: "soft halo", size: 11 }));
+  group.append(text(b.left + 6 * pixel, -b.high + 14 * pixel, "y (m)", pixel, { class: "soft", size: 11 }));
   group.append(text(b.right - 6 * pixel, bottom + 17 * pixel, "x (m)", pixel, { class: "soft", "text-anchor": "end", size: 11 }));
   return group;
 }
@@ -133,7 +141,7 @@ function depths(bodies, pixel) {
 }
 
 function drawWay(picture, way) {
-  const b = boundsOf(way), pixel = (b.right - b.left) / Math.max(picture.clientWidth, 200);
+  const b = boundsOf(way, picture.clientWidth > 700 ? 2.4 : 1.5), pixel = (b.right - b.left) / Math.max(picture.clientWidth, 200);
   const bodies = [...(way.pipe ? [way.pipe] : []), ...(way.cables || [])], ground = Math.max(-b.low, 0);
   picture.setAttribute("viewBox", `${b.left} ${-b.high} ${b.right - b.left} ${b.high - b.low}`);
   picture.replaceChildren(svg("title", {}, "Cross-section of the right-of-way, to scale"),
@@ -153,21 +161,21 @@ function drawWay(picture, way) {
 }
 
 // A body enlarged: what stands around a point, in true proportion, with a length beside it.
-function lens(title, x, y, r, ...content) {
-  const bar = steps(0, 1.1 * r, 2).at(-1), pixel = (2.5 * r) / 190, side = 1.25 * r;
-  const picture = svg("svg", { class: "way lens", role: "group", "aria-label": title, viewBox: `${x - side} ${y - side} ${2 * side} ${2.3 * side}` },
-    ...content, svg("line", { class: "tick", x1: x - side + 8 * pixel, x2: x - side + 8 * pixel + bar, y1: y + 1.13 * side, y2: y + 1.13 * side, "stroke-width": 2 }),
-    text(x - side + 14 * pixel + bar, y + 1.16 * side, bar < 1 ? `${told(1e3 * bar, 4)} mm` : `${told(bar, 4)} m`, pixel, { class: "soft", size: 11 }));
-  return make("div", {}, make("h3", {}, title), picture);
+function lens(title, x, y, r, size, ...content) {
+  const decade = 10 ** Math.floor(Math.log10(r)), bar = decade * [5, 2, 1].find((m) => m * decade <= r), pixel = (2.5 * r) / size, side = 1.25 * r;
+  const picture = svg("svg", { class: "way lens", role: "group", "aria-label": title, viewBox: `${x - side} ${y - side} ${2 * side} ${2.22 * side}` },
+    ...content, svg("line", { class: "tick", x1: x - side + 8 * pixel, x2: x - side + 8 * pixel + bar, y1: y + 1.05 * side, y2: y + 1.05 * side, "stroke-width": 2 }),
+    text(x - side + 14 * pixel + bar, y + 1.08 * side, bar < 1 ? `${told(1e3 * bar, 4)} mm` : `${told(bar, 4)} m`, pixel, { class: "soft", size: 11 }));
+  return make("div", { class: size > 200 ? "large" : false }, make("h3", {}, title), picture);
 }
 
 function lenses(way) {
   const all = [];
   if (way.pipe) {
     const inside = (way.cables || []).filter((c) => c.inside);
-    all.push(lens("The pipe", way.pipe.x, -way.pipe.y, way.pipe.r, rings(way.pipe, way.pipe.x, -way.pipe.y), ...inside.map((c) => rings(c, c.x, -c.y))));
+    all.push(lens("The pipe", way.pipe.x, -way.pipe.y, way.pipe.r, 300, rings(way.pipe, way.pipe.x, -way.pipe.y), ...inside.map((c) => rings(c, c.x, -c.y))));
   }
-  for (const c of way.cables || []) all.push(lens(c.sectors ? "Four-wire cable" : `Cable ${c.label}`, c.x, -c.y, c.r, rings(c, c.x, -c.y)));
+  for (const c of way.cables || []) all.push(lens(c.sectors ? "Four-wire cable" : `Cable ${c.label}`, c.x, -c.y, c.r, c.sectors ? 300 : 196, rings(c, c.x, -c.y)));
   const shown = new Set();
   for (const main of way.wires || []) {
     const own = way.wires.filter((w) => w.bundle === main.bundle), kind = circuitClass(main);
@@ -177,7 +185,7 @@ function lenses(way) {
     const r = Math.max(...own.map((w) => Math.hypot(w.x - x, w.y - y) + w.r));
     const discs = own.map((w) => tells(svg("g", { class: kind }, svg("circle", { class: "wire", cx: w.x, cy: -w.y, r: w.r }),
       svg("circle", { class: "hit", cx: w.x, cy: -w.y, r: Math.max(w.r, 0.08 * r) })), w.facts));
-    all.push(lens(`Bundle of node ${main.label || own[0].label}`, x, -y, r, ...discs));
+    all.push(lens(`Bundle of node ${main.label || own[0].label}`, x, -y, r, 196, ...discs));
   }
   return all;
 }
@@ -201,7 +209,7 @@ function addGeometry(host, way) {
   const picture = svg("svg", { class: "way", role: "group", "aria-label": "Cross-section of the right-of-way, to scale" });
   const enlarged = lenses(way);
   host.append(make("figure", {}, picture, keyOf(way),
-    ...(enlarged.length ? [make("div", { class: way.pipe || enlarged.length < 3 ? "lenses large" : "lenses" }, ...enlarged)] : []),
+    ...(enlarged.length ? [make("div", { class: "lenses" }, ...enlarged)] : []),
     make("figcaption", {}, "To scale. Pointing at a body, or moving to it by the tabulator key, tells what it is.")));
   let drawn = 0;
   const draw = () => { if (picture.clientWidth !== drawn) { drawn = picture.clientWidth; drawWay(picture, way); } };

@@ -33,12 +33,17 @@ function toldFrequency(f) {
 // ---- what is drawn of a complex function z over w (rad/s); c holds the length and the function
 
 function unwrapped(angles) {
-  let turn = 0;
-  return angles.map((a, k) => {
-    if (k > 0) turn -= 360 * Math.round((a - angles[k - 1]) / 360);
+  let turn = 0, before = NaN;
+  return angles.map((a) => {
+    if (Number.isFinite(before) && Number.isFinite(a)) turn -= 360 * Math.round((a - before) / 360);
+    if (Number.isFinite(a)) before = a;
     return a + turn;
   });
 }
+
+// An angle, but none of what is nothing beside the size of its function.
+const NOTHING = 1e-9;
+const angleOf = (re, im, w, c) => (Math.hypot(re, im) < NOTHING * c.reference ? NaN : DEGREES * Math.atan2(im, re));
 
 const VIEWS = {
   R: { title: "Resistance", axis: "R (ohm/km)", scale: "log", of: (re) => 1e3 * re },
@@ -55,8 +60,7 @@ const VIEWS = {
     of: (re, im, w, c) => (1e3 * c.length * im) / w },
   magnitude: { title: "Magnitude", axis: (c) => "|" + c.symbol + "|" + (c.unit && " (" + c.unit + ")"), scale: "log",
     of: (re, im) => Math.hypot(re, im) },
-  angle: { title: "Angle", axis: (c) => "∠" + c.symbol + " (deg)", scale: "linear", after: unwrapped,
-    of: (re, im) => DEGREES * Math.atan2(im, re) },
+  angle: { title: "Angle", axis: (c) => "∠" + c.symbol + " (deg)", scale: "linear", after: unwrapped, of: angleOf },
   deviation: { title: "Deviation of the model from the line", scale: "log", wide: true, both: true,
     axis: (c) => (c.reference > 0 ? "% of " + told(c.reference, 4) + (c.unit && " " + c.unit) : "% of the magnitude") },
 };
@@ -86,6 +90,7 @@ function deviations(line, model, f, c) {
 const SCALES = {
   linear: () => ({ to: (v) => v, from: (y) => y }),
   log: () => ({ to: (v) => (v === 0 ? NaN : Math.log10(Math.abs(v))), from: (y) => 10 ** y, decades: true }),
+  frequency: () => ({ ...SCALES.log(), name: prefixed }),
   // Straight near 0, within t of it, and decades beyond on both sides.
   signed: (t) => ({
     to: (v) => Math.sign(v) * Math.log10(1 + Math.abs(v) / t),
@@ -107,9 +112,15 @@ function power(k, sign = "") {
   return sign + plain;
 }
 
-function decadeTicks(a, b, count) {
+// Frequencies by thousands.
+function prefixed(k) {
+  const group = Math.max(-1, Math.min(3, Math.floor(k / 3)));
+  return group < 0 ? told(10 ** k, 3) : Number((10 ** (k - 3 * group)).toPrecision(3)) + ["", " k", " M", " G"][group];
+}
+
+function decadeTicks(a, b, count, name = power) {
   const low = Math.ceil(a - 1e-9), high = Math.floor(b + 1e-9);
-  if (b - a < 1.2) {
+  if (b - a < 2.2) {
     const values = b - a < 0.5 ? steps(10 ** a, 10 ** b, count) : [1, 2, 5].flatMap((m) =>
       Array.from({ length: high - low + 3 }, (_, i) => m * 10 ** (low - 1 + i)));
     return values.filter((v) => v > 0).map((v) => ({ v: Math.log10(v), label: told(v, 6) }))
@@ -117,7 +128,7 @@ function decadeTicks(a, b, count) {
   }
   const every = Math.max(1, Math.ceil((high - low) / count)), ticks = [];
   for (let k = low; k <= high; k++)
-    ticks.push({ v: k, label: (((k % every) + every) % every) === 0 ? power(k) : "" });
+    ticks.push({ v: k, label: (((k % every) + every) % every) === 0 ? name(k) : "" });
   return ticks;
 }
 
@@ -135,7 +146,7 @@ function signedTicks(a, b, count, t) {
 }
 
 function ticksOf(scale, a, b, count) {
-  if (scale.decades) return decadeTicks(a, b, count);
+  if (scale.decades) return decadeTicks(a, b, count, scale.name);
   if (scale.signed) return signedTicks(a, b, count, scale.signed);
   return steps(a, b, count).map((v) => ({ v, label: told(v, 6) }));
 }

@@ -3,7 +3,7 @@
 const data = JSON.parse(document.getElementById("data").textContent);
 const main = document.getElementById("main");
 
-const frequencies = { x: SCALES.log(), xAxis: "Frequency (Hz)", tellX: toldFrequency };
+const frequencies = { x: SCALES.frequency(), xAxis: "Frequency (Hz)", tellX: toldFrequency };
 
 function addSection(id, title, words) {
   const section = make("section", { id, "aria-labelledby": id + "-title" }, make("h2", { id: id + "-title" }, title));
@@ -111,9 +111,10 @@ function addPoles(host, poles) {
   const sizes = rows.map((p) => Math.hypot(p.re, p.im)).filter((v) => v > 0), least = Math.min(...sizes);
   const scale = SCALES.signed(10 ** Math.floor(Math.log10(least) - 1));
   const tell = (s) => (row) => (rows[row].s === s ? `${told(rows[row].im, 4)}, residue ${told(rows[row].residue, 3)}` : "");
+  rows.push({ re: least, im: NaN, s: -1 }); // so that the imaginary axis is in sight
   const box = make("div", { class: "charts" });
   host.append(make("div", { class: "function", id: "poles" }, make("h3", {}, "Poles in the s plane"), box));
-  addChart(box, { id: "poles-plane", title: `${rows.length} poles`, yAxis: "Im s (1/s)", xAxis: "Re s (1/s)", x: scale, y: scale, wide: true, marked: true,
+  addChart(box, { id: "poles-plane", title: `${sizes.length} poles`, yAxis: "Im s (1/s)", xAxis: "Re s (1/s)", x: scale, y: scale, wide: true, marked: true,
     values: rows.map((p) => p.re), tellX: (re) => told(re, 4) + " 1/s", bands: [{ from: 0, to: 1e300, colour: "--band" }],
     series: poles.map((p, s) => ({ name: p.name, colour: s, marks: "cross", values: rows.map((r) => (r.s === s ? r.im : NaN)), tell: tell(s) })),
     note: "Both axes count decades on both sides of 0. Right of the imaginary axis, shaded, a model is unstable." });
@@ -149,7 +150,7 @@ function addPassivity(passivity) {
   for (const c of curves) {
     const rows = c.bands.slice(0, 20).map(([from, to, worst, at]) => [toldFrequency(from), toldFrequency(to), told(worst, 4) + " S", toldFrequency(at)]);
     if (rows.length) section.append(make("h3", {}, `Bands of violation, ${c.name}: ${c.bands.length}`), table(["From", "To", "Smallest eigenvalue", "At"], rows));
-    else section.append(make("p", {}, `No violation: ${c.name}.`));
+    else section.append(make("p", {}, passivity.before ? `No violation ${c.name}.` : "No violation."));
   }
 }
 
@@ -176,7 +177,7 @@ function addVerdicts(section) {
   const rows = [...data.verdicts].sort((a, b) => order[a.verdict] - order[b.verdict]).map((f) => {
     const id = placeOf(f), element = (f.where.match(/\(\d+,\d+\)|mode \d+/) || [])[0];
     const link = make("a", { href: "#" + id, onclick: () => document.getElementById(id).choose?.(element) }, f.subject);
-    return [chip(f.verdict || "told", f.verdict || "told"), link, f.where, toldFinding(f), f.frequency ? toldFrequency(f.frequency) : ""];
+    return [chip(f.verdict || "told", f.verdict || "info"), link, f.where, toldFinding(f), f.frequency ? toldFrequency(f.frequency) : ""];
   });
   const list = table(["Verdict", "Quantity", "Where", "Value", "At"], rows, "verdicts");
   for (const row of list.querySelectorAll("tr")) row.children[2].classList.add("where");
