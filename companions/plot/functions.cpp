@@ -94,15 +94,14 @@ std::string packedCurve(const std::vector<Complex>& values, const std::vector<st
 
 // The elements that the page shows first: the first two and the one whose model is worst.
 Json firstShown(const Functions& F) {
+  const std::size_t n = F.elements.size();
+  Json shown = Json::array();
+  for (std::size_t i = 0; i < std::min(n, SHOWN); ++i) shown.push_back(i);
   std::size_t bad = SHOWN - 1;
-  for (std::size_t i = 0; i < F.elements.size(); ++i) {
+  for (std::size_t i = SHOWN; i < n; ++i) {
     if (worst(F.elements[i], F.reference) > worst(F.elements[bad], F.reference)) bad = i;
   }
-  Json shown = Json::array();
-  for (std::size_t i = 0; i < F.elements.size(); ++i) {
-    if (F.elements.size() <= SHOWN || i + 1 < SHOWN || i == std::max(bad, SHOWN - 1))
-      shown.push_back(i);
-  }
+  if (n >= SHOWN) shown.back() = bad;
   return shown;
 }
 

@@ -243,7 +243,7 @@ function addChart(host, spec) {
   const file = (spec.id + (spec.file || "")).replace(/[^\w-]+/g, "_");
   const button = (text, hint, act) => make("button", { type: "button", title: hint, "aria-label": `${hint}: ${spec.title}`, onclick: act }, text);
   const negative = spec.y.decades && spec.series.some((s) => s.values.some((v) => v < 0));
-  const nothing = spec.series.filter((s) => s.drawn.every((y) => y === null)).map((s) => s.name);
+  const nothing = spec.series.filter((s) => s.values.every((v) => v === 0)).map((s) => s.name);
   const note = [spec.note, nothing.length && `${nothing.join(", ")}: 0 throughout.`, negative && "Values below 0 are drawn by their size; the cursor tells the sign."].filter(Boolean).join(" ");
   const legend = legendOf(chart);
   host.append(make("figure", { id: spec.id, class: spec.wide ? "wide" : "" },
@@ -265,11 +265,16 @@ function clearCharts(host) {
   host.replaceChildren();
 }
 
-// Colours and sizes of the medium: another scheme, or paper.
-function redrawCharts() {
+// Colours and sizes of the medium: another scheme, or paper, which takes pictures in place of what
+// is drawn on the screen.
+function redrawCharts(paper) {
   for (const chart of charts.values()) {
-    chart.graph.updateOptions({ series: seriesOptions(chart.spec), gridLineColor: styleOf("--grid"), axisLineColor: styleOf("--faint") }, true);
+    const looks = { series: seriesOptions(chart.spec), gridLineColor: styleOf("--grid"), axisLineColor: styleOf("--faint") };
+    chart.graph.updateOptions({ ...looks, pixelRatio: paper ? 3 : null }, true);
     chart.graph.resize();
     chart.graph.updateOptions({});
+    chart.plot.querySelector("img")?.remove();
+    const canvas = chart.plot.querySelector("canvas");
+    if (paper) chart.plot.append(make("img", { src: canvas.toDataURL(), alt: "", style: `width: ${canvas.style.width}; height: ${canvas.style.height}` }));
   }
 }

@@ -57,7 +57,7 @@ function seriesOf(view, c, packed, i, colour) {
 const MOSTSHOWN = 8;
 
 function addFunction(host, c, set) {
-  const own = { ...c, f: set.f, fit: set.fit, length: data.length, symbol: c.id.replace(/-fit$/, "") }, packed = [];
+  const own = { ...c, f: set.f, fit: set.fit, length: data.length, symbol: c.id.split(" ").at(-1).replace(/-fit$/, "") }, packed = [];
   const state = { shown: c.shown, form: 0 }, box = make("div", { class: "charts" });
   const unpack = (i) => (packed[i] ??= Object.fromEntries(["line", "model"].filter((k) => c.elements[i][k]).map((k) => [k, unpacked(c.elements[i][k])])));
   const draw = () => {
@@ -66,7 +66,7 @@ function addFunction(host, c, set) {
     for (const name of KINDS[c.kind][state.form]) {
       const view = VIEWS[name], series = state.shown.flatMap((i, k) => seriesOf(view, own, packed, i, k));
       const axis = typeof view.axis === "string" ? view.axis : view.axis(own);
-      if (view.both && series.length === 0) continue;
+      if (series.length === 0 || (view.delays && !data.length)) continue;
       const delays = view.delays ? (data.delays || []).filter((d) => d.delay > 0).map((d) => ({ at: d.delay, name: d.name })) : [];
       addChart(box, { ...frequencies, id: `${c.id}-${name}`.replace(/ /g, "_"), title: view.title, yAxis: axis, y: SCALES[view.scale](), values: set.f, series,
         wide: view.wide || view.delays, group: c.id, lines: delays, note: delays.length ? "Dotted: delays of the model." : "" });
@@ -225,6 +225,6 @@ addHead();
 if (data.curves) addCurves();
 else addLine();
 
-matchMedia("(prefers-color-scheme: dark)").addEventListener("change", redrawCharts);
+matchMedia("(prefers-color-scheme: dark)").addEventListener("change", () => redrawCharts(false));
 for (const [event, on] of [["beforeprint", true], ["afterprint", false]])
-  addEventListener(event, () => { document.documentElement.classList.toggle("printing", on); redrawCharts(); });
+  addEventListener(event, () => { document.documentElement.classList.toggle("printing", on); redrawCharts(on); });
