@@ -83,6 +83,7 @@ function underlay(spec) {
       ctx.fillRect(from, area.y, Math.max(to - from, 1.5), area.h);
     }
     ctx.font = "11px system-ui, sans-serif";
+    const named = []; // where a name stands, so that no other one is written over it
     for (const line of spec.lines || []) {
       const y = Math.round(g.toDomYCoord(spec.y.to(line.at))) + 0.5;
       ctx.strokeStyle = ctx.fillStyle = styleOf("--soft");
@@ -91,7 +92,9 @@ function underlay(spec) {
       ctx.moveTo(area.x, y);
       ctx.lineTo(area.x + area.w, y);
       ctx.stroke();
-      if (line.name) ctx.fillText(line.name, area.x + area.w - ctx.measureText(line.name).width - 4, y - 4);
+      if (!line.name || named.some((other) => Math.abs(other - y) < 12)) continue;
+      named.push(y);
+      ctx.fillText(line.name, area.x + area.w - ctx.measureText(line.name).width - 4, y - 4);
     }
     ctx.restore();
   };
@@ -269,10 +272,9 @@ function clearCharts(host) {
 // is drawn on the screen.
 function redrawCharts(paper) {
   for (const chart of charts.values()) {
-    const looks = { series: seriesOptions(chart.spec), gridLineColor: styleOf("--grid"), axisLineColor: styleOf("--faint") };
-    chart.graph.updateOptions({ ...looks, pixelRatio: paper ? 3 : null }, true);
+    chart.graph.updateOptions({ pixelRatio: paper ? 3 : null }, true);
     chart.graph.resize();
-    chart.graph.updateOptions({});
+    chart.graph.updateOptions({ series: seriesOptions(chart.spec), gridLineColor: styleOf("--grid"), axisLineColor: styleOf("--faint") });
     chart.plot.querySelector("img")?.remove();
     const canvas = chart.plot.querySelector("canvas");
     if (paper) chart.plot.append(make("img", { src: canvas.toDataURL(), alt: "", style: `width: ${canvas.style.width}; height: ${canvas.style.height}` }));

@@ -79,7 +79,7 @@ function towers(way) {
 
 function wireMarks(wire, pixel) {
   const r = Math.max(wire.r, (wire.label === "" ? 2.2 : 3.2) * pixel), low = -(wire.y - wire.sag);
-  const group = svg("g", { class: circuitClass(wire) });
+  const group = svg("g", { class: circuitClass(wire), "data-bundle": wire.bundle });
   if (wire.sag > 0) {
     group.append(svg("circle", { class: "midspan", cx: wire.x, cy: low, r: Math.max(wire.r, 2.2 * pixel) }));
   }
