@@ -65,13 +65,16 @@ Json ring(double inner, double outer, std::string_view kind, std::string_view na
           {"kind", kind},
           {"facts",
            {{"Layer", name},
-            {"Radius", fmt::format("{} to {}", mm(inner), mm(outer))},
+            {"Radii", fmt::format("{} to {}", mm(inner), mm(outer))},
             {"Material", material}}}};
 }
 
-std::string metal(double rho, double mu, double inner, double outer) {
+Json metalRing(double inner, double outer, std::string_view name, double rho, double mu) {
   const double area = PI * (outer * outer - inner * inner);
-  return fmt::format("{:.4g} ohm m, permeability {:.4g}, {:.4g} ohm/km", rho, mu, KM * rho / area);
+  Json one = ring(inner, outer, name.substr(0, name.find(' ')), name,
+                  fmt::format("{:.4g} ohm m, permeability {:.4g}", rho, mu));
+  one["facts"]["Resistance"] = fmt::format("{:.5g} ohm/km", KM * rho / area);
+  return one;
 }
 
 std::string dielectric(double eps, double mu) {
@@ -96,8 +99,7 @@ Json layersOf(const Cable& C) {
     const auto l = static_cast<std::size_t>(layer), k = l / 2;
     const double inner = C.CBRAD[l], outer = C.CBRAD[l + 1];
     if (layer % 2 == 0)
-      rings.push_back(ring(inner, outer, METALS[k].substr(0, METALS[k].find(' ')), METALS[k],
-                           metal(C.CBRHO[k], C.CBMU[l], inner, outer)));
+      rings.push_back(metalRing(inner, outer, METALS[k], C.CBRHO[k], C.CBMU[l]));
     else
       addInsulator(rings, C, k);
   }
@@ -135,8 +137,7 @@ Json pipe() {
   const double y = P.PIPEOVHD ? P.PIPEY : -P.PIPEY;
   Json rings = {
       ring(0, P.PIPERI, "filling", "inside of the pipe", dielectric(P.PIPEEPSI, P.PIPEMUI)),
-      ring(P.PIPERI, P.PIPERC, "pipe", "wall of the pipe",
-           metal(P.PIPERHO, P.PIPEMU, P.PIPERI, P.PIPERC))};
+      metalRing(P.PIPERI, P.PIPERC, "pipe wall", P.PIPERHO, P.PIPEMU)};
   if (P.PIPEOUTL == 1)
     rings.push_back(ring(P.PIPERC, P.PIPERO, "insulator", "coating of the pipe",
                          dielectric(P.PIPEEPSO, P.PIPEMUO)));
@@ -158,8 +159,9 @@ Json fourWire() {
   const Cable& C = RUNDATA.cable.CB[1];
   const double D = std::sqrt(4 * F.FWAREA * SQUAREMM / PI);
   const double insulated = D + F.FWTINS, taped = insulated + F.FWTTAPE, outer = taped + F.FWTMANT;
-  const std::string copper = fmt::format("{:.4g} mm^2, {:.4g} ohm m, {:.4g} ohm/km", F.FWAREA,
-                                         F.FWRHO, KM * F.FWRHO / (F.FWAREA * SQUAREMM));
+  Json core = ring(0, D, "core", "four conductors",
+                   fmt::format("{:.4g} mm^2, {:.4g} ohm m", F.FWAREA, F.FWRHO));
+  core["facts"]["Resistance"] = fmt::format("{:.5g} ohm/km", KM * F.FWRHO / (F.FWAREA * SQUAREMM));
   return {{"x", C.CBX},
           {"y", -C.CBY},
           {"r", outer},
@@ -167,8 +169,7 @@ Json fourWire() {
           {"gap", F.FWTINS},
           {"label", "1"},
           {"rings",
-           {ring(0, D, "core", "four conductors", copper),
-            ring(D, insulated, "insulator", "insulator", dielectric(F.FWEPSI, 1)),
+           {core, ring(D, insulated, "insulator", "insulator", dielectric(F.FWEPSI, 1)),
             ring(insulated, taped, "semi", "tape", dielectric(F.FWEPST, 1)),
             ring(taped, outer, "mantle", "mantle", dielectric(F.FWEPSM, 1))}},
           {"facts",

@@ -217,7 +217,7 @@ class Pages(unittest.TestCase):
         self.browser.call("/actions", {"actions": [{"type": "key", "id": "keys", "actions": keys}]})
         self.assertAlmostEqual(told(self.browser.run(CHART + "return chart.at.textContent", "Z-R")), 0.24206)
         csv, png = self.browser.run(CHART + "return [asCsv(chart.spec), asPicture(chart)]", "Yc-deviation")
-        self.assertRegex(csv, r'^"Frequency \(Hz\)","\(1,1\), % of 0.003651 S"')
+        self.assertRegex(csv, r'^"Frequency \(Hz\)","\(1,1\), deviation \(% of 0.003651 S\)"')
         self.assertEqual(csv.count("\r\n"), 1 + self.browser.run(CHART + "return chart.graph.numRows()", "Yc-deviation"))
         self.assertGreater(len(base64.b64decode(png.split(",")[1])), 5000)
 

@@ -185,6 +185,15 @@ function asCsv(spec) {
   return [head, ...rows].join("\r\n") + "\r\n";
 }
 
+// Draws with so many dots a pixel; null: as many as the screen has.
+function sharpen(chart, dots) {
+  chart.graph.updateOptions({ pixelRatio: dots }, true);
+  for (const height of [chart.plot.clientHeight - 1 + "px", ""]) { // it draws anew at another size alone
+    chart.plot.style.height = height;
+    chart.graph.resize();
+  }
+}
+
 // The chart as it stands, with its title, axes and legend, twice as fine as the screen.
 function asPicture(chart) {
   const { plot, spec } = chart, box = plot.getBoundingClientRect(), top = 44;
@@ -203,7 +212,9 @@ function asPicture(chart) {
   };
   write(spec.title, 8, 18, "600 14px");
   write(spec.yAxis, 8, 36, "12px", "--soft");
+  sharpen(chart, 2);
   ctx.drawImage(plot.querySelector("canvas"), 0, top, box.width, box.height);
+  sharpen(chart, null);
   for (const label of plot.querySelectorAll(".dygraph-axis-label")) {
     const at = label.getBoundingClientRect(), right = label.classList.contains("dygraph-axis-label-y");
     write(label.textContent, (right ? at.right - 2 : (at.left + at.right) / 2) - box.left, at.bottom - 3 - box.top + top,
@@ -272,8 +283,7 @@ function clearCharts(host) {
 // is drawn on the screen.
 function redrawCharts(paper) {
   for (const chart of charts.values()) {
-    chart.graph.updateOptions({ pixelRatio: paper ? 3 : null }, true);
-    chart.graph.resize();
+    sharpen(chart, paper ? 3 : null);
     chart.graph.updateOptions({ series: seriesOptions(chart.spec), gridLineColor: styleOf("--grid"), axisLineColor: styleOf("--faint") });
     chart.plot.querySelector("img")?.remove();
     const canvas = chart.plot.querySelector("canvas");

@@ -62,7 +62,7 @@ const VIEWS = {
     of: (re, im) => Math.hypot(re, im) },
   angle: { title: "Angle", axis: (c) => "∠" + c.symbol + " (deg)", scale: "linear", after: unwrapped, of: angleOf },
   deviation: { title: "Deviation of the model from the line", scale: "log", wide: true, both: true,
-    axis: (c) => (c.reference > 0 ? "% of " + told(c.reference, 4) + (c.unit && " " + c.unit) : "% of the magnitude") },
+    axis: (c) => `deviation (% of ${c.reference > 0 ? told(c.reference, 4) + (c.unit && " " + c.unit) : "the magnitude"})` },
 };
 const KINDS = {
   series: [["R", "L"], ["Zm", "Za"]],
