@@ -282,11 +282,14 @@ function clearCharts(host) {
 // Colours and sizes of the medium: another scheme, or paper, which takes pictures in place of what
 // is drawn on the screen.
 function redrawCharts(paper) {
-  for (const chart of charts.values()) {
-    sharpen(chart, paper ? 3 : null);
-    chart.graph.updateOptions({ series: seriesOptions(chart.spec), gridLineColor: styleOf("--grid"), axisLineColor: styleOf("--faint") });
-    chart.plot.querySelector("img")?.remove();
-    const canvas = chart.plot.querySelector("canvas");
-    if (paper) chart.plot.append(make("img", { src: canvas.toDataURL(), alt: "", style: `width: ${canvas.style.width}; height: ${canvas.style.height}` }));
+  for (const { graph, plot, spec, shown } of charts.values()) {
+    // With the visibility in it, dygraphs takes the colours anew.
+    const looks = { visibility: shown, series: seriesOptions(spec), gridLineColor: styleOf("--grid"), axisLineColor: styleOf("--faint"), pixelRatio: paper ? 2 : null };
+    const { width, height } = graph.size(), same = width === plot.clientWidth && height === plot.clientHeight;
+    graph.updateOptions(looks, !same);
+    if (!same) graph.resize();
+    plot.querySelector("img")?.remove();
+    const canvas = plot.querySelector("canvas");
+    if (paper) plot.append(make("img", { src: canvas.toDataURL(), alt: "", style: `width: ${canvas.style.width}; height: ${canvas.style.height}` }));
   }
 }

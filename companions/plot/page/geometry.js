@@ -113,7 +113,7 @@ function rings(body, cx, cy) {
 
 function scales(b, pixel) {
   const group = svg("g", { "aria-hidden": "true" }), left = b.left + 44 * pixel, bottom = -b.low - 22 * pixel;
-  for (const v of steps(b.low + 30 * pixel, b.high - 24 * pixel, (b.high - b.low) / pixel / 48)) {
+  for (const v of steps(b.low + 30 * pixel, b.high - 34 * pixel, (b.high - b.low) / pixel / 48)) {
     group.append(svg("line", { class: "tick", x1: left, x2: left + 5 * pixel, y1: -v, y2: -v }));
     group.append(text(left - 4 * pixel, -v + (v === 0 ? -4 : 4) * pixel, told(v, 4), pixel, { class: "soft", "text-anchor": "end", size: 11 }));
   }
