@@ -1,7 +1,7 @@
 #include "companions/check/option_rules.h"
 
 #include "companions/check/traced.h"
-#include "companions/check/wires.h"
+#include "companions/shared/wires.h"
 #include "store/rundata.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "companions/check/understood.h"
 
 #include "base/constants.h"
-#include "companions/check/wires.h"
+#include "companions/shared/wires.h"
 #include "store/rundata.h"
 #include "store/yz_table.h"
 

@@ -4,14 +4,14 @@
 #include "companions/verify/compare_modes.h"
 
 #include "companions/shared/direct_line.h"
-#include "companions/verify/compare_functions.h"
+#include "companions/shared/fit_ranges.h"
+#include "companions/shared/followed_modes.h"
 #include "store/rundata.h"
 
 #include <algorithm>
 #include <cmath>
 #include <fmt/format.h>
 #include <limits>
-#include <numeric>
 
 namespace lcp::companions {
 
@@ -26,123 +26,6 @@ constexpr double CLOSER = 1e-6;    // relative; distances that differ by less ar
 constexpr double SMALLTURN = 0.05; // of the largest element: too small to turn a vector by
 constexpr double MERGED = 1e-9; // of one, by which the cosine's square of two vectors falls short
 constexpr int AROUND = 10;      // points of a decade about the steady state frequency
-
-constexpr double EQUAL = 1e-6; // relative distance of squares of gamma that count as one
-
-// Where modes are equal any basis of their space will do: they take the one nearest to the
-// reference, the projections of its columns. TI^-1 and the surge impedances follow.
-void takeBasis(LineModes& modes, const Matrix& reference, const LinePoint& point) {
-  const std::size_t n = reference.columns;
-  const auto same = [&](std::size_t i, std::size_t j) {
-    const Complex a = modes.gamma[i] * modes.gamma[i], b = modes.gamma[j] * modes.gamma[j];
-    return std::abs(a - b) <= EQUAL * std::abs(a);
-  };
-  Matrix TI = modes.TI;
-  bool changed = false;
-  for (std::size_t j = 0; j < n; ++j) {
-    std::vector<Complex> projection(n);
-    std::size_t members = 0;
-    for (std::size_t k = 0; k < n; ++k) {
-      if (!same(j, k)) continue;
-      ++members;
-      Complex share = 0;
-      for (std::size_t i = 0; i < n; ++i) share += modes.TIINV(k, i) * reference(i, j);
-      for (std::size_t i = 0; i < n; ++i) projection[i] += share * modes.TI(i, k);
-    }
-    double length = 0;
-    for (const Complex& e : projection) length += std::norm(e);
-    if (members < 2 || length == 0) continue;
-    changed = true;
-    for (std::size_t i = 0; i < n; ++i) TI(i, j) = projection[i] / std::sqrt(length);
-  }
-  if (!changed) return;
-  modes.TI = TI;
-  modes.TIINV = inverse(TI);
-  formSurgeImpedances(modes, point);
-}
-
-// Column j of the modes is that of the reference with which it shares most; in its order.
-LineModes inOrderOf(const LineModes& modes, const Matrix& reference) {
-  const std::size_t n = reference.columns;
-  const Matrix share = product(modes.TIINV, reference);
-  std::vector<bool> taken(n, false), placed(n, false);
-  std::vector<std::size_t> order(n, 0);
-  for (std::size_t round = 0; round < n; ++round) {
-    double most = -1;
-    std::size_t from = 0, to = 0;
-    for (std::size_t j = 0; j < n; ++j) {
-      for (std::size_t i = 0; i < n; ++i) {
-        if (taken[i] || placed[j] || !(std::abs(share(i, j)) > most)) continue;
-        most = std::abs(share(i, j));
-        from = i;
-        to = j;
-      }
-    }
-    taken[from] = placed[to] = true;
-    order[to] = from;
-  }
-  LineModes sorted = modes;
-  for (std::size_t j = 0; j < n; ++j) {
-    sorted.gamma[j] = modes.gamma[order[j]];
-    sorted.Zc[j] = modes.Zc[order[j]];
-    for (std::size_t i = 0; i < n; ++i) {
-      sorted.TI(i, j) = modes.TI(i, order[j]);
-      sorted.TIINV(j, i) = modes.TIINV(order[j], i);
-    }
-  }
-  return sorted;
-}
-
-// The largest element of each vector becomes real; surge impedances follow.
-void turn(LineModes& modes) {
-  for (std::size_t j = 0; j < modes.TI.columns; ++j) {
-    Complex pivot = 0;
-    for (std::size_t i = 0; i < modes.TI.rows; ++i) {
-      if (std::abs(modes.TI(i, j)) > std::abs(pivot)) pivot = modes.TI(i, j);
-    }
-    const Complex factor = std::conj(pivot) / std::abs(pivot);
-    for (std::size_t i = 0; i < modes.TI.rows; ++i) {
-      modes.TI(i, j) *= factor;
-      modes.TIINV(j, i) /= factor;
-    }
-    modes.Zc[j] *= factor * factor;
-  }
-}
-
-LineModes modesLike(double f, const Matrix& reference) {
-  const LinePoint point = constantsOf(f);
-  LineModes modes = inOrderOf(modesOf(point), reference);
-  takeBasis(modes, reference, point);
-  turn(modes);
-  return modes;
-}
-
-// The transformation of a mode model at a frequency, conductor by mode: fitted, or constant.
-Matrix writtenTransformation(const ModelFile& file, double f) {
-  Matrix T(file.n, file.n);
-  for (std::size_t i = 0; i < file.n; ++i) {
-    for (std::size_t j = 0; j < file.n; ++j)
-      T(i, j) = file.modes[i].row[j].at(Complex(0, TWOPI * f))(0, 0);
-  }
-  return T;
-}
-
-// Modes over rising frequencies, each in the order of the one before; the one nearest to the
-// transform frequency in the order of the file.
-std::vector<LineModes> followed(const std::vector<double>& f, const Matrix& written) {
-  std::vector<LineModes> modes(f.size());
-  const auto start =
-      static_cast<std::size_t>(std::min_element(f.begin(), f.end(),
-                                                [](double a, double b) {
-                                                  return std::fabs(std::log(a / RUNDATA.fit.FCT)) <
-                                                         std::fabs(std::log(b / RUNDATA.fit.FCT));
-                                                }) -
-                               f.begin());
-  modes[start] = modesLike(f[start], written);
-  for (std::size_t k = start + 1; k < f.size(); ++k) modes[k] = modesLike(f[k], modes[k - 1].TI);
-  for (std::size_t k = start; k-- > 0;) modes[k] = modesLike(f[k], modes[k + 1].TI);
-  return modes;
-}
 
 Finding percent(std::string subject, std::string where, double e, double f, const Limits& limits) {
   Deviation d;
@@ -257,8 +140,13 @@ PiDeviation piAt(const ModelFile& file, double length, double f) {
 std::vector<Finding> compareModeFits(const ModelFile& file, double length, const Limits& limits) {
   std::vector<Finding> found;
   const Matrix written = writtenTransformation(file, RUNDATA.fit.FCT);
+  std::vector<std::size_t> rows;
   for (const FrequencyRange& range : fitRanges()) {
-    const std::vector<LineModes> line = followed(range.f, written);
+    std::vector<LinePoint> points;
+    for (const double f : range.f) points.push_back(constantsOf(f));
+    std::vector<LineModes> line = followed(points, written, RUNDATA.fit.FCT);
+    if (rows.empty()) rows = largestRows(line[0].TI); // where the program's grid begins
+    holdRows(line, rows);
     std::vector<Deviation> ofZc(file.n), ofA(file.n), ofT(file.n);
     for (std::size_t k = 0; k < range.f.size(); ++k) {
       const double f = range.f[k];
@@ -289,8 +177,8 @@ std::vector<Finding> compareModeFits(const ModelFile& file, double length, const
 
 std::vector<Finding> compareBergeron(const ModelFile& file, double length, const Limits& limits) {
   const BergeronFile& B = file.bergeron;
-  const LineModes at = modesLike(B.SSFREQ, B.TI);
-  const LineModes loss = modesLike(B.FLOSS, at.TI);
+  const LineModes at = modesLike(constantsOf(B.SSFREQ), B.TI);
+  const LineModes loss = modesLike(constantsOf(B.FLOSS), at.TI);
   std::vector<Finding> found;
   for (std::size_t m = 0; m < file.n; ++m) {
     const std::string mode = fmt::format("mode {}", m + 1);
@@ -308,7 +196,7 @@ std::vector<Finding> compareBergeron(const ModelFile& file, double length, const
     for (std::size_t m = 0; m < file.n; ++m) {
       Deviation ofT, ofZc;
       for (const double g : f) {
-        const LineModes line = modesLike(g, at.TI);
+        const LineModes line = modesLike(constantsOf(g), at.TI);
         ofT.take(off(MILLI * B.modes[m].T, length * line.gamma[m].imag() / (TWOPI * g)), g);
         ofZc.take(off(B.modes[m].Zc, line.Zc[m].real()), g);
       }

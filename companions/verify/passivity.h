@@ -2,7 +2,7 @@
 #pragma once
 
 #include "companions/shared/model_file.h"
-#include "companions/verify/verdicts.h"
+#include "companions/shared/verdicts.h"
 
 #include <vector>
 

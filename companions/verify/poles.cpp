@@ -1,7 +1,7 @@
 #include "companions/verify/poles.h"
 
 #include "companions/shared/direct_line.h"
-#include "companions/verify/compare_functions.h"
+#include "companions/shared/fit_ranges.h"
 
 #include <algorithm>
 #include <cmath>

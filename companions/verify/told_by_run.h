@@ -1,7 +1,7 @@
 // What the run that made the model said on its console, against what the file holds.
 #pragma once
 
-#include "companions/verify/verdicts.h"
+#include "companions/shared/verdicts.h"
 
 #include <string>
 #include <vector>

@@ -3,13 +3,14 @@
 #include "companions/shared/arguments.h"
 #include "companions/shared/captured_run.h"
 #include "companions/shared/direct_line.h"
+#include "companions/shared/fit_ranges.h"
 #include "companions/shared/model_file.h"
+#include "companions/shared/verdicts.h"
 #include "companions/verify/compare_functions.h"
 #include "companions/verify/compare_modes.h"
 #include "companions/verify/passivity.h"
 #include "companions/verify/poles.h"
 #include "companions/verify/told_by_run.h"
-#include "companions/verify/verdicts.h"
 #include "store/rundata.h"
 
 #include <algorithm>
@@ -48,10 +49,6 @@ struct Scratch {
     std::filesystem::remove_all(path, ignored);
   }
 };
-
-} // namespace
-
-namespace {
 
 void add(std::vector<Finding>& all, const std::vector<Finding>& more) {
   all.insert(all.end(), more.begin(), more.end());
@@ -106,13 +103,16 @@ void refuseStranger(const ModelFile& file) {
 std::vector<Finding> compareLength(const ModelFile& file, double length) {
   constexpr double DIGITS = 1e-4;
   const double off = std::fabs(file.length / length - 1);
-  if (file.length == 0 || off <= DIGITS) return {};
+  const bool totals = RUNDATA.run.DATAFMT == ROUTEMANUAL && RUNDATA.manual.YZFMT == 1;
+  if (file.length == 0 || totals || off <= DIGITS) return {};
   Finding f{"length", "of the model file"};
   f.value = file.length;
   f.unit = "m";
   f.verdict = Verdict::BAD;
   return {f};
 }
+
+} // namespace
 
 std::vector<Finding> verified(const ModelFile& file, double length, const Limits& limits) {
   std::vector<Finding> all = compareLength(file, length);
@@ -128,8 +128,6 @@ std::vector<Finding> verified(const ModelFile& file, double length, const Limits
   add(all, linePassivity(limits));
   return all;
 }
-
-} // namespace
 
 int verifyModel(std::span<char* const> arguments) {
   const Arguments given = parseArguments(VERIFY, arguments);

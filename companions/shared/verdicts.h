@@ -1,6 +1,8 @@
 // What corvo-verify says: one line a quantity, with its worst place and a verdict.
 #pragma once
 
+#include "companions/shared/model_file.h"
+
 #include <cstddef>
 #include <limits>
 #include <string>
@@ -60,6 +62,10 @@ private:
 
 // All limits with their defaults.
 const std::vector<Limit>& defaultLimits();
+
+// Everything that there is to say of a model file, for the length in metres, over the run that
+// readHere has read. Of the companion that verifies: who calls it links that.
+std::vector<Finding> verified(const ModelFile& file, double length, const Limits& limits);
 
 // The lines for a person, and the same as one JSON document.
 std::string asText(const std::vector<Finding>& findings);

@@ -1,4 +1,4 @@
-#include "companions/verify/verdicts.h"
+#include "companions/shared/verdicts.h"
 
 #include "input/free_form.h"
 

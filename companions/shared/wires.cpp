@@ -1,6 +1,6 @@
 // A cable system keeps the columns of order (role, circuit, transposition) behind the conductors of
 // its cables, and those of geometry in their old place.
-#include "companions/check/wires.h"
+#include "companions/shared/wires.h"
 
 #include "base/constants.h"
 #include "store/rundata.h"

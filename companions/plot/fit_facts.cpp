@@ -1,0 +1,128 @@
+#include "companions/plot/fit_facts.h"
+
+#include "companions/shared/direct_line.h"
+#include "companions/shared/fit_ranges.h"
+#include "companions/shared/followed_modes.h"
+#include "companions/shared/nodal_scan.h"
+
+#include <algorithm>
+#include <cmath>
+#include <fmt/format.h>
+
+namespace lcp::companions {
+
+namespace {
+
+constexpr double TWOPI = 6.283185307179586;
+constexpr double MILLI = 1e-3;
+constexpr std::size_t BUCKETS = 700; // of a scan: each keeps its smallest and its largest value
+constexpr std::size_t MOSTBANDS = 200;
+
+Json rounded(double value) { return Json::parse(fmt::format("{:.7g}", value)); }
+
+void addPoles(Json& all, const std::string& name, const Rational& F) {
+  if (F.poles.empty()) return;
+  Json re = Json::array(), im = Json::array(), residue = Json::array();
+  for (std::size_t m = 0; m < F.poles.size(); ++m) {
+    re.push_back(rounded(F.poles[m].real()));
+    im.push_back(rounded(F.poles[m].imag()));
+    residue.push_back(rounded(largest(F.residues[m])));
+  }
+  all.push_back({{"name", name}, {"re", re}, {"im", im}, {"residue", residue}});
+}
+
+std::vector<double> travelTimes(const LineModes& modes, double f, double length) {
+  std::vector<double> times;
+  for (const Complex& gamma : modes.gamma)
+    times.push_back(length * gamma.imag() / (TWOPI * f) / MILLI);
+  return times;
+}
+
+Json delayRow(const std::string& name, double delay, const std::vector<double>& travel) {
+  const auto nearest = std::min_element(travel.begin(), travel.end(), [&](double a, double b) {
+    return std::fabs(a - delay) < std::fabs(b - delay);
+  });
+  return {{"name", name}, {"delay", rounded(delay)}, {"travel", rounded(*nearest)}};
+}
+
+// The points of a scan that a screen can show: of each stretch the smallest and the largest value.
+std::vector<ScanPoint> thinned(const std::vector<ScanPoint>& points) {
+  if (points.size() <= 2 * BUCKETS) return points;
+  const double low = std::log(points.front().f), width = std::log(points.back().f) - low;
+  const auto bucketOf = [&](const ScanPoint& p) {
+    return static_cast<std::size_t>((std::log(p.f) - low) / width * BUCKETS);
+  };
+  const auto less = [](const ScanPoint& a, const ScanPoint& b) { return a.value < b.value; };
+  std::vector<ScanPoint> kept;
+  for (auto from = points.begin(); from != points.end();) {
+    const auto to = std::find_if(
+        from, points.end(), [&](const ScanPoint& p) { return bucketOf(p) != bucketOf(*from); });
+    auto [first, second] = std::minmax_element(from, to, less);
+    if (second < first) std::swap(first, second);
+    kept.push_back(*first);
+    if (second != first) kept.push_back(*second);
+    from = to;
+  }
+  return kept;
+}
+
+Json curveOf(const ModelFile& file) {
+  const Scan scan = nodalScan(file);
+  std::vector<double> f, value;
+  for (const ScanPoint& p : thinned(scan.points)) {
+    f.push_back(p.f);
+    value.push_back(p.value);
+  }
+  Json bands = Json::array();
+  for (const Band& b : bandsBelow(scan, negativeBelow)) {
+    if (bands.size() == MOSTBANDS) break;
+    bands.push_back({rounded(b.from), rounded(b.to), rounded(b.worst), rounded(b.at)});
+  }
+  return {{"f", packedNumbers(f)}, {"value", packedNumbers(value)}, {"bands", bands}};
+}
+
+} // namespace
+
+Json polesOf(const ModelFile& file) {
+  Json all = Json::array();
+  addPoles(all, "Yc", file.Yc);
+  addPoles(all, "Z", file.Z);
+  for (std::size_t g = 0; g < file.H.groups.size(); ++g)
+    addPoles(all, fmt::format("H, group {}", g + 1), file.H.groups[g]);
+  for (std::size_t m = 0; m < file.modes.size(); ++m) {
+    addPoles(all, fmt::format("Zc, mode {}", m + 1), file.modes[m].Zc);
+    addPoles(all, fmt::format("H, mode {}", m + 1), file.modes[m].A);
+    for (std::size_t j = 0; j < file.modes[m].row.size(); ++j)
+      addPoles(all, fmt::format("T({},{})", m + 1, j + 1), file.modes[m].row[j]);
+  }
+  return all;
+}
+
+Json delaysOf(const ModelFile& file, double length) {
+  Json rows = Json::array();
+  if (file.kind == ModelKind::BERGERON) {
+    const BergeronFile& B = file.bergeron;
+    const LineModes modes = modesLike(constantsOf(B.SSFREQ), B.TI);
+    const std::vector<double> travel = travelTimes(modes, B.SSFREQ, length);
+    for (std::size_t m = 0; m < file.n; ++m)
+      rows.push_back(delayRow(fmt::format("mode {}", m + 1), B.modes[m].T, {travel[m]}));
+    return rows;
+  }
+  if (file.H.delays.empty() && file.modes.empty()) return rows;
+  const double top = fitRanges()[0].f.back();
+  const std::vector<double> travel = travelTimes(modesOf(constantsOf(top)), top, length);
+  for (std::size_t g = 0; g < file.H.delays.size(); ++g)
+    rows.push_back(delayRow(fmt::format("group {}", g + 1), file.H.delays[g] / MILLI, travel));
+  for (std::size_t m = 0; m < file.modes.size(); ++m)
+    rows.push_back(delayRow(fmt::format("mode {}", m + 1), file.modes[m].delay, travel));
+  return rows;
+}
+
+Json passivityOf(const ModelFile& file, const ModelFile& before) {
+  if (file.kind != ModelKind::PHASE) return nullptr;
+  Json curves = {{"after", curveOf(file)}};
+  if (before.kind == ModelKind::PHASE) curves["before"] = curveOf(before);
+  return curves;
+}
+
+} // namespace lcp::companions

@@ -1,0 +1,5 @@
+#include "companions/plot/plot.h"
+
+int main(int count, char** values) {
+  return lcp::companions::plotLine({values + (count > 0 ? 1 : 0), values + count});
+}

@@ -1,0 +1,170 @@
+#include "companions/plot/plot.h"
+
+#include "base/stop.h"
+#include "companions/plot/curve_folder.h"
+#include "companions/plot/fit_facts.h"
+#include "companions/plot/geometry.h"
+#include "companions/plot/page.h"
+#include "companions/plot/survey.h"
+#include "companions/shared/arguments.h"
+#include "companions/shared/captured_run.h"
+#include "companions/shared/verdicts.h"
+#include "run/lcpmain.h"
+#include "store/rundata.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fmt/format.h>
+#include <unistd.h>
+
+namespace lcp::companions {
+
+namespace {
+
+constexpr OptionRow OPTIONS[] = {{"/length", "METRES", "length of the line"},
+                                 {"--curves", "FOLDER", "detail curve files in place of a line"},
+                                 {"-o", "PAGE", "the page, else NAME.html beside its source"}};
+constexpr Program PLOT = {"corvo-plot",
+                          "Makes one HTML page that shows a line, its constants and its model.",
+                          "[DESCRIPTION]",
+                          0,
+                          1,
+                          OPTIONS};
+
+// A folder that goes with the program.
+struct Scratch {
+  std::filesystem::path path;
+
+  Scratch() {
+    std::string name = (std::filesystem::temp_directory_path() / "corvo-plot-XXXXXX").string();
+    if (mkdtemp(name.data()) == nullptr) giveUp(PLOT.name, "no scratch folder");
+    path = name;
+  }
+  Scratch(const Scratch&) = delete;
+  Scratch& operator=(const Scratch&) = delete;
+  ~Scratch() { remove(); }
+  void remove() const {
+    std::error_code ignored;
+    std::filesystem::remove_all(path, ignored);
+  }
+  std::string file(std::string_view name) const { return (path / name).string(); }
+};
+
+// What the run of the program leaves: its words, the model, and that before an enforcement.
+struct Solved {
+  std::string console;
+  ModelFile model, before;
+};
+
+// Reads the description here as well, behind the child that the program refuses it in.
+Solved solved(const std::string& description, double length) {
+  const Scratch scratch;
+  Solved S;
+  const CapturedRun run =
+      solveInChild(description, length, scratch.file("model"), scratch.file("report"));
+  S.console = run.console + run.errors;
+  if (run.status != 0 && run.status != 2) {
+    scratch.remove();
+    fmt::print("{}", run.console);
+    giveUp(PLOT.name, "the program makes no model of this description");
+  }
+  S.model = readModelFile(scratch.file("model"));
+  readHere(description, length);
+  RUNDATA.fit.WDETAIL = RUNDATA.display.CREATEPI = false;
+  if (!RUNDATA.passivity.PITERSET || S.model.kind != ModelKind::PHASE) return S;
+  runCaptured([&] {
+    RUNDATA.run.FOUTM = scratch.file("before");
+    RUNDATA.run.FOUTR = scratch.file("report");
+    RUNDATA.passivity.PITERSET = RUNDATA.passivity.PFLOSET = false;
+    solveStep();
+  });
+  S.before = readModelFile(scratch.file("before"));
+  return S;
+}
+
+std::string kilometres(double length) { return fmt::format("{:.6g} km", length / 1000); }
+
+std::string soil() {
+  const Ground& G = RUNDATA.ground;
+  if (!G.GRTYPE) return fmt::format("{:.6g} ohm m", G.GRHO);
+  return fmt::format("frequency dependent, {:.6g} ohm m at low frequency", 1 / G.GSIGLF);
+}
+
+Json factsOf(const std::string& description, const ModelFile& model, double length) {
+  Json facts = {{"Description", std::filesystem::path(description).filename().string()},
+                {"Length", kilometres(length)},
+                {"Model", nameOf(model.kind)},
+                {"Conductors", fmt::format("{}", model.n)},
+                {"Steady state", fmt::format("{:.6g} Hz", RUNDATA.line.SSFREQ)}};
+  if (RUNDATA.run.DATAFMT == ROUTECONSTANTS) facts["Soil"] = soil();
+  return facts;
+}
+
+Json dataOf(const std::string& description, double length) {
+  const Solved S = solved(description, length);
+  if (!S.model.trouble.empty()) giveUp(PLOT.name, "the model file: " + S.model.trouble);
+  const std::string_view name = RUNDATA.line.LNAME.text();
+  Json data = {{"title", name.empty() ? "Line without a name" : std::string(name)},
+               {"model", nameOf(S.model.kind)},
+               {"length", length},
+               {"facts", factsOf(description, S.model, length)},
+               {"console", S.console},
+               {"geometry", geometryOf()}};
+  const Survey survey = surveyLine(S.model, length);
+  data["constants"] = Json::array({constantsOf(survey)});
+  data["modes"] = Json::array({modesOf(survey, S.model)});
+  if (const Json fit = fitsOf(survey, S.model); !fit.is_null()) data["fit"].push_back(fit);
+  data["poles"] = polesOf(S.model);
+  data["delays"] = delaysOf(S.model, length);
+  data["passivity"] = passivityOf(S.model, S.before);
+  const std::vector<Finding> findings = verified(S.model, length, {});
+  data["verdicts"] =
+      Json::parse(asJson(findings, nameOf(S.model.kind), S.model.n, length))["findings"];
+  data["reported"] = RUNDATA.display.DISPFREQ;
+  data["sequences"] = sequencesOf(length);
+  return data;
+}
+
+bool written(const std::string& name, const std::string& text) {
+  std::FILE* file = std::fopen(name.c_str(), "wb");
+  if (file == nullptr) return false;
+  const bool taken = std::fwrite(text.data(), 1, text.size(), file) == text.size();
+  const bool flushed = std::fflush(file) == 0;
+  return (std::fclose(file) == 0) && taken && flushed;
+}
+
+// Whole, or as it was before: what is written goes under a name of its own first. A device takes
+// the text itself.
+bool writePage(const std::string& name, const std::string& text) {
+  std::error_code none;
+  if (std::filesystem::exists(name, none) && !std::filesystem::is_regular_file(name, none))
+    return written(name, text);
+  const std::string other = fmt::format("{}.{}", name, getpid());
+  bool done = written(other, text);
+  if (done) done = std::rename(other.c_str(), name.c_str()) == 0;
+  if (!done) std::remove(other.c_str());
+  return done;
+}
+
+} // namespace
+
+int plotLine(std::span<char* const> arguments) {
+  const Arguments given = parseArguments(PLOT, arguments);
+  const bool curves = given.has("--curves");
+  const double length = given.numberOr("/length", 0);
+  if (curves == !given.words.empty())
+    giveUp(PLOT.name, "DESCRIPTION or --curves FOLDER expected, and not both");
+  if (!curves && !(length > 0)) giveUp(PLOT.name, "/length METRES expected");
+  const std::string source(curves ? given.valueOr("--curves", "") : given.words[0]);
+  const auto page = curves ? std::filesystem::path(source) / "curves.html"
+                           : std::filesystem::path(source).replace_extension(".html");
+  const std::string name(given.valueOr("-o", page.string()));
+  const Json data = curves ? curvesOfFolder(source) : dataOf(source, length);
+  if (data.is_null()) giveUp(PLOT.name, fmt::format("no detail curve files in {}", source));
+  if (writePage(name, pageOf(data))) return 0;
+  fmt::print(stderr, "{}: cannot write {}\n", PLOT.name, name);
+  return 1;
+}
+
+} // namespace lcp::companions

@@ -1,0 +1,61 @@
+// The two ends are alike, so the nodal admittance splits into the halves for ends driven alike and
+// against each other,
+//
+//   Ya = (I + H)^-1 (I - H) Yc      Yb = (I - H)^-1 (I + H) Yc
+//
+// two matrices of order n instead of one of 2 n. The smallest eigenvalue of their Hermitian parts
+// is that of the whole.
+#include "companions/shared/nodal_scan.h"
+
+#include "companions/shared/direct_line.h"
+#include "companions/shared/fit_ranges.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace lcp::companions {
+
+namespace {
+
+constexpr double TWOPI = 6.283185307179586;
+constexpr double BEYOND = 100; // two decades
+constexpr double WORK = 4e7;   // points times the cube of the order that a scan may cost
+constexpr double LEASTPOINTS = 5000;
+
+ScanPoint nodalExtremes(const ModelFile& file, double f) {
+  const Complex s(0, TWOPI * f);
+  const Matrix I = identity(file.n), H = file.H.at(s), Yc = file.Yc.at(s);
+  const Matrix alike = combined(I, 1, H), against = combined(I, -1, H);
+  return extremes(f, {product(inverse(alike), product(against, Yc)),
+                      product(inverse(against), product(alike, Yc))});
+}
+
+ScanOptions optionsFor(double from, double to, std::size_t n) {
+  ScanOptions o{from, to};
+  const double cube = static_cast<double>(n * n * n);
+  o.mostPoints = static_cast<std::size_t>(std::max(LEASTPOINTS, WORK / (cube + 100)));
+  return o;
+}
+
+} // namespace
+
+ScanPoint extremes(double f, const std::vector<Matrix>& matrices) {
+  ScanPoint p{f, std::numeric_limits<double>::infinity(), 0};
+  for (const Matrix& A : matrices) {
+    const std::vector<double> values = hermitianEigenvalues(A);
+    if (!(values.front() >= p.value)) p.value = values.front();
+    p.size = std::max({p.size, std::fabs(values.front()), std::fabs(values.back())});
+  }
+  return p;
+}
+
+Scan nodalScan(const ModelFile& file) {
+  const std::vector<double> f = fitRanges()[0].f;
+  return adaptiveScan(optionsFor(f.front() / BEYOND, f.back() * BEYOND, file.n),
+                      [&](double at) { return nodalExtremes(file, at); });
+}
+
+double negativeBelow(const ScanPoint& p) { return -1e-12 * p.size; }
+
+} // namespace lcp::companions
