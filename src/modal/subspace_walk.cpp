@@ -1,7 +1,7 @@
 // The way from one step to the next runs over the logarithm of the frequency, x from 0 to 1. A part
 // of it that does not lead to a clear assignment is halved, one that does is doubled. At the least
-// part the best assignment is taken: there two modes exchange their vectors within less than
-// 1/1024 of a step, and each goes on as the one it was before.
+// way the best assignment is taken: there two modes exchange their vectors within less than 1 % of
+// the frequency, and each goes on as the one it was before.
 #include "modal/subspace_walk.h"
 
 #include "kernels/matrix_kernels.h"
@@ -19,8 +19,8 @@ namespace lcp {
 
 namespace {
 
-constexpr double LEASTPART = 1.0 / 1024.0;
-constexpr double SAMESIZE = 1e-6; // elements that differ by less are equally large
+constexpr double LEASTWAY = 0.004; // decades of the frequency, 0.9 %
+constexpr double SAMESIZE = 1e-6;  // elements that differ by less are equally large
 
 ModeFrame frame; // of the frequency that was accepted last
 
@@ -55,7 +55,7 @@ void walkTo(int k, int from, int n) {
     } else {
       constantsAtStep(k, G.FREQ[k], Place::AtTheStep);
     }
-    if (!followSubspaces(frame, n) && part > LEASTPART) {
+    if (!followSubspaces(frame, n) && part * std::fabs(b - a) > LEASTWAY) {
       part /= 2;
       continue;
     }
