@@ -70,7 +70,7 @@ int answeredLength(int least) {
 
 } // namespace
 
-void ZGEEV(CView A, ModeComplex& W, CView VR, int n, BackSubstitution how) {
+bool ZGEEV(CView A, ModeComplex& W, CView VR, int n, BackSubstitution how) {
   Complex none = 0; // the left vectors, which nothing reads
   int info = 0;
   const auto call = [&](int lwork) {
@@ -79,6 +79,7 @@ void ZGEEV(CView A, ModeComplex& W, CView VR, int n, BackSubstitution how) {
   };
   if (how == BackSubstitution::ByBlocks) call(QUERY);
   call(how == BackSubstitution::ByBlocks ? answeredLength(2 * n) : std::max(COLUMNWORK, 2 * n));
+  return info == 0;
 }
 
 namespace {

@@ -11,10 +11,10 @@ namespace lcp {
 
 // Eigenvalues W and right vectors VR (columns, unit length) of A of order n up to 49, in the order
 // in which LAPACK finds them. A is overwritten. A matrix that LAPACK gives up on leaves the
-// vectors as they come. LAPACK's back substitution goes by blocks where the work numbers that it
-// is given allow it, which shows in the last bits.
+// vectors as they come, and the result is false. LAPACK's back substitution goes by blocks where
+// the work numbers that it is given allow it, which shows in the last bits.
 enum class BackSubstitution { ByColumns, ByBlocks };
-void ZGEEV(CView A, ModeComplex& W, CView VR, int n, BackSubstitution how);
+bool ZGEEV(CView A, ModeComplex& W, CView VR, int n, BackSubstitution how);
 
 // The n eigenvalues of the Hermitian matrix A, ascending, n up to 49; only its upper triangle is
 // read, and A is overwritten. With an element that is not finite all of them are NaN.

@@ -1,7 +1,8 @@
 // Step 1 (on the Bergeron route also step 2) is a full eigen solution; it fixes the order of the
 // modes. Every other step starts from the solution of the step before and follows each mode by
 // Newton-Raphson. The solution accepted at step k is also stored at k + 1, where the next step
-// finds it as the start of its search, should it need one.
+// finds it as the start of its search, should it need one. With Improved Modes all steps are those
+// of the subspace walk.
 #include "modal/first_loop.h"
 
 #include "base/constants.h"
@@ -12,6 +13,7 @@
 #include "modal/line_constants.h"
 #include "modal/modal_transform.h"
 #include "modal/newton.h"
+#include "modal/subspace_walk.h"
 #include "modal/tracked_step.h"
 #include "store/rundata.h"
 #include "store/solvedata.h"
@@ -80,6 +82,10 @@ void takeStep(int k) {
   const double f = gridFrequency(k);
   storeFrequency(k, f);
   noteConstantStart(k);
+  if (RUNDATA.numerics.IMPROVEDMODES && !RUNDATA.model.MODMFDTD() && !S.IDEALT) {
+    subspaceStep(k);
+    return;
+  }
   if (k > 1 && !RUNDATA.model.MODBERG() && !RUNDATA.model.MODMFDTD() && !S.IDEALT) {
     trackedStep(k);
     return;
@@ -92,9 +98,6 @@ void takeStep(int k) {
   } else {
     fullSolution(k);
     acceptSolution(k);
-    // Two modes of the square are equal and come in any order, so that MTRACK may exchange them: a
-    // vector is aligned by an element of its own.
-    if (RUNDATA.run.ISCABLE == FOURWIRECABLE) S.PIVOT0 = S.PIVOT;
     if (S.KCT == 1 && k == 1) noteConstantScale();
   }
 }

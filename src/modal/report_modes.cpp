@@ -7,6 +7,7 @@
 #include "kernels/lapack.h"
 #include "kernels/matrix_kernels.h"
 #include "modal/modal_transform.h"
+#include "modal/subspace_walk.h"
 #include "store/rundata.h"
 
 #include <cmath>
@@ -16,26 +17,7 @@ namespace lcp {
 namespace {
 
 constexpr double LARGETIME = 1000.0; // ms
-constexpr double EQUAL = 1e-9;       // relative; two modes that differ by less are one
 constexpr double ROUNDING = 1e-12;   // relative imaginary part of a lossless mode's eigenvalue
-constexpr double ISOTROPIC = 1e-3;   // x^T x of a unit vector that others cannot be turned against
-
-// Vectors of equal modes come from LAPACK at any angle. At right angles, x_a^T x_b = 0, the modal
-// matrices of a square are diagonal, and their quotients surge impedances.
-void turnEqualModes(CView TI, const ModeComplex& EIG, int n) {
-  for (int b = 2; b <= n; ++b) {
-    for (int a = 1; a < b; ++a) {
-      if (std::abs(EIG[a] - EIG[b]) > EQUAL * std::abs(EIG[a])) continue;
-      Complex ab, aa;
-      for (int i = 1; i <= n; ++i) {
-        ab += TI(i, a) * TI(i, b);
-        aa += TI(i, a) * TI(i, a);
-      }
-      if (std::abs(aa) < ISOTROPIC) continue;
-      for (int i = 1; i <= n; ++i) TI(i, b) -= ab / aa * TI(i, a);
-    }
-  }
-}
 
 // A lossless mode travels forward: of the square of its propagation constant, real and negative,
 // rounding must not decide the side.
@@ -86,9 +68,12 @@ void formReportModes() {
   FirstLoopStore& S = SOLVEDATA.first;
   SecondLoopStore& T = SOLVEDATA.second;
   const int n = RUNDATA.line.NC;
-  copyCorner(copy, S.PMAT, n);
-  ZGEEV(copy, S.EIG, S.TI, n, BackSubstitution::ByColumns);
-  if (RUNDATA.run.ISCABLE == FOURWIRECABLE) turnEqualModes(S.TI, S.EIG, n);
+  if (RUNDATA.numerics.IMPROVEDMODES) {
+    subspaceReport(RUNDATA.display.DISPFREQ);
+  } else {
+    copyCorner(copy, S.PMAT, n);
+    ZGEEV(copy, S.EIG, S.TI, n, BackSubstitution::ByColumns);
+  }
   COLNORM(S.TI, S.TI, n);
   INVCJD(S.TIINV, S.TI, n);
   formModalMatrices(T.YM, T.ZM, S.YMAT, S.ZMAT, S.TI, S.TIINV, n);

@@ -6,7 +6,8 @@
 namespace lcp {
 
 // From YMAT, ZMAT, PMAT of SOLVEDATA.first at DISPFREQ: eigenvalues EIG and unit vectors TI in the
-// order of LAPACK, YM, ZM, surge impedances ZSURGE and travel times TAUMS, checked as below.
+// order of LAPACK, with Improved Modes in that of the model, YM, ZM, surge impedances ZSURGE and
+// travel times TAUMS, checked as below.
 void formReportModes();
 
 // Travel times, ms, and surge impedances, ohm, of the modal matrices YM and ZM, with DISPFREQ as

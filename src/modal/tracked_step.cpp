@@ -23,7 +23,8 @@ namespace {
 
 constexpr int DEEPEST = 5;         // decimal digits of the walk
 constexpr int TOOMANYUPDATES = 10; // Newton updates of a step that was too long
-constexpr double MERGED = 1e-9;    // relative; two modes that differ by less are one
+constexpr double MERGED =
+    1e-7; // relative, above Newton's tolerance; modes that differ by less are one
 constexpr int HYPHENS = 31;
 
 bool failureInSolve = false; // the banner of the solve was printed

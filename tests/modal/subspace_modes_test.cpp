@@ -1,0 +1,112 @@
+// Modes followed as invariant subspaces: the assignment, one step, whole solves and reports.
+#include "modal/subspace_modes.h"
+
+#include "kernels/matrix_kernels.h"
+#include "modal/assignment.h"
+#include "modal/first_loop.h"
+#include "modal/line_constants.h"
+#include "modal/report_modes.h"
+#include "modal/second_loop.h"
+#include "store/rundata.h"
+#include "support/console_capture.h"
+#include "support/overhead_lines.h"
+#include "support/solve.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <numeric>
+#include <vector>
+
+using namespace lcp;
+using namespace lcp::test;
+
+namespace {
+
+const std::string IMPROVED = "Numerical Options\n{\nImproved Modes : 1\n}\n";
+
+double sumOf(const RealMatrix& cost, const std::vector<int>& column) {
+  double sum = 0;
+  for (std::size_t i = 0; i < column.size(); ++i) sum += cost(static_cast<int>(i) + 1, column[i]);
+  return sum;
+}
+
+TEST(Assignment, IsTheBestOfAllPermutations) {
+  static RealMatrix cost;
+  LineNumbers numbers(7);
+  for (int n = 1; n <= 6; ++n) {
+    for (int j = 1; j <= n; ++j) {
+      for (int i = 1; i <= n; ++i) cost(i, j) = numbers.upTo(-3, 9) / 4.0; // ties among them
+    }
+    std::vector<int> column(static_cast<std::size_t>(n));
+    std::iota(column.begin(), column.end(), 1);
+    double least = sumOf(cost, column);
+    while (std::next_permutation(column.begin(), column.end()))
+      least = std::min(least, sumOf(cost, column));
+    ModeInts found;
+    ASSIGN(found, cost, n);
+    const std::vector<int> chosen(found.data(), found.data() + n);
+    EXPECT_EQ(sumOf(cost, chosen), least) << n;
+    EXPECT_TRUE(std::is_permutation(chosen.begin(), chosen.end(), column.begin())) << n;
+  }
+}
+
+// P = Y Z with two equal modes, in a plane that the reference spans by vectors of its own.
+TEST(SubspaceModes, EqualModesKeepTheBasisOfTheReference) {
+  static ModeFrame frame;
+  FirstLoopStore& S = SOLVEDATA.first;
+  const double c = 0.8, s = 0.6;
+  const double X[3][3] = {{0, c, -s}, {0, s, c}, {1, 0, 0}};
+  clear(S.PMAT, 3);
+  clear(S.ZMAT, 3);
+  for (int i = 1; i <= 3; ++i) {
+    S.ZMAT(i, i) = Complex(0, 1);
+    S.PMAT(i, i) = i == 3 ? 2.0 : 1.0;
+    for (int j = 1; j <= 3; ++j) frame.X(i, j) = X[i - 1][j - 1];
+  }
+  S.PMAT(1, 2) = S.PMAT(2, 1) = 1e-13;
+  invertFrame(frame, 3);
+  EXPECT_TRUE(followSubspaces(frame, 3));
+  COLNORM(S.TI, S.TI, 3);
+  EXPECT_NEAR(std::abs(S.EIG[1] - 2.0), 0, 1e-12);
+  for (int j = 1; j <= 3; ++j) {
+    for (int i = 1; i <= 3; ++i)
+      EXPECT_NEAR(std::abs(S.TI(i, j)), std::abs(X[i - 1][j - 1]), 1e-12);
+  }
+}
+
+ModeReals reported(double f) {
+  RUNDATA.display.DISPFREQ = f;
+  constantsAt(f);
+  formReportModes();
+  ModeReals z;
+  for (int i = 1; i <= RUNDATA.line.NC; ++i) z[i] = SOLVEDATA.second.ZSURGE[i].real();
+  return z;
+}
+
+TEST(SubspaceModes, ReportAgreesWithABergeronLineOfTwoFrequencies) {
+  const std::string body = doubleCircuit(bergeronModel("Frequency for Loss Approximation: 2E5\n"));
+  solveBothLoops(body + IMPROVED);
+  ASSERT_TRUE(RUNDATA.numerics.IMPROVEDMODES);
+  const ModeReals model = SOLVEDATA.second.ZSURGER;
+  const ModeReals report = reported(RUNDATA.line.SSFREQ);
+  for (int i = 1; i <= RUNDATA.line.NC; ++i) EXPECT_NEAR(report[i] / model[i], 1, 1e-9) << i;
+}
+
+// Many modes lie close together all over the grid.
+TEST(SubspaceModes, OfManyCircuitsAreAllThereAtTheEndOfTheGrid) {
+  const std::string console =
+      consoleOf([] { solveFirstLoop(manyCircuits(12, phaseModel()) + IMPROVED); });
+  EXPECT_EQ(console.find_first_of("<>"), std::string::npos) << console;
+  const int n = RUNDATA.line.NC, last = SOLVEDATA.grid.NFREQ - 1;
+  ASSERT_EQ(n, 12);
+  constantsAt(SOLVEDATA.grid.FREQ[last]);
+  Complex trace, sum;
+  for (int i = 1; i <= n; ++i) {
+    trace += SOLVEDATA.first.PMAT(i, i);
+    sum += SOLVEDATA.at.MEIG(last, i);
+  }
+  EXPECT_LT(std::abs(trace - sum), 1e-11 * std::abs(trace)); // a doubled mode stands for another
+}
+
+} // namespace
