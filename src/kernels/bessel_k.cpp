@@ -5,14 +5,11 @@
 // which is stable, since K_n is the growing solution. All numbers carry a binary exponent: on the
 // 45 degree ray K_50 overflows a double below |x| = 3e-5, and all K_n underflow it from |x| = 1000
 // on.
-//
-// Away from the origin K_0 and K_1 come from the asymptotic series, whose error exp(-2 |x|) is
-// below a double's; near it from the power series, in which (|x| + Re x) / log 2 bits cancel.
 #include "kernels/bessel_k.h"
 
 #include "base/solve_error.h"
+#include "kernels/bessel_module.h"
 
-#include <acb_hypgeom.h>
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -21,57 +18,17 @@ namespace lcp {
 
 namespace {
 
-constexpr double ASYMPTOTIC = 20.0; // |x| from which the asymptotic series is tried
-constexpr slong ASYMPTOTICBITS = 72;
-constexpr double SERIESBITS = 66.0; // working precision of the power series at 0 ...
-constexpr double LOSTBITS = 1.5;    // ... and what is added for each unit of |x| + Re x
-constexpr slong MOSTBITS = 4096;
-constexpr slong GOODBITS = 55;
-
 constexpr double LOG2HIGH = 0x1.62e42feep-1; // log 2 in two parts, the first with trailing zeros
 constexpr double LOG2LOW = 0x1.a39ef35793c76p-33;
 constexpr double MOSTEXPONENT = 1e6;
 
 constexpr double SMALLESTPART = 1e-307;
 
-// Kept from call to call, so that nothing is allocated for them again.
-struct Balls {
-  acb_t order;
-  acb_t argument;
-  acb_t value;
-
-  Balls() {                             // NOLINT(*-member-init)
-    flint_set_abort(stopWithoutMemory); // the one way in which its arithmetic can fail
-    acb_init(order);
-    acb_init(argument);
-    acb_init(value);
-  }
-};
-
-bool isGood(const acb_t value) { return acb_rel_accuracy_bits(value) >= GOODBITS; }
-
-bool evaluateBall(Balls& B, double size, double real) {
-  if (size >= ASYMPTOTIC) {
-    acb_hypgeom_bessel_k_asymp(B.value, B.order, B.argument, 1, ASYMPTOTICBITS);
-    if (isGood(B.value)) return true;
-  }
-  const double lost = LOSTBITS * (std::min(size, 2.0 * ASYMPTOTIC) + std::max(real, 0.0));
-  slong bits = static_cast<slong>(SERIESBITS + std::min(lost, SERIESBITS * LOSTBITS));
-  for (; bits <= MOSTBITS; bits *= 2) {
-    acb_hypgeom_bessel_k_scaled(B.value, B.order, B.argument, bits);
-    if (isGood(B.value)) return true;
-  }
-  return false;
-}
-
 // exp(x) K_n(x), NaN where no precision is enough.
 Complex startValue(int n, Complex x) {
-  static Balls B;
-  acb_set_si(B.order, n);
-  acb_set_d_d(B.argument, x.real(), x.imag());
-  if (!evaluateBall(B, std::abs(x), x.real())) return std::numeric_limits<double>::quiet_NaN();
-  return {arf_get_d(arb_midref(acb_realref(B.value)), ARF_RND_NEAR),
-          arf_get_d(arb_midref(acb_imagref(B.value)), ARF_RND_NEAR)};
+  const BesselBall ball = besselRoutine()(n, x.real(), x.imag(), stopWithoutMemory);
+  if (!ball.good) return std::numeric_limits<double>::quiet_NaN();
+  return {ball.real, ball.imag};
 }
 
 double largerPart(Complex z) { return std::max(std::fabs(z.real()), std::fabs(z.imag())); }

@@ -1,0 +1,62 @@
+// Away from the origin K_0 and K_1 come from the asymptotic series, whose error exp(-2 |x|) is
+// below a double's; near it from the power series, in which (|x| + Re x) / log 2 bits cancel.
+#include "kernels/bessel_balls.h"
+
+#include <acb_hypgeom.h>
+#include <algorithm>
+#include <cmath>
+
+namespace lcp {
+
+namespace {
+
+constexpr double ASYMPTOTIC = 20.0; // |x| from which the asymptotic series is tried
+constexpr slong ASYMPTOTICBITS = 72;
+constexpr double SERIESBITS = 66.0; // working precision of the power series at 0 ...
+constexpr double LOSTBITS = 1.5;    // ... and what is added for each unit of |x| + Re x
+constexpr slong MOSTBITS = 4096;
+constexpr slong GOODBITS = 55;
+
+// Kept from call to call, so that nothing is allocated for them again.
+struct Balls {
+  acb_t order;
+  acb_t argument;
+  acb_t value;
+
+  explicit Balls(void (*withoutMemory)()) { // NOLINT(*-member-init)
+    flint_set_abort(withoutMemory);         // the one way in which its arithmetic can fail
+    acb_init(order);
+    acb_init(argument);
+    acb_init(value);
+  }
+};
+
+bool isGood(const acb_t value) { return acb_rel_accuracy_bits(value) >= GOODBITS; }
+
+bool evaluateBall(Balls& B, double size, double real) {
+  if (size >= ASYMPTOTIC) {
+    acb_hypgeom_bessel_k_asymp(B.value, B.order, B.argument, 1, ASYMPTOTICBITS);
+    if (isGood(B.value)) return true;
+  }
+  const double lost = LOSTBITS * (std::min(size, 2.0 * ASYMPTOTIC) + std::max(real, 0.0));
+  slong bits = static_cast<slong>(SERIESBITS + std::min(lost, SERIESBITS * LOSTBITS));
+  for (; bits <= MOSTBITS; bits *= 2) {
+    acb_hypgeom_bessel_k_scaled(B.value, B.order, B.argument, bits);
+    if (isGood(B.value)) return true;
+  }
+  return false;
+}
+
+double middle(const arb_t part) { return arf_get_d(arb_midref(part), ARF_RND_NEAR); }
+
+} // namespace
+
+BesselBall corvoBesselBall(int n, double real, double imag, void (*withoutMemory)()) {
+  static Balls B(withoutMemory);
+  acb_set_si(B.order, n);
+  acb_set_d_d(B.argument, real, imag);
+  const bool good = evaluateBall(B, std::hypot(real, imag), real);
+  return {middle(acb_realref(B.value)), middle(acb_imagref(B.value)), good};
+}
+
+} // namespace lcp
