@@ -153,20 +153,21 @@ TEST(Verify, FindsWhatARunDoesNotTell) {
     double least, most;
   };
   const Fault FAULTS[] = {
-      {"between", "5000", "H", "a decade above", 50, 1e9},
-      {"between", "5000", "modes", "steps given up", 1, 1e9},
-      {"between", "5000", "H", "at the points", 0, 1},
-      {"between", "5000", "H", "between them", 5, 1e9},
-      {"printed", "500", "Yc", "of the file over", 2, 1e9},
-      {"enforced", "500", "passivity", "smallest", -1e9, -0.1},
-      {"surge", "100000", "Zc", "mode 1, at the points", 50, 1e9},
-      {"unpaired", "500", "poles", "residues that", 1, 1e9},
+      {"above.cvi", "5719", "H", "a decade above", 50, 1e9},
+      {"above.cvi", "5719", "H", "at the points", 0, 1},
+      {"between.cbi", "28550", "H", "between them", 100, 1e9},
+      {"between.cbi", "28550", "H", "of the file over", 4, 1e9},
+      {"printed.cvi", "2267", "Yc", "of the file over", 2, 1e9},
+      {"enforced.cvi", "500", "passivity", "smallest", -1e9, -0.1},
+      {"dropped.cvi", "29207", "passivity", "smallest", -1e-4, -1e-5},
+      {"surge.cvi", "100000", "Zc", "mode 1, at the points", 40, 1e9},
+      {"unpaired.cvi", "125846", "poles", "residues that", 1, 1e9},
   };
   std::map<std::string, Json> runs;
   for (const Fault& f : FAULTS) {
     if (!runs.contains(f.file)) {
-      const auto [status, text] = verify(fmt::format(
-          "{}/companions/faults/{}.cvi /length {} --json", CORVO_TEST_DATA, f.file, f.length));
+      const auto [status, text] = verify(fmt::format("{}/companions/faults/{} /length {} --json",
+                                                     CORVO_TEST_DATA, f.file, f.length));
       EXPECT_EQ(status, 1) << text;
       runs[f.file] = Json::parse(text)["findings"];
     }

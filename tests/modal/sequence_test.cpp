@@ -146,17 +146,3 @@ TEST(CoreSequence, CircuitsAreGroundedAndTransposedAndTheSystemComesBack) {
   layCables(4, false);
   EXPECT_FALSE(hasCoreSequences());
 }
-
-TEST(ReportModes, EqualModesOfAFourWireCableAreParted) {
-  RUNDATA = {};
-  RUNDATA.run.ISCABLE = FOURWIRECABLE;
-  RUNDATA.run.LINELEN = 1000;
-  RUNDATA.cable.fourWire = {95, 1.1e-3, 2e-4, 2e-3, 1.7241e-8, 2.4, 3.3, 6.0};
-  solveWith(FWZY, RUNDATA.display.DISPFREQ);
-  formReportModes();
-  for (const LineMatrix* M : {&SOLVEDATA.second.ZM, &SOLVEDATA.second.YM}) {
-    const Dense A = corner(*M, 4);
-    for (std::size_t e = 0; e < 16; ++e)
-      EXPECT_LT(std::abs(A[e / 4][e % 4]), e % 5 == 0 ? 1 : 1e-9 * largest(A)) << e;
-  }
-}
