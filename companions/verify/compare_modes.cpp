@@ -96,7 +96,9 @@ Finding turnOf(const ModelFile& file, const LineModes& at, std::size_t m) {
   }
   const double share = std::abs(at.TI(by, m)) / most;
   Finding f{"vector", fmt::format("mode {}, turned by element {}", m + 1, by + 1)};
-  f.words = fmt::format("{:.3g} % of its largest", 100 * share);
+  f.value = 100 * share;
+  f.unit = "%";
+  f.words = fmt::format("{:.3g} % of its largest", f.value);
   f.verdict = share < SMALLTURN ? Verdict::DOUBTFUL : Verdict::GOOD;
   return f;
 }

@@ -161,6 +161,7 @@ TEST(Verify, FindsWhatARunDoesNotTell) {
       {"enforced.cvi", "500", "passivity", "smallest", -1e9, -0.1},
       {"dropped.cvi", "29207", "passivity", "smallest", -1e-4, -1e-5},
       {"surge.cvi", "100000", "Zc", "mode 1, at the points", 40, 1e9},
+      {"turned.cvi", "50000", "vector", "mode 3, turned by element 6", 1, 5},
       {"unpaired.cvi", "125846", "poles", "residues that", 1, 1e9},
   };
   std::map<std::string, Json> runs;
