@@ -39,7 +39,7 @@ CHART = "const chart = [...charts.values()].find(c => c.spec.id === arguments[0]
 
 
 class Browser:
-    """One session of a browser; every process that it starts ends with it."""
+    """One browser at work; every process that it starts ends with it."""
 
     def __init__(self, folder):
         self.driver = subprocess.Popen([DRIVER, "--port=0"], stdout=subprocess.PIPE, text=True)
