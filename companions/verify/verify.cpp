@@ -24,8 +24,11 @@ namespace lcp::companions {
 namespace {
 
 constexpr OptionRow OPTIONS[] = {{"/length", "METRES", "length of the line"},
+                                 {"/steps", "N", "lengths, each with its model file"},
+                                 {"/increment", "METRES", "from one length to the next"},
                                  {"--limits", "NAME=A:B,...", "doubtful above A, bad above B"},
                                  {"--json", "", "the same as one JSON document"}};
+constexpr int MOSTSTEPS = 999; // as the program takes
 constexpr Program VERIFY = {"corvo-verify",
                             "Compares the model in a model file with the line computed directly.",
                             "DESCRIPTION [MODEL]",
@@ -56,17 +59,17 @@ void add(std::vector<Finding>& all, const std::vector<Finding>& more) {
 
 // The model file: the one that is given, or one that the program makes in the scratch folder, whose
 // console then tells more.
-ModelFile modelOf(const Arguments& given, double length, const Scratch& scratch,
-                  std::string& console) {
-  if (given.words.size() > 1) {
-    const CapturedRun read = readInChild(given.words[0], length);
-    if (read.status == 0) return readModelFile(given.words[1]);
+ModelFile modelOf(const std::string& description, const std::string& given, double length,
+                  const Scratch& scratch, std::string& console) {
+  if (!given.empty()) {
+    const CapturedRun read = readInChild(description, length);
+    if (read.status == 0) return readModelFile(given);
     say(read.console);
     giveUp(VERIFY.name, "the program refuses this description");
   }
   const std::string model = (scratch.path / "model").string();
   const CapturedRun run =
-      solveInChild(given.words[0], length, model, (scratch.path / "report").string());
+      solveInChild(description, length, model, (scratch.path / "report").string());
   console = run.console;
   if (run.status == 0 || run.status == 2) return readModelFile(model);
   say(run.console);
@@ -129,25 +132,67 @@ std::vector<Finding> verified(const ModelFile& file, double length, const Limits
   return all;
 }
 
-int verifyModel(std::span<char* const> arguments) {
-  const Arguments given = parseArguments(VERIFY, arguments);
-  const double length = given.numberOr("/length", 0);
-  Limits limits;
-  if (!(length > 0)) giveUp(VERIFY.name, "/length METRES expected");
-  if (!limits.set(given.valueOr("--limits", "")))
-    giveUp(VERIFY.name, "--limits NAME=DOUBTFUL:BAD[,...] expected");
-  const Scratch scratch;
+namespace {
+
+// The model file of a length step, as the program names it: case_002.cvo.
+std::string nameOfStep(const std::string& model, int k, int steps) {
+  if (steps == 1) return model;
+  const std::filesystem::path path = model;
+  return path.parent_path() /
+         fmt::format("{}_{:03}{}", path.stem().string(), k, path.extension().string());
+}
+
+int stepsAsked(const Arguments& given) {
+  const double steps = given.numberOr("/steps", 1);
+  if (!(steps >= 1 && steps <= MOSTSTEPS) || steps != std::floor(steps))
+    giveUp(VERIFY.name, fmt::format("/steps 1 to {} expected", MOSTSTEPS));
+  return static_cast<int>(steps);
+}
+
+struct StepResult {
+  std::string text; // lines, or the document
+  int status;
+};
+
+StepResult verifyStep(const Arguments& given, const std::string& model, double length,
+                      const Limits& limits, const Scratch& scratch) {
+  if (!(length > 0)) giveUp(VERIFY.name, "/length METRES expected, above 0 at every step");
   std::string console;
-  const ModelFile file = modelOf(given, length, scratch, console);
+  const ModelFile file = modelOf(given.words[0], model, length, scratch, console);
   if (!file.trouble.empty()) giveUp(VERIFY.name, "the model file: " + file.trouble);
   readHere(given.words[0], length);
   refuseStranger(file);
   std::vector<Finding> findings = verified(file, length, limits);
   if (!console.empty() && RUNDATA.model.fitted())
     add(findings, compareConsole(console, findings, limits));
-  say(given.has("--json") ? asJson(findings, nameOf(file.kind), file.n, length) : asText(findings));
+  return {given.has("--json") ? asJson(findings, nameOf(file.kind), file.n, length)
+                              : asText(findings),
+          exitStatus(findings)};
+}
+
+} // namespace
+
+int verifyModel(std::span<char* const> arguments) {
+  const Arguments given = parseArguments(VERIFY, arguments);
+  const bool json = given.has("--json");
+  const int steps = stepsAsked(given);
+  Limits limits;
+  if (!limits.set(given.valueOr("--limits", "")))
+    giveUp(VERIFY.name, "--limits NAME=DOUBTFUL:BAD[,...] expected");
+  const Scratch scratch;
+  int status = 0;
+  for (int k = 1; k <= steps; ++k) {
+    const double length = given.numberOr("/length", 0) + (k - 1) * given.numberOr("/increment", 0);
+    const std::string model =
+        given.words.size() > 1 ? nameOfStep(given.words[1], k, steps) : std::string();
+    const StepResult step = verifyStep(given, model, length, limits, scratch);
+    if (steps > 1) say(json ? (k == 1 ? "[\n" : ",\n") : fmt::format("length {:.10g} m\n", length));
+    say(step.text);
+    status = std::max(status, step.status);
+  }
+  if (json && steps > 1) say("]\n");
   if (!saidAll()) giveUp(VERIFY.name, "the findings cannot be written");
-  return exitStatus(findings);
+  return status;
 }
 
 } // namespace lcp::companions

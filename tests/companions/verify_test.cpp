@@ -8,6 +8,7 @@
 #include "store/rundata.h"
 #include "support/child.h"
 #include "support/scratch.h"
+#include "support/whole_run.h"
 
 #include <array>
 #include <cmath>
@@ -190,6 +191,22 @@ TEST(Verify, AgreesWithThePrintedErrors) {
   // At zero frequency the line's own values: conductance and resistance alone.
   EXPECT_EQ(findingOf(all, "Yc", "at zero")["frequency"], 1e-6);
   EXPECT_EQ(verify(file + " --limits delay=2:3").first, 0);
+}
+
+TEST(Verify, LooksAtEachLengthOfARun) {
+  const Scratch scratch;
+  const auto file = scratch.file("a.cvi", contentOf(CORVO_EXAMPLES "/line500kv.cvi"));
+  const std::string steps = " /length 1e4 /steps 2 /increment 5e3 --json";
+  const Json made = Json::parse(verify(file + steps).second);
+  ASSERT_EQ(made.size(), 2U);
+  EXPECT_EQ(made[1]["length"], 15000);
+  EXPECT_EQ(runProgram({"/file", "a.cvi", "/length", "1e4", "/steps", "2", "/increment", "5e3"},
+                       scratch.path())
+                .status,
+            0);
+  const auto model = (scratch.path() / "a.cvo").string();
+  EXPECT_EQ(Json::parse(verify(file + " " + model + steps).second), made);
+  EXPECT_EQ(verify(file + " " + model + " /length 1e4 /steps 3 /increment 5e3 2>&1").first, 2);
 }
 
 TEST(Verify, ComparesNothingWithAStranger) {

@@ -19,7 +19,6 @@ std::string manyCircuits(int n, const std::string& model); // n wires in circuit
 // A line of n conductors with entered data.
 std::string manualLineOf(int n, const std::string& keys, const std::string& model);
 
-
 std::string phaseModel(const std::string& keys = ""); // frequency dependent (phase)
 std::string modeModel(const std::string& keys = "");  // ... (mode), all samples of one weight
 std::string bergeronModel(const std::string& keys = "");
