@@ -8,12 +8,12 @@
 #include "companions/plot/survey.h"
 #include "companions/shared/arguments.h"
 #include "companions/shared/captured_run.h"
+#include "companions/shared/scratch.h"
 #include "companions/shared/verdicts.h"
 #include "run/lcpmain.h"
 #include "store/rundata.h"
 
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <fmt/format.h>
 #include <unistd.h>
@@ -32,25 +32,6 @@ constexpr Program PLOT = {"corvo-plot",
                           1,
                           OPTIONS};
 
-// A folder that goes with the program.
-struct Scratch {
-  std::filesystem::path path;
-
-  Scratch() {
-    std::string name = (std::filesystem::temp_directory_path() / "corvo-plot-XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr) giveUp(PLOT.name, "no scratch folder");
-    path = name;
-  }
-  Scratch(const Scratch&) = delete;
-  Scratch& operator=(const Scratch&) = delete;
-  ~Scratch() { remove(); }
-  void remove() const {
-    std::error_code ignored;
-    std::filesystem::remove_all(path, ignored);
-  }
-  std::string file(std::string_view name) const { return (path / name).string(); }
-};
-
 // What the run of the program leaves: its words, the model, and that before an enforcement.
 struct Solved {
   std::string console;
@@ -59,27 +40,25 @@ struct Solved {
 
 // Reads the description here as well, behind the child that the program refuses it in.
 Solved solved(const std::string& description, double length) {
-  const Scratch scratch;
   Solved S;
   const CapturedRun run =
-      solveInChild(description, length, scratch.file("model"), scratch.file("report"));
+      solveInChild(description, length, scratchFile("model"), scratchFile("report"));
   S.console = run.console + run.errors;
   if (run.status != 0 && run.status != 2) {
-    scratch.remove();
     fmt::print("{}", run.console);
     giveUp(PLOT.name, "the program makes no model of this description");
   }
-  S.model = readModelFile(scratch.file("model"));
+  S.model = readModelFile(scratchFile("model"));
   readHere(description, length);
   RUNDATA.fit.WDETAIL = RUNDATA.display.CREATEPI = false;
   if (!RUNDATA.passivity.PITERSET || S.model.kind != ModelKind::PHASE) return S;
   runCaptured([&] {
-    RUNDATA.run.FOUTM = scratch.file("before");
-    RUNDATA.run.FOUTR = scratch.file("report");
+    RUNDATA.run.FOUTM = scratchFile("before");
+    RUNDATA.run.FOUTR = scratchFile("report");
     RUNDATA.passivity.PITERSET = RUNDATA.passivity.PFLOSET = false;
     solveStep();
   });
-  S.before = readModelFile(scratch.file("before"));
+  S.before = readModelFile(scratchFile("before"));
   return S;
 }
 

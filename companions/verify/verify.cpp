@@ -5,6 +5,7 @@
 #include "companions/shared/direct_line.h"
 #include "companions/shared/fit_ranges.h"
 #include "companions/shared/model_file.h"
+#include "companions/shared/scratch.h"
 #include "companions/shared/verdicts.h"
 #include "companions/verify/compare_functions.h"
 #include "companions/verify/compare_modes.h"
@@ -15,7 +16,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 #include <filesystem>
 #include <fmt/format.h>
 
@@ -36,40 +36,22 @@ constexpr Program VERIFY = {"corvo-verify",
                             2,
                             OPTIONS};
 
-// A folder that goes with the program.
-struct Scratch {
-  std::filesystem::path path;
-
-  Scratch() {
-    std::string name = (std::filesystem::temp_directory_path() / "corvo-verify-XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr) giveUp(VERIFY.name, "no scratch folder");
-    path = name;
-  }
-  Scratch(const Scratch&) = delete;
-  Scratch& operator=(const Scratch&) = delete;
-  ~Scratch() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path, ignored);
-  }
-};
-
 void add(std::vector<Finding>& all, const std::vector<Finding>& more) {
   all.insert(all.end(), more.begin(), more.end());
 }
 
-// The model file: the one that is given, or one that the program makes in the scratch folder, whose
+// The model file: the one that is given, or one that the program makes in a scratch folder, whose
 // console then tells more.
 ModelFile modelOf(const std::string& description, const std::string& given, double length,
-                  const Scratch& scratch, std::string& console) {
+                  std::string& console) {
   if (!given.empty()) {
     const CapturedRun read = readInChild(description, length);
     if (read.status == 0) return readModelFile(given);
     say(read.console);
     giveUp(VERIFY.name, "the program refuses this description");
   }
-  const std::string model = (scratch.path / "model").string();
-  const CapturedRun run =
-      solveInChild(description, length, model, (scratch.path / "report").string());
+  const std::string model = scratchFile("model");
+  const CapturedRun run = solveInChild(description, length, model, scratchFile("report"));
   console = run.console;
   if (run.status == 0 || run.status == 2) return readModelFile(model);
   say(run.console);
@@ -155,10 +137,10 @@ struct StepResult {
 };
 
 StepResult verifyStep(const Arguments& given, const std::string& model, double length,
-                      const Limits& limits, const Scratch& scratch) {
+                      const Limits& limits) {
   if (!(length > 0)) giveUp(VERIFY.name, "/length METRES expected, above 0 at every step");
   std::string console;
-  const ModelFile file = modelOf(given.words[0], model, length, scratch, console);
+  const ModelFile file = modelOf(given.words[0], model, length, console);
   if (!file.trouble.empty()) giveUp(VERIFY.name, "the model file: " + file.trouble);
   readHere(given.words[0], length);
   refuseStranger(file);
@@ -179,13 +161,12 @@ int verifyModel(std::span<char* const> arguments) {
   Limits limits;
   if (!limits.set(given.valueOr("--limits", "")))
     giveUp(VERIFY.name, "--limits NAME=DOUBTFUL:BAD[,...] expected");
-  const Scratch scratch;
   int status = 0;
   for (int k = 1; k <= steps; ++k) {
     const double length = given.numberOr("/length", 0) + (k - 1) * given.numberOr("/increment", 0);
     const std::string model =
         given.words.size() > 1 ? nameOfStep(given.words[1], k, steps) : std::string();
-    const StepResult step = verifyStep(given, model, length, limits, scratch);
+    const StepResult step = verifyStep(given, model, length, limits);
     if (steps > 1) say(json ? (k == 1 ? "[\n" : ",\n") : fmt::format("length {:.10g} m\n", length));
     say(step.text);
     status = std::max(status, step.status);

@@ -94,6 +94,7 @@ TEST(Scan, FindsBandsByTheirEdges) {
 TEST(Passivity, OfALumpedNetworkIsKnown) {
   auto& F = lcp::RUNDATA.fit;
   lcp::RUNDATA.resetInput();
+  lcp::RUNDATA.run.DATAFMT = lcp::ROUTECONSTANTS;
   F.FSTART = 1;
   F.FEND = 1e5;
   F.NFINC = 50;
