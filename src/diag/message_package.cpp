@@ -24,7 +24,7 @@ struct NameStack {
   int NAMEDEPTH = 0;
 };
 
-NameStack stack;
+constinit NameStack stack;
 int STOPLEVEL = 0;
 
 std::string_view trimmed(std::string_view text) {

@@ -27,7 +27,7 @@ struct GroupFits {
 using GroupFitTable = Table<GroupFits, NGMAX>;
 GroupFitTable& HISTORY = bigStore<GroupFitTable>();
 
-SettledFit settled;
+constinit SettledFit settled{};
 
 FitSamples samplesOf(int g) {
   const FrequencyGrid& G = SOLVEDATA.grid;

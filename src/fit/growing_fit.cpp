@@ -20,7 +20,7 @@ constexpr double DELAYUP = 1.2; // bounds of the delay search over the first del
 constexpr double DELAYLOW = 0.8;
 constexpr double FIRSTSTEP = 0.5; // first step of the search over the correction of the delay
 
-FunctionFit model; // of the count at hand
+constinit FunctionFit model{}; // of the count at hand
 
 bool finished(const RationalFit& FIT, int NMAX, double TARGET) {
   return FIT.ERR <= TARGET || FIT.N >= std::min(NMAX, NPMAX);

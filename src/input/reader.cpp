@@ -323,7 +323,8 @@ void takeLine() {
 
 void openInput() {
   RunControl& R = RUNDATA.run;
-  RUNDATA.resetInput();
+  // The first finds the groups as the program was loaded, most of their pages untouched.
+  if (R.FILESREAD++ > 0) RUNDATA.resetInput();
   R.DATAFMT = ROUTENONE;
   if (openReader(R.FNAME.whole())) return;
   console::line();

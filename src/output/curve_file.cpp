@@ -4,6 +4,7 @@
 #include "store/rundata.h"
 
 #include <algorithm>
+#include <memory>
 
 namespace lcp {
 
@@ -129,9 +130,17 @@ std::string curveName(const CurveRow& row) {
 
 // ---- one of them
 
-StreamFile files[static_cast<std::size_t>(CurveId::COUNT)];
+// Made with the first one: most runs have none.
+std::unique_ptr<StreamFile[]> files;
+
+void makeFiles() {
+  constexpr auto count = static_cast<std::size_t>(CurveId::COUNT);
+  if (files == nullptr) files = std::make_unique_for_overwrite<StreamFile[]>(count);
+}
 
 StreamFile& fileOf(CurveId id) { return files[static_cast<std::size_t>(id)]; }
+
+bool isOpen(CurveId id) { return files != nullptr && fileOf(id).isOpen(); }
 
 void tellTrouble(CurveId id, std::string_view what) {
   console::print("{}: {}", what, curveName(*curveRow(id)));
@@ -146,6 +155,7 @@ void closeFile(CurveId id) {
 void headCurve(CurveId id) {
   const CurveRow* row = curveRow(id);
   if (row == nullptr) return;
+  makeFiles();
   StreamFile& file = fileOf(id);
   if (!file.create(curveName(*row))) {
     tellTrouble(id, "Cannot Open Detail Curve File");
@@ -157,15 +167,15 @@ void headCurve(CurveId id) {
 }
 
 void closeCurve(CurveId id) {
-  if (fileOf(id).isOpen()) closeFile(id);
+  if (isOpen(id)) closeFile(id);
 }
 
 void discardCurve(CurveId id) {
-  if (fileOf(id).isOpen()) fileOf(id).discard();
+  if (isOpen(id)) fileOf(id).discard();
 }
 
 bool CurveFile::open(CurveId id) {
-  if (!fileOf(id).isOpen()) return false;
+  if (!isOpen(id)) return false;
   file = &fileOf(id);
   curve = id;
   finite = true;

@@ -15,7 +15,7 @@ namespace {
 
 struct Mean {
   Complex sum;
-  int count;
+  int count = 0;
 
   void clear() {
     sum = 0.0;
@@ -40,7 +40,7 @@ struct GroupSums {
   }
 };
 
-GroupSums sums;
+constinit GroupSums sums;
 
 void addUp(const TranspositionGroups& groups, CConstView M, int n) {
   const Table<int, LDMAT>& transposed = groups.CTRANSP;

@@ -41,7 +41,7 @@ struct ConductorTable {
   CondInts CPHASE;  // connection node
   CondInts CMAP;    // role
 
-  ConductorTable() {
+  constexpr ConductorTable() {
     CMUR.fill(1.0);
     CNOUT.fill(1.0);
     CNTOT.fill(1.0);

@@ -26,6 +26,7 @@ struct RunControl {
   double LINELEN = 0;    // line length of the current step, m; every stage takes it here
   int ISCABLE = 0;       // kind of system, from the extension of FNAME
   int DATAFMT = 0;       // route, set by the reader
+  int FILESREAD = 0;     // descriptions that this process has read
   bool WARNFLAG = false; // a warning was given: the run ends with exit status 2
   bool DEBUGF = false;   // the debug file is open
 };

@@ -2,7 +2,7 @@
 
 namespace lcp {
 
-RunData RUNDATA;
+constinit RunData RUNDATA;
 
 void RunData::resetInput() {
   line = {};

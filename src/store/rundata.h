@@ -48,7 +48,8 @@ struct RunData {
   void setUnitBases();
 };
 
-extern RunData RUNDATA;
+// A constant of the program file until it is written to: nothing is formed at the start.
+extern constinit RunData RUNDATA;
 
 // A warning was given: the run ends with exit status 2.
 void warn();

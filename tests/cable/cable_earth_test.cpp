@@ -100,4 +100,6 @@ TEST(AerialIntegral, IsTheSameKeptAndAnew) {
     }
   }
   for (const int k : {1, 2, 5}) EXPECT_TRUE(same(k, 6e6, true)) << k;
+  RUNDATA.ground.GEPSR = 10; // over another soil at the same frequency
+  EXPECT_TRUE(same(1, 6e6, true));
 }

@@ -9,6 +9,7 @@
 #include "store/solvedata.h"
 #include "support/cable_systems.h"
 
+#include <array>
 #include <cmath>
 #include <gtest/gtest.h>
 
@@ -66,6 +67,25 @@ Wide transposed(const Dense& M, std::size_t i, std::size_t j) {
 }
 
 } // namespace
+
+TEST(Sequence, LoadFlowDataOfWhichLines) {
+  RUNDATA.resetInput();
+  RUNDATA.run.ISCABLE = OVERHEADLINE;
+  ConductorTable& C = RUNDATA.cond;
+  for (const auto& [n, circuits, towers, has] : {std::array{1, 1, 1, 0},
+                                                 {2, 1, 1, 1},
+                                                 {3, 1, 3, 1},
+                                                 {4, 1, 1, 0},
+                                                 {6, 1, 1, 0},
+                                                 {6, 2, 1, 1},
+                                                 {6, 2, 2, 1},
+                                                 {6, 2, 3, 0}}) {
+    RUNDATA.line.NC = n;
+    C.NCIRC = circuits;
+    C.NTOWER = towers;
+    EXPECT_EQ(hasLoadFlowSection(), has == 1) << n << circuits << towers;
+  }
+}
 
 TEST(Sequence, LoadFlowBlocksOfADoubleCircuit) {
   balanced(Z, {3, 30}, {1, 10}, {0.5, 5});
