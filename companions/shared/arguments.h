@@ -45,5 +45,6 @@ bool saidAll();
 
 // A line "NAME: WORDS" on the error stream, and the end, exit status 2.
 [[noreturn]] void giveUp(std::string_view name, std::string_view words);
+inline constexpr std::string_view CANNOTBEWRITTEN = "the standard output cannot be written";
 
 } // namespace lcp::companions

@@ -52,6 +52,8 @@ for program in "$place"/bin/*; do
     wanted=$(grep -oE '^  [-/][^ ]*' "$work/said")
     expect 0 "$name " "$program" --version
     expect 2 --wrong "$program" --wrong
+    ! "$program" --help > /dev/full 2> "$work/said" || fail "$name does not see a full device"
+    [[ -s $work/said ]] || fail "$name does not tell of a full device"
   fi
   for option in $wanted; do
     [[ $offered == *" $option"* ]] || fail "$option of $name is not completed: $offered"
@@ -70,6 +72,28 @@ for description in "$work"/runs/*.c?i; do
   expect 0 "" "$place/bin/corvo-check" "$description"
   expect 0 "" "$place/bin/corvo-verify" "$description" /length 10000
   rm "${description%i}o"
+done
+
+# What cannot be read or written, and words that are nearly options. Nothing waits for a pipe.
+line=$work/runs/line500kv.cvi
+mkfifo "$work/pipe.cvi" "$work/runs/x_zm.out"
+trouble=("$work/none.cvi" "$work/runs" "$work/pipe.cvi" /dev/zero)
+for file in "${trouble[@]}"; do
+  expect 2 "Error in Opening Input Data File" timeout 20 "$place/bin/corvo-check" "$file"
+  expect 2 "Error in Opening Input Data File" timeout 20 "$place/bin/corvo-verify" "$file" /length 10000
+  expect 2 "Error in Opening Input Data File" timeout 20 "$place/bin/corvo-plot" "$file" /length 10000
+  expect 2 "the model file" timeout 20 "$place/bin/corvo-verify" "$line" "$file" /length 10000
+  expect 2 "no detail curve files" timeout 20 "$place/bin/corvo-plot" --curves "${file%/pipe.cvi}"
+done
+expect 2 "an empty word" "$place/bin/corvo-verify" "$line" "" /length 10000
+expect 2 "unknown option /lenght" "$place/bin/corvo-verify" "$line" /lenght 10000
+expect 2 "/length: 10 km is not a number" "$place/bin/corvo-check" "$line" /length "10 km"
+for page in "$work/none/page.html" "$work" /dev/full; do
+  expect 1 "cannot write $page" "$place/bin/corvo-plot" "$line" /length 10000 -o "$page"
+done
+for program in corvo-check corvo-verify; do
+  expect 2 "the standard output cannot be written" \
+    bash -c '"$0" "$1" /length 10000 > /dev/full' "$place/bin/$program" "$line"
 done
 expect 0 "" "$place/bin/corvo-plot" "$work/runs/pipetype.cbi" /length 10000 -o "$work/page.html"
 [[ -s $work/page.html ]] || fail "no page"
