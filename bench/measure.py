@@ -2,8 +2,6 @@
 """Measures whole runs of corvo beside floors of the same machine and minute, and prints tables in
 markdown. Started by run.sh.
 
-usage: measure.py CORVO EMPTY FLOORS EXAMPLES [--repeats N] [--only WORDS]
-
 A number is CPU time, user and system, of a process as the kernel counts it: the smallest of the
 repeats, on a busy machine the better figure, and their median. The repeats of all cases are
 interleaved, so that a busy minute falls on all of them.
@@ -66,12 +64,15 @@ def with_model(description, model):
                   flags=re.S)
 
 
+# At how many frequencies a model takes all modes; the MFDTD model takes none over its grid.
+MODAL = {"Bergeron": 2, "mode": FREQUENCIES, "phase": FREQUENCIES}
+
+
 class Case:
-    def __init__(self, name, kind, n, file, text, length="100000", more=(), modes=True):
+    def __init__(self, name, kind, n, file, text, length="100000", more=()):
         self.name, self.kind, self.n, self.file, self.text = name, kind, n, file, text
         self.arguments = ["/file", file, "/length", length, *more]
-        # Fits need modes at all frequencies; the other models at one or two.
-        self.frequencies = 0 if not modes else FREQUENCIES if kind != "Bergeron" else 1
+        self.frequencies = MODAL.get(kind, 0)
         self.seconds, self.zgeev, self.lsq, self.fits = [], [], [], []
 
 
@@ -85,9 +86,9 @@ def cases(examples):
     coarse = re.sub(r"(Maximum Fitting Error[^:\n]*: *)0\.2", r"\g<1>2.0", line)
     enforced = re.sub(r"(Model Options\n\{\n)", lambda m: m.group(1) + ENFORCED, coarse, count=1)
     bergeron = overhead(3, "Bergeron")
-    yield Case("reading alone", "start", 3, "a.cvi", bergeron, more=("/steps", "0"), modes=False)
+    yield Case("reading alone", "start", 3, "a.cvi", bergeron, more=("/steps", "0"))
     yield Case("200 lengths in one run", "lengths", 3, "a.cvi", bergeron,
-               more=("/steps", "200", "/increment", "1000"), modes=False)
+               more=("/steps", "200", "/increment", "1000"))
     for model in MODELS:
         for n in SIZES:
             yield Case(f"overhead, {model}", model, n, "a.cvi", overhead(n, model))
@@ -202,11 +203,11 @@ def print_growth(todo, start):
 
 
 def main():
-    parser = argparse.ArgumentParser(usage=__doc__)
+    parser = argparse.ArgumentParser(description=__doc__.split("\n", maxsplit=1)[0])
     for name in ("corvo", "empty", "floors", "examples"):
         parser.add_argument(name, type=os.path.abspath)
-    parser.add_argument("--repeats", type=int, default=5)
-    parser.add_argument("--only", default="", help="a pattern of names of runs")
+    parser.add_argument("--repeats", type=int, default=5, help="of runs above 50 ms; five times as many below")
+    parser.add_argument("--only", default="", help="a pattern for the names of runs")
     given = parser.parse_args()
     todo = [c for c in cases(given.examples) if re.search(given.only, c.name)]
     folder = tempfile.mkdtemp(prefix="corvo-bench.")
