@@ -153,8 +153,8 @@ def measure(todo, tools, repeats, folder):
                 command = [tools.floors, "lsq", str(ROWS)]
                 command += [str(number) for fit in case.fits for number in fit]
                 case.lsq.append(float(timed(command, place)[2]))
-        print(f"repeat {repeat + 1} of {repeats * MORE}", end="\r", file=sys.stderr)
-    print(file=sys.stderr)
+        if sys.stderr.isatty():
+            print(f"repeat {repeat + 1} of {repeats * MORE}", end="\r", file=sys.stderr)
     return empties
 
 
