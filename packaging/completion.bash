@@ -13,26 +13,28 @@ _corvo_files() { # EXTENSIONS, as cvi|cbi; none for any file
 }
 
 _corvo() {
-  local program=$1 word=$2 before=$3 options value name=${1##*/}
-  local descriptions='cvi|cbi|dta' models='cvo|cbo|cvi|cbi|dta'
+  local program=$1 word=$2 before=$3 name=${1##*/} help options value
+  local descriptions='cvi|cbi|dta' words=''
   COMPREPLY=()
   if [[ $name == corvo ]]; then
-    options=$'/file FILE\n/length METRES\n/increment METRES\n/steps N'
+    options=$'/file DESCRIPTION\n/length METRES\n/increment METRES\n/steps N'
   else
-    options=$("$program" --help 2> /dev/null | sed -n 's/^  \([-\/][^ ]*\) *\([A-Z][A-Z=:,.]*\)\? .*/\1 \2/p')
+    help=$("$program" --help 2> /dev/null)
+    options=$(sed -n 's/^  \([-\/][^ ]*\) *\([A-Z][A-Z=:,.]*\)\? .*/\1 \2/p' <<< "$help")
+    [[ ${help%%$'\n'*} != *DESCRIPTION* ]] || words="$descriptions|cvo|cbo"
   fi
   value=$(awk -v option="$before" '$1 == option { print $2 }' <<< "$options")
   case $value in
-    FILE) _corvo_files "$descriptions" "$word" ;;
+    DESCRIPTION) _corvo_files "$descriptions" "$word" ;;
     FOLDER)
       compopt -o filenames 2> /dev/null
       mapfile -t COMPREPLY < <(compgen -d -- "$word")
       ;;
-    PAGE | *FILE* | LIST | TABLE) _corvo_files '' "$word" ;;
+    PAGE | PROGRAM | *FILE*) _corvo_files '' "$word" ;;
     ?*) ;; # numbers and the like
     *)
       mapfile -t COMPREPLY < <(compgen -W "$(awk '{ print $1 }' <<< "$options")" -- "$word")
-      [[ $name == corvo ]] || _corvo_files "$models" "$word"
+      [[ $name == corvo ]] || _corvo_files "$words" "$word"
       ;;
   esac
 }

@@ -9,6 +9,8 @@
 
 namespace lcp::companions {
 
+inline constexpr std::string_view CANNOTBEWRITTEN = "the standard output cannot be written";
+
 struct OptionRow {
   std::string_view name;  // "--json", "/length"
   std::string_view value; // what the usage calls its value; empty for none
@@ -45,6 +47,5 @@ bool saidAll();
 
 // A line "NAME: WORDS" on the error stream, and the end, exit status 2.
 [[noreturn]] void giveUp(std::string_view name, std::string_view words);
-inline constexpr std::string_view CANNOTBEWRITTEN = "the standard output cannot be written";
 
 } // namespace lcp::companions
