@@ -114,7 +114,6 @@ fi
 for program in "$root"/usr/bin/corvo-*; do
   run 0 "${program##*/}" --help
   run 0 "${program##*/}" --version
-  run 2 "${program##*/}" --wrong
 done
 
 say "removal"
