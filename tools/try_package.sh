@@ -34,7 +34,8 @@ say "package"
 mkdir -p "$out"
 rm -f "$out"/*.deb
 (umask 027 # permissions in the package do not hang on those of who builds it
-  cmake -S "$top" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DCORVO_TESTS=OFF > "$out/configure.log"
+  cmake -S "$top" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DCORVO_TESTS=OFF \
+    -DCORVO_WERROR=ON > "$out/configure.log"
   cmake --build "$build" > "$out/build.log" || { tail -20 "$out/build.log"; exit 1; }
   cd / && cpack -G DEB --config "$build/CPackConfig.cmake" -B "$out" > "$out/cpack.log" 2>&1 ||
     { cat "$out/cpack.log"; exit 1; })
