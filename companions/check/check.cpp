@@ -115,7 +115,7 @@ int tellRefusal(const std::string& file, const CapturedRun& read, bool json) {
     if (!findings.empty()) say("\n");
     if (!findings.empty()) printFindings(findings);
   }
-  std::fflush(stdout);
+  if (!saidAll()) giveUp(CHECK.name, CANNOTBEWRITTEN);
   if (read.status < 0) giveUp("corvo-check", "the reader broke down");
   return REFUSED;
 }
@@ -151,7 +151,8 @@ int checkDescription(std::span<char* const> arguments) {
     printFindings(findings);
     say(tablesAsText(understood()));
   }
-  return saidAll() ? status : REFUSED;
+  if (!saidAll()) giveUp(CHECK.name, CANNOTBEWRITTEN);
+  return status;
 }
 
 } // namespace lcp::companions

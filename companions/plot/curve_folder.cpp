@@ -80,8 +80,11 @@ bool beginsRow(const std::vector<double>& n) {
 }
 
 Rows rowsOf(const std::filesystem::path& file) {
-  std::ifstream in(file);
+  std::error_code none;
   Rows rows;
+  if (!std::filesystem::is_regular_file(file, none))
+    return rows; // a pipe would wait for its writer
+  std::ifstream in(file);
   std::string line;
   std::getline(in, line); // the header
   while (std::getline(in, line)) {

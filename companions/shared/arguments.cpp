@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fmt/format.h>
+#include <unistd.h>
 
 namespace lcp::companions {
 
@@ -30,9 +31,17 @@ std::string usageOf(const Program& p) {
   std::exit(CANNOTTELL);
 }
 
-[[noreturn]] void tell(const std::string& text) {
+[[noreturn]] void tell(const Program& p, const std::string& text) {
   say(text);
-  std::exit(saidAll() ? 0 : CANNOTTELL);
+  if (!saidAll()) giveUp(p.name, CANNOTBEWRITTEN);
+  std::exit(0);
+}
+
+// An option of another spelling: "--lenght", or "/lenght" where no file of that name is.
+bool looksLikeOption(const std::string& text) {
+  if (text.size() < 2) return false;
+  if (text[0] == '-') return true;
+  return text.rfind('/') == 0 && access(text.c_str(), F_OK) != 0;
 }
 
 } // namespace
@@ -54,8 +63,8 @@ Arguments parseArguments(const Program& program, std::span<char* const> argument
   Arguments result;
   for (std::size_t i = 0; i < arguments.size(); ++i) {
     const std::string_view text = arguments[i];
-    if (text == "--help") tell(usageOf(program));
-    if (text == "--version") tell(fmt::format("{} {}\n", program.name, CORVO_VERSION));
+    if (text == "--help") tell(program, usageOf(program));
+    if (text == "--version") tell(program, fmt::format("{} {}\n", program.name, CORVO_VERSION));
     const auto option = std::find_if(program.options.begin(), program.options.end(),
                                      [&](const OptionRow& o) { return o.name == text; });
     if (option != program.options.end()) {
@@ -63,8 +72,10 @@ Arguments parseArguments(const Program& program, std::span<char* const> argument
       if (takes && i + 1 == arguments.size())
         refuse(program, fmt::format("{} needs a value", text));
       result.options[std::string(text)] = takes ? arguments[++i] : "";
-    } else if (text.starts_with('-') && text.size() > 1) {
+    } else if (looksLikeOption(std::string(text))) {
       refuse(program, fmt::format("unknown option {}", text));
+    } else if (text.empty()) {
+      refuse(program, "an empty word"); // of a script's variable that is not set
     } else {
       result.words.emplace_back(text);
     }

@@ -9,6 +9,8 @@
 
 namespace lcp::companions {
 
+inline constexpr std::string_view CANNOTBEWRITTEN = "the standard output cannot be written";
+
 struct OptionRow {
   std::string_view name;  // "--json", "/length"
   std::string_view value; // what the usage calls its value; empty for none

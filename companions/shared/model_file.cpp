@@ -3,6 +3,7 @@
 #include "input/free_form.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <fmt/format.h>
 #include <fstream>
 #include <optional>
@@ -338,10 +339,12 @@ ModelFile parseModelFile(const std::string& text) {
 }
 
 ModelFile readModelFile(const std::string& name) {
-  std::ifstream file(name);
+  std::error_code none;
+  std::ifstream file;
+  if (std::filesystem::is_regular_file(name, none)) file.open(name); // a device may never end
   std::ostringstream text;
-  if (file) text << file.rdbuf();
-  if (!file) {
+  if (file.is_open()) text << file.rdbuf();
+  if (!file.is_open() || !file) {
     ModelFile f;
     f.trouble = "it cannot be opened";
     return f;

@@ -172,7 +172,7 @@ int verifyModel(std::span<char* const> arguments) {
     status = std::max(status, step.status);
   }
   if (json && steps > 1) say("]\n");
-  if (!saidAll()) giveUp(VERIFY.name, "the findings cannot be written");
+  if (!saidAll()) giveUp(VERIFY.name, CANNOTBEWRITTEN);
   return status;
 }
 

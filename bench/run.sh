@@ -1,0 +1,16 @@
+#!/usr/bin/env bash
+# Builds the program as it is released and measures it: start, whole runs by kind and size, beside
+# floors of the same minute. Prints tables in markdown; docs/performance.md tells what they mean.
+# usage: run.sh [--repeats N] [--only PATTERN]
+set -euo pipefail
+
+top=$(cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.." && pwd)
+build=$top/build/bench
+mkdir -p "$build"
+{
+  cmake -S "$top" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DCORVO_WERROR=ON \
+    -DCORVO_TESTS=OFF -DCORVO_COMPANIONS=OFF -DCORVO_BENCH=ON
+  cmake --build "$build" --target corvo corvo_empty corvo_floors
+} > "$build/build.log" 2>&1 || { tail -20 "$build/build.log" >&2; exit 1; }
+exec python3 "$top/bench/measure.py" "$build/corvo" "$build/bench/corvo_empty" \
+  "$build/bench/corvo_floors" "$top/examples" "$@"

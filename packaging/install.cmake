@@ -1,0 +1,51 @@
+# What cmake --install puts under its prefix, which may be any folder and be moved afterwards:
+#   bin                              corvo and every companion that was built
+#   lib/corvo                        the module that pipes load, found from bin
+#   share/man/man1, share/doc/corvo  manual pages, documents, examples
+#   share/bash-completion            one file for all programs, under the name of each
+
+# Programs corvo-NAME among the targets of a folder and of the folders in it.
+function(companion_programs folder found)
+  get_property(targets DIRECTORY ${folder} PROPERTY BUILDSYSTEM_TARGETS)
+  get_property(inner DIRECTORY ${folder} PROPERTY SUBDIRECTORIES)
+  set(programs "")
+  foreach(target ${targets})
+    get_target_property(type ${target} TYPE)
+    if(type STREQUAL "EXECUTABLE" AND target MATCHES "^corvo-")
+      list(APPEND programs ${target})
+    endif()
+  endforeach()
+  foreach(folder_in ${inner})
+    companion_programs(${folder_in} more)
+    list(APPEND programs ${more})
+  endforeach()
+  set(${found} ${programs} PARENT_SCOPE)
+endfunction()
+
+install(TARGETS corvo)
+set(PAGES ${PROJECT_SOURCE_DIR}/docs/corvo.1) # manual pages, one a program
+if(CORVO_COMPANIONS)
+  companion_programs(${PROJECT_SOURCE_DIR}/companions COMPANION_PROGRAMS)
+  install(TARGETS ${COMPANION_PROGRAMS})
+  # A companion may be a script as well: companions/NAME/corvo-NAME.
+  file(GLOB COMPANION_SCRIPTS CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/companions/*/corvo-*)
+  install(PROGRAMS ${COMPANION_SCRIPTS} TYPE BIN)
+  file(GLOB PAGES CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/*.1)
+endif()
+install(FILES ${PAGES} DESTINATION share/man/man1)
+
+# bash looks for the completion of a program under its name.
+set(COMPLETIONS ${PROJECT_BINARY_DIR}/completions)
+file(MAKE_DIRECTORY ${COMPLETIONS})
+install(FILES packaging/completion.bash RENAME corvo DESTINATION share/bash-completion/completions)
+foreach(page ${PAGES})
+  get_filename_component(command ${page} NAME_WE)
+  if(NOT command STREQUAL "corvo")
+    file(CREATE_LINK corvo ${COMPLETIONS}/${command} SYMBOLIC)
+    install(FILES ${COMPLETIONS}/${command} DESTINATION share/bash-completion/completions)
+  endif()
+endforeach()
+
+install(DIRECTORY examples DESTINATION share/doc/corvo)
+install(FILES README.md ROADMAP.md CHANGELOG.md DESTINATION share/doc/corvo)
+install(DIRECTORY docs/ DESTINATION share/doc/corvo/docs FILES_MATCHING PATTERN "*.md" PATTERN "*.png")
