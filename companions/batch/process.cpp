@@ -23,7 +23,12 @@ sigset_t unheld;
 sigset_t watched() {
   sigset_t set;
   sigemptyset(&set);
-  for (const int s : {SIGINT, SIGTERM, SIGHUP, SIGCHLD}) sigaddset(&set, s);
+  sigaddset(&set, SIGCHLD);
+  for (const int s : {SIGINT, SIGTERM, SIGHUP}) {
+    struct sigaction action {};
+    sigaction(s, nullptr, &action);
+    if (action.sa_handler != SIG_IGN) sigaddset(&set, s); // nohup stays without effect
+  }
   return set;
 }
 
