@@ -26,6 +26,7 @@ namespace lcp::companions {
 namespace {
 
 constexpr int NOTBEGUN = 3; // exit status
+constexpr int FAILED = 1;
 constexpr int BEHINDSIGNAL = 128;
 constexpr std::string_view SUMMARY = "summary.tsv";
 
@@ -116,12 +117,17 @@ CaseWishes wishesOf(const Arguments& given) {
   return wishes;
 }
 
+[[noreturn]] void refuseFolder(const fs::path& work) {
+  giveUp(BATCH.name, fmt::format("cannot write {}: {}", work.string(), std::strerror(errno)),
+         FAILED);
+}
+
 // The folder of the batch, for this process alone until it ends.
 void takeFolder(const fs::path& work) {
   std::error_code trouble;
   fs::create_directories(work, trouble);
   const int lock = open((work / "lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
-  if (lock < 0) refuse(fmt::format("cannot write {}: {}", work.string(), std::strerror(errno)));
+  if (lock < 0) refuseFolder(work);
   if (flock(lock, LOCK_EX | LOCK_NB) != 0)
     refuse(fmt::format("another corvo-batch is at work in {}", work.string()));
 }
@@ -193,9 +199,9 @@ int runWhole(const Arguments& given) {
   takeFolder(work);
   cancelEarlier(work);
   const CaseList cases = casesOf(given, list, work);
-  if (!cases.trouble.empty()) refuse(cases.trouble);
-  if (!writeWhole(work / CASESFILE, tableOf(cases.cases)))
-    refuse(fmt::format("cannot write {}: {}", work.string(), std::strerror(errno)));
+  if (!cases.trouble.empty())
+    giveUp(BATCH.name, cases.trouble, cases.notWritten ? FAILED : NOTBEGUN);
+  if (!writeWhole(work / CASESFILE, tableOf(cases.cases))) refuseFolder(work);
   const double start = now();
   const auto open = openCases(cases.cases, hands.wishes, given.has("--resume"));
   HandedOver end;
@@ -206,10 +212,10 @@ int runWhole(const Arguments& given) {
   if (!end.trouble.empty()) tell(end.trouble);
   tell(fmt::format("{}; {:.1f} s, {} run now; {}", countsOf(facts), now() - start, open.size(),
                    (work / SUMMARY).string()));
-  if (exitStatus(facts) == 1 && std::count(facts.begin(), facts.end(), Facts{}) > 0)
+  if (exitStatus(facts) == FAILED && std::count(facts.begin(), facts.end(), Facts{}) > 0)
     tell("--resume goes on with the cases that were not run");
   if (end.signal != 0) return BEHINDSIGNAL + end.signal;
-  return told ? exitStatus(facts) : 1;
+  return told ? exitStatus(facts) : FAILED;
 }
 
 // What this program starts of itself.
@@ -219,7 +225,7 @@ int runScan(const std::vector<std::string>& words) {
   const std::string verdict = verdictOnFiles(words[0], std::strtod(words[1].c_str(), nullptr),
                                              {words.begin() + LEAST, words.end()});
   say(verdict + "\n");
-  return saidAll() ? 0 : 1;
+  return saidAll() ? 0 : FAILED;
 }
 
 } // namespace

@@ -22,6 +22,7 @@ struct CaseList {
   std::vector<BatchCase> cases;
   std::vector<std::string> keys; // those that vary
   std::string trouble;           // in plain words; empty when the list is good
+  bool notWritten = false;       // it is a device that does not take the descriptions
 };
 
 // Rows of file, length, further arguments and folder, parted by tabs. The latter two may be left

@@ -141,6 +141,13 @@ struct Run {
   double wall = 0; // s
 };
 
+// Ended by a signal, or as a shell tells it, that who ends a batch sends to the program as well.
+bool endedFromOutside(int status) {
+  constexpr int SHELL = 128;
+  const int s = WIFSIGNALED(status) ? WTERMSIG(status) : WEXITSTATUS(status) - SHELL;
+  return s == SIGTERM || s == SIGINT || s == SIGHUP || s == SIGKILL;
+}
+
 Run runProgram(const std::vector<std::string>& words, const fs::path& folder, int console,
                double limit) {
   Run run;
@@ -148,6 +155,10 @@ Run runProgram(const std::vector<std::string>& words, const fs::path& folder, in
   const pid_t child = startProgram({words, folder, -1, console, console, SIGKILL});
   run.how = waitFor(child, limit > 0 ? limit : NOLIMIT, run.end);
   if (run.how != Waited::ENDED) killAll(child, run.end);
+  // Then the same signal is on its way to this process, and the case has not crashed.
+  constexpr double ONITSWAY = 0.5; // s
+  if (run.how == Waited::ENDED && endedFromOutside(run.end.status) && sleepFor(ONITSWAY, run.end))
+    run.how = Waited::SIGNAL;
   run.wall = now() - start;
   return run;
 }

@@ -210,8 +210,9 @@ HandedOver handOver(const Hands& hands, const Parts& parts, const std::vector<Ba
   prctl(PR_SET_CHILD_SUBREAPER, 1);
   Progress progress(parts, cases);
   const int output = hands.slurm ? files.output : files.messages;
-  const pid_t child =
-      startProgram({words, hands.work, files.input, output, files.messages, SIGINT});
+  // Names among the words for parallel are those of the folder of the user.
+  const pid_t child = startProgram(
+      {words, hands.slurm ? hands.work : "", files.input, output, files.messages, SIGINT});
   if (child < 0) return {0, fmt::format("cannot start {}: {}", words[0], std::strerror(errno))};
   End end;
   result.signal = follow(child, hands, progress, end);

@@ -124,19 +124,24 @@ std::string noteOn(const Variation& v, const std::vector<Place>& places) {
                      joined(numbers, ", "), v.key, numbers[0]);
 }
 
-std::string troubleOf(const Template& base, const std::vector<Variation>& variations) {
+// Bounded, since a product of many lists leaves every integer.
+std::size_t combinationsOf(const std::vector<Variation>& variations) {
   std::size_t count = 1;
+  for (const Variation& v : variations) count = std::min(count * v.values.size(), MOSTCASES + 1);
+  return count;
+}
+
+std::string troubleOf(const Template& base, const std::vector<Variation>& variations) {
   bool length = !base.length.empty();
   for (std::size_t k = 0; k < variations.size(); ++k) {
     const Variation& v = variations[k];
     if (!v.trouble.empty()) return v.trouble;
     length = length || isLength(v);
-    count *= v.values.size();
-    if (count > MOSTCASES) return fmt::format("more than {} cases", MOSTCASES);
     for (std::size_t other = 0; other < k; ++other)
       if (plain(variations[other].key) == plain(v.key) && variations[other].line == v.line)
         return fmt::format("{} varies twice", v.key);
   }
+  if (combinationsOf(variations) > MOSTCASES) return fmt::format("more than {} cases", MOSTCASES);
   return length ? "" : "/length METRES or --vary length=... expected";
 }
 
@@ -149,12 +154,31 @@ std::string describe(const Keys& keys, const std::vector<std::string>& values) {
   return joined(lines, "\n");
 }
 
-// A description as it stands already keeps its time.
-bool writeDescription(const fs::path& file, const std::string& text) {
+// Writes the description of a case, unless it stands there already. Empty, or what is wrong.
+std::string writeDescription(CaseList& list, const BatchCase& c, const Keys& keys,
+                             const std::vector<std::string>& values) {
+  const std::string text = describe(keys, values);
+  const std::vector<std::string> lines = linesOf(text);
+  for (const std::vector<Place>& places : keys.places)
+    for (const Place& place : places)
+      if (lines[place.line].size() > LINELENGTH)
+        return fmt::format("line {} would exceed {} columns", place.line + 1, LINELENGTH);
   std::string old;
   std::error_code none;
-  fs::create_directories(file.parent_path(), none);
-  return (readWhole(file, old) && old == text) || writeWhole(file, text, false);
+  fs::create_directories(c.folder, none);
+  const bool good = (readWhole(c.source, old) && old == text) || writeWhole(c.source, text, false);
+  list.notWritten = !good;
+  return good ? "" : fmt::format("cannot write {}: {}", c.source.string(), std::strerror(errno));
+}
+
+// The values of one case; those of the last key come fastest.
+std::vector<std::string> valuesOf(const std::vector<Variation>& variations, std::size_t number) {
+  std::vector<std::string> values(variations.size());
+  for (std::size_t k = variations.size(); k-- > 0;) {
+    values[k] = variations[k].values[number % variations[k].values.size()];
+    number /= variations[k].values.size();
+  }
+  return values;
 }
 
 } // namespace
@@ -189,14 +213,14 @@ CaseList makeCases(const Template& base, const std::vector<Variation>& variation
   const Keys keys = readKeys(source, variations);
   list.trouble = keys.trouble;
   if (!list.trouble.empty()) return list;
-  std::size_t count = 1;
   for (std::size_t k = 0; k < variations.size(); ++k) {
-    count *= variations[k].values.size();
-    list.keys.push_back(variations[k].key);
-    if (variations[k].line != 0) list.keys.back() += fmt::format("@{}", variations[k].line);
-    if (keys.places[k].size() > 1) notes.push_back(noteOn(variations[k], keys.places[k]));
+    const Variation& v = variations[k];
+    if (!isLength(v)) // which has a column anyway
+      list.keys.push_back(v.line == 0 ? v.key : fmt::format("{}@{}", v.key, v.line));
+    if (keys.places[k].size() > 1) notes.push_back(noteOn(v, keys.places[k]));
   }
-  for (std::size_t number = 0; number < count; ++number) {
+  const std::size_t count = combinationsOf(variations);
+  for (std::size_t number = 0; number < count && list.trouble.empty(); ++number) {
     BatchCase c;
     c.name = numberedName(number + 1, count);
     c.folder = work / c.name;
@@ -204,24 +228,17 @@ CaseList makeCases(const Template& base, const std::vector<Variation>& variation
     c.beside = source.parent_path();
     c.length = base.length;
     c.arguments = base.arguments;
-    c.varied.resize(variations.size());
-    for (std::size_t k = variations.size(), rest = number; k-- > 0;) {
-      c.varied[k] = variations[k].values[rest % variations[k].values.size()];
-      rest /= variations[k].values.size();
-      if (isLength(variations[k])) c.length = c.varied[k];
-    }
-    const std::string text = describe(keys, c.varied);
-    for (const std::vector<Place>& places : keys.places)
-      for (const Place& place : places)
-        if (linesOf(text)[place.line].size() > LINELENGTH)
-          list.trouble = fmt::format("line {} would exceed {} columns", place.line + 1, LINELENGTH);
-    if (!list.trouble.empty()) return list;
-    if (!writeDescription(c.source, text)) {
-      list.trouble = fmt::format("cannot write {}: {}", c.source.string(), std::strerror(errno));
-      return list;
+    std::vector<std::string> values = valuesOf(variations, number);
+    list.trouble = writeDescription(list, c, keys, values);
+    for (std::size_t k = 0; k < variations.size(); ++k) {
+      if (isLength(variations[k]))
+        c.length = values[k];
+      else
+        c.varied.push_back(values[k]);
     }
     list.cases.push_back(std::move(c));
   }
+  if (!list.trouble.empty()) return list;
   list.trouble = troubleAmong(list.cases);
   return list;
 }
