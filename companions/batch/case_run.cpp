@@ -194,11 +194,6 @@ void addEnd(Facts& facts, const Run& run, double limit, bool model) {
   }
 }
 
-bool made(const Facts& facts) {
-  const std::string& status = facts.at("status");
-  return status == "ok" || status == "warning";
-}
-
 // --- what is asked for beside the run
 
 // Passivity of the model files by a scan of their own, as the verdict of the worst.
@@ -253,7 +248,7 @@ CaseOutcome keep(const BatchCase& c, const Facts& facts, const std::vector<std::
 }
 
 // The run behind its preparations, with the console of the case as its own.
-CaseOutcome runFurnished(const BatchCase& c, const CaseWishes& wishes, int console) {
+CaseOutcome runFurnished(const BatchCase& c, const CaseWishes& wishes, int console, Facts facts) {
   const Stamps before = filesIn(c.folder);
   const Run run = runProgram(commandOf(c, wishes), c.folder, console, wishes.timeout);
   if (run.how == Waited::SIGNAL) return endedBySignal(run.end);
@@ -261,18 +256,16 @@ CaseOutcome runFurnished(const BatchCase& c, const CaseWishes& wishes, int conso
   readWhole(c.folder / CONSOLEFILE, text);
   std::vector<std::string> files = changedSince(before, c.folder);
   const bool model = std::any_of(files.begin(), files.end(), isModel);
-  Facts facts;
   addEnd(facts, run, wishes.timeout, model);
   const Facts told = consoleFacts(text, facts.at("status") == "failed");
   facts.insert(told.begin(), told.end());
-  if (couldNotWrite(text) || (!made(facts) && !canWrite(c.folder))) {
-    if (couldNotWrite(text)) errno = ENOSPC;
-    return notWritten(c.folder);
-  }
+  const std::string unwritten = couldNotWrite(text);
+  if ((!unwritten.empty() || !madeModel(facts)) && !canWrite(c.folder)) return notWritten(c.folder);
+  if (!unwritten.empty()) return {CaseEnd::NOTWRITTEN, 0, c.folder.string() + ": " + unwritten};
   End end;
-  if (made(facts) && wishes.verify && !verify(c, wishes, files, facts, end))
+  if (madeModel(facts) && wishes.verify && !verify(c, wishes, files, facts, end))
     return endedBySignal(end);
-  if (made(facts) && wishes.plot && !plot(c, wishes, console, facts, files, end))
+  if (madeModel(facts) && wishes.plot && !plot(c, wishes, console, facts, files, end))
     return endedBySignal(end);
   return keep(c, facts, files);
 }
@@ -292,8 +285,11 @@ CaseOutcome runCase(const BatchCase& c, const CaseWishes& wishes) {
   removeResults(c);
   std::string trouble;
   if (!furnish(c, trouble)) return notWritten(c.folder);
-  if (trouble.empty()) return runFurnished(c, wishes, console.number);
-  return keep(c, {{"status", "failed"}, {"message", trouble}}, {});
+  // Before the run: what is changed during it is not what it has read.
+  Facts facts = {{"fingerprint", fingerprintOf(c)}};
+  if (trouble.empty()) return runFurnished(c, wishes, console.number, std::move(facts));
+  facts.insert({{"status", "failed"}, {"message", trouble}});
+  return keep(c, facts, {});
 }
 
 std::string verdictOnFiles(const std::string& description, double length,

@@ -57,6 +57,11 @@ bool isComplete(const fs::path& file, const std::string& size) {
 
 } // namespace
 
+bool madeModel(const Facts& facts) {
+  const auto status = facts.find("status");
+  return status != facts.end() && (status->second == "ok" || status->second == "warning");
+}
+
 std::vector<std::string> filesNamedIn(const std::string& description, const fs::path& folder) {
   std::vector<std::string> names;
   for (const std::string& line : linesOf(description)) {
@@ -87,7 +92,7 @@ std::string fingerprintOf(const BatchCase& c) {
 }
 
 bool writeStatus(const BatchCase& c, const Facts& facts, const std::vector<std::string>& files) {
-  std::string text = fmt::format("fingerprint\t{}\n", fingerprintOf(c));
+  std::string text;
   for (const auto& [column, value] : facts) {
     std::string line = value;
     for (char& letter : line)
@@ -110,7 +115,7 @@ Facts statusOf(const BatchCase& c, const CaseWishes& wishes) {
   if (facts.empty() || facts["fingerprint"] != fingerprintOf(c)) return {};
   const bool plotted = !wishes.plot || facts.contains("page");
   const bool verified = !wishes.verify || facts.contains("verified");
-  return plotted && verified ? facts : Facts{};
+  return !madeModel(facts) || (plotted && verified) ? facts : Facts{};
 }
 
 std::vector<std::string> filesOfStatus(const BatchCase& c) {

@@ -19,6 +19,9 @@ struct CaseWishes {
   std::string program; // corvo
 };
 
+// Whether the run made a model, with or without a warning.
+bool madeModel(const Facts& facts);
+
 // A number that changes with the description, the files that it names, length and arguments.
 std::string fingerprintOf(const BatchCase& c);
 
@@ -26,8 +29,9 @@ std::string fingerprintOf(const BatchCase& c);
 std::vector<std::string> filesNamedIn(const std::string& description,
                                       const std::filesystem::path& folder);
 
-// Writes the status file; false when it cannot be, errno tells why. The files are those of
-// the case's folder that must be there, with their sizes of now.
+// Writes the status file; false when it cannot be, errno tells why. Among the facts is the
+// fingerprint. The files are those of the case's folder that must be there, with their sizes of
+// now.
 bool writeStatus(const BatchCase& c, const Facts& facts, const std::vector<std::string>& files);
 
 // The facts of a case that is done: its status file is whole, of this very case and of these

@@ -50,11 +50,18 @@ std::string errorOf(const std::vector<std::string>& lines) {
   for (auto line = first; line != lines.end(); ++line) {
     const std::string text = bare(*line);
     if (text.empty() || text.ends_with(".exe: ERROR") || text.ends_with("Program: ERROR")) continue;
-    message += (message.empty() ? "" : " | ") + text;
+    if (!message.empty()) message += " | ";
+    message += text;
   }
   for (const std::string& line : lines)
     if (!bare(line).empty()) last = bare(line);
   return message.empty() ? last : message;
+}
+
+// 0 where there is none.
+std::size_t lastPlace(std::string_view console, std::string_view title) {
+  const auto at = console.rfind(title);
+  return at == std::string_view::npos ? 0 : at + 1;
 }
 
 // The first number behind that text, and behind its last occurrence where there are several.
@@ -113,12 +120,15 @@ void addPassivity(Facts& facts, std::string_view console) {
 } // namespace
 
 Facts consoleFacts(std::string_view console, bool failed) {
+  constexpr std::string_view HPHASE = "\n Hphase: ", FINALFIT = "\n Final Fit:";
   const std::vector<std::string> lines = linesOf(console);
   Facts facts;
   facts["warnings"] = std::to_string(std::count_if(lines.begin(), lines.end(), warns));
   addSequence(facts, console);
   addNumber(facts, "Yc", numberBehind(console, "\n Yc: "));
-  addNumber(facts, "H", numberBehind(console, "\n Hphase: "));
+  // Behind a DC correction its table is the last one.
+  const bool corrected = lastPlace(console, FINALFIT) > lastPlace(console, HPHASE);
+  addNumber(facts, "H", numberBehind(console, corrected ? FINALFIT : HPHASE));
   addNumber(facts, "Z", numberBehind(console, "\n  Actual: "));
   addModeErrors(facts, lines, "Surge Impedance:", "Zc");
   addModeErrors(facts, lines, "Attenuation Constant:", "A");
@@ -130,6 +140,10 @@ Facts consoleFacts(std::string_view console, bool failed) {
   return facts;
 }
 
-bool couldNotWrite(std::string_view console) { return contains(console, "Error in Writing "); }
+std::string couldNotWrite(std::string_view console) {
+  const auto at = console.find("Error in Writing ");
+  if (at == std::string_view::npos) return {};
+  return std::string(console.substr(at, console.find('\n', at) - at));
+}
 
 } // namespace lcp::companions

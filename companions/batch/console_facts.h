@@ -15,7 +15,7 @@ using Facts = std::map<std::string, std::string, std::less<>>;
 // message.
 Facts consoleFacts(std::string_view console, bool failed);
 
-// Whether a file could not be written, as on a full device.
-bool couldNotWrite(std::string_view console);
+// The message on a file that could not be written, as on a full device; empty without one.
+std::string couldNotWrite(std::string_view console);
 
 } // namespace lcp::companions

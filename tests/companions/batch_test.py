@@ -333,6 +333,7 @@ PartitionName=all Nodes=ALL Default=YES State=UP
 
 
 if __name__ == "__main__":
+    signal.signal(signal.SIGINT, signal.default_int_handler)  # jobs of a script have it ignored, and so had ours
     for name in [n for n in dir(Batch) if n.startswith("test")]:
         setattr(Slurm, name, None)  # its own test alone
     unittest.main(argv=sys.argv[:1])
