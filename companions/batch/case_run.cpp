@@ -30,7 +30,8 @@ constexpr double KILOBYTES = 1024;
 
 CaseOutcome notWritten(const fs::path& file) {
   return {CaseEnd::NOTWRITTEN, 0,
-          fmt::format("cannot write {}: {}", file.string(), std::strerror(errno))};
+          fmt::format("cannot write {}: {}", file.string(), std::strerror(errno)),
+          errno == ENOSPC || errno == EDQUOT};
 }
 
 // A descriptor that is closed with its block.
@@ -190,6 +191,7 @@ void addEnd(Facts& facts, const Run& run, double limit, bool model) {
   } else {
     const int code = WEXITSTATUS(status);
     facts["exit"] = std::to_string(code);
+    if (code == NOTSTARTED) facts["message"] = "the program cannot be started";
     facts["status"] = !model || (code != 0 && code != 2) ? "failed" : code == 2 ? "warning" : "ok";
   }
 }

@@ -13,6 +13,7 @@ struct CaseOutcome {
   CaseEnd end = CaseEnd::DONE;
   int signal = 0;
   std::string trouble; // of a case whose files cannot be written, in plain words
+  bool full = false;   // for lack of room, which those that follow would miss as well
 };
 
 // Runs a case that is not done. Whatever the program does is an outcome of the case; only where

@@ -25,8 +25,9 @@ constexpr std::string_view JOBLOG = "joblog.tsv";
 constexpr std::string_view WORDS = "messages.txt"; // of parallel or Slurm, and of the parts
 constexpr std::string_view SCRIPT = "slurm.sh";
 constexpr std::string_view SLURMJOB = "slurm_job.txt";
-constexpr double PATIENCE = 10;    // s, until what was asked to end is killed
-constexpr std::size_t TOLD = 2000; // characters of messages that are shown
+constexpr const char* JOBNAME = "--name=corvo-batch"; // numbers of jobs may come again
+constexpr double PATIENCE = 10;                       // s, until what was asked to end is killed
+constexpr std::size_t TOLD = 2000;                    // characters of messages that are shown
 
 // --- how far it is
 
@@ -111,7 +112,7 @@ std::string cancel(const fs::path& work) {
   const std::string program = programInPath("scancel");
   if (job.empty() || program.empty()) return {};
   End end;
-  const pid_t child = startProgram({{program, "--quiet", job}, {}, -1, -1, -1, SIGKILL});
+  const pid_t child = startProgram({{program, "--quiet", JOBNAME, job}, {}, -1, -1, -1, SIGKILL});
   if (waitFor(child, PATIENCE, end) != Waited::ENDED) killAll(child, end);
   return job;
 }
@@ -218,7 +219,7 @@ HandedOver handOver(const Hands& hands, const Parts& parts, const std::vector<Ba
   result.signal = follow(child, hands, progress, end);
   std::error_code none;
   if (hands.slurm) fs::remove(hands.work / SLURMJOB, none);
-  if (result.signal == 0 && end.status != 0) result.trouble = messagesOf(hands.work);
+  if (result.signal == 0) result.trouble = messagesOf(hands.work);
   return result;
 }
 

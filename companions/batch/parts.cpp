@@ -24,8 +24,8 @@ int runCases(const std::vector<BatchCase>& all, const std::string& numbers,
     const CaseOutcome outcome = runCase(all[number - 1], wishes);
     if (outcome.end == CaseEnd::SIGNAL) return BEHINDSIGNAL + outcome.signal;
     if (outcome.end == CaseEnd::DONE) continue;
-    std::fputs(fmt::format("corvo-batch: {}\n", outcome.trouble).c_str(), stderr);
-    return 1;
+    std::fputs(fmt::format("{}\n", outcome.trouble).c_str(), stderr);
+    if (outcome.full) return 1;
   }
   return 0;
 }

@@ -24,7 +24,8 @@ constexpr std::string_view PARTWORD = "--part";
 std::vector<std::string> partCommand(const std::filesystem::path& work, const CaseWishes& wishes);
 
 // Runs a part, in a process of its own: the words behind PARTWORD. Exit status 0 when all of its
-// cases are done, 1 when something cannot be written, 128 + n behind signal n.
+// cases are done or cannot be written in their folders, 1 when there is no room to write, 128 + n
+// behind signal n.
 int runPart(const std::vector<std::string>& words);
 
 } // namespace lcp::companions

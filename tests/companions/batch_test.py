@@ -19,6 +19,7 @@ import time
 import unittest
 
 CORVO, BATCH, EXAMPLES = (os.path.abspath(p) for p in sys.argv[1:4])
+CASES = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "cases")
 SANITIZED = "sanitized" in sys.argv[4:]
 # Notes each start, and does by the name of the description what a run may do.
 PROGRAM = """#!/bin/sh
@@ -91,19 +92,22 @@ class Batch(unittest.TestCase):
         self.write("coarse.cvi", coarse)
         for name in ("crash", "hang", "narrow"):
             self.write(name + ".cvi", self.line)
-        wires = "Library : \"lib/wires of mine.clb\"\nName : ACSR\n"
+        wires = "Library : lib/wires of mine.clb\nName : ACSR\n"
         self.write("library.cvi", self.line.replace("Radius: 0.01407 [m]\n", wires))
         os.mkdir(self.path("lib"))
         self.write("lib/wires of mine.clb", "ACSR 0.01407 0.0728 1.0 0.00518\n")
         rows = [("base.cvi", "1e5", "", "its \"b\" 'c' {} $HOME;%"), ("base.cvi", "1e4", "/steps 3 /increment 1e3", "steps"),
                 ("coarse.cvi", "1e5"), ("crash.cvi", "1e5"), ("hang.cvi", "1e5"), ("narrow.cvi", "1e5"),
-                ("absent.cvi", "1e5"), ("base.cvi", "-1", "", "wrong"), ("library.cvi", "1e5", "", "other/place")]
+                ("absent.cvi", "1e5"), ("base.cvi", "-1", "", "wrong"), ("library.cvi", "1e5", "", "other/place"),
+                ("base.cvi", "1e5", "", "base.cvi")]
         self.write("list.tsv", "file\tlength\targuments\tfolder\r\n# a comment\r\n\r\n"
                    + "".join("\t".join(row) + "\r\n" for row in rows))
         table, words = self.batch(1, "--timeout", "20" if SANITIZED else "5", "list.tsv")
         kinds = [row["status"] for row in table.values()]
         self.assertEqual(kinds[:5] + kinds[6:8], ["ok", "ok", "warning", "crashed", "timeout", "failed", "failed"])
-        self.assertIn("9 of 9 cases", words)
+        self.assertEqual(kinds[8:], ["ok", "not run"])
+        self.assertIn("9 of 10 cases", words)
+        self.assertIn("cannot write " + self.path("base.cvi/"), words)
         if not SANITIZED:
             self.assertIn(kinds[5], ("failed", "crashed"))
         self.assertIn("valid line length", table["wrong"]["message"])
@@ -244,9 +248,15 @@ mount -o remount,size=100m '{disk}'
         phase = self.example("line500kv_phase.cvi")
         self.write("fine.cvi", phase)
         self.write("coarse.cvi", re.sub(r"(Maximum Fitting Error.*): 0.2", r"\1: 2.0", phase))
-        self.write("list.tsv", "fine.cvi\t1e5\t\tfine\ncoarse.cvi\t1e5\t\tcoarse\nbase.cvi\t1e5\t\tplain\n")
-        table, _ = self.batch(0, "--verify", "list.tsv")
-        self.assertEqual([table[n]["passivity"] for n in ("fine", "coarse", "plain")], ["good", "BAD", ""])
+        rows = [("fine", "1e5"), ("coarse", "1e5"), ("base", "1e5")]
+        for name, length in (("console_modes", "100000"), ("console_series", "25000")):
+            shutil.copy(os.path.join(CASES, name, "a.cvi"), self.path(name + ".cvi"))
+            rows.append((name, length))
+        self.write("list.tsv", "".join(f"{name}.cvi\t{length}\t\t{name}\n" for name, length in rows))
+        table, _ = self.batch(2, "--verify", "list.tsv")
+        self.assertEqual([table[name]["passivity"] for name, _ in rows], ["good", "BAD", "", "", ""])
+        self.assertEqual([table["console_modes"][c] for c in ("Zc [%]", "A [%]", "Z [%]")], ["8.259", "1.298", ""])
+        self.assertEqual([table["console_series"][c] for c in ("status", "warnings", "Z [%]")], ["warning", "1", "0.1246"])
 
 
 class Slurm(Batch):
