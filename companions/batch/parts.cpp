@@ -33,11 +33,14 @@ int runCases(const std::vector<BatchCase>& all, const std::string& numbers,
 } // namespace
 
 Parts partsFor(const std::vector<std::size_t>& cases, std::size_t runners) {
-  constexpr std::size_t SHARE = 4, MOST = 64; // parts that a runner still gets, cases of one
+  // A part is half of what is left for its runner. The last ones are so small that the others wait
+  // for little, yet not single cases of a long list.
+  constexpr std::size_t SHARE = 2, LAST = 64, MOST = 64;
+  const std::size_t least = std::clamp<std::size_t>(cases.size() / (LAST * runners), 1, MOST);
   Parts parts;
   for (std::size_t first = 0; first < cases.size();) {
     const std::size_t left = cases.size() - first;
-    const std::size_t size = std::clamp<std::size_t>(left / (SHARE * runners), 1, MOST);
+    const std::size_t size = std::min(left, std::clamp(left / (SHARE * runners), least, MOST));
     const auto from = cases.begin() + static_cast<std::ptrdiff_t>(first);
     parts.emplace_back(from, from + static_cast<std::ptrdiff_t>(size));
     first += size;
