@@ -28,7 +28,7 @@ std::string usageOf(const Program& p) {
 
 [[noreturn]] void refuse(const Program& p, std::string_view words) {
   fmt::print(stderr, "{}: {}\n{}", p.name, words, usageOf(p));
-  std::exit(CANNOTTELL);
+  std::exit(p.wrongUse);
 }
 
 [[noreturn]] void tell(const Program& p, const std::string& text) {
@@ -71,7 +71,8 @@ Arguments parseArguments(const Program& program, std::span<char* const> argument
       const bool takes = !option->value.empty();
       if (takes && i + 1 == arguments.size())
         refuse(program, fmt::format("{} needs a value", text));
-      result.options[std::string(text)] = takes ? arguments[++i] : "";
+      result.given.emplace_back(text, takes ? arguments[++i] : "");
+      result.options[std::string(text)] = result.given.back().second;
     } else if (looksLikeOption(std::string(text))) {
       refuse(program, fmt::format("unknown option {}", text));
     } else if (text.empty()) {
@@ -92,9 +93,9 @@ void say(std::string_view text) { std::fwrite(text.data(), 1, text.size(), stdou
 
 bool saidAll() { return std::fflush(stdout) == 0 && std::ferror(stdout) == 0; }
 
-void giveUp(std::string_view name, std::string_view words) {
+void giveUp(std::string_view name, std::string_view words, int status) {
   fmt::print(stderr, "{}: {}\n", name, words);
-  std::exit(CANNOTTELL);
+  std::exit(status);
 }
 
 } // namespace lcp::companions

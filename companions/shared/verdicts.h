@@ -67,6 +67,10 @@ const std::vector<Limit>& defaultLimits();
 // readHere has read. Of the companion that verifies: who calls it links that.
 std::vector<Finding> verified(const ModelFile& file, double length, const Limits& limits);
 
+// Of these the passivity of a phase model alone: the Hermitian part of the nodal admittance of both
+// ends, over the band of the fit and two decades beyond it on both sides.
+std::vector<Finding> phasePassivity(const ModelFile& file, const Limits& limits);
+
 // The lines for a person, and the same as one JSON document.
 std::string asText(const std::vector<Finding>& findings);
 std::string asJson(const std::vector<Finding>& findings, std::string_view model, std::size_t n,

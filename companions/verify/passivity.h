@@ -1,4 +1,4 @@
-// Passivity of what is written and of the line itself.
+// Passivity of the line itself; that of a model, phasePassivity, is declared with the verdicts.
 #pragma once
 
 #include "companions/shared/model_file.h"
@@ -7,10 +7,6 @@
 #include <vector>
 
 namespace lcp::companions {
-
-// The Hermitian part of the nodal admittance of both ends, over the band of the fit and two decades
-// beyond it on both sides: its smallest eigenvalue and every band where it is negative.
-std::vector<Finding> phasePassivity(const ModelFile& file, const Limits& limits);
 
 // The real parts of Z and Y of the line, which no network has negative, over the ranges of the fit;
 // without one at the frequencies of the model.

@@ -1,0 +1,3 @@
+#include "companions/batch/batch.h"
+
+int main(int count, char** values) { return lcp::companions::runBatch({values, values + count}); }
