@@ -4,32 +4,9 @@
 #   share/man/man1, share/doc/corvo  manual pages, documents, examples
 #   share/bash-completion            one file for all programs, under the name of each
 
-# Programs corvo-NAME among the targets of a folder and of the folders in it.
-function(companion_programs folder found)
-  get_property(targets DIRECTORY ${folder} PROPERTY BUILDSYSTEM_TARGETS)
-  get_property(inner DIRECTORY ${folder} PROPERTY SUBDIRECTORIES)
-  set(programs "")
-  foreach(target ${targets})
-    get_target_property(type ${target} TYPE)
-    if(type STREQUAL "EXECUTABLE" AND target MATCHES "^corvo-")
-      list(APPEND programs ${target})
-    endif()
-  endforeach()
-  foreach(folder_in ${inner})
-    companion_programs(${folder_in} more)
-    list(APPEND programs ${more})
-  endforeach()
-  set(${found} ${programs} PARENT_SCOPE)
-endfunction()
-
 install(TARGETS corvo)
 set(PAGES ${PROJECT_SOURCE_DIR}/docs/corvo.1) # manual pages, one a program
-if(CORVO_COMPANIONS)
-  companion_programs(${PROJECT_SOURCE_DIR}/companions COMPANION_PROGRAMS)
-  install(TARGETS ${COMPANION_PROGRAMS})
-  # A companion may be a script as well: companions/NAME/corvo-NAME.
-  file(GLOB COMPANION_SCRIPTS CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/companions/*/corvo-*)
-  install(PROGRAMS ${COMPANION_SCRIPTS} TYPE BIN)
+if(CORVO_COMPANIONS) # which install themselves
   file(GLOB PAGES CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/*.1)
 endif()
 install(FILES ${PAGES} DESTINATION share/man/man1)

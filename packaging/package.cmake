@@ -13,8 +13,8 @@ its series impedance and shunt admittance over frequency, finds its modes and
 writes a line model for a simulator of electromagnetic transients: PI,
 Bergeron, frequency dependent in modes or in phases, or MFDTD.
 .
-Programs beside it check a description, compare a model with the line and
-show both as a page of pictures.")
+Programs beside it check a description, compare a model with the line, show
+both as a page of pictures, and run many lines on all cores or machines.")
 set(CPACK_STRIP_FILES ON)
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr) # the module is found from /usr/bin in ../lib/corvo
 set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_BINARY_DIR}/package_files.cmake)
@@ -24,16 +24,8 @@ set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_PACKAGE_SECTION science)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-foreach(script ${COMPANION_SCRIPTS})
-  file(STRINGS ${script} first LIMIT_COUNT 1)
-  if(first MATCHES python3)
-    set(CPACK_DEBIAN_PACKAGE_DEPENDS python3)
-  endif()
-endforeach()
-if(EXISTS ${PROJECT_SOURCE_DIR}/companions/batch)
-  set(CPACK_DEBIAN_PACKAGE_RECOMMENDS parallel)
-  set(CPACK_DEBIAN_PACKAGE_SUGGESTS slurm-client)
-endif()
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS parallel)
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS slurm-client)
 
 set(PACKAGE_VERSION ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})
 configure_file(packaging/changelog.in changelog.Debian @ONLY)
