@@ -4,6 +4,7 @@
 // the frequency, and each goes on as the one it was before.
 #include "modal/subspace_walk.h"
 
+#include "base/big_store.h"
 #include "kernels/matrix_kernels.h"
 #include "modal/frequency_grid.h"
 #include "modal/line_constants.h"
@@ -21,6 +22,9 @@ namespace {
 
 constexpr double LEASTWAY = 0.004; // decades of the frequency, 0.9 %
 constexpr double SAMESIZE = 1e-6;  // elements that differ by less are equally large
+
+constexpr double STRAIGHT = 0.1; // decades up to which line constants are joined by a straight line
+constexpr int MOSTSTATIONS = 20; // halvings of all decades there are
 
 ModeFrame frame; // of the frequency that was accepted last
 
@@ -44,24 +48,84 @@ int stepBefore(int k) {
   return isConstantTransformStep(k) && !fromTable() ? SOLVEDATA.first.KCT : k - 1;
 }
 
-void walkTo(int k, int from, int n) {
-  const FrequencyGrid& G = SOLVEDATA.grid;
-  const double a = G.LOGF[from], b = G.LOGF[k];
-  double x = 0, part = 1;
-  while (x < 1) {
-    const double next = x + part;
-    if (next < 1) {
-      constantsAtStep(k, std::pow(10.0, a + next * (b - a)), Place::OnTheWay);
-    } else {
-      constantsAtStep(k, G.FREQ[k], Place::AtTheStep);
+// The way from one frequency to the next, by their logarithms.
+struct Way {
+  double a, b;
+
+  double decades(double part) const { return part * std::fabs(b - a); }
+  double frequency(double x) const { return std::pow(10.0, a + x * (b - a)); }
+};
+
+// A place on the way: x, and the line constants there.
+struct Station {
+  double x;
+  LineMatrix Y, Z, P;
+  ModeSet modes;
+};
+
+struct Stations {
+  Station behind;                  // the one accepted last
+  Station ahead[MOSTSTATIONS + 1]; // the target, and before it what stands on the way to it
+};
+
+Stations& WAY = bigStore<Stations>();
+
+void noteStation(Station& s, double x, int n) {
+  const FirstLoopStore& S = SOLVEDATA.first;
+  s.x = x;
+  copyCorner(s.Y, S.YMAT, n);
+  copyCorner(s.Z, S.ZMAT, n);
+  copyCorner(s.P, S.PMAT, n);
+}
+
+void standAt(const Station& s, int n) {
+  FirstLoopStore& S = SOLVEDATA.first;
+  copyCorner(S.YMAT, s.Y, n);
+  copyCorner(S.ZMAT, s.Z, n);
+  copyCorner(S.PMAT, s.P, n);
+}
+
+// The place half way between two. Near each other they are joined by a straight line, of Y and Z
+// per unit of frequency: which mode is which is asked there, no more, and the line constants take
+// their time.
+void halfWay(Station& s, const Station& a, const Station& b, int k, const Way& way, int n) {
+  const double x = (a.x + b.x) / 2, f = way.frequency(x);
+  if (way.decades(b.x - a.x) > STRAIGHT) {
+    constantsAtStep(k, f, Place::OnTheWay);
+    noteStation(s, x, n);
+    return;
+  }
+  const double wa = 0.5 * f / way.frequency(a.x), wb = 0.5 * f / way.frequency(b.x);
+  s.x = x;
+  for (int j = 1; j <= n; ++j) {
+    for (int i = 1; i <= n; ++i) {
+      s.Y(i, j) = wa * a.Y(i, j) + wb * b.Y(i, j);
+      s.Z(i, j) = wa * a.Z(i, j) + wb * b.Z(i, j);
+      s.P(i, j) = (a.P(i, j) + b.P(i, j)) / 2.0;
     }
-    if (!followSubspaces(frame, n) && part * std::fabs(b - a) > LEASTWAY) {
-      part /= 2;
+  }
+  standAt(s, n);
+}
+
+// From the constants that stand there to step k.
+void walkTo(int k, const Way& way, int n) {
+  noteStation(WAY.behind, 0, n);
+  constantsAtStep(k, SOLVEDATA.grid.FREQ[k], Place::AtTheStep);
+  noteStation(WAY.ahead[1], 1, n);
+  findModes(WAY.ahead[1].modes, n);
+  for (int left = 1; left > 0;) {
+    const Station& next = WAY.ahead[left];
+    standAt(next, n);
+    const bool clearly = followSubspaces(frame, next.modes, n);
+    if (!clearly && way.decades(next.x - WAY.behind.x) > LEASTWAY) {
+      Station& middle = WAY.ahead[++left];
+      halfWay(middle, WAY.behind, next, k, way, n);
+      findModes(middle.modes, n);
       continue;
     }
     takeFrame(frame, n);
-    x = next;
-    part = std::min(2 * part, 1 - x);
+    noteStation(WAY.behind, next.x, n);
+    --left;
   }
 }
 
@@ -109,8 +173,11 @@ void subspaceStep(int k) {
     takeFrame(frame, n);
   } else {
     const int from = stepBefore(k);
-    if (from != k - 1) loadFrame(from, n);
-    walkTo(k, from, n);
+    if (from != k - 1) {
+      loadFrame(from, n);
+      constantsAtStep(from, SOLVEDATA.grid.FREQ[from], Place::AtTheStep);
+    }
+    walkTo(k, {SOLVEDATA.grid.LOGF[from], SOLVEDATA.grid.LOGF[k]}, n);
   }
   storeStep(k, n);
   if (k == SOLVEDATA.grid.NFREQ) chooseTurningRows(n);
@@ -131,7 +198,8 @@ void subspaceReport(double f) {
     loadFrame(nearestStep(f), n);
   }
   // the modes stand at f whether or not their order is clear
-  std::ignore = followSubspaces(frame, n);
+  findModes(WAY.behind.modes, n);
+  std::ignore = followSubspaces(frame, WAY.behind.modes, n);
   COLROT(S.TI, S.IDEALT ? S.PIVOT : S.PIVOT0, n);
 }
 

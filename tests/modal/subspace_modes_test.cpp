@@ -66,7 +66,9 @@ TEST(SubspaceModes, EqualModesKeepTheBasisOfTheReference) {
   }
   S.PMAT(1, 2) = S.PMAT(2, 1) = 1e-13;
   invertFrame(frame, 3);
-  EXPECT_TRUE(followSubspaces(frame, 3));
+  static ModeSet modes;
+  findModes(modes, 3);
+  EXPECT_TRUE(followSubspaces(frame, modes, 3));
   COLNORM(S.TI, S.TI, 3);
   EXPECT_NEAR(std::abs(S.EIG[1] - 2.0), 0, 1e-12);
   for (int j = 1; j <= 3; ++j) {
