@@ -21,7 +21,8 @@ namespace lcp {
 namespace {
 
 constexpr double LEASTWAY = 0.004; // decades of the frequency, 0.9 %
-constexpr double SAMESIZE = 1e-6;  // elements that differ by less are equally large
+constexpr double SAMESIZE = 1e-9;  // elements that differ by less are equally large
+constexpr double LARGEENOUGH = 0.5;
 
 constexpr double STRAIGHT = 0.1; // decades up to which line constants are joined by a straight line
 constexpr int MOSTSTATIONS = 20; // halvings of all decades there are
@@ -129,27 +130,65 @@ void walkTo(int k, const Way& way, int n) {
   }
 }
 
-// The least that element (i,j) is against the largest of its vector from step `first` on.
-double leastPart(int i, int j, int first) {
-  double least = 1;
-  for (int k = first; k <= SOLVEDATA.grid.NFREQ; ++k) {
-    least = std::min(least, std::abs(SOLVEDATA.at.MTI(k, i, j)));
+// Over the steps from the first that counts: the least that element (i,j) is against the length of
+// its vector, and the least cosine of the angle of the surge impedance when it is the turning one.
+struct TurningRows {
+  RealMatrix part;
+  RealMatrix cosine;
+};
+
+Complex propagationDirection(Complex eigenvalue) {
+  const bool plain = RUNDATA.run.ISCABLE == FOURWIRECABLE;
+  const Complex gamma = std::sqrt(plain ? eigenvalue : -eigenvalue);
+  return gamma.imag() < 0.0 ? std::conj(gamma) : gamma;
+}
+
+// A vector turned by an angle turns its surge impedance ZM / gamma by twice that.
+void noteRows(TurningRows& R, int k, int n) {
+  static LineMatrix TI, Z, product;
+  SOLVEDATA.at.MTI.load(k, TI, n);
+  SOLVEDATA.at.ZSTORE.load(k, Z, n);
+  CMATMUL(product, Z, TI, n);
+  for (int j = 1; j <= n; ++j) {
+    Complex ZM;
+    for (int i = 1; i <= n; ++i) ZM += TI(i, j) * product(i, j);
+    const Complex Zs = ZM / propagationDirection(SOLVEDATA.at.MEIG(k, j));
+    for (int i = 1; i <= n; ++i) {
+      const Complex turned = Zs * std::conj(TI(i, j)) * std::conj(TI(i, j));
+      R.part(i, j) = std::min(R.part(i, j), std::abs(TI(i, j)));
+      R.cosine(i, j) = std::min(R.cosine(i, j), turned.real() / std::abs(turned));
+    }
   }
-  return least;
+}
+
+int largestPart(const TurningRows& R, int j, int n) {
+  int best = 1;
+  for (int i = 2; i <= n; ++i) {
+    if (R.part(i, j) > R.part(best, j) + SAMESIZE) best = i;
+  }
+  return best;
 }
 
 // A vector is turned by an element that is large at all steps, so that its angle never jumps; of
-// Bergeron, whose file has the vectors of the last step, at that one.
+// those at least half as large as the largest by the one that keeps the surge impedance nearest to
+// the positive axis. Of Bergeron, whose file has the vectors of the last step, by the largest
+// there.
 void chooseTurningRows(int n) {
-  const int first = RUNDATA.model.MODBERG() ? SOLVEDATA.grid.NFREQ : 1;
+  static TurningRows R;
+  const bool bergeron = RUNDATA.model.MODBERG();
   for (int j = 1; j <= n; ++j) {
-    double best = -1;
-    for (int i = 1; i <= n; ++i) {
-      const double part = leastPart(i, j, first);
-      if (part < best + SAMESIZE) continue;
-      best = part;
-      SOLVEDATA.first.PIVOT0[j] = i;
+    for (int i = 1; i <= n; ++i) R.part(i, j) = R.cosine(i, j) = 1;
+  }
+  for (int k = bergeron ? SOLVEDATA.grid.NFREQ : 1; k <= SOLVEDATA.grid.NFREQ; ++k) {
+    noteRows(R, k, n);
+  }
+  for (int j = 1; j <= n; ++j) {
+    int best = largestPart(R, j, n);
+    const double enough = LARGEENOUGH * R.part(best, j);
+    for (int i = 1; i <= n && !bergeron; ++i) {
+      if (R.part(i, j) >= enough && R.cosine(i, j) > R.cosine(best, j) + SAMESIZE) best = i;
     }
+    SOLVEDATA.first.PIVOT0[j] = best;
   }
 }
 
