@@ -14,6 +14,7 @@
 // Beside them stands what LAPACK's objects ask of the Fortran run time, so that it need not be
 // linked: its error exit, and the joining of two texts (options of a block size query).
 #include "base/console.h"
+#include "base/register_widths.h"
 #include "base/stop.h"
 
 #include <algorithm>
@@ -23,12 +24,6 @@
 #include <string_view>
 
 namespace {
-
-#if defined(__GNUC__) && !defined(__clang__) && !defined(LCP_BOUNDS)
-#define LCP_BOTH_WIDTHS __attribute__((target_clones("avx2", "default"), flatten))
-#else
-#define LCP_BOTH_WIDTHS
-#endif
 
 constexpr int LANES = 4;   // partial sums of a scalar product
 constexpr int COLUMNS = 4; // columns that one sweep over a vector serves
@@ -148,9 +143,10 @@ void stridedProduct(bool transposed, int m, int n, double alpha, const double* a
 
 extern "C" {
 
-LCP_BOTH_WIDTHS void dgemv_(const char* trans, const int* m, const int* n, const double* alpha,
-                            const double* a, const int* lda, const double* x, const int* incx,
-                            const double* beta, double* y, const int* incy, std::size_t) {
+LCP_WIDTHS("avx2")
+void dgemv_(const char* trans, const int* m, const int* n, const double* alpha, const double* a,
+            const int* lda, const double* x, const int* incx, const double* beta, double* y,
+            const int* incy, std::size_t) {
   const bool transposed = *trans != 'N' && *trans != 'n';
   if (*m == 0 || *n == 0) return;
   const double* from = start(x, transposed ? *m : *n, *incx);
@@ -165,9 +161,9 @@ LCP_BOTH_WIDTHS void dgemv_(const char* trans, const int* m, const int* n, const
     stridedProduct(transposed, *m, *n, *alpha, a, *lda, from, *incx, to, *incy);
 }
 
-LCP_BOTH_WIDTHS void dger_(const int* m, const int* n, const double* alpha, const double* x,
-                           const int* incx, const double* y, const int* incy, double* a,
-                           const int* lda) {
+LCP_WIDTHS("avx2")
+void dger_(const int* m, const int* n, const double* alpha, const double* x, const int* incx,
+           const double* y, const int* incy, double* a, const int* lda) {
   const double* column = start(x, *m, *incx);
   const double* row = start(y, *n, *incy);
   for (int j = 0; j < *n; ++j, a += *lda, row += *incy) {
@@ -179,7 +175,7 @@ LCP_BOTH_WIDTHS void dger_(const int* m, const int* n, const double* alpha, cons
   }
 }
 
-LCP_BOTH_WIDTHS double dnrm2_(const int* n, const double* x, const int* incx) {
+LCP_WIDTHS("avx2") double dnrm2_(const int* n, const double* x, const int* incx) {
   if (*n < 1) return 0;
   const double* from = start(x, *n, *incx);
   double sums[COLUMNS] = {};

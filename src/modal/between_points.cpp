@@ -12,6 +12,7 @@
 #include "modal/line_constants.h"
 #include "modal/modal_transform.h"
 #include "modal/newton.h"
+#include "modal/surge_impedance.h"
 #include "store/rundata.h"
 
 #include <algorithm>
@@ -174,8 +175,9 @@ void storeModes(int b, int n) {
   const FirstLoopStore& S = SOLVEDATA.first;
   formModalMatrices(YM, ZM, S.YMAT, S.ZMAT, vectors, inverse, n);
   for (int i = 1; i <= n; ++i) {
-    BETWEEN.ZSURGE(b, i) = std::sqrt(ZM(i, i) / YM(i, i));
-    BETWEEN.HMODE(b, i) = std::exp(-decaying(squares[i]) * RUNDATA.run.LINELEN);
+    const Complex gamma = decaying(squares[i]);
+    BETWEEN.ZSURGE(b, i) = surgeImpedance(YM(i, i), ZM(i, i), gamma);
+    BETWEEN.HMODE(b, i) = std::exp(-gamma * RUNDATA.run.LINELEN);
   }
   BETWEEN.TI.store(b, vectors, n);
 }

@@ -8,6 +8,7 @@
 #include "kernels/matrix_kernels.h"
 #include "modal/modal_transform.h"
 #include "modal/subspace_walk.h"
+#include "modal/surge_impedance.h"
 #include "store/rundata.h"
 
 #include <cmath>
@@ -58,7 +59,7 @@ void formModeTimes(CConstView YM, CConstView ZM, ModeReals& TAU, ModeComplex& Z0
   for (int i = 1; i <= n; ++i) {
     const Complex g = std::sqrt(withoutRounding(product(i, i)));
     TAU[i] = g.imag() / MILLI * RUNDATA.run.LINELEN / w;
-    Z0[i] = std::sqrt(ZM(i, i) / YM(i, i));
+    Z0[i] = surgeImpedance(YM(i, i), ZM(i, i), g);
   }
   for (int i = 1; i <= n; ++i) checkMode(TAU[i]);
 }

@@ -14,6 +14,7 @@
 #include "kernels/inversion.h"
 #include "kernels/matrix_kernels.h"
 #include "modal/modal_transform.h"
+#include "modal/surge_impedance.h"
 #include "store/rundata.h"
 #include "store/solvedata.h"
 
@@ -55,9 +56,9 @@ void formModes(int n) {
   SecondLoopStore& T = SOLVEDATA.second;
   for (int i = 1; i <= n; ++i) {
     if (S.EIG[i].imag() < 0.0) S.EIG[i] = std::conj(S.EIG[i]);
-    T.ZSURGE[i] = std::sqrt(T.ZM(i, i) / T.YM(i, i));
-    T.ZSURGER[i] = T.ZSURGE[i].real();
     T.GAM[i] = std::sqrt(S.EIG[i]);
+    T.ZSURGE[i] = surgeImpedance(T.YM(i, i), T.ZM(i, i), T.GAM[i]);
+    T.ZSURGER[i] = T.ZSURGE[i].real();
   }
 }
 

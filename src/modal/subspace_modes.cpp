@@ -30,16 +30,6 @@ constexpr double SHIFTREAL = 0.7; // of the mean element, as in the default's de
 constexpr double SHIFTIMAG = 0.812345;
 constexpr double CLEAR = 0.3; // |1 - s| up to which a mode has no rival
 
-struct Decomposition {
-  ModeComplex L;
-  LineMatrix V;    // right vectors
-  LineMatrix VINV; // left vectors
-  ModeReals KAPPA; // condition numbers of the eigenvalues
-  ModeGroups G;
-};
-
-Decomposition found;
-
 [[noreturn]] void refuseModes() {
   console::openStars();
   console::line("The Modes of the Line cannot be Found");
@@ -66,20 +56,11 @@ void conditions(ModeReals& KAPPA, const LineMatrix& V, const LineMatrix& VINV, i
   }
 }
 
-void decompose(int n) {
-  static LineMatrix copy;
-  copyCorner(copy, SOLVEDATA.first.PMAT, n);
-  if (!ZGEEV(copy, found.L, found.V, n, BackSubstitution::ByBlocks)) refuseModes();
-  invert(found.VINV, found.V, n);
-  conditions(found.KAPPA, found.V, found.VINV, n);
-  findGroups(found.G, found.L, found.KAPPA, n);
-}
-
 // Distance from the shift that orders the modes: that of its group's first mode.
-double distance(int j, Complex shift) { return std::abs(found.L[found.G.of[j]] - shift); }
+double distance(const ModeSet& M, int j, Complex shift) { return std::abs(M.L[M.G.of[j]] - shift); }
 
 // Modes by falling distance; those of a group stay together.
-void orderByShift(ModeInts& slot, int n) {
+void orderByShift(ModeInts& slot, const ModeSet& M, int n) {
   const LineMatrix& P = SOLVEDATA.first.PMAT;
   double mean = 0;
   for (int j = 1; j <= n; ++j) {
@@ -89,17 +70,17 @@ void orderByShift(ModeInts& slot, int n) {
   const Complex shift(SHIFTREAL * mean, SHIFTIMAG * mean);
   for (int i = 1; i <= n; ++i) slot[i] = i;
   std::sort(slot.data(), slot.data() + n, [&](int a, int b) {
-    const double da = distance(a, shift), db = distance(b, shift);
+    const double da = distance(M, a, shift), db = distance(M, b, shift);
     if (da != db) return da > db;
-    return found.G.of[a] != found.G.of[b] ? found.G.of[a] < found.G.of[b] : a < b;
+    return M.G.of[a] != M.G.of[b] ? M.G.of[a] < M.G.of[b] : a < b;
   });
 }
 
 // The modes that have places in a group.
-int membersOf(ModeInts& mode, const ModeInts& slot, int group, int n) {
+int membersOf(ModeInts& mode, const ModeSet& M, const ModeInts& slot, int group, int n) {
   int m = 0;
   for (int i = 1; i <= n; ++i) {
-    if (found.G.of[slot[i]] == group) mode[++m] = i;
+    if (M.G.of[slot[i]] == group) mode[++m] = i;
   }
   return m;
 }
@@ -111,58 +92,58 @@ void putBasis(const Basis& B, const ModeInts& mode) {
 }
 
 // Column c of the basis: mode i of the reference projected on the group, V_g D_g.
-void projectOn(Basis& B, int c, int group, int i, const LineMatrix& D) {
+void projectOn(Basis& B, int c, const ModeSet& M, int group, int i, const LineMatrix& D) {
   std::fill_n(B.V.view().column(c), B.n, Complex());
   for (int j = 1; j <= B.n; ++j) {
-    if (found.G.of[j] != group) continue;
+    if (M.G.of[j] != group) continue;
     const Complex d = D(j, i);
-    for (int r = 1; r <= B.n; ++r) B.V(r, c) += d * found.V(r, j);
+    for (int r = 1; r <= B.n; ++r) B.V(r, c) += d * M.V(r, j);
   }
 }
 
 // The vectors of the modes at their places, each a mode of its own.
-void takeSingly(const ModeInts& slot, int n) {
+void takeSingly(const ModeSet& M, const ModeInts& slot, int n) {
   FirstLoopStore& S = SOLVEDATA.first;
   for (int i = 1; i <= n; ++i) {
-    S.EIG[i] = found.L[slot[i]];
+    S.EIG[i] = M.L[slot[i]];
     for (int r = 1; r <= n; ++r) {
-      S.TI(r, i) = found.V(r, slot[i]);
-      S.TIINV(i, r) = found.VINV(slot[i], r);
+      S.TI(r, i) = M.V(r, slot[i]);
+      S.TIINV(i, r) = M.VINV(slot[i], r);
     }
   }
 }
 
 // Diagonal of TIINV P TI for a mode of the group.
-Complex projectedEigenvalue(int i, int group, int n) {
+Complex projectedEigenvalue(const ModeSet& M, int i, int group, int n) {
   const FirstLoopStore& S = SOLVEDATA.first;
   Complex sum;
   for (int j = 1; j <= n; ++j) {
-    if (found.G.of[j] != group) continue;
+    if (M.G.of[j] != group) continue;
     Complex left, right;
     for (int r = 1; r <= n; ++r) {
-      left += S.TIINV(i, r) * found.V(r, j);
-      right += found.VINV(j, r) * S.TI(r, i);
+      left += S.TIINV(i, r) * M.V(r, j);
+      right += M.VINV(j, r) * S.TI(r, i);
     }
-    sum += left * found.L[j] * right;
+    sum += left * M.L[j] * right;
   }
   return sum;
 }
 
 // Basis and eigenvalues of the groups of more than one mode; D are the coefficients of the
 // reference, or nullptr for the standard basis.
-void takeGroups(const ModeInts& slot, const LineMatrix* D, int n) {
+void takeGroups(const ModeSet& M, const ModeInts& slot, const LineMatrix* D, int n) {
   static Basis B;
   FirstLoopStore& S = SOLVEDATA.first;
   ModeInts mode;
   bool any = false;
   for (int g = 1; g <= n; ++g) {
-    if (found.G.of[g] != g || found.G.size[g] < 2) continue;
+    if (M.G.of[g] != g || M.G.size[g] < 2) continue;
     any = true;
     B.n = n;
-    B.m = membersOf(mode, slot, g, n);
+    B.m = membersOf(mode, M, slot, g, n);
     for (int c = 1; c <= B.m; ++c) {
       if (D != nullptr) {
-        projectOn(B, c, g, mode[c], *D);
+        projectOn(B, c, M, g, mode[c], *D);
       } else {
         std::copy_n(S.TI.view().column(mode[c]), n, B.V.view().column(c));
       }
@@ -177,46 +158,56 @@ void takeGroups(const ModeInts& slot, const LineMatrix* D, int n) {
   if (!any) return;
   invert(S.TIINV, S.TI, n);
   for (int i = 1; i <= n; ++i) {
-    const int g = found.G.of[slot[i]];
-    if (found.G.size[g] > 1) S.EIG[i] = projectedEigenvalue(i, g, n);
+    const int g = M.G.of[slot[i]];
+    if (M.G.size[g] > 1) S.EIG[i] = projectedEigenvalue(M, i, g, n);
   }
 }
 
-void takeModes(const ModeInts& slot, const LineMatrix* D, int n) {
+void takeModes(const ModeSet& M, const ModeInts& slot, const LineMatrix* D, int n) {
   FirstLoopStore& S = SOLVEDATA.first;
-  takeSingly(slot, n);
-  takeGroups(slot, D, n);
+  takeSingly(M, slot, n);
+  takeGroups(M, slot, D, n);
   PIVNORM(S.TI, S.TIINV, S.PIVOT, n);
 }
 
 // cost(i,j) = |1 - s(i,g)| for the group g of mode j.
-void formCosts(RealMatrix& cost, const LineMatrix& C, const LineMatrix& D, int n) {
+void formCosts(RealMatrix& cost, const ModeSet& M, const LineMatrix& C, const LineMatrix& D,
+               int n) {
   for (int i = 1; i <= n; ++i) {
     ModeComplex part;
-    for (int j = 1; j <= n; ++j) part[found.G.of[j]] += C(i, j) * D(j, i);
-    for (int j = 1; j <= n; ++j) cost(i, j) = std::abs(1.0 - part[found.G.of[j]]);
+    for (int j = 1; j <= n; ++j) part[M.G.of[j]] += C(i, j) * D(j, i);
+    for (int j = 1; j <= n; ++j) cost(i, j) = std::abs(1.0 - part[M.G.of[j]]);
   }
 }
 
 } // namespace
 
-void startSubspaces(int n) {
-  ModeInts slot;
-  decompose(n);
-  orderByShift(slot, n);
-  takeModes(slot, nullptr, n);
+void findModes(ModeSet& M, int n) {
+  static LineMatrix copy;
+  copyCorner(copy, SOLVEDATA.first.PMAT, n);
+  if (!ZGEEV(copy, M.L, M.V, n, BackSubstitution::ByBlocks)) refuseModes();
+  invert(M.VINV, M.V, n);
+  conditions(M.KAPPA, M.V, M.VINV, n);
+  findGroups(M.G, M.L, M.KAPPA, n);
 }
 
-bool followSubspaces(const ModeFrame& reference, int n) {
+void startSubspaces(int n) {
+  static ModeSet M;
+  ModeInts slot;
+  findModes(M, n);
+  orderByShift(slot, M, n);
+  takeModes(M, slot, nullptr, n);
+}
+
+bool followSubspaces(const ModeFrame& reference, const ModeSet& M, int n) {
   static LineMatrix C, D;
   static RealMatrix cost;
   ModeInts slot;
-  decompose(n);
-  CMATMUL(C, reference.XINV, found.V, n);
-  CMATMUL(D, found.VINV, reference.X, n);
-  formCosts(cost, C, D, n);
+  CMATMUL(C, reference.XINV, M.V, n);
+  CMATMUL(D, M.VINV, reference.X, n);
+  formCosts(cost, M, C, D, n);
   ASSIGN(slot, cost, n);
-  takeModes(slot, &D, n);
+  takeModes(M, slot, &D, n);
   double worst = 0;
   for (int i = 1; i <= n; ++i) worst = std::max(worst, cost(i, slot[i]));
   return worst < CLEAR;

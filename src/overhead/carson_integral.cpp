@@ -21,15 +21,20 @@
 //   geometric stage: with t = |z| u the panels lie on one grid in u, and 1 / (t + W) is
 //     1 / |z| / (u + sqrt(u^2 + (z / |z|)^2)), which depends on the direction of z alone, so the
 //     stage is the polynomial taken over moments that are summed once for each direction of z
-//   linear stage: W by real square roots, in loops that the compiler turns into vectors
+//   linear stage: W by real square roots, in loops that the compiler turns into vectors;
+//   exponentials of an angle are kept, they serve at every frequency
 #include "overhead/carson_integral.h"
 
 #include "base/big_store.h"
 #include "base/console.h"
 #include "base/number_forms.h"
+#include "base/register_widths.h"
+#include "base/table.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
+#include <cstdint>
 
 namespace lcp {
 
@@ -196,91 +201,206 @@ constexpr int BLOCKPANELS = 32;
 constexpr int BLOCKPOINTS = 2 * BLOCKPANELS;
 constexpr int GROUP = 8; // powers are products of two exponentials, each taken directly
 
-struct Powers {
-  double re[BLOCKPOINTS]; // exp(0.025 m s), m from 1
-  double im[BLOCKPOINTS];
-};
-
 Complex exponential(double t, const Direction& d) {
   const double size = std::exp(-t * d.c);
   return {size * std::cos(t * d.s), size * std::sin(t * d.s)};
 }
+
+// exp(0.025 m s): the middle of panel i stands 2 i + 1 half-widths behind the start of its block,
+// its end 2 i + 2.
+struct Powers {
+  double middleRe[BLOCKPANELS];
+  double middleIm[BLOCKPANELS];
+  double endRe[BLOCKPANELS];
+  double endIm[BLOCKPANELS];
+};
 
 void formPowers(const Direction& d, Powers& E) {
   Complex low[GROUP];
   for (int m = 1; m <= GROUP; ++m) low[m - 1] = exponential(HALFWIDTH * m, d);
   for (int g = 0; g < BLOCKPOINTS; g += GROUP) {
     const Complex high = g == 0 ? 1.0 : exponential(HALFWIDTH * g, d);
-    for (int m = 0; m < GROUP; ++m) {
-      const Complex e = high * low[m];
-      E.re[g + m] = e.real();
-      E.im[g + m] = e.imag();
+    for (int m = 0; m < GROUP; m += 2) {
+      const Complex middle = high * low[m], end = high * low[m + 1];
+      const int i = (g + m) / 2;
+      E.middleRe[i] = middle.real();
+      E.middleIm[i] = middle.imag();
+      E.endRe[i] = end.real();
+      E.endIm[i] = end.imag();
     }
   }
 }
 
-struct Block {
-  double re[BLOCKPOINTS + 1]; // integrand, from the start of the block on
-  double im[BLOCKPOINTS + 1];
+double blockStart(int block) { return STAGEEND + HALFWIDTH * BLOCKPOINTS * block; }
+
+// Exponentials depend on the angle alone, so those of a pair of conductors serve at all
+// frequencies. Kept side by side in the order in which pairs are first met, found by hashing the
+// angle.
+constexpr int HASHBITS = 14;
+constexpr int PLACES = 1 << HASHBITS;
+constexpr int MOSTANGLES = PLACES / 2;
+constexpr int MOSTSTARTS = 64; // blocks whose start is kept
+
+struct Exponentials {
+  Powers E;
+  int starts; // formed so far
+  Complex START[MOSTSTARTS];
 };
 
-// Integrand at the points of the block that starts at t0. The root of x + j b is s + j b / (2 s)
-// with s = sqrt((|x + j b| + x) / 2) for x >= 0, and the other way round for x < 0.
-void fillBlock(double t0, Complex z2, const Direction& d, const Powers& E, Block& g) {
-  const Complex start = exponential(t0, d);
-  const double er = start.real();
-  const double ei = start.imag();
-  const double a = z2.real();
-  const double b = z2.imag();
-  for (int m = 0; m < BLOCKPOINTS; ++m) {
-    const double t = t0 + HALFWIDTH * (m + 1);
-    const double x = t * t + a;
-    const double s = std::sqrt(0.5 * (std::sqrt(x * x + b * b) + std::fabs(x)));
-    const double q = 0.5 * b / s;
-    const double wr = x >= 0.0 ? s : std::fabs(q);
-    const double wi = x >= 0.0 ? q : std::copysign(s, b);
-    const double sr = t + wr;
-    const double k = (er * E.re[m] - ei * E.im[m]) / (sr * sr + wi * wi);
-    g.re[m + 1] = sr * k;
-    g.im[m + 1] = -wi * k;
+struct AngleStore {
+  int angles; // kept so far
+  Table<Exponentials, MOSTANGLES> of;
+  double theta[PLACES];
+  int number[PLACES]; // of the angle, 0 at an empty place
+};
+
+AngleStore& ANGLES = bigStore<AngleStore>();
+
+// Where an angle stands, or the empty place where it would.
+int placeOf(double theta) {
+  constexpr std::uint64_t MIX = 0x9E3779B97F4A7C15; // 2^64 over the golden ratio
+  const AngleStore& S = ANGLES;
+  const std::uint64_t mixed = std::bit_cast<std::uint64_t>(theta) * MIX;
+  int p = static_cast<int>(mixed >> (64 - HASHBITS));
+  while (S.number[p] != 0 && S.theta[p] != theta) p = (p + 1) % PLACES;
+  return p;
+}
+
+Exponentials& exponentialsOf(double theta, const Direction& d) {
+  AngleStore& S = ANGLES;
+  int p = placeOf(theta);
+  if (S.number[p] != 0) return S.of[S.number[p]];
+  if (S.angles == MOSTANGLES) { // most of other lines
+    S.angles = 0;
+    std::fill_n(S.number, PLACES, 0);
+    p = placeOf(theta);
   }
+  S.theta[p] = theta;
+  S.number[p] = ++S.angles;
+  Exponentials& X = S.of[S.angles];
+  X.starts = 0;
+  formPowers(d, X.E);
+  return X;
+}
+
+Complex startOf(int block, Exponentials& X, const Direction& d) {
+  if (block >= MOSTSTARTS) return exponential(blockStart(block), d);
+  for (; X.starts <= block; ++X.starts) X.START[X.starts] = exponential(blockStart(X.starts), d);
+  return X.START[block];
+}
+
+// The integrand f at the ends of the panels of a block, from its start on, and what each panel is.
+struct Block {
+  double re[BLOCKPANELS + 1];
+  double im[BLOCKPANELS + 1];
+  double panelRe[BLOCKPANELS];
+  double panelIm[BLOCKPANELS];
+};
+
+struct Integrand {
+  double re, im;
+};
+
+// Where a block starts: its t and the exponential there, and z^2 = a + j b.
+struct BlockStart {
+  double t, er, ei, a, b;
+};
+
+// The integrand n half-widths behind the start of the block, its exponential the product of that of
+// the start and re + j im. The root of x + j b is s + j b / (2 s) with s = sqrt((|x + j b| + x) /
+// 2) for x >= 0, and the other way round for x < 0.
+inline Integrand integrandAt(int n, const BlockStart& S, double re, double im) {
+  const double t = S.t + HALFWIDTH * n;
+  const double x = t * t + S.a;
+  const double s = std::sqrt(0.5 * (std::sqrt(x * x + S.b * S.b) + std::fabs(x)));
+  const double q = 0.5 * S.b / s;
+  const double wr = x >= 0.0 ? s : std::fabs(q);
+  const double wi = x >= 0.0 ? q : std::copysign(s, S.b);
+  const double sr = t + wr;
+  const double k = (S.er * re - S.ei * im) / (sr * sr + wi * wi);
+  return {sr * k, -wi * k};
+}
+
+// The panels of a block. Roots and quotients side by side, with nothing fused: registers of any
+// width give the same bits.
+LCP_WIDTHS("avx512f", "avx2") void fillBlock(const BlockStart& S, const Powers& E, Block& g) {
+  double re[BLOCKPANELS], im[BLOCKPANELS];
+  for (int i = 0; i < BLOCKPANELS; ++i) {
+    const Integrand middle = integrandAt(2 * i + 1, S, E.middleRe[i], E.middleIm[i]);
+    const Integrand end = integrandAt(2 * i + 2, S, E.endRe[i], E.endIm[i]);
+    re[i] = middle.re;
+    im[i] = middle.im;
+    g.re[i + 1] = end.re;
+    g.im[i + 1] = end.im;
+  }
+  for (int i = 0; i < BLOCKPANELS; ++i) {
+    g.panelRe[i] = HALFWIDTH / 3.0 * (g.re[i] + 4.0 * re[i] + g.re[i + 1]);
+    g.panelIm[i] = HALFWIDTH / 3.0 * (g.im[i] + 4.0 * im[i] + g.im[i + 1]);
+  }
+}
+
+// The sum behind each panel of a block, and how many of the panels are below the limit.
+struct RunningSums {
+  double re[BLOCKPANELS];
+  double im[BLOCKPANELS];
+};
+
+bool isSmall(const Block& g, const RunningSums& R, int i) {
+  const double pr = g.panelRe[i], pi = g.panelIm[i];
+  return pr * pr + pi * pi < SMALLPANEL * SMALLPANEL * (R.re[i] * R.re[i] + R.im[i] * R.im[i]);
+}
+
+LCP_WIDTHS("avx512f", "avx2") int addPanels(const Block& g, Complex A, RunningSums& R) {
+  double re = A.real(), im = A.imag();
+  for (int i = 0; i < BLOCKPANELS; ++i) {
+    re += 2.0 * g.panelRe[i];
+    im += 2.0 * g.panelIm[i];
+    R.re[i] = re;
+    R.im[i] = im;
+  }
+  int small = 0;
+  for (int i = 0; i < BLOCKPANELS; ++i) small += isSmall(g, R, i) ? 1 : 0;
+  return small;
 }
 
 // Adds the panels of a block in turn. True when one ends the integral.
 bool addBlock(const Block& g, CarsonSum& sum) {
-  double re = sum.A.real();
-  double im = sum.A.imag();
+  RunningSums R;
+  int last = std::min(BLOCKPANELS, MAXLINEAR - sum.linear) - 1;
   bool done = false;
-  const int end = 2 * std::min(BLOCKPANELS, MAXLINEAR - sum.linear);
-  for (int m = 0; m < end && !done; m += 2) {
-    const double pr = HALFWIDTH / 3.0 * (g.re[m] + 4.0 * g.re[m + 1] + g.re[m + 2]);
-    const double pi = HALFWIDTH / 3.0 * (g.im[m] + 4.0 * g.im[m + 1] + g.im[m + 2]);
-    re += 2.0 * pr;
-    im += 2.0 * pi;
-    ++sum.linear;
-    done = pr * pr + pi * pi < SMALLPANEL * SMALLPANEL * (re * re + im * im);
+  if (addPanels(g, sum.A, R) > 0) {
+    int small = 0;
+    while (small <= last && !isSmall(g, R, small)) ++small;
+    done = small <= last;
+    last = std::min(small, last);
   }
-  sum.A = {re, im};
+  sum.A = {R.re[last], R.im[last]};
+  sum.linear += last + 1;
   return done;
 }
 
-void blockLinearStage(double lo, Complex z, const Direction& d, CarsonSum& sum) {
+void blockLinearStage(double lo, Complex z, double theta, const Direction& d, CarsonSum& sum) {
   const double h = (STAGEEND - lo) / 2.0;
   sum.A += 2.0 * simpson(lo + h, h, z, d);
   sum.linear = 1;
-  const Complex z2((z.real() - z.imag()) * (z.real() + z.imag()), 2.0 * z.real() * z.imag());
-  Powers E;
-  formPowers(d, E);
+  BlockStart S{};
+  S.a = (z.real() - z.imag()) * (z.real() + z.imag());
+  S.b = 2.0 * z.real() * z.imag();
+  Exponentials& X = exponentialsOf(theta, d);
   const Complex first = integrand(STAGEEND, z, d);
   Block g;
   g.re[0] = first.real();
   g.im[0] = first.imag();
   for (int block = 0; sum.linear < MAXLINEAR && isNumber(sum.A); ++block) {
-    fillBlock(STAGEEND + HALFWIDTH * BLOCKPOINTS * block, z2, d, E, g);
+    S.t = blockStart(block);
+    const Complex start = startOf(block, X, d);
+    S.er = start.real();
+    S.ei = start.imag();
+    fillBlock(S, X.E, g);
     sum.linearDone = addBlock(g, sum);
     if (sum.linearDone) return;
-    g.re[0] = g.re[BLOCKPOINTS];
-    g.im[0] = g.im[BLOCKPOINTS];
+    g.re[0] = g.re[BLOCKPANELS];
+    g.im[0] = g.im[BLOCKPANELS];
   }
 }
 
@@ -316,7 +436,7 @@ CarsonSum carsonBlocks(Complex z, double theta) {
   const Direction d(theta);
   CarsonSum sum;
   const double lo = momentGeometricStage(z, d, sum);
-  blockLinearStage(lo, z, d, sum);
+  blockLinearStage(lo, z, theta, d, sum);
   return sum;
 }
 

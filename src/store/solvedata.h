@@ -17,8 +17,8 @@
 //   digits                  nothing: a search clears the digits that it uses
 //
 // Results that are kept with what they were computed from give the same bits when they are taken
-// again: the modes of a product Y Z (modal/long_line), pairs of the aerial integral and moments of
-// the Carson integral. The date stamps of the message package show in a fatal message alone. All
+// again: the modes of a product Y Z (modal/long_line), pairs of the aerial integral, moments and
+// exponentials of the Carson integral. The date stamps of the message package show in a fatal message alone. All
 // else is written before it is read.
 #pragma once
 

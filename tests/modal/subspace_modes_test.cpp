@@ -9,6 +9,7 @@
 #include "modal/second_loop.h"
 #include "store/rundata.h"
 #include "support/console_capture.h"
+#include "support/description.h"
 #include "support/overhead_lines.h"
 #include "support/solve.h"
 
@@ -66,7 +67,9 @@ TEST(SubspaceModes, EqualModesKeepTheBasisOfTheReference) {
   }
   S.PMAT(1, 2) = S.PMAT(2, 1) = 1e-13;
   invertFrame(frame, 3);
-  EXPECT_TRUE(followSubspaces(frame, 3));
+  static ModeSet modes;
+  findModes(modes, 3);
+  EXPECT_TRUE(followSubspaces(frame, modes, 3));
   COLNORM(S.TI, S.TI, 3);
   EXPECT_NEAR(std::abs(S.EIG[1] - 2.0), 0, 1e-12);
   for (int j = 1; j <= 3; ++j) {
@@ -107,6 +110,68 @@ TEST(SubspaceModes, OfManyCircuitsAreAllThereAtTheEndOfTheGrid) {
     sum += SOLVEDATA.at.MEIG(last, i);
   }
   EXPECT_LT(std::abs(trace - sum), 1e-11 * std::abs(trace)); // a doubled mode stands for another
+}
+
+// The largest steps of vectors, surge impedances and eigenvalues from one frequency to the next.
+struct LargestSteps {
+  double vector = 0, impedance = 0, eigenvalue = 0;
+};
+
+LargestSteps stepsWith(const std::string& body, int increments) {
+  const std::string keys = "Total Number of Frequency Increments: " + std::to_string(increments);
+  solveBothLoops(body + phaseModel(keys + "\n") + IMPROVED);
+  const SecondLoopStore& T = SOLVEDATA.second;
+  LargestSteps steps;
+  for (int k = 2; k < SOLVEDATA.grid.NFREQ; ++k) { // the last one stands out of order
+    const double scale = std::pow(SOLVEDATA.grid.FREQ[k] / SOLVEDATA.grid.FREQ[k - 1], 2);
+    for (int j = 1; j <= RUNDATA.line.NC; ++j) {
+      const Complex z = T.ZSURGST(k, j), l = SOLVEDATA.at.MEIG(k, j);
+      const double dz = std::abs(z - T.ZSURGST(k - 1, j)) / std::abs(z);
+      const double dl = std::abs(l - scale * SOLVEDATA.at.MEIG(k - 1, j)) / std::abs(l);
+      steps.impedance = std::max(steps.impedance, dz);
+      steps.eigenvalue = std::max(steps.eigenvalue, dl);
+      for (int i = 1; i <= RUNDATA.line.NC; ++i)
+        steps.vector = std::max(steps.vector, std::abs(T.TIST(k, i, j) - T.TIST(k - 1, i, j)));
+    }
+  }
+  return steps;
+}
+
+// Two circuits that are nearly mirror images: some surge impedances turn past the imaginary axis.
+std::string nearlyMirrored() {
+  const auto circuit = [](const char* phases, const std::string& places) {
+    return std::string("Circuit\n{\nConductors: 3\nConductor Phase Information: ") + phases +
+           "\nRadius: 0.01667\nDCResistance: 0.037\nSag: 5.473\n" + places + "}\n";
+  };
+  return summary(6) + "Line Constants Tower\n{\n" +
+         circuit("1 2 3", "ShuntConductance: 1e-10\nP1 : -4.260 30.209\nP2 : -5.288 35.122\nP3 : "
+                          "-5.039 39.537\n") +
+         circuit(
+             "4 5 6",
+             "ShuntConductance: 1e-11\nP1 : 4.931 30.803\nP2 : 5.319 34.936\nP3 : 4.519 39.082\n") +
+         "}\n" + "Line Constants Ground Data\n{\nGroundResistivity: 10\n}\n";
+}
+
+// A jump stays as high when the grid becomes denser. And Yc = TI / Zs TI^T, of which the surge
+// impedances have no part otherwise, tells their sign.
+TEST(SubspaceModes, CurvesOfModesAreContinuousAndOfOneSign) {
+  for (const std::string& body : {singleCircuit(""), doubleCircuit(""), nearlyMirrored()}) {
+    const LargestSteps coarse = stepsWith(body, 200), fine = stepsWith(body, 400);
+    EXPECT_LT(fine.vector, 0.6 * coarse.vector);
+    EXPECT_LT(fine.impedance, 0.6 * coarse.impedance);
+    EXPECT_LT(fine.eigenvalue, 0.6 * coarse.eigenvalue);
+    for (int k = 1; k <= SOLVEDATA.grid.NFREQ; ++k) {
+      const Dense TI = stepOf(SOLVEDATA.second.TIST, k);
+      const std::size_t n = TI.size();
+      const Dense Yc = formed(n, [&](auto i, auto j) {
+        Wide sum = 0;
+        for (std::size_t m = 0; m < n; ++m)
+          sum += TI[i][m] * TI[j][m] / Wide(SOLVEDATA.second.ZSURGST(k, static_cast<int>(m) + 1));
+        return sum;
+      });
+      EXPECT_LT(distance(Yc, stepOf(SOLVEDATA.second.YCST, k)), 1e-9) << k;
+    }
+  }
 }
 
 } // namespace
