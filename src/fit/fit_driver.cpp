@@ -14,6 +14,8 @@
 #include "store/fitmodel.h"
 #include "store/rundata.h"
 
+#include <fmt/format.h>
+
 namespace lcp {
 
 namespace {
@@ -29,6 +31,14 @@ void printHeading() {
   console::line();
   console::line(" Fitting Characteristic Admittance Yc:");
   fitRule('=');
+}
+
+void warnOfJumps(const JumpsOfZ& jumps) {
+  if (jumps.count == 0) return;
+  warnInLine(
+      fmt::format("Z jumps at {} of {} Frequencies, at {:.6g} Hz by {:.2g} %: what is fitted "
+                  "between the Points has no Jump",
+                  jumps.count, jumps.places, jumps.f, INPERCENT * jumps.largest));
 }
 
 // The elements below the diagonal stand for both.
@@ -47,8 +57,9 @@ void fitAdmittance() {
   printHeading();
   const AdmittanceWish wish{F.ERRY * PERCENT, F.MAXPY, F.DCCORR};
   if (RUNDATA.numerics.IMPROVEDFITS) {
-    samplePhasesBetween();
+    const JumpsOfZ jumps = samplePhasesBetween();
     fitAdmittanceImproved(wish);
+    warnOfJumps(jumps);
   } else {
     YCFIT(wish);
   }

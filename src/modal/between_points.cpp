@@ -12,6 +12,7 @@
 #include "modal/line_constants.h"
 #include "modal/modal_transform.h"
 #include "modal/newton.h"
+#include "modal/smooth_constants.h"
 #include "store/rundata.h"
 
 #include <algorithm>
@@ -21,7 +22,6 @@ namespace lcp {
 
 namespace {
 
-constexpr double HALFWAY = 0.5;
 constexpr int MOSTBETWEEN = 7;      // frequencies between two points
 constexpr double SEENTURN = PI / 4; // of modes against each other, from one frequency to the next
 constexpr double FADED = 1e-3;      // modal propagation below which a mode does not count
@@ -32,10 +32,10 @@ ModeComplex squares; // gamma^2, 1/m^2
 
 bool fromTable() { return RUNDATA.run.DATAFMT == ROUTEMULTIPLE; }
 
-// Constants at a part of the way to the next grid point; returns the angular frequency.
-double constantsBehind(int k, double part) {
+// Constants half way to the next grid point; returns the angular frequency.
+double constantsBehind(int k) {
   const FrequencyGrid& G = SOLVEDATA.grid;
-  const double f = G.FREQ[k] * std::pow(G.FREQ[k + 1] / G.FREQ[k], part);
+  const double f = G.FREQ[k] * std::sqrt(G.FREQ[k + 1] / G.FREQ[k]);
   constantsAt(f);
   return TWOPI * f;
 }
@@ -182,19 +182,26 @@ void storeModes(int b, int n) {
 
 } // namespace
 
-void samplePhasesBetween() {
+JumpsOfZ samplePhasesBetween() {
   const int n = RUNDATA.line.NC;
+  const FreqCurve& W = SOLVEDATA.grid.WFREQ;
   BETWEEN.NB = 0;
   BETWEEN.YC.map(n);
   BETWEEN.H.map(n);
-  for (int k = 1; k < SOLVEDATA.grid.NFUSE && !fromTable(); ++k) {
+  if (fromTable()) return {};
+  const JumpsOfZ jumps = laySmoothConstants();
+  for (int k = 1; k < SOLVEDATA.grid.NFUSE; ++k) {
     const int points = frequenciesBehind(k);
     for (int p = 1; p <= points; ++p) {
-      BETWEEN.WFREQ[++BETWEEN.NB] = constantsBehind(k, p / (points + 1.0));
+      const double part = p / (points + 1.0);
+      const double w = W[k] * std::pow(W[k + 1] / W[k], part);
+      BETWEEN.WFREQ[++BETWEEN.NB] = w;
+      smoothConstantsAt(2 * (k + part) - 1, w);
       anyModes(n);
       storePhases(BETWEEN.NB, n);
     }
   }
+  return jumps;
 }
 
 void sampleModesBetween() {
@@ -202,7 +209,7 @@ void sampleModesBetween() {
   BETWEEN.NB = 0;
   BETWEEN.TI.map(n);
   for (int k = 1; k < SOLVEDATA.grid.NFUSE && !fromTable(); ++k) {
-    const double w = constantsBehind(k, HALFWAY);
+    const double w = constantsBehind(k);
     if (!modesBetween(k, w, n)) continue;
     BETWEEN.WFREQ[++BETWEEN.NB] = w;
     storeModes(BETWEEN.NB, n);
@@ -214,7 +221,7 @@ void sampleSeriesBetween() {
   BETWEEN.NB = 0;
   BETWEEN.Z.map(n);
   for (int k = 1; k < SOLVEDATA.grid.NFUSE && !fromTable(); ++k) {
-    BETWEEN.WFREQ[++BETWEEN.NB] = constantsBehind(k, HALFWAY);
+    BETWEEN.WFREQ[++BETWEEN.NB] = constantsBehind(k);
     BETWEEN.Z.store(BETWEEN.NB, SOLVEDATA.first.ZMAT, n);
   }
 }

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "base/big_store.h"
+#include "modal/smooth_constants.h"
 #include "store/solvedata.h"
 
 namespace lcp {
@@ -28,8 +29,8 @@ inline BetweenStore& BETWEEN = bigStore<BetweenStore>();
 // Each samples between the NFUSE grid points of the solve store, in the places and units of what
 // the second loop leaves there. A table of Y and Z says nothing between its rows: NB is 0. A
 // frequency where modes cannot be told is left out. The current matrices of SOLVEDATA.first change.
-void samplePhasesBetween(); // YC, H
-void sampleModesBetween();  // TI, ZSURGE, HMODE, each mode that of both neighbours
-void sampleSeriesBetween(); // Z
+JumpsOfZ samplePhasesBetween(); // YC, H, of smooth constants; where Z jumps instead
+void sampleModesBetween();      // TI, ZSURGE, HMODE, each mode that of both neighbours
+void sampleSeriesBetween();     // Z
 
 } // namespace lcp

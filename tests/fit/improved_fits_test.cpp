@@ -1,5 +1,6 @@
 // The fits of the option "Improved Fits": what they hold that the default ones do not, on lines and
 // on functions made up for it. Models are evaluated here, from their poles and residues.
+#include "base/constants.h"
 #include "fit/dc_values.h"
 #include "fit/fit_driver.h"
 #include "fit/improved_modes.h"
@@ -7,6 +8,7 @@
 #include "fit/mode_model.h"
 #include "fit/settled_fit.h"
 #include "modal/between_points.h"
+#include "modal/line_constants.h"
 #include "modal/second_loop.h"
 #include "store/rundata.h"
 #include "support/console_capture.h"
@@ -166,6 +168,31 @@ TEST(ImprovedFits, ValuesBetweenArePointsOfTheGridTwiceAsDense) {
       EXPECT_LT(std::abs(BETWEEN.HMODE(k, i) - T.HMODE(fine, i)), 1e-6);
       EXPECT_LT(std::abs(BETWEEN.ZSURGE(k, i) - T.ZSURGST(fine, i)),
                 1e-4 * std::abs(T.ZSURGST(fine, i)));
+    }
+  }
+}
+
+// A jump of Z at one point moves neither what is sampled next to it nor anything else.
+TEST(ImprovedFits, ConstantsBetweenAreSmoothAlsoWhereZJumps) {
+  solveBothLoops(singleCircuit(phaseModel(EVENWEIGHTS)), 1e5);
+  const FrequencyGrid& G = SOLVEDATA.grid;
+  const FirstLoopStore& S = SOLVEDATA.first;
+  EXPECT_EQ(samplePhasesBetween().count, 0);
+  const Complex H = BETWEEN.H(60, 1, 1);
+  SOLVEDATA.at.ZSTORE(60, 2, 1) *= 1 + 1e-4;
+  const JumpsOfZ jumps = samplePhasesBetween();
+  EXPECT_EQ(jumps.count, 1);
+  EXPECT_EQ(jumps.f, G.FREQ[60]);
+  EXPECT_LT(std::abs(BETWEEN.H(60, 1, 1) - H), 1e-5);
+  for (const double part : {0.13, 0.37, 0.81}) {
+    for (const int k : {1, 60, G.NFUSE - 1}) {
+      const double w = G.WFREQ[k] * std::pow(G.WFREQ[k + 1] / G.WFREQ[k], part);
+      smoothConstantsAt(2 * (k + part) - 1, w);
+      const Complex z = S.ZMAT(1, 1), z21 = S.ZMAT(2, 1), y = S.YMAT(2, 1);
+      constantsAt(w / TWOPI);
+      EXPECT_LT(std::abs(z - S.ZMAT(1, 1)), 1e-6 * std::abs(z)) << k << ' ' << part;
+      EXPECT_LT(std::abs(z21 - S.ZMAT(2, 1)), 1e-6 * std::abs(z)) << k << ' ' << part;
+      EXPECT_LT(std::abs(y - S.YMAT(2, 1)), 1e-6 * std::abs(y)) << k << ' ' << part;
     }
   }
 }
