@@ -41,6 +41,12 @@ void warnOfJumps(const JumpsOfZ& jumps) {
                   jumps.count, jumps.places, jumps.f, INPERCENT * jumps.largest));
 }
 
+void warnOfLostModes(int points) {
+  if (points == 0) return;
+  warnInLine(fmt::format("Modes are lost at {} of {} Frequencies: turn Improved Modes on", points,
+                         SOLVEDATA.grid.NFUSE));
+}
+
 // The elements below the diagonal stand for both.
 void makeSymmetric() {
   const int n = FITMODEL.NC;
@@ -57,9 +63,10 @@ void fitAdmittance() {
   printHeading();
   const AdmittanceWish wish{F.ERRY * PERCENT, F.MAXPY, F.DCCORR};
   if (RUNDATA.numerics.IMPROVEDFITS) {
-    const JumpsOfZ jumps = samplePhasesBetween();
+    const PhaseSampling found = samplePhasesBetween();
     fitAdmittanceImproved(wish);
-    warnOfJumps(jumps);
+    warnOfJumps(found.jumps);
+    warnOfLostModes(found.lost);
   } else {
     YCFIT(wish);
   }

@@ -5,6 +5,7 @@
 #include "modal/between_points.h"
 
 #include "base/constants.h"
+#include "base/finite.h"
 #include "kernels/inversion.h"
 #include "kernels/lapack.h"
 #include "kernels/matrix_kernels.h"
@@ -25,9 +26,10 @@ namespace {
 constexpr int MOSTBETWEEN = 7;      // frequencies between two points
 constexpr double SEENTURN = PI / 4; // of modes against each other, from one frequency to the next
 constexpr double FADED = 1e-3;      // modal propagation below which a mode does not count
+constexpr double LOSTMODES = 1e-4;  // deviation of H at a point that tells of them
 constexpr double SAMEVECTOR = 0.9;  // least cosine between a mode and its neighbours' mean
 
-LineMatrix product, vectors, inverse, phases;
+LineMatrix product, vectors, inverse, phases, waves;
 ModeComplex squares; // gamma^2, 1/m^2
 
 bool fromTable() { return RUNDATA.run.DATAFMT == ROUTEMULTIPLE; }
@@ -87,18 +89,41 @@ void anyModes(int n) {
   INVCJD(inverse, vectors, n);
 }
 
-void storePhases(int b, int n) {
+// H and Yc of the modes at hand.
+void formPhases(LineMatrix& H, LineMatrix& YC, int n) {
   ModeComplex slowness, wave;
   for (int i = 1; i <= n; ++i) {
     const Complex gamma = decaying(squares[i]);
     slowness[i] = 1.0 / gamma;
     wave[i] = std::exp(-gamma * RUNDATA.run.LINELEN);
   }
-  diagonalToPhases(phases, vectors, wave, inverse, n);
-  BETWEEN.H.store(b, phases, n);
+  diagonalToPhases(H, vectors, wave, inverse, n);
   diagonalToPhases(phases, vectors, slowness, inverse, n);
-  CMATMUL(product, phases, SOLVEDATA.first.YMAT, n);
+  CMATMUL(YC, phases, SOLVEDATA.first.YMAT, n);
+}
+
+void storePhases(int b, int n) {
+  formPhases(waves, product, n);
+  BETWEEN.H.store(b, waves, n);
   BETWEEN.YC.store(b, product, n);
+}
+
+// Whether H at step k is not that of Y and Z: the modes were lost there. It is put right then.
+bool mendedPoint(int k, int n) {
+  FirstLoopStore& S = SOLVEDATA.first;
+  CurveMatrix<Complex, MAXFREQ>& H = SOLVEDATA.second.HST;
+  SOLVEDATA.at.ZSTORE.load(k, S.ZMAT, n);
+  SOLVEDATA.at.YSTORE.load(k, S.YMAT, n);
+  anyModes(n);
+  formPhases(waves, product, n);
+  double off = 0;
+  for (int j = 1; j <= n; ++j) {
+    for (int i = 1; i <= n; ++i) off = larger(off, std::abs(waves(i, j) - H(k, i, j)));
+  }
+  if (off <= LOSTMODES) return false;
+  H.store(k, waves, n);
+  SOLVEDATA.second.YCST.store(k, product, n);
+  return true;
 }
 
 // Column j becomes 1 in the row of its largest element.
@@ -182,14 +207,15 @@ void storeModes(int b, int n) {
 
 } // namespace
 
-JumpsOfZ samplePhasesBetween() {
+PhaseSampling samplePhasesBetween() {
   const int n = RUNDATA.line.NC;
   const FreqCurve& W = SOLVEDATA.grid.WFREQ;
   BETWEEN.NB = 0;
   BETWEEN.YC.map(n);
   BETWEEN.H.map(n);
   if (fromTable()) return {};
-  const JumpsOfZ jumps = laySmoothConstants();
+  PhaseSampling found{laySmoothConstants(), 0};
+  for (int k = 1; k <= SOLVEDATA.grid.NFUSE; ++k) found.lost += mendedPoint(k, n) ? 1 : 0;
   for (int k = 1; k < SOLVEDATA.grid.NFUSE; ++k) {
     const int points = frequenciesBehind(k);
     for (int p = 1; p <= points; ++p) {
@@ -201,7 +227,7 @@ JumpsOfZ samplePhasesBetween() {
       storePhases(BETWEEN.NB, n);
     }
   }
-  return jumps;
+  return found;
 }
 
 void sampleModesBetween() {

@@ -26,11 +26,17 @@ struct BetweenStore {
 // Mapped before anything of a file that includes this is initialised.
 inline BetweenStore& BETWEEN = bigStore<BetweenStore>();
 
+// What sampling found on the way: jumps of Z, and points at which modes were lost.
+struct PhaseSampling {
+  JumpsOfZ jumps;
+  int lost = 0;
+};
+
 // Each samples between the NFUSE grid points of the solve store, in the places and units of what
 // the second loop leaves there. A table of Y and Z says nothing between its rows: NB is 0. A
 // frequency where modes cannot be told is left out. The current matrices of SOLVEDATA.first change.
-JumpsOfZ samplePhasesBetween(); // YC, H, of smooth constants; where Z jumps instead
-void sampleModesBetween();      // TI, ZSURGE, HMODE, each mode that of both neighbours
-void sampleSeriesBetween();     // Z
+PhaseSampling samplePhasesBetween(); // YC, H of smooth constants; mends HST, YCST of lost modes
+void sampleModesBetween();           // TI, ZSURGE, HMODE, each mode that of both neighbours
+void sampleSeriesBetween();          // Z
 
 } // namespace lcp
