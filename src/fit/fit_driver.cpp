@@ -21,6 +21,7 @@ namespace lcp {
 namespace {
 
 constexpr double LARGEDELAY = 1.0; // s
+constexpr double SEENJUMP = 0.2;   // of the error of H asked for, by which a jump is told
 
 void printHeading() {
   console::line();
@@ -33,18 +34,16 @@ void printHeading() {
   fitRule('=');
 }
 
-void warnOfJumps(const JumpsOfZ& jumps) {
-  if (jumps.count == 0) return;
-  warnInLine(
-      fmt::format("Z jumps at {} of {} Frequencies, at {:.6g} Hz by {:.2g} %: what is fitted "
-                  "between the Points has no Jump",
-                  jumps.count, jumps.places, jumps.f, INPERCENT * jumps.largest));
-}
-
-void warnOfLostModes(int points) {
-  if (points == 0) return;
-  warnInLine(fmt::format("Modes are lost at {} of {} Frequencies: turn Improved Modes on", points,
-                         SOLVEDATA.grid.NFUSE));
+void warnOfSamples(const PhaseSampling& found, double target) {
+  if (found.lost > 0) {
+    warnInLine(fmt::format("Modes are lost at {} of {} Frequencies: turn Improved Modes on",
+                           found.lost, SOLVEDATA.grid.NFUSE));
+  }
+  if (found.moved > SEENJUMP * target) {
+    warnInLine(fmt::format("Z jumps, as at {:.6g} Hz, where that moves H by {:.2g} %: between the "
+                           "Points the Fit has no Jumps",
+                           found.f, INPERCENT * found.moved));
+  }
 }
 
 // The elements below the diagonal stand for both.
@@ -65,8 +64,7 @@ void fitAdmittance() {
   if (RUNDATA.numerics.IMPROVEDFITS) {
     const PhaseSampling found = samplePhasesBetween();
     fitAdmittanceImproved(wish);
-    warnOfJumps(found.jumps);
-    warnOfLostModes(found.lost);
+    warnOfSamples(found, F.ERRA * PERCENT);
   } else {
     YCFIT(wish);
   }

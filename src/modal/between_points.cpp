@@ -108,20 +108,46 @@ void storePhases(int b, int n) {
   BETWEEN.YC.store(b, product, n);
 }
 
-// Whether H at step k is not that of Y and Z: the modes were lost there. It is put right then.
-bool mendedPoint(int k, int n) {
-  FirstLoopStore& S = SOLVEDATA.first;
-  CurveMatrix<Complex, MAXFREQ>& H = SOLVEDATA.second.HST;
-  SOLVEDATA.at.ZSTORE.load(k, S.ZMAT, n);
-  SOLVEDATA.at.YSTORE.load(k, S.YMAT, n);
+double largestDifference(const LineMatrix& A, const LineMatrix& B, int n) {
+  double most = 0;
+  for (int j = 1; j <= n; ++j) {
+    for (int i = 1; i <= n; ++i) most = larger(most, std::abs(A(i, j) - B(i, j)));
+  }
+  return most;
+}
+
+void loadPoint(int k, int n) {
+  SOLVEDATA.at.ZSTORE.load(k, SOLVEDATA.first.ZMAT, n);
+  SOLVEDATA.at.YSTORE.load(k, SOLVEDATA.first.YMAT, n);
+}
+
+// H of the line at a place against that of smooth constants.
+void measureJump(int place, PhaseSampling& found, int n) {
+  static LineMatrix smooth;
+  const double f = frequencyOf(place);
+  smoothConstantsAt(place, TWOPI * f);
+  anyModes(n);
+  formPhases(smooth, product, n);
+  if (place % 2 == 1) {
+    loadPoint((place + 1) / 2, n);
+  } else {
+    constantsAt(f);
+  }
   anyModes(n);
   formPhases(waves, product, n);
-  double off = 0;
-  for (int j = 1; j <= n; ++j) {
-    for (int i = 1; i <= n; ++i) off = larger(off, std::abs(waves(i, j) - H(k, i, j)));
-  }
-  if (off <= LOSTMODES) return false;
-  H.store(k, waves, n);
+  const double moved = largestDifference(waves, smooth, n);
+  if (moved > found.moved) found = {found.lost, moved, f};
+}
+
+// Whether H at step k is not that of Y and Z: the modes were lost there. It is put right then.
+bool mendedPoint(int k, int n) {
+  static LineMatrix H;
+  loadPoint(k, n);
+  anyModes(n);
+  formPhases(waves, product, n);
+  SOLVEDATA.second.HST.load(k, H, n);
+  if (largestDifference(waves, H, n) <= LOSTMODES) return false;
+  SOLVEDATA.second.HST.store(k, waves, n);
   SOLVEDATA.second.YCST.store(k, product, n);
   return true;
 }
@@ -214,7 +240,8 @@ PhaseSampling samplePhasesBetween() {
   BETWEEN.YC.map(n);
   BETWEEN.H.map(n);
   if (fromTable()) return {};
-  PhaseSampling found{laySmoothConstants(), 0};
+  PhaseSampling found;
+  for (const int place : laySmoothConstants()) measureJump(place, found, n);
   for (int k = 1; k <= SOLVEDATA.grid.NFUSE; ++k) found.lost += mendedPoint(k, n) ? 1 : 0;
   for (int k = 1; k < SOLVEDATA.grid.NFUSE; ++k) {
     const int points = frequenciesBehind(k);

@@ -5,7 +5,6 @@
 #pragma once
 
 #include "base/big_store.h"
-#include "modal/smooth_constants.h"
 #include "store/solvedata.h"
 
 namespace lcp {
@@ -26,10 +25,11 @@ struct BetweenStore {
 // Mapped before anything of a file that includes this is initialised.
 inline BetweenStore& BETWEEN = bigStore<BetweenStore>();
 
-// What sampling found on the way: jumps of Z, and points at which modes were lost.
+// What sampling found on the way: points at which modes were lost, and where Z jumps most for H.
 struct PhaseSampling {
-  JumpsOfZ jumps;
   int lost = 0;
+  double moved = 0; // by which the jump moves an element of H
+  double f = 0;     // where, Hz
 };
 
 // Each samples between the NFUSE grid points of the solve store, in the places and units of what

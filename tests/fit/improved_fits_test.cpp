@@ -10,6 +10,7 @@
 #include "modal/between_points.h"
 #include "modal/line_constants.h"
 #include "modal/second_loop.h"
+#include "modal/smooth_constants.h"
 #include "store/rundata.h"
 #include "support/console_capture.h"
 #include "support/propagation_case.h"
@@ -189,12 +190,12 @@ TEST(ImprovedFits, ConstantsBetweenAreSmoothAlsoWhereZJumps) {
   solveBothLoops(singleCircuit(phaseModel(EVENWEIGHTS)), 1e5);
   const FrequencyGrid& G = SOLVEDATA.grid;
   const FirstLoopStore& S = SOLVEDATA.first;
-  EXPECT_EQ(samplePhasesBetween().jumps.count, 0);
+  EXPECT_EQ(samplePhasesBetween().moved, 0);
   const Complex H = BETWEEN.H(60, 1, 1);
   SOLVEDATA.at.ZSTORE(60, 2, 1) *= 1 + 1e-4;
-  const JumpsOfZ jumps = samplePhasesBetween().jumps;
-  EXPECT_EQ(jumps.count, 1);
-  EXPECT_EQ(jumps.f, G.FREQ[60]);
+  const PhaseSampling found = samplePhasesBetween();
+  EXPECT_EQ(found.f, G.FREQ[60]);
+  EXPECT_GT(found.moved, 1e-7);
   EXPECT_LT(std::abs(BETWEEN.H(60, 1, 1) - H), 1e-5);
   for (const double part : {0.13, 0.37, 0.81}) {
     for (const int k : {1, 60, G.NFUSE - 1}) {
