@@ -40,9 +40,10 @@ void warnOfSamples(const PhaseSampling& found, double target) {
                            found.lost, SOLVEDATA.grid.NFUSE));
   }
   if (found.moved > SEENJUMP * target) {
-    warnInLine(fmt::format("Z jumps, as at {:.6g} Hz, where that moves H by {:.2g} %: between the "
-                           "Points the Fit has no Jumps",
-                           found.f, INPERCENT * found.moved));
+    warnInLine(
+        fmt::format("Z jumps, as at {:.6g} Hz by {:.2g} %, which can move H by {:.2g} %: the "
+                    "Fit has no Jumps between its Points",
+                    found.jumps.f, INPERCENT * found.jumps.largest, INPERCENT * found.moved));
   }
 }
 

@@ -121,22 +121,14 @@ void loadPoint(int k, int n) {
   SOLVEDATA.at.YSTORE.load(k, SOLVEDATA.first.YMAT, n);
 }
 
-// H of the line at a place against that of smooth constants.
-void measureJump(int place, PhaseSampling& found, int n) {
-  static LineMatrix smooth;
-  const double f = frequencyOf(place);
-  smoothConstantsAt(place, TWOPI * f);
-  anyModes(n);
-  formPhases(smooth, product, n);
-  if (place % 2 == 1) {
-    loadPoint((place + 1) / 2, n);
-  } else {
-    constantsAt(f);
+// Largest change of a mode's propagation over the relative change of its propagation constant.
+double sensitivity(int n) {
+  const SecondLoopStore& T = SOLVEDATA.second;
+  double most = 0;
+  for (int k = 1; k <= SOLVEDATA.grid.NFUSE; ++k) {
+    for (int i = 1; i <= n; ++i) most = std::max(most, std::abs(T.GAMLEN(k, i)) * T.HMAG(k, i));
   }
-  anyModes(n);
-  formPhases(waves, product, n);
-  const double moved = largestDifference(waves, smooth, n);
-  if (moved > found.moved) found = {found.lost, moved, f};
+  return most;
 }
 
 // Whether H at step k is not that of Y and Z: the modes were lost there. It is put right then.
@@ -240,8 +232,8 @@ PhaseSampling samplePhasesBetween() {
   BETWEEN.YC.map(n);
   BETWEEN.H.map(n);
   if (fromTable()) return {};
-  PhaseSampling found;
-  for (const int place : laySmoothConstants()) measureJump(place, found, n);
+  PhaseSampling found{laySmoothConstants()};
+  found.moved = found.jumps.largest * sensitivity(n);
   for (int k = 1; k <= SOLVEDATA.grid.NFUSE; ++k) found.lost += mendedPoint(k, n) ? 1 : 0;
   for (int k = 1; k < SOLVEDATA.grid.NFUSE; ++k) {
     const int points = frequenciesBehind(k);

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "base/big_store.h"
+#include "modal/smooth_constants.h"
 #include "store/solvedata.h"
 
 namespace lcp {
@@ -25,11 +26,11 @@ struct BetweenStore {
 // Mapped before anything of a file that includes this is initialised.
 inline BetweenStore& BETWEEN = bigStore<BetweenStore>();
 
-// What sampling found on the way: points at which modes were lost, and where Z jumps most for H.
+// What sampling found on the way.
 struct PhaseSampling {
-  int lost = 0;
-  double moved = 0; // by which the jump moves an element of H
-  double f = 0;     // where, Hz
+  JumpsOfZ jumps;
+  double moved = 0; // by which jumps like the largest move a mode's propagation, where most
+  int lost = 0;     // points at which modes were lost
 };
 
 // Each samples between the NFUSE grid points of the solve store, in the places and units of what

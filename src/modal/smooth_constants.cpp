@@ -29,6 +29,12 @@ struct SmoothStore {
 };
 SmoothStore& STORE = bigStore<SmoothStore>();
 
+double frequencyOf(int place) {
+  const FreqCurve& F = SOLVEDATA.grid.FREQ;
+  const int k = (place + 1) / 2;
+  return place % 2 == 1 ? F[k] : F[k] * std::sqrt(F[k + 1] / F[k]);
+}
+
 void storePlace(int place, int n) {
   const FirstLoopStore& S = SOLVEDATA.first;
   const double w = TWOPI * frequencyOf(place);
@@ -80,26 +86,23 @@ void mend(int place, int n) {
 
 } // namespace
 
-double frequencyOf(int place) {
-  const FreqCurve& F = SOLVEDATA.grid.FREQ;
-  const int k = (place + 1) / 2;
-  return place % 2 == 1 ? F[k] : F[k] * std::sqrt(F[k + 1] / F[k]);
-}
-
-std::vector<int> laySmoothConstants() {
+JumpsOfZ laySmoothConstants() {
   const int n = RUNDATA.line.NC;
-  std::vector<int> jumps;
+  JumpsOfZ jumps;
   STORE.Z.map(n);
   STORE.Y.map(n);
   STORE.places = 2 * SOLVEDATA.grid.NFUSE - 1;
   for (int place = 1; place <= STORE.places; ++place) computePlace(place, n);
   const int first = 1 + SPREAD, last = STORE.places - SPREAD;
   for (int place = first; place <= last; ++place) measure(place, n);
-  while (static_cast<int>(jumps.size()) * MOSTJUMPS < STORE.places) {
+  while (jumps.count * MOSTJUMPS < STORE.places) {
     const double* most = std::max_element(STORE.off.data() + first - 1, STORE.off.data() + last);
     if (!(*most > LEASTJUMP)) break;
     const int place = static_cast<int>(most - STORE.off.data()) + 1;
-    jumps.push_back(place);
+    if (jumps.count++ == 0) {
+      jumps.f = frequencyOf(place);
+      jumps.largest = *most;
+    }
     mend(place, n);
     for (int p = std::max(first, place - SPREAD); p <= std::min(last, place + SPREAD); ++p)
       measure(p, n);

@@ -5,16 +5,16 @@
 // Place 2 k - 1 is point k of the grid, place 2 k half way to the next one, in the logarithm.
 #pragma once
 
-#include <vector>
-
 namespace lcp {
 
-// Behind the loops over the grid, which is one of even steps: fills the curves. Returns the places
-// at which Z jumps.
-[[nodiscard]] std::vector<int> laySmoothConstants();
+struct JumpsOfZ {
+  int count = 0;      // of the places at which Z jumps
+  double f = 0;       // where most, Hz
+  double largest = 0; // by so much of its largest self impedance
+};
 
-// Frequency of a place, Hz.
-[[nodiscard]] double frequencyOf(int place);
+// Behind the loops over the grid, which is one of even steps: fills the curves.
+[[nodiscard]] JumpsOfZ laySmoothConstants();
 
 // Fills YMAT and ZMAT of SOLVEDATA.first at a place, also one between whole ones; w in rad/s.
 void smoothConstantsAt(double place, double w);
