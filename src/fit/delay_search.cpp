@@ -38,7 +38,7 @@ void takeDelayOut(const ComplexCurve& F, double tau, const FreqCurve& WFREQ, int
 }
 
 void SEARCHDELAY(DelaySearch& S, DelayTable& T, const FitSamples& Q, int N, PoleTable& POLES,
-                 FunctionFit& FIT, FitErrors& ERRORS) {
+                 FunctionFit& FIT, FitErrors& ERRORS, int passes) {
   static ComplexCurve bare;
   FitSamples P = Q;
   P.F = &bare;
@@ -47,7 +47,7 @@ void SEARCHDELAY(DelaySearch& S, DelayTable& T, const FitSamples& Q, int N, Pole
     const int known = it < DELAYITERATIONS ? positionOf(tau, T) : 0;
     if (known == 0) {
       takeDelayOut(*Q.F, tau, Q.WFREQ, Q.NS, bare);
-      VFITPASSES(DELAYPASSES, P, N, POLES, &FIT, ERRORS);
+      VFITPASSES(passes, P, N, POLES, &FIT, ERRORS);
     }
     const double error = known == 0 ? ERRORS.ERRRMS : T.error[known];
     T.tau[it] = tau;

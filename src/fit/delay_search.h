@@ -35,6 +35,6 @@ void takeDelayOut(const ComplexCurve& F, double tau, const FreqCurve& WFREQ, int
 // one. Q is the problem (one function) with the delay still in its curve. The last delay is always
 // fitted: POLES, FIT and ERRORS are those of that fit.
 void SEARCHDELAY(DelaySearch& S, DelayTable& T, const FitSamples& Q, int N, PoleTable& POLES,
-                 FunctionFit& FIT, FitErrors& ERRORS);
+                 FunctionFit& FIT, FitErrors& ERRORS, int passes = DELAYPASSES);
 
 } // namespace lcp

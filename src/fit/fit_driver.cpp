@@ -14,11 +14,14 @@
 #include "store/fitmodel.h"
 #include "store/rundata.h"
 
+#include <fmt/format.h>
+
 namespace lcp {
 
 namespace {
 
 constexpr double LARGEDELAY = 1.0; // s
+constexpr double SEENJUMP = 0.2;   // of the error of H asked for, by which a jump is told
 
 void printHeading() {
   console::line();
@@ -29,6 +32,19 @@ void printHeading() {
   console::line();
   console::line(" Fitting Characteristic Admittance Yc:");
   fitRule('=');
+}
+
+void warnOfSamples(const PhaseSampling& found, double target) {
+  if (found.lost > 0) {
+    warnInLine(fmt::format("Modes are lost at {} of {} Frequencies: turn Improved Modes on",
+                           found.lost, SOLVEDATA.grid.NFUSE));
+  }
+  if (found.moved > SEENJUMP * target) {
+    warnInLine(
+        fmt::format("Z jumps, as at {:.6g} Hz by {:.2g} %, which can move H by {:.2g} %: the "
+                    "Fit has no Jumps between its Points",
+                    found.jumps.f, INPERCENT * found.jumps.largest, INPERCENT * found.moved));
+  }
 }
 
 // The elements below the diagonal stand for both.
@@ -47,8 +63,9 @@ void fitAdmittance() {
   printHeading();
   const AdmittanceWish wish{F.ERRY * PERCENT, F.MAXPY, F.DCCORR};
   if (RUNDATA.numerics.IMPROVEDFITS) {
-    samplePhasesBetween();
+    const PhaseSampling found = samplePhasesBetween();
     fitAdmittanceImproved(wish);
+    warnOfSamples(found, F.ERRA * PERCENT);
   } else {
     YCFIT(wish);
   }

@@ -15,6 +15,7 @@ namespace {
 
 struct GroupFit {
   double tau, error; // s, largest deviation
+  bool refined;      // the delay by small steps
   PoleTable P;
 };
 
@@ -34,14 +35,25 @@ FitSamples samplesOf(int g) {
   return {G.NFUSE, 1, G.WFREQ, &groupCurve(g), G.WFIT, FLIPUNSTABLE, NOASYMPTOTE};
 }
 
+BetweenCurve noMiddles() { return {0, SOLVEDATA.grid.WFREQ, nullptr}; }
+
 // The next number of poles, from the delay of the one before.
 void addFit(int g) {
   GroupFits& H = HISTORY[g];
   const int N = ++H.made;
   GroupFit& fit = H.fits[N];
   fit.tau = N > 1 ? H.fits[N - 1].tau : FITMODEL.TAU[g];
-  fit.error = SETTLEDELAY(samplesOf(g), {0, SOLVEDATA.grid.WFREQ, nullptr}, N, 0.0, H.range,
-                          fit.tau, fit.P, settled);
+  fit.error = ROUGHDELAY(samplesOf(g), noMiddles(), N, 0.0, H.range, fit.tau, fit.P, settled);
+  fit.refined = false;
+}
+
+void refineFit(int g, int N) {
+  GroupFits& H = HISTORY[g];
+  GroupFit& fit = H.fits[N];
+  if (fit.refined) return;
+  fit.error =
+      REFINEDELAY(samplesOf(g), noMiddles(), N, 0.0, fit.error, H.range, fit.tau, fit.P, settled);
+  fit.refined = true;
 }
 
 // The fewest poles from n on within TARGET, or the best number.
@@ -50,6 +62,7 @@ int countFor(int g, double TARGET, int limit, int n) {
   int best = std::max(n, 1);
   for (int N = best; N <= limit; ++N) {
     if (N > H.made) addFit(g);
+    if (worthRefining(H.fits[N].error, TARGET)) refineFit(g, N);
     if (H.fits[N].error < H.fits[best].error) best = N;
     if (H.fits[N].error <= TARGET) return N;
   }

@@ -24,6 +24,7 @@ namespace lcp {
 namespace {
 
 constexpr double FIRSTTARGET = 0.25;
+constexpr double FARTARGET = 4;      // target over the wish at which no attempt meets it
 constexpr double TARGETFACTOR = 0.5; // from one attempt to the next
 constexpr int IDLEATTEMPTS = 4;      // in a row without a gain that end the search
 constexpr double GAIN = 0.95;        // error over the best so far that counts as a gain
@@ -128,15 +129,17 @@ void printGroupAttempt(int attempt, double TARGET, const GroupInts& NH, const Ph
 
 // Groups give up a pole each in turn, as long as the wish stays met.
 PhaseFit giveUpPoles(GroupInts& NH, const PropagationWish& wish) {
+  Table<bool, NGMAX> needed{}; // all that a group has left
   for (bool given = true; given;) {
     given = false;
     for (int g = 1; g <= FITMODEL.NGROUP; ++g) {
-      if (NH[g] == 1) continue;
+      if (NH[g] == 1 || needed[g]) continue;
       --NH[g];
       if (fitCounts(NH, wish).MAXERR <= wish.ERRA * PERCENT) {
         given = true;
       } else {
         ++NH[g];
+        needed[g] = true;
       }
     }
   }
@@ -190,6 +193,7 @@ PhaseFit runAttempts(const PropagationWish& wish, GroupInts& NH) {
   double TARGET = FIRSTTARGET;
   FORMGROUPS();
   startGroupFits();
+  while (TARGET > FARTARGET * wish.ERRA * PERCENT && wish.ERRA > 0) TARGET *= TARGETFACTOR;
   bool done = false;
   for (; !done && (A.attempt == 0 || canImprove(limit, A.NH)); TARGET *= TARGETFACTOR) {
     if (growGroups(TARGET, limit, A.NH)) done = makeAttempt(A, TARGET, wish);

@@ -25,6 +25,7 @@ namespace {
 
 constexpr int MOSTPASSES = 20;     // of a relocation
 constexpr int IDLEPASSES = 3;      // in a row without a gain that end it
+constexpr int IDLETRIAL = 2;       // ... of another delay
 constexpr double GAIN = 0.98;      // error over the best so far that counts as a gain
 constexpr int MOSTDELAYS = 12;     // tried around the rough one
 constexpr double LEASTPHASE = 0.2; // turn of a delay step at the highest frequency, degrees
@@ -35,6 +36,10 @@ constexpr double REFINING = 0.0625; // first step around the rough delay over th
 constexpr double CLOSE = 1e-2;      // distance of two poles over their size
 constexpr double HUGE = 1e3;        // residue over pole and the largest magnitude of the function
 constexpr double OPPOSITE = 0.1;    // sum of two residues over one of them
+constexpr double REFINABLE = 2.5;   // error over its target that small steps of the delay can mend
+constexpr double HOPELESS = 1.5;    // error of a delay over the best so far, behind a few passes
+constexpr int FEWPASSES = 2;
+constexpr int ROUGHPASSES = 3; // of an iteration of the rough search
 constexpr double NOFIT = std::numeric_limits<double>::infinity();
 constexpr int DIGITS = 12; // of a number in a mode model file
 constexpr int FIELD = 40;  // more characters than one takes
@@ -65,6 +70,26 @@ double fitOnce(int passes, const FitSamples& Q, const BetweenCurve& between, int
   VFITPASSES(passes, Q, N, POLES, &FIT.model, FIT.errors);
   FIT.ERR = larger(FIT.errors.ERRMAX, betweenError(between, POLES, FIT.model, N));
   return FIT.ERR;
+}
+
+// As SETTLE; ends early where the error stays above HOPELESS times another that is to be beaten.
+double settle(const FitSamples& Q, const BetweenCurve& between, int N, double TARGET, double beaten,
+              PoleTable& POLES, SettledFit& FIT) {
+  const int most = beaten < NOFIT ? IDLETRIAL : IDLEPASSES;
+  PoleTable poles = POLES;
+  double best = NOFIT;
+  bool last = false; // the last pass is the best one
+  for (int pass = 1, idle = 0; pass <= MOSTPASSES && idle < most && !(best <= TARGET); ++pass) {
+    const double ERR = fitOnce(1, Q, between, N, poles, FIT);
+    idle = ERR < GAIN * best ? 0 : idle + 1;
+    last = ERR < best;
+    if (last) {
+      best = ERR;
+      std::copy_n(poles.data(), N, POLES.data());
+    }
+    if (pass >= FEWPASSES && best > HOPELESS * beaten) break;
+  }
+  return last ? best : fitOnce(0, Q, between, N, POLES, FIT);
 }
 
 // Where the second of two poles stands that should be one; 0 when there are none.
@@ -165,7 +190,7 @@ bool tryDelay(DelayTrial& T, double t) {
   if (t == T.tau && T.best < NOFIT) return false;
   PoleTable poles = T.POLES;
   const double ERR =
-      SETTLE(bareSamples(T.Q, t), bareBetween(T.between, t), T.N, T.TARGET, poles, fit);
+      settle(bareSamples(T.Q, t), bareBetween(T.between, t), T.N, T.TARGET, T.best, poles, fit);
   if (!(ERR < T.best)) return false;
   T.best = ERR;
   T.tau = t;
@@ -182,7 +207,7 @@ void roughDelay(const FitSamples& Q, int N, const DelayRange& range, double& tau
   DelayTable tried{};
   DelaySearch search{tau, range.step, NOFIT, range.up, range.low};
   startingPoles(POLES, N, Q.WFREQ[1], Q.WFREQ[Q.NS]);
-  SEARCHDELAY(search, tried, Q, N, POLES, model, errors);
+  SEARCHDELAY(search, tried, Q, N, POLES, model, errors, ROUGHPASSES);
   tau = search.tau;
 }
 
@@ -194,19 +219,11 @@ double asWritten(double x) {
   return std::strtod(field, nullptr);
 }
 
+bool worthRefining(double ERR, double TARGET) { return ERR > 0 && ERR <= REFINABLE * TARGET; }
+
 double SETTLE(const FitSamples& Q, const BetweenCurve& between, int N, double TARGET,
               PoleTable& POLES, SettledFit& FIT) {
-  PoleTable poles = POLES;
-  double best = NOFIT;
-  int idle = 0;
-  for (int pass = 1; pass <= MOSTPASSES && idle < IDLEPASSES && !(best <= TARGET); ++pass) {
-    const double ERR = fitOnce(1, Q, between, N, poles, FIT);
-    idle = ERR < GAIN * best ? 0 : idle + 1;
-    if (!(ERR < best)) continue;
-    best = ERR;
-    std::copy_n(poles.data(), N, POLES.data());
-  }
-  return fitOnce(0, Q, between, N, POLES, FIT);
+  return settle(Q, between, N, TARGET, NOFIT, POLES, FIT);
 }
 
 void GROWSETTLED(const FitSamples& Q, const BetweenCurve& between, int NMAX, double TARGET,
@@ -225,12 +242,19 @@ void GROWSETTLED(const FitSamples& Q, const BetweenCurve& between, int NMAX, dou
   finish(FIT);
 }
 
-double SETTLEDELAY(const FitSamples& Q, const BetweenCurve& between, int N, double TARGET,
-                   const DelayRange& range, double& tau, PoleTable& POLES, SettledFit& FIT) {
-  const double least = LEASTPHASE * PI / 180.0 / Q.WFREQ[Q.NS];
+double ROUGHDELAY(const FitSamples& Q, const BetweenCurve& between, int N, double TARGET,
+                  const DelayRange& range, double& tau, PoleTable& POLES, SettledFit& FIT) {
   DelayTrial trial{Q, between, N, TARGET, NOFIT, tau, POLES, FIT};
   roughDelay(Q, N, range, tau, POLES);
   tryDelay(trial, tau);
+  return trial.best;
+}
+
+double REFINEDELAY(const FitSamples& Q, const BetweenCurve& between, int N, double TARGET,
+                   double ERR, const DelayRange& range, double& tau, PoleTable& POLES,
+                   SettledFit& FIT) {
+  const double least = LEASTPHASE * PI / 180.0 / Q.WFREQ[Q.NS];
+  DelayTrial trial{Q, between, N, TARGET, ERR, tau, POLES, FIT};
   double step = REFINING * range.step;
   for (int tried = 1; tried < MOSTDELAYS && trial.best > TARGET && std::fabs(step) > least;) {
     const double centre = tau;
@@ -259,7 +283,8 @@ double DELAYSETTLED(const FitSamples& Q, const BetweenCurve& between, const Bode
   FIT.N = 0;
   for (int N = 1; FIT.N == 0 || (FIT.ERR > TARGET && N <= std::min(NMAX, NPMAX)); ++N) {
     tau = first.TAU;
-    SETTLEDELAY(Q, between, N, aim, range, tau, poles, fit);
+    const double ERR = ROUGHDELAY(Q, between, N, aim, range, tau, poles, fit);
+    if (worthRefining(ERR, aim)) REFINEDELAY(Q, between, N, aim, ERR, range, tau, poles, fit);
     const double written = asWritten(INMILLI * tau) / INMILLI;
     takeMerged(bareSamples(Q, written), bareBetween(between, written), N, poles, fit, candidate);
     if (takeBetter(candidate, FIT)) best = written;

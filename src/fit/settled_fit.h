@@ -34,11 +34,20 @@ struct DelayRange {
 // The usual one, around a first delay with its minimum-phase part.
 DelayRange delayRange(double tau, double correction);
 
-// Searches the delay of the function Q, the delay still in its curves, that N poles fit best: as
-// SEARCHDELAY does from tau on, then with settled poles and small steps to both sides, halved where
-// neither is better. Leaves it in tau, and its poles and their fit; returns the error.
-double SETTLEDELAY(const FitSamples& Q, const BetweenCurve& between, int N, double TARGET,
-                   const DelayRange& range, double& tau, PoleTable& POLES, SettledFit& FIT);
+// Searches the delay of the function Q, the delay still in its curves, that N poles fit best, as
+// SEARCHDELAY does from tau on, and settles its poles. Leaves delay, poles and their fit; returns
+// the error.
+double ROUGHDELAY(const FitSamples& Q, const BetweenCurve& between, int N, double TARGET,
+                  const DelayRange& range, double& tau, PoleTable& POLES, SettledFit& FIT);
+
+// Goes on from what ROUGHDELAY left and its error ERR: small steps to both sides, halved where
+// neither is better, each with settled poles, until the error is TARGET.
+double REFINEDELAY(const FitSamples& Q, const BetweenCurve& between, int N, double TARGET,
+                   double ERR, const DelayRange& range, double& tau, PoleTable& POLES,
+                   SettledFit& FIT);
+
+// Whether small steps of the delay can bring an error to the target.
+bool worthRefining(double ERR, double TARGET);
 
 // Fewest poles, from 1 on, that meet TARGET in the numbers as a mode model file holds them; of NMAX
 // poles that do not, the best fit met. Arguments and the line on the console are those of GROWFIT

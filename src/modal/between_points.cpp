@@ -5,6 +5,7 @@
 #include "modal/between_points.h"
 
 #include "base/constants.h"
+#include "base/finite.h"
 #include "kernels/inversion.h"
 #include "kernels/lapack.h"
 #include "kernels/matrix_kernels.h"
@@ -12,6 +13,7 @@
 #include "modal/line_constants.h"
 #include "modal/modal_transform.h"
 #include "modal/newton.h"
+#include "modal/smooth_constants.h"
 #include "modal/surge_impedance.h"
 #include "store/rundata.h"
 
@@ -22,21 +24,21 @@ namespace lcp {
 
 namespace {
 
-constexpr double HALFWAY = 0.5;
 constexpr int MOSTBETWEEN = 7;      // frequencies between two points
 constexpr double SEENTURN = PI / 4; // of modes against each other, from one frequency to the next
 constexpr double FADED = 1e-3;      // modal propagation below which a mode does not count
+constexpr double LOSTMODES = 1e-4;  // deviation of H at a point that tells of them
 constexpr double SAMEVECTOR = 0.9;  // least cosine between a mode and its neighbours' mean
 
-LineMatrix product, vectors, inverse, phases;
+LineMatrix product, vectors, inverse, phases, waves;
 ModeComplex squares; // gamma^2, 1/m^2
 
 bool fromTable() { return RUNDATA.run.DATAFMT == ROUTEMULTIPLE; }
 
-// Constants at a part of the way to the next grid point; returns the angular frequency.
-double constantsBehind(int k, double part) {
+// Constants half way to the next grid point; returns the angular frequency.
+double constantsBehind(int k) {
   const FrequencyGrid& G = SOLVEDATA.grid;
-  const double f = G.FREQ[k] * std::pow(G.FREQ[k + 1] / G.FREQ[k], part);
+  const double f = G.FREQ[k] * std::sqrt(G.FREQ[k + 1] / G.FREQ[k]);
   constantsAt(f);
   return TWOPI * f;
 }
@@ -88,18 +90,59 @@ void anyModes(int n) {
   INVCJD(inverse, vectors, n);
 }
 
-void storePhases(int b, int n) {
+// H and Yc of the modes at hand.
+void formPhases(LineMatrix& H, LineMatrix& YC, int n) {
   ModeComplex slowness, wave;
   for (int i = 1; i <= n; ++i) {
     const Complex gamma = decaying(squares[i]);
     slowness[i] = 1.0 / gamma;
     wave[i] = std::exp(-gamma * RUNDATA.run.LINELEN);
   }
-  diagonalToPhases(phases, vectors, wave, inverse, n);
-  BETWEEN.H.store(b, phases, n);
+  diagonalToPhases(H, vectors, wave, inverse, n);
   diagonalToPhases(phases, vectors, slowness, inverse, n);
-  CMATMUL(product, phases, SOLVEDATA.first.YMAT, n);
+  CMATMUL(YC, phases, SOLVEDATA.first.YMAT, n);
+}
+
+void storePhases(int b, int n) {
+  formPhases(waves, product, n);
+  BETWEEN.H.store(b, waves, n);
   BETWEEN.YC.store(b, product, n);
+}
+
+double largestDifference(const LineMatrix& A, const LineMatrix& B, int n) {
+  double most = 0;
+  for (int j = 1; j <= n; ++j) {
+    for (int i = 1; i <= n; ++i) most = larger(most, std::abs(A(i, j) - B(i, j)));
+  }
+  return most;
+}
+
+void loadPoint(int k, int n) {
+  SOLVEDATA.at.ZSTORE.load(k, SOLVEDATA.first.ZMAT, n);
+  SOLVEDATA.at.YSTORE.load(k, SOLVEDATA.first.YMAT, n);
+}
+
+// Largest change of a mode's propagation over the relative change of its propagation constant.
+double sensitivity(int n) {
+  const SecondLoopStore& T = SOLVEDATA.second;
+  double most = 0;
+  for (int k = 1; k <= SOLVEDATA.grid.NFUSE; ++k) {
+    for (int i = 1; i <= n; ++i) most = std::max(most, std::abs(T.GAMLEN(k, i)) * T.HMAG(k, i));
+  }
+  return most;
+}
+
+// Whether H at step k is not that of Y and Z: the modes were lost there. It is put right then.
+bool mendedPoint(int k, int n) {
+  static LineMatrix H;
+  loadPoint(k, n);
+  anyModes(n);
+  formPhases(waves, product, n);
+  SOLVEDATA.second.HST.load(k, H, n);
+  if (largestDifference(waves, H, n) <= LOSTMODES) return false;
+  SOLVEDATA.second.HST.store(k, waves, n);
+  SOLVEDATA.second.YCST.store(k, product, n);
+  return true;
 }
 
 // Column j becomes 1 in the row of its largest element.
@@ -184,19 +227,28 @@ void storeModes(int b, int n) {
 
 } // namespace
 
-void samplePhasesBetween() {
+PhaseSampling samplePhasesBetween() {
   const int n = RUNDATA.line.NC;
+  const FreqCurve& W = SOLVEDATA.grid.WFREQ;
   BETWEEN.NB = 0;
   BETWEEN.YC.map(n);
   BETWEEN.H.map(n);
-  for (int k = 1; k < SOLVEDATA.grid.NFUSE && !fromTable(); ++k) {
+  if (fromTable()) return {};
+  PhaseSampling found{laySmoothConstants()};
+  found.moved = found.jumps.largest * sensitivity(n);
+  for (int k = 1; k <= SOLVEDATA.grid.NFUSE; ++k) found.lost += mendedPoint(k, n) ? 1 : 0;
+  for (int k = 1; k < SOLVEDATA.grid.NFUSE; ++k) {
     const int points = frequenciesBehind(k);
     for (int p = 1; p <= points; ++p) {
-      BETWEEN.WFREQ[++BETWEEN.NB] = constantsBehind(k, p / (points + 1.0));
+      const double part = p / (points + 1.0);
+      const double w = W[k] * std::pow(W[k + 1] / W[k], part);
+      BETWEEN.WFREQ[++BETWEEN.NB] = w;
+      smoothConstantsAt(2 * (k + part) - 1, w);
       anyModes(n);
       storePhases(BETWEEN.NB, n);
     }
   }
+  return found;
 }
 
 void sampleModesBetween() {
@@ -204,7 +256,7 @@ void sampleModesBetween() {
   BETWEEN.NB = 0;
   BETWEEN.TI.map(n);
   for (int k = 1; k < SOLVEDATA.grid.NFUSE && !fromTable(); ++k) {
-    const double w = constantsBehind(k, HALFWAY);
+    const double w = constantsBehind(k);
     if (!modesBetween(k, w, n)) continue;
     BETWEEN.WFREQ[++BETWEEN.NB] = w;
     storeModes(BETWEEN.NB, n);
@@ -216,7 +268,7 @@ void sampleSeriesBetween() {
   BETWEEN.NB = 0;
   BETWEEN.Z.map(n);
   for (int k = 1; k < SOLVEDATA.grid.NFUSE && !fromTable(); ++k) {
-    BETWEEN.WFREQ[++BETWEEN.NB] = constantsBehind(k, HALFWAY);
+    BETWEEN.WFREQ[++BETWEEN.NB] = constantsBehind(k);
     BETWEEN.Z.store(BETWEEN.NB, SOLVEDATA.first.ZMAT, n);
   }
 }

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "base/big_store.h"
+#include "modal/smooth_constants.h"
 #include "store/solvedata.h"
 
 namespace lcp {
@@ -25,11 +26,18 @@ struct BetweenStore {
 // Mapped before anything of a file that includes this is initialised.
 inline BetweenStore& BETWEEN = bigStore<BetweenStore>();
 
+// What sampling found on the way.
+struct PhaseSampling {
+  JumpsOfZ jumps;
+  double moved = 0; // by which jumps like the largest move a mode's propagation, where most
+  int lost = 0;     // points at which modes were lost
+};
+
 // Each samples between the NFUSE grid points of the solve store, in the places and units of what
 // the second loop leaves there. A table of Y and Z says nothing between its rows: NB is 0. A
 // frequency where modes cannot be told is left out. The current matrices of SOLVEDATA.first change.
-void samplePhasesBetween(); // YC, H
-void sampleModesBetween();  // TI, ZSURGE, HMODE, each mode that of both neighbours
-void sampleSeriesBetween(); // Z
+PhaseSampling samplePhasesBetween(); // YC, H of smooth constants; mends HST, YCST of lost modes
+void sampleModesBetween();           // TI, ZSURGE, HMODE, each mode that of both neighbours
+void sampleSeriesBetween();          // Z
 
 } // namespace lcp

@@ -34,25 +34,50 @@ struct ActiveSet {
   std::vector<int> rows; // constraints in the order of entry
   std::vector<Reals> L;  // rows of the factor
   Reals u;               // multipliers of all constraints
+  Reals missing;         // by how much y misses each constraint
 
   int size() const { return static_cast<int>(rows.size()); }
 };
 
 struct Search {
   const LeastVectorProgram& P;
-  ActiveSet active;
+  ActiveSet active, before; // before: the constraint that is taken in, where it made others leave
   std::vector<char> closed; // active, or left out
   Reals w, r;               // L^-1 M_Ap and r
   double h = 0;
+  bool moved = false; // a constraint has left, so that before holds
 
-  double M(int i, int j) const { return P.M[at(i) * at(P.n) + at(j)]; }
+  const double* row(int i) const { return P.M.data() + at(i) * at(P.n); }
+  double M(int i, int j) const { return row(i)[j]; }
 };
 
-// By how much y misses constraint i.
-double missing(const Search& S, int i) {
-  double s = S.P.b[at(i)];
-  for (const int j : S.active.rows) s -= S.M(i, j) * S.active.u[at(j)];
-  return s;
+// Scalar product of the first n numbers, in four partial sums.
+double dot(const Reals& a, const Reals& b, std::size_t n) {
+  double sum[4] = {};
+  std::size_t k = 0;
+  for (; k + 4 <= n; k += 4) {
+    for (std::size_t lane = 0; lane < 4; ++lane) sum[lane] += a[k + lane] * b[k + lane];
+  }
+  for (; k < n; ++k) sum[0] += a[k] * b[k];
+  return (sum[0] + sum[1]) + (sum[2] + sum[3]);
+}
+
+// missing less the change t of the multiplier of constraint i.
+void addMultiplier(Search& S, int i, double t) {
+  S.active.u[at(i)] += t;
+  const double* m = S.row(i);
+  double* s = S.active.missing.data();
+  for (int k = 0; k < S.P.n; ++k) s[k] -= t * m[k];
+}
+
+// From the multipliers anew, without what the steps have rounded.
+void measure(Search& S) {
+  S.active.missing = S.P.b;
+  for (const int i : S.active.rows) {
+    const double u = S.active.u[at(i)];
+    S.active.u[at(i)] = 0;
+    addMultiplier(S, i, u);
+  }
 }
 
 void findDirection(Search& S, int p) {
@@ -61,15 +86,15 @@ void findDirection(Search& S, int p) {
   S.h = S.M(p, p);
   for (int i = 0; i < q; ++i) {
     const Reals& l = S.active.L[at(i)];
-    double sum = S.M(p, S.active.rows[at(i)]);
-    for (int k = 0; k < i; ++k) sum -= l[at(k)] * S.w[at(k)];
-    S.w[at(i)] = sum / l[at(i)];
+    S.w[at(i)] = (S.M(p, S.active.rows[at(i)]) - dot(l, S.w, at(i))) / l[at(i)];
     S.h -= S.w[at(i)] * S.w[at(i)];
   }
   S.r = S.w;
   for (int i = q - 1; i >= 0; --i) {
-    S.r[at(i)] /= S.active.L[at(i)][at(i)];
-    for (int k = 0; k < i; ++k) S.r[at(k)] -= S.active.L[at(i)][at(k)] * S.r[at(i)];
+    const double* l = S.active.L[at(i)].data();
+    const double x = S.r[at(i)] /= l[i];
+    double* r = S.r.data();
+    for (int k = 0; k < i; ++k) r[k] -= l[k] * x;
   }
 }
 
@@ -83,7 +108,7 @@ void join(Search& S, int p) {
 // Takes row i out of the factor; rotations of the columns make the rows below it triangular again.
 void leave(Search& S, int i) {
   ActiveSet& A = S.active;
-  A.u[at(A.rows[at(i)])] = 0;
+  addMultiplier(S, A.rows[at(i)], -A.u[at(A.rows[at(i)])]);
   S.closed[at(A.rows[at(i)])] = 0;
   A.rows.erase(A.rows.begin() + i);
   A.L.erase(A.L.begin() + i);
@@ -119,23 +144,26 @@ Block findBlock(const Search& S) {
 }
 
 void step(Search& S, int p, double t) {
-  for (int i = 0; i < S.active.size(); ++i) S.active.u[at(S.active.rows[at(i)])] -= t * S.r[at(i)];
-  S.active.u[at(p)] += t;
+  for (int i = 0; i < S.active.size(); ++i) addMultiplier(S, S.active.rows[at(i)], -t * S.r[at(i)]);
+  addMultiplier(S, p, t);
 }
 
 // False when constraint p contradicts the active ones.
 bool takeIn(Search& S, int p) {
-  double s = missing(S, p);
+  S.moved = false;
   while (true) {
     findDirection(S, p);
     const bool depends = !(S.h > DEPENDENT * S.M(p, p));
-    const double t2 = depends ? NOSTEP : s / S.h;
+    const double t2 = depends ? NOSTEP : S.active.missing[at(p)] / S.h;
     const Block block = p < S.P.equalities ? Block{} : findBlock(S);
     if (t2 == NOSTEP && block.t == NOSTEP) return false;
     const double t = std::min(block.t, t2);
+    if (t != t2 && !S.moved) {
+      S.before = S.active;
+      S.moved = true;
+    }
     step(S, p, t);
     if (t == t2) break;
-    if (!depends) s -= t * S.h;
     leave(S, block.position);
   }
   join(S, p);
@@ -143,8 +171,8 @@ bool takeIn(Search& S, int p) {
 }
 
 double distance(const Search& S, int i) {
-  const double length = S.M(i, i);
-  return length > 0 ? missing(S, i) / std::sqrt(length) : missing(S, i);
+  const double length = S.M(i, i), missing = S.active.missing[at(i)];
+  return length > 0 ? missing / std::sqrt(length) : missing;
 }
 
 // y^T y: the active constraints are met.
@@ -171,23 +199,28 @@ int farthest(const Search& S) {
 } // namespace
 
 LeastVector leastVector(const LeastVectorProgram& P) {
-  Search S{P, {}, std::vector<char>(at(P.n)), {}, {}};
+  Search S{P, {}, {}, std::vector<char>(at(P.n)), {}, {}};
   S.active.u.assign(at(P.n), 0);
+  S.active.missing = P.b;
   int contradicted = 0;
   const auto tryRow = [&](int p) {
-    const ActiveSet before = S.active;
     if (takeIn(S, p)) return;
-    for (const int i : S.active.rows) S.closed[at(i)] = 0;
-    S.active = before;
-    for (const int i : S.active.rows) S.closed[at(i)] = 1;
+    if (S.moved) {
+      for (const int i : S.active.rows) S.closed[at(i)] = 0;
+      std::swap(S.active, S.before);
+      for (const int i : S.active.rows) S.closed[at(i)] = 1;
+    }
     S.closed[at(p)] = 1;
     if (std::fabs(distance(S, p)) > MET * lengthOf(S)) ++contradicted;
   };
   for (int i = 0; i < P.equalities; ++i) tryRow(i);
+  bool measured = false;
   for (int pass = 0; pass < PASSESPERROW * P.n; ++pass) {
     const int p = farthest(S);
-    if (p < 0) break;
-    tryRow(p);
+    if (p < 0 && measured) break;
+    if (p < 0) measure(S);
+    measured = p < 0;
+    if (p >= 0) tryRow(p);
   }
   return {S.active.u, contradicted};
 }

@@ -25,6 +25,7 @@ namespace lcp {
 namespace {
 
 constexpr int PROGRAMS = 3; // quadratic programs for each iteration that is asked for
+constexpr int FROMFIT = 4;  // programs that look for the least change from the fit itself
 constexpr int PATIENCE = 4; // programs with H alone that may bring nothing
 
 enum class Result { Passive, Negative, Unresolved };
@@ -73,6 +74,7 @@ Result iterate(LeastChange& C, int& n, int most) {
     since = depth < best ? 0 : since + 1;
     best = std::min(depth, best);
     if (i == most || (since > PATIENCE && !C.freeYc)) break;
+    if (i >= FROMFIT) rebaseLeastChange(C);
     addCuts(C, points);
     if (!solveLeastChange(C) && !C.freeYc) break;
   }

@@ -24,6 +24,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace lcp {
 
@@ -34,6 +35,7 @@ constexpr double MARGIN = 1e-6;      // to which a cut is lifted, of the size of
 constexpr double MARGINGROWTH = 1.5; // from one program to the next
 constexpr double MOSTMARGIN = 1e-3;
 constexpr int MOSTIDLE = 4;       // programs that a cut may hold nothing
+constexpr double SMALL = 0.02;    // eigenvalue over the largest of a vector that becomes a cut too
 constexpr double SMALLH = 0.1;    // an H below it is weighed as if it were as large
 constexpr double OUTSIDE = 10;    // a decade below and above the band changes count too
 constexpr int POINTSOUTSIDE = 15; // of each
@@ -45,12 +47,18 @@ struct YcTerms {
 
 YcTerms& FITTEDYC = bigStore<YcTerms>(); // as it was fitted
 
+// The model that changes count from.
+struct BaseModel {
+  ResidueList H;
+  YcTerms Yc;
+};
+BaseModel& BASE = bigStore<BaseModel>();
+
 std::size_t at(int i) { return static_cast<std::size_t>(i); }
 
-void keepFittedYc() {
-  for (int m = 1; m <= ENFORCE.ENY; ++m)
-    copyCorner(FITTEDYC.residue[m], ENFORCE.ERY[m], ENFORCE.NC);
-  FITTEDYC.constant = ENFORCE.EDY;
+void keepYc(YcTerms& terms) {
+  for (int m = 1; m <= ENFORCE.ENY; ++m) copyCorner(terms.residue[m], ENFORCE.ERY[m], ENFORCE.NC);
+  terms.constant = ENFORCE.EDY;
 }
 
 void takeFittedYc() {
@@ -153,7 +161,8 @@ void formWavePower(const Condition& K, CView M) {
   }
 }
 
-// All negative vectors at a minimum; the lowest in any case, where rounding hides its sign.
+// All vectors at a minimum that are negative or nearly so: the next program could turn into those.
+// The lowest in any case, where rounding hides its sign.
 void addCutsAt(LeastChange& C, const NegativePoint& m) {
   static Condition K;
   static LineMatrix M;
@@ -163,7 +172,7 @@ void addCutsAt(LeastChange& C, const NegativePoint& m) {
   formWavePower(K, M);
   ZHEEVECTORS(M, W.data(), n);
   for (int j = 1; j <= n; ++j) {
-    if (j > 1 && !(W[j] < 0)) break;
+    if (j > 1 && !(W[j] < SMALL * W[n])) break;
     const Complex* v = M.view().column(j);
     C.cuts.push_back({m.f, m.half, Complexes(v, v + n), 0});
   }
@@ -179,22 +188,22 @@ double rowTimes(const RankOneRow& row, CConstView dF) {
   return product(conjugated(row.l), times(dF, row.q)).real();
 }
 
-// The change of H and of Yc so far at s.
+// The change of H and of Yc from the base at s.
 void changeOfH(Complex s, CView dH) {
-  static LineMatrix fitted;
+  static LineMatrix base;
   propagationAt(ENFORCE.FRES, s, dH);
-  propagationAt(ENFORCE.FORIG, s, fitted);
-  addTimes(dH, -1.0, fitted, ENFORCE.NC);
+  propagationAt(BASE.H, s, base);
+  addTimes(dH, -1.0, base, ENFORCE.NC);
 }
 
-void changeOfYc(Complex s, CView dY) {
+void changeOfYc(const YcTerms& base, Complex s, CView dY) {
   const EnforcementStore& E = ENFORCE;
   for (int c = 1; c <= E.NC; ++c) {
-    for (int r = 1; r <= E.NC; ++r) dY(r, c) = E.EDY(r, c) - FITTEDYC.constant(r, c);
+    for (int r = 1; r <= E.NC; ++r) dY(r, c) = E.EDY(r, c) - base.constant(r, c);
   }
   for (int m = 1; m <= E.ENY; ++m) {
     addTimes(dY, poleTerm(s, E.EPY[m]), E.ERY[m], E.NC);
-    addTimes(dY, -poleTerm(s, E.EPY[m]), FITTEDYC.residue[m], E.NC);
+    addTimes(dY, -poleTerm(s, E.EPY[m]), base.residue[m], E.NC);
   }
 }
 
@@ -214,7 +223,7 @@ void addRow(LeastChange& C, const Cut& cut) {
   if (C.freeYc) {
     ofYc = {conjugated(a), b, basisAt(C.ofYc, s)};
     for (Complex& z : ofYc.q) z *= 2;
-    changeOfYc(s, change);
+    changeOfYc(BASE.Yc, s, change);
     bound += rowTimes(ofYc, change);
   }
   const double size = 2 * length(a) * largestElement(K.Yc) * length(b);
@@ -244,21 +253,36 @@ void addFixedValues(LeastChange& C) {
   C.program.b.assign(C.rowsH.size(), 0);
 }
 
+// The products of the n rows that stay, at the front.
+void compactProducts(std::vector<double>& M, std::size_t n,
+                     const std::vector<std::size_t>& stayed) {
+  const std::size_t kept = stayed.size();
+  for (std::size_t i = 0; i < kept; ++i) {
+    for (std::size_t j = 0; j < kept; ++j) M[i * kept + j] = M[stayed[i] * n + stayed[j]];
+  }
+  M.resize(kept * kept);
+}
+
 // The rows that held the last solution stay as they were: g is concave in H, so what is cut off by
 // a linearisation around any model is cut off for good, and the programs do not go round in a
 // circle.
 void keepActiveRows(LeastChange& C, const std::vector<double>& u) {
   std::size_t kept = 0;
+  std::vector<std::size_t> stayed;
   for (std::size_t i = 0; i < u.size(); ++i) {
     const bool fixed = static_cast<int>(i) < C.program.equalities;
     if (!fixed && !(u[i] > 0)) continue;
     C.rowsH[kept] = C.rowsH[i];
     C.rowsYc[kept] = C.rowsYc[i];
-    C.program.b[kept++] = C.program.b[i];
+    C.program.b[kept] = C.program.b[i];
+    stayed.push_back(i);
+    ++kept;
   }
+  compactProducts(C.program.M, u.size(), stayed);
   C.rowsH.resize(kept);
   C.rowsYc.resize(kept);
   C.program.b.resize(kept);
+  C.known = kept;
 }
 
 // Cuts that have held nothing for some programs go; a later scan finds them again if they matter.
@@ -277,24 +301,31 @@ void startRows(LeastChange& C) {
   C.rowsH.clear();
   C.rowsYc.clear();
   C.program.b.clear();
+  C.known = 0;
   if (RUNDATA.fit.DCCORR > 0) addFixedValues(C);
   C.program.equalities = static_cast<int>(C.program.b.size());
 }
 
+double rowProduct(const LeastChange& C, std::size_t i, std::size_t j) {
+  double m = 0;
+  if (!C.rowsH[i].l.empty() && !C.rowsH[j].l.empty())
+    m += rowProduct(C.rowsH[i], C.rowsH[j], false);
+  if (!C.rowsYc[i].l.empty() && !C.rowsYc[j].l.empty())
+    m += rowProduct(C.rowsYc[i], C.rowsYc[j], true);
+  return m;
+}
+
+// The products of the rows that stayed are those of the last program.
 void formProgram(LeastChange& C) {
   for (const Cut& cut : C.cuts) addRow(C, cut);
-  const std::size_t n = C.program.b.size();
+  const std::size_t n = C.program.b.size(), known = C.known;
+  const std::vector<double> last = std::move(C.program.M);
+  std::vector<double>& M = C.program.M;
   C.program.n = static_cast<int>(n);
-  C.program.M.assign(n * n, 0);
+  M.assign(n * n, 0);
   for (std::size_t i = 0; i < n; ++i) {
-    for (std::size_t j = 0; j <= i; ++j) {
-      double& m = C.program.M[i * n + j];
-      const bool both = !C.rowsH[i].l.empty() && !C.rowsH[j].l.empty();
-      if (both) m += rowProduct(C.rowsH[i], C.rowsH[j], false);
-      if (!C.rowsYc[i].l.empty() && !C.rowsYc[j].l.empty())
-        m += rowProduct(C.rowsYc[i], C.rowsYc[j], true);
-      C.program.M[j * n + i] = m;
-    }
+    for (std::size_t j = 0; j <= i; ++j)
+      M[i * n + j] = M[j * n + i] = i < known ? last[i * known + j] : rowProduct(C, i, j);
   }
 }
 
@@ -304,7 +335,7 @@ void applyToH(const LeastChange& C, const std::vector<double>& u) {
     for (int r = 1; r <= E.NC; ++r) {
       const std::vector<double> x = changeOf(C.ofH, C.rowsH, u, r, c, false);
       for (int m = 1; m <= E.TOTORD; ++m)
-        E.FRES[m](r, c) = E.FORIG[m](r, c) + residueChange(C.ofH, x, at(m - 1));
+        E.FRES[m](r, c) = BASE.H[m](r, c) + residueChange(C.ofH, x, at(m - 1));
     }
   }
 }
@@ -315,10 +346,10 @@ void applyToYc(const LeastChange& C, const std::vector<double>& u) {
     for (int r = 1; r <= c; ++r) {
       const std::vector<double> x = changeOf(C.ofYc, C.rowsYc, u, r, c, true);
       for (int m = 1; m <= E.ENY; ++m) {
-        const Complex R = FITTEDYC.residue[m](r, c) + residueChange(C.ofYc, x, at(m - 1));
+        const Complex R = BASE.Yc.residue[m](r, c) + residueChange(C.ofYc, x, at(m - 1));
         E.ERY[m](r, c) = E.ERY[m](c, r) = R;
       }
-      E.EDY(r, c) = E.EDY(c, r) = FITTEDYC.constant(r, c) + x.back();
+      E.EDY(r, c) = E.EDY(c, r) = BASE.Yc.constant(r, c) + x.back();
     }
   }
 }
@@ -329,7 +360,7 @@ LeastChange startLeastChange() {
   LeastChange C;
   C.ofH = propagationBasis();
   C.ofYc = admittanceBasis();
-  keepFittedYc();
+  keepYc(FITTEDYC);
   weighBases(C);
   restartLeastChange(C, false);
   return C;
@@ -340,6 +371,12 @@ void restartLeastChange(LeastChange& C, bool freeYc) {
   takeFittedYc();
   C.freeYc = freeYc;
   C.margin = MARGIN;
+  rebaseLeastChange(C);
+}
+
+void rebaseLeastChange(LeastChange& C) {
+  copyResidues(BASE.H, ENFORCE.FRES);
+  keepYc(BASE.Yc);
   startRows(C);
 }
 
@@ -366,7 +403,7 @@ double changeOfAdmittance(const FreqCurve& WFREQ, int NS) {
   double moved = 0, scale = 0;
   for (int k = 1; k <= NS; ++k) {
     const Complex s(0, WFREQ[k]);
-    changeOfYc(s, change);
+    changeOfYc(FITTEDYC, s, change);
     characteristicAt(s, false, fitted);
     addTimes(fitted, -1.0, change, ENFORCE.NC);
     moved = std::max(moved, largestElement(change));

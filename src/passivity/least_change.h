@@ -6,6 +6,7 @@
 #include "passivity/spectrum_scan.h"
 #include "passivity/tied_residues.h"
 
+#include <cstddef>
 #include <vector>
 
 namespace lcp {
@@ -26,6 +27,7 @@ struct LeastChange {
   std::vector<Cut> cuts;
   std::vector<RankOneRow> rowsH, rowsYc; // of the program: equalities, rows kept, cuts
   LeastVectorProgram program;
+  std::size_t known = 0; // rows, from the first on, whose products the program has
 };
 
 // From the enforcement store as it was filled: bases, weights of the frequencies of the fit. H
@@ -34,6 +36,10 @@ struct LeastChange {
 
 // The store as it was filled, and the terms that are free from now on; the cuts stay.
 void restartLeastChange(LeastChange& C, bool freeYc);
+
+// From now on changes count from the present model: steps become small, and with them what the
+// linearised conditions leave out. Rows kept from earlier programs go.
+void rebaseLeastChange(LeastChange& C);
 
 // Cuts of the deepest of the minima of a scan of the present model.
 void addCuts(LeastChange& C, std::vector<NegativePoint> minima);

@@ -1,5 +1,6 @@
 // The fits of the option "Improved Fits": what they hold that the default ones do not, on lines and
 // on functions made up for it. Models are evaluated here, from their poles and residues.
+#include "base/constants.h"
 #include "fit/dc_values.h"
 #include "fit/fit_driver.h"
 #include "fit/improved_modes.h"
@@ -7,7 +8,9 @@
 #include "fit/mode_model.h"
 #include "fit/settled_fit.h"
 #include "modal/between_points.h"
+#include "modal/line_constants.h"
 #include "modal/second_loop.h"
+#include "modal/smooth_constants.h"
 #include "store/rundata.h"
 #include "support/console_capture.h"
 #include "support/propagation_case.h"
@@ -168,6 +171,44 @@ TEST(ImprovedFits, ValuesBetweenArePointsOfTheGridTwiceAsDense) {
       EXPECT_LT(std::abs(BETWEEN.HMODE(k, i) - T.HMODE(fine, i)), 1e-6);
       EXPECT_LT(std::abs(BETWEEN.ZSURGE(k, i) - T.ZSURGST(fine, i)),
                 1e-4 * std::abs(T.ZSURGST(fine, i)));
+    }
+  }
+}
+
+TEST(ImprovedFits, PointsOfLostModesAreSampledAnew) {
+  solveBothLoops(singleCircuit(phaseModel(EVENWEIGHTS)), 1e4);
+  SecondLoopStore& T = SOLVEDATA.second;
+  const Complex H = T.HST(70, 2, 1), YC = T.YCST(70, 2, 1);
+  EXPECT_EQ(samplePhasesBetween().lost, 0);
+  T.HST(70, 2, 1) += 0.1; // as two modes on one solution leave it
+  T.YCST(70, 2, 1) *= 2.0;
+  EXPECT_EQ(samplePhasesBetween().lost, 1);
+  EXPECT_LT(std::abs(T.HST(70, 2, 1) - H), 1e-6);
+  EXPECT_LT(std::abs(T.YCST(70, 2, 1) - YC), 1e-6 * std::abs(YC));
+}
+
+// A jump of Z at one point moves nothing that is sampled there or next to it.
+TEST(ImprovedFits, ConstantsBetweenAreSmoothAlsoWhereZJumps) {
+  solveBothLoops(singleCircuit(phaseModel(EVENWEIGHTS)), 1e5);
+  const FrequencyGrid& G = SOLVEDATA.grid;
+  const FirstLoopStore& S = SOLVEDATA.first;
+  EXPECT_EQ(samplePhasesBetween().jumps.count, 0);
+  const Complex H = BETWEEN.H(60, 1, 1);
+  SOLVEDATA.at.ZSTORE(60, 2, 1) *= 1 + 1e-4;
+  const PhaseSampling found = samplePhasesBetween();
+  EXPECT_EQ(found.jumps.count, 1);
+  EXPECT_EQ(found.jumps.f, G.FREQ[60]);
+  EXPECT_GT(found.moved, 1e-4);
+  EXPECT_LT(std::abs(BETWEEN.H(60, 1, 1) - H), 1e-5);
+  for (const double part : {0.13, 0.37, 0.81}) {
+    for (const int k : {1, 60, G.NFUSE - 1}) {
+      const double w = G.WFREQ[k] * std::pow(G.WFREQ[k + 1] / G.WFREQ[k], part);
+      smoothConstantsAt(2 * (k + part) - 1, w);
+      const Complex z = S.ZMAT(1, 1), z21 = S.ZMAT(2, 1), y = S.YMAT(2, 1);
+      constantsAt(w / TWOPI);
+      EXPECT_LT(std::abs(z - S.ZMAT(1, 1)), 1e-6 * std::abs(z)) << k << ' ' << part;
+      EXPECT_LT(std::abs(z21 - S.ZMAT(2, 1)), 1e-6 * std::abs(z)) << k << ' ' << part;
+      EXPECT_LT(std::abs(y - S.YMAT(2, 1)), 1e-6 * std::abs(y)) << k << ' ' << part;
     }
   }
 }
