@@ -81,6 +81,9 @@ TEST(CableSection, PipeHoldsItsCables) {
   EXPECT_EQ(three.CBTAND, two.CBTAND);
   read(body("") + "Frequency Dep. (Phase) Model Options\n{\nCable dielectric loss method: 0\n}\n");
   EXPECT_EQ(values(one.CBGLAST, one.CBTAND[0], P.PIPETANI), values(0, 0, 0));
+  EXPECT_EQ(values(P.PIPEOVHD, RUNDATA.cable.ANYOVHD), values(0, 0));
+  read(body("Overhead Pipe: 1\n"));
+  EXPECT_EQ(values(P.PIPEOVHD, RUNDATA.cable.ANYOVHD), values(1, 1));
 }
 
 TEST(CableSection, SemiConductorsKeepTheCapacitance) {
