@@ -60,6 +60,20 @@ template <class T, int N> struct SquareStore {
   View<const T> view() const { return {elements, N}; }
 };
 
+// A square matrix whose order is that of the run: few conductors touch few pages.
+template <class T> struct MappedSquare {
+  MappedMatrix<T> elements;
+
+  void map(int n) { elements.map(n); }
+  T& operator()(int i, int j) { return elements(i, j); }
+  const T& operator()(int i, int j) const { return elements(i, j); }
+  operator View<T>() { return {elements.records, elements.order}; } // NOLINT(*-explicit-*)
+  operator View<const T>() const {
+    return {elements.records, elements.order};
+  } // NOLINT(*-explicit-*)
+  View<T> view() { return *this; }
+};
+
 // A function of frequency: S steps side by side.
 template <class T, int S> struct Curve {
   T steps[S];

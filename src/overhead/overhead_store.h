@@ -11,15 +11,15 @@
 
 namespace lcp {
 
-using ConductorMatrix = SquareStore<Complex, MAXCOND>;
+using ConductorMatrix = MappedSquare<Complex>;
 
 struct OverheadStore {
   // Of one solve
-  ConductorMatrix PGEO;              // logarithms of the geometry, all physical conductors, 1
-  ConductorMatrix PRED;              // potential coefficients, reduced and averaged, 1
-  ConductorMatrix PINV;              // normalised Y; Im of the diagonal belongs to one frequency, 1
-  SquareStore<double, MAXCOND> DINV; // 1 / (distance to the image)^2, 1/m^2
-  TranspositionGroups groups;        // circuits as the averaging sees them
+  ConductorMatrix PGEO;       // logarithms of the geometry, all physical conductors, 1
+  ConductorMatrix PRED;       // potential coefficients, reduced and averaged, 1
+  ConductorMatrix PINV;       // normalised Y; Im of the diagonal belongs to one frequency, 1
+  MappedSquare<double> DINV;  //          1 / (distance to the image)^2, 1/m^2
+  TranspositionGroups groups; // circuits as the averaging sees them
 
   // Of one call
   ConductorMatrix ZWORK;  // normalised Z, all physical conductors, then reduced, 1

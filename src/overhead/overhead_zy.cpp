@@ -21,6 +21,7 @@
 #include "store/rundata.h"
 #include "store/solvedata.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace lcp {
@@ -36,6 +37,13 @@ void checkConductor(int i) {
   console::print("Average Height ({:.4g} m) and Radius ({:.4g} m) Must be > 0!", C.CYAVG[i],
                  C.CRAD[i]);
   stopInStars();
+}
+
+// Room for n conductors in all.
+void mapMatrices(int n) {
+  OverheadStore& S = OVERHEAD;
+  for (ConductorMatrix* M : {&S.PGEO, &S.PRED, &S.PINV, &S.ZWORK, &S.PZWORK}) M->map(n);
+  S.DINV.map(n);
 }
 
 // Logarithms and image distances of all pairs of physical conductors.
@@ -132,6 +140,7 @@ void OHZY(double f, CView YMAT, CView ZMAT, CView PMAT) {
   const bool first = SOLVEDATA.first.ISTATUS;
   if (first) {
     for (int i = 1; i <= n; ++i) checkConductor(i);
+    mapMatrices(std::max(n, nc));
     prepareGeometry(n);
     SPLITCIRC(S.groups, nc);
   }
