@@ -18,8 +18,8 @@
 //
 // Results that are kept with what they were computed from give the same bits when they are taken
 // again: the modes of a product Y Z (modal/long_line), pairs of the aerial integral, moments and
-// exponentials of the Carson integral. The date stamps of the message package show in a fatal message alone. All
-// else is written before it is read.
+// exponentials of the Carson integral. The date stamps of the message package show in a fatal
+// message alone. All else is written before it is read.
 #pragma once
 
 #include "base/big_store.h"
