@@ -177,6 +177,7 @@ TEST(ImprovedFits, ValuesBetweenArePointsOfTheGridTwiceAsDense) {
 
 TEST(ImprovedFits, PointsOfLostModesAreSampledAnew) {
   solveBothLoops(singleCircuit(phaseModel(EVENWEIGHTS)), 1e4);
+  formFitWeights();
   SecondLoopStore& T = SOLVEDATA.second;
   const Complex H = T.HST(70, 2, 1), YC = T.YCST(70, 2, 1);
   EXPECT_EQ(samplePhasesBetween().lost, 0);
@@ -190,6 +191,7 @@ TEST(ImprovedFits, PointsOfLostModesAreSampledAnew) {
 // A jump of Z at one point moves nothing that is sampled there or next to it.
 TEST(ImprovedFits, ConstantsBetweenAreSmoothAlsoWhereZJumps) {
   solveBothLoops(singleCircuit(phaseModel(EVENWEIGHTS)), 1e5);
+  formFitWeights();
   const FrequencyGrid& G = SOLVEDATA.grid;
   const FirstLoopStore& S = SOLVEDATA.first;
   EXPECT_EQ(samplePhasesBetween().jumps.count, 0);
