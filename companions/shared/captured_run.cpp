@@ -36,6 +36,7 @@ void readDescription(const std::string& file, double length) {
   R.LINELEN = length;
   R.FNAME = file;
   chooseBaseName(R);
+  R.FILESREAD = 1; // whatever this process has left in the groups
   READTLDATA();
 }
 
