@@ -181,14 +181,24 @@ bool tellAll(const CaseList& list, const std::vector<Facts>& facts, const fs::pa
   return good && saidAll();
 }
 
+// The folder of the batch.
+fs::path workOf(const Arguments& given, fs::path list) {
+  const fs::path work =
+      given.has("-o") ? fs::path(given.valueOr("-o", "")) : list.replace_extension(".batch");
+  return (fs::absolute(work) / "").lexically_normal().parent_path();
+}
+
+void tellEnd(const std::vector<Facts>& facts, const HandedOver& end, std::size_t runNow,
+             double seconds, const fs::path& work) {
+  if (!end.trouble.empty()) tell(end.trouble);
+  tell(fmt::format("{}; {:.1f} s, {} run now; {}", countsOf(facts), seconds, runNow,
+                   (work / SUMMARY).string()));
+  if (exitStatus(facts) == FAILED && std::count(facts.begin(), facts.end(), Facts{}) > 0)
+    tell("--resume goes on with the cases that were not run");
+}
+
 int runWhole(const Arguments& given) {
-  const fs::path list = given.words[0];
-  fs::path work = list;
-  if (given.has("-o"))
-    work = given.valueOr("-o", "");
-  else
-    work.replace_extension(".batch");
-  work = (fs::absolute(work) / "").lexically_normal().parent_path();
+  const fs::path list = given.words[0], work = workOf(given, list);
   Hands hands{work, {}, given.has("--slurm"), wishesOf(given)};
   std::size_t jobs = 0;
   hands.words = machinesOf(given, jobs);
@@ -209,11 +219,7 @@ int runWhole(const Arguments& given) {
   std::vector<Facts> facts;
   for (const BatchCase& c : cases.cases) facts.push_back(statusOf(c, hands.wishes));
   const bool told = tellAll(cases, facts, work, hands.wishes.plot);
-  if (!end.trouble.empty()) tell(end.trouble);
-  tell(fmt::format("{}; {:.1f} s, {} run now; {}", countsOf(facts), now() - start, open.size(),
-                   (work / SUMMARY).string()));
-  if (exitStatus(facts) == FAILED && std::count(facts.begin(), facts.end(), Facts{}) > 0)
-    tell("--resume goes on with the cases that were not run");
+  tellEnd(facts, end, open.size(), now() - start, work);
   if (end.signal != 0) return BEHINDSIGNAL + end.signal;
   return told ? exitStatus(facts) : FAILED;
 }

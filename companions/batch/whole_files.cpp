@@ -1,5 +1,7 @@
 #include "companions/batch/whole_files.h"
 
+#include "base/write_all.h"
+
 #include <array>
 #include <cerrno>
 #include <cstdio>
@@ -8,20 +10,6 @@
 #include <unistd.h>
 
 namespace lcp::companions {
-
-namespace {
-
-bool writeAll(int descriptor, std::string_view text) {
-  while (!text.empty()) {
-    const ssize_t n = write(descriptor, text.data(), text.size());
-    if (n < 0 && errno == EINTR) continue;
-    if (n < 0) return false;
-    text.remove_prefix(static_cast<std::size_t>(n));
-  }
-  return true;
-}
-
-} // namespace
 
 bool readWhole(const std::filesystem::path& file, std::string& text) {
   text.clear();

@@ -241,7 +241,7 @@ Json fitsOf(const Survey& S, const ModelFile& file) {
 Json sequencesOf(double length) {
   const double f = RUNDATA.display.DISPFREQ;
   RUNDATA.display.VBASEDISP = RUNDATA.display.MVABASEDISP = 0; // ohm and siemens
-  if (RUNDATA.run.DATAFMT == ROUTEMULTIPLE) return Json::array();
+  if (RUNDATA.run.fromTable()) return Json::array();
   constantsOf(f);
   if (hasLoadFlowSection()) return sequenceRows(length);
   if (!hasCoreSequences()) return Json::array();

@@ -15,8 +15,6 @@ constexpr int FINER = 10;
 constexpr double ZERO = 1e-6; // Hz
 constexpr int OUTSIDE = 30;   // points of a decade outside the band
 
-bool fromTable() { return RUNDATA.run.DATAFMT == ROUTEMULTIPLE; }
-
 std::vector<double> tableFrequencies() {
   std::vector<double> f;
   for (int k = 1; k <= RUNDATA.fit.NFINC; ++k) f.push_back(YZTABLE.FTABLE[k]);
@@ -51,7 +49,7 @@ std::vector<double> ratios(double a, double b, int steps) {
 std::vector<FrequencyRange> fitRanges() {
   const FitOptions& F = RUNDATA.fit;
   std::vector<FrequencyRange> ranges;
-  if (fromTable()) {
+  if (RUNDATA.run.fromTable()) {
     ranges.push_back({"at the rows of the table", true, "", tableFrequencies()});
   } else {
     const double step = std::pow(F.FEND / F.FSTART, 1.0 / F.NFINC);
@@ -59,7 +57,7 @@ std::vector<FrequencyRange> fitRanges() {
                       ratios(F.FSTART * std::pow(step, -BELOW), F.FEND, F.NFINC + BELOW)});
   }
   ranges.push_back({"between them", true, "", between(ranges[0].f)});
-  if (fromTable()) return ranges;
+  if (RUNDATA.run.fromTable()) return ranges;
   const double low = ranges[0].f.front();
   ranges.push_back({"a decade below", false, "outside", ratios(low / 10, low, OUTSIDE)});
   ranges.push_back({"a decade above", false, "outside", ratios(F.FEND, 10 * F.FEND, OUTSIDE)});

@@ -102,7 +102,7 @@ void checkConductorPositions() {
 
 void postReadPass() {
   checkLength();
-  if (RUNDATA.run.DATAFMT == ROUTEMANUAL || RUNDATA.run.DATAFMT == ROUTEMULTIPLE) {
+  if (RUNDATA.run.DATAFMT == ROUTEMANUAL || RUNDATA.run.fromTable()) {
     checkMultipleRoute();
   } else {
     checkAndOrder();

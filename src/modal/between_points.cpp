@@ -33,8 +33,6 @@ constexpr double SAMEVECTOR = 0.9;  // least cosine between a mode and its neigh
 LineMatrix product, vectors, inverse, phases, waves;
 ModeComplex squares; // gamma^2, 1/m^2
 
-bool fromTable() { return RUNDATA.run.DATAFMT == ROUTEMULTIPLE; }
-
 // Constants half way to the next grid point; returns the angular frequency.
 double constantsBehind(int k) {
   const FrequencyGrid& G = SOLVEDATA.grid;
@@ -233,7 +231,7 @@ PhaseSampling samplePhasesBetween() {
   BETWEEN.NB = 0;
   BETWEEN.YC.map(n);
   BETWEEN.H.map(n);
-  if (fromTable()) return {};
+  if (RUNDATA.run.fromTable()) return {};
   PhaseSampling found{laySmoothConstants()};
   found.moved = found.jumps.largest * sensitivity(n);
   for (int k = 1; k <= SOLVEDATA.grid.NFUSE; ++k) found.lost += mendedPoint(k, n) ? 1 : 0;
@@ -255,7 +253,7 @@ void sampleModesBetween() {
   const int n = RUNDATA.line.NC;
   BETWEEN.NB = 0;
   BETWEEN.TI.map(n);
-  for (int k = 1; k < SOLVEDATA.grid.NFUSE && !fromTable(); ++k) {
+  for (int k = 1; k < SOLVEDATA.grid.NFUSE && !RUNDATA.run.fromTable(); ++k) {
     const double w = constantsBehind(k);
     if (!modesBetween(k, w, n)) continue;
     BETWEEN.WFREQ[++BETWEEN.NB] = w;
@@ -267,7 +265,7 @@ void sampleSeriesBetween() {
   const int n = RUNDATA.line.NC;
   BETWEEN.NB = 0;
   BETWEEN.Z.map(n);
-  for (int k = 1; k < SOLVEDATA.grid.NFUSE && !fromTable(); ++k) {
+  for (int k = 1; k < SOLVEDATA.grid.NFUSE && !RUNDATA.run.fromTable(); ++k) {
     BETWEEN.WFREQ[++BETWEEN.NB] = constantsBehind(k);
     BETWEEN.Z.store(BETWEEN.NB, SOLVEDATA.first.ZMAT, n);
   }

@@ -106,7 +106,7 @@ void takeStep(int k) {
 
 bool isIdeallyTransposed() {
   const ConductorTable& C = RUNDATA.cond;
-  if (RUNDATA.run.ISCABLE != OVERHEADLINE || RUNDATA.run.DATAFMT == ROUTEMULTIPLE) return false;
+  if (RUNDATA.run.ISCABLE != OVERHEADLINE || RUNDATA.run.fromTable()) return false;
   for (int i = 1; i <= RUNDATA.line.NC; ++i) {
     if (C.CTRANSP[i] != 1 || C.CCIRC[i] > 1) return false;
   }

@@ -89,7 +89,7 @@ void layTableGrid() {
 }
 
 void layFittedGrid() {
-  const bool fromTable = RUNDATA.run.DATAFMT == ROUTEMULTIPLE;
+  const bool fromTable = RUNDATA.run.fromTable();
   if (!RUNDATA.model.MODFDM()) RUNDATA.fit.CONSTT = !fromTable;
   if (fromTable) {
     layTableGrid();
@@ -103,7 +103,7 @@ void layFittedGrid() {
 void layGrid() {
   const ModelChoice& M = RUNDATA.model;
   FrequencyGrid& G = SOLVEDATA.grid;
-  const bool fromTable = RUNDATA.run.DATAFMT == ROUTEMULTIPLE;
+  const bool fromTable = RUNDATA.run.fromTable();
   if (fromTable) checkTable();
   if (M.MODPI()) {
     if (fromTable) warnOfFirstRow();
@@ -124,7 +124,7 @@ double gridFrequency(int k) {
   const FrequencyGrid& G = SOLVEDATA.grid;
   if (RUNDATA.model.MODPI()) return RUNDATA.line.SSFREQ;
   if (RUNDATA.model.MODBERG()) return k == 1 ? RUNDATA.bergeron.FLOSS : RUNDATA.line.SSFREQ;
-  if (RUNDATA.run.DATAFMT == ROUTEMULTIPLE) return YZTABLE.FTABLE[k];
+  if (RUNDATA.run.fromTable()) return YZTABLE.FTABLE[k];
   if (k == G.NFREQ) return RUNDATA.fit.FCT;
   return std::pow(10.0, (k - 1) * G.DLOGW + G.LOGW0) * INVTWOPI;
 }

@@ -65,8 +65,6 @@ void checkShunt() {
   }
 }
 
-bool fromTable() { return RUNDATA.run.DATAFMT == ROUTEMULTIPLE; }
-
 void finishConstants(double f) {
   SOLVEDATA.first.ISTATUS = false;
   checkFinite(f);
@@ -76,7 +74,7 @@ void finishConstants(double f) {
 
 int mostConductors() {
   const RunControl& R = RUNDATA.run;
-  if (fromTable() || R.ISCABLE == OVERHEADLINE) return RUNDATA.line.NC;
+  if (RUNDATA.run.fromTable() || R.ISCABLE == OVERHEADLINE) return RUNDATA.line.NC;
   if (R.ISCABLE == FOURWIRECABLE) return FOURWIRES;
   static CableNumbering N;
   numberConductors(N);
@@ -85,7 +83,7 @@ int mostConductors() {
 
 void constantsAt(double f) {
   FirstLoopStore& S = SOLVEDATA.first;
-  if (fromTable()) {
+  if (RUNDATA.run.fromTable()) {
     tableConstants(f, S.YMAT, S.ZMAT, S.PMAT);
     finishConstants(f);
     return;
@@ -101,7 +99,7 @@ void constantsAt(double f) {
 
 void constantsAtStep(int k, double f, Place place) {
   FirstLoopStore& S = SOLVEDATA.first;
-  if (!fromTable()) {
+  if (!RUNDATA.run.fromTable()) {
     constantsAt(f);
     return;
   }

@@ -43,10 +43,8 @@ void loadFrame(int k, int n) {
   invertFrame(frame, n);
 }
 
-bool fromTable() { return RUNDATA.run.DATAFMT == ROUTEMULTIPLE; }
-
 int stepBefore(int k) {
-  return isConstantTransformStep(k) && !fromTable() ? SOLVEDATA.first.KCT : k - 1;
+  return isConstantTransformStep(k) && !RUNDATA.run.fromTable() ? SOLVEDATA.first.KCT : k - 1;
 }
 
 // The way from one frequency to the next, by their logarithms.

@@ -160,7 +160,7 @@ struct Walk {
 
 double walkFrequency(int k, double x) {
   const FrequencyGrid& G = SOLVEDATA.grid;
-  if (RUNDATA.run.DATAFMT == ROUTEMULTIPLE) {
+  if (RUNDATA.run.fromTable()) {
     // the rows of a table need not stand at equal steps
     return x == 1.0 ? G.FREQ[k] : std::pow(10.0, G.LOGF[k - 1] + x * (G.LOGF[k] - G.LOGF[k - 1]));
   }

@@ -19,7 +19,7 @@ CurveSteps gridSteps() { return {FIRSTFITTED, SOLVEDATA.grid.NFUSE}; }
 
 // A table of Y and Z has no steps below the fit range.
 CurveSteps phaseSteps() {
-  return {RUNDATA.run.DATAFMT == ROUTEMULTIPLE ? 1 : FIRSTFITTED, SOLVEDATA.grid.NFUSE};
+  return {RUNDATA.run.fromTable() ? 1 : FIRSTFITTED, SOLVEDATA.grid.NFUSE};
 }
 
 CurveSteps fitSteps(int longTable) {

@@ -29,6 +29,8 @@ struct RunControl {
   int FILESREAD = 0;     // descriptions that this process has read
   bool WARNFLAG = false; // a warning was given: the run ends with exit status 2
   bool DEBUGF = false;   // the debug file is open
+
+  bool fromTable() const { return DATAFMT == ROUTEMULTIPLE; }
 };
 
 struct LineSummary {
