@@ -20,7 +20,7 @@ constexpr std::string_view WARNINGS[] = {
     "*** WARNING:",       "An error occurred in calculating",
     "Failed to converge", "NEWTON-RAPHSON EIGENVALUE PROCEDURE",
     "Detail Curve File",  "Unknown Data Line Ignored",
-    "Cannot Open",        "corvo: "};
+    "Cannot Open",        "corvo: warning: "};
 
 bool contains(std::string_view text, std::string_view part) {
   return text.find(part) != std::string_view::npos;

@@ -23,6 +23,11 @@ State& state() {
   return s;
 }
 
+// A stream that does not take it has no place to complain.
+void writeError(std::string_view line) {
+  [[maybe_unused]] const bool written = writeAll(STDERR_FILENO, line);
+}
+
 } // namespace
 
 void prepare() {
@@ -55,10 +60,9 @@ void openStars() {
 
 void closeStars() { rule('*', STARS); }
 
-void note(std::string_view words) {
-  // A stream that does not take it has no place to complain.
-  [[maybe_unused]] const bool written = writeAll(STDERR_FILENO, fmt::format("corvo: {}\n", words));
-}
+void note(std::string_view words) { writeError(fmt::format("corvo: note: {}\n", words)); }
+
+void warning(std::string_view words) { writeError(fmt::format("corvo: warning: {}\n", words)); }
 
 bool flush() {
   State& s = state();

@@ -30,9 +30,11 @@ void closeStars();
 // descriptor that came closed is occupied, so that no output file takes the console's place.
 void prepare();
 
-// One line on the error stream, "corvo: " and the words, for what the console has no words for. A
-// stream that does not take it changes nothing.
+// One line on the error stream, for what the console has no words for: "corvo: note: " and a hint,
+// or "corvo: warning: " and what in the input or the result is likely wrong. Neither changes the
+// run, nor does a stream that does not take it.
 void note(std::string_view words);
+void warning(std::string_view words);
 
 // Writes out what was collected. False when the standard output did not take it.
 bool flush();

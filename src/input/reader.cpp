@@ -273,7 +273,7 @@ void noteWhatIsMissing() {
   if (RUNDATA.run.DATAFMT == ROUTENONE)
     console::note(fmt::format("{}: {}", RUNDATA.run.FNAME.text(), whatIsMissing()));
   if ((MANFMT == MANPAIR || MANFMT == MANMULTIPLE) && READER.fileFormat != MANFMT) {
-    console::note(
+    console::warning(
         fmt::format("{}: the file of Y and Z was not read; Y,Z Input File Name must stand "
                     "behind Data Entry Format",
                     RUNDATA.run.FNAME.text()));

@@ -150,8 +150,9 @@ void readPhases(const KeyRow& key) {
   for (std::size_t i = 0; i < n; ++i) phases[i] = RUNDATA.cond.CPHASE[f + static_cast<int>(i)];
   if (!readIntegers(field, std::span(phases).first(n))) readError();
   if (cutBefore(field, n)) {
-    console::note(fmt::format("{}: {} of circuit {} is cut at column {}", RUNDATA.run.FNAME.text(),
-                              key.text, RUNDATA.cond.NCIRC, LINELENGTH));
+    console::warning(fmt::format("{}: {} of circuit {} is cut at column {}",
+                                 RUNDATA.run.FNAME.text(), key.text, RUNDATA.cond.NCIRC,
+                                 LINELENGTH));
   }
   for (std::size_t i = 0; i < n; ++i) RUNDATA.cond.CPHASE[f + static_cast<int>(i)] = phases[i];
 }

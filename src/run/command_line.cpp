@@ -77,7 +77,7 @@ int stepValue(std::string_view text) {
     console::print("Too Many Length Steps (/steps {}), Maximum of {} Allowed!", value, MAXSTEPS);
     stopInStars("LCPMAIN Ending!");
   }
-  if (value < 0) console::note(fmt::format("/steps {} is below 0: no length is solved", value));
+  if (value < 0) console::warning(fmt::format("/steps {} is below 0: no length is solved", value));
   return value;
 }
 

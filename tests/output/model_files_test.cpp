@@ -154,7 +154,7 @@ TEST(ModelFile, BergeronModesAreThoseOfTheLine) {
     writeBergeronModel(text);
   });
   EXPECT_EQ(noted.console,
-            "corvo: mode 2 has a negative resistance of -0.6667 at 3000 Hz; the model "
+            "corvo: note: mode 2 has a negative resistance of -0.6667 at 3000 Hz; the model "
             "file has 0.6667\n");
 }
 
