@@ -41,6 +41,13 @@ namespace lcp {
 
 namespace {
 
+// The first key stores into the other two as well.
+constexpr EarthFormulaKey AERIALKEY = {"EarthImpedanceFormula", "aerial cables", "0 and 2"};
+constexpr EarthFormulaKey BURIEDKEY = {"EarthUImpedanceFormula (or EarthImpedanceFormula, for all)",
+                                       "buried cables", "0, 2 and 3"};
+constexpr EarthFormulaKey MIXEDKEY = {"EarthMImpedanceFormula (or EarthImpedanceFormula, for all)",
+                                      "an aerial and a buried cable", "0 and 2"};
+
 struct Geometry {
   double x; // not negative
   double d;
@@ -112,7 +119,7 @@ Complex buried(int formula, const Burial& b, Complex m, LastKexpone& last) {
   case EARTHCLOSED: return GMUR * buriedClosed(b, m);
   case EARTHINTEGRAL: return GMUR * buriedIntegral(b, m, last);
   case EARTHSERIES: return GMUR * buriedSeries(b, m);
-  default: illegalEarthFormula(formula);
+  default: illegalEarthFormula(formula, BURIEDKEY);
   }
 }
 
@@ -136,7 +143,7 @@ EarthValue aerial(int formula, const Geometry& g, Complex m, double w) {
   switch (formula) {
   case EARTHCLOSED: return aerialClosed(g, m);
   case EARTHINTEGRAL: return aerialIntegral(g, std::sqrt(g.x * g.x + g.H * g.H), w);
-  default: illegalEarthFormula(formula);
+  default: illegalEarthFormula(formula, AERIALKEY);
   }
 }
 
@@ -182,7 +189,7 @@ Complex EMIX(int formula, const Body& i, const Body& j, Complex m) {
   switch (formula) {
   case EARTHCLOSED: return GMUR * mixedClosed(g, i.aerial ? j.y : i.y, m);
   case EARTHINTEGRAL: return GMUR * mixedSeries(g, m);
-  default: illegalEarthFormula(formula);
+  default: illegalEarthFormula(formula, MIXEDKEY);
   }
 }
 

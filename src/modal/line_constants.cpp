@@ -46,6 +46,7 @@ void checkFinite(double f) {
   const int n = RUNDATA.line.NC;
   if (finite(S.YMAT, n) && finite(S.ZMAT, n) && finite(S.PMAT, n)) return;
   checkOrder();
+  if (!RUNDATA.run.fromTable()) noteZeroEntries();
   console::openStars();
   console::print("The Line Constants at {:.4g} Hz are not Finite Numbers", f);
   console::line("Verify Transmission line data");

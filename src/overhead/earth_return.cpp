@@ -87,7 +87,9 @@ Complex LOG1P(Complex z) {
   return {0.5 * twice, std::atan2(y, x)};
 }
 
-void illegalEarthFormula(int formula) {
+void illegalEarthFormula(int formula, const EarthFormulaKey& key) {
+  console::note(
+      fmt::format("{} is {}; for {} there are {}", key.name, formula, key.bodies, key.formulas));
   console::rule('*', ERRORRULE);
   console::line(" *ERROR*: Illegal earth return formula selected:");
   console::line("           Ground Formula = " + integerField(formula, 1));
@@ -103,7 +105,9 @@ Complex EARTHTERM(int i, int j) {
   switch (RUNDATA.ground.EARTHF) {
   case EARTHCLOSED: return closedForm(i, j);
   case EARTHINTEGRAL: return integral(i, j);
-  default: illegalEarthFormula(RUNDATA.ground.EARTHF);
+  default:
+    illegalEarthFormula(RUNDATA.ground.EARTHF,
+                        {"EarthImpedanceFormula", "overhead conductors", "0 and 2"});
   }
 }
 
