@@ -5,8 +5,9 @@
 // aerial integral takes 11 x / H of them. In the buried one the cosine holds a panel to 200 /
 // sin theta, and the integrand lasts to t = (D / H) (23 + sqrt(65 |m| H)) in a soil without
 // displacement currents; from |m| H = 1060 on the factor in front leaves nothing of it, and it is
-// not computed. With x up to 1e5 H this is some 1e5 panels in either. In any other soil the
-// integrals end at their own limits, 1e7 panels and a message.
+// not computed. With x up to 1e5 H this is some 1e5 panels in either. Beyond that, and in any other
+// soil, those of the ground end at their own limits, 1e7 panels and a message. That of the air has
+// no limit, and is refused.
 #include "cable/cable_earth.h"
 
 #include "base/console.h"
@@ -55,10 +56,23 @@ BodyRows rowsOf(int number, const CableNumbering& N) {
 
 // ---- Checks
 
-// A body in the surface or without a radius has no logarithm, and its earth return no end.
+// In the air log(2 y / r) has a value where y and r have the same sign. In the ground the closed
+// form and the integrals divide by m y and m r, the series does not.
+bool hasEarthReturn(const Body& b) {
+  if (b.aerial) return b.y * b.r > 0.0;
+  return RUNDATA.ground.EARTHFU == EARTHSERIES || b.y * b.r != 0.0;
+}
+
+// A depth below 0 has a value too, but is hardly meant.
 void checkBody(int number) {
   const Body b = bodyOf(number);
-  if (b.y > 0.0 && b.r > 0.0) return;
+  if (hasEarthReturn(b)) {
+    if (b.aerial || b.y > 0.0) return;
+    console::warning(fmt::format("{}: a depth of {:.4g} m is not below the surface and counts as "
+                                 "it stands",
+                                 nameOf(number), b.y));
+    return;
+  }
   console::openStars();
   console::print("{}:", nameOf(number));
   console::print("Distance from the Surface ({:.4g} m) and Radius ({:.4g} m) Must be > 0!", b.y,
@@ -73,14 +87,25 @@ void checkBodies(const CableNumbering& N) {
   if (N.pipeRow != 0) checkBody(PIPE);
 }
 
-// x: horizontal distance, of a body by itself its radius; H: sum of the distances from the surface.
+constexpr double FARBESIDE =
+    1e5; // horizontal distance, of the sum of the distances from the surface
+
+// In the ground the panels have a limit: the run ends, if late.
+void noteFarBeside(int i, int j, double x, double H) {
+  if (!SOLVEDATA.first.ISTATUS || x <= FARBESIDE * H) return;
+  console::note(fmt::format("the earth return by integration of {} and {}, {:.4g} m apart, takes "
+                            "millions of panels at each frequency",
+                            nameOf(i), nameOf(j), x));
+}
+
+// In the air they have none. x: horizontal distance, of a body by itself its radius; H: sum of the
+// distances from the surface.
 void checkBeside(int i, int j, double x, double H) {
-  constexpr double MOSTBESIDE = 1e5;
-  if (x <= MOSTBESIDE * H) return;
+  if (x <= FARBESIDE * H) return;
   console::openStars();
   console::print("Earth Return by Integration of {} and {}:", nameOf(i), nameOf(j));
   console::print("Horizontal Distance or Radius ({:.4g} m) Must not be Above", x);
-  console::print("{} Times the Distances from the Surface ({:.4g} m)!", MOSTBESIDE, H);
+  console::print("{} Times the Distances from the Surface ({:.4g} m)!", FARBESIDE, H);
   stopInStars();
 }
 
@@ -135,7 +160,8 @@ EarthValue valueOf(EarthCall& call, int i, int j) {
   const bool keep = integrated(bi, bj);
   const PairKey key{bi.r, x, bi.y, self ? 0.0 : bj.y, bi.aerial};
   if (keep) {
-    checkBeside(i, j, self ? bi.r : x, bi.y + bj.y);
+    if (bi.aerial) checkBeside(i, j, self ? bi.r : x, bi.y + bj.y);
+    if (!bi.aerial && !self) noteFarBeside(i, j, x, bi.y + bj.y);
     for (int k = 1; k <= call.kept; ++k) {
       if (call.keys[k] == key) return call.values[k];
     }

@@ -13,9 +13,10 @@ namespace lcp {
 // of the run store.
 //
 // With ISTATUS set, at the first frequency of a solve, a body whose distance from the surface or
-// whose radius is not above 0 ends the run. So does a formula without a meaning at the first pair
-// that asks for it, and, under the formulas of integration, a pair too far beside each other for
-// its height or depth: more than 1e5 times. All three say what is wrong; exit status 1.
+// radius leaves it without a finite value ends the run. So does a formula without a meaning at the
+// first pair that needs it, and, in the air under the formula of integration, a pair further beside
+// each other than 1e5 times its heights. All three say what is wrong; exit status 1. A buried body
+// that is not below the surface, and one far beside another, get a line on the error stream.
 void CBEARTH(double w, const CableNumbering& N, CView D, CView Q);
 
 } // namespace lcp

@@ -72,6 +72,9 @@ struct Burial {
   double theta;
 };
 
+// Real part of the root of a ratio of lengths.
+double realRoot(double ratio) { return ratio < 0.0 ? 0.0 : std::sqrt(ratio); }
+
 Complex buriedClosed(const Burial& b, Complex m) {
   constexpr double FIRST = 1.122872;
   constexpr double SECOND = 0.9257;
@@ -79,8 +82,8 @@ Complex buriedClosed(const Burial& b, Complex m) {
   const Complex q = 1.0 + std::sqrt(a);
   const Complex md = m * b.g.d;
   const Complex mD = m * b.g.D;
-  const double u1 = std::sqrt(b.g.d / b.r);
-  const double u2 = std::sqrt(b.g.D / b.r);
+  const double u1 = realRoot(b.g.d / b.r);
+  const double u2 = realRoot(b.g.D / b.r);
   const Complex t1 = u1 + (FIRST - u1) / q;
   const Complex t2 = u2 + (FIRST - u2) / q;
   const Complex t3 = 2.0 * (u2 + (SECOND - u2) / q);

@@ -2,8 +2,8 @@
 //
 // All values are dimensionless: the impedance is j w L0 times the value. m is the reciprocal
 // complex depth of the soil, 1/m, Re m > 0; w the angular frequency, rad/s. A formula without a
-// meaning for the kind of pair ends the run, exit status 1. Distances from the surface and radii
-// are above 0, and two bodies do not coincide.
+// meaning for the kind of pair ends the run, exit status 1. Two bodies do not coincide. Distances
+// from the surface and radii of 0, and in the air below 0, can leave a value that is not finite.
 #pragma once
 
 #include "base/matrix.h"

@@ -27,6 +27,7 @@
 #include "base/solve_error.h"
 #include "kernels/matrix_kernels.h"
 #include "store/rundata.h"
+#include "store/solvedata.h"
 
 #include <cmath>
 #include <cstdlib>
@@ -58,16 +59,32 @@ struct Series {
   double s1 = 0, s2 = 0;         // displacement across and between neighbours
 };
 
-// Without an area, an insulator or a permittivity there is no field to compute.
+// The area is under a root, the formulas divide by it and by the thickness of the insulator. All
+// else has a value: the other sizes are summands, a permittivity of 0 takes a capacitance away.
 void checkRecord(const FourWireRecord& cable) {
-  const bool sizes = cable.FWAREA > 0.0 && cable.FWTINS > 0.0;
-  const bool layers = cable.FWTTAPE >= 0.0 && cable.FWTMANT >= 0.0;
-  if (sizes && layers && cable.FWEPSI > 0.0 && cable.FWEPST > 0.0 && cable.FWEPSM > 0.0) return;
-  console::openStars();
-  console::line("Four-Wire Cable: Area, Insulator Thickness and");
-  console::line("Relative Permittivities Must be > 0, Thickness of");
-  console::line("Tape and Mantle >= 0!");
-  stopInStars();
+  if (!(cable.FWAREA > 0.0) || cable.FWTINS == 0.0) {
+    console::openStars();
+    console::line("Four-Wire Cable: Nominal Conductor Area and");
+    console::line("Insulator Thickness Must be > 0!");
+    stopInStars();
+  }
+  const struct {
+    bool likely;
+    double value;
+    const char* key;
+  } entries[] = {
+      {cable.FWTINS > 0.0, cable.FWTINS, "Insulator Thickness"},
+      {cable.FWTTAPE >= 0.0, cable.FWTTAPE, "Polyester Tape Thickness"},
+      {cable.FWTMANT >= 0.0, cable.FWTMANT, "Outer Mantle Thickness"},
+      {cable.FWEPSI > 0.0, cable.FWEPSI, "Insulator Relative Permittivity"},
+      {cable.FWEPST > 0.0, cable.FWEPST, "Polyester Tape Relative Permittivity"},
+      {cable.FWEPSM > 0.0, cable.FWEPSM, "Outer Mantle Relative Permittivity"},
+  };
+  for (const auto& e : entries) {
+    if (e.likely) continue;
+    console::warning(
+        fmt::format("{} is {:.4g} and counts as it stands: Four-Wire Cable", e.key, e.value));
+  }
 }
 
 Geometry geometryOf(const FourWireRecord& cable) {
@@ -184,7 +201,7 @@ void FWZY(double f, CView YMAT, CView ZMAT, CView PMAT) {
   const FourWireRecord& cable = RUNDATA.cable.fourWire;
   const FourWireStore& S = FOURWIRE;
   const double w = TWOPI * f;
-  checkRecord(cable);
+  if (SOLVEDATA.first.ISTATUS) checkRecord(cable);
   RUNDATA.setConductors(FOURWIRES, FOURWIRES);
   const Geometry g = geometryOf(cable);
   fillCapacitances(g, cable);

@@ -24,8 +24,9 @@ inline FourWireStore FOURWIRE{};
 //   YMAT out: shunt admittance, S/m, without conductance, 4 by 4
 //   ZMAT out: series impedance, ohm/m, 4 by 4
 //   PMAT out: product Y Z, not normalised, 1/m^2, 4 by 4
-// Conductors of a resistivity below 1e-15 ohm m have no losses. A record without area, insulator or
-// permittivities ends the run, exit status 1.
+// Conductors of a resistivity below 1e-15 ohm m have no losses. With ISTATUS set, at the first
+// frequency of a solve, a record without area or insulator ends the run, exit status 1, and other
+// values that are not above 0 get a line on the error stream.
 void FWZY(double f, CView YMAT, CView ZMAT, CView PMAT);
 
 } // namespace lcp

@@ -3,8 +3,9 @@
 
 namespace lcp {
 
-// A cable or a pipe of a resistivity, permeability or permittivity that is not above 0, and a pipe
-// whose radii do not grow outwards, end the run with a message, exit status 1.
+// A metal of resistivity or permeability 0, and an insulator of permittivity 0, end the run with a
+// message, exit status 1. Other values that are not above 0, and a pipe whose radii do not grow
+// outwards, get a line on the error stream.
 void checkLayers();
 
 } // namespace lcp
