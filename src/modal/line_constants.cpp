@@ -53,19 +53,6 @@ void checkFinite(double f) {
   stopInStars();
 }
 
-// A conductor without a shunt admittance carries no wave. Of a described system that is the bare
-// pipe in the ground alone.
-void checkShunt() {
-  const FirstLoopStore& S = SOLVEDATA.first;
-  for (int i = 1; i <= RUNDATA.line.NC; ++i) {
-    if (S.YMAT(i, i) != Complex(0.0)) continue;
-    console::openStars();
-    console::print("Conductor {} has no Shunt Admittance: a Bare Pipe in the Ground", i);
-    console::line("Must be Grounded or have an Outer Insulator!");
-    stopInStars();
-  }
-}
-
 void finishConstants(double f) {
   SOLVEDATA.first.ISTATUS = false;
   checkFinite(f);
@@ -95,7 +82,6 @@ void constantsAt(double f) {
   default: FWZY(f, S.YMAT, S.ZMAT, S.PMAT); break;
   }
   finishConstants(f);
-  if (RUNDATA.run.ISCABLE == CABLESYSTEM) checkShunt();
 }
 
 void constantsAtStep(int k, double f, Place place) {
