@@ -55,6 +55,9 @@ constexpr KindRow KINDS[] = {
     {Kind::SagAboveHeight, "sag-above-height", ERROR, "the sag of {} is {} m, its height {} m"},
     {Kind::Resistivity, "resistivity", WARNING, "the resistivity of {} is {} ohm m, usual are {}"},
     {Kind::Permittivity, "permittivity", ERROR, "the relative permittivity of {} is {}, below 1"},
+    {Kind::Permeability, "permeability", ERROR,
+     "the relative permeability of {} is {}, usual is 1 or more"},
+    {Kind::Depth, "depth", ERROR, "the {} of {} is {} m, not above 0"},
     {Kind::Soil, "soil", WARNING,
      "the resistivity of the soil is {} ohm m, usual are 0.1 to 100000"},
     {Kind::Touching, "touching", ERROR, "{} and {} are {} m apart, centre to centre: they touch"},
@@ -62,6 +65,8 @@ constexpr KindRow KINDS[] = {
      "two sub-conductors of {} are {} m apart, less than the diameter of {} m"},
     {Kind::NoWireAbove, "no-wire-above", NOTE, "no ground wire lies above the phase conductors"},
     // formulas
+    {Kind::EarthFormula, "earth-formula", ERROR,
+     "{} is {}, which there is not for {}: the run will end there"},
     {Kind::BuriedClosedForm, "buried-closed-form", WARNING,
      "formula 0 between buried cables is used up to {} Hz; above 10000 Hz it can give modes a "
      "gain, "

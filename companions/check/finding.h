@@ -35,10 +35,13 @@ enum class Kind {
   SagAboveHeight,
   Resistivity,
   Permittivity,
+  Permeability,
+  Depth,
   Soil,
   Touching,
   TightBundle,
   NoWireAbove,
+  EarthFormula,
   BuriedClosedForm,
   AerialLowFrequency
 };

@@ -44,6 +44,14 @@ void permittivity(Findings& findings, int line, std::string_view name, double ep
   if (eps < 1) add(findings, line, Kind::Permittivity, name, number(eps));
 }
 
+void permeability(Findings& findings, int line, std::string_view name, double mu) {
+  if (!(mu > 0)) add(findings, line, Kind::Permeability, name, number(mu));
+}
+
+void depth(Findings& findings, int line, std::string_view name, bool aerial, double y) {
+  if (!(y > 0)) add(findings, line, Kind::Depth, aerial ? "height" : "depth", name, number(y));
+}
+
 // --- overhead conductors
 
 void oneWire(Findings& findings, int i) {
@@ -99,8 +107,11 @@ constexpr LayerNames LAYERS[] = {{"the core", "insulator 1"},
                                  {"the armour", "insulator 3"},
                                  {"the outside conductor", "insulator 4"}};
 
-// Line of a key of cable n, or of its number.
-int cableLine(const void* target, int n) { return lineOf(target, -1, n); }
+// Line of a key of cable n, or of its position.
+int cableLine(const void* target, int n) {
+  const int line = lineOf(target, -1, n);
+  return line != 0 ? line : cablePositionLine(n);
+}
 
 void oneCable(Findings& findings, int n) {
   const Cable& C = RUNDATA.cable.CB[n];
@@ -108,21 +119,31 @@ void oneCable(Findings& findings, int n) {
   for (std::size_t k = 0; k < std::size(LAYERS); ++k) {
     const int layer = 2 * static_cast<int>(k) + 1;
     const auto name = [&](std::string_view of) { return fmt::format("{} of cable {}", of, n); };
+    const std::size_t metal = 2 * k, insulator = metal + 1;
     if (C.CBNLAY >= layer) {
+      permeability(findings, cableLine(&key.CBMU[metal], n), name(LAYERS[k].conductor),
+                   C.CBMU[metal]);
       resistivity(findings, cableLine(&key.CBRHO[k], n), name(LAYERS[k].conductor), C.CBRHO[k],
                   k == 0 ? COPPERALUMINIUM : METALS);
     }
-    if (C.CBNLAY > layer)
+    if (C.CBNLAY > layer) {
       permittivity(findings, cableLine(&key.CBEPS[k], n), name(LAYERS[k].insulator), C.CBEPS[k]);
+      permeability(findings, cableLine(&key.CBMU[insulator], n), name(LAYERS[k].insulator),
+                   C.CBMU[insulator]);
+    }
   }
 }
 
 void pipe(Findings& findings) {
   const PipeRecord& P = RUNDATA.cable.pipe;
+  depth(findings, headingLine("Pipe-Type Cable"), "the pipe", P.PIPEOVHD, P.PIPEY);
+  permeability(findings, lineOf(&P.PIPEMU), "the pipe", P.PIPEMU);
   resistivity(findings, lineOf(&P.PIPERHO), "the pipe", P.PIPERHO, METALS);
   permittivity(findings, lineOf(&P.PIPEEPSI), "the inner insulator of the pipe", P.PIPEEPSI);
-  if (P.PIPEOUTL == 1)
-    permittivity(findings, lineOf(&P.PIPEEPSO), "the outer insulator of the pipe", P.PIPEEPSO);
+  permeability(findings, lineOf(&P.PIPEMUI), "the inner insulator of the pipe", P.PIPEMUI);
+  if (P.PIPEOUTL != 1) return;
+  permittivity(findings, lineOf(&P.PIPEEPSO), "the outer insulator of the pipe", P.PIPEEPSO);
+  permeability(findings, lineOf(&P.PIPEMUO), "the outer insulator of the pipe", P.PIPEMUO);
 }
 
 void fourWire(Findings& findings) {
@@ -150,6 +171,9 @@ void cableRules(Findings& findings) {
   for (int n = 1; n <= T.NCABLE - T.overhead; ++n) {
     const bool copied = READER.identicalCables && T.CB[n].CBPIPE != 0 && n != READER.masterCable;
     if (!copied) oneCable(findings, n);
+    const Cable& C = T.CB[n];
+    if (C.CBPIPE == 0)
+      depth(findings, cablePositionLine(n), fmt::format("cable {}", n), C.CBOVHD, C.CBY);
   }
   if (T.PIPEF) pipe(findings);
 }

@@ -108,8 +108,43 @@ int bodies(bool aerial) {
 
 int formulaLine(const int* own) { return std::max(lineOf(own), lineOf(&RUNDATA.ground.EARTHF)); }
 
+// Whether something that the earth return is computed of stands in the air, or lies in the ground.
+bool anyBody(bool aerial) {
+  const CableTable& T = RUNDATA.cable;
+  if (RUNDATA.run.ISCABLE == OVERHEADLINE) return aerial;
+  for (int i = 1; i <= T.NCABLE; ++i) {
+    if (T.CB[i].CBOVHD == aerial) return true;
+  }
+  return T.PIPEF && T.pipe.PIPEOVHD == aerial;
+}
+
+void illegalFormulas(Findings& findings) {
+  const Ground& G = RUNDATA.ground;
+  const bool air = anyBody(true), earth = anyBody(false);
+  const struct {
+    bool needed;
+    const int& formula;
+    bool series;
+    std::string_view key, bodies;
+  } choices[] = {
+      {air, G.EARTHF, false, "EarthImpedanceFormula", "aerial conductors"},
+      {earth, G.EARTHFU, true, "EarthUImpedanceFormula", "buried cables"},
+      {air && earth, G.EARTHFM, false, "EarthMImpedanceFormula", "an aerial and a buried cable"},
+  };
+  for (const auto& c : choices) {
+    const bool known = c.formula == EARTHCLOSED || c.formula == EARTHINTEGRAL ||
+                       (c.series && c.formula == EARTHSERIES);
+    if (c.needed && !known) {
+      add(findings, formulaLine(&c.formula), Kind::EarthFormula, c.key, std::to_string(c.formula),
+          c.bodies);
+    }
+  }
+}
+
 void formulas(Findings& findings) {
   const Ground& G = RUNDATA.ground;
+  illegalFormulas(findings);
+  if (RUNDATA.run.ISCABLE == OVERHEADLINE) return;
   const double high = highestFrequency(), low = lowestFrequency();
   if (G.EARTHFU == EARTHCLOSED && bodies(false) > 1 && high > CLOSEDFORMLIMIT)
     add(findings, formulaLine(&G.EARTHFU), Kind::BuriedClosedForm, fmt::format("{:.6g}", high));
@@ -125,7 +160,7 @@ void optionRules(Findings& findings) {
   if (M.fitted()) weights(findings);
   if (M.MODFDP()) dcCorrection(findings);
   if (M.MODFDP()) passivity(findings);
-  if (RUNDATA.run.ISCABLE == CABLESYSTEM && RUNDATA.run.DATAFMT == ROUTECONSTANTS)
+  if (RUNDATA.run.ISCABLE != FOURWIRECABLE && RUNDATA.run.DATAFMT == ROUTECONSTANTS)
     formulas(findings);
 }
 

@@ -14,6 +14,10 @@ bool storesInto(const KeyRow& key, const void* target) {
   return key.real == target || key.integer == target || key.flag == target || key.reals == target;
 }
 
+bool isPosition(const TracedLine& line) {
+  return line.key != nullptr && line.key->kind == KeyKind::Items && line.key->least == 2;
+}
+
 } // namespace
 
 std::string_view wordsOf(const TracedLine& line) {
@@ -50,11 +54,18 @@ int lineOrHeading(const void* target, int section) {
 
 int positionLine(int section) {
   for (const TracedLine& line : TRACE->lines()) {
-    const bool list =
-        line.key != nullptr && line.key->kind == KeyKind::Items && line.key->least == 2;
-    if (list && line.section == section) return line.number;
+    if (isPosition(line) && line.section == section) return line.number;
   }
   return sectionAt(section).heading;
+}
+
+int cablePositionLine(int cable) {
+  int found = 0;
+  for (const TracedLine& line : TRACE->lines()) {
+    if (isPosition(line) && line.state == State::CoaxCable && line.open.cable == cable)
+      found = line.number;
+  }
+  return found;
 }
 
 int bundleLine(int section) {

@@ -31,6 +31,9 @@ int lineOrHeading(const void* target, int section);
 // Number of the line of a section's position list, or its heading.
 int positionLine(int section);
 
+// Number of the line with the position of a cable; 0 when there is none.
+int cablePositionLine(int cable);
+
 // The number of the line with the first offset or the spacing of a circuit's bundle, or the
 // heading.
 int bundleLine(int section);
