@@ -108,6 +108,12 @@ TEST(CableZY, BareConductors) {
   EXPECT_LT(std::abs(r.Y[1][1] / Wide(0, TWOPI * 50 * C0) - Wide(1)), 1e-15L);
   EXPECT_EQ(r.Y[0][1], Wide(0));
   EXPECT_GT(std::abs(r.Y[2][3]), 0);
+  RUNDATA.cable.NPIPE = 1; // and a pipe beside it, by the others not seen
+  RUNDATA.cable.pipe = {1, 9, 1, 0, 0, 0, 0.2, 0.21, 0, 2e-7, 1};
+  const Dense Y = solveCables(50.0).Y;
+  EXPECT_EQ(block(Y, 0, 0, 4), r.Y);
+  for (std::size_t i = 0; i < 5; ++i) EXPECT_EQ(Y[4][i], Wide(0));
+  RUNDATA.cable.NPIPE = 0;
   for (int c = 1; c <= 2; ++c) {
     cable(c).CBGLAST = 3;
     cable(c).CBBARE = cable(c).CBELIM1 = true;
