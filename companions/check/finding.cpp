@@ -45,8 +45,7 @@ constexpr KindRow KINDS[] = {
     {Kind::ZeroTolerance, "zero-tolerance", ERROR,
      "Eigenvalue tolerence is 0: the enforcement lifts violations to 0 and no further"},
     {Kind::NoPassivityGrid, "no-passivity-grid", ERROR,
-     "Frequency distribution for passivity check is {}: there are no points, and no violation is "
-     "found"},
+     "{} is {}: there are no points, and no violation is found"},
     {Kind::NoModel, "no-model", ERROR,
      "no section chooses a line model, and the run will end there"},
     // physics

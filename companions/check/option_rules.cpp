@@ -2,6 +2,7 @@
 
 #include "companions/check/traced.h"
 #include "companions/shared/wires.h"
+#include "passivity/passivity_grid.h"
 #include "store/rundata.h"
 
 #include <algorithm>
@@ -16,7 +17,6 @@ constexpr double CLOSEDFORMLIMIT = 1e4; // Hz: closed form between buried cables
 constexpr double AERIALLEAST = 0.01;    // Hz: formula 2 of aerial bodies
 constexpr double DCFREQUENCY = 1e-6;    // Hz, at which the DC correction takes its values
 constexpr int STEPSBELOW = 5;           // of the grid below the fit range
-constexpr int LASTDISTRIBUTION = 3;
 
 // The line of a key, or the section of the model.
 int optionLine(const void* target) {
@@ -72,11 +72,22 @@ void dcCorrection(Findings& findings) {
 
 // --- passivity
 
+void passivityGrid(Findings& findings) {
+  const PassivityOptions& P = RUNDATA.passivity;
+  const bool known = P.PFDIST >= GRIDLOGARITHMIC && P.PFDIST <= GRIDDECADES;
+  const int least = P.PFDIST == GRIDDECADES ? 0 : 1; // a decade has one point at least
+  if (!known) {
+    add(findings, optionLine(&P.PFDIST), Kind::NoPassivityGrid,
+        "Frequency distribution for passivity check", std::to_string(P.PFDIST));
+  } else if (P.NPFINC < least) {
+    add(findings, optionLine(&P.NPFINC), Kind::NoPassivityGrid,
+        "Frequency increments for passivity check", std::to_string(P.NPFINC));
+  }
+}
+
 void passivity(Findings& findings) {
   const PassivityOptions& P = RUNDATA.passivity;
-  const bool known = P.PFDIST >= 1 && P.PFDIST <= LASTDISTRIBUTION;
-  if ((P.PFLOSET || P.PITERSET) && !known)
-    add(findings, optionLine(&P.PFDIST), Kind::NoPassivityGrid, std::to_string(P.PFDIST));
+  if (P.PFLOSET || P.PITERSET) passivityGrid(findings);
   if (!P.PITERSET) return;
   if (P.PMAXERR <= 0) add(findings, optionLine(&P.PMAXERR), Kind::ZeroPassivityError);
   if (P.PEIGTOL <= 0) add(findings, optionLine(&P.PEIGTOL), Kind::ZeroTolerance);

@@ -5,6 +5,10 @@
 //   by decades   m = floor(N / (log10 c - log10 a)) points in each full decade a .. 10 a, evenly
 //                spaced from a on; in the last one floor(m (c - a) / (9 a)) up to c. A decade that
 //                gets none by this count gets the one point a.
+//
+// The formulas hold for falling bounds too: the first two run from a down to c, and by decades the
+// decade of a is the last one, with N and m of opposite signs. A decade whose count is negative
+// gets no point.
 #include "passivity/passivity_grid.h"
 
 #include "base/console.h"
@@ -30,12 +34,6 @@ struct Range {
   stopInStars();
 }
 
-[[noreturn]] void refuseCount(int NINC) {
-  console::openStars();
-  console::print("Too Few Frequency Increments for Passivity Check: {}", NINC);
-  stopInStars();
-}
-
 void checkRoom(double NGRID) {
   if (NGRID <= MAXPASSGRID) return;
   console::openStars();
@@ -43,14 +41,19 @@ void checkRoom(double NGRID) {
   stopInStars();
 }
 
+// A single point has no step.
 void checkSteps(int NINC) {
-  if (NINC < 2) refuseCount(NINC);
   checkRoom(NINC);
+  if (NINC > 1) return;
+  console::openStars();
+  console::print("Too Few Frequency Increments for Passivity Check: {}", NINC);
+  stopInStars();
 }
 
 void layLogarithmic(Range R, int NINC, FrequencyList& FGRID) {
+  if (NINC < 1) return;
   checkSteps(NINC);
-  if (!(R.low > 0 && R.high >= R.low)) refuseRange(R);
+  if (!(R.low > 0 && R.high > 0)) refuseRange(R);
   const double first = std::log10(R.low);
   const double step = (std::log10(R.high) - first) / (NINC - 1);
   for (int i = 1; i <= NINC; ++i) FGRID.f[i] = std::pow(10.0, first + (i - 1) * step);
@@ -58,14 +61,16 @@ void layLogarithmic(Range R, int NINC, FrequencyList& FGRID) {
 }
 
 void layLinear(Range R, int NINC, FrequencyList& FGRID) {
+  if (NINC < 1) return;
   checkSteps(NINC);
-  if (!(R.high >= R.low) || !std::isfinite(R.high - R.low)) refuseRange(R);
+  if (!std::isfinite(R.high - R.low)) refuseRange(R);
   const double step = (R.high - R.low) / (NINC - 1);
   for (int i = 1; i <= NINC; ++i) FGRID.f[i] = R.low + (i - 1) * step;
   FGRID.NGRID = NINC;
 }
 
-// n points from a on, the end not among them; a alone when n = 0.
+// n points from the lower end on, the other end not among them; the lower end alone when n = 0, and
+// none when n < 0.
 void append(FrequencyList& FGRID, Range part, double n) {
   if (n == 0) n = 1;
   checkRoom(FGRID.NGRID + n);
@@ -74,9 +79,9 @@ void append(FrequencyList& FGRID, Range part, double n) {
 }
 
 void layDecades(Range R, int NINC, FrequencyList& FGRID) {
-  if (NINC < 0) refuseCount(NINC);
-  const double decades = R.low > 0 ? std::log10(R.high) - std::log10(R.low) : 0;
-  if (!(decades > 0)) refuseRange(R);
+  const bool positive = R.low > 0 && R.high > 0;
+  const double decades = positive ? std::log10(R.high) - std::log10(R.low) : 0;
+  if (decades == 0) refuseRange(R);
   const double m = std::floor(NINC / decades);
   double a = R.low;
   for (int decade = 1; decade <= MAXDECADES; ++decade) {

@@ -16,6 +16,7 @@
 #include "store/solvedata.h"
 
 #include <cmath>
+#include <fmt/format.h>
 
 namespace lcp {
 
@@ -30,12 +31,17 @@ void checkConductors() {
   stopInStars();
 }
 
-// A grid that cannot be laid is refused before anything is computed.
+// A grid that cannot be laid is refused before anything is computed. Without frequencies no model
+// can be told from a passive one.
 void checkPassivityGrid() {
   static FrequencyList grid;
   const PassivityOptions& P = RUNDATA.passivity;
   if (!RUNDATA.model.MODFDP() || !(P.PFLOSET || P.PITERSET)) return;
   PASSGRID(P.PFLO, P.PFHI, P.NPFINC, P.PFDIST, grid);
+  if (grid.NGRID > 0 || RUNDATA.numerics.IMPROVEDPASSIVITY) return;
+  console::note(fmt::format("the passivity grid has no frequencies (increments {}, distribution "
+                            "{}): no violation will be found",
+                            P.NPFINC, P.PFDIST));
 }
 
 // Larger weights overflow in the sums of squares of the fits.

@@ -116,6 +116,9 @@ const std::vector<Case> CASES = {
      {{WEIGHTS, WEIGHTS + "Maximum iterations for passivity: 3\n"
                           "Frequency distribution for passivity check: 4\n"}},
      {"55 zero-passivity-error", "55 zero-tolerance", "62 no-passivity-grid"}},
+    {LINE,
+     {{WEIGHTS, WEIGHTS + "Lower frequency for passivity check: 1\n"}},
+     {"55 no-passivity-grid"}},
     {HAND, {{BERGERON, ""}, {" : ohms/m", " : Y and Z"}}, {"0 no-model", "0 reader-warning"}, 2},
     // geometry and materials
     {LINE,

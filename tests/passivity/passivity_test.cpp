@@ -133,6 +133,18 @@ TEST(PassivityGrid, Distributions) {
       {{1, true, 2000, 2, 3}, {1, 10, 100, 1000}}, // less than a point a decade
       {{1, true, 100, 5, 0}, {}},
       {{-1, true, -5, -5, 4}, {}},
+      // falling; and counts below 1
+      {{1000, true, 0.1, 5, 1}, {1000, 100, 10, 1, 0.1}},
+      {{10, true, -5, 4, 2}, {10, 5, 0, -5}},
+      {{7, true, 7, 3, 2}, {7, 7, 7}},
+      {{1000, true, 10, 80, 3}, {1000, 752.5, 505, 257.5}}, // floor(-990 / 9000 * -40) points
+      {{1000, true, 10, 2, 3}, {1000}}, // floor(-990 / 9000 * -1) = 0 become one
+      {{1000, true, 10, -80, 3}, {}},
+      {{1000, true, 10, -1, 3}, {1000}}, // floor(-1 / -2) = 0
+      {{10, true, 1000, -5, 3}, {}},
+      {{10, true, 1000, 0, 3}, {10, 100}},
+      {{0, true, 0, 0, 1}, {}},
+      {{0, true, 0, -7, 2}, {}},
   };
   for (const auto& [options, grid] : cases) {
     const FrequencyList& GRID = layGrid(options);
