@@ -1,5 +1,6 @@
-// The fitted functions at the grid points, as the fits left them: what the detail curve files show
-// beside the sampled ones.
+// The fitted functions at the grid points, as the fits left them, whatever an enforcement does to
+// the residues: what the detail curve files show beside the sampled ones. Only the improved
+// enforcement renews them.
 #pragma once
 
 #include "base/big_store.h"

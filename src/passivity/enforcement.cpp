@@ -12,7 +12,6 @@
 
 #include "base/console.h"
 #include "fit/fit_console.h"
-#include "fit/fitted_curves.h"
 #include "kernels/lapack.h"
 #include "kernels/matrix_kernels.h"
 #include "passivity/nodal_admittance.h"
@@ -206,21 +205,10 @@ bool PASSENF(const PassivityOptions& P, const FreqCurve& WFREQ, int NS) {
   return improved;
 }
 
-void renewFittedCurves() {
-  static LineMatrix H;
-  const FrequencyGrid& G = SOLVEDATA.grid;
-  for (int k = 1; k <= G.NFUSE; ++k) {
-    propagationAt(ENFORCE.FRES, Complex(0, G.WFREQ[k]), H);
-    FITTED.H.store(k, H, ENFORCE.NC);
-  }
-}
-
 void enforcePassivity() {
   PASSSETY();
   PASSSETH();
-  if (!PASSENF(RUNDATA.passivity, SOLVEDATA.grid.WFREQ, SOLVEDATA.grid.NFUSE)) return;
-  PASSBACK();
-  if (RUNDATA.fit.WDETAIL) renewFittedCurves();
+  if (PASSENF(RUNDATA.passivity, SOLVEDATA.grid.WFREQ, SOLVEDATA.grid.NFUSE)) PASSBACK();
 }
 
 } // namespace lcp

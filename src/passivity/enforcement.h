@@ -21,7 +21,4 @@ namespace lcp {
 // were improved.
 void enforcePassivity();
 
-// The curves of the fit of H are those of the residues FRES, which go to the file.
-void renewFittedCurves();
-
 } // namespace lcp

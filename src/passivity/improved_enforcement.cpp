@@ -114,21 +114,23 @@ void keepFit(std::string_view why) {
   warn();
 }
 
-void renewAdmittanceCurves() {
-  static LineMatrix Yc;
+// The curves of the fit become those of the residues that go to the file.
+void renewFittedCurves() {
+  static LineMatrix Yc, H;
   const FrequencyGrid& G = SOLVEDATA.grid;
   for (int k = 1; k <= G.NFUSE; ++k) {
-    characteristicAt(Complex(0, G.WFREQ[k]), false, Yc);
+    const Complex s(0, G.WFREQ[k]);
+    characteristicAt(s, false, Yc);
+    propagationAt(ENFORCE.FRES, s, H);
     FITTED.YC.store(k, Yc, ENFORCE.NC);
+    FITTED.H.store(k, H, ENFORCE.NC);
   }
 }
 
 void takeModel() {
   PASSBACK();
   PASSBACKY();
-  if (!RUNDATA.fit.WDETAIL) return;
-  renewFittedCurves();
-  renewAdmittanceCurves();
+  if (RUNDATA.fit.WDETAIL) renewFittedCurves();
 }
 
 // What becomes of the model in the store.

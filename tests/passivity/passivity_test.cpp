@@ -183,6 +183,17 @@ TEST(PassivityCheck, BandsOfAClosedForm) {
   EXPECT_EQ(runChild(PASSCHK).status, 1);
 }
 
+TEST(EnforcedLines, CurvesShowTheFitBeforeIt) {
+  const std::string detail = "Write Detailed Output Files: 1\n";
+  std::string model = mendedFit(0.2);
+  model.insert(model.find("Maximum iterations"), detail);
+  const ProgramRun fit = runSingle(fitOf(0.2, detail)), mended = runSingle(model);
+  ASSERT_TRUE(tells(mended, "Passivity is sucessfully enforced")) << mended.console;
+  EXPECT_NE(fit.files.at("a.cvo"), mended.files.at("a.cvo"));
+  for (const char* file : {"_hmp.out", "_hpp.out", "_ycmp.out"})
+    EXPECT_EQ(fit.files.at(file), mended.files.at(file)) << file;
+}
+
 TEST(EnforcedLines, ArePassiveBetweenThePointsOfTheGrid) {
   const struct {
     ProgramRun run;
