@@ -50,7 +50,7 @@ void solveLine(int n, double length) {
   layGrid();
   firstFrequencyLoop();
   alignVectors();
-  secondFrequencyLoop();
+  for (int k = 1; k <= SOLVEDATA.grid.NFREQ; ++k) secondLoopStep(k);
   formFitWeights();
 }
 

@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <fcntl.h>
+#include <map>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
@@ -16,6 +17,18 @@ namespace lcp {
 namespace {
 
 OpenFile* firstOpen = nullptr;
+
+using Identity = std::pair<dev_t, ino_t>;
+std::map<Identity, std::string> inputs; // their names
+
+Identity identityOf(const struct stat& s) { return {s.st_dev, s.st_ino}; }
+
+bool isInput(const struct stat& file) {
+  const auto input = inputs.find(identityOf(file));
+  struct stat s {};
+  return input != inputs.end() && stat(input->second.c_str(), &s) == 0 &&
+         identityOf(s) == input->first;
+}
 
 constexpr unsigned MEMORYDEVICES = 1; // major number
 constexpr unsigned NULLDEVICE = 3;
@@ -32,28 +45,59 @@ bool locked(int descriptor) {
   return flock(descriptor, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
 }
 
-} // namespace
+// Devices have nothing to empty.
+void empty(int descriptor) { [[maybe_unused]] const int emptied = ftruncate(descriptor, 0); }
 
+// The descriptor, ISINPUT, or -1.
 int openForWriting(const std::string& name, bool alone) {
   constexpr int FLAGS = O_WRONLY | O_CREAT | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
   const int descriptor = open(name.c_str(), FLAGS, 0666);
   if (descriptor < 0) return -1;
   struct stat s {};
   const bool good = fstat(descriptor, &s) == 0 && isFile(s);
+  const bool input = good && isInput(s);
   // A device is nobody's alone.
-  if (!good || (alone && S_ISREG(s.st_mode) && !locked(descriptor))) {
-    close(descriptor);
-    return -1;
+  if (good && !input && (!alone || !S_ISREG(s.st_mode) || locked(descriptor))) return descriptor;
+  close(descriptor);
+  return input ? ISINPUT : -1;
+}
+
+} // namespace
+
+void protectInput(const std::string& name, const struct stat& file) {
+  inputs[identityOf(file)] = name;
+}
+
+void protectInput(const std::string& name) {
+  struct stat s {};
+  if (stat(name.c_str(), &s) == 0 && S_ISREG(s.st_mode)) protectInput(name, s);
+}
+
+void releaseInput(const std::string& name) {
+  struct stat s {};
+  if (stat(name.c_str(), &s) == 0) inputs.erase(identityOf(s));
+}
+
+bool isInput(const std::string& name) {
+  struct stat s {};
+  return stat(name.c_str(), &s) == 0 && isInput(s);
+}
+
+bool isOpenOutput(const struct stat& file) {
+  for (OpenFile* f = firstOpen; f != nullptr; f = f->next) {
+    struct stat s {};
+    if (fstat(f->descriptor, &s) != 0 || identityOf(s) != identityOf(file)) continue;
+    if (f->emptied == Emptied::WHEN_WRITTEN) f->end = EarlyEnd::UNTOUCHED;
+    return true;
   }
-  // Devices have nothing to empty.
-  [[maybe_unused]] const int emptied = ftruncate(descriptor, 0);
-  return descriptor;
+  return false;
 }
 
 bool openListed(OpenFile& file, bool alone) {
   file.collected.clear();
   file.descriptor = openForWriting(file.name, alone);
   if (file.descriptor < 0) return false;
+  if (file.emptied == Emptied::AT_OPENING) empty(file.descriptor);
   file.next = firstOpen;
   firstOpen = &file;
   return true;
@@ -68,9 +112,17 @@ int dropListed(OpenFile& file) {
   return std::exchange(file.descriptor, -1);
 }
 
+bool writeCollected(OpenFile& file, int descriptor) {
+  if (file.emptied == Emptied::WHEN_WRITTEN) empty(descriptor);
+  const bool good = writeAll(descriptor, file.collected);
+  file.collected.clear();
+  return good;
+}
+
 void leave(const OpenFile& file) {
   struct stat s {};
-  if (file.end == EarlyEnd::KEEP || stat(file.name.c_str(), &s) != 0 || !S_ISREG(s.st_mode)) return;
+  if (file.end == EarlyEnd::KEEP || file.end == EarlyEnd::UNTOUCHED) return;
+  if (stat(file.name.c_str(), &s) != 0 || !S_ISREG(s.st_mode)) return;
   // Where even this is refused, the message of the run's end has to do.
   [[maybe_unused]] const int emptied = truncate(file.name.c_str(), 0);
   if (file.end == EarlyEnd::REMOVE) unlink(file.name.c_str());
@@ -88,7 +140,7 @@ bool endOpenFiles() {
     OpenFile& file = *firstOpen;
     const int descriptor = dropListed(file);
     const bool kept = file.end == EarlyEnd::KEEP;
-    bool written = !kept || writeAll(descriptor, file.collected);
+    bool written = !kept || writeCollected(file, descriptor);
     // Network file systems report a full device at the close only.
     written = (close(descriptor) == 0 || !kept) && written;
     if (!written) sayCannotWrite(file.name);

@@ -11,6 +11,12 @@ void stopInStars(std::string_view ending) {
   stop(1);
 }
 
+void stopAtInput(std::string_view name) {
+  console::openStars();
+  console::print("Output File is an Input File of the Run: {}", name);
+  stopInStars("LCPMAIN Ending!");
+}
+
 void stopWithoutMemory() {
   console::flush(); // what was collected makes room for a frame in one piece
   console::text("\n*******************************************\nCorvo.exe: ERROR\n"

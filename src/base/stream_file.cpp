@@ -1,6 +1,6 @@
 #include "base/stream_file.h"
 
-#include "base/write_all.h"
+#include "base/solve_error.h"
 
 #include <unistd.h>
 
@@ -8,28 +8,29 @@ namespace lcp {
 
 bool StreamFile::create(std::string_view name) {
   file.name = name;
-  file.end = EarlyEnd::EMPTY;
-  used = 0;
-  good = openListed(file, true);
-  return good;
+  file.end = EarlyEnd::KEEP;
+  file.collected.reserve(BLOCK);
+  if (openListed(file, true)) return true;
+  if (file.descriptor == ISINPUT) stopAtInput(file.name);
+  return false;
 }
 
 void StreamFile::spill() {
-  good = good && writeAll(file.descriptor, {block.data(), used});
-  used = 0;
+  if (!writeCollected(file, file.descriptor)) file.end = EarlyEnd::EMPTY;
 }
 
 bool StreamFile::close() {
   if (!isOpen()) return false;
   spill();
-  good = (::close(dropListed(file)) == 0) && good;
-  if (!good) leave(file);
-  return good;
+  if (::close(dropListed(file)) != 0) file.end = EarlyEnd::EMPTY;
+  leave(file);
+  return file.end == EarlyEnd::KEEP;
 }
 
 void StreamFile::discard() {
   const int descriptor = dropListed(file);
   if (descriptor >= 0) ::close(descriptor);
+  file.end = EarlyEnd::EMPTY;
   leave(file);
 }
 

@@ -3,7 +3,6 @@
 
 #include "base/open_files.h"
 
-#include <array>
 #include <cstring>
 #include <string_view>
 
@@ -12,16 +11,17 @@ namespace lcp {
 class StreamFile {
 public:
   // Creates or empties the file. False when it cannot be opened for writing, and when another run
-  // has it open. A run that ends before the file is closed leaves it empty.
+  // has it open. A run that ends before the file is closed leaves what was put into it. An input of
+  // the run is left as it is: the run ends with a message, exit status 1.
   bool create(std::string_view name);
   bool isOpen() const { return file.descriptor >= 0; }
 
   // Room for n characters behind what was written, n up to BLOCK; the caller fills all of it.
   char* room(std::size_t n) {
-    if (used + n > BLOCK) spill();
-    char* at = block.data() + used;
-    used += n;
-    return at;
+    std::string& block = file.collected;
+    if (block.size() + n > BLOCK) spill();
+    block.resize(block.size() + n);
+    return block.data() + block.size() - n;
   }
   void put(std::string_view words) {
     if (!words.empty()) std::memcpy(room(words.size()), words.data(), words.size());
@@ -40,10 +40,7 @@ public:
   static constexpr std::size_t BLOCK = 1 << 14; // characters collected before they are written
 
 private:
-  OpenFile file;
-  std::array<char, BLOCK> block;
-  std::size_t used = 0;
-  bool good = false;
+  OpenFile file; // to be kept, or empty after a write that failed
 
   void spill();
 };

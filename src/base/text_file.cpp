@@ -1,27 +1,30 @@
 #include "base/text_file.h"
 
 #include "base/console.h"
+#include "base/solve_error.h"
 #include "base/stop.h"
-#include "base/write_all.h"
 
 #include <unistd.h>
 
 namespace lcp {
 
-bool TextFile::open(std::string_view name, EarlyEnd end) {
+bool TextFile::open(std::string_view name, EarlyEnd end, Emptied emptied) {
+  drop();
   const auto last = name.find_last_not_of(' ');
   file.name = name.substr(0, last == std::string_view::npos ? 0 : last + 1);
   file.end = end;
-  return openListed(file);
+  file.emptied = emptied;
+  if (openListed(file)) return true;
+  if (file.descriptor == ISINPUT) stopAtInput(file.name);
+  return false;
 }
 
 void TextFile::close() {
   const int descriptor = dropListed(file);
   if (descriptor < 0) return;
-  bool good = writeAll(descriptor, file.collected);
+  bool good = writeCollected(file, descriptor);
   // Network file systems report a full device at the close only.
   good = (::close(descriptor) == 0) && good;
-  file.collected.clear();
   if (good) return;
   leave(file);
   sayCannotWrite(file.name);
@@ -35,7 +38,7 @@ void TextFile::refuseNumber() const {
   stop(1);
 }
 
-TextFile::~TextFile() {
+void TextFile::drop() {
   const int descriptor = dropListed(file);
   if (descriptor >= 0) ::close(descriptor);
 }

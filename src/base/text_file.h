@@ -10,10 +10,11 @@ namespace lcp {
 
 class TextFile {
 public:
-  // Creates or empties the file. False when it cannot be opened for writing. The name may have
-  // blanks behind it; a blank name cannot be opened. A run that ends before the file is closed
-  // leaves of it what the early end says.
-  bool open(std::string_view name, EarlyEnd end);
+  // Creates or empties the file, which starts anew if it is open. False when it cannot be opened
+  // for writing. The name may have blanks behind it; a blank name cannot be opened. A run that ends
+  // before the file is closed leaves of it what the early end says. An input of the run is left as
+  // it is: the run ends with a message, exit status 1.
+  bool open(std::string_view name, EarlyEnd end, Emptied emptied = Emptied::AT_OPENING);
 
   // A record with a value that is not finite ends the run with a message, exit status 1.
   void line(std::string_view words = {}) { file.collected.append(words).push_back('\n'); }
@@ -29,11 +30,12 @@ public:
   TextFile() = default;
   TextFile(const TextFile&) = delete;
   TextFile& operator=(const TextFile&) = delete;
-  ~TextFile();
+  ~TextFile() { drop(); }
 
 private:
   OpenFile file;
 
+  void drop(); // closes it as it is
   [[noreturn]] void refuseNumber() const;
 };
 

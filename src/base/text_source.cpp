@@ -1,5 +1,8 @@
 #include "base/text_source.h"
 
+#include "base/open_files.h"
+#include "base/solve_error.h"
+
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -7,18 +10,22 @@
 
 namespace lcp {
 
-bool TextSource::open(std::string_view name) {
+bool TextSource::open(std::string_view name, bool mayBeOutput) {
   close();
   const auto last = name.find_last_not_of(' ');
   if (last == std::string_view::npos) return false;
+  const std::string file(name.substr(0, last + 1));
   // Not blocking: a named pipe must not hold the run up before it is refused.
-  descriptor =
-      ::open(std::string(name.substr(0, last + 1)).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+  descriptor = ::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
   struct stat info {};
   if (descriptor < 0) return false;
   if (fstat(descriptor, &info) != 0 || !S_ISREG(info.st_mode)) {
     close();
     return false;
+  }
+  if (!mayBeOutput) {
+    if (isOpenOutput(info)) stopAtInput(file);
+    protectInput(file, info);
   }
   skipByteOrderMark();
   return true;

@@ -12,8 +12,9 @@ class TextSource {
 public:
   // Opens a regular file for reading. False for a missing or unreadable file, a directory, a
   // device, or a blank name; the name may have blanks behind it. A byte order mark of UTF-8 at the
-  // start is dropped.
-  bool open(std::string_view name);
+  // start is dropped. No output may take the place of the file from now on, unless it may be one
+  // itself; one that has ends the run with a message, exit status 1.
+  bool open(std::string_view name, bool mayBeOutput = false);
   void close();
 
   enum class Result { Record, End, Error };

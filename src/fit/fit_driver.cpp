@@ -58,8 +58,26 @@ void makeSymmetric() {
   }
 }
 
+void checkDelay(double tau) {
+  if (tau < 0.0) {
+    console::openStars();
+    console::print("The travel time ({} s) is negative ", tau);
+    stopInStars();
+  }
+  if (tau > LARGEDELAY) {
+    console::print("*WARNING*: The travel time ({} s ) ", tau);
+    console::line(" is very large");
+  }
+}
+
+} // namespace
+
 void fitAdmittance() {
   const FitOptions& F = RUNDATA.fit;
+  FITMODEL.NC = RUNDATA.line.NC;
+  mapResidues(FITMODEL, FITMODEL.NC);
+  FITTED.YC.map(FITMODEL.NC);
+  FITTED.H.map(FITMODEL.NC);
   printHeading();
   const AdmittanceWish wish{F.ERRY * PERCENT, F.MAXPY, F.DCCORR};
   if (RUNDATA.numerics.IMPROVEDFITS) {
@@ -84,29 +102,6 @@ void fitPropagation() {
   } else {
     HFIT(wish);
   }
-}
-
-void checkDelay(double tau) {
-  if (tau < 0.0) {
-    console::openStars();
-    console::print("The travel time ({} s) is negative ", tau);
-    stopInStars();
-  }
-  if (tau > LARGEDELAY) {
-    console::print("*WARNING*: The travel time ({} s ) ", tau);
-    console::line(" is very large");
-  }
-}
-
-} // namespace
-
-void FITDRIVE() {
-  FITMODEL.NC = RUNDATA.line.NC;
-  mapResidues(FITMODEL, FITMODEL.NC);
-  FITTED.YC.map(FITMODEL.NC);
-  FITTED.H.map(FITMODEL.NC);
-  fitAdmittance();
-  fitPropagation();
 }
 
 void CHECKDELAYS() {

@@ -4,9 +4,10 @@
 
 namespace lcp {
 
-// Fits Yc and H of the solve store into FITMODEL, with the options of the run store, and prints the
-// fit tables.
-void FITDRIVE();
+// Fit Yc, and behind it H, of the solve store into FITMODEL, with the options of the run store, and
+// print the fit tables.
+void fitAdmittance();
+void fitPropagation();
 
 // Closes the tables. A negative delay of the fit ends the run with a message, exit status 1; one
 // above 1 s is warned of.

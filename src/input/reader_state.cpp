@@ -1,13 +1,10 @@
 #include "input/reader_state.h"
 
 #include "base/console.h"
-#include "base/open_files.h"
 #include "base/stop.h"
+#include "base/text_file.h"
 #include "base/text_source.h"
-#include "base/write_all.h"
 #include "store/rundata.h"
-
-#include <unistd.h>
 
 namespace lcp {
 
@@ -16,16 +13,11 @@ ReaderState READER;
 namespace {
 
 constexpr const char* DEBUGNAME = "DEBUG.OUT";
-int debugFile = -1; // descriptor
-TextSource source;  // the description file
+TextSource source; // the description file
 
-// Each line is written at once: the trace is read after runs that ended early.
-void writeDebug(std::string_view words) {
-  if (writeAll(debugFile, fmt::format("{}\n", words))) return;
-  sayCannotWrite(DEBUGNAME);
-  console::line("READTLDATA Ending!");
-  stop(1);
-}
+// Emptied and written when the description has been read, or the run ends before: an input may be a
+// file of that name.
+TextFile debugFile;
 
 } // namespace
 
@@ -37,6 +29,7 @@ bool openReader(std::string_view name) {
 
 void closeReader() {
   source.close();
+  debugFile.close();
   READER.LINE = {};
 }
 
@@ -99,12 +92,9 @@ void checkConductorCount(int count) {
 }
 
 void setDebugFile(bool on) {
-  if (debugFile >= 0) close(debugFile);
-  debugFile = -1;
   RUNDATA.run.DEBUGF = on;
   if (!on) return;
-  debugFile = openForWriting(DEBUGNAME);
-  if (debugFile < 0) {
+  if (!debugFile.open(DEBUGNAME, EarlyEnd::KEEP, Emptied::WHEN_WRITTEN)) {
     console::line();
     console::rule('*', console::STARS);
     console::line("Error in Opening Debug Output File DEBUG.OUT");
@@ -112,11 +102,11 @@ void setDebugFile(bool on) {
     console::line("READTLDATA Ending!");
     stop(1);
   }
-  writeDebug(fmt::format("File {} Opened, Reading Data.", RUNDATA.run.FNAME.text()));
+  progress(fmt::format("File {} Opened, Reading Data.", RUNDATA.run.FNAME.text()));
 }
 
 void progress(std::string_view words) {
-  if (RUNDATA.run.DEBUGF) writeDebug(words);
+  if (RUNDATA.run.DEBUGF) debugFile.line(words);
 }
 
 } // namespace lcp

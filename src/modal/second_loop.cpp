@@ -8,7 +8,6 @@
 // lossless mode: its conjugate is taken, so that every mode decays.
 #include "modal/second_loop.h"
 
-#include "base/console.h"
 #include "base/constants.h"
 #include "kernels/hyperbolic.h"
 #include "kernels/inversion.h"
@@ -136,25 +135,21 @@ void alignVectors() {
   }
 }
 
-void secondFrequencyLoop() {
+void secondLoopStep(int k) {
   FirstLoopStore& S = SOLVEDATA.first;
   const int n = RUNDATA.line.NC;
-  if (RUNDATA.model.MODMFDTD()) return;
-  for (int k = 1; k <= SOLVEDATA.grid.NFREQ; ++k) {
-    loadStep(k, n);
-    scaleEigenvalues(k, n);
-    formModalMatrices(SOLVEDATA.second.YM, SOLVEDATA.second.ZM, S.YMAT, S.ZMAT, S.TI, S.TIINV, n);
-    formModes(n);
-    if (RUNDATA.model.MODBERG()) {
-      storeLosses(k, n);
-    } else {
-      storeModes(k, n);
-      storeVectors(k, n);
-      storePhaseFunctions(k, n);
-    }
-    storeTravelTimes(k, n);
+  loadStep(k, n);
+  scaleEigenvalues(k, n);
+  formModalMatrices(SOLVEDATA.second.YM, SOLVEDATA.second.ZM, S.YMAT, S.ZMAT, S.TI, S.TIINV, n);
+  formModes(n);
+  if (RUNDATA.model.MODBERG()) {
+    storeLosses(k, n);
+  } else {
+    storeModes(k, n);
+    storeVectors(k, n);
+    storePhaseFunctions(k, n);
   }
-  if (RUNDATA.run.DEBUGF) console::line(" FINISHED SECOND FREQUENCY LOOP !");
+  storeTravelTimes(k, n);
 }
 
 void formFitWeights() {

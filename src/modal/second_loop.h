@@ -7,9 +7,9 @@ namespace lcp {
 // solution is real and positive. Not for an ideally transposed line, nor for MFDTD.
 void alignVectors();
 
-// Fills the second loop's store from YSTORE, ZSTORE, MEIG and MTI; MEIG becomes the squared
-// propagation constant in 1/m^2, TI and TIINV end as those of the last step, with unit columns.
-void secondFrequencyLoop();
+// Fills the second loop's store at step k from YSTORE, ZSTORE, MEIG and MTI; MEIG becomes the
+// squared propagation constant in 1/m^2, TI and TIINV those of the step, with unit columns.
+void secondLoopStep(int k);
 
 // NFUSE and the fit weights: WF1 below the steady-state frequency, WF2 at the step at or just below
 // it, WF3 above.

@@ -152,6 +152,14 @@ void closeFile(CurveId id) {
 
 } // namespace
 
+std::vector<std::string> curveFileNames() {
+  std::vector<std::string> names;
+  for (const CurveRow& row : TABLE) {
+    if (RUNDATA.fit.WDETAIL && fitsRun(row)) names.push_back(curveName(row));
+  }
+  return names;
+}
+
 void headCurve(CurveId id) {
   const CurveRow* row = curveRow(id);
   if (row == nullptr) return;
@@ -168,10 +176,6 @@ void headCurve(CurveId id) {
 
 void closeCurve(CurveId id) {
   if (isOpen(id)) closeFile(id);
-}
-
-void discardCurve(CurveId id) {
-  if (isOpen(id)) fileOf(id).discard();
 }
 
 bool CurveFile::open(CurveId id) {

@@ -6,6 +6,8 @@
 #include "base/stream_file.h"
 
 #include <cmath>
+#include <string>
+#include <vector>
 
 namespace lcp {
 
@@ -44,15 +46,18 @@ enum class CurveId {
 constexpr int ROWVALUES = 403; // numbers on a line of a curve file
 
 // The files of a solve are opened with their headers, once, and stay open until their rows are
-// written. They are an extra: what cannot be written is told on the console in one line, once a
-// solve, and left empty, and the run goes on. Values that are no numbers count as such trouble.
+// written; a run that ends before leaves the header and the rows so far. They are an extra: what
+// cannot be written is told on the console in one line, once a solve, and left empty, and the run
+// goes on. Values that are no numbers count as such trouble.
+
+// The names of those that the run has.
+std::vector<std::string> curveFileNames();
 
 // Opens the file of that kind and writes its header, if the run has it.
 void headCurve(CurveId id);
 
-// Completes the file with what it has, or leaves it empty, if it is open.
+// Completes the file with what it has, if it is open.
 void closeCurve(CurveId id);
-void discardCurve(CurveId id);
 
 // The rows of a file that has its header.
 class CurveFile {

@@ -1,5 +1,6 @@
 #include "output/curve_files.h"
 
+#include "modal/frequency_grid.h"
 #include "output/curve_file.h"
 #include "output/curve_rows.h"
 #include "store/rundata.h"
@@ -44,14 +45,14 @@ void headCurves() {
 
 void closeHeadedCurves() { forAllCurves(closeCurve); }
 
-void discardHeadedCurves() { forAllCurves(discardCurve); }
-
-void writeEndCurves() {
-  const CurveSteps steps = gridSteps();
-  if (!wanted(RUNDATA.model.MODFDM() || RUNDATA.model.MODFDP()) || steps.empty()) return;
-  headCurve(CurveId::GDIS);
-  headCurve(CurveId::GDIO);
-  writeSentVoltages(steps);
+void writeEndCurves(int k) {
+  const int NFREQ = SOLVEDATA.grid.NFREQ;
+  const int last = isConstantTransformStep(NFREQ) ? NFREQ - 1 : NFREQ;
+  if (!wanted(RUNDATA.model.MODFDM() || RUNDATA.model.MODFDP())) return;
+  if (k < FIRSTFITTED || k > last) return;
+  if (k == FIRSTFITTED) openSentVoltages();
+  writeSentVoltages(k);
+  if (k == last) closeSentVoltages();
 }
 
 void writeModeCurves() {
@@ -70,9 +71,12 @@ void writePhaseLineCurves() {
   writeEigenvalues(phaseSteps());
 }
 
-void writePhaseFitCurves() {
+void writeAdmittanceFitCurves() {
+  if (wanted(RUNDATA.model.MODFDP())) writeAdmittanceFit(fitSteps(LONGTABLE));
+}
+
+void writePropagationFitCurves() {
   if (!wanted(RUNDATA.model.MODFDP())) return;
-  writeAdmittanceFit(fitSteps(LONGTABLE));
   writeGroupFits(fitSteps(LONGHTABLE));
   writePropagationFit(fitSteps(LONGHTABLE));
 }

@@ -8,23 +8,23 @@ namespace lcp {
 // Before the first frequency loop: all files with their headers, but those of the next routine.
 void headCurves();
 
-// Behind the second frequency loop: what the phases of a three-phase line see at their ends.
-void writeEndCurves();
+// In the second frequency loop, behind step k: what the phases of a three-phase line see at their
+// ends. Opened at the first step that has a row.
+void writeEndCurves(int k);
 
 // Mode model, behind its model file.
 void writeModeCurves();
 
-// Phase model, before its model file and behind its fits.
+// Phase model, before its model file and behind each of its fits.
 void writePhaseLineCurves();
-void writePhaseFitCurves();
+void writeAdmittanceFitCurves();
+void writePropagationFitCurves();
 
 // MFDTD model: behind its fit, and behind the model file.
 void writeSeriesFitCurves();
 void writeSeriesLineCurves();
 
-// What is still open when the model file is complete holds its header alone. Without a model file
-// nothing is left in it.
+// What is still open when the model file is complete, or cannot be opened, holds its header alone.
 void closeHeadedCurves();
-void discardHeadedCurves();
 
 } // namespace lcp

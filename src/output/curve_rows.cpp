@@ -9,7 +9,6 @@
 #include "fit/mode_model.h"
 #include "fit/series_fit.h"
 #include "kernels/hyperbolic.h"
-#include "kernels/inversion.h"
 #include "output/curve_file.h"
 #include "store/fitmodel.h"
 #include "store/rundata.h"
@@ -131,28 +130,25 @@ void writeInputImpedances(CurveId id, FarEnd end, CurveSteps steps) {
   });
 }
 
-// TI^-1 of a step. That of an ideally transposed line stands, the same at all steps.
-void loadInverse(int k, int n, LineMatrix& TIINV) {
-  static LineMatrix TI;
-  SOLVEDATA.second.TIST.load(k, TI, n);
-  INVCJD(TIINV, TI, n);
-}
+struct EndCurve {
+  CurveId id;
+  FarEnd end;
+  CurveFile file;
+  bool open = false;
+};
 
-void writeVoltages(CurveId id, FarEnd end, CurveSteps steps) {
-  static LineMatrix inverse;
+EndCurve ENDCURVES[] = {{GDIS, FarEnd::SHORTED, {}}, {GDIO, FarEnd::OPEN, {}}};
+
+void putVoltages(CurveFile& file, FarEnd end, int k) {
+  const LineMatrix& TIINV = SOLVEDATA.first.TIINV;
   const int n = RUNDATA.line.NC;
-  const bool fixed = SOLVEDATA.first.IDEALT;
-  const LineMatrix& TIINV = fixed ? SOLVEDATA.first.TIINV : inverse;
-  writeRows(id, steps, RowFrequency::GRID, [&](CurveFile& file, int k) {
-    if (!fixed) loadInverse(k, n, inverse);
-    for (int j = 1; j <= n; ++j) {
-      Complex V = 0;
-      for (int i = 1; i <= n; ++i) {
-        V += TIINV(i, j) * INJECTED * TIINV(i, 1) * inputImpedance(end, k, i);
-      }
-      putPolar(file, V);
+  for (int j = 1; j <= n; ++j) {
+    Complex V = 0;
+    for (int i = 1; i <= n; ++i) {
+      V += TIINV(i, j) * INJECTED * TIINV(i, 1) * inputImpedance(end, k, i);
     }
-  });
+    putPolar(file, V);
+  }
 }
 
 // ---- fits
@@ -253,9 +249,27 @@ void writeFewConductors(CurveSteps steps) {
   writeInputImpedances(OPEN, FarEnd::OPEN, steps);
 }
 
-void writeSentVoltages(CurveSteps steps) {
-  writeVoltages(GDIS, FarEnd::SHORTED, steps);
-  writeVoltages(GDIO, FarEnd::OPEN, steps);
+void openSentVoltages() {
+  for (EndCurve& c : ENDCURVES) {
+    headCurve(c.id);
+    c.open = c.file.open(c.id);
+  }
+}
+
+void writeSentVoltages(int k) {
+  for (EndCurve& c : ENDCURVES) {
+    if (!c.open) continue;
+    startRow(c.file, RowFrequency::GRID, k);
+    putVoltages(c.file, c.end, k);
+    c.file.endRow();
+  }
+}
+
+void closeSentVoltages() {
+  for (EndCurve& c : ENDCURVES) {
+    if (c.open) c.file.close();
+    c.open = false;
+  }
 }
 
 void writeModeFits(CurveSteps steps) {

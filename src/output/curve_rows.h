@@ -25,8 +25,10 @@ void writeTransformation(CurveSteps steps);
 void writeFewConductors(CurveSteps steps);
 
 // Three conductors overhead: voltages of the phases at the sending end for 3 A in the first, with
-// the far end shorted and open.
-void writeSentVoltages(CurveSteps steps);
+// the far end shorted and open. A row a step, in the second frequency loop, whose TIINV it takes.
+void openSentVoltages();
+void writeSentVoltages(int k);
+void closeSentVoltages();
 
 // ---- fits
 

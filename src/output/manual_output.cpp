@@ -22,9 +22,15 @@ namespace {
 
 } // namespace
 
+bool isModelReplaced() {
+  const ModelChoice& M = RUNDATA.model;
+  return RUNDATA.display.MANOUT && RUNDATA.run.DATAFMT != ROUTEMANUAL &&
+         (M.MODFDP() || M.MODMFDTD());
+}
+
 bool copyManualOutput() {
   TextSource source;
-  if (!source.open(RUNDATA.display.MANOUTF.whole())) {
+  if (!source.open(RUNDATA.display.MANOUTF.whole(), true)) {
     sayCannotOpen(RUNDATA.display.MANOUTF);
     return false;
   }

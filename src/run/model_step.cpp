@@ -53,11 +53,16 @@ void checkAsAsked() {
   PASSCHK();
 }
 
-void phaseModel(TextFile& file) {
+// What the fits left is written as they end. Improved Passivity may change it.
+void FITDRIVE(TextFile& file) {
   const PassivityOptions& P = RUNDATA.passivity;
-  FITDRIVE();
+  const bool changes = P.PITERSET && RUNDATA.numerics.IMPROVEDPASSIVITY;
+  fitAdmittance();
+  if (!changes) writeAdmittanceFitCurves();
+  fitPropagation();
   if (P.PITERSET) enforceAsAsked();
-  writePhaseFitCurves();
+  if (changes) writeAdmittanceFitCurves();
+  writePropagationFitCurves();
   CHECKDELAYS();
   writePhaseModel(file);
   if (P.PFLOSET && !P.PITERSET) checkAsAsked();
@@ -71,8 +76,8 @@ void beforeTheFile() {
     } else {
       fitSeriesImpedance();
     }
-    formSeriesShunt(shunt);
     writeSeriesFitCurves();
+    formSeriesShunt(shunt);
   }
   writePhaseLineCurves();
 }
@@ -82,7 +87,7 @@ void writeModel(TextFile& file) {
   if (M.MODPI()) piModel(file);
   if (M.MODBERG()) writeBergeronModel(file);
   if (M.MODFDM()) modeModel(file);
-  if (M.MODFDP()) phaseModel(file);
+  if (M.MODFDP()) FITDRIVE(file);
   if (M.MODMFDTD()) writeMfdtdModel(file, shunt);
   file.close();
 }
@@ -93,23 +98,18 @@ void behindTheFile() {
   closeHeadedCurves();
 }
 
-bool isReplaced() {
-  const ModelChoice& M = RUNDATA.model;
-  return RUNDATA.display.MANOUT && (M.MODFDP() || M.MODMFDTD());
-}
-
 } // namespace
 
 bool runModelStep() {
   TextFile file;
   beforeTheFile();
   if (!openOutput(file, RUNDATA.run.FOUTM, EarlyEnd::REMOVE)) {
-    discardHeadedCurves();
+    closeHeadedCurves();
     return false;
   }
   writeModel(file);
   behindTheFile();
-  return !isReplaced() || copyManualOutput();
+  return !isModelReplaced() || copyManualOutput();
 }
 
 } // namespace lcp

@@ -57,6 +57,17 @@ void checkWeights() {
   }
 }
 
+// Modal and phase-domain functions at every step of the grid, and what the phases see at the ends
+// of the line, into its curve files. MFDTD has no modes.
+void secondFrequencyLoop() {
+  if (RUNDATA.model.MODMFDTD()) return;
+  for (int k = 1; k <= SOLVEDATA.grid.NFREQ; ++k) {
+    secondLoopStep(k);
+    writeEndCurves(k);
+  }
+  if (RUNDATA.run.DEBUGF) console::line(" FINISHED SECOND FREQUENCY LOOP !");
+}
+
 // Y and Z that are not computed stay those of the last step.
 void runComponent() {
   const FirstLoopStore& S = SOLVEDATA.first;
@@ -81,7 +92,6 @@ void QUENT() {
   alignVectors();
   secondFrequencyLoop();
   if (RUNDATA.model.fitted()) formFitWeights();
-  writeEndCurves();
   if (!runModelStep()) return;
   runComponent();
   if (RUNDATA.run.DATAFMT != ROUTEMULTIPLE) runReport();

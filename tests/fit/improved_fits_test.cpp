@@ -35,7 +35,7 @@ std::string phaseFitOf(const std::string& body, double length) {
   solveBothLoops(body, length);
   formFitWeights();
   RUNDATA.run.WARNFLAG = false;
-  return consoleOf([] { FITDRIVE(); });
+  return consoleOf([] { fitAdmittance(), fitPropagation(); });
 }
 
 bool has(const std::string& text, const std::string& words) {

@@ -3,6 +3,7 @@
 #include "output/curve_files.h"
 
 #include "base/constants.h"
+#include "base/stop.h"
 #include "modal/second_loop.h"
 #include "output/curve_file.h"
 #include "store/rundata.h"
@@ -208,6 +209,19 @@ TEST(CurveFiles, HalfTurnsArePositiveAndNoNumbersStayOut) {
     headCurves(), writePhaseLineCurves();
   };
   EXPECT_EQ(textOf(written(cut, "Error in Writing Detail Curve File: x_zm.out\n"), "zm"), "");
+}
+
+// A run that ends in its second loop leaves headers, and the rows of the steps behind it.
+TEST(CurveFiles, KeepTheirRowsWhereTheRunEnds) {
+  solveBothLoops(singleCircuit(modeModel("Write Detailed Output Files: 1\n")), LENGTH);
+  const Files files = written([] {
+    headCurves();
+    for (int k = 1; k <= 8; ++k) writeEndCurves(k);
+    stop(0);
+  });
+  EXPECT_EQ(rowsOf(files, "gdis").size(), 3U);
+  EXPECT_EQ(rowsOf(files, "gdio").at(2).at(1), rowsOf(files, "gdis").at(2).at(1));
+  EXPECT_EQ(textOf(files, "zm"), "   LOG10(FN) FN  Calc. Mag.: Z11, Z12 ... Z21, Z22 ... [ohms]\n");
 }
 
 // Trouble is told and changes nothing else. Names stay in the directory.

@@ -289,8 +289,8 @@ TEST(PhaseModel, FitsWithoutFiniteNumbersAreRefused) {
   SecondLoopStore& T = SOLVEDATA.second;
   const double none = std::nan("");
   const std::pair<const char*, std::function<void()>> cases[] = {
-      {"Characteristic Admittance", [&] { T.YCST(9, 1, 2) = none, FITDRIVE(); }},
-      {"Propagation Function", [&] { T.HST(9, 1, 2) = none, FITDRIVE(); }},
+      {"Characteristic Admittance", [&] { T.YCST(9, 1, 2) = none, fitAdmittance(); }},
+      {"Propagation Function", [&] { T.HST(9, 1, 2) = none, fitPropagation(); }},
       {"Mode", [&] { T.ZSURGST(9, 1) = none, fitSurgeImpedance(1); }},
   };
   for (const auto& [what, fit] : cases) {

@@ -53,8 +53,9 @@ TEST(Program, LengthStepsAreRunsOfTheirOwn) {
 }
 
 // Of a run that ends early: refusals ahead of the files leave the old ones; a model file is whole
-// or absent, and no report goes without it; a report keeps what tells why; a curve file is whole or
-// empty. An output file that cannot be opened leaves the solve, a pipe without a reader too.
+// or absent, and no report goes without it; a report keeps what tells why; a curve file its header
+// and the rows so far. An output file that cannot be opened leaves the solve, a pipe without a
+// reader too.
 TEST(Program, EarlyEndsLeaveFilesInOrder) {
   const std::string surge = "Data Entry Format:  Surge Impedance and Travel Time\n"
                             "+ve Sequence Resistance: 2e-5\n+ve Sequence Travel Time: 3.4e-9\n"
@@ -78,8 +79,8 @@ TEST(Program, EarlyEndsLeaveFilesInOrder) {
        "oooo"},
       {manualLineOf(3, surge + "2\n", display("Frequency for Calculation : 1e308")),
        "The velocity (inf ) is not finite", "nnoo"},
-      {singleCircuit(phaseModel(curves + "DC Correction Type: 1\n")), "Singularity occurs", "-one"},
-      {singleCircuit(phaseModel(curves)), "Cannot Open Output file", "/one", 0},
+      {singleCircuit(phaseModel(curves + "DC Correction Type: 1\n")), "Singularity occurs", "-onn"},
+      {singleCircuit(phaseModel(curves)), "Cannot Open Output file", "/onn", 0},
       {singleCircuit(bergeronModel()), blocked + "a.cvo\n", "|ooo", 0},
       {singleCircuit(bergeronModel()), blocked + "a.out\n", "n|oo", 0},
   };

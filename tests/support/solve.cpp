@@ -92,7 +92,7 @@ void solveFirstLoop(const std::string& body, double length) {
 void solveBothLoops(const std::string& body, double length) {
   solveFirstLoop(body, length);
   alignVectors();
-  secondFrequencyLoop();
+  for (int k = 1; k <= SOLVEDATA.grid.NFREQ && !RUNDATA.model.MODMFDTD(); ++k) secondLoopStep(k);
 }
 
 } // namespace lcp::test
