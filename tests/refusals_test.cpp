@@ -9,6 +9,7 @@
 //                       when the status is 0
 //   ---                 then the lines of the input; without it the arguments are all there are
 //   --- NAME            then a further file beside the description; a directory is NAME/
+//   --- NAME -> OTHER   a symbolic link to another file, or => a hard one
 //   --- console         then what is printed behind the banner and the echo of the arguments, line
 //                       by line; a line "..." stands for any number of lines
 //   --- errors          then the lines of the error stream, none when not given
@@ -87,10 +88,19 @@ std::string differences(Refusal r) {
   std::string console = "Line Constants Program for the ORVEX V5\nBuild: 2022.10.28\n\n";
   for (std::size_t i = 1; r.parts.contains("input") && i < arguments.size(); i += 2)
     console += fmt::format(fmt::runtime(echoes.at(arguments[i - 1])), arguments[i]);
+  const auto linkIn = [](const std::string& name) { return name.find("> "); };
   for (const auto& [name, text] : r.parts) {
-    if (name == "console" || name == "errors") continue;
+    if (name == "console" || name == "errors" || linkIn(name) != name.npos) continue;
     if (name.ends_with('/')) std::filesystem::create_directory(scratch.file(name));
     if (!name.ends_with('/')) scratch.file(name == "input" ? r.keys["file"] : name, text);
+  }
+  for (const auto& part : r.parts) {
+    const std::string& name = part.first;
+    const std::size_t at = linkIn(name);
+    if (at == name.npos) continue;
+    const std::string link = scratch.file(name.substr(0, at - 2)), other = name.substr(at + 2);
+    if (name[at - 1] == '-') std::filesystem::create_symlink(other, link);
+    if (name[at - 1] == '=') std::filesystem::create_hard_link(scratch.file(other), link);
   }
   const ProgramRun run = runProgram(arguments, scratch.path());
   std::string files, report;

@@ -1,5 +1,6 @@
 #include "companions/batch/batch.h"
 
+#include "base/open_files.h"
 #include "companions/batch/case_run.h"
 #include "companions/batch/hand_over.h"
 #include "companions/batch/process.h"
@@ -29,6 +30,7 @@ constexpr int NOTBEGUN = 3; // exit status
 constexpr int FAILED = 1;
 constexpr int BEHINDSIGNAL = 128;
 constexpr std::string_view SUMMARY = "summary.tsv";
+constexpr std::string_view INDEX = "index.html";
 
 constexpr OptionRow OPTIONS[] = {
     {"--vary", "KEY=A,B,...", "LIST is a description: a case for each value of this key"},
@@ -117,6 +119,31 @@ CaseWishes wishesOf(const Arguments& given) {
   return wishes;
 }
 
+// What the batch itself writes; the runs look after their own files.
+std::vector<fs::path> filesOfBatch(const std::vector<BatchCase>& cases, const fs::path& work,
+                                   bool plots) {
+  std::vector<fs::path> files = {work / CASESFILE, work / SUMMARY, work / INDEX};
+  for (const std::string_view name : filesOnTheWay()) files.push_back(work / name);
+  for (const BatchCase& c : cases) {
+    const fs::path copy = c.folder / c.source.filename();
+    files.push_back(c.folder / STATUSFILE);
+    files.push_back(c.folder / CONSOLEFILE);
+    if (plots) files.push_back(fs::path(copy).replace_extension(".html"));
+    std::error_code none;
+    if (!fs::equivalent(copy, c.source, none)) files.push_back(copy);
+  }
+  return files;
+}
+
+// Nothing that the batch reads may be among its own files.
+void refuseInputs(const std::vector<BatchCase>& cases, const fs::path& work, bool varied,
+                  bool plots) {
+  if (!varied) std::for_each(cases.begin(), cases.end(), protectInputs);
+  for (const fs::path& file : filesOfBatch(cases, work, plots))
+    if (isInput(file))
+      refuse(fmt::format("{} would be overwritten: it is an input", file.string()));
+}
+
 [[noreturn]] void refuseFolder(const fs::path& work) {
   giveUp(BATCH.name, fmt::format("cannot write {}: {}", work.string(), std::strerror(errno)),
          FAILED);
@@ -174,7 +201,7 @@ bool tellAll(const CaseList& list, const std::vector<Facts>& facts, const fs::pa
              bool index) {
   const std::string summary = summaryOf(list, facts);
   bool good = writeWhole(work / SUMMARY, summary);
-  if (good && index) good = writeWhole(work / "index.html", indexOf(list, facts, work));
+  if (good && index) good = writeWhole(work / INDEX, indexOf(list, facts, work));
   if (!good) tell(fmt::format("cannot write {}: {}", work.string(), std::strerror(errno)));
   say(summary);
   if (!saidAll()) tell("the summary cannot be written");
@@ -208,9 +235,11 @@ int runWhole(const Arguments& given) {
     refuse("no tab and no line end may stand in the name of the folder");
   takeFolder(work);
   cancelEarlier(work);
+  protectInput(fs::absolute(list));
   const CaseList cases = casesOf(given, list, work);
   if (!cases.trouble.empty())
     giveUp(BATCH.name, cases.trouble, cases.notWritten ? FAILED : NOTBEGUN);
+  refuseInputs(cases.cases, work, given.has("--vary"), hands.wishes.plot);
   if (!writeWhole(work / CASESFILE, tableOf(cases.cases))) refuseFolder(work);
   const double start = now();
   const auto open = openCases(cases.cases, hands.wishes, given.has("--resume"));

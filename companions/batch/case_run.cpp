@@ -1,5 +1,6 @@
 #include "companions/batch/case_run.h"
 
+#include "base/open_files.h"
 #include "companions/batch/process.h"
 #include "companions/batch/whole_files.h"
 #include "companions/shared/captured_run.h"
@@ -59,15 +60,16 @@ bool isResultOf(const fs::path& file, const std::string& stem) {
                           name.find_first_not_of("0123456789", 1) == std::string::npos);
 }
 
-// What an earlier run left must not be taken for a result of this one.
+// What an earlier run left must not be taken for a result of this one. What the case reads is none.
 void removeResults(const BatchCase& c) {
   std::error_code none;
-  for (const std::string& file : filesOfStatus(c)) fs::remove(c.folder / file, none);
-  fs::remove(c.folder / STATUSFILE, none);
   std::vector<fs::path> old;
+  for (const std::string& file : filesOfStatus(c)) old.push_back(c.folder / file);
+  fs::remove(c.folder / STATUSFILE, none);
   for (const auto& entry : fs::directory_iterator(c.folder, none))
     if (isResultOf(entry.path().filename(), c.source.stem().string())) old.push_back(entry.path());
-  for (const fs::path& file : old) fs::remove(file, none);
+  for (const fs::path& file : old)
+    if (!isInput(file)) fs::remove(file, none);
 }
 
 // A named file is linked to, unless one stands there already. Empty when it is there.
@@ -284,6 +286,7 @@ CaseOutcome runCase(const BatchCase& c, const CaseWishes& wishes) {
   if (!lock(console.number, end)) return endedBySignal(end);
   if (!statusOf(c, wishes).empty()) return {};
   if (ftruncate(console.number, 0) != 0) return notWritten(name);
+  protectInputs(c);
   removeResults(c);
   std::string trouble;
   if (!furnish(c, trouble)) return notWritten(c.folder);

@@ -1,5 +1,6 @@
 #include "companions/batch/case_status.h"
 
+#include "base/open_files.h"
 #include "companions/batch/whole_files.h"
 
 #include <cstdint>
@@ -72,6 +73,13 @@ std::vector<std::string> filesNamedIn(const std::string& description, const fs::
     }
   }
   return names;
+}
+
+void protectInputs(const BatchCase& c) {
+  std::string text;
+  protectInput(c.source);
+  readWhole(c.source, text);
+  for (const std::string& name : filesNamedIn(text, c.beside)) protectInput(c.beside / name);
 }
 
 std::string fingerprintOf(const BatchCase& c) {

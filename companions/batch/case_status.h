@@ -29,6 +29,9 @@ std::string fingerprintOf(const BatchCase& c);
 std::vector<std::string> filesNamedIn(const std::string& description,
                                       const std::filesystem::path& folder);
 
+// The description of a case and the files that it names are inputs from now on.
+void protectInputs(const BatchCase& c);
+
 // Writes the status file; false when it cannot be, errno tells why. Among the facts is the
 // fingerprint. The files are those of the case's folder that must be there, with their sizes of
 // now.

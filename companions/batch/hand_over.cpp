@@ -187,6 +187,10 @@ std::vector<std::string> slurmWords(const Hands& hands, const Parts& parts, File
 
 } // namespace
 
+std::vector<std::string_view> filesOnTheWay() {
+  return {PARTSFILE, COMMANDS, JOBLOG, WORDS, SCRIPT, SLURMJOB};
+}
+
 std::string missingProgram(bool slurm) {
   const std::string_view program = slurm ? "sbatch" : "parallel";
   if (!programInPath(program).empty()) return {};

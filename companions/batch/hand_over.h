@@ -4,6 +4,7 @@
 #include "companions/batch/parts.h"
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace lcp::companions {
@@ -19,6 +20,9 @@ struct HandedOver {
   int signal = 0;      // that ended it
   std::string trouble; // in plain words
 };
+
+// The files in the folder of the batch that are written on the way.
+std::vector<std::string_view> filesOnTheWay();
 
 // The program that is needed and the package that holds it, where it is missing; else empty.
 std::string missingProgram(bool slurm);

@@ -1,5 +1,7 @@
 #include "companions/batch/variation.h"
 
+#include "base/open_files.h"
+#include "companions/batch/case_status.h"
 #include "companions/batch/whole_files.h"
 #include "companions/shared/captured_run.h"
 #include "input/key_rows.h"
@@ -165,6 +167,8 @@ std::string writeDescription(CaseList& list, const BatchCase& c, const Keys& key
         return fmt::format("line {} would exceed {} columns", place.line + 1, LINELENGTH);
   std::string old;
   std::error_code none;
+  if (isInput(c.source))
+    return fmt::format("{} would be overwritten: it is an input", c.source.string());
   fs::create_directories(c.folder, none);
   const bool good = (readWhole(c.source, old) && old == text) || writeWhole(c.source, text, false);
   list.notWritten = !good;
@@ -210,6 +214,7 @@ CaseList makeCases(const Template& base, const std::vector<Variation>& variation
   list.trouble = troubleOf(base, variations);
   if (!list.trouble.empty()) return list;
   const fs::path source = fs::absolute(base.description).lexically_normal();
+  protectInputs({{}, source, source.parent_path(), {}, {}, {}, {}});
   const Keys keys = readKeys(source, variations);
   list.trouble = keys.trouble;
   if (!list.trouble.empty()) return list;

@@ -1,5 +1,6 @@
 #include "companions/plot/curve_folder.h"
 
+#include "base/open_files.h"
 #include "input/free_form.h"
 
 #include <algorithm>
@@ -84,6 +85,7 @@ Rows rowsOf(const std::filesystem::path& file) {
   Rows rows;
   if (!std::filesystem::is_regular_file(file, none))
     return rows; // a pipe would wait for its writer
+  protectInput(file);
   std::ifstream in(file);
   std::string line;
   std::getline(in, line); // the header

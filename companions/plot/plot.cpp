@@ -1,6 +1,6 @@
 #include "companions/plot/plot.h"
 
-#include "base/stop.h"
+#include "base/open_files.h"
 #include "companions/plot/curve_folder.h"
 #include "companions/plot/fit_facts.h"
 #include "companions/plot/geometry.h"
@@ -41,8 +41,7 @@ struct Solved {
 // Reads the description here as well, behind the child that the program refuses it in.
 Solved solved(const std::string& description, double length) {
   Solved S;
-  const CapturedRun run =
-      solveInChild(description, length, scratchFile("model"), scratchFile("report"));
+  const CapturedRun run = solveInScratch(description, length);
   S.console = run.console + run.errors;
   if (run.status != 0 && run.status != 2) {
     fmt::print("{}", run.console);
@@ -52,12 +51,12 @@ Solved solved(const std::string& description, double length) {
   readHere(description, length);
   RUNDATA.fit.WDETAIL = RUNDATA.display.CREATEPI = false;
   if (!RUNDATA.passivity.PITERSET || S.model.kind != ModelKind::PHASE) return S;
-  runCaptured([&] {
+  refuseFullScratch(runCaptured([&] {
     RUNDATA.run.FOUTM = scratchFile("before");
     RUNDATA.run.FOUTR = scratchFile("report");
     RUNDATA.passivity.PITERSET = RUNDATA.passivity.PFLOSET = false;
     solveStep();
-  });
+  }));
   S.before = readModelFile(scratchFile("before"));
   return S;
 }
@@ -126,6 +125,10 @@ bool writePage(const std::string& name, const std::string& text) {
   return done;
 }
 
+void refuseInput(const std::string& page) {
+  if (isInput(page)) giveUp(PLOT.name, fmt::format("{} is an input, not a page", page));
+}
+
 } // namespace
 
 int plotLine(std::span<char* const> arguments) {
@@ -139,7 +142,10 @@ int plotLine(std::span<char* const> arguments) {
   const auto page = curves ? std::filesystem::path(source) / "curves.html"
                            : std::filesystem::path(source).replace_extension(".html");
   const std::string name(given.valueOr("-o", page.string()));
+  protectInput(source);
+  refuseInput(name);
   const Json data = curves ? curvesOfFolder(source) : dataOf(source, length);
+  refuseInput(name); // the description names others
   if (data.is_null()) giveUp(PLOT.name, fmt::format("no detail curve files in {}", source));
   if (writePage(name, pageOf(data))) return 0;
   fmt::print(stderr, "{}: cannot write {}\n", PLOT.name, name);

@@ -89,9 +89,9 @@ std::string_view componentName() {
   return L.LNAME.whole().substr(0, static_cast<std::size_t>(L.LNAMELEN - 1));
 }
 
-// In the field of the line's name, which may cut the extension; behind the field when the name
-// fills it. It stays in the directory.
-std::string fileName() {
+} // namespace
+
+std::string componentFile() {
   std::string name = fmt::format("{}.cmp", componentName());
   if (!nameEnds()) {
     name = fmt::format("{}.cmp", RUNDATA.line.LNAME.whole());
@@ -102,8 +102,10 @@ std::string fileName() {
   return name;
 }
 
+namespace {
+
 void openComponent(TextFile& file) {
-  const std::string name = fileName();
+  const std::string name = componentFile();
   if (file.open(name, EarlyEnd::REMOVE)) return;
   console::openStars();
   console::print("Cannot Open Output File: {}", name);

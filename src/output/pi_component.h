@@ -3,7 +3,13 @@
 
 #include "base/matrix.h"
 
+#include <string>
+
 namespace lcp {
+
+// The name of its file: in the field of the line's name, which may cut the extension; behind the
+// field when the name fills it. It stays in the directory.
+std::string componentFile();
 
 // Writes the component file of the line, LNAME.cmp in the working directory: a drawing symbol with
 // the line's length as its parameter, and the branches of a coupled pi circuit whose values, per

@@ -6,6 +6,7 @@
 #include "base/stop.h"
 #include "input/reader.h"
 #include "run/command_line.h"
+#include "run/input_guard.h"
 #include "run/manual_driver.h"
 #include "run/output_names.h"
 #include "run/solve_driver.h"
@@ -76,6 +77,7 @@ void LCPMAIN(std::span<char* const> arguments) {
   const BaseName base = chooseBaseName(R);
   READTLDATA();
   printNumericalOptions();
+  guardInputs(base, line.steps);
   for (int k = 1; k <= line.steps; ++k) {
     nameOutputs(R, base, k, line.steps);
     if (k != 1) R.LINELEN += line.increment;

@@ -139,10 +139,27 @@ class Batch(unittest.TestCase):
         for more, words in ((["--vary", "Sag=1"], "length"), (["--jobs", "0"], "above 0"), (["--what"], "unknown option"),
                             (["--vary", "Sag=1", "/length", "1", "--corvo", "none"], "no program")):
             self.assertIn(words, self.batch(3, *more, "base.cvi")[1])
+        for name, row, kept in (("cases.tsv", "base.cvi\t1\n", "cases.tsv"), ("list.tsv", "summary.tsv\t1\n", "summary.tsv"),
+                                ("list.tsv", "base.cvi\t1\t\ta\na/base.cvi\t1\t\tb\n", "a/base.cvi")):
+            os.makedirs(self.path("a"), exist_ok=True)
+            self.write(kept, self.line)
+            self.write(name, row)
+            before = self.read(kept)
+            self.assertIn(self.path(kept) + " would be overwritten: it is an input", self.batch(3, "-o", ".", name)[1])
+            self.assertEqual(self.read(kept), before)
         missing = {"env": {"PATH": self.folder}}
         self.assertIn("package parallel", self.batch(3, "list.tsv", **missing)[1])
         self.assertIn("package slurm", self.batch(3, "--slurm", "list.tsv", **missing)[1])
         self.assertFalse(self.starts())
+
+    def test_a_library_with_the_name_of_a_result_is_no_result(self):
+        os.mkdir(self.path("x"))
+        self.write("x/a.cvi", self.line.replace("Radius: 0.01407 [m]\n", "Library : a.out\nName : ACSR\n"))
+        self.write("x/a.out", "ACSR 0.01407 0.0728 1.0 0.00518\n")
+        self.write("list.tsv", "x/a.cvi\t1e5\t\tx\n")
+        table, _ = self.batch(1, "list.tsv")
+        self.assertIn("Output File is an Input File", table["x"]["message"])
+        self.assertEqual(self.read("x/a.out"), "ACSR 0.01407 0.0728 1.0 0.00518\n")
 
     def test_keys_take_their_values_where_they_stand(self):
         place = "P2@" + str(self.line.splitlines().index("P2 : 0.0 28.0") + 1)

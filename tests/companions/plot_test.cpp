@@ -1,11 +1,17 @@
 // What a page of corvo-plot keeps of its curves; the pages themselves are looked at in a browser.
 #include "companions/plot/functions.h"
 #include "companions/plot/page.h"
+#include "companions/plot/plot.h"
+#include "support/child.h"
+#include "support/description.h"
+#include "support/scratch.h"
+#include "support/solve.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
 
 using namespace lcp::companions;
+using namespace lcp::test;
 
 // Three bytes are four letters: 1, -2 and 0.15625 in single precision, the last for one that is
 // too small, the largest for one that is too large.
@@ -34,6 +40,37 @@ TEST(Page, ThinningKeepsWhatStandsOut) {
   }
   EXPECT_EQ(set["f"], packedNumbers(f));
   EXPECT_EQ(set["fit"], Json::array({17}));
+}
+
+TEST(Page, IsNoFileThatItIsMadeFrom) {
+  const Scratch scratch;
+  const std::string wires = scratch.file("wires", "1 1 0 1 0 0 0.01 0.05 0 1 0 10 0 /\n");
+  const std::string body = "Line Summary\n{\nNumber of Conductors: 1\n}\nLine Constants Tower\n{\n"
+                           "External file name: " +
+                           wires + "\n}\n";
+  const std::string line = scratch.file("a.cvi", description(body + bergeronModel()));
+  const std::string curve = scratch.file("x_zm.out", "header\n0 1 5\n");
+  scratch.file("x_zp.out", "header\n0 1 5\n");
+  std::filesystem::create_symlink(line, scratch.file("link"));
+  const std::vector<std::string> sources[] = {{line, "/length", "1e3"},
+                                              {"--curves", scratch.path().string()}};
+  const auto plotted = [](std::vector<std::string> words, const std::string& page) {
+    words.insert(words.end(), {"-o", page});
+    return runChild([&] {
+             std::vector<char*> values;
+             for (std::string& w : words) values.push_back(w.data());
+             std::atexit([] { std::_Exit(2); }); // nothing of this process is to be destroyed
+             std::_Exit(plotLine(values));
+           })
+        .status;
+  };
+  for (const std::string& input : {line, scratch.file("link"), wires}) {
+    const std::string before = contentOf(input);
+    EXPECT_EQ(plotted(sources[0], input), 2) << input;
+    EXPECT_EQ(contentOf(input), before);
+  }
+  EXPECT_EQ(plotted(sources[1], curve), 2);
+  for (const auto& source : sources) EXPECT_EQ(plotted(source, scratch.file("page")), 0);
 }
 
 TEST(Page, NamesEndNoBlock) {
