@@ -6,6 +6,7 @@
 #include "run/lcpmain.h"
 #include "run/output_names.h"
 #include "store/rundata.h"
+#include "store/solvedata.h"
 
 #include <array>
 #include <cstdlib>
@@ -55,6 +56,7 @@ CapturedRun runCaptured(const std::function<void()>& work) {
     dup2(out, STDOUT_FILENO);
     dup2(errors, STDERR_FILENO);
     captured = true;
+    console::prepare();
     work();
     stop(0);
   }
@@ -77,6 +79,7 @@ void readHere(const std::string& file, double length) {
   dup2(nothing, STDOUT_FILENO);
   dup2(nothing, STDERR_FILENO);
   readDescription(file, length);
+  SOLVEDATA.first.ISTATUS = true; // the first frequency prepares the geometry of this description
   console::flush();
   dup2(console, STDOUT_FILENO);
   dup2(errors, STDERR_FILENO);

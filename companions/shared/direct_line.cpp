@@ -56,9 +56,6 @@ Matrix scaled(Matrix A, const std::vector<Complex>& factors) {
 std::size_t lineOrder() { return static_cast<std::size_t>(RUNDATA.line.NC); }
 
 LinePoint constantsOf(double f) {
-  static bool first = true;
-  if (first) SOLVEDATA.first.ISTATUS = true;
-  first = false;
   if (RUNDATA.run.DATAFMT == ROUTEMANUAL) { // of data entered by hand
     MANLINE(SOLVEDATA.first.YMAT, SOLVEDATA.first.ZMAT, f, MANUALMATRICES);
   } else {

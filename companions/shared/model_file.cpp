@@ -324,7 +324,10 @@ ModelFile parseModelFile(const std::string& text) {
   ModelFile f;
   Lines in;
   std::istringstream stream(text);
-  for (std::string line; std::getline(stream, line);) in.all.push_back(line);
+  for (std::string line; std::getline(stream, line);) {
+    if (line.ends_with('\r')) line.pop_back();
+    in.all.push_back(line);
+  }
   while (in.peek().starts_with('!')) in.next();
   for (const KindRow& row : KINDS) {
     if (in.ended() || !in.peek().starts_with(row.mark)) continue;

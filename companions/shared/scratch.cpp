@@ -1,22 +1,41 @@
 #include "companions/shared/scratch.h"
 
 #include "companions/shared/arguments.h"
+#include "store/run_groups.h"
 
+#include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
+#include <fmt/format.h>
+#include <sstream>
 
 namespace lcp::companions {
 
 namespace {
 
+[[noreturn]] void giveUpFolder(const std::string& folder, std::string_view why) {
+  giveUp(program_invocation_short_name,
+         fmt::format("no scratch files in {}: {}; set TMPDIR to another folder", folder, why));
+}
+
+// Not by the library's own search, which throws where there is no such folder.
+std::string temporaryFolder() {
+  const char* name = std::getenv("TMPDIR");
+  return name != nullptr && *name != '\0' ? name : "/tmp";
+}
+
 // Children of this process end without running destructors, so the folder goes with the parent.
 struct Folder {
-  std::filesystem::path path;
+  std::string path;
 
   Folder() {
-    std::string name = (std::filesystem::temp_directory_path() / "corvo-XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr) giveUp("corvo", "no scratch folder can be made");
-    path = name;
+    constexpr std::size_t LONGESTNAME = 16; // of a file in it
+    const std::string parent = temporaryFolder();
+    path = parent + "/corvo-XXXXXX";
+    if (path.size() + LONGESTNAME > static_cast<std::size_t>(FILENAMELEN))
+      giveUpFolder(parent, "its name is too long");
+    if (mkdtemp(path.data()) == nullptr) giveUpFolder(parent, std::strerror(errno));
   }
   Folder(const Folder&) = delete;
   Folder& operator=(const Folder&) = delete;
@@ -26,11 +45,38 @@ struct Folder {
   }
 };
 
+const Folder& scratchFolder() {
+  static const Folder folder;
+  return folder;
+}
+
+// Whether the run could not open or write a file of the folder; of trouble with what is in it the
+// messages are others.
+bool lacksRoom(const std::string& console) {
+  std::istringstream lines(console);
+  for (std::string line; std::getline(lines, line);) {
+    const bool output = line.starts_with("Error in Writing Output File: ") ||
+                        line.starts_with("Cannot Open Output file ! ******");
+    if (output && line.find(scratchFolder().path) != std::string::npos) return true;
+    if (line == "Cannot Open corvo Output file ! ******") return true; // of data entered by hand
+  }
+  return false;
+}
+
 } // namespace
 
 std::string scratchFile(std::string_view name) {
-  static const Folder folder;
-  return (folder.path / name).string();
+  return fmt::format("{}/{}", scratchFolder().path, name);
+}
+
+CapturedRun solveInScratch(const std::string& description, double length) {
+  CapturedRun run = solveInChild(description, length, scratchFile("model"), scratchFile("report"));
+  refuseFullScratch(run);
+  return run;
+}
+
+void refuseFullScratch(const CapturedRun& run) {
+  if (lacksRoom(run.console)) giveUpFolder(temporaryFolder(), "they cannot be written");
 }
 
 } // namespace lcp::companions

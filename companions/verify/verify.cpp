@@ -50,10 +50,9 @@ ModelFile modelOf(const std::string& description, const std::string& given, doub
     say(read.console);
     giveUp(VERIFY.name, "the program refuses this description");
   }
-  const std::string model = scratchFile("model");
-  const CapturedRun run = solveInChild(description, length, model, scratchFile("report"));
+  const CapturedRun run = solveInScratch(description, length);
   console = run.console;
-  if (run.status == 0 || run.status == 2) return readModelFile(model);
+  if (run.status == 0 || run.status == 2) return readModelFile(scratchFile("model"));
   say(run.console);
   giveUp(VERIFY.name, "the program makes no model of this description");
 }

@@ -2,11 +2,14 @@
 // whole runs, its scans and its passivity against closed forms, its errors against those that the
 // program prints.
 #include "companions/shared/adaptive_scan.h"
+#include "companions/shared/captured_run.h"
+#include "companions/shared/direct_line.h"
 #include "companions/shared/model_file.h"
 #include "companions/verify/passivity.h"
 #include "companions/verify/poles.h"
 #include "store/rundata.h"
 #include "support/child.h"
+#include "support/description.h"
 #include "support/scratch.h"
 #include "support/whole_run.h"
 
@@ -54,6 +57,9 @@ TEST(ModelFiles, OfAllKindsAreReadToTheirEnds) {
     if (!text.starts_with("! ------ ORVEX")) continue;
     const ModelFile file = parseModelFile(text);
     EXPECT_EQ(file.trouble, "") << entry.path();
+    std::string returned; // as an editor of another system writes it
+    for (const std::string& line : splitLines(text)) returned += line + "\r\n";
+    EXPECT_EQ(parseModelFile(returned).trouble, "") << entry.path();
     EXPECT_NE(parseModelFile(text + "1\n").trouble, "") << entry.path();
     const auto lines = splitLines(text);
     std::string part;
@@ -128,8 +134,8 @@ TEST(Poles, ThatNoRealNetworkHasAreCounted) {
 namespace {
 
 // What the program says, and how it ends.
-std::pair<int, std::string> verify(const std::string& words) {
-  FILE* pipe = popen((CORVO_VERIFY " " + words).c_str(), "r");
+std::pair<int, std::string> verify(const std::string& words, const std::string& before = "") {
+  FILE* pipe = popen((before + CORVO_VERIFY " " + words).c_str(), "r");
   std::string text;
   for (int c = 0; (c = std::fgetc(pipe)) != EOF;) text.push_back(static_cast<char>(c));
   return {WEXITSTATUS(pclose(pipe)), text};
@@ -208,6 +214,30 @@ TEST(Verify, LooksAtEachLengthOfARun) {
   const auto model = (scratch.path() / "a.cvo").string();
   EXPECT_EQ(Json::parse(verify(file + " " + model + steps).second), made);
   EXPECT_EQ(verify(file + " " + model + " /length 1e4 /steps 3 /increment 5e3 2>&1").first, 2);
+}
+
+// In capacitance the wire at the height h alone: 2 pi e0 / ln(2 h / r).
+TEST(DirectLine, FollowsTheDescriptionReadLast) {
+  const Scratch scratch;
+  for (const double h : {20.0, 12.0, 20.0}) {
+    const std::string file = scratch.file(
+        "a.cvi", description(fmt::format("{}Line Constants Tower\n{{\nCircuit\n{{\nConductors: 1\n"
+                                         "Conductor Phase Information: 1\nRadius: 0.02\nSag: 0\n"
+                                         "DCResistance: 0.05\nP1 : 0 {}\n}}\n}}\n",
+                                         summary(1), h)));
+    lcp::companions::readHere(file, 1000);
+    const double C = constantsOf(60).Y(0, 0).imag() / (120 * std::acos(-1.0));
+    EXPECT_NEAR(C, 5.5632502805066084e-11 / std::log(2 * h / 0.02), 1e-6 * C) << h;
+  }
+}
+
+TEST(Verify, TellsWhereItsScratchFilesHaveNoRoom) {
+  const std::string words = CORVO_EXAMPLES "/line500kv_phase.cvi /length 1e5 2>&1";
+  for (const std::string before : {"TMPDIR=/none ", "ulimit -f 24; "}) {
+    const auto [status, text] = verify(words, before);
+    EXPECT_EQ(status, 2) << before;
+    EXPECT_NE(text.find("corvo-verify: no scratch files in "), std::string::npos) << text;
+  }
 }
 
 TEST(Verify, ComparesNothingWithAStranger) {
