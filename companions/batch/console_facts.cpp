@@ -15,12 +15,15 @@ constexpr std::size_t LONGESTMESSAGE = 200;
 constexpr double PERCENT = 100; // the mode model prints fractions
 
 // Lines that tell of trouble in a run that goes on.
-constexpr std::string_view WARNINGS[] = {
-    "*WARNING*",          "Warning:",
-    "*** WARNING:",       "An error occurred in calculating",
-    "Failed to converge", "NEWTON-RAPHSON EIGENVALUE PROCEDURE",
-    "Detail Curve File",  "Unknown Data Line Ignored",
-    "Cannot Open",        "corvo: warning: "};
+constexpr std::string_view WARNINGS[] = {"*WARNING*",
+                                         "Warning:",
+                                         "*** WARNING:",
+                                         "An error occurred in calculating",
+                                         "Failed to converge",
+                                         "NEWTON-RAPHSON EIGENVALUE PROCEDURE",
+                                         "Unknown Data Line Ignored",
+                                         "Cannot Open",
+                                         "corvo: warning: "};
 
 bool contains(std::string_view text, std::string_view part) {
   return text.find(part) != std::string_view::npos;

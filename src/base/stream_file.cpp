@@ -16,15 +16,15 @@ bool StreamFile::create(std::string_view name) {
 }
 
 void StreamFile::spill() {
-  if (!writeCollected(file, file.descriptor)) file.end = EarlyEnd::EMPTY;
+  if (writeCollected(file, file.descriptor)) return;
+  file.end = EarlyEnd::EMPTY;
+  endUnwritten(file);
 }
 
-bool StreamFile::close() {
-  if (!isOpen()) return false;
-  spill();
-  if (::close(dropListed(file)) != 0) file.end = EarlyEnd::EMPTY;
-  leave(file);
-  return file.end == EarlyEnd::KEEP;
+void StreamFile::close() {
+  if (!isOpen()) return;
+  file.end = EarlyEnd::EMPTY;
+  closeListed(file);
 }
 
 void StreamFile::discard() {

@@ -27,8 +27,9 @@ public:
     if (!words.empty()) std::memcpy(room(words.size()), words.data(), words.size());
   }
 
-  // False when the device did not take the file to the last character; the file is empty then.
-  bool close();
+  // When the device does not take the file to the last character it is left empty, and the run ends
+  // with a message, exit status 1.
+  void close();
   // Leaves the file empty.
   void discard();
 
@@ -40,7 +41,7 @@ public:
   static constexpr std::size_t BLOCK = 1 << 14; // characters collected before they are written
 
 private:
-  OpenFile file; // to be kept, or empty after a write that failed
+  OpenFile file;
 
   void spill();
 };

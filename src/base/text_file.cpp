@@ -19,17 +19,7 @@ bool TextFile::open(std::string_view name, EarlyEnd end, Emptied emptied) {
   return false;
 }
 
-void TextFile::close() {
-  const int descriptor = dropListed(file);
-  if (descriptor < 0) return;
-  bool good = writeCollected(file, descriptor);
-  // Network file systems report a full device at the close only.
-  good = (::close(descriptor) == 0) && good;
-  if (good) return;
-  leave(file);
-  sayCannotWrite(file.name);
-  stop(1);
-}
+void TextFile::close() { closeListed(file); }
 
 void TextFile::refuseNumber() const {
   console::openStars();

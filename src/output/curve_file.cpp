@@ -143,11 +143,7 @@ StreamFile& fileOf(CurveId id) { return files[static_cast<std::size_t>(id)]; }
 bool isOpen(CurveId id) { return files != nullptr && fileOf(id).isOpen(); }
 
 void tellTrouble(CurveId id, std::string_view what) {
-  console::print("{}: {}", what, curveName(*curveRow(id)));
-}
-
-void closeFile(CurveId id) {
-  if (!fileOf(id).close()) tellTrouble(id, "Error in Writing Detail Curve File");
+  console::warning(fmt::format("{}: {}", what, curveName(*curveRow(id))));
 }
 
 } // namespace
@@ -175,7 +171,7 @@ void headCurve(CurveId id) {
 }
 
 void closeCurve(CurveId id) {
-  if (isOpen(id)) closeFile(id);
+  if (isOpen(id)) fileOf(id).close();
 }
 
 bool CurveFile::open(CurveId id) {
@@ -201,7 +197,7 @@ void CurveFile::endRow() { file->put("\n"); }
 
 void CurveFile::close() {
   if (finite) {
-    closeFile(curve);
+    file->close();
     return;
   }
   file->discard();

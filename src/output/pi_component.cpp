@@ -11,7 +11,9 @@
 
 #include "base/console.h"
 #include "base/constants.h"
+#include "base/open_files.h"
 #include "base/solve_error.h"
+#include "base/stop.h"
 #include "base/text_file.h"
 #include "store/rundata.h"
 #include "store/solvedata.h"
@@ -107,9 +109,8 @@ namespace {
 void openComponent(TextFile& file) {
   const std::string name = componentFile();
   if (file.open(name, EarlyEnd::REMOVE)) return;
-  console::openStars();
-  console::print("Cannot Open Output File: {}", name);
-  stopInStars("PISECT Ending!");
+  sayCannotWrite(name);
+  stop(1);
 }
 
 void putLines(TextFile& file, std::initializer_list<std::string_view> lines) {

@@ -51,14 +51,14 @@ Rows rowsOf(const Files& files, const std::string& curve) {
 }
 
 // What a child that has this process's stores writes.
-Files written(const std::function<void()>& code, const std::string& console = "") {
+Files written(const std::function<void()>& code, int status = 0, const std::string& console = "") {
   const Scratch scratch;
   RUNDATA.line.LNAME = "x";
   const ChildResult child = runChild([&] {
     std::filesystem::current_path(scratch.path());
     code();
   });
-  EXPECT_EQ(child.status, 0);
+  EXPECT_EQ(child.status, status);
   EXPECT_NE(child.console.find(console), std::string::npos) << child.console;
   Files files;
   for (const auto& entry : std::filesystem::directory_iterator(scratch.path()))
@@ -190,15 +190,12 @@ TEST(CurveFiles, OfTheModeModelAreItsModesAndEnds) {
 
 TEST(CurveFiles, HalfTurnsArePositiveAndNoNumbersStayOut) {
   solveBothLoops(singleCircuit(phaseModel(KEYS)), LENGTH);
-  const Files files = written(
-      [] {
-        SOLVEDATA.grid.NFUSE = 6;
-        SOLVEDATA.at.ZSTORE(6, 1, 2) = {-1.0, -0.0};
-        SOLVEDATA.at.YSTORE(6, 3, 3) = std::nan("");
-        headCurves(), writePhaseLineCurves();
-      },
-      lines({"Values that are no Finite Numbers in Detail Curve File: x_ym.out",
-             "Values that are no Finite Numbers in Detail Curve File: x_yp.out"}));
+  const Files files = written([] {
+    SOLVEDATA.grid.NFUSE = 6;
+    SOLVEDATA.at.ZSTORE(6, 1, 2) = {-1.0, -0.0};
+    SOLVEDATA.at.YSTORE(6, 3, 3) = std::nan("");
+    headCurves(), writePhaseLineCurves();
+  });
   EXPECT_EQ(rowsOf(files, "zp").at(0).at(3), 180);
   EXPECT_TRUE(rowsOf(files, "ym").empty());
   const auto cut = [] {
@@ -208,7 +205,7 @@ TEST(CurveFiles, HalfTurnsArePositiveAndNoNumbersStayOut) {
     SOLVEDATA.grid.NFUSE = 106;
     headCurves(), writePhaseLineCurves();
   };
-  EXPECT_EQ(textOf(written(cut, "Error in Writing Detail Curve File: x_zm.out\n"), "zm"), "");
+  EXPECT_EQ(textOf(written(cut, 1, "Error in Writing Output File: x_zm.out\n"), "zm"), "");
 }
 
 // A run that ends in its second loop leaves headers, and the rows of the steps behind it.
@@ -232,22 +229,27 @@ TEST(CurveFiles, TroubleIsToldAndTheRunGoesOn) {
     const std::string body = singleCircuit(phaseModel(detail == 1 ? KEYS : EVENWEIGHTS));
     scratch.file("a.cvi", description("Line Summary\n{\nLine Name: '../a/b'\n}\n" + body));
     std::filesystem::create_directory(scratch.file(".._a_b_zm.out"));
-    std::filesystem::create_symlink("/dev/full", scratch.file(".._a_b_hmp.out"));
     std::filesystem::create_symlink("missing/x", scratch.file(".._a_b_gdio.out"));
     const int other = open(scratch.file(".._a_b_yp.out").c_str(), O_CREAT | O_RDONLY, 0600);
     EXPECT_EQ(flock(other, LOCK_EX), 0); // as another run in the folder has it
     runs[detail] = runProgram({"/file", "a.cvi", "/length", "1e5"}, scratch.path());
     close(other);
   }
-  std::string told, others;
-  for (const std::string& line : splitLines(runs[1].console))
-    (line.find("Curve File") == std::string::npos ? others : told) += line + "\n";
-  EXPECT_EQ(told, lines({"Cannot Open Detail Curve File: .._a_b_zm.out",
-                         "Cannot Open Detail Curve File: .._a_b_yp.out",
-                         "Cannot Open Detail Curve File: .._a_b_gdio.out",
-                         "Error in Writing Detail Curve File: .._a_b_hmp.out"}));
-  EXPECT_EQ(others, runs[0].console);
+  const std::string cannot = "corvo: warning: Cannot Open Detail Curve File: .._a_b_";
+  EXPECT_EQ(runs[1].errors, lines({cannot + "zm.out", cannot + "yp.out", cannot + "gdio.out"}));
+  EXPECT_EQ(runs[1].console, runs[0].console);
   EXPECT_EQ(runs[1].status, 0);
-  EXPECT_EQ(runs[1].files.size(), 2U + 16U);
+  EXPECT_EQ(runs[1].files.size(), 2U + 17U);
   for (const auto& [file, text] : runs[0].files) EXPECT_EQ(runs[1].files.at(file), text);
+}
+
+TEST(CurveFiles, AFullDeviceEndsTheRunWithoutAModel) {
+  const Scratch scratch;
+  scratch.file("a.cvi",
+               description("Line Summary\n{\nLine Name: x\n}\n" + singleCircuit(phaseModel(KEYS))));
+  std::filesystem::create_symlink("/dev/full", scratch.file("x_hmp.out"));
+  const ProgramRun run = runProgram({"/file", "a.cvi", "/length", "1e5"}, scratch.path());
+  EXPECT_NE(run.console.find("Error in Writing Output File: x_hmp.out"), std::string::npos);
+  EXPECT_EQ(run.status, 1);
+  EXPECT_FALSE(run.files.contains("a.cvo"));
 }

@@ -58,7 +58,7 @@ TEST(PiComponent, ToTheCharacter) {
   EXPECT_EQ(component(1, std::string(30, 'n')), contentOf(data / "pi_one.cmp"));
   EXPECT_TRUE(has(component(1, "../b"), R"(     Def = "../b")"));
   EXPECT_EQ(component(1, "").find(" Component(\"_u\")\n"), 0U);
-  EXPECT_TRUE(has(component(2, "taken"), "Cannot Open Output File: taken.cmp"));
+  EXPECT_TRUE(has(component(2, "taken"), "Error in Writing Output File: taken.cmp"));
 }
 
 TEST(PiComponent, CablesThatDoNotCoupleAndManyConductors) {
