@@ -23,6 +23,9 @@ constexpr Keyword KEYWORDS[] = {{"/file", Expect::File},
                                 {"/increment", Expect::Increment},
                                 {"/steps", Expect::Steps}};
 
+constexpr std::string_view USAGE =
+    "usage: corvo /file NAME /length METRES [/increment METRES] [/steps COUNT]";
+
 constexpr int TOOLONG = -1; // status of an argument that its buffer does not hold
 
 // The argument as it stands; one that is longer than its buffer ends the run.
@@ -61,10 +64,15 @@ double realValue(std::string_view keyword, std::string_view text) {
   return value;
 }
 
+// Words that ask about the program. To the scan they are unknown arguments like any other.
+bool tellsAboutProgram(std::string_view word) {
+  if (word == "--version") console::note("corvo " CORVO_VERSION);
+  if (word == "--help") console::note(USAGE);
+  return word == "--version" || word == "--help";
+}
+
 // The first argument that no keyword takes, or a keyword without a value; empty for no arguments.
 void showUsage(std::string_view lost) {
-  constexpr std::string_view USAGE =
-      "usage: corvo /file NAME /length METRES [/increment METRES] [/steps COUNT]";
   console::note(lost.empty() ? std::string(USAGE) : fmt::format("{} is not used; {}", lost, USAGE));
 }
 
@@ -95,7 +103,8 @@ CommandLine scanCommandLine(std::span<char* const> arguments) {
     switch (current) {
     case Expect::Keyword:
       expect = matchKeyword(text);
-      if (expect == Expect::Keyword && lost.empty()) lost = trimmed(text);
+      if (expect == Expect::Keyword && !tellsAboutProgram(trimmed(text)) && lost.empty())
+        lost = trimmed(text);
       break;
     case Expect::File:
       line.fileName = text;

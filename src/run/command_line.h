@@ -15,8 +15,8 @@ struct CommandLine {
 };
 
 // Scans the arguments (without the program's name) and echoes the values to the console. Unknown
-// arguments are skipped; the error stream then shows the usage. An argument that is too long
-// ends the run, and so does text where a number must stand.
+// arguments are skipped; the error stream then shows the usage, for --version the version. An
+// argument that is too long ends the run, and so does text where a number must stand.
 CommandLine scanCommandLine(std::span<char* const> arguments);
 
 } // namespace lcp
