@@ -9,6 +9,7 @@
 
 #include <array>
 #include <cmath>
+#include <fmt/format.h>
 
 namespace lcp {
 
@@ -26,7 +27,8 @@ void readPosition(int entry) {
   const bool open = entryOpen(entry);
   if (open) xy = {C.CX[entry], C.CY[entry]};
   const std::string_view line = READER.LINE;
-  if (line.size() > POSITIONCOLUMN && !readReals(line.substr(POSITIONCOLUMN), xy)) readError();
+  if (line.size() > POSITIONCOLUMN && !readReals(line.substr(POSITIONCOLUMN), xy))
+    readError(NUMBERDUE);
   if (!open) return;
   C.CX[entry] = xy[0];
   C.CY[entry] = xy[1];
@@ -50,7 +52,7 @@ void checkSubConductorCount(int s) {
 
 void openBundle(int s) {
   ConductorTable& C = RUNDATA.cond;
-  if (s < 0) readError();
+  if (s < 0) readError("its value must not be below 0");
   checkSubConductorCount(s);
   const int n = READER.CURN;
   const int f = firstEntry();
@@ -62,7 +64,6 @@ void openBundle(int s) {
       C.CMAP[j + m * n] = j;
     }
   }
-  READER.offsetLine = 0;
 }
 
 void moveSubConductors(int k, Offset offset) {
@@ -85,7 +86,8 @@ void readPositions() {
   readPosition(firstEntry());
   for (int c = 2; c <= READER.CURN; ++c) {
     if (!nextLine()) return;
-    if (!READER.LINE.starts_with('P')) readError();
+    if (!READER.LINE.starts_with('P'))
+      readError(fmt::format("a list of {} positions must go on here", READER.CURN));
     if (tracing()) tracePosition(POSITIONROW, openGroup());
     readPosition(firstEntry() + c - 1);
   }

@@ -80,7 +80,7 @@ void readPosition(const KeyRow& key) {
   const double missing = std::numeric_limits<double>::quiet_NaN();
   std::array<double, 4> p{C.CBX, C.CBY, C.CBPR, missing};
   const std::size_t many = READER.INPIPE ? 4 : 2;
-  if (!readReals(valueField(key, READER.LINE), std::span(p).first(many))) readError();
+  if (!readReals(valueField(key, READER.LINE), std::span(p).first(many))) readError(NUMBERDUE);
   C.CBX = p[0];
   C.CBY = p[1];
   C.CBPR = p[2];
@@ -108,7 +108,7 @@ void applyRule(const KeyRow& key, Got got) {
     if (value) takeLayers(READER.droppedInteger);
     break;
   case AERIAL:
-    if (C.CBOVHD && READER.CURCABLE != 0) RUNDATA.cable.ANYOVHD = true;
+    if (value && C.CBOVHD && READER.CURCABLE != 0) RUNDATA.cable.ANYOVHD = true;
     break;
   case COREINNER:
     if (value && C.CBRAD[RADCOREINNER] <= NOHOLE) C.CBSOLID = true;

@@ -18,8 +18,7 @@ namespace lcp {
 
 namespace {
 
-constexpr double PERKM = 0.001;            // ohm/km to ohm/m
-constexpr std::size_t LINECOLUMNS = 16384; // of the file; a longer line cannot be taken whole
+constexpr double PERKM = 0.001; // ohm/km to ohm/m
 
 using ExternalRecord = Table<double, EXTRECORDLEN>;
 
@@ -58,10 +57,9 @@ bool nextRecord(ExternalFile& file, ExternalRecord& T) {
   RealList list(T.entries);
   std::string line;
   while (!list.complete()) {
-    const TextSource::Result result = file.source.next(line, LINECOLUMNS);
+    const TextSource::Result result = file.source.next(line, std::string::npos);
     if (result == TextSource::Result::End && !list.started()) return false;
-    const bool good = result == TextSource::Result::Record && !file.source.wasCut();
-    if (!good || !list.feed(line)) cannotRead();
+    if (result != TextSource::Result::Record || !list.feed(line)) cannotRead();
   }
   return true;
 }

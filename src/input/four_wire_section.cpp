@@ -35,7 +35,7 @@ static_assert(noRowHidden(rows));
 void readPosition(const KeyRow& key) {
   Cable& C = READER.openCable;
   std::array<double, 2> p{C.CBX, C.CBY};
-  if (!readReals(valueField(key, READER.LINE), p)) readError();
+  if (!readReals(valueField(key, READER.LINE), p)) readError(NUMBERDUE);
   C.CBX = p[0];
   C.CBY = p[1];
 }

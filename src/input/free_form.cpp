@@ -53,9 +53,11 @@ bool fill(std::string_view text, std::span<T> targets, std::size_t& filled, bool
 template <class T, class Parse> Got readOne(std::string_view field, T& target, Parse parse) {
   ItemReader items(field);
   if (items.next() != ItemReader::Item::Word) return Got::None;
-  std::size_t filled = 0;
-  bool done = false;
-  return fill(field, std::span<T>(&target, 1), filled, done, parse) ? Got::Value : Got::Malformed;
+  std::string_view word = items.word();
+  int count = 0;
+  if (items.quoted() || !splitRepeat(word, count)) return Got::Malformed;
+  if (word.empty()) return Got::None; // a count of items that are left out
+  return parse(word, target) ? Got::Value : Got::Malformed;
 }
 
 } // namespace

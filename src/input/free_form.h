@@ -1,8 +1,9 @@
 // Free-form items: separated by blanks or commas, ended by a slash.
 //
-// Numbers are decimal; E, D and Q mark an exponent, in either case, and r*c stands for r times c.
-// NaN, infinity and what does not fit the type are malformed, and so is a number in quotes. A text
-// is a word, or stands in quotes; a quote inside is doubled. Two commas in a row leave an item out.
+// Numbers are decimal; E, D and Q mark an exponent, in either case, r*c stands for r times c, and
+// r* alone leaves r of them out. NaN, infinity and what does not fit the type are malformed, and so
+// is a number in quotes. A text is a word, or stands in quotes; a quote inside is doubled. Two
+// commas in a row leave an item out.
 #pragma once
 
 #include <span>

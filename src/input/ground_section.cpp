@@ -30,6 +30,7 @@ static_assert(noRowHidden(rows));
 
 void checkExponent() {
   if (RUNDATA.ground.GFDFAC > 0.0) return;
+  noteLine();
   RUNDATA.ground.GFDFAC = 1.0;
   console::line("Error: Frequency-dependent resistivity");
   console::line("       factor must be greater than 0.0.");
@@ -43,8 +44,9 @@ bool groundDataLine() {
   if (key == nullptr) return false;
   const Got got = readKey(*key, READER.LINE);
   Ground& G = RUNDATA.ground;
+  if (got != Got::Value) return true;
   if (key->rule == EXPONENT) checkExponent();
-  if (key->rule == ALLFORMULAS && got == Got::Value) G.EARTHFU = G.EARTHFM = G.EARTHF;
+  if (key->rule == ALLFORMULAS) G.EARTHFU = G.EARTHFM = G.EARTHF;
   return true;
 }
 

@@ -35,12 +35,18 @@ Got readName(const KeyRow& row, std::string_view field) {
   return got;
 }
 
+std::string_view whatIsDue(KeyKind kind) {
+  if (kind == KeyKind::Name) return QUOTEDUE;
+  return kind == KeyKind::Real ? NUMBERDUE : INTEGERDUE;
+}
+
 } // namespace
 
 const KeyRow* findKey(std::span<const KeyRow> rows, std::string_view line) {
   const auto row = std::find_if(rows.begin(), rows.end(),
                                 [&](const KeyRow& r) { return line.starts_with(r.text); });
   const KeyRow* key = row == rows.end() ? nullptr : &*row;
+  if (key != nullptr) READER.key = key->text;
   if (tracing()) traceKeys(rows.data(), rows.size(), key);
   return key;
 }
@@ -55,8 +61,9 @@ Got readKey(const KeyRow& row, std::string_view line) {
   Got got = Got::None;
   if (row.kind == KeyKind::Name) got = readName(row, field);
   if (row.kind < KeyKind::Name) got = readNumber(row, field);
-  if (got == Got::Malformed) readError();
+  if (got == Got::Malformed) readError(whatIsDue(row.kind));
   if (tracing()) traceValue(got, openGroup());
+  if (row.present != nullptr) *row.present = true;
   if (row.alsoSet != nullptr && got == Got::Value) *row.alsoSet = true;
   if (row.alsoMark != nullptr && got == Got::Value) markEntry(*row.alsoMark, row.entry);
   return got;

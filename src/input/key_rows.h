@@ -29,6 +29,11 @@ enum class KeyKind {
 };
 
 constexpr int NORULE = 0;
+
+// What a value that does not fit lacks.
+constexpr std::string_view NUMBERDUE = "its value must be a number";
+constexpr std::string_view INTEGERDUE = "its value must be an integer";
+constexpr std::string_view QUOTEDUE = "its quote must be closed";
 constexpr int EACH = -1; // an item for each conductor of the group
 
 struct KeyRow {
@@ -44,8 +49,9 @@ struct KeyRow {
   bool* flag = nullptr;
   FileName* name = nullptr;
   CondReals* reals = nullptr;
-  bool* alsoSet = nullptr;       // a flag that reading the key sets, whatever its value
+  bool* alsoSet = nullptr;       // a flag that reading the value sets, whatever it is
   CondFlags* alsoMark = nullptr; // ... the entry's mark in the conductor table
+  bool* present = nullptr;       // a flag that the key sets by standing there, also without a value
 
   // What the reader does not need, for who explains a description.
   std::string_view unit;            // of the value; "1" a pure number, empty where none is known
@@ -68,6 +74,7 @@ struct KeyRow {
   constexpr KeyRow second() const { return with(&KeyRow::entry, Entry::Second); }
   constexpr KeyRow then(int r) const { return with(&KeyRow::rule, r); }
   constexpr KeyRow setting(bool* f) const { return with(&KeyRow::alsoSet, f); }
+  constexpr KeyRow noting(bool* f) const { return with(&KeyRow::present, f); }
   constexpr KeyRow marking(CondFlags* f) const { return with(&KeyRow::alsoMark, f); }
   constexpr KeyRow in(std::string_view u) const { return with(&KeyRow::unit, u); }
   constexpr KeyRow taking(int n) const { return with(&KeyRow::least, n); }
@@ -145,6 +152,7 @@ const KeyRow* findKey(std::span<const KeyRow> rows, std::string_view line);
 std::string_view valueField(const KeyRow& row, std::string_view line);
 
 // Reads the value of the row's key and stores it; a malformed value takes the common error exit.
+// Without a value the key does nothing: its section applies the rule to Got::Value alone.
 Got readKey(const KeyRow& row, std::string_view line);
 
 } // namespace lcp

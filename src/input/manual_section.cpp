@@ -151,7 +151,8 @@ void storeInGroup(const GroupField& field, double value) {
   ManualSequences& S = RUNDATA.manual.MANSEQ;
   const int MANFMT = RUNDATA.manual.MANFMT;
   if (MANFMT == MANPERUNIT) {
-    if (field.susceptance && std::fabs(value) <= NOSUSCEPTANCE) readError();
+    if (field.susceptance && std::fabs(value) <= NOSUSCEPTANCE)
+      readError("the susceptance has no reciprocal");
     S.SEQPU.*field.reactance = field.susceptance ? 1.0 / value : value;
   }
   if (MANFMT == MANOHMS && !field.susceptance) S.SEQOHM.*field.reactance = value;

@@ -5,6 +5,8 @@
 #include "input/sections.h"
 #include "store/rundata.h"
 
+#include <fmt/format.h>
+
 namespace lcp {
 
 namespace {
@@ -36,12 +38,12 @@ constexpr KeyRow fitRows[] = {
     setBy1Key("Eliminate Error at High Frequency", &RUNDATA.fit.ELIMHF),
     realKey("Lower frequency for passivity check", &RUNDATA.passivity.PFLO)
         .in("Hz")
-        .setting(&RUNDATA.passivity.PFLOSET),
+        .noting(&RUNDATA.passivity.PFLOSET),
     realKey("Upper frequency for passivity check", &RUNDATA.passivity.PFHI).in("Hz"),
     integerKey("Frequency increments for passivity check", &RUNDATA.passivity.NPFINC),
     integerKey("Frequency distribution for passivity check", &RUNDATA.passivity.PFDIST),
     integerKey("Maximum iterations for passivity", &RUNDATA.passivity.PMAXIT)
-        .setting(&RUNDATA.passivity.PITERSET),
+        .noting(&RUNDATA.passivity.PITERSET),
     realKey("Maximum relative error for passivity", &RUNDATA.passivity.PMAXERR).in("%"),
     realKey("Eigenvalue tolerence", &RUNDATA.passivity.PEIGTOL).in("S"),
     isIt1Key("Smart Frequency Selection", &RUNDATA.fit.SMARTF),
@@ -123,8 +125,9 @@ bool numericsLine() { return plainLine(numericsRows); }
 bool fittedModelLine() {
   const KeyRow* key = findKey(fitRows, READER.LINE);
   if (key == nullptr) return false;
-  readKey(*key, READER.LINE);
-  if (key->rule == INCREMENTS && RUNDATA.fit.NFINC < LEASTINCREMENTS) readError();
+  if (readKey(*key, READER.LINE) != Got::Value) return true;
+  if (key->rule == INCREMENTS && RUNDATA.fit.NFINC < LEASTINCREMENTS)
+    readError(fmt::format("its value must be {} or more", LEASTINCREMENTS));
   if (key->rule == DCCORRECTION && RUNDATA.fit.DCCORR > 0) RUNDATA.fit.DCCORRF = true;
   return true;
 }

@@ -33,7 +33,7 @@ void checkCableNumber(int n) {
 void openCableNumber(const KeyRow& key) {
   int n = 0;
   const Got got = readInteger(valueField(key, READER.LINE), n);
-  if (got == Got::Malformed) readError();
+  if (got == Got::Malformed) readError(INTEGERDUE);
   if (got != Got::Value) return;
   checkCableNumber(n);
   READER.CURCABLE = n;

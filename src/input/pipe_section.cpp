@@ -12,12 +12,12 @@ namespace lcp {
 
 namespace {
 
-enum Rule { NUMBER = 1, CENTRE, INNERCABLES, AERIAL, OPENCOAX };
+enum Rule { NUMBER = 1, CENTRE, AERIAL, OPENCOAX };
 
 constexpr KeyRow rows[] = {
     integerKey("Pipe Number", &READER.droppedInteger).then(NUMBER),
     itemsKey("P1", CENTRE).at(5).taking(2).in("m"),
-    integerKey("Number of Inner Cables", &RUNDATA.cable.pipe.PIPENIN).then(INNERCABLES),
+    integerKey("Number of Inner Cables", &RUNDATA.cable.pipe.PIPENIN),
     realKey("Inner Insulator Outer Radius", &RUNDATA.cable.pipe.PIPERI).in("m"),
     realKey("Inner Ins. Relative Permittivity", &RUNDATA.cable.pipe.PIPEEPSI).in("1"),
     realKey("Inner Ins. Relative Permeability", &RUNDATA.cable.pipe.PIPEMUI).in("1"),
@@ -60,7 +60,7 @@ void takePipeNumber(int n) {
 void readCentre(const KeyRow& key) {
   PipeRecord& P = RUNDATA.cable.pipe;
   std::array<double, 2> p{P.PIPEX, P.PIPEY};
-  if (!readReals(valueField(key, READER.LINE), p)) readError();
+  if (!readReals(valueField(key, READER.LINE), p)) readError(NUMBERDUE);
   P.PIPEX = p[0];
   P.PIPEY = p[1];
 }
@@ -83,11 +83,8 @@ bool pipeLine() {
     if (got == Got::Value) takePipeNumber(READER.droppedInteger);
     break;
   case CENTRE: readCentre(*key); break;
-  case INNERCABLES:
-    if (P.PIPENIN < 0) readError();
-    break;
   case AERIAL:
-    if (P.PIPEOVHD) RUNDATA.cable.ANYOVHD = true;
+    if (got == Got::Value && P.PIPEOVHD) RUNDATA.cable.ANYOVHD = true;
     break;
   case OPENCOAX: openCoax(); break;
   default: break;

@@ -48,6 +48,9 @@ struct Heading {
   std::string_view firstProgress, secondProgress;
 };
 
+constexpr std::array ENDMARKS = {std::string_view("END-OF-CORVO-INPUT-DATA"),
+                                 std::string_view("DATADSO")};
+
 constexpr std::array HEADINGS = {
     Heading{"Line Constants Tower", State::Tower, Effect::Tower, "", ""},
     Heading{"Line Constants Bus Work", State::Tower, Effect::Tower, "", ""},
@@ -73,8 +76,8 @@ constexpr std::array HEADINGS = {
     Heading{"Numerical Options", State::Numerics, Effect::None, "", ""},
     Heading{"Four-Wire Cable", State::FourWire, Effect::FourWire,
             "Reading 4-Wire Geometry Cable Data..", ""},
-    Heading{"END-OF-CORVO-INPUT-DATA", State::TopLevel, Effect::End, "", ""},
-    Heading{"DATADSO", State::TopLevel, Effect::End, "", ""},
+    Heading{ENDMARKS[0], State::TopLevel, Effect::End, "", ""},
+    Heading{ENDMARKS[1], State::TopLevel, Effect::End, "", ""},
     Heading{"Line Constants Debug", State::TopLevel, Effect::Debug, "", ""},
 };
 
@@ -207,7 +210,7 @@ void readDebugKey() {
   constexpr KeyRow row = itemsKey("Line Constants Debug", NORULE);
   int value = 0;
   const Got got = readInteger(valueField(row, READER.LINE), value);
-  if (got == Got::Malformed) readError();
+  if (got == Got::Malformed) readError(INTEGERDUE);
   if (got == Got::Value) setDebugFile(value == 1);
 }
 
@@ -226,6 +229,7 @@ bool topLevelLine() {
   });
   if (tracing()) tellHeadings(heading == HEADINGS.end() ? std::string_view() : heading->text);
   if (heading == HEADINGS.end()) return false;
+  READER.key = heading->text;
   if (heading->effect == Effect::End) READER.ended = true;
   if (heading->effect == Effect::Debug) readDebugKey();
   if (heading->effect == Effect::End || heading->effect == Effect::Debug) return true;
@@ -249,9 +253,21 @@ bool externalLine() {
 
 // --- the main loop
 
-bool isStartMark() {
-  return std::any_of(STARTMARKS.begin(), STARTMARKS.end(),
-                     [](std::string_view mark) { return READER.LINE.starts_with(mark); });
+// The mark that the line begins with, empty for none.
+std::string_view markOf(std::span<const std::string_view> marks) {
+  for (const std::string_view mark : marks) {
+    if (READER.LINE.starts_with(mark)) return mark;
+  }
+  return {};
+}
+
+// Sections need not be closed: an end mark ends the input in any of them. No key begins like one.
+bool endsInput() {
+  const std::string_view mark = markOf(ENDMARKS);
+  if (mark.empty()) return false;
+  READER.ended = true;
+  if (tracing()) traceHeadings({}, mark);
+  return true;
 }
 
 void seeEncoding() {
@@ -269,6 +285,10 @@ std::string whatIsMissing() {
 }
 
 void noteWhatIsMissing() {
+  if (READER.RSTATE != State::BeforeStart && READER.RSTATE != State::TopLevel) {
+    console::note(fmt::format("{}: the input ends in line {}, inside a section",
+                              RUNDATA.run.FNAME.text(), READER.lineNumber));
+  }
   const int MANFMT = RUNDATA.manual.MANFMT;
   if (RUNDATA.run.DATAFMT == ROUTENONE)
     console::note(fmt::format("{}: {}", RUNDATA.run.FNAME.text(), whatIsMissing()));
@@ -309,14 +329,14 @@ void closeBlock(const StateRow& row) {
 void takeLine() {
   if (READER.RSTATE == State::BeforeStart) {
     seeEncoding();
-    if (isStartMark()) READER.RSTATE = State::TopLevel;
+    if (!markOf(STARTMARKS).empty()) READER.RSTATE = State::TopLevel;
     return;
   }
   const StateRow& row = currentState();
   const bool canClose = row.state != State::TopLevel && row.state != State::ExternalFile;
   if (canClose && READER.LINE.starts_with('}')) {
     closeBlock(row);
-  } else if (!row.line()) {
+  } else if (!row.line() && !endsInput()) {
     ignoreUnknownLine();
   }
 }

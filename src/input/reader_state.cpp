@@ -34,11 +34,13 @@ void closeReader() {
 }
 
 bool nextLine() {
+  READER.key = {};
   switch (source.next(READER.RAWLINE, LINELENGTH)) {
   case TextSource::Result::End: READER.ended = true; return false;
   case TextSource::Result::Error: readError();
   case TextSource::Result::Record: break;
   }
+  ++READER.lineNumber;
   READER.wasCut = source.wasCut();
   const std::string_view raw = READER.RAWLINE;
   READER.LINE = raw.substr(std::min(raw.find_first_not_of(' '), raw.size()));
@@ -48,7 +50,7 @@ bool nextLine() {
 
 bool takeOpeningBrace() {
   if (!nextLine()) return false;
-  if (!READER.LINE.starts_with('{')) readError();
+  if (!READER.LINE.starts_with('{')) readError("the line behind a heading must begin with {");
   if (tracing()) traceOpening();
   return true;
 }
@@ -74,9 +76,17 @@ void markEntry(CondFlags& field, Entry which) {
   if (entryOpen(i)) field[i] = true;
 }
 
-void readError() {
+void noteLine(std::string_view why) {
+  if (READER.ended) return;
+  const std::string key = READER.key.empty() ? std::string() : fmt::format(", {}", READER.key);
+  console::note(fmt::format("{}: line {}{}{}{}", RUNDATA.run.FNAME.text(), READER.lineNumber, key,
+                            why.empty() ? "" : ": ", why));
+}
+
+void readError(std::string_view why) {
   TextField<LINELENGTH> last; // without the blanks behind it
   last = READER.RAWLINE;
+  noteLine(why);
   console::openStars();
   console::print("Error in Reading Data File: {}", RUNDATA.run.FNAME.text());
   console::print("Last Line Read Was: {}", last.text());
@@ -87,6 +97,7 @@ void readError() {
 
 void checkConductorCount(int count) {
   if (count <= MAXCOND) return;
+  noteLine();
   console::print("Error, Too Many Conductors! (Max= ,{}!)", MAXCOND);
   stop(1);
 }

@@ -40,6 +40,8 @@ struct ReaderState {
   std::string RAWLINE;   // the record as read, at most 120 columns
   std::string_view LINE; // RAWLINE without the blanks in front
   State RSTATE = State::BeforeStart;
+  int lineNumber = 0;       // of the record in the file, from 1
+  std::string_view key;     // the key that the line begins with, once it was found
   bool wasCut = false;      // the record is longer than that
   bool ended = false;       // end of file or end marker reached
   bool wide = false;        // a record up to the start mark holds zero bytes, as UTF-16 does
@@ -93,8 +95,12 @@ bool entryOpen(int i);
 void putEntry(CondReals& field, Entry which, double value);
 void markEntry(CondFlags& field, Entry which);
 
+// One line on the error stream: where the reader stands in the file, by line number and key, and
+// what is wrong there. Behind the last line it has no place to name and says nothing.
+void noteLine(std::string_view why = {});
+
 // The common error exit: names the file and the last line read, exit status 1.
-[[noreturn]] void readError();
+[[noreturn]] void readError(std::string_view why = {});
 
 // Exit for more physical conductors than the table holds, status 1; checks the count.
 void checkConductorCount(int count);

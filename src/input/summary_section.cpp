@@ -32,9 +32,10 @@ static_assert(noRowHidden(rows));
 void readLineName(const KeyRow& key) {
   std::string word;
   const Got got = readWord(valueField(key, READER.LINE), word);
-  if (got == Got::Malformed) readError();
+  if (got == Got::Malformed) readError(QUOTEDUE);
+  if (got == Got::None) return;
   LineSummary& L = RUNDATA.line;
-  if (got == Got::Value) L.LNAME = word;
+  L.LNAME = word;
   const std::size_t blank = L.LNAME.whole().find(' ');
   L.LNAMELEN = blank == std::string_view::npos ? LINENAMELEN + 1 : static_cast<int>(blank) + 1;
 }
@@ -51,8 +52,8 @@ void readEntryMethod(const KeyRow& key) {
 }
 
 void checkEquivalentCount() {
-  if (RUNDATA.line.NC < 0) readError();
   if (RUNDATA.line.NC <= MAXEQUIV) return;
+  noteLine();
   console::line("Error, Too Many Equivalent Conductors!");
   console::print("(Max= ,{}!)", MAXEQUIV);
   stop(1);
@@ -67,7 +68,9 @@ bool summaryLine() {
   switch (key->rule) {
   case LINENAME: readLineName(*key); break;
   case ENTRYMETHOD: readEntryMethod(*key); break;
-  case CONDUCTORCOUNT: checkEquivalentCount(); break;
+  case CONDUCTORCOUNT:
+    if (got == Got::Value) checkEquivalentCount();
+    break;
   case FREQUENCY:
     if (got == Got::Value) RUNDATA.display.DISPFREQ = RUNDATA.line.SSFREQ;
     break;

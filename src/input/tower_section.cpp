@@ -115,7 +115,7 @@ void openCircuit() {
 
 // The open group's conductors enter the count, at once.
 void countConductors() {
-  if (READER.CURN < 0) readError();
+  if (READER.CURN < 0) readError("its value must not be below 0");
   checkConductorCount(READER.CURN);
   RUNDATA.cond.NCOND += READER.CURN;
   checkConductorCount(RUNDATA.cond.NCOND);
@@ -128,8 +128,11 @@ void openGroundWires() {
   if (takeOpeningBrace()) READER.RSTATE = State::GroundWires;
 }
 
-void openSubConductors() {
-  openBundle(READER.CURSUB);
+// Without a count the bundle is that of the block before: its sub-conductors stand already.
+void openSubConductors(bool counted) {
+  if (counted) openBundle(READER.CURSUB);
+  checkConductorCount(firstEntry() - 1 + READER.CURN * READER.CURSUB);
+  READER.offsetLine = 0;
   progress("Reading Sub-Conductor Data...");
   if (takeOpeningBrace()) READER.RSTATE = State::SubConductors;
 }
@@ -148,7 +151,7 @@ void readPhases(const KeyRow& key) {
   const auto n = static_cast<std::size_t>(READER.CURN);
   const int f = firstEntry();
   for (std::size_t i = 0; i < n; ++i) phases[i] = RUNDATA.cond.CPHASE[f + static_cast<int>(i)];
-  if (!readIntegers(field, std::span(phases).first(n))) readError();
+  if (!readIntegers(field, std::span(phases).first(n))) readError(INTEGERDUE);
   if (cutBefore(field, n)) {
     console::warning(fmt::format("{}: {} of circuit {} is cut at column {}",
                                  RUNDATA.run.FNAME.text(), key.text, RUNDATA.cond.NCIRC,
@@ -162,8 +165,8 @@ void checkNumbered(std::size_t numberColumn) {
   const std::string_view line = READER.LINE;
   const auto from = [&](std::size_t c) { return line.substr(std::min(c, line.size())); };
   const std::string_view number = from(numberColumn).substr(0, 2);
-  if (readInteger(number, READER.droppedInteger) == Got::Malformed) readError();
-  if (readReal(from(numberColumn + 4), READER.dropped) == Got::Malformed) readError();
+  if (readInteger(number, READER.droppedInteger) == Got::Malformed) readError(INTEGERDUE);
+  if (readReal(from(numberColumn + 4), READER.dropped) == Got::Malformed) readError(NUMBERDUE);
 }
 
 void storeInnerRadius() {
@@ -178,8 +181,9 @@ void circuitRule(const KeyRow& key, Got got) {
   ConductorTable& C = RUNDATA.cond;
   const bool value = got == Got::Value;
   switch (key.rule) {
-  case BUNDLE: openSubConductors(); break;
+  case BUNDLE: openSubConductors(value); break;
   case CONDUCTORS:
+    if (!value) break;
     if (READER.CURN != 3) C.ALL3PH = false;
     countConductors();
     break;
@@ -267,7 +271,7 @@ bool subConductorLine() {
   if (line.starts_with('P')) {
     std::array<double, 2> offset{};
     if (line.size() > POSITIONCOLUMN && !readReals(line.substr(POSITIONCOLUMN), offset))
-      readError();
+      readError(NUMBERDUE);
     if (tracing()) tracePosition(POSITIONROW, openGroup());
     moveSubConductors(++READER.offsetLine, {offset[0], offset[1]});
     return true;

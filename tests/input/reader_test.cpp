@@ -1,5 +1,7 @@
 // Items of a line, any bytes, options, entered data.
 #include "input/free_form.h"
+#include "input/key_rows.h"
+#include "input/line_trace.h"
 #include "input/reader.h"
 #include "store/rundata.h"
 #include "store/yz_table.h"
@@ -43,16 +45,42 @@ void read(const std::string& format, const std::string& file, int n = 2) {
   readHere(description(manualLineOf(n, keys, "")));
 }
 
+// What opens each state in which lines are looked up.
+const std::string TOWER = "Line Constants Tower\n{\n", CIRCUIT = TOWER + "Circuit\n{\n",
+                  PIPE = "Pipe-Type Cable\n{\n";
+const std::string OPENINGS[] = {"",
+                                TOWER,
+                                CIRCUIT,
+                                CIRCUIT + "Conductors: 1\nSub-ConductorsPerBundle: 2\n{\n",
+                                TOWER + "GroundWires: 1\n{\n",
+                                "Line Constants Ground Data\n{\n",
+                                "Line Summary\n{\n",
+                                "Bergeron Line Model Options\n{\n",
+                                "MFDTD Model Options\n{\n",
+                                "Manual Data Entry\n{\n",
+                                "PI Model Options\n{\n",
+                                "Coax Cable\n{\n",
+                                PIPE,
+                                PIPE + "Coax Cable\n{\n",
+                                "Four-Wire Cable\n{\n",
+                                "Output File Display Options\n{\n",
+                                "HALO Options\n{\n",
+                                "Numerical Options\n{\n"};
+
+std::string consoleOf(const std::string& body) {
+  return readInChild("CORVO-INPUT-DATA\n" + body, CABLESYSTEM).console;
+}
+
 } // namespace
 
 TEST(FreeForm, ReadsTheFirstItemOfAField) {
   const Fields<double> reals = {
       {"  12.5 m", 12.5}, {"1,2", 1}, {"1D3", 1000}, {"1.5d+2", 150}, {"1+3", 1000},
       {"-.5E-1", -0.05},  {"5.", 5},  {"3/4", 3},    {"2*9", 9},      {"\t7", 7}};
-  check(-7.0, readReal, reals, {"", "   ", "/ 5", ", 5"},
+  check(-7.0, readReal, reals, {"", "   ", "/ 5", ", 5", "1*", "3* 4"},
         {"abc", "1.2.3", "nan", "inf", "1e400", "1e", ".", "-", "0x10", "12m", "'4", "'4'", "\"4\"",
          "0*5", "99999999999*5"});
-  check(-7, readInteger, {{"42 rest", 42}, {"+3", 3}, {"-2147483648", -2147483647 - 1}}, {""},
+  check(-7, readInteger, {{"42 rest", 42}, {"+3", 3}, {"-2147483648", -2147483647 - 1}}, {"", "1*"},
         {"2147483648", "1.0", "1e3", "+-3", "'4'"});
   const Fields<std::string> words = {{"My Line", "My"},
                                      {"'My Line' x", "My Line"},
@@ -122,10 +150,58 @@ TEST(Reader, SetsOptionsAndTheirDefaults) {
   EXPECT_EQ(RUNDATA.line.LNAME.text(), "My");
   EXPECT_EQ(values(RUNDATA.line.LNAMELEN, RUNDATA.line.SSFREQ, D.DISPFREQ, G.GRTYPE, G.GRHO),
             values(3, 0.001, 0.001, 1, 50));
-  for (const char* empty : {"", "''"}) { // the first blank is the first character
-    readHere(description(fmt::format("Line Summary\n{{\nLine Name: {}\n}}\n", empty)));
-    EXPECT_EQ(RUNDATA.line.LNAMELEN, 1) << empty;
+  readHere(description("Line Summary\n{\nLine Name: ''\n}\n"));
+  EXPECT_EQ(RUNDATA.line.LNAMELEN, 1); // the first blank is the first character
+}
+
+TEST(Reader, EndsAtAMarkInEveryState) {
+  for (const char* mark : {"END-OF-CORVO-INPUT-DATA", "  DATADSO1"}) {
+    for (const std::string& opening : OPENINGS)
+      EXPECT_EQ(consoleOf(opening + mark + "\nrubbish\n"), consoleOf(opening)) << opening;
+    // not where a line is taken as it comes
+    const std::string line = std::string(mark) + "\n";
+    EXPECT_NE(consoleOf("PI Model Options\n" + line).find(": " + line), std::string::npos);
+    EXPECT_NE(consoleOf(CIRCUIT + "Conductors: 2\nP1 : 0 9\n" + line).find(": " + line),
+              std::string::npos);
+    EXPECT_EQ(readInChild(line + "CORVO-INPUT-DATA\nrubbish\n").console,
+              "Unknown Data Line Ignored: rubbish\n");
   }
+}
+
+// Every key of every section, without a value: nothing is said, and nothing but what the key says
+// by standing there is changed.
+TEST(Reader, KeysWithoutAValueDoNothing) {
+  for (const std::string& opening : OPENINGS) {
+    ASSERT_TRUE(startTrace());
+    const std::string alone = consoleOf(opening + "?\n");
+    std::string lines = opening;
+    const TracedLine& last = TRACE->lines().back();
+    for (const KeyRow& row : std::span(last.rows, static_cast<std::size_t>(last.rowCount))) {
+      const bool opens = row.text == "GroundWires" || row.text.starts_with("Sub-Cond");
+      if (row.kind != KeyKind::Mark && row.kind != KeyKind::Text)
+        lines += fmt::format("{}: /\n{}", row.text, opens ? "{\n}\n" : "");
+    }
+    EXPECT_EQ(consoleOf(lines + "?\n"), alone) << lines;
+    TRACE->on = false;
+  }
+  const std::string bundle = "Sub-ConductorsPerBundle: 2\n{\nP1 : 1 1\n}\n",
+                    counts = "Conductors:\nSub-ConductorsPerBundle: 1*\n{\n}\n";
+  readHere(description(summary(3) + threePhaseTower(bundle + counts)));
+  const ConductorTable& C = RUNDATA.cond;
+  EXPECT_EQ(values(C.NCOND, C.ALL3PH, C.CX[1], C.CX[4]), values(6, 1, -9, -10));
+  readHere(description("MFDTD Model Options\n{\nWeighting Factor 1:\n"
+                       "Lower frequency for passivity check:\n}\n"
+                       "Line Summary\n{\nLine Name:\nSteady State Frequency: ,\n}\n"));
+  EXPECT_EQ(values(RUNDATA.passivity.PFLOSET, RUNDATA.fit.WF1SET, RUNDATA.line.LNAMELEN,
+                   RUNDATA.display.DISPFREQ),
+            values(1, 0, 10, 60));
+  const std::string name = scratchFile("yz.txt", "1\n1\n1\n50\n1\n1\n1\n1\n");
+  readHere(description("Manual Data Entry\n{\nData Entry Format : Multiple Y and Z\n"
+                       "Y,Z Input File Name: '" +
+                       name +
+                       "'\n}\nMFDTD Model Options\n{\n"
+                       "Total Number of Frequency Increments:\n}\n"));
+  EXPECT_EQ(RUNDATA.fit.NFINC, 1); // of the table, below what the key takes
 }
 
 TEST(ManualSection, SusceptancesArePerUnit) {
