@@ -7,6 +7,7 @@
 #include "base/console.h"
 #include "base/solve_error.h"
 #include "cable/body.h"
+#include "overhead/internal_impedance.h"
 #include "store/rundata.h"
 
 #include <cmath>
@@ -80,10 +81,12 @@ void checkTowerConductor(Doubts& doubts, int c) {
   const ConductorTable& C = RUNDATA.cond;
   const int i = towerConductor(c);
   const std::string name = cableName(c);
+  const Cable& cable = RUNDATA.cable.CB[c];
+  if (cable.CBSTRND) checkStrands(name, {cable.CBSTRAD, cable.CBNOUT, cable.CBNTOT});
   const double R = C.CRDC[i];
   check(doubts, name, "DCResistance", R, Role::Divisor);
   check(doubts, name, "Relative Permeability", C.CMUR[i], Role::Divisor);
-  const double section = RUNDATA.cable.CB[c].CBRHO[0] / R;
+  const double section = cable.CBRHO[0] / R;
   check(doubts, name, "Cross-Section of the Metal", section, Role::Divisor);
 }
 

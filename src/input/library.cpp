@@ -11,6 +11,8 @@
 #include "store/rundata.h"
 
 #include <cmath>
+#include <limits>
+#include <optional>
 #include <string>
 
 namespace lcp {
@@ -56,18 +58,6 @@ struct Library {
     readError();
   }
 
-  [[noreturn]] void badRow(std::string_view why) {
-    TextField<LINELENGTH> text; // without the blanks behind it
-    text = row;
-    file.close();
-    console::rule('*', console::STARS);
-    console::print("Error in Conductor Library: {}", READER.LIBPATH.text());
-    console::print("Row: {}", text.text());
-    console::line(why);
-    console::rule('*', console::STARS);
-    readError();
-  }
-
   void open(std::string_view name) {
     LIBNAME = name;
     if (!file.open(READER.LIBPATH.whole())) cannotOpen();
@@ -83,18 +73,28 @@ struct Library {
 
   bool isSought() const { return !LIBNAME.text().empty() && LIBWORD(row, 1) == LIBNAME.text(); }
 
-  // Column n as a number; a row that was selected must have numbers.
-  double real(int n) {
+  // Column n as a number, none for a word that holds no item; a row that was selected must not hold
+  // words of another kind.
+  std::optional<double> real(int n) {
     double value = 0;
-    if (readReal(LIBWORD(row, n), value) == Got::Malformed) readError();
-    return value;
+    return good(n, readReal(LIBWORD(row, n), value)) ? std::optional(value) : std::nullopt;
   }
-  int integer(int n) {
+  std::optional<int> integer(int n) {
     int value = 0;
-    if (readInteger(LIBWORD(row, n), value) == Got::Malformed) readError();
-    return value;
+    return good(n, readInteger(LIBWORD(row, n), value)) ? std::optional(value) : std::nullopt;
+  }
+
+private:
+  bool good(int n, Got got) {
+    if (got == Got::Malformed)
+      readError(fmt::format("{}: word {} of the row is no number", READER.LIBPATH.text(), n));
+    return got == Got::Value;
   }
 };
+
+void store(double& target, std::optional<double> value, double factor = 1.0) {
+  if (value) target = factor * *value;
+}
 
 void warnDefaults(double mur) {
   warn();
@@ -113,52 +113,42 @@ void warnDefaults(double mur) {
 // An absent column repeats the one before it.
 void takeOldRow(Library& library, int i) {
   ConductorTable& C = RUNDATA.cond;
-  const double resistance = library.real(3);
-  C.CRAD[i] = library.real(2);
-  C.CRDC[i] = PERKM * resistance;
+  const std::optional<double> resistance = library.real(3);
+  store(C.CRAD[i], library.real(2));
+  store(C.CRDC[i], resistance, PERKM);
   C.CSHUNT[i] = 0;
-  const double permeability = library.real(4);
+  const std::optional<double> permeability = library.real(4);
   if (permeability == resistance) {
     warnDefaults(C.CMUR[i]);
     return;
   }
-  C.CMUR[i] = permeability;
-  const double inner = library.real(5);
-  if (inner == permeability) return;
+  store(C.CMUR[i], permeability);
+  const std::optional<double> inner = library.real(5);
+  if (!inner || inner == permeability) return;
   C.CTUBE[i] = true;
-  C.CTHICK[i] = C.CRAD[i] - inner;
+  C.CTHICK[i] = C.CRAD[i] - *inner;
 }
 
-// How many strands of radius r fit round the circle through their centres.
+// How many strands of radius r fit round the circle through their centres. Where they are thicker
+// than 2/3 of the conductor that is no number or one below 0, which a later key may replace.
 double outerStrands(double r, double R) {
-  return std::floor(PI / (2.0 * std::asin(r / (2.0 * (R - r)))));
-}
-
-// A ring of strands needs one at least. Thicker ones than 2/3 of the conductor leave none to count.
-void checkStrands(Library& library, int i) {
-  const ConductorTable& C = RUNDATA.cond;
-  if (C.CNTOT[i] < 1) {
-    library.badRow(fmt::format("Strands in all ({}) Must be > 0!", C.CNTOT[i]));
-  }
-  if (std::isfinite(C.CNOUT[i]) && C.CNOUT[i] >= 1) return;
-  const double strand = C.CSTRAD[i] / MM, outer = C.CRAD[i] / MM;
-  if (C.CNTOT[i] == 1) library.badRow("A Solid Wire (One Strand) needs the Old Format!");
-  library.badRow(fmt::format("Strand Radius ({:.4g} mm) Must be > 0 and at Most 2/3 of the\n"
-                             "Outer Radius ({:.4g} mm)!",
-                             strand, outer));
+  const double n = std::floor(PI / (2.0 * std::asin(r / (2.0 * (R - r)))));
+  return std::isnan(n) ? std::numeric_limits<double>::quiet_NaN() : n; // without a sign
 }
 
 void takeNewRow(Library& library, int i) {
   ConductorTable& C = RUNDATA.cond;
   C.CSTRND[i] = true;
-  C.CRAD[i] = MM * library.real(2);
-  C.CRDC[i] = PERKM * library.real(3);
-  C.CNTOT[i] = library.integer(4);
-  C.CSTRAD[i] = MM * library.real(5);
-  C.CMUR[i] = library.real(6);
+  store(C.CRAD[i], library.real(2), MM);
+  store(C.CRDC[i], library.real(3), PERKM);
+  store(C.CNTOT[i], library.integer(4));
+  store(C.CSTRAD[i], library.real(5), MM);
+  store(C.CMUR[i], library.real(6));
   C.CSHUNT[i] = 0;
   C.CNOUT[i] = outerStrands(C.CSTRAD[i], C.CRAD[i]);
-  checkStrands(library, i);
+  if (!(C.CNOUT[i] >= 1))
+    noteLine(fmt::format("{}: the strands of {} do not fit round it", READER.LIBPATH.text(),
+                         library.LIBNAME.text()));
 }
 
 void searchNewFormat(Library& library) {
@@ -217,9 +207,9 @@ void lookUpGroundWire(std::string_view name, Entry target) {
   } while (!library.isSought());
   const int i = targetEntry(target);
   if (i == 0) return;
-  C.CRAD[i] = library.real(2);
-  C.CRDC[i] = PERKM * library.real(3);
-  C.CMUR[i] = library.real(4);
+  store(C.CRAD[i], library.real(2));
+  store(C.CRDC[i], library.real(3), PERKM);
+  store(C.CMUR[i], library.real(4));
   C.CSHUNT[i] = 0;
 }
 

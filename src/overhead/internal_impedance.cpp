@@ -13,7 +13,9 @@
 //             s strand radius, P = outer strands + 2, rho2 = 2.25 rho
 #include "overhead/internal_impedance.h"
 
+#include "base/console.h"
 #include "base/constants.h"
+#include "base/solve_error.h"
 #include "kernels/hyperbolic.h"
 #include "store/rundata.h"
 
@@ -28,12 +30,31 @@ constexpr double SOLIDCONSTANT = 0.3179;
 constexpr double STRANDARGUMENT = 0.777;
 constexpr double STRANDARGUMENTPI = 2.4410174918392693; // 0.777 pi
 constexpr double STRANDFACTOR = 2.25;
+constexpr double OUTERMORE = 2.0; // added to the strands of the outer layer
 
 Complex skinDepthInverse(double w, double mur, double rho) {
   return std::sqrt(Complex(0.0, w * MU0 * mur / rho));
 }
 
 } // namespace
+
+void checkStrands(std::string_view owner, const Strands& strands) {
+  const struct {
+    std::string_view key;
+    double value;
+    bool sound;
+  } parts[] = {{"Strand Radius", strands.radius, strands.radius != 0.0},
+               {"Total Number of Strands", strands.total, strands.total != 0.0},
+               {"Number of Outer Strands", strands.outer,
+                !std::isnan(strands.outer) && strands.outer != -OUTERMORE}};
+  for (const auto& part : parts) {
+    if (part.sound) continue;
+    console::openStars();
+    console::print("{}:", owner);
+    console::print("{} ({:.4g}) gives no Finite Impedance!", part.key, part.value);
+    stopInStars();
+  }
+}
 
 Complex COTH(Complex z) {
   const Complex E = std::exp(-2.0 * z);
@@ -64,7 +85,7 @@ Complex strandedImpedance(double w, double r, const Strands& strands, double R, 
   const double s = strands.radius;
   const double rho = PI * s * s * strands.total * R;
   const double rho2 = STRANDFACTOR * rho;
-  const double P = strands.outer + 2.0;
+  const double P = strands.outer + OUTERMORE;
   const Complex m = skinDepthInverse(w, mur, rho);
   return R - rho2 / (P * STRANDARGUMENTPI * s) / r +
          rho2 / (P * PI * s) * m * COTH(STRANDARGUMENT * r * m);

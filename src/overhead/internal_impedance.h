@@ -3,6 +3,8 @@
 
 #include "base/matrix.h"
 
+#include <string_view>
+
 namespace lcp {
 
 // Hyperbolic cotangent. z = 0 is no legal argument; a very large real part gives 1.
@@ -13,6 +15,11 @@ struct Strands {
   double outer;  // strands of the outer layer
   double total;  // strands in all
 };
+
+// Ends the run, exit status 1, where strands have no finite impedance: the formula divides by their
+// radius, their number, and two more than those of the outer layer. A library row whose strands do
+// not fit round its conductor leaves no number of these.
+void checkStrands(std::string_view owner, const Strands& strands);
 
 // Impedance per metre, as seen from the outer surface, of a conductor of the outer radius r and the
 // relative permeability mur at the angular frequency w > 0, ohm/m; rho resistivity, ohm m, q inner

@@ -23,6 +23,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <string>
 
 namespace lcp {
 
@@ -31,9 +32,11 @@ namespace {
 // A conductor in the ground or without a radius has no logarithm, and its earth return no end.
 void checkConductor(int i) {
   const ConductorTable& C = RUNDATA.cond;
+  const std::string name = fmt::format("Conductor at X = {:.4g} m, Y = {:.4g} m", C.CX[i], C.CY[i]);
+  if (C.CSTRND[i] && !C.CTUBE[i]) checkStrands(name, {C.CSTRAD[i], C.CNOUT[i], C.CNTOT[i]});
   if (C.CYAVG[i] > 0.0 && C.CRAD[i] > 0.0) return;
   console::openStars();
-  console::print("Conductor at X = {:.4g} m, Y = {:.4g} m:", C.CX[i], C.CY[i]);
+  console::print("{}:", name);
   console::print("Average Height ({:.4g} m) and Radius ({:.4g} m) Must be > 0!", C.CYAVG[i],
                  C.CRAD[i]);
   stopInStars();

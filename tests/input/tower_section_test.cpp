@@ -116,6 +116,11 @@ TEST(Library, RowsOfBothFormats) {
   expectNear(values(C.CRAD[2], C.CRDC[2], C.CMUR[2], C.CTUBE[2]), values(0.02, 0.2e-3, 1.5, 0));
   readTower("Library : " + old + "\nName: five\n");
   expectNear(values(C.CTUBE[2], C.CTHICK[2]), values(1, 0.01));
+  const std::string holes = scratchFile("holes.lib", "none 0.02 , , 0.03\nmu 0.02 0.2 , 0.004\n");
+  readTower("Library : " + holes + "\nName: none\n"); // separators leave what was there
+  expectNear(values(C.CRAD[2], C.CRDC[2], C.CMUR[2], C.CTUBE[2]), values(0.02, 0.05e-3, 1, 0));
+  readTower("Library : " + holes + "\nName: mu\n");
+  expectNear(values(C.CRDC[2], C.CMUR[2], C.CTHICK[2]), values(0.2e-3, 1, 0.016));
   readTower("Library : " + fresh + "\nName: acsr\n"); // 12 strands of 2 mm round a circle of 8 mm
   expectNear(values(C.CSTRND[3], C.CRAD[3], C.CNTOT[3], C.CNOUT[3], C.CMUR[3]),
              values(1, 0.01, 19, 12, 1.2));
