@@ -63,6 +63,10 @@ constexpr KindRow KINDS[] = {
     {Kind::TightBundle, "tight-bundle", ERROR,
      "two sub-conductors of {} are {} m apart, less than the diameter of {} m"},
     {Kind::NoWireAbove, "no-wire-above", NOTE, "no ground wire lies above the phase conductors"},
+    // cables
+    {Kind::InnerCables, "inner-cables", WARNING,
+     "Number of Inner Cables is {}, but the Coax Cable sections in the pipe count: {}"},
+    {Kind::AbsentLayer, "absent-layer", WARNING, "{} does nothing: cable {} has no such layer"},
     // formulas
     {Kind::EarthFormula, "earth-formula", ERROR,
      "{} is {}, which there is not for {}: the run will end there"},

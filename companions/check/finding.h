@@ -42,6 +42,8 @@ enum class Kind {
   TightBundle,
   NoWireAbove,
   EarthFormula,
+  InnerCables,
+  AbsentLayer,
   BuriedClosedForm,
   AerialLowFrequency
 };

@@ -2,6 +2,7 @@
 
 #include "companions/check/traced.h"
 #include "companions/shared/wires.h"
+#include "input/cable_hints.h"
 #include "store/rundata.h"
 
 #include <algorithm>
@@ -154,6 +155,19 @@ void fourWire(Findings& findings) {
   if (F.FWTMANT > 0) permittivity(findings, lineOf(&F.FWEPSM), "the mantle", F.FWEPSM);
 }
 
+// Keys that the sections of the cables overrule.
+void overruled(Findings& findings) {
+  const int& said = RUNDATA.cable.pipe.PIPENIN;
+  const int there = cablesInPipe();
+  if (RUNDATA.cable.PIPEF && said != there) {
+    add(findings, std::max(lineOf(&said), headingLine("Pipe-Type Cable")), Kind::InnerCables,
+        std::to_string(said), std::to_string(there));
+  }
+  for (const LayerFlag& flag : flagsWithoutLayer())
+    add(findings, cableLine(flag.target, flag.cable), Kind::AbsentLayer, flag.key,
+        std::to_string(flag.cable));
+}
+
 } // namespace
 
 void conductorRules(Findings& findings) {
@@ -176,6 +190,7 @@ void cableRules(Findings& findings) {
       depth(findings, cablePositionLine(n), fmt::format("cable {}", n), C.CBOVHD, C.CBY);
   }
   if (T.PIPEF) pipe(findings);
+  overruled(findings);
 }
 
 void soilRules(Findings& findings) {

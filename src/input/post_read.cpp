@@ -4,6 +4,7 @@
 #include "base/stop.h"
 #include "input/cable_checks.h"
 #include "input/cable_data.h"
+#include "input/cable_hints.h"
 #include "input/conductor_order.h"
 #include "input/rule_frame.h"
 #include "store/rundata.h"
@@ -62,6 +63,7 @@ void checkGeometry() {
   } else {
     checkCables();
     checkPipes();
+    noteCableHints();
   }
 }
 

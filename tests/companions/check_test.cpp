@@ -142,6 +142,12 @@ const std::vector<Case> CASES = {
     {CABLES,
      {{"Insulator 2 Relative Permeability: 1.0\n", "\n"}, {"P1: 0.0 1.3", "P1: 0.0 -1.3"}},
      {"20 permeability", "45 depth"}},
+    {PIPE,
+     {{"Inner Cables: 3", "Inner Cables: 2"},
+      {"Layer: 1\nConductor Inner",
+       "Layer: 3\nEliminate Third Concentric Layer: 1\nConductor Inner"}},
+     {"20 inner-cables", "39 absent-layer"}},
+    {CABLES, {{"Layers: 3", "Layers: 1"}}, {"40 absent-layer"}},
     // formulas
     {LINE, {{"EarthImpedanceFormula: 0", "EarthImpedanceFormula: 1"}}, {"52 earth-formula"}},
     {CABLES, {{"EarthUImpedanceFormula: 2", "EarthUImpedanceFormula: 12"}}, {"97 earth-formula"}},

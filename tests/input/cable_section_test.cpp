@@ -27,7 +27,7 @@ std::string sheathed(int number, const std::string& keys) {
 }
 
 std::string pipe(const std::string& keys) {
-  return "Pipe-Type Cable\n{\nPipe Number: 1\n" + keys + "}\n";
+  return "Pipe-Type Cable\n{\nPipe Number: 1\nNumber of Inner Cables: 2\n" + keys + "}\n";
 }
 
 const Cable& cable(int n) { return RUNDATA.cable.CB[n]; }
