@@ -148,6 +148,7 @@ const std::vector<Case> CASES = {
        "Layer: 3\nEliminate Third Concentric Layer: 1\nConductor Inner"}},
      {"20 inner-cables", "39 absent-layer"}},
     {CABLES, {{"Layers: 3", "Layers: 1"}}, {"40 absent-layer"}},
+    {CABLES, {{"Layer: 0\n", "Layer: 0\nEliminate Third Concentric Layer: 1\n"}}, {}},
     // formulas
     {LINE, {{"EarthImpedanceFormula: 0", "EarthImpedanceFormula: 1"}}, {"52 earth-formula"}},
     {CABLES, {{"EarthUImpedanceFormula: 2", "EarthUImpedanceFormula: 12"}}, {"97 earth-formula"}},
