@@ -15,9 +15,8 @@ namespace lcp {
 
 namespace {
 
-constexpr std::size_t RECORDCOLUMNS = 16384; // of a file; a longer record cannot be taken whole
-constexpr std::size_t TAGLEN = 2;            // characters of an item that names a matrix
-constexpr std::size_t ITEMLEN = 200;         // characters of an item that is a number
+constexpr std::size_t TAGLEN = 2;    // characters of an item that names a matrix
+constexpr std::size_t ITEMLEN = 200; // characters of an item that is a number
 
 struct DataFile {
   TextSource source;
@@ -57,8 +56,8 @@ void openBlock() {
 
 // Reads the next record. False at the end of the file.
 bool nextRecord(DataFile& file) {
-  const TextSource::Result result = file.source.next(file.record, RECORDCOLUMNS);
-  if (result == TextSource::Result::Error || file.source.wasCut()) cannotRead();
+  const TextSource::Result result = file.source.next(file.record, std::string::npos);
+  if (result == TextSource::Result::Error) cannotRead();
   return result == TextSource::Result::Record;
 }
 

@@ -214,7 +214,8 @@ TEST(ManualSection, SusceptancesArePerUnit) {
 }
 
 TEST(ManualSection, TakesAPairInAnyOrderOfItsBlocks) {
-  const std::string Z = " Z:impedance\n1 2 3\n3,\n4 dropped\n\n5 6\n7 8\n",
+  const std::string Z = " Z:impedance\n1 2 3\n3,\n4" + std::string(20000, ' ') +
+                        "dropped\n\n5 6\n7 8\n",
                     Y = "Y:\n0 1\n0 2\n0 3\n0 4\n";
   // ahead of the first tag Z is selected, and a block that repeats overwrites
   const std::string others = "X\n9 9\n9 9\n9 9\n9 9\n";
