@@ -25,7 +25,8 @@ namespace {
 constexpr double MOSTWEIGHT = 1e100;
 
 void checkConductors() {
-  if (RUNDATA.line.NC >= 1 || RUNDATA.run.ISCABLE != OVERHEADLINE) return;
+  const bool countsLater = RUNDATA.run.ISCABLE != OVERHEADLINE && !RUNDATA.run.fromTable();
+  if (RUNDATA.line.NC >= 1 || countsLater) return;
   console::openStars();
   console::line("The Line has no Conductors!");
   stopInStars();
