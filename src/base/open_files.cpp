@@ -1,7 +1,6 @@
 #include "base/open_files.h"
 
 #include "base/console.h"
-#include "base/stop.h"
 #include "base/write_all.h"
 
 #include <cerrno>
@@ -118,22 +117,6 @@ bool writeCollected(OpenFile& file, int descriptor) {
   const bool good = writeAll(descriptor, file.collected);
   file.collected.clear();
   return good;
-}
-
-void closeListed(OpenFile& file) {
-  if (file.descriptor < 0) return;
-  bool good = writeCollected(file, file.descriptor);
-  // Network file systems report a full device at the close only.
-  good = (close(dropListed(file)) == 0) && good;
-  if (!good) endUnwritten(file);
-}
-
-void endUnwritten(OpenFile& file) {
-  const int descriptor = dropListed(file);
-  if (descriptor >= 0) close(descriptor);
-  leave(file);
-  sayCannotWrite(file.name);
-  stop(1);
 }
 
 void leave(const OpenFile& file) {

@@ -53,14 +53,6 @@ constexpr int ISINPUT = -2;
 // Writes what was collected to the descriptor; false when the device does not take all of it.
 [[nodiscard]] bool writeCollected(OpenFile& file, int descriptor);
 
-// Writes what was collected and closes the file, if it is open. When the device does not take it to
-// the last character the run ends as below.
-void closeListed(OpenFile& file);
-
-// The end of a run with a file that could not be written: a message, the file as its early end
-// says, exit status 1.
-[[noreturn]] void endUnwritten(OpenFile& file);
-
 // Takes the file off the list, if it is there. Its descriptor is the caller's again; -1 when the
 // file was not open.
 int dropListed(OpenFile& file);

@@ -1,5 +1,6 @@
 #include "base/stream_file.h"
 
+#include "base/close_listed.h"
 #include "base/solve_error.h"
 
 #include <unistd.h>

@@ -1,5 +1,6 @@
 #include "base/text_file.h"
 
+#include "base/close_listed.h"
 #include "base/console.h"
 #include "base/solve_error.h"
 #include "base/stop.h"
