@@ -13,6 +13,7 @@
 //   --- console         then what is printed behind the banner and the echo of the arguments, line
 //                       by line; a line "..." stands for any number of lines
 //   --- errors          then the lines of the error stream, none when not given
+//   --- ends NAME       then the last lines of that file behind the run
 // A blank line ahead of "===" and what stands ahead of the first "===" are for the reader alone.
 #include "support/child.h"
 #include "support/scratch.h"
@@ -90,7 +91,8 @@ std::string differences(Refusal r) {
     console += fmt::format(fmt::runtime(echoes.at(arguments[i - 1])), arguments[i]);
   const auto linkIn = [](const std::string& name) { return name.find("> "); };
   for (const auto& [name, text] : r.parts) {
-    if (name == "console" || name == "errors" || linkIn(name) != name.npos) continue;
+    if (name == "console" || name == "errors" || name.starts_with("ends ")) continue;
+    if (linkIn(name) != name.npos) continue;
     if (name.ends_with('/')) std::filesystem::create_directory(scratch.file(name));
     if (!name.ends_with('/')) scratch.file(name == "input" ? r.keys["file"] : name, text);
   }
@@ -112,6 +114,11 @@ std::string differences(Refusal r) {
   hold(fits(splitLines(console + r.parts["console"]), splitLines(run.console)), "console",
        run.console);
   hold(run.errors == r.parts["errors"], "errors", run.errors);
+  for (const auto& [name, text] : r.parts) {
+    if (!name.starts_with("ends ")) continue;
+    const auto file = run.files.find(name.substr(5));
+    hold(file != run.files.end() && file->second.ends_with(text), "end", name);
+  }
   const std::string wanted = r.keys["files"] != "?" ? r.keys["files"] : "";
   hold(files == wanted || (r.keys["files"] == "?" && run.status == 0), "files", files);
   return report;
