@@ -12,6 +12,7 @@
 #include "store/solvedata.h"
 #include "store/yz_table.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace lcp {
@@ -20,7 +21,7 @@ namespace {
 
 constexpr int BELOW = 5;       // steps below the fit range
 constexpr int BEYOND = 7;      // steps that the grid has more than increments
-constexpr int LEASTROWS = 2;   // of a table: a fit needs a range
+constexpr int LEASTROWS = 2;   // of a table: a first delay is drawn from a slope
 constexpr int SLOTSBEYOND = 8; // slots: a solution is also stored at the step behind its own
 
 [[noreturn]] void refuseGrid(std::string_view why) {
@@ -47,44 +48,59 @@ void layLogGrid() {
   G.LOGW0 = a - BELOW * G.DLOGW;
 }
 
-// What the description says behind the name of the file can be at odds with the table.
+// Rows are taken in any order; a fit of two at one frequency may fail.
+void warnOfFallingRows() {
+  const auto& F = YZTABLE.FTABLE;
+  for (int k = 2; k <= RUNDATA.fit.NFINC; ++k) {
+    if (F[k] > F[k - 1]) continue;
+    console::warning(fmt::format("row {} of the Y and Z data, at {:.4g} Hz, does not lie above the "
+                                 "row before, at {:.4g} Hz",
+                                 k, F[k], F[k - 1]));
+    return;
+  }
+}
+
+// What the description says behind the name of the file can be at odds with the table. A fit needs
+// the logarithm of each frequency; the PI model takes the first row at a frequency of its own.
 void checkTable() {
+  const bool fitted = RUNDATA.model.fitted();
   const int NFINC = RUNDATA.fit.NFINC;
-  if (RUNDATA.line.NC != YZTABLE.order) {
-    refuseGrid(fmt::format("Number of Conductors ({}) is not That of the Y and Z Data ({})!",
+  // Elements that the table does not have are 0: no wave, and no number but of MFDTD.
+  if (RUNDATA.line.NC > YZTABLE.order && !RUNDATA.model.MODMFDTD()) {
+    refuseGrid(fmt::format("Number of Conductors ({}) is Above That of the Y and Z Data ({})!",
                            RUNDATA.line.NC, YZTABLE.order));
   }
-  if (NFINC > YZTABLE.rows) {
+  if (fitted && NFINC > YZTABLE.rows) {
     refuseGrid(fmt::format("Too Many Frequency Increments ({}), the Y and Z Data have {}!", NFINC,
                            YZTABLE.rows));
   }
-  for (int k = 1; k <= NFINC; ++k) {
-    const double before = k > 1 ? YZTABLE.FTABLE[k - 1] : 0.0;
-    if (YZTABLE.FTABLE[k] > before) continue;
-    refuseGrid(
-        fmt::format("Frequency {} of the Y and Z Data Must be > 0 and Above the One Before!", k));
+  for (int k = 1; fitted && k <= NFINC; ++k) {
+    if (YZTABLE.FTABLE[k] > 0.0) continue;
+    refuseGrid(fmt::format("Frequency {} of the Y and Z Data Must be > 0!", k));
   }
+  if (fitted) warnOfFallingRows();
 }
 
 // One row serves the PI model, which is one of the steady-state frequency.
 void warnOfFirstRow() {
   if (YZTABLE.FTABLE[1] == RUNDATA.line.SSFREQ) return;
-  console::print("*WARNING*: The PI Model Takes the First of the Y and Z Data, at {:.4g} Hz",
-                 YZTABLE.FTABLE[1]);
-  warn();
+  console::warning(
+      fmt::format("the PI model takes the first row of the Y and Z data, at {:.4g} Hz, for its "
+                  "frequency of {:.4g} Hz",
+                  YZTABLE.FTABLE[1], RUNDATA.line.SSFREQ));
 }
 
 void layTableGrid() {
   FrequencyGrid& G = SOLVEDATA.grid;
   const int NFINC = RUNDATA.fit.NFINC;
-  if (NFINC < LEASTROWS) {
-    refuseGrid(fmt::format("Too Few Frequencies in the Y and Z Data ({}), a Fit Needs {}!", NFINC,
+  if (NFINC < LEASTROWS && !RUNDATA.model.MODMFDTD()) {
+    refuseGrid(fmt::format("Too Few Frequencies in the Y and Z Data ({}), a Delay Needs {}!", NFINC,
                            LEASTROWS));
   }
   const double a = std::log10(TWOPI * YZTABLE.FTABLE[1]);
   const double b = std::log10(TWOPI * YZTABLE.FTABLE[NFINC]);
   G.NFREQ = NFINC;
-  G.DLOGW = (b - a) / (NFINC - 1);
+  G.DLOGW = (b - a) / std::max(NFINC - 1, 1);
   G.LOGW0 = a - BELOW * G.DLOGW;
 }
 

@@ -69,10 +69,14 @@ TEST(YzInterp, GivesRowsAndTheWayBetweenThem) {
   EXPECT_EQ(reactance(60, 0, 2), 20); // row 2, whatever the frequency
   EXPECT_EQ(reactance(20, 1, 2), 20);
   EXPECT_NEAR(reactance(12.5, 1, 2), 12.5, 1e-13);
-  EXPECT_EQ(reactance(20, 1, 3), 20); // between equal frequencies
-  EXPECT_EQ(reactance(1, 1, 1), 10);  // there is no row before the first
-  for (const auto& [f, at] : {std::pair{5.0, 10.0}, {10.0, 10.0}, {17.5, 17.5}, {1e6, 20.0}}) {
-    tableConstants(f, Y, Z, P);
-    EXPECT_NEAR(Z(1, 1).imag() / (TWOPI * 1e-6), at, 1e-13) << f;
+  EXPECT_EQ(reactance(20, 1, 3), 20);          // between equal frequencies
+  EXPECT_EQ(reactance(1, 1, 1), 10);           // there is no row before the first
+  EXPECT_NEAR(reactance(35, 1, 2), 35, 1e-13); // beyond them as well
+  for (const bool falling : {false, true}) {
+    if (falling) readHere(description(tableLine(1, smallTable({20, 10}), "")));
+    for (const auto& [f, at] : {std::pair{5.0, 10.0}, {10.0, 10.0}, {17.5, 17.5}, {1e6, 20.0}}) {
+      tableConstants(f, Y, Z, P);
+      EXPECT_NEAR(Z(1, 1).imag() / (TWOPI * 1e-6), at, 1e-13) << f;
+    }
   }
 }
