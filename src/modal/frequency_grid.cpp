@@ -1,6 +1,7 @@
 // PI: the steady-state frequency alone. Bergeron: the loss frequency, then the steady-state
 // frequency. Fitted models: equal steps of log10(w), five below the fit range and NFINC + 1 over
 // it, and behind them the frequency of the constant transformation; of a table of Y and Z its rows.
+// With the end of the range below its start the steps fall, and five lie above it.
 #include "modal/frequency_grid.h"
 
 #include "base/console.h"
@@ -37,12 +38,19 @@ void layLogGrid() {
     refuseGrid(fmt::format("Too Many Frequency Increments ({}), Maximum of {} Allowed!", F.NFINC,
                            MAXFREQ - SLOTSBEYOND));
   }
-  if (!(F.FSTART > 0.0 && F.FEND > F.FSTART)) {
-    refuseGrid("Curve Fitting Frequencies Must be > 0, and the End Above the Start!");
-  }
+  if (!(F.FSTART > 0.0 && F.FEND > 0.0)) refuseGrid("Curve Fitting Frequencies Must be > 0!");
   if (!(F.FCT > 0.0)) refuseGrid("Frequency to Calculate Constant Transform Must be > 0!");
   const double a = std::log10(TWOPI * F.FSTART);
   const double b = std::log10(TWOPI * F.FEND);
+  // A first delay is drawn from a slope over the grid, which is 0 / 0 there.
+  if (a == b && !RUNDATA.model.MODMFDTD()) {
+    refuseGrid("Curve Fitting Start and End Frequency Must Differ!");
+  }
+  if (F.FEND < F.FSTART) {
+    console::warning(fmt::format("Curve Fitting End Frequency, {:.4g} Hz, lies below the start, "
+                                 "{:.4g} Hz: the grid of the fit falls",
+                                 F.FEND, F.FSTART));
+  }
   G.NFREQ = F.NFINC + BEYOND;
   G.DLOGW = (b - a) / F.NFINC;
   G.LOGW0 = a - BELOW * G.DLOGW;

@@ -22,7 +22,7 @@ namespace lcp {
 
 namespace {
 
-constexpr double MOSTWEIGHT = 1e100;
+constexpr double MOSTWEIGHT = 1.3407807929942596e+154; // its square is the largest number
 
 void checkConductors() {
   if (RUNDATA.line.NC >= 1 || RUNDATA.run.ISCABLE != OVERHEADLINE) return;
@@ -44,7 +44,7 @@ void checkPassivityGrid() {
                             P.NPFINC, P.PFDIST));
 }
 
-// Larger weights overflow in the sums of squares of the fits.
+// A fit is a sum of squares, which larger weights make infinite.
 void checkWeights() {
   const FitOptions& F = RUNDATA.fit;
   if (!RUNDATA.model.fitted()) return;
