@@ -5,6 +5,7 @@
 #include "modal/first_loop.h"
 #include "modal/frequency_grid.h"
 #include "modal/line_constants.h"
+#include "modal/lost_modes.h"
 #include "modal/second_loop.h"
 #include "modal/sequence.h"
 #include "output/curve_files.h"
@@ -61,10 +62,13 @@ void checkWeights() {
 // of the line, into its curve files. MFDTD has no modes.
 void secondFrequencyLoop() {
   if (RUNDATA.model.MODMFDTD()) return;
+  LostModes lost;
   for (int k = 1; k <= SOLVEDATA.grid.NFREQ; ++k) {
     secondLoopStep(k);
+    lost.look(k);
     writeEndCurves(k);
   }
+  lost.warn();
   if (RUNDATA.run.DEBUGF) console::line(" FINISHED SECOND FREQUENCY LOOP !");
 }
 
