@@ -3,6 +3,7 @@
 #include "base/console.h"
 
 #include <cmath>
+#include <string>
 
 namespace lcp {
 
@@ -13,8 +14,11 @@ bool notedIn(std::string_view name, std::string_view unit, CConstView A, int n) 
     for (int j = 1; j <= n; ++j) {
       const Complex a = A(i, j);
       if (std::fabs(a.real()) + std::fabs(a.imag()) < BEYOND) continue;
-      console::note(
-          fmt::format("{}({},{}) is {:.4g} + j {:.4g} {}", name, i, j, a.real(), a.imag(), unit));
+      const bool number = std::isfinite(a.real()) && std::isfinite(a.imag());
+      const std::string value = number
+                                    ? fmt::format("{:.4g} + j {:.4g} {}", a.real(), a.imag(), unit)
+                                    : "no finite number";
+      console::note(fmt::format("{}({},{}) is {}", name, i, j, value));
       return true;
     }
   }

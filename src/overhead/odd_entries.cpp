@@ -27,7 +27,8 @@ bool isOdd(const Entry& e) {
 bool noteOdd(const std::string& owner, std::initializer_list<Entry> entries) {
   for (const Entry& e : entries) {
     if (!isOdd(e)) continue;
-    console::note(fmt::format("{}{} is {:.4g}", owner, e.key, e.value));
+    const char* why = e.value == 0.0 ? ", and the formulas divide by it" : "";
+    console::note(fmt::format("{}{} is {:.4g}{}", owner, e.key, e.value, why));
     return true;
   }
   return false;
@@ -46,7 +47,7 @@ bool noteOddSoil() {
 bool noteOddConductor(int i) {
   const ConductorTable& C = RUNDATA.cond;
   const std::string owner =
-      fmt::format("conductor at X = {:.4g} m, Y = {:.4g} m: ", C.CX[i], C.CY[i]);
+      fmt::format("Conductor at X = {:.4g} m, Y = {:.4g} m: ", C.CX[i], C.CY[i]);
   if (noteOdd(owner, {{"DCResistance", C.CRDC[i] * PERKM},
                       {"Relative Permeability", C.CMUR[i]},
                       {"ShuntConductance", C.CSHUNT[i], false},
