@@ -41,7 +41,7 @@ void fitPass(benchmark::State& state) {
   const PoleTable start = settledPoles(Q, N);
   while (state.KeepRunning()) {
     PoleTable P = start;
-    VFITPASSES(1, Q, N, P, &fit, errors);
+    VFIT(Q, N, P, &fit, errors);
     benchmark::DoNotOptimize(errors);
   }
 }

@@ -14,6 +14,7 @@
 //                       by line; a line "..." stands for any number of lines
 //   --- errors          then the lines of the error stream; when not given, none but the one on the
 //                       line that an error exit of the reader shows
+//   --- ends NAME       then the last lines of that file behind the run
 // A blank line ahead of "===" and what stands ahead of the first "===" are for the reader alone.
 #include "support/child.h"
 #include "support/scratch.h"
@@ -107,7 +108,8 @@ std::string differences(Refusal r) {
     console += fmt::format(fmt::runtime(echoes.at(arguments[i - 1])), arguments[i]);
   const auto linkIn = [](const std::string& name) { return name.find("> "); };
   for (const auto& [name, text] : r.parts) {
-    if (name == "console" || name == "errors" || linkIn(name) != name.npos) continue;
+    if (name == "console" || name == "errors" || name.starts_with("ends ")) continue;
+    if (linkIn(name) != name.npos) continue;
     if (name.ends_with('/')) std::filesystem::create_directory(scratch.file(name));
     if (!name.ends_with('/')) scratch.file(name == "input" ? r.keys["file"] : name, text);
   }
@@ -132,6 +134,11 @@ std::string differences(Refusal r) {
   hold((told ? run.errors : withoutPlace(run.errors, run.console, r.parts["input"])) ==
            r.parts["errors"],
        "errors", run.errors);
+  for (const auto& [name, text] : r.parts) {
+    if (!name.starts_with("ends ")) continue;
+    const auto file = run.files.find(name.substr(5));
+    hold(file != run.files.end() && file->second.ends_with(text), "end", name);
+  }
   const std::string wanted = r.keys["files"] != "?" ? r.keys["files"] : "";
   hold(files == wanted || (r.keys["files"] == "?" && run.status == 0), "files", files);
   return report;

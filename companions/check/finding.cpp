@@ -38,6 +38,8 @@ constexpr KindRow KINDS[] = {
     // options that void the result
     {Kind::ZeroWeight, "zero-weight", ERROR,
      "{} is 0: the frequencies {} the steady state frequency do not count in any fit"},
+    {Kind::FallingGrid, "falling-grid", WARNING,
+     "the fit ends at {} Hz, below its start at {} Hz: its grid falls"},
     {Kind::DcConductance, "dc-conductance", ERROR,
      "the DC correction needs a shunt conductance above 0, and {} has none"},
     {Kind::ZeroPassivityError, "zero-passivity-error", ERROR,

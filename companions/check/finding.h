@@ -26,6 +26,7 @@ enum class Kind {
   NoPlace,
   ReaderWarning,
   ZeroWeight,
+  FallingGrid,
   DcConductance,
   ZeroPassivityError,
   ZeroTolerance,

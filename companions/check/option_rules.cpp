@@ -38,6 +38,13 @@ void weights(Findings& findings) {
   }
 }
 
+void fitRange(Findings& findings) {
+  const FitOptions& F = RUNDATA.fit;
+  if (F.FEND < F.FSTART)
+    add(findings, optionLine(&F.FEND), Kind::FallingGrid, fmt::format("{:.4g}", F.FEND),
+        fmt::format("{:.4g}", F.FSTART));
+}
+
 // --- DC correction
 
 void dcOfWires(Findings& findings, int line) {
@@ -95,17 +102,22 @@ void passivity(Findings& findings) {
 
 // --- formulas
 
+// Where the grid of a fit begins, beyond the start of its range.
+double gridBegin() {
+  const FitOptions& F = RUNDATA.fit;
+  return F.FSTART * std::pow(F.FEND / F.FSTART, -STEPSBELOW / double(F.NFINC));
+}
+
 double highestFrequency() {
   const double fixed = std::max(RUNDATA.bergeron.FLOSS, RUNDATA.line.SSFREQ);
   if (RUNDATA.model.MODBERG()) return fixed;
-  return RUNDATA.model.fitted() ? RUNDATA.fit.FEND : RUNDATA.line.SSFREQ;
+  return RUNDATA.model.fitted() ? std::max(gridBegin(), RUNDATA.fit.FEND) : RUNDATA.line.SSFREQ;
 }
 
 double lowestFrequency() {
   const FitOptions& F = RUNDATA.fit;
   if (!RUNDATA.model.fitted()) return RUNDATA.line.SSFREQ;
-  const double step = std::log10(F.FEND / F.FSTART) / F.NFINC;
-  const double grid = F.FSTART * std::pow(10.0, -STEPSBELOW * step);
+  const double grid = std::min(gridBegin(), F.FEND);
   return RUNDATA.model.MODFDP() && F.DCCORR > 0 ? std::min(grid, DCFREQUENCY) : grid;
 }
 
@@ -169,6 +181,7 @@ void optionRules(Findings& findings) {
   const ModelChoice& M = RUNDATA.model;
   if (M.MODEL == ModelKind::None || M.MODEL == ModelKind::Halo) add(findings, 0, Kind::NoModel);
   if (M.fitted()) weights(findings);
+  if (M.fitted() && RUNDATA.run.DATAFMT == ROUTECONSTANTS) fitRange(findings);
   if (M.MODFDP()) dcCorrection(findings);
   if (M.MODFDP()) passivity(findings);
   if (RUNDATA.run.ISCABLE != FOURWIRECABLE && RUNDATA.run.DATAFMT == ROUTECONSTANTS)

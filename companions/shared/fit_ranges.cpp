@@ -4,6 +4,7 @@
 #include "store/rundata.h"
 #include "store/yz_table.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace lcp::companions {
@@ -56,11 +57,12 @@ std::vector<FrequencyRange> fitRanges() {
     ranges.push_back({"at the points of the fit", true, "",
                       ratios(F.FSTART * std::pow(step, -BELOW), F.FEND, F.NFINC + BELOW)});
   }
+  std::sort(ranges[0].f.begin(), ranges[0].f.end()); // the grid of a fit can fall
   ranges.push_back({"between them", true, "", between(ranges[0].f)});
   if (RUNDATA.run.fromTable()) return ranges;
-  const double low = ranges[0].f.front();
+  const double low = ranges[0].f.front(), high = std::max(F.FEND, ranges[0].f.back());
   ranges.push_back({"a decade below", false, "outside", ratios(low / 10, low, OUTSIDE)});
-  ranges.push_back({"a decade above", false, "outside", ratios(F.FEND, 10 * F.FEND, OUTSIDE)});
+  ranges.push_back({"a decade above", false, "outside", ratios(high, 10 * high, OUTSIDE)});
   ranges.push_back({"at zero frequency", false, conductsAtZero() ? "zero" : "", {ZERO}});
   return ranges;
 }

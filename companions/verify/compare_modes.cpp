@@ -147,7 +147,9 @@ std::vector<Finding> compareModeFits(const ModelFile& file, double length, const
     std::vector<LinePoint> points;
     for (const double f : range.f) points.push_back(constantsOf(f));
     std::vector<LineModes> line = followed(points, written, RUNDATA.fit.FCT);
-    if (rows.empty()) rows = largestRows(line[0].TI); // where the program's grid begins
+    const bool falls = RUNDATA.fit.FEND < RUNDATA.fit.FSTART;
+    if (rows.empty())
+      rows = largestRows((falls ? line.back() : line[0]).TI); // where the grid begins
     holdRows(line, rows);
     std::vector<Deviation> ofZc(file.n), ofA(file.n), ofT(file.n);
     for (std::size_t k = 0; k < range.f.size(); ++k) {

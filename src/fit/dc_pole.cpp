@@ -24,7 +24,9 @@ double slowestOf(const PoleTable& P, int N) {
 }
 
 double dcPole(double slowest) {
-  return -std::min(BELOW * SOLVEDATA.grid.WFREQ[1], APART * slowest);
+  const FrequencyGrid& G = SOLVEDATA.grid;
+  const double lowest = std::min(G.WFREQ[1], G.WFREQ[G.NFUSE]);
+  return -std::min(BELOW * lowest, APART * slowest);
 }
 
 void warnOfRefusedCorrection(const char* function, double err) {

@@ -46,10 +46,11 @@ void gatherSamples() {
   STORE.H.map(FITMODEL.NC);
   STORE.FIT.map(FITMODEL.NC);
   STORE.NS = std::min(G.NFUSE + BETWEEN.NB, MAXFREQ);
+  const double way = G.WFREQ[G.NFUSE] - G.WFREQ[1]; // below 0 on a grid that falls
   for (int k = 1, below = 1; k <= STORE.NS; ++k) {
     const bool between = k > G.NFUSE;
     STORE.WFREQ[k] = between ? BETWEEN.WFREQ[k - G.NFUSE] : G.WFREQ[k];
-    while (between && below < G.NFUSE && G.WFREQ[below + 1] < STORE.WFREQ[k]) ++below;
+    while (between && below < G.NFUSE && (STORE.WFREQ[k] - G.WFREQ[below + 1]) * way > 0) ++below;
     STORE.WFIT[k] = G.WFIT[between ? below : k];
     for (int c = 1; c <= FITMODEL.NC; ++c) {
       for (int r = 1; r <= FITMODEL.NC; ++r)

@@ -253,7 +253,7 @@ double ROUGHDELAY(const FitSamples& Q, const BetweenCurve& between, int N, doubl
 double REFINEDELAY(const FitSamples& Q, const BetweenCurve& between, int N, double TARGET,
                    double ERR, const DelayRange& range, double& tau, PoleTable& POLES,
                    SettledFit& FIT) {
-  const double least = LEASTPHASE * PI / 180.0 / Q.WFREQ[Q.NS];
+  const double least = LEASTPHASE * PI / 180.0 / std::max(Q.WFREQ[1], Q.WFREQ[Q.NS]);
   DelayTrial trial{Q, between, N, TARGET, ERR, tau, POLES, FIT};
   double step = REFINING * range.step;
   for (int tried = 1; tried < MOSTDELAYS && trial.best > TARGET && std::fabs(step) > least;) {

@@ -201,6 +201,13 @@ void deviations(const FitSamples& Q, const FunctionFit* FITS, FitErrors& ERRORS)
   ERRORS.ERRNORM = f > SMALLPEAK ? ERRORS.ERRMAX / f : ERRORS.ERRMAX;
 }
 
+// The second half of a pass.
+void identify(const FitSamples& Q, int offs, int N, const PoleTable& P, FunctionFit* FITS,
+              FitErrors& ERRORS) {
+  residuesOnce(Q, offs, N, P, FITS);
+  deviations(Q, FITS, ERRORS);
+}
+
 } // namespace
 
 double LOGPOLE(int I, double WLO, double WHI, int N) {
@@ -213,17 +220,25 @@ void startingPoles(PoleTable& P, int N, double WLO, double WHI) {
   for (int i = 1; i <= N; ++i) P[i] = Complex(-LOGPOLE(i, WLO, WHI, N), 0.0);
 }
 
-void VFITPASSES(int passes, const FitSamples& Q, int N, PoleTable& POLES, FunctionFit* FITS,
-                FitErrors& ERRORS) {
-  const int offs = asymptoteColumns(Q.ASYMP);
-  for (int pass = 1; pass <= passes; ++pass) relocateOnce(Q, offs, N, POLES);
-  residuesOnce(Q, offs, N, POLES, FITS);
-  deviations(Q, FITS, ERRORS);
-}
-
 void RELOCATE(int passes, const FitSamples& Q, int N, PoleTable& POLES) {
   const int offs = asymptoteColumns(Q.ASYMP);
   for (int pass = 1; pass <= passes; ++pass) relocateOnce(Q, offs, N, POLES);
+}
+
+void VFIT(const FitSamples& Q, int N, PoleTable& POLES, FunctionFit* FITS, FitErrors& ERRORS) {
+  const int offs = asymptoteColumns(Q.ASYMP);
+  relocateOnce(Q, offs, N, POLES);
+  identify(Q, offs, N, POLES, FITS, ERRORS);
+}
+
+void VFITPASSES(int passes, const FitSamples& Q, int N, PoleTable& POLES, FunctionFit* FITS,
+                FitErrors& ERRORS) {
+  if (passes < 1) {
+    identify(Q, asymptoteColumns(Q.ASYMP), N, POLES, FITS, ERRORS);
+    return;
+  }
+  RELOCATE(passes - 1, Q, N, POLES);
+  VFIT(Q, N, POLES, FITS, ERRORS);
 }
 
 } // namespace lcp

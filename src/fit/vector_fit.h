@@ -49,14 +49,17 @@ double LOGPOLE(int I, double WLO, double WHI, int N);
 // All N of them on the negative real axis.
 void startingPoles(PoleTable& P, int N, double WLO, double WHI);
 
-// So many passes, each of which relocates the N poles (at most NPMAX), from where the last one left
-// them; then residues, D, E, model and deviations of each function over the new poles, with no pass
-// over those given. POLES is in and out; after a pass sorted by rising modulus. Uses the
-// least-squares store and keeps nothing between calls.
+// One pass in its two halves: relocates the N poles (at most NPMAX), then finds residues, D, E,
+// model and deviations of each function over the new ones. POLES is in and out; after a pass sorted
+// by rising modulus. Uses the least-squares store and keeps nothing between calls.
+void VFIT(const FitSamples& Q, int N, PoleTable& POLES, FunctionFit* FITS, FitErrors& ERRORS);
+
+// The first half, so many times: for fits that find the residues by a problem of their own.
+void RELOCATE(int passes, const FitSamples& Q, int N, PoleTable& POLES);
+
+// So many passes, each from where the last one left the poles; of all but the last the residues are
+// of no use. With none the residues are those over the poles given.
 void VFITPASSES(int passes, const FitSamples& Q, int N, PoleTable& POLES, FunctionFit* FITS,
                 FitErrors& ERRORS);
-
-// The poles alone, for fits that find the residues by a problem of their own.
-void RELOCATE(int passes, const FitSamples& Q, int N, PoleTable& POLES);
 
 } // namespace lcp

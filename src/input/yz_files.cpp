@@ -7,6 +7,7 @@
 #include "store/rundata.h"
 #include "store/yz_table.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <string>
@@ -93,13 +94,12 @@ bool readElement(DataFile& file, Complex& element) {
   return true;
 }
 
-bool readMatrix(DataFile& file, CView A, int n) {
-  for (int j = 1; j <= n; ++j) {
-    for (int i = 1; i <= n; ++i) {
-      if (!readElement(file, A(j, i))) return false;
-    }
+// Returns how many elements the file has; those that it lacks keep what they held.
+int readMatrix(DataFile& file, CView A, int n) {
+  for (int e = 0; e < n * n; ++e) {
+    if (!readElement(file, A(e / n + 1, e % n + 1))) return e;
   }
-  return true;
+  return n * n;
 }
 
 // --- multiple Y and Z
@@ -163,16 +163,20 @@ void takeTable() {
 
 void readYZFile() {
   ManualData& M = RUNDATA.manual;
+  const int n = std::max(RUNDATA.line.NC, 0);
   DataFile file;
   if (!file.source.open(M.YZFILE.whole())) cannotOpen();
   CView chosen = M.ZENT;
   while (nextFilledRecord(file)) {
-    const std::string tag = firstItem(file.record, TAGLEN);
+    const std::string item = firstItem(file.record, ITEMLEN);
+    const std::string tag = item.substr(0, TAGLEN);
     if (tag == "Z:") chosen = M.ZENT;
     if (tag == "Y:") chosen = M.YENT;
-    if (readMatrix(file, chosen, RUNDATA.line.NC)) continue;
-    console::print("*WARNING*: Data File Ends Inside a Matrix: {}", M.YZFILE.text());
-    warn();
+    const int got = readMatrix(file, chosen, n);
+    if (got == n * n) continue;
+    console::warning(fmt::format("{} ends inside a matrix: of its {} elements {} stand behind "
+                                 "\"{}\", the others keep what they held",
+                                 M.YZFILE.text(), n * n, got, item));
     return;
   }
 }

@@ -1,17 +1,18 @@
 // PI: the steady-state frequency alone. Bergeron: the loss frequency, then the steady-state
 // frequency. Fitted models: equal steps of log10(w), five below the fit range and NFINC + 1 over
 // it, and behind them the frequency of the constant transformation; of a table of Y and Z its rows.
+// With the end of the range below its start the steps fall, and five lie above it.
 #include "modal/frequency_grid.h"
 
 #include "base/console.h"
 #include "base/constants.h"
 #include "base/solve_error.h"
-#include "base/stop.h"
 #include "modal/line_constants.h"
 #include "store/rundata.h"
 #include "store/solvedata.h"
 #include "store/yz_table.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace lcp {
@@ -20,13 +21,18 @@ namespace {
 
 constexpr int BELOW = 5;       // steps below the fit range
 constexpr int BEYOND = 7;      // steps that the grid has more than increments
-constexpr int LEASTROWS = 2;   // of a table: a fit needs a range
+constexpr int LEASTROWS = 2;   // of a table: a first delay is drawn from a slope
 constexpr int SLOTSBEYOND = 8; // slots: a solution is also stored at the step behind its own
 
 [[noreturn]] void refuseGrid(std::string_view why) {
   console::openStars();
   console::line(why);
   stopInStars();
+}
+
+double logOfRange(double f) {
+  if (!(f > 0.0)) refuseGrid("Curve Fitting Frequencies Must be > 0!");
+  return std::log10(TWOPI * f);
 }
 
 void layLogGrid() {
@@ -36,55 +42,74 @@ void layLogGrid() {
     refuseGrid(fmt::format("Too Many Frequency Increments ({}), Maximum of {} Allowed!", F.NFINC,
                            MAXFREQ - SLOTSBEYOND));
   }
-  if (!(F.FSTART > 0.0 && F.FEND > F.FSTART)) {
-    refuseGrid("Curve Fitting Frequencies Must be > 0, and the End Above the Start!");
-  }
   if (!(F.FCT > 0.0)) refuseGrid("Frequency to Calculate Constant Transform Must be > 0!");
-  const double a = std::log10(TWOPI * F.FSTART);
-  const double b = std::log10(TWOPI * F.FEND);
+  const double a = logOfRange(F.FSTART), b = logOfRange(F.FEND);
+  // A first delay is drawn from a slope over the grid, which is 0 / 0 there.
+  if (a == b && !RUNDATA.model.MODMFDTD()) {
+    refuseGrid("Curve Fitting Start and End Frequency Must Differ!");
+  }
+  if (F.FEND < F.FSTART) {
+    console::warning(fmt::format("Curve Fitting End Frequency, {:.4g} Hz, lies below the start, "
+                                 "{:.4g} Hz: the grid of the fit falls",
+                                 F.FEND, F.FSTART));
+  }
   G.NFREQ = F.NFINC + BEYOND;
   G.DLOGW = (b - a) / F.NFINC;
   G.LOGW0 = a - BELOW * G.DLOGW;
 }
 
-// What the description says behind the name of the file can be at odds with the table.
+// Rows are taken in any order; a fit of two at one frequency may fail.
+void warnOfFallingRows() {
+  const auto& F = YZTABLE.FTABLE;
+  for (int k = 2; k <= RUNDATA.fit.NFINC; ++k) {
+    if (F[k] > F[k - 1]) continue;
+    console::warning(fmt::format("row {} of the Y and Z data, at {:.4g} Hz, does not lie above the "
+                                 "row before, at {:.4g} Hz",
+                                 k, F[k], F[k - 1]));
+    return;
+  }
+}
+
+// What the description says behind the name of the file can be at odds with the table. A fit needs
+// the logarithm of each frequency; the PI model takes the first row at a frequency of its own.
 void checkTable() {
+  const bool fitted = RUNDATA.model.fitted();
   const int NFINC = RUNDATA.fit.NFINC;
-  if (RUNDATA.line.NC != YZTABLE.order) {
-    refuseGrid(fmt::format("Number of Conductors ({}) is not That of the Y and Z Data ({})!",
+  // Elements that the table does not have are 0: no wave, and no number but of MFDTD.
+  if (RUNDATA.line.NC > YZTABLE.order && !RUNDATA.model.MODMFDTD()) {
+    refuseGrid(fmt::format("Number of Conductors ({}) is Above That of the Y and Z Data ({})!",
                            RUNDATA.line.NC, YZTABLE.order));
   }
-  if (NFINC > YZTABLE.rows) {
+  if (fitted && NFINC > YZTABLE.rows) {
     refuseGrid(fmt::format("Too Many Frequency Increments ({}), the Y and Z Data have {}!", NFINC,
                            YZTABLE.rows));
   }
-  for (int k = 1; k <= NFINC; ++k) {
-    const double before = k > 1 ? YZTABLE.FTABLE[k - 1] : 0.0;
-    if (YZTABLE.FTABLE[k] > before) continue;
-    refuseGrid(
-        fmt::format("Frequency {} of the Y and Z Data Must be > 0 and Above the One Before!", k));
+  for (int k = 1; fitted && k <= NFINC; ++k) {
+    if (YZTABLE.FTABLE[k] > 0.0) continue;
+    refuseGrid(fmt::format("Frequency {} of the Y and Z Data Must be > 0!", k));
   }
+  if (fitted) warnOfFallingRows();
 }
 
 // One row serves the PI model, which is one of the steady-state frequency.
 void warnOfFirstRow() {
   if (YZTABLE.FTABLE[1] == RUNDATA.line.SSFREQ) return;
-  console::print("*WARNING*: The PI Model Takes the First of the Y and Z Data, at {:.4g} Hz",
-                 YZTABLE.FTABLE[1]);
-  warn();
+  console::warning(
+      fmt::format("the PI model takes the first row of the Y and Z data, at {:.4g} Hz, for its "
+                  "frequency of {:.4g} Hz",
+                  YZTABLE.FTABLE[1], RUNDATA.line.SSFREQ));
 }
 
 void layTableGrid() {
   FrequencyGrid& G = SOLVEDATA.grid;
   const int NFINC = RUNDATA.fit.NFINC;
-  if (NFINC < LEASTROWS) {
-    refuseGrid(fmt::format("Too Few Frequencies in the Y and Z Data ({}), a Fit Needs {}!", NFINC,
+  if (NFINC < LEASTROWS && !RUNDATA.model.MODMFDTD()) {
+    refuseGrid(fmt::format("Too Few Frequencies in the Y and Z Data ({}), a Delay Needs {}!", NFINC,
                            LEASTROWS));
   }
-  const double a = std::log10(TWOPI * YZTABLE.FTABLE[1]);
-  const double b = std::log10(TWOPI * YZTABLE.FTABLE[NFINC]);
+  const double a = logOfRange(RUNDATA.fit.FSTART), b = logOfRange(RUNDATA.fit.FEND);
   G.NFREQ = NFINC;
-  G.DLOGW = (b - a) / (NFINC - 1);
+  G.DLOGW = (b - a) / std::max(NFINC - 1, 1);
   G.LOGW0 = a - BELOW * G.DLOGW;
 }
 
@@ -110,12 +135,8 @@ void layGrid() {
     G.NFREQ = 1;
   } else if (M.MODBERG()) {
     G.NFREQ = 2;
-  } else if (M.fitted()) {
-    layFittedGrid();
   } else {
-    console::line("***** CORVO.EXE - ERROR *****");
-    console::print("Unknown Model Type: {}", static_cast<int>(M.MODEL));
-    stop(1);
+    layFittedGrid();
   }
   mapCurves(SOLVEDATA, mostConductors());
 }

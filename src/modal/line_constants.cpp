@@ -5,8 +5,10 @@
 #include "cable/cable_zy.h"
 #include "cable/four_wire.h"
 #include "cable/numbering.h"
+#include "modal/unsound_constants.h"
 #include "modal/yz_interp.h"
 #include "overhead/bundle_reduction.h"
+#include "overhead/odd_entries.h"
 #include "overhead/overhead_zy.h"
 #include "store/rundata.h"
 #include "store/solvedata.h"
@@ -17,8 +19,6 @@
 namespace lcp {
 
 namespace {
-
-constexpr double BEYOND = 1e150; // elements of this size overflow in their products
 
 bool finite(const LineMatrix& A, int n) {
   double sum = 0; // one infinity or one NaN shows in it
@@ -41,12 +41,18 @@ void checkOrder() {
   stopInStars();
 }
 
+// An entry that nothing can be divided by says more than the element it spoils.
+void noteReason(int n) {
+  if (!RUNDATA.run.fromTable() && noteOddEntry()) return;
+  noteUnsoundElement(SOLVEDATA.first.YMAT, SOLVEDATA.first.ZMAT, n);
+}
+
 void checkFinite(double f) {
   const FirstLoopStore& S = SOLVEDATA.first;
   const int n = RUNDATA.line.NC;
   if (finite(S.YMAT, n) && finite(S.ZMAT, n) && finite(S.PMAT, n)) return;
   checkOrder();
-  if (!RUNDATA.run.fromTable()) noteZeroEntries();
+  noteReason(n);
   console::openStars();
   console::print("The Line Constants at {:.4g} Hz are not Finite Numbers", f);
   console::line("Verify Transmission line data");

@@ -22,7 +22,9 @@
 #include "kernels/hyperbolic.h"
 #include "kernels/inversion.h"
 #include "kernels/matrix_kernels.h"
+#include "modal/manual_entries.h"
 #include "modal/modal_transform.h"
+#include "modal/unsound_constants.h"
 #include "store/rundata.h"
 
 #include <cmath>
@@ -38,7 +40,6 @@ constexpr double TWOPIL0 = 1.2566370614359145e-06; // 2 pi L0
 constexpr double MEGOHM = 1e6;                     // ohm
 constexpr int TWOCIRCUITS = 6;                     // conductors of two circuits alike
 constexpr int DOTS = 34;
-constexpr double BEYOND = 1e150; // elements of this size overflow in their products
 
 double angularFrequency() { return TWOPI * RUNDATA.line.SSFREQ; }
 bool isPair() { return RUNDATA.manual.MANFMT == MANPAIR; }
@@ -65,19 +66,22 @@ void checkFormat() {
 
 void checkEstimate() {
   const int ESTZERO = RUNDATA.manual.ESTZERO;
-  if (isPair() || (ESTZERO >= ZEROENTERED && ESTZERO <= ZEROEQUAL)) return;
+  if (isPair() || RUNDATA.line.NC == 1) return; // no zero sequence
+  if (ESTZERO >= ZEROENTERED && ESTZERO <= ZEROEQUAL) return;
   console::openStars();
   console::print("Estimate Zero Sequence Must be 0, 1 or 2, not {}!", ESTZERO);
   stopInStars("MANLINE Ending!");
 }
 
+// A travel time below 0 ends the run at its report, where its velocity is looked at; one of 0 has
+// no velocity.
 void checkMode(int k, const ManualMode& m) {
-  const bool number = std::isfinite(m.T) && std::isfinite(m.Zc) && std::isfinite(m.R);
-  const bool travels = number && m.T > 0.0 && m.Zc > 0.0;
-  if (travels && std::isfinite(m.C) && std::isfinite(m.L)) return;
+  const bool numbers = std::isfinite(m.T) && std::isfinite(m.Zc) && std::isfinite(m.R);
+  if (numbers && m.T != 0.0 && std::isfinite(m.C) && std::isfinite(m.L)) return;
+  noteManualEntries(k, m.T, m.Zc, m.R);
   console::openStars();
-  console::print("Mode {} of the Manual Data has no Travel Time and Surge", k);
-  console::line("Impedance Above 0, or no Finite Resistance.");
+  console::print("Mode {} of the Manual Data has a Travel Time or a Surge", k);
+  console::line("Impedance of 0, or Values that are no Finite Numbers.");
   console::line("Check input data for Manual Entry of Z,Y");
   stopInStars("MANLINE Ending!");
 }
@@ -88,6 +92,7 @@ void checkPhases(CView Y, CView Z, int n) {
     for (int i = 1; i <= n; ++i) sum += std::abs(Y(i, j)) + std::abs(Z(i, j));
   }
   if (sum < BEYOND) return;
+  noteUnsoundElement(Y, Z, n);
   console::openStars();
   console::line("The Line Constants of the Manual Data are not Finite Numbers");
   console::line("Check input data for Manual Entry of Z,Y");
@@ -278,8 +283,9 @@ void warnOfUnits() {
   warn();
 }
 
-// Values below 0, of data that are no corrected ones, give the warning and count by magnitude.
-void takeCorrectionOut(ManualMode& m) {
+// Values below 0, of data that are no corrected ones, count by magnitude. The console warns of a
+// reactance, the error stream of a susceptance.
+void takeCorrectionOut(int k, ManualMode& m) {
   const double w = angularFrequency(), l = manualLength();
   const Complex z(m.R, w * m.L), y(0.0, w * m.C);
   const Complex u = std::sqrt(z * y) * l;
@@ -287,7 +293,12 @@ void takeCorrectionOut(ManualMode& m) {
   const Complex t = CTANH(u / 2.0) / (u / 2.0);
   const double X = series.imag();
   const double B = y.imag() * t.real() / std::norm(t);
-  if (X < 0.0 || B < 0.0) warnOfUnits();
+  if (X < 0.0) warnOfUnits();
+  if (B < 0.0) {
+    console::warning(fmt::format("mode {} of the manual data has a susceptance of {:.4g} S/m "
+                                 "behind the correction for length; it counts by magnitude",
+                                 k, B));
+  }
   m.R = series.real();
   m.Zc = std::sqrt(std::fabs(X / B));
   m.T = INMILLI * l * std::sqrt(std::fabs(X * B)) / w;
@@ -329,7 +340,7 @@ ManualMode manualMode(int k) {
   formLineValues(m);
   checkMode(k, m);
   if (RUNDATA.manual.LONGLINE != 1) return m;
-  takeCorrectionOut(m);
+  takeCorrectionOut(k, m);
   checkMode(k, m);
   return m;
 }

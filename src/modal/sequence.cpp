@@ -19,8 +19,7 @@ constexpr double INVSQRT3 = 0.577350269189626;
 constexpr double HALFINVSQRT3 = 0.288675134594813;
 constexpr double SQRT2 = 1.41421356237;
 constexpr double NOBASE = 1e-10;
-constexpr double LEASTFACTOR = 1e-100; // of per-unit values, and its reciprocal the largest
-constexpr double NOSURGE = 1e-20;      // X and B up to this have no surge impedance
+constexpr double NOSURGE = 1e-20; // X and B up to this have no surge impedance
 
 constexpr int ZERO = 1;     // of a transformed block; of a bipole: ground mode
 constexpr int POSITIVE = 2; // metallic mode
@@ -126,7 +125,7 @@ void chooseBases(LoadFlowData& data) {
 
 void checkBases() {
   const double KZ = impedanceFactor();
-  if (!hasBases() || (KZ > LEASTFACTOR && KZ < 1.0 / LEASTFACTOR)) return;
+  if (!hasBases() || (std::isfinite(KZ) && std::isfinite(1.0 / KZ))) return;
   console::openStars();
   console::print("Base Values for Display are out of Range: {} kV, {} MVA",
                  RUNDATA.display.VBASEDISP, RUNDATA.display.MVABASEDISP);

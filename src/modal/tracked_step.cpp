@@ -16,6 +16,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <string>
 
 namespace lcp {
 
@@ -23,8 +24,6 @@ namespace {
 
 constexpr int DEEPEST = 5;         // decimal digits of the walk
 constexpr int TOOMANYUPDATES = 10; // Newton updates of a step that was too long
-constexpr double MERGED =
-    1e-7; // relative, above Newton's tolerance; modes that differ by less are one
 constexpr int HYPHENS = 31;
 
 bool failureInSolve = false; // the banner of the solve was printed
@@ -70,33 +69,9 @@ int startingStep(int k, bool searching, double& scale) {
   return searching ? k : k - 1;
 }
 
-// The step was so long that a mode ended on the eigenvalue and the vector of another one. Equal
-// eigenvalues alone are no fault: modes of a balanced line have them, with vectors of their own.
-bool sameMode(int a, int b, int n) {
-  const FirstLoopStore& S = SOLVEDATA.first;
-  if (std::abs(S.EIG[a] - S.EIG[b]) > MERGED * std::abs(S.EIG[a])) return false;
-  Complex dot;
-  double aa = 0, bb = 0;
-  for (int i = 1; i <= n; ++i) {
-    dot += std::conj(S.TI(i, a)) * S.TI(i, b);
-    aa += std::norm(S.TI(i, a));
-    bb += std::norm(S.TI(i, b));
-  }
-  return std::norm(dot) > (1 - MERGED) * aa * bb;
-}
-
-bool anyModesMerged(int n) {
-  for (int a = 1; a <= n; ++a) {
-    for (int b = a + 1; b <= n; ++b) {
-      if (sameMode(a, b, n)) return true;
-    }
-  }
-  return false;
-}
-
-// True when every mode was followed, in a reasonable number of updates and to a solution of its
-// own. A mode whose start is already exact keeps it, so the outputs are set to the start
-// beforehand.
+// True when every mode was followed in a reasonable number of updates. A mode whose start is
+// already exact keeps what EIG and TI held: the solution accepted last, or the last attempt, when
+// that failed.
 bool followModes(int k, bool searching) {
   static LineMatrix scaled;
   static LineMatrix XGUESS;
@@ -107,15 +82,13 @@ bool followModes(int k, bool searching) {
   const int r = startingStep(k, searching, scale);
   SOLVEDATA.at.MTI.load(r, XGUESS, n);
   for (int j = 1; j <= n; ++j) {
-    S.EIG[j] = SOLVEDATA.at.MEIG(r, j);
-    LGUESS[j] = S.EIG[j] / scale;
+    LGUESS[j] = SOLVEDATA.at.MEIG(r, j) / scale;
   }
-  copyCorner(S.TI, XGUESS, n);
   copyCorner(scaled, S.PMAT, n);
   bool good = NREIG(S.EIG, S.TI, LGUESS, XGUESS, scaled, S.PSCALE, S.PIVOT, n);
   if (!good) explainFailure(k);
   for (int i = 1; i <= n; ++i) good = good && S.NRITER[i] < TOOMANYUPDATES;
-  return good && !anyModesMerged(n);
+  return good;
 }
 
 // --- the walk
@@ -158,11 +131,12 @@ struct Walk {
   }
 };
 
+// The way to a row of a table is that of a logarithmic grid, whose steps rows need not have: it can
+// lead beyond the two rows, and ends at the row itself.
 double walkFrequency(int k, double x) {
   const FrequencyGrid& G = SOLVEDATA.grid;
   if (RUNDATA.run.fromTable()) {
-    // the rows of a table need not stand at equal steps
-    return x == 1.0 ? G.FREQ[k] : std::pow(10.0, G.LOGF[k - 1] + x * (G.LOGF[k] - G.LOGF[k - 1]));
+    return x == 1.0 ? G.FREQ[k] : std::pow(10.0, (k + 3 + x) * G.DLOGW + G.LOGW0) / TWOPI;
   }
   if (isConstantTransformStep(k)) {
     const double a = std::log10(TWOPI * G.FREQ[SOLVEDATA.first.KCT]);
@@ -185,19 +159,35 @@ bool goOn(Walk& walk, int k, bool good) {
   return walk.next();
 }
 
+// A start that is exact already, as where a grid point stands at the frequency of the constant
+// transformation, leaves a mode with the values of the step before, the end of the grid.
+void warnOfKeptModes(int k, const ModeComplex& before) {
+  const FrequencyGrid& G = SOLVEDATA.grid;
+  if (!RUNDATA.model.MODFDM() || SOLVEDATA.first.KCT == k - 1) return;
+  std::string modes;
+  for (int i = 1; i <= RUNDATA.line.NC; ++i) {
+    if (SOLVEDATA.first.EIG[i] == before[i]) modes += fmt::format(" {}", i);
+  }
+  if (modes.empty()) return;
+  console::warning(fmt::format("the constant transformation of {:.4g} Hz has vectors of {:.4g} Hz "
+                               "for the modes{}; move its frequency off the grid, or set Improved "
+                               "Modes : 1",
+                               G.FREQ[k], G.FREQ[k - 1], modes));
+}
+
 } // namespace
 
 void startTracking() { failureInSolve = false; }
 
 void trackedStep(int k) {
   Walk walk;
+  const ModeComplex before = SOLVEDATA.first.EIG;
   failureInStep = acceptedInStep = false;
-  double f = SOLVEDATA.grid.FREQ[k];
-  for (;;) {
-    constantsAtStep(k, f, walk.searching ? Place::OnTheWay : Place::AtTheStep);
-    if (!goOn(walk, k, followModes(k, walk.searching))) return;
-    f = walkFrequency(k, walk.fraction());
+  constantsAtStep(k, SOLVEDATA.grid.FREQ[k], Place::AtTheStep);
+  while (goOn(walk, k, followModes(k, walk.searching))) {
+    constantsAtStep(k, walkFrequency(k, walk.fraction()), Place::OnTheWay);
   }
+  if (isConstantTransformStep(k)) warnOfKeptModes(k, before);
 }
 
 void acceptSolution(int k) {

@@ -12,6 +12,8 @@
 #include "store/rundata.h"
 #include "store/yz_table.h"
 
+#include <cmath>
+
 namespace lcp {
 
 namespace {
@@ -28,7 +30,10 @@ double wayToRow(int k, double f) {
   return span != 0.0 ? (f - from) / span : 1.0;
 }
 
-Complex element(const Curve<Complex, MAXFREQ>& X, int k, double x) {
+// An element beyond the order of the table is 0.
+Complex element(CurveMatrix<Complex, MAXFREQ>& A, int i, int j, int k, double x) {
+  if (i > YZTABLE.order || j > YZTABLE.order) return 0.0;
+  const auto& X = A.curve(i, j);
   return x == 1.0 ? X[k] : X[k - 1] + (X[k] - X[k - 1]) * x;
 }
 
@@ -40,8 +45,8 @@ void YZINTERP(double f, CView Y, CView Z, CView P, int flag, int k) {
   const double x = flag == BETWEENROWS && k > 1 ? wayToRow(k, f) : 1.0;
   for (int j = 1; j <= n; ++j) {
     for (int i = 1; i <= n; ++i) {
-      Y(i, j) = element(YZTABLE.YTABLE.curve(i, j), k, x);
-      Z(i, j) = element(YZTABLE.ZTABLE.curve(i, j), k, x);
+      Y(i, j) = element(YZTABLE.YTABLE, i, j, k, x);
+      Z(i, j) = element(YZTABLE.ZTABLE, i, j, k, x);
       Yn(i, j) = Y(i, j) / Complex(0.0, w * C0);
       Zn(i, j) = Z(i, j) / Complex(0.0, w * L0);
     }
@@ -51,10 +56,14 @@ void YZINTERP(double f, CView Y, CView Z, CView P, int flag, int k) {
 
 void tableConstants(double f, CView Y, CView Z, CView P) {
   const auto& F = YZTABLE.FTABLE;
-  int k = 1;
-  while (k < YZTABLE.rows && F[k] < f) ++k;
-  const bool inside = F[1] <= f && f <= F[YZTABLE.rows];
-  YZINTERP(f, Y, Z, P, inside ? BETWEENROWS : TAKEROW, k);
+  const int last = YZTABLE.rows;
+  for (int k = 2; k <= last; ++k) {
+    if ((F[k - 1] - f) * (F[k] - f) > 0.0) continue;
+    YZINTERP(f, Y, Z, P, BETWEENROWS, k);
+    return;
+  }
+  const bool atFirst = std::fabs(F[1] - f) <= std::fabs(F[last] - f);
+  YZINTERP(f, Y, Z, P, TAKEROW, atFirst ? 1 : last);
 }
 
 } // namespace lcp

@@ -162,10 +162,13 @@ void SEQRXB(TextFile& file, CConstView Y, CConstView Z, CConstView YLC, CConstVi
   tellSimulator(data);
 }
 
-void writePhaseDomain(TextFile& file, CConstView Y, CConstView Z, int firstRule) {
+void writePhaseHead(TextFile& file, int firstRule) {
+  writeTitle(file, "  PHASE DOMAIN DATA @ ", 3, firstRule);
+}
+
+void writePhaseDomain(TextFile& file, CConstView Y, CConstView Z) {
   static LineMatrix clean;
   const int n = RUNDATA.line.NC;
-  writeTitle(file, "  PHASE DOMAIN DATA @ ", 3, firstRule);
   cleanCopy(clean, Z, n);
   writeMatrix(file, " SERIES IMPEDANCE MATRIX (Z) [ohms/m]: ", clean, n);
   cleanCopy(clean, Y, n);
@@ -179,11 +182,14 @@ void writeCorrectedData(TextFile& file, CConstView YLC, CConstView ZLC) {
   writeMatrix(file, " LONG-LINE CORRECTED SHUNT ADMITTANCE MATRIX [mhos]: ", YLC, n, l);
 }
 
-void writeModalDomain(TextFile& file, const ModalData& M, int decimals) {
-  const int n = RUNDATA.line.NC;
-  for (const CView m : {M.TI, M.ZM, M.YM}) ZEROSM(m, n, RUNDATA.display.ZEROTOL);
+void writeModalHead(TextFile& file, int decimals) {
   file.line();
   writeTitle(file, "  MODAL DOMAIN DATA @ ", decimals);
+}
+
+void writeModalDomain(TextFile& file, const ModalData& M) {
+  const int n = RUNDATA.line.NC;
+  for (const CView m : {M.TI, M.ZM, M.YM}) ZEROSM(m, n, RUNDATA.display.ZEROTOL);
   writeMatrix(file, " YZ EIGENVECTOR (MODAL TRANSFORMATION) MATRIX (TI): ", M.TI, n);
   writeComplexVector(file, " YZ EIGENVALUE VECTOR: ", M.EIG, n);
   writeMatrix(file, " MODAL IMPEDANCE MATRIX [ohms/m]: ", M.ZM, n);

@@ -17,8 +17,10 @@ void writeReportHead(TextFile& file, int firstRule = REPORTRULE);
 // Load flow data, and the console line of the simulator. The corrected data are shown when LLOK.
 void SEQRXB(TextFile& file, CConstView Y, CConstView Z, CConstView YLC, CConstView ZLC, bool LLOK);
 
-// Y and Z per metre, cleaned for display; the first line has so many hyphens.
-void writePhaseDomain(TextFile& file, CConstView Y, CConstView Z, int firstRule = REPORTRULE);
+// The head of the phase domain data, its first line of so many hyphens, and behind it Y and Z per
+// metre, cleaned for display.
+void writePhaseHead(TextFile& file, int firstRule = REPORTRULE);
+void writePhaseDomain(TextFile& file, CConstView Y, CConstView Z);
 
 // The long-line corrected matrices, for the whole line.
 void writeCorrectedData(TextFile& file, CConstView YLC, CConstView ZLC);
@@ -31,9 +33,10 @@ struct ModalData {
   const ModeReals& TAU;   // travel times, ms
 };
 
-// Modal data; the matrices are cleaned for display in place. The frequency in the title has so many
-// decimals.
-void writeModalDomain(TextFile& file, const ModalData& M, int decimals);
+// The head of the modal data, its frequency with so many decimals, and behind it the data; the
+// matrices are cleaned for display in place.
+void writeModalHead(TextFile& file, int decimals);
+void writeModalDomain(TextFile& file, const ModalData& M);
 
 // Sequence transform, and Z and Y in sequences.
 void SEQMATS(TextFile& file, CConstView Y, CConstView Z);

@@ -42,31 +42,6 @@ void checkConductor(int i) {
   stopInStars();
 }
 
-// Names the entries of conductor i that are 0 though the formulas divide by them. False without
-// any.
-bool noteZeroOf(int i) {
-  const ConductorTable& C = RUNDATA.cond;
-  const bool strands = C.CSTRND[i] && !C.CTUBE[i];
-  const struct {
-    bool used;
-    double value;
-    std::string_view key;
-  } entries[] = {{true, C.CRDC[i], "DCResistance"},
-                 {true, C.CMUR[i], "Relative Permeability"},
-                 {C.CTUBE[i], C.CTHICK[i], "Thickness"},
-                 {strands, C.CSTRAD[i], "Strand Radius"},
-                 {strands, C.CNTOT[i], "Total Number of Strands"}};
-  bool found = false;
-  for (const auto& e : entries) {
-    if (!e.used || e.value != 0.0) continue;
-    console::note(fmt::format("Conductor at X = {:.4g} m, Y = {:.4g} m: {} is 0, and the formulas "
-                              "divide by it",
-                              C.CX[i], C.CY[i], e.key));
-    found = true;
-  }
-  return found;
-}
-
 // Room for n conductors in all.
 void mapMatrices(int n) {
   OverheadStore& S = OVERHEAD;
@@ -159,16 +134,6 @@ void formProduct(int n, int nc) {
 Complex timesJ(double x, Complex value) { return {0.0 - x * value.imag(), x * value.real()}; }
 
 } // namespace
-
-void noteZeroEntries() {
-  const Ground& G = RUNDATA.ground;
-  if (!G.GRTYPE && G.GRHO == 0.0) console::note("GroundResistivity is 0");
-  if (G.GMUR == 0.0) console::note("GroundPermeability is 0");
-  if (RUNDATA.run.ISCABLE != OVERHEADLINE) return;
-  for (int i = 1; i <= RUNDATA.cond.NCOND; ++i) {
-    if (noteZeroOf(i)) return;
-  }
-}
 
 void OHZY(double f, CView YMAT, CView ZMAT, CView PMAT) {
   OverheadStore& S = OVERHEAD;

@@ -15,8 +15,4 @@ namespace lcp {
 // a conductor without average height or radius, end the run.
 void OHZY(double f, CView YMAT, CView ZMAT, CView PMAT);
 
-// For constants that are not finite: lines on the error stream name the entries of the soil and of
-// the first overhead conductor that are 0 though the formulas divide by them.
-void noteZeroEntries();
-
 } // namespace lcp

@@ -78,13 +78,14 @@ double largestElement(CConstView A) {
 // The frequencies of the fit, and some below and above them.
 std::vector<double> weighedFrequencies() {
   const FrequencyGrid& G = SOLVEDATA.grid;
-  const double low = G.WFREQ[1] / TWOPI, high = G.WFREQ[G.NFUSE] / TWOPI;
-  std::vector<double> f;
+  const auto [low, high] = std::minmax({G.WFREQ[1] / TWOPI, G.WFREQ[G.NFUSE] / TWOPI});
+  std::vector<double> f; // rising
   for (int k = POINTSOUTSIDE; k >= 1; --k)
     f.push_back(low * std::pow(OUTSIDE, -static_cast<double>(k) / POINTSOUTSIDE));
   for (int k = 1; k <= G.NFUSE; ++k) f.push_back(G.WFREQ[k] / TWOPI);
   for (int k = 1; k <= POINTSOUTSIDE; ++k)
     f.push_back(high * std::pow(OUTSIDE, static_cast<double>(k) / POINTSOUTSIDE));
+  std::sort(f.begin(), f.end());
   return f;
 }
 

@@ -154,7 +154,7 @@ std::size_t mostPoints(Scan how) {
 SpectrumRange spectrumRange() {
   const FitOptions& F = RUNDATA.fit;
   const PassivityOptions& P = RUNDATA.passivity;
-  SpectrumRange range{F.FSTART / BEYOND, F.FEND * BEYOND};
+  SpectrumRange range{std::min(F.FSTART, F.FEND) / BEYOND, std::max(F.FSTART, F.FEND) * BEYOND};
   if (P.PFLO > 0) range.low = std::min(range.low, P.PFLO);
   range.high = std::max(range.high, P.PFHI);
   return range;

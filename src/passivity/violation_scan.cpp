@@ -61,6 +61,9 @@ void addPoint(int k) {
   P.frequency[P.count] = ENFORCE.EGRID.f[k];
 }
 
+// The largest first.
+void SORTDOWN(double* x, int n) { std::sort(x, x + n, std::greater<>()); }
+
 } // namespace
 
 void PASSVIOL(double PEIGTOL, Residues which) {
@@ -87,7 +90,7 @@ void PASSLIST() {
   Table<double, MAXVIOLATED> work = E.CFREQ;
   int n = E.NCFREQ;
   for (int i = 1; i <= E.VPOINT.count && n < MAXVIOLATED; ++i) work[++n] = E.VPOINT.frequency[i];
-  std::sort(work.data(), work.data() + n, std::greater<>());
+  SORTDOWN(work.data(), n);
   E.NCFREQ = 0;
   for (int i = 1; i <= n; ++i) {
     const double f = work[i];

@@ -37,8 +37,9 @@ void checkModel() {
 void reportModes(TextFile& file) {
   static ModeReals TAUM;
   static ModeComplex Z0M;
+  writeModalHead(file, 2); // also where a velocity ends the run
   formModeTimes(MANUAL.YMOD, MANUAL.ZMOD, TAUM, Z0M);
-  writeModalDomain(file, {MANUAL.TI, MANUAL.EIGM, MANUAL.ZMOD, MANUAL.YMOD, Z0M, TAUM}, 2);
+  writeModalDomain(file, {MANUAL.TI, MANUAL.EIGM, MANUAL.ZMOD, MANUAL.YMOD, Z0M, TAUM});
 }
 
 // The real transformation with unit columns.
@@ -55,10 +56,11 @@ void writeManualReport(CView Y, CView Z) {
   bool LLOK = true;
   TextFile file;
   openOutput(file, RUNDATA.run.FOUTR, EarlyEnd::KEEP);
+  writeReportHead(file, SHORTRULE);
+  writePhaseHead(file, SHORTRULE);
   LONGCOR(Y, Z, RUNDATA.run.LINELEN, YLC, ZLC, n, LLOK);
   for (const CView m : {Z, Y, ZLC.view(), YLC.view()}) ZEROSM(m, n, RUNDATA.display.ZEROTOL);
-  writeReportHead(file, SHORTRULE);
-  writePhaseDomain(file, Y, Z, SHORTRULE);
+  writePhaseDomain(file, Y, Z);
   if (LLOK) writeCorrectedData(file, YLC, ZLC);
   reportModes(file);
   if (hasSequenceMatrices()) SEQMATS(file, Y, Z);

@@ -19,8 +19,9 @@ namespace {
 void reportModes(TextFile& file) {
   FirstLoopStore& S = SOLVEDATA.first;
   SecondLoopStore& T = SOLVEDATA.second;
-  formReportModes();
-  writeModalDomain(file, {S.TI, S.EIG, T.ZM, T.YM, T.ZSURGE, T.TAUMS}, 3);
+  formReportModes(); // a velocity that ends the run leaves no head
+  writeModalHead(file, 3);
+  writeModalDomain(file, {S.TI, S.EIG, T.ZM, T.YM, T.ZSURGE, T.TAUMS});
 }
 
 // Of a cable system: the cores alone; its own constants stand again afterwards.
@@ -50,6 +51,7 @@ void writeReport(TextFile& file) {
   writeReportHead(file);
   if (hasLoadFlowSection()) SEQRXB(file, S.YMAT, S.ZMAT, YLC, ZLC, LLOK);
   if (hasCoreSequences()) SEQCABLE(file);
+  writePhaseHead(file);
   writePhaseDomain(file, S.YMAT, S.ZMAT);
   if (LLOK) writeCorrectedData(file, YLC, ZLC);
   if (M.MODPI() || M.MODBERG()) reportModes(file);

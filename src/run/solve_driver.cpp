@@ -2,9 +2,11 @@
 
 #include "base/console.h"
 #include "base/solve_error.h"
+#include "base/stop.h"
 #include "modal/first_loop.h"
 #include "modal/frequency_grid.h"
 #include "modal/line_constants.h"
+#include "modal/lost_modes.h"
 #include "modal/second_loop.h"
 #include "modal/sequence.h"
 #include "output/curve_files.h"
@@ -22,8 +24,17 @@ namespace lcp {
 
 namespace {
 
-constexpr double MOSTWEIGHT = 1e100;
+constexpr double MOSTWEIGHT = 1.3407807929942596e+154; // its square is the largest number
 
+void checkModel() {
+  const ModelKind MODEL = RUNDATA.model.MODEL;
+  if (MODEL != ModelKind::None && MODEL != ModelKind::Halo) return;
+  console::line("***** CORVO.EXE - ERROR *****");
+  console::print("Unknown Model Type: {}", static_cast<int>(MODEL));
+  stop(1);
+}
+
+// Means over no conductors would be 0 / 0.
 void checkConductors() {
   const bool countsLater = RUNDATA.run.ISCABLE != OVERHEADLINE && !RUNDATA.run.fromTable();
   if (RUNDATA.line.NC >= 1 || countsLater) return;
@@ -45,7 +56,7 @@ void checkPassivityGrid() {
                             P.NPFINC, P.PFDIST));
 }
 
-// Larger weights overflow in the sums of squares of the fits.
+// A fit is a sum of squares, which larger weights make infinite.
 void checkWeights() {
   const FitOptions& F = RUNDATA.fit;
   if (!RUNDATA.model.fitted()) return;
@@ -62,10 +73,13 @@ void checkWeights() {
 // of the line, into its curve files. MFDTD has no modes.
 void secondFrequencyLoop() {
   if (RUNDATA.model.MODMFDTD()) return;
+  LostModes lost;
   for (int k = 1; k <= SOLVEDATA.grid.NFREQ; ++k) {
     secondLoopStep(k);
+    lost.look(k);
     writeEndCurves(k);
   }
+  lost.warn();
   if (RUNDATA.run.DEBUGF) console::line(" FINISHED SECOND FREQUENCY LOOP !");
 }
 
@@ -82,6 +96,7 @@ void runComponent() {
 } // namespace
 
 void QUENT() {
+  checkModel();
   checkConductors();
   checkPassivityGrid();
   checkBases();

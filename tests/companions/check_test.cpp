@@ -108,6 +108,7 @@ const std::vector<Case> CASES = {
     {LINE,
      {{WEIGHTS, "\n"}, {"Factor 3: 1.0", "Factor 3: 0"}},
      {"55 zero-weight", "62 zero-weight"}},
+    {LINE, {{"Start Frequency: 0.5", "Start Frequency: 2E6"}}, {"58 falling-grid"}},
     {LINE,
      {{WEIGHTS, WEIGHTS + "DC Correction Type: 1\n"}, {"1.0E-11", "0.0"}},
      {"61 dc-conductance"}},

@@ -7,6 +7,7 @@
 #include "store/rundata.h"
 #include "store/solvedata.h"
 #include "store/yz_table.h"
+#include "support/console_capture.h"
 #include "support/dense_functions.h"
 #include "support/description.h"
 #include "support/solve.h"
@@ -69,10 +70,30 @@ TEST(YzInterp, GivesRowsAndTheWayBetweenThem) {
   EXPECT_EQ(reactance(60, 0, 2), 20); // row 2, whatever the frequency
   EXPECT_EQ(reactance(20, 1, 2), 20);
   EXPECT_NEAR(reactance(12.5, 1, 2), 12.5, 1e-13);
-  EXPECT_EQ(reactance(20, 1, 3), 20); // between equal frequencies
-  EXPECT_EQ(reactance(1, 1, 1), 10);  // there is no row before the first
-  for (const auto& [f, at] : {std::pair{5.0, 10.0}, {10.0, 10.0}, {17.5, 17.5}, {1e6, 20.0}}) {
-    tableConstants(f, Y, Z, P);
-    EXPECT_NEAR(Z(1, 1).imag() / (TWOPI * 1e-6), at, 1e-13) << f;
+  EXPECT_EQ(reactance(20, 1, 3), 20);          // between equal frequencies
+  EXPECT_EQ(reactance(1, 1, 1), 10);           // there is no row before the first
+  EXPECT_NEAR(reactance(35, 1, 2), 35, 1e-13); // beyond them as well
+  for (const bool falling : {false, true}) {
+    if (falling) readHere(description(tableLine(1, smallTable({20, 10}), "")));
+    for (const auto& [f, at] : {std::pair{5.0, 10.0}, {10.0, 10.0}, {17.5, 17.5}, {1e6, 20.0}}) {
+      tableConstants(f, Y, Z, P);
+      EXPECT_NEAR(Z(1, 1).imag() / (TWOPI * 1e-6), at, 1e-13) << f;
+    }
+  }
+}
+
+TEST(FrequencyGrid, TheWayToARowIsThatOfALogarithmicGrid) {
+  // The first mode is none at first, so no search helps: it gives up at 0.00001, 0.10001 and so on
+  // to 0.90001 of each step, and the constants are those of the last one. Z(2, 2) shows where.
+  std::string text = "\n3\n2\n";
+  for (const double f : {10.0, 20.0, 1000.0}) {
+    const double w = TWOPI * f, L = f == 10 ? 0 : 1e-6;
+    text += fmt::format("{}\n{}\n{}\n0\n{}\n0\n0\n0\n0\n0\n0\n0\n0\n1e-3\n{}\n0\n{}\n", f, L * 1e3,
+                        w * L, w * 1e-11, w * 2e-6, w * 1e-11);
+  }
+  consoleOf([&] { solveFirstLoop(tableLine(2, text, phaseModel())); });
+  for (int k = 2; k <= 3; ++k) {
+    const double f = SOLVEDATA.at.ZSTORE(k, 2, 2).imag() / (TWOPI * 2e-6);
+    EXPECT_NEAR(std::log10(f), k - 1 + 0.90001, 1e-7) << k;
   }
 }
