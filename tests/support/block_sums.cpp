@@ -41,10 +41,19 @@ Numbers numbersOf(std::string line) {
 
 bool isMatrix(const std::string& line) { return line.find(',') != std::string::npos; }
 
+// Without the signs that make free numbers longer.
+std::size_t bareSize(const std::string& line) {
+  std::size_t size = line.size();
+  for (const char* sign : {" -", ",-"}) {
+    for (std::size_t at = line.find(sign); at < line.size(); at = line.find(sign, at + 1)) --size;
+  }
+  return size;
+}
+
 bool sameShape(const std::string& a, const std::string& b) {
   const std::size_t n = numbersOf(a).values.size();
-  return n > 0 && n == numbersOf(b).values.size() && a.size() == b.size() &&
-         isMatrix(a) == isMatrix(b);
+  return n > 0 && n == numbersOf(b).values.size() && isMatrix(a) == isMatrix(b) &&
+         (a.size() == b.size() || bareSize(a) == bareSize(b));
 }
 
 struct Sum {

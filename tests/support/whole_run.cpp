@@ -120,6 +120,7 @@ std::string caseDifferences(const fs::path& directory) {
 bool rewriteCase(const fs::path& directory) {
   if (!contentOf(directory / "source").starts_with("snapshot")) return false;
   auto before = filesUnder(directory / "expected");
+  before["console"] = contentOf(directory / "console");
   fs::remove_all(directory / "expected");
   for (const auto& [name, text] : runCase(directory)) {
     const bool beside = name == "console" || name == "status";
