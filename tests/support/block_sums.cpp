@@ -11,8 +11,8 @@ namespace lcp::test {
 
 namespace {
 
-constexpr std::size_t FEWEST = 6; // lines of a block that is cut
-constexpr std::size_t HEAD = 2;   // that stay in front of the sum; one stays behind it
+constexpr std::size_t FEWEST = 10; // lines of a block that is cut
+constexpr std::size_t HEAD = 2;    // that stay in front of the sum; one stays behind it
 
 using Lines = std::span<const std::string>;
 
