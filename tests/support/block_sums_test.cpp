@@ -50,7 +50,8 @@ TEST(BlockSums, TellOneWrongNumber) {
       EXPECT_NE(changed(row(i, -1)), "") << at;
       EXPECT_NE(changed(row(i + 1, 1)), "") << at;
       EXPECT_NE(changed(lines[at] + " "), "") << at;
-      EXPECT_NE(changed(std::string(lines[at]).replace(12, 3, "NaN")), "") << at;
+      std::string nan = lines[at];
+      EXPECT_NE(changed(nan.replace(12, 3, "NaN")), "") << at;
       auto exchanged = lines;
       std::swap(exchanged[at - 1], exchanged[at]);
       EXPECT_NE(difference(cut, joined(exchanged), t), "") << at;
