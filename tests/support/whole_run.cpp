@@ -17,8 +17,6 @@ namespace lcp::test {
 
 namespace {
 
-constexpr unsigned LIMIT = 120; // seconds of a whole run, also in a build with sanitizers
-
 std::map<std::string, std::string> filesUnder(const fs::path& directory) {
   std::map<std::string, std::string> files;
   if (!fs::is_directory(directory)) return files;
@@ -78,7 +76,6 @@ ProgramRun runProgram(const std::vector<std::string>& arguments, const fs::path&
     for (const std::string& a : arguments) pointers.push_back(const_cast<char*>(a.c_str()));
     pointers.push_back(nullptr);
     dup2(open(errors.c_str(), O_WRONLY | O_APPEND), STDERR_FILENO);
-    alarm(LIMIT); // outlives the exec and ends the program
     if (chdir(directory.c_str()) == 0) execv(program.c_str(), pointers.data());
     std::_Exit(127);
   });
