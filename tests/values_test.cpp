@@ -138,6 +138,7 @@ const std::map<std::string, Function> FUNCTIONS = {
     {"carson10", [](auto& a) { return carsonPanels(z(a), a.at(2), 10).A; }},
     {"earth", overheadEarth},
     {"soil", soil},
+    {"soilDepth", [](auto& a) { return soil(a), RUNDATA.ground.GMUR = a.at(4), GRDDEPTH(a[0]); }},
     {"depth", [](auto& a) { return setGround(a.at(1), 1, a.at(2)), GRDDEPTH(a[0]); }},
     {"cableZ", [](auto& a) { return earthOf(a).Z; }},
     {"cableP", [](auto& a) { return earthOf(a).P; }},

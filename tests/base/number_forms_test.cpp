@@ -1,9 +1,13 @@
-// The number fields against those of a Fortran run time: number_forms.txt holds one field a line
-// (form, width, digits, the value's bits in hexadecimal, the text between bars), written by
-//     gfortran -o table number_forms_table.f90 && ./table > number_forms.txt
+// The number fields against those of a Fortran run time where forms change, round or do not fit,
+// and against a second writer everywhere else.
+//
+// number_forms.txt holds one field a line: form, width, digits, the value's bits in hexadecimal,
+// and between bars the text that number_forms.f90 writes for it,
+//     gfortran -o forms number_forms.f90 && ./forms < number_forms.txt
 #include "base/number_forms.h"
 
 #include "base/general_field.h"
+#include "support/exact_fields.h"
 
 #include <bit>
 #include <cmath>
@@ -15,10 +19,23 @@
 #include <sstream>
 
 using namespace lcp;
+using namespace lcp::test;
+
+namespace {
+
+struct Form {
+  std::string (*field)(double value, int width, int digits);
+  std::string (*second)(double value, int width, int digits);
+};
+
+const std::map<char, Form> FORMS = {{'E', {scientificField, exactScientific}},
+                                    {'F', {fixedField, exactFixed}},
+                                    {'G', {generalField, exactGeneral}},
+                                    {'P', {pointedField, exactPointed}}};
+
+} // namespace
 
 TEST(NumberForms, AreThoseOfAFortranWrite) {
-  const std::map<char, std::string (*)(double, int, int)> forms = {
-      {'E', scientificField}, {'F', fixedField}, {'G', generalField}, {'P', pointedField}};
   std::map<char, int> rows;
   std::ifstream file(CORVO_TEST_DATA "/base/number_forms.txt");
   for (std::string line; std::getline(file, line);) {
@@ -27,13 +44,35 @@ TEST(NumberForms, AreThoseOfAFortranWrite) {
     std::uint64_t bits = 0;
     std::istringstream(line) >> form >> width >> digits >> std::hex >> bits;
     ++rows[form];
-    const std::string field = form == 'I'
-                                  ? integerField(std::bit_cast<std::int64_t>(bits), width)
-                                  : forms.at(form)(std::bit_cast<double>(bits), width, digits);
-    ASSERT_EQ(line, line.substr(0, line.find('|') + 1) + field + "|");
+    const std::string field =
+        form == 'I' ? integerField(std::bit_cast<std::int64_t>(bits), width)
+                    : FORMS.at(form).field(std::bit_cast<double>(bits), width, digits);
+    EXPECT_EQ(line, line.substr(0, line.find('|') + 1) + field + "|");
   }
-  for (const auto& [form, write] : forms) EXPECT_GT(rows[form], 700) << form;
-  EXPECT_GT(rows['I'], 300);
+  for (const char form : {'E', 'F', 'G', 'P', 'I'}) EXPECT_GE(rows[form], 20) << form;
+}
+
+TEST(NumberForms, AreThoseOfExactDecimals) {
+  std::mt19937_64 random(5);
+  std::uniform_real_distribution<> mantissa(-1, 1), power(-20, 20), fewer(-4, 8), half(0, 16);
+  const auto number = [&](int kind) {
+    if (kind == 0) return std::bit_cast<double>(random());
+    if (kind == 1) return mantissa(random) * std::pow(10, std::round(power(random)));
+    if (kind == 2) return mantissa(random) * std::pow(10, std::round(fewer(random)));
+    return std::round(1e5 * mantissa(random)) / std::exp2(std::round(half(random))); // ties
+  };
+  for (const auto& [form, writers] : FORMS) {
+    for (int width = 5; width <= 26; width += 1 + width / 8) {
+      for (int digits = 1; digits <= width - 1; digits += 1 + digits / 3) {
+        for (int i = 0; i < 60; ++i) {
+          const double value = number(i % 4);
+          if (!std::isfinite(value)) continue;
+          ASSERT_EQ(writers.field(value, width, digits), writers.second(value, width, digits))
+              << form << width << '.' << digits << ' ' << value;
+        }
+      }
+    }
+  }
 }
 
 // The quick fields of general form.

@@ -174,6 +174,25 @@ TEST(Batch, ValuesStandWhereTheReaderFindsThem) {
   EXPECT_TRUE(notes.empty());
 }
 
+TEST(Batch, LinesOfAVariedFileKeepTheirEnds) {
+  const Folder folder;
+  std::string text = description(summary(3) + threePhaseTower("ShuntConductance: 1e-11\n") +
+                                 "Line Constants Ground Data\n{\nGroundResistivity: 100.0\n}\n");
+  for (std::size_t at = text.find('\n'); at != std::string::npos; at = text.find('\n', at + 2))
+    text.insert(at, "\r");
+  std::vector<std::string> notes;
+  const CaseList list =
+      makeCases({folder.write("line.cvi", text), "1e3", ""},
+                {variationOf("GroundResistivity=20"), variationOf("ShuntConductance=3e-11")},
+                folder.path / "work", notes);
+  ASSERT_EQ(list.trouble, "");
+  for (const auto& [from, to] : {std::pair{"100.0", "20"}, {"1e-11", "3e-11"}})
+    text.replace(text.find(from), std::string(from).size(), to);
+  std::string written;
+  readWhole(list.cases[0].source, written);
+  EXPECT_EQ(written, text);
+}
+
 TEST(Batch, AFingerprintChangesWithAllThatCounts) {
   const Folder folder;
   BatchCase c;

@@ -102,8 +102,13 @@ const std::vector<Case> CASES = {
     {CABLES,
      {{"Cable Number: 3", "Cable Number: 3\nOverhead Cable: 1"},
       {"EarthUImpedanceFormula", "EarthImpedanceFormula"},
-      {"Start Frequency: 0.5", "Start Frequency: 0.005"}},
+      {"Start Frequency: 0.5", "Start Frequency: 0.0224"}}, // below 0.01 Hz by its five steps
      {"98 aerial-low-frequency"}},
+    {CABLES,
+     {{"Cable Number: 3", "Cable Number: 3\nOverhead Cable: 1"},
+      {"EarthUImpedanceFormula", "EarthImpedanceFormula"},
+      {"Start Frequency: 0.5", "Start Frequency: 0.0252"}},
+     {}},
     // options
     {LINE,
      {{WEIGHTS, "\n"}, {"Factor 3: 1.0", "Factor 3: 0"}},

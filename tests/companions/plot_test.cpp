@@ -1,17 +1,25 @@
 // What a page of corvo-plot keeps of its curves; the pages themselves are looked at in a browser.
+#include "base/constants.h"
+#include "companions/plot/fit_facts.h"
 #include "companions/plot/functions.h"
 #include "companions/plot/page.h"
 #include "companions/plot/plot.h"
+#include "companions/plot/survey.h"
+#include "companions/shared/direct_line.h"
 #include "support/child.h"
 #include "support/description.h"
 #include "support/scratch.h"
 #include "support/solve.h"
 
+#include <algorithm>
 #include <cmath>
+#include <cstring>
+#include <functional>
 #include <gtest/gtest.h>
 
-using namespace lcp::companions;
-using namespace lcp::test;
+namespace lcp::companions {
+
+using namespace test;
 
 // Three bytes are four letters: 1, -2 and 0.15625 in single precision, the last for one that is
 // too small, the largest for one that is too large.
@@ -78,3 +86,130 @@ TEST(Page, NamesEndNoBlock) {
   EXPECT_NE(page.find("{\"title\":\"\\u003c/script>/*DATA*/\\u003c!--\xef\xbf\xbd\"}</script>"),
             std::string::npos);
 }
+
+namespace {
+
+// The numbers of a packed text: six bits a letter, four bytes a number.
+std::vector<double> unpacked(const std::string& text) {
+  const std::string letters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+  std::vector<double> numbers;
+  std::uint64_t bits = 0;
+  std::string bytes;
+  for (std::size_t i = 0; i < text.size() && text[i] != '='; ++i) {
+    bits = bits << 6 | letters.find(text[i]);
+    if (i % 4 != 0) bytes += static_cast<char>(bits >> (6 - 2 * (i % 4)) & 255U);
+  }
+  for (std::size_t at = 0; at + 4 <= bytes.size(); at += 4) {
+    float value = 0;
+    std::memcpy(&value, &bytes[at], 4);
+    numbers.push_back(static_cast<double>(value));
+  }
+  return numbers;
+}
+
+Matrix one(Complex z) {
+  Matrix m(1, 1);
+  m(0, 0) = z;
+  return m;
+}
+
+Rational fraction(double D, double pole, double residue) {
+  return {one(D), {}, {pole}, {one(residue)}};
+}
+
+constexpr double LENGTH = 3e4, DELAY = 1.05e-4; // m, s
+
+// A model file of one conductor; its functions have little to do with the line.
+ModelFile fileOf(ModelKind kind) {
+  ModelFile file;
+  file.kind = kind;
+  file.n = 1;
+  file.Yc = fraction(2e-3, -30, 0.06);
+  file.H = {{DELAY}, {{{}, {}, {-1e9}, {one(5e8)}}}};
+  file.Z = fraction(1e-5, -200, 0.3);
+  file.modes = {
+      {1e3 * DELAY, fraction(400, -50, 900), fraction(0, -1e4, 9e3), {fraction(1, -7, 0.1)}}};
+  file.bergeron = {60, 60, LENGTH, {{0.11, 420, 3e-4, 4e-4}}, one(1)};
+  return file;
+}
+
+void readOneConductor(const std::string& model) {
+  readHere(description(
+      summary(1) +
+      "Line Constants Tower\n{\nCircuit\n{\nConductors: 1\n"
+      "Conductor Phase Information: 1\nDCResistance: 0.05\nSag: 6\nRadius: 0.015\nP1 : 0 20\n"
+      "ShuntConductance: 1e-11\n}\n}\n" +
+      model));
+}
+
+} // namespace
+
+TEST(Page, CurvesAreThoseOfTheLineAndItsModel) {
+  readOneConductor(phaseModel());
+  using Curve = std::function<Complex(Complex s, Complex Y, Complex Z)>;
+  const auto ahead = [](Complex s) { return std::exp(s * DELAY); };
+  const auto wave = [&](Complex s, Complex Y, Complex Z) {
+    return ahead(s) * std::exp(-LENGTH * std::sqrt(Y * Z));
+  };
+  const struct {
+    ModelKind kind;
+    const char* id;
+    Curve line, model;
+  } curves[] = {
+      {ModelKind::PHASE, "Yc", [](auto, auto Y, auto Z) { return std::sqrt(Y / Z); },
+       [](auto s, auto, auto) { return 2e-3 + 0.06 / (s + 30.0); }},
+      {ModelKind::PHASE, "H", wave, [](auto s, auto, auto) { return 0.5 / (1.0 + s / 1e9); }},
+      {ModelKind::MODE, "Zc-fit", [](auto, auto Y, auto Z) { return std::sqrt(Z / Y); },
+       [](auto s, auto, auto) { return 400.0 + 900.0 / (s + 50.0); }},
+      {ModelKind::MODE, "H", wave, [](auto s, auto, auto) { return 9e3 / (s + 1e4); }},
+      {ModelKind::MODE, "T", [](auto, auto, auto) { return Complex(1); },
+       [](auto s, auto, auto) { return 1.0 + 0.1 / (s + 7.0); }},
+      {ModelKind::MFDTD, "Z-fit", [](auto, auto, auto Z) { return Z; },
+       [](auto s, auto, auto) { return 1e-5 + 0.3 / (s + 200.0); }},
+      {ModelKind::BERGERON, "gamma", [](auto, auto Y, auto Z) { return std::sqrt(Y * Z); },
+       [](auto s, auto, auto) { return 3e-4 / 840 + s * 0.11e-3 / LENGTH; }},
+      {ModelKind::BERGERON, "Zc", [](auto, auto Y, auto Z) { return std::sqrt(Z / Y); },
+       [](auto, auto, auto) { return Complex(420); }},
+  };
+  for (const auto& c : curves) {
+    const ModelFile file = fileOf(c.kind);
+    const Survey survey = surveyLine(file, LENGTH);
+    const Json page = c.kind == ModelKind::BERGERON ? modesOf(survey, file) : fitsOf(survey, file);
+    const std::vector<double> f = unpacked(page["f"]);
+    ASSERT_GT(f.size(), 100U);
+    for (const Json& F : page["functions"]) {
+      if (F["id"] != c.id) continue;
+      const Json& element = F["elements"][0];
+      const auto line = unpacked(element["line"]), model = unpacked(element["model"]);
+      for (std::size_t k = 0; k < f.size(); k += 10) {
+        const LinePoint point = constantsOf(f[k]);
+        const Complex s(0, TWOPI * f[k]);
+        const Complex wanted[] = {c.line(s, point.Y(0, 0), point.Z(0, 0)), c.model(s, 0, 0)};
+        EXPECT_LT(std::abs(Complex(line[2 * k], line[2 * k + 1]) - wanted[0]),
+                  1e-4 * std::abs(wanted[0]))
+            << c.id << ' ' << f[k];
+        EXPECT_LT(std::abs(Complex(model[2 * k], model[2 * k + 1]) - wanted[1]),
+                  1e-4 * std::abs(wanted[1]))
+            << c.id << ' ' << f[k];
+      }
+    }
+  }
+}
+
+// Yc (1 - H) / (1 + H) and its inverse, of a wave that comes back half as large: thousands of
+// turns.
+TEST(Page, EigenvaluesRiseInFrequencyAndAreThoseOfTheFile) {
+  readOneConductor(phaseModel());
+  const ModelFile file = fileOf(ModelKind::PHASE);
+  const Json curve = passivityOf(file, {})["after"];
+  const std::vector<double> f = unpacked(curve["f"]), value = unpacked(curve["value"]);
+  ASSERT_GT(f.size(), 1000U);
+  EXPECT_TRUE(std::is_sorted(f.begin(), f.end()));
+  for (std::size_t k = 0; k < f.size(); k += 7) {
+    const Complex s(0, TWOPI * f[k]), H = file.H.at(s)(0, 0), Yc = file.Yc.at(s)(0, 0);
+    const Complex over = Yc * (1.0 - H) / (1.0 + H), under = Yc * (1.0 + H) / (1.0 - H);
+    EXPECT_NEAR(value[k], std::min(over.real(), under.real()), 1e-2 * std::abs(Yc)) << f[k];
+  }
+}
+
+} // namespace lcp::companions

@@ -1,6 +1,7 @@
 // The fits of the option "Improved Fits": what they hold that the default ones do not, on lines and
 // on functions made up for it. Models are evaluated here, from their poles and residues.
 #include "base/constants.h"
+#include "fit/dc_pole.h"
 #include "fit/dc_values.h"
 #include "fit/fit_driver.h"
 #include "fit/improved_modes.h"
@@ -136,6 +137,38 @@ TEST(ImprovedFits, PrintedErrorIsThatOfTheModelWithItsCorrection) {
   EXPECT_TRUE(has(console, "H stays without its DC Correction"));
   EXPECT_LE(100 * measureFit().largest, 0.2);
   EXPECT_TRUE(RUNDATA.run.WARNFLAG);
+}
+
+// A band that begins far above the frequencies at which Yc nears its DC value.
+TEST(ImprovedFits, ACorrectionThatSpoilsYcIsRefused) {
+  const std::string keys = "DC Correction Type: 2\nCurve Fitting Start Frequency: 1000\n"
+                           "Maximum Fitting Error (%) for Surge Admittance: 0.2\n" +
+                           EVENWEIGHTS;
+  const std::string console = phaseFitOf(singleCircuit(phaseModel(keys) + IMPROVED, LEAK), 1e4);
+  EXPECT_TRUE(has(console, "Yc stays without its DC Correction")) << console;
+  EXPECT_LE(measuredYc(), 0.2);
+}
+
+TEST(ImprovedFits, YcAndHHaveLimitsOfTheirOwn) {
+  for (const auto& [Y, H] : {std::pair{0.3, 3.0}, {3.0, 0.3}}) {
+    for (const std::string& improved : {std::string(), IMPROVED}) {
+      const std::string keys =
+          fmt::format("Maximum Fitting Error (%) for Surge Admittance: {}\n"
+                      "Maximum Fitting Error (%) for Attenuation Constant: {}\n",
+                      Y, H);
+      phaseFitOf(singleCircuit(phaseModel(keys + EVENWEIGHTS) + improved), 1e4);
+      const double largestH = 100 * measureFit().largest;
+      EXPECT_EQ(measuredYc() <= 0.4, Y < 1) << measuredYc(); // between the points a little more
+      EXPECT_EQ(largestH <= 0.3, H < 1) << largestH;
+    }
+  }
+}
+
+// A tenth of the lowest frequency, or half a decade below the slowest pole of the fit.
+TEST(ImprovedFits, ThePoleOfTheCorrectionLiesBelowTheFit) {
+  SOLVEDATA.grid.WFREQ[1] = 3;
+  for (const auto& [slowest, pole] : {std::pair{100.0, -0.3}, {0.5, -0.5 / std::sqrt(10)}})
+    EXPECT_NEAR(dcPole(slowest), pole, 1e-6);
 }
 
 // A resonance of 1 % width between two points shows as 5 % at them.

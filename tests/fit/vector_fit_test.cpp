@@ -2,6 +2,7 @@
 // count, since their poles are not unique.
 #include "fit/vector_fit.h"
 
+#include "fit/delay_search.h"
 #include "fit/scaled_columns.h"
 #include "support/sampled_functions.h"
 
@@ -130,5 +131,38 @@ TEST(VectorFit, RankDeficientPassesEndWell) {
     VFITPASSES(3, T.samples(WITHCONSTANT), N, T.P, &T.fit, T.errors);
     EXPECT_LT(T.errors.ERRNORM, TIGHT) << N;
     expectSortedStablePairs(N);
+  }
+}
+
+// A row of the problem holds its weight on both sides.
+TEST(VectorFit, WeightsCountByTheirMagnitude) {
+  T.sample([](Complex s) { return std::exp(-1e-2 * std::sqrt(s)); });
+  for (int k = 1; k <= T.G.NS; ++k) T.G.weight[k] = 1.0 + k % 3;
+  T.run(4, WITHCONSTANT, 3);
+  const PoleTable positive = T.P;
+  const double D = T.fit.D;
+  for (int k = 1; k <= T.G.NS; k += 2) T.G.weight[k] *= -1;
+  T.run(4, WITHCONSTANT, 3);
+  for (int m = 1; m <= 4; ++m) EXPECT_LT(std::abs(T.P[m] - positive[m]), 1e-6 * std::abs(T.P[m]));
+  EXPECT_NEAR(T.fit.D, D, 1e-6);
+}
+
+// The delay of the function lies between the bounds, below both or above both.
+TEST(DelaySearch, StaysBetweenItsBounds) {
+  constexpr double TAU = 1e-3;
+  T.sample([](Complex s) { return std::exp(-TAU * s) / (1.0 + s / 300.0); }, 101, 1, 1e4);
+  const struct {
+    double low, up, found;
+  } cases[] = {{0.8, 1.2, 1}, {1.1, 1.4, 1.1}, {0.6, 0.9, 0.9}};
+  for (const auto& c : cases) {
+    DelayTable tried{};
+    DelaySearch search{TAU * (c.low + c.up) / 2, 0.2 * TAU, 1e9, c.up * TAU, c.low * TAU};
+    T.start(1);
+    SEARCHDELAY(search, tried, T.samples(NOASYMPTOTE), 1, T.P, T.fit, T.errors);
+    EXPECT_NEAR(search.tau / TAU, c.found, 1e-2);
+    for (int i = 1; i <= DELAYITERATIONS; ++i) {
+      EXPECT_GE(tried.tau[i], c.low * TAU) << i;
+      EXPECT_LE(tried.tau[i], c.up * TAU) << i;
+    }
   }
 }

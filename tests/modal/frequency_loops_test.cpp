@@ -133,4 +133,7 @@ TEST(SecondLoop, WeightsTurnAtTheSteadyStateFrequency) {
   EXPECT_EQ(G.NFUSE, 106);
   for (int k = 1; k <= G.NFUSE; ++k) // 2 at the last step up to 60 Hz
     EXPECT_EQ(G.WFIT[k], G.FREQ[k] > 60 ? 3 : (G.FREQ[k + 1] > 60 ? 2 : 1)) << k;
+  RUNDATA.line.SSFREQ = G.FREQ[40]; // a step of its own
+  formFitWeights();
+  for (int k = 1; k <= G.NFUSE; ++k) EXPECT_EQ(G.WFIT[k], k > 40 ? 3 : (k == 40 ? 2 : 1)) << k;
 }

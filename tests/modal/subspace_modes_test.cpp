@@ -13,6 +13,7 @@
 #include "support/overhead_lines.h"
 #include "support/solve.h"
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -171,6 +172,19 @@ TEST(SubspaceModes, CurvesOfModesAreContinuousAndOfOneSign) {
       });
       EXPECT_LT(distance(Yc, stepOf(SOLVEDATA.second.YCST, k)), 1e-9) << k;
     }
+  }
+}
+
+// Modes that cross between there and the end of the grid keep the order of the neighbour.
+TEST(SubspaceModes, TheConstantTransformStepContinuesItsNeighbour) {
+  for (const double f : {0.6, 1.0, 100.0, 3e4}) {
+    const std::string key = fmt::format("Frequency to Calculate Constant Transform: {}\n", f);
+    solveFirstLoop(doubleCircuit(phaseModel(key)) + IMPROVED);
+    const Dense X = stepOf(SOLVEDATA.at.MTI, SOLVEDATA.first.KCT),
+                Y = stepOf(SOLVEDATA.at.MTI, 107);
+    const Dense share = product(inverse(X), Y);
+    for (std::size_t m = 0; m < X.size(); ++m)
+      EXPECT_GT(std::abs(share[m][m]), 0.9) << f << ' ' << m;
   }
 }
 

@@ -4,9 +4,11 @@
 #include "fit/fit_driver.h"
 #include "fit/mode_model.h"
 #include "fit/series_fit.h"
+#include "kernels/matrix_kernels.h"
 #include "modal/second_loop.h"
 #include "output/mfdtd_model_file.h"
 #include "output/model_file.h"
+#include "output/report_sections.h"
 #include "store/rundata.h"
 #include "store/solvedata.h"
 #include "support/child.h"
@@ -16,6 +18,7 @@
 #include "support/whole_run.h"
 #include "support/written_model.h"
 
+#include <algorithm>
 #include <cmath>
 #include <fmt/format.h>
 #include <gtest/gtest.h>
@@ -299,5 +302,29 @@ TEST(PhaseModel, FitsWithoutFiniteNumbersAreRefused) {
     const std::string words =
         fmt::format("Fit of {}{} gives no Finite Numbers!\n", what[0] == 'M' ? "a " : "the ", what);
     EXPECT_NE(child.console.find(words), std::string::npos) << child.console;
+  }
+}
+
+// A record of a report has room for 25 elements.
+TEST(Report, LongRowsGoOnInANewRecord) {
+  RUNDATA.resetInput();
+  for (const int n : {25, 26, 49}) {
+    static LineMatrix Y, Z;
+    RUNDATA.line.NC = n;
+    clear(Y, n);
+    clear(Z, n);
+    for (int j = 1; j <= n; ++j) Z(1, j) = j;
+    const Scratch scratch;
+    TextFile file;
+    ASSERT_TRUE(file.open(scratch.file("report"), EarlyEnd::REMOVE));
+    writePhaseDomain(file, Y, Z);
+    file.close();
+    const auto rows = splitLines(contentOf(scratch.file("report")));
+    const auto first = std::find_if(rows.begin(), rows.end(), [](const std::string& row) {
+      return row.find(',') < row.size();
+    });
+    EXPECT_EQ(first[0].size(), 1 + 25 * 34);
+    EXPECT_EQ(first[1].size(), n == 25 ? 1 + 25 * 34 : (n - 25) * 34) << n;
+    EXPECT_EQ(first[1].starts_with("   0.260000000E+02,0.000000000E+00"), n > 25);
   }
 }

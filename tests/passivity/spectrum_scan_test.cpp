@@ -1,6 +1,7 @@
 // The scan of the whole spectrum against closed forms.
 #include "base/constants.h"
 #include "passivity/spectrum_scan.h"
+#include "store/rundata.h"
 #include "support/propagation_case.h"
 
 #include <gtest/gtest.h>
@@ -45,4 +46,20 @@ TEST(SpectrumScan, FindsTheBandsOfAClosedForm) {
   setClosedForm(a, a * (1 - 1e-6), 1e-3);
   const Spectrum scan = scanSpectrum(ENFORCE.FRES, {0.01, 1e6}, Scan::Full);
   EXPECT_TRUE(scan.resolved && negativePoints(scan).empty());
+}
+
+TEST(SpectrumScan, CoversTheBandTwoDecadesAroundItAndThePassivityCheck) {
+  FitOptions& F = RUNDATA.fit;
+  PassivityOptions& P = RUNDATA.passivity;
+  F.FSTART = 10;
+  F.FEND = 1e5;
+  const struct {
+    double PFLO, PFHI, low, high;
+  } cases[] = {{0, 0, 0.1, 1e7}, {1, 1e6, 0.1, 1e7}, {1e-3, 1e6, 1e-3, 1e7}, {1, 1e9, 0.1, 1e9}};
+  for (const auto& c : cases) {
+    P.PFLO = c.PFLO;
+    P.PFHI = c.PFHI;
+    EXPECT_DOUBLE_EQ(spectrumRange().low, c.low);
+    EXPECT_DOUBLE_EQ(spectrumRange().high, c.high);
+  }
 }

@@ -13,6 +13,8 @@
 
 namespace lcp::test {
 
+constexpr unsigned LIMIT = 120; // seconds of a child, also in a build with sanitizers
+
 struct ChildResult {
   int status = -1;     // exit status; 0 when the code returned; -1 when a signal ended it
   std::string console; // what it wrote to the standard output
@@ -25,6 +27,7 @@ inline ChildResult runChild(const std::function<void()>& code) {
   const pid_t child = fork();
   if (child == 0) {
     dup2(file, STDOUT_FILENO);
+    alarm(LIMIT);
     code();
     console::flush();
     std::_Exit(0);

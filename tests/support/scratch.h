@@ -8,6 +8,7 @@
 #include <iterator>
 #include <string>
 #include <string_view>
+#include <unistd.h>
 
 namespace lcp::test {
 
@@ -30,6 +31,7 @@ public:
     directory = name;
   }
   ~Scratch() {
+    if (getpid() != owner) return; // a child that ends leaves it to its parent
     std::error_code ignored;
     std::filesystem::remove_all(directory, ignored);
   }
@@ -46,6 +48,7 @@ public:
 
 private:
   std::filesystem::path directory;
+  pid_t owner = getpid();
 };
 
 } // namespace lcp::test

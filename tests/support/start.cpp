@@ -10,6 +10,8 @@
 
 #include "base/console.h"
 
+#include <csignal>
+#include <gtest/gtest.h>
 #include <stdexcept>
 #include <string>
 #include <unistd.h>
@@ -26,8 +28,31 @@ namespace lcp::test {
 }();
 
 namespace {
+
 const pid_t TESTS = getpid();
-}
+
+constexpr unsigned LIMIT = 600; // seconds of a test, also in a build with sanitizers
+std::string name;               // of the test that runs
+
+// A test that does not end ends them all, with its name.
+class Clock : public testing::EmptyTestEventListener {
+  void OnTestStart(const testing::TestInfo& test) override {
+    name = std::string(test.test_suite_name()) + "." + test.name() + " does not end\n";
+    std::signal(SIGALRM, [](int) {
+      [[maybe_unused]] const auto written = write(STDERR_FILENO, name.data(), name.size());
+      _exit(1);
+    });
+    alarm(LIMIT);
+  }
+  void OnTestEnd(const testing::TestInfo& /*test*/) override { alarm(0); }
+};
+
+[[maybe_unused]] const bool LIMITED = [] {
+  testing::UnitTest::GetInstance()->listeners().Append(new Clock); // which owns it
+  return true;
+}();
+
+} // namespace
 
 } // namespace lcp::test
 

@@ -12,9 +12,12 @@
 //               "width FILE FIRST LAST": numbers of any width
 //   source      one line: where the expected numbers come from (an independent calculation, a
 //               book), or "snapshot of this program: guards the layout only"
-// and its input files. With CORVO_REWRITE_SNAPSHOTS set in the environment the cases whose source
-// begins with "snapshot" take what the program does as what is expected; read the change in the
-// tree before you keep it.
+// and its input files; those of examples/ stand beside them. Of long blocks of numbers an expected
+// file holds a few lines and a sum (see block_sums.h). One that begins with "@@ not read" says why
+// its numbers and lines are left to another case: the run has to write it, and no more.
+//
+// With CORVO_REWRITE_SNAPSHOTS set in the environment the cases whose source begins with "snapshot"
+// take what the program does as what is expected; read the change in the tree before you keep it.
 #pragma once
 
 #include <filesystem>
