@@ -171,7 +171,7 @@ void readYZFile() {
     if (tag == "Z:") chosen = M.ZENT;
     if (tag == "Y:") chosen = M.YENT;
     if (readMatrix(file, chosen, RUNDATA.line.NC)) continue;
-    console::print("*WARNING*: Data File Ends Inside a Matrix: {}", M.YZFILE.text());
+    console::print("{}: Data File Ends Inside a Matrix: {}", console::WARNINGMARK, M.YZFILE.text());
     warn();
     return;
   }

@@ -69,8 +69,8 @@ void checkTable() {
 // One row serves the PI model, which is one of the steady-state frequency.
 void warnOfFirstRow() {
   if (YZTABLE.FTABLE[1] == RUNDATA.line.SSFREQ) return;
-  console::print("*WARNING*: The PI Model Takes the First of the Y and Z Data, at {:.4g} Hz",
-                 YZTABLE.FTABLE[1]);
+  console::print("{}: The PI Model Takes the First of the Y and Z Data, at {:.4g} Hz",
+                 console::WARNINGMARK, YZTABLE.FTABLE[1]);
   warn();
 }
 
