@@ -10,6 +10,7 @@
 #include "companions/shared/captured_run.h"
 #include "companions/shared/scratch.h"
 #include "companions/shared/verdicts.h"
+#include "companions/verify/verify.h"
 #include "run/lcpmain.h"
 #include "store/rundata.h"
 
@@ -50,7 +51,7 @@ Solved solved(const std::string& description, double length) {
   S.model = readModelFile(scratchFile("model"));
   readHere(description, length);
   RUNDATA.fit.WDETAIL = RUNDATA.display.CREATEPI = false;
-  if (!RUNDATA.passivity.PITERSET || S.model.kind != ModelKind::PHASE) return S;
+  if (!RUNDATA.passivity.PITERSET || S.model.kind != ModelKind::Phase) return S;
   refuseFullScratch(runCaptured([&] {
     RUNDATA.run.FOUTM = scratchFile("before");
     RUNDATA.run.FOUTR = scratchFile("report");
