@@ -11,7 +11,6 @@
 #include "companions/shared/scratch.h"
 #include "companions/shared/verdicts.h"
 #include "companions/verify/verify.h"
-#include "run/lcpmain.h"
 #include "store/rundata.h"
 
 #include <cstdio>
@@ -50,14 +49,8 @@ Solved solved(const std::string& description, double length) {
   }
   S.model = readModelFile(scratchFile("model"));
   readHere(description, length);
-  RUNDATA.fit.WDETAIL = RUNDATA.display.CREATEPI = false;
   if (!RUNDATA.passivity.PITERSET || S.model.kind != ModelKind::Phase) return S;
-  refuseFullScratch(runCaptured([&] {
-    RUNDATA.run.FOUTM = scratchFile("before");
-    RUNDATA.run.FOUTR = scratchFile("report");
-    RUNDATA.passivity.PITERSET = RUNDATA.passivity.PFLOSET = false;
-    solveStep();
-  }));
+  refuseFullScratch(solveFitInChild(scratchFile("before"), scratchFile("report")));
   S.before = readModelFile(scratchFile("before"));
   return S;
 }

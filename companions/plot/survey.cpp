@@ -1,6 +1,7 @@
 #include "companions/plot/survey.h"
 
 #include "base/constants.h"
+#include "companions/shared/captured_run.h"
 #include "companions/shared/fit_ranges.h"
 #include "companions/shared/followed_modes.h"
 #include "modal/core_sequence.h"
@@ -239,13 +240,16 @@ Json fitsOf(const Survey& S, const ModelFile& file) {
 
 Json sequencesOf(double length) {
   const double f = RUNDATA.display.DISPFREQ;
-  RUNDATA.display.VBASEDISP = RUNDATA.display.MVABASEDISP = 0; // ohm and siemens
   if (RUNDATA.run.fromTable()) return Json::array();
+  const Restored bases(RUNDATA.display);
+  RUNDATA.display.VBASEDISP = RUNDATA.display.MVABASEDISP = 0; // ohm and siemens
   constantsOf(f);
   if (hasLoadFlowSection()) return sequenceRows(length);
   if (!hasCoreSequences()) return Json::array();
-  groundSheaths(f);
-  return sequenceRows(length);
+  const Grounding own = groundSheaths(f);
+  const Json rows = sequenceRows(length);
+  restoreSheaths(own, f);
+  return rows;
 }
 
 } // namespace lcp::companions
