@@ -14,6 +14,7 @@ import sys
 # A file includes files of its own folder and of the folders before it.
 LEVELS = ["base", "diag", "store", "kernels", "input", "overhead", "cable", "modal", "fit",
           "passivity", "output", "run", "companions"]
+JUDGES = {("plot", "verify"), ("batch", "verify")}  # a companion and the one whose routines it calls
 FILE_LINES = 600
 FUNCTION_LINES = 100
 NESTING = 4  # braces inside the braces of a function
@@ -121,9 +122,9 @@ def place(path):
 
 
 def may_meet(path, name):
-    """Companions share what is in companions/shared alone."""
+    """Companions share what is in companions/shared; those that judge a model do it by verify."""
     rooms = [p.split("/")[1] for p in (path, name) if p.startswith("companions/")]
-    return len(rooms) < 2 or rooms[1] in (rooms[0], "shared")
+    return len(rooms) < 2 or rooms[1] in (rooms[0], "shared") or tuple(rooms) in JUDGES
 
 
 def check_includes(sources):

@@ -6,6 +6,7 @@
 #include "companions/shared/captured_run.h"
 #include "companions/shared/model_file.h"
 #include "companions/shared/verdicts.h"
+#include "companions/verify/passivity.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -304,7 +305,7 @@ std::string verdictOnFiles(const std::string& description, double length,
   readHere(description, length);
   for (const std::string& name : models) {
     const ModelFile model = readModelFile(name);
-    if (model.kind != ModelKind::PHASE || !model.trouble.empty()) continue;
+    if (model.kind != ModelKind::Phase || !model.trouble.empty()) continue;
     for (const Finding& f : phasePassivity(model, {}))
       if (f.verdict != Verdict::TOLD && (worst == Verdict::TOLD || f.verdict > worst))
         worst = f.verdict;

@@ -1,6 +1,27 @@
 #include "companions/batch/console_facts.h"
 
+#include "base/console.h"
+#include "base/constants.h"
+#include "base/open_files.h"
 #include "companions/batch/case_list.h"
+#include "companions/shared/console_text.h"
+#include "diag/message_package.h"
+#include "fit/admittance_fit.h"
+#include "fit/mode_model.h"
+#include "fit/propagation_tables.h"
+#include "fit/series_fit.h"
+#include "input/external_conductors.h"
+#include "input/library.h"
+#include "input/reader.h"
+#include "modal/manual_modes.h"
+#include "modal/tracked_step.h"
+#include "output/output_file.h"
+#include "output/report_sections.h"
+#include "overhead/carson_integral.h"
+#include "passivity/enforcement.h"
+#include "passivity/improved_enforcement.h"
+#include "passivity/passivity_check.h"
+#include "run/command_line.h"
 
 #include <algorithm>
 #include <cmath>
@@ -12,18 +33,13 @@ namespace lcp::companions {
 namespace {
 
 constexpr std::size_t LONGESTMESSAGE = 200;
-constexpr double PERCENT = 100; // the mode model prints fractions
+constexpr std::string_view ERRORWORD = "ERROR"; // in the first lines of a refusal
 
 // Lines that tell of trouble in a run that goes on.
-constexpr std::string_view WARNINGS[] = {"*WARNING*",
-                                         "Warning:",
-                                         "*** WARNING:",
-                                         "An error occurred in calculating",
-                                         "Failed to converge",
-                                         "NEWTON-RAPHSON EIGENVALUE PROCEDURE",
-                                         "Unknown Data Line Ignored",
-                                         "Cannot Open",
-                                         "corvo: warning: "};
+constexpr std::string_view WARNINGS[] = {
+    console::WARNINGMARK, console::WARNINGHEAD, headOf(UNKNOWNLINE), headOf(CANNOTOPEN),
+    LIBRARYWARNING,       BUNDLEWARNING,        UNITSWARNING,        NEWTONTITLE,
+    NOTCONVERGED,         headOf(WARNINGREPORT)};
 
 bool contains(std::string_view text, std::string_view part) {
   return text.find(part) != std::string_view::npos;
@@ -47,12 +63,12 @@ std::string bare(std::string_view line) {
 // line.
 std::string errorOf(const std::vector<std::string>& lines) {
   const auto first = std::find_if(lines.begin(), lines.end(), [](const std::string& l) {
-    return contains(l, "ERROR") || contains(l, "failed with status");
+    return contains(l, ERRORWORD) || contains(l, headOf(ARGUMENTFAILED));
   });
   std::string message, last;
   for (auto line = first; line != lines.end(); ++line) {
     const std::string text = bare(*line);
-    if (text.empty() || text.ends_with(".exe: ERROR") || text.ends_with("Program: ERROR")) continue;
+    if (text.empty() || text.ends_with(ERRORWORD)) continue; // frames and titles
     if (!message.empty()) message += " | ";
     message += text;
   }
@@ -61,40 +77,24 @@ std::string errorOf(const std::vector<std::string>& lines) {
   return message.empty() ? last : message;
 }
 
-// 0 where there is none.
-std::size_t lastPlace(std::string_view console, std::string_view title) {
-  const auto at = console.rfind(title);
-  return at == std::string_view::npos ? 0 : at + 1;
-}
-
-// The first number behind that text, and behind its last occurrence where there are several.
-double numberBehind(std::string_view console, std::string_view title) {
-  const auto at = console.rfind(title);
-  if (at == std::string_view::npos) return std::nan("");
-  const auto digit = console.find_first_of("0123456789", at + title.size());
-  if (digit == std::string_view::npos) return std::nan("");
-  return std::strtod(std::string(console.substr(digit, 30)).c_str(), nullptr);
-}
-
 void addNumber(Facts& facts, std::string_view column, double value) {
   if (!std::isnan(value)) facts[std::string(column)] = fmt::format("{:.4g}", value);
 }
 
-// Errors of the fits of modes: each stands in the line below its title.
+// Errors of the fits of modes, fractions: each stands in the line below its title.
 void addModeErrors(Facts& facts, const std::vector<std::string>& lines, std::string_view title,
                    std::string_view column) {
   double worst = std::nan("");
   for (std::size_t k = 0; k + 1 < lines.size(); ++k)
-    if (lines[k].ends_with(title))
+    if (lines[k].starts_with(headOf(title)) && lines[k].ends_with(tailOf(title)))
       worst = std::fmax(worst, std::strtod(lines[k + 1].c_str(), nullptr));
-  addNumber(facts, column, PERCENT * worst);
+  addNumber(facts, column, INPERCENT * worst);
 }
 
 void addSequence(Facts& facts, std::string_view console) {
-  constexpr std::string_view RXB = " RXB: ";
-  const auto at = console.find(RXB);
+  const auto at = console.find(SIMULATORLINE);
   if (at == std::string_view::npos) return;
-  const auto line = console.substr(at + RXB.size(), console.find('\n', at) - at - RXB.size());
+  const auto line = console.substr(at, console.find('\n', at) - at).substr(SIMULATORLINE.size());
   const std::vector<std::string> values = fieldsOf(line, ',');
   for (std::size_t k = 0; k < std::min<std::size_t>(values.size(), 3); ++k)
     facts[std::string(1, "RXB"[k])] = bare(values[k]).empty() ? "" : wordsOf(values[k])[0];
@@ -104,13 +104,10 @@ void addSequence(Facts& facts, std::string_view console) {
 // exceeds its limit stays as it was fitted without a word.
 void addPassivity(Facts& facts, std::string_view console) {
   constexpr std::pair<std::string_view, std::string_view> TOLD[] = {
-      {"No passivity violations detected.", "told: passive"},
-      {"There are no passivity violations  ", "told: passive"},
-      {"Passivity is sucessfully enforced", "told: enforced"},
-      {"Passivity is not enforced", "told: not enforced"},
-      {"Constrained solution failed", "told: not enforced"},
-      {"Initial passivity violations", "told: not enforced"},
-      {"Passivity violations detected", "told: violated"}};
+      {PASSIVELINE, "told: passive"},         {NOVIOLATIONLINE, "told: passive"},
+      {ENFORCEDLINE, "told: enforced"},       {headOf(NOTENFORCED), "told: not enforced"},
+      {NOSOLUTIONLINE, "told: not enforced"}, {INITIALLINE, "told: not enforced"},
+      {VIOLATEDLINE, "told: violated"}};
   std::size_t last = 0;
   for (const auto& [text, verdict] : TOLD) {
     const auto at = console.rfind(text);
@@ -123,18 +120,17 @@ void addPassivity(Facts& facts, std::string_view console) {
 } // namespace
 
 Facts consoleFacts(std::string_view console, bool failed) {
-  constexpr std::string_view HPHASE = "\n Hphase: ", FINALFIT = "\n Final Fit:";
   const std::vector<std::string> lines = linesOf(console);
   Facts facts;
   facts["warnings"] = std::to_string(std::count_if(lines.begin(), lines.end(), warns));
   addSequence(facts, console);
-  addNumber(facts, "Yc", numberBehind(console, "\n Yc: "));
-  // Behind a DC correction its table is the last one.
-  const bool corrected = lastPlace(console, FINALFIT) > lastPlace(console, HPHASE);
-  addNumber(facts, "H", numberBehind(console, corrected ? FINALFIT : HPHASE));
-  addNumber(facts, "Z", numberBehind(console, "\n  Actual: "));
-  addModeErrors(facts, lines, "Surge Impedance:", "Zc");
-  addModeErrors(facts, lines, "Attenuation Constant:", "A");
+  addNumber(facts, "Yc", numberBehind(console, YCHEADING));
+  // Behind a DC correction its table is the last one; npos + 1 is 0.
+  const bool corrected = lastLine(console, FINALHEADING) + 1 > lastLine(console, HPHASEHEADING) + 1;
+  addNumber(facts, "H", numberBehind(console, corrected ? FINALHEADING : HPHASEHEADING));
+  addNumber(facts, "Z", numberBehind(console, SERIESRESULT));
+  addModeErrors(facts, lines, SURGELINE, "Zc");
+  addModeErrors(facts, lines, ATTENUATIONLINE, "A");
   addPassivity(facts, console);
   const auto warning = std::find_if(lines.begin(), lines.end(), warns);
   std::string message = warning == lines.end() ? "" : bare(*warning);
@@ -144,7 +140,7 @@ Facts consoleFacts(std::string_view console, bool failed) {
 }
 
 std::string couldNotWrite(std::string_view console) {
-  const auto at = console.find("Error in Writing ");
+  const auto at = console.find(headOf(FILENOTWRITTEN));
   if (at == std::string_view::npos) return {};
   return std::string(console.substr(at, console.find('\n', at) - at));
 }

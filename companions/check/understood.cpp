@@ -13,8 +13,6 @@ namespace lcp::companions {
 
 namespace {
 
-constexpr double KM = 1000; // m
-
 std::string roleText(int i) {
   const int role = roleOfWire(i);
   if (role > 0) return fmt::format("bundled with {}", role);

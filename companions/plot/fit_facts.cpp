@@ -1,5 +1,6 @@
 #include "companions/plot/fit_facts.h"
 
+#include "base/constants.h"
 #include "companions/shared/direct_line.h"
 #include "companions/shared/fit_ranges.h"
 #include "companions/shared/followed_modes.h"
@@ -13,8 +14,6 @@ namespace lcp::companions {
 
 namespace {
 
-constexpr double TWOPI = 6.283185307179586;
-constexpr double MILLI = 1e-3;
 constexpr std::size_t BUCKETS = 700; // of a scan: each keeps its smallest and its largest value
 constexpr std::size_t MOSTBANDS = 200;
 
@@ -100,7 +99,7 @@ Json polesOf(const ModelFile& file) {
 
 Json delaysOf(const ModelFile& file, double length) {
   Json rows = Json::array();
-  if (file.kind == ModelKind::BERGERON) {
+  if (file.kind == ModelKind::Bergeron) {
     const BergeronFile& B = file.bergeron;
     const LineModes modes = modesLike(constantsOf(B.SSFREQ), B.TI);
     const std::vector<double> travel = travelTimes(modes, B.SSFREQ, length);
@@ -119,9 +118,9 @@ Json delaysOf(const ModelFile& file, double length) {
 }
 
 Json passivityOf(const ModelFile& file, const ModelFile& before) {
-  if (file.kind != ModelKind::PHASE) return nullptr;
+  if (file.kind != ModelKind::Phase) return nullptr;
   Json curves = {{"after", curveOf(file)}};
-  if (before.kind == ModelKind::PHASE) curves["before"] = curveOf(before);
+  if (before.kind == ModelKind::Phase) curves["before"] = curveOf(before);
   return curves;
 }
 

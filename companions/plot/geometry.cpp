@@ -13,8 +13,6 @@ namespace lcp::companions {
 
 namespace {
 
-constexpr double KM = 1e3;        // m
-constexpr double MILLI = 1e-3;    // m in a mm
 constexpr double SQUAREMM = 1e-6; // m^2
 constexpr std::array<std::string_view, 4> METALS = {"core", "sheath", "armour",
                                                     "outside conductor"};

@@ -10,7 +10,7 @@
 #include "companions/shared/captured_run.h"
 #include "companions/shared/scratch.h"
 #include "companions/shared/verdicts.h"
-#include "run/lcpmain.h"
+#include "companions/verify/verify.h"
 #include "store/rundata.h"
 
 #include <cstdio>
@@ -49,14 +49,8 @@ Solved solved(const std::string& description, double length) {
   }
   S.model = readModelFile(scratchFile("model"));
   readHere(description, length);
-  RUNDATA.fit.WDETAIL = RUNDATA.display.CREATEPI = false;
-  if (!RUNDATA.passivity.PITERSET || S.model.kind != ModelKind::PHASE) return S;
-  refuseFullScratch(runCaptured([&] {
-    RUNDATA.run.FOUTM = scratchFile("before");
-    RUNDATA.run.FOUTR = scratchFile("report");
-    RUNDATA.passivity.PITERSET = RUNDATA.passivity.PFLOSET = false;
-    solveStep();
-  }));
+  if (!RUNDATA.passivity.PITERSET || S.model.kind != ModelKind::Phase) return S;
+  refuseFullScratch(solveFitInChild(scratchFile("before"), scratchFile("report")));
   S.before = readModelFile(scratchFile("before"));
   return S;
 }

@@ -1,5 +1,7 @@
 #include "companions/plot/survey.h"
 
+#include "base/constants.h"
+#include "companions/shared/captured_run.h"
 #include "companions/shared/fit_ranges.h"
 #include "companions/shared/followed_modes.h"
 #include "modal/core_sequence.h"
@@ -17,8 +19,6 @@ namespace lcp::companions {
 
 namespace {
 
-constexpr double TWOPI = 6.283185307179586;
-constexpr double MILLI = 1e-3;
 constexpr double SAMESIZE = 1e-9; // relative difference of elements that are equal by symmetry
 constexpr Room ROOMOFLINE = {100000, 400};
 constexpr Room ROOMOFFIT = {450000, 500};
@@ -46,9 +46,9 @@ Frequencies frequenciesOf(const ModelFile& file) {
 // The order of modes that the page takes: that of the model file, else the one at the steady state
 // frequency.
 std::pair<Matrix, double> orderOf(const ModelFile& file) {
-  if (file.kind == ModelKind::MODE)
+  if (file.kind == ModelKind::Mode)
     return {writtenTransformation(file, RUNDATA.fit.FCT), RUNDATA.fit.FCT};
-  if (file.kind == ModelKind::BERGERON) return {file.bergeron.TI, file.bergeron.SSFREQ};
+  if (file.kind == ModelKind::Bergeron) return {file.bergeron.TI, file.bergeron.SSFREQ};
   const double f =
       std::clamp(RUNDATA.line.SSFREQ, fitRanges()[0].f.front(), fitRanges()[0].f.back());
   return {modesOf(constantsOf(f)).TI, f};
@@ -75,7 +75,7 @@ Functions gammas(const Survey& S, const ModelFile& file) {
   for (std::size_t m = 0; m < file.n; ++m) {
     Element e{
         modeName(m), overFrequency(S, [&](std::size_t k) { return S.modes[k].gamma[m]; }), {}};
-    if (file.kind == ModelKind::BERGERON) {
+    if (file.kind == ModelKind::Bergeron) {
       // Its resistance is lumped along a line without losses: R / (2 Zc) a length.
       const BergeronMode& B = file.bergeron.modes[m];
       e.model = overFrequency(
@@ -90,7 +90,7 @@ Functions surges(const Survey& S, const ModelFile& file) {
   Functions F{"Zc", "Surge impedance", "impedance", "ohm"};
   for (std::size_t m = 0; m < file.n; ++m) {
     Element e{modeName(m), overFrequency(S, [&](std::size_t k) { return S.modes[k].Zc[m]; }), {}};
-    if (file.kind == ModelKind::BERGERON) {
+    if (file.kind == ModelKind::Bergeron) {
       e.model = overFrequency(S, [&](std::size_t) { return Complex(file.bergeron.modes[m].Zc); });
     }
     F.elements.push_back(std::move(e));
@@ -182,7 +182,7 @@ std::vector<Functions> seriesFits(const Survey& S, const ModelFile& file) {
 }
 
 Json rowOf(const SequenceBlock& block, double length) {
-  constexpr double KM = 1e3, MILLIHENRY = 1e3, NANO = 1e9;
+  constexpr double MILLIHENRY = 1e3, NANO = 1e9;
   const SequenceValues& V = block.values;
   const double w = TWOPI * RUNDATA.display.DISPFREQ, perKm = KM / length;
   return {std::string(block.label), V.R, V.X, V.B, V.Zc, V.R * perKm, V.X / w * MILLIHENRY * perKm,
@@ -210,7 +210,7 @@ Survey surveyLine(const ModelFile& file, double length) {
   for (const double f : S.at.f) S.line.push_back(constantsOf(f));
   const auto [reference, from] = orderOf(file);
   S.modes = followed(S.line, reference, from);
-  const std::size_t start = file.kind == ModelKind::MODE ? 0 : nearest(S.at.f, from);
+  const std::size_t start = file.kind == ModelKind::Mode ? 0 : nearest(S.at.f, from);
   holdRows(S.modes, largestRows(S.modes[start].TI));
   return S;
 }
@@ -232,21 +232,24 @@ Json modesOf(const Survey& S, const ModelFile& file) {
 }
 
 Json fitsOf(const Survey& S, const ModelFile& file) {
-  if (file.kind == ModelKind::PHASE) return packed(S.at, phaseFits(S, file), ROOMOFFIT);
-  if (file.kind == ModelKind::MODE) return packed(S.at, modeFits(S, file), ROOMOFFIT);
-  if (file.kind == ModelKind::MFDTD) return packed(S.at, seriesFits(S, file), ROOMOFFIT);
+  if (file.kind == ModelKind::Phase) return packed(S.at, phaseFits(S, file), ROOMOFFIT);
+  if (file.kind == ModelKind::Mode) return packed(S.at, modeFits(S, file), ROOMOFFIT);
+  if (file.kind == ModelKind::Mfdtd) return packed(S.at, seriesFits(S, file), ROOMOFFIT);
   return nullptr;
 }
 
 Json sequencesOf(double length) {
   const double f = RUNDATA.display.DISPFREQ;
-  RUNDATA.display.VBASEDISP = RUNDATA.display.MVABASEDISP = 0; // ohm and siemens
   if (RUNDATA.run.fromTable()) return Json::array();
+  const Restored bases(RUNDATA.display);
+  RUNDATA.display.VBASEDISP = RUNDATA.display.MVABASEDISP = 0; // ohm and siemens
   constantsOf(f);
   if (hasLoadFlowSection()) return sequenceRows(length);
   if (!hasCoreSequences()) return Json::array();
-  groundSheaths(f);
-  return sequenceRows(length);
+  const Grounding own = groundSheaths(f);
+  const Json rows = sequenceRows(length);
+  restoreSheaths(own, f);
+  return rows;
 }
 
 } // namespace lcp::companions

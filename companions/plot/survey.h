@@ -25,9 +25,8 @@ Json modesOf(const Survey& survey, const ModelFile& file);
 // The functions that the model file fits, beside those of the line; null for a model without fits.
 Json fitsOf(const Survey& survey, const ModelFile& file);
 
-// Sequence values of the whole line and per length, as the report has them: a list of rows; empty
-// for a system without. Computes constants of its own, and comes last: bases of per-unit display
-// are dropped.
+// Sequence values of the whole line and per length, as the report has them but in ohm and siemens:
+// a list of rows; empty for a system without.
 Json sequencesOf(double length);
 
 } // namespace lcp::companions

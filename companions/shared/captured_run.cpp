@@ -41,6 +41,17 @@ void readDescription(const std::string& file, double length) {
   READTLDATA();
 }
 
+// The step that was read, in a child, whose end it is.
+[[noreturn]] void solveInto(const std::string& model, const std::string& report) {
+  RunControl& R = RUNDATA.run;
+  R.FOUTM = model;
+  R.FOUTR = report;
+  RUNDATA.fit.WDETAIL = false;
+  RUNDATA.display.CREATEPI = false;
+  solveStep();
+  stop(R.WARNFLAG ? 2 : 0);
+}
+
 } // namespace
 
 bool inCapturedRun() { return captured; }
@@ -89,14 +100,15 @@ void readHere(const std::string& file, double length) {
 CapturedRun solveInChild(const std::string& file, double length, const std::string& model,
                          const std::string& report) {
   return runCaptured([&] {
-    RunControl& R = RUNDATA.run;
     readDescription(file, length);
-    R.FOUTM = model;
-    R.FOUTR = report;
-    RUNDATA.fit.WDETAIL = false;
-    RUNDATA.display.CREATEPI = false;
-    solveStep();
-    stop(R.WARNFLAG ? 2 : 0);
+    solveInto(model, report);
+  });
+}
+
+CapturedRun solveFitInChild(const std::string& model, const std::string& report) {
+  return runCaptured([&] {
+    RUNDATA.passivity.PITERSET = RUNDATA.passivity.PFLOSET = false;
+    solveInto(model, report);
   });
 }
 

@@ -31,4 +31,21 @@ void readHere(const std::string& file, double length);
 CapturedRun solveInChild(const std::string& file, double length, const std::string& model,
                          const std::string& report);
 
+// The same of what readHere has read, without enforcement and check of passivity.
+CapturedRun solveFitInChild(const std::string& model, const std::string& report);
+
+// A part of the run store that this process changes for a while: it gets its values back at the end
+// of the block.
+template <class Part> class Restored {
+public:
+  explicit Restored(Part& place) : part(place), before(place) {}
+  Restored(const Restored&) = delete;
+  Restored& operator=(const Restored&) = delete;
+  ~Restored() { part = before; }
+
+private:
+  Part& part;
+  const Part before;
+};
+
 } // namespace lcp::companions

@@ -3,14 +3,14 @@
 // its largest element is real; its surge impedance then is gamma / (TI^-1 Y TI^-T).
 #include "companions/shared/followed_modes.h"
 
+#include "base/constants.h"
+
 #include <algorithm>
 #include <cmath>
 
 namespace lcp::companions {
 
 namespace {
-
-constexpr double TWOPI = 6.283185307179586;
 
 constexpr double SAMESIZE = 1e-9; // relative; of elements that differ by less the first is taken
 constexpr double EQUAL = 1e-6;    // relative distance of squares of gamma that count as one

@@ -311,11 +311,11 @@ struct KindRow {
 };
 
 constexpr KindRow KINDS[] = {
-    {ModelKind::PHASE, "frequency dependent (phase)", "Fre-Phase", readPhase},
-    {ModelKind::MODE, "frequency dependent (mode)", "Fre-Dep", readModes},
-    {ModelKind::MFDTD, "MFDTD", "MFDTD", readMfdtd},
-    {ModelKind::PI, "PI", " BRANCHES:", readPi},
-    {ModelKind::BERGERON, "Bergeron", " ", readBergeron},
+    {ModelKind::Phase, "frequency dependent (phase)", "Fre-Phase", readPhase},
+    {ModelKind::Mode, "frequency dependent (mode)", "Fre-Dep", readModes},
+    {ModelKind::Mfdtd, "MFDTD", "MFDTD", readMfdtd},
+    {ModelKind::Pi, "PI", " BRANCHES:", readPi},
+    {ModelKind::Bergeron, "Bergeron", " ", readBergeron},
 };
 
 } // namespace

@@ -2,14 +2,13 @@
 #pragma once
 
 #include "companions/shared/rational.h"
+#include "store/option_groups.h"
 
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace lcp::companions {
-
-enum class ModelKind { PI, BERGERON, MODE, PHASE, MFDTD, UNKNOWN };
 
 // Lumped pi circuit: half of the shunt admittance at each end as branches, the series matrix.
 struct PiFile {
@@ -37,8 +36,8 @@ struct ModeFit {
 };
 
 struct ModelFile {
-  ModelKind kind = ModelKind::UNKNOWN;
-  std::size_t n = 0; // conductors
+  ModelKind kind = ModelKind::None; // None: no line model file
+  std::size_t n = 0;                // conductors
   PiFile pi;
   BergeronFile bergeron;
   std::vector<ModeFit> modes;

@@ -7,6 +7,7 @@
 // is that of the whole.
 #include "companions/shared/nodal_scan.h"
 
+#include "base/constants.h"
 #include "companions/shared/direct_line.h"
 #include "companions/shared/fit_ranges.h"
 
@@ -18,7 +19,6 @@ namespace lcp::companions {
 
 namespace {
 
-constexpr double TWOPI = 6.283185307179586;
 constexpr double BEYOND = 100; // two decades
 constexpr double WORK = 4e7;   // points times the cube of the order that a scan may cost
 constexpr double LEASTPOINTS = 5000;

@@ -1,6 +1,10 @@
 #include "companions/shared/scratch.h"
 
+#include "base/open_files.h"
 #include "companions/shared/arguments.h"
+#include "companions/shared/console_text.h"
+#include "output/manual_files.h"
+#include "output/output_file.h"
 #include "store/run_groups.h"
 
 #include <cerrno>
@@ -55,10 +59,10 @@ const Folder& scratchFolder() {
 bool lacksRoom(const std::string& console) {
   std::istringstream lines(console);
   for (std::string line; std::getline(lines, line);) {
-    const bool output = line.starts_with("Error in Writing Output File: ") ||
-                        line.starts_with("Cannot Open Output file ! ******");
+    const bool output =
+        line.starts_with(headOf(FILENOTWRITTEN)) || line.starts_with(headOf(CANNOTOPEN));
     if (output && line.find(scratchFolder().path) != std::string::npos) return true;
-    if (line == "Cannot Open corvo Output file ! ******") return true; // of data entered by hand
+    if (line == MANUALNOTOPENED) return true; // of data entered by hand
   }
   return false;
 }

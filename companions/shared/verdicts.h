@@ -1,8 +1,6 @@
 // What corvo-verify says: one line a quantity, with its worst place and a verdict.
 #pragma once
 
-#include "companions/shared/model_file.h"
-
 #include <cstddef>
 #include <limits>
 #include <string>
@@ -62,14 +60,6 @@ private:
 
 // All limits with their defaults.
 const std::vector<Limit>& defaultLimits();
-
-// Everything that there is to say of a model file, for the length in metres, over the run that
-// readHere has read. Of the companion that verifies: who calls it links that.
-std::vector<Finding> verified(const ModelFile& file, double length, const Limits& limits);
-
-// Of these the passivity of a phase model alone: the Hermitian part of the nodal admittance of both
-// ends, over the band of the fit and two decades beyond it on both sides.
-std::vector<Finding> phasePassivity(const ModelFile& file, const Limits& limits);
 
 // The lines for a person, and the same as one JSON document.
 std::string asText(const std::vector<Finding>& findings);

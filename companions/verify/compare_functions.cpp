@@ -1,5 +1,6 @@
 #include "companions/verify/compare_functions.h"
 
+#include "base/constants.h"
 #include "companions/shared/direct_line.h"
 #include "companions/shared/fit_ranges.h"
 
@@ -10,8 +11,6 @@
 namespace lcp::companions {
 
 namespace {
-
-constexpr double TWOPI = 6.283185307179586;
 
 // The elements of two matrices at a frequency, as fractions of a reference.
 void take(Deviation& d, const Matrix& model, const Matrix& line, double reference, double f) {

@@ -3,6 +3,7 @@
 // its largest element is real; its surge impedance then is gamma / (TI^-1 Y TI^-T).
 #include "companions/verify/compare_modes.h"
 
+#include "base/constants.h"
 #include "companions/shared/direct_line.h"
 #include "companions/shared/fit_ranges.h"
 #include "companions/shared/followed_modes.h"
@@ -17,8 +18,6 @@ namespace lcp::companions {
 
 namespace {
 
-constexpr double TWOPI = 6.283185307179586;
-constexpr double MILLI = 1e-3;
 constexpr double MICRO = 1e-6;
 constexpr double ROUNDING = 1e-18; // of squares of unit vectors in a file of 15 digits
 constexpr double CLOSER = 1e-6;    // relative; distances that differ by less are one

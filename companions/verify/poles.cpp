@@ -1,5 +1,6 @@
 #include "companions/verify/poles.h"
 
+#include "base/constants.h"
 #include "companions/shared/direct_line.h"
 #include "companions/shared/fit_ranges.h"
 
@@ -11,8 +12,6 @@ namespace lcp::companions {
 
 namespace {
 
-constexpr double LIGHT = 299792458.0; // m/s
-constexpr double TWOPI = 6.283185307179586;
 constexpr double SAME = 1e-9; // relative difference of numbers that stand for one
 
 struct Named {
@@ -22,8 +21,8 @@ struct Named {
 
 std::vector<Named> functionsOf(const ModelFile& file) {
   std::vector<Named> all;
-  if (file.kind == ModelKind::PHASE) all.push_back({"Yc", &file.Yc});
-  if (file.kind == ModelKind::MFDTD) all.push_back({"Z", &file.Z});
+  if (file.kind == ModelKind::Phase) all.push_back({"Yc", &file.Yc});
+  if (file.kind == ModelKind::Mfdtd) all.push_back({"Z", &file.Z});
   for (std::size_t g = 0; g < file.H.groups.size(); ++g)
     all.push_back({fmt::format("H, group {}", g + 1), &file.H.groups[g]});
   for (std::size_t m = 0; m < file.modes.size(); ++m) {
@@ -92,8 +91,8 @@ Finding longestStep(double delay) {
 
 // A Bergeron file has travel times; a MFDTD file leaves them to light, which is never slower.
 std::vector<Finding> stepWithoutDelays(const ModelFile& file, double length) {
-  if (file.kind == ModelKind::PI) return {};
-  double shortest = length / LIGHT;
+  if (file.kind == ModelKind::Pi) return {};
+  double shortest = length / LIGHTSPEED;
   const auto& modes = file.bergeron.modes;
   const auto quicker = [](const BergeronMode& a, const BergeronMode& b) { return a.T < b.T; };
   if (!modes.empty()) shortest = 1e-3 * std::min_element(modes.begin(), modes.end(), quicker)->T;
@@ -110,7 +109,7 @@ std::vector<Finding> checkPoles(const ModelFile& file, const Limits& limits) {
   Finding ratio{"poles", fmt::format("largest residue over pole, {}", c.ratioWhere)};
   ratio.value = c.ratio;
   // Those of H are of the size of 1; others have the units of their functions.
-  ratio.verdict = file.kind == ModelKind::PHASE ? limits.judge("ratio", c.ratio) : Verdict::TOLD;
+  ratio.verdict = file.kind == ModelKind::Phase ? limits.judge("ratio", c.ratio) : Verdict::TOLD;
   return {counted("with a positive real part", c.unstable),
           counted("without their conjugate", c.unpaired),
           counted("residues that are not conjugate", c.broken), ratio};
@@ -139,7 +138,7 @@ std::vector<Finding> checkDelays(const ModelFile& file, double length, const Lim
     f.value = late;
     f.unit = "%";
     f.verdict = limits.judge("delay", std::max(late, 0.0));
-    if (delays[g] < length / LIGHT * (1 - SAME)) {
+    if (delays[g] < length / LIGHTSPEED * (1 - SAME)) {
       f.words.append(", faster than light");
       f.verdict = std::max(f.verdict, Verdict::DOUBTFUL);
     }

@@ -57,24 +57,13 @@ ModelFile modelOf(const std::string& description, const std::string& given, doub
   giveUp(VERIFY.name, "the program makes no model of this description");
 }
 
-ModelKind kindWanted() {
-  const auto& M = RUNDATA.model;
-  const std::pair<bool, ModelKind> wanted[] = {{M.MODPI(), ModelKind::PI},
-                                               {M.MODBERG(), ModelKind::BERGERON},
-                                               {M.MODFDM(), ModelKind::MODE},
-                                               {M.MODFDP(), ModelKind::PHASE},
-                                               {M.MODMFDTD(), ModelKind::MFDTD}};
-  const auto* const row =
-      std::find_if(std::begin(wanted), std::end(wanted), [](const auto& w) { return w.first; });
-  return row == std::end(wanted) ? ModelKind::UNKNOWN : row->second;
-}
-
 // A file of another kind or with another number of conductors belongs to another description: there
 // is nothing to compare.
 void refuseStranger(const ModelFile& file) {
-  if (file.kind != kindWanted())
+  const ModelKind wanted = RUNDATA.model.MODEL;
+  if (file.kind != wanted)
     giveUp(VERIFY.name, fmt::format("the model file is {}, the description asks for {}",
-                                    nameOf(file.kind), nameOf(kindWanted())));
+                                    nameOf(file.kind), nameOf(wanted)));
   // A cable system has its order behind its eliminations.
   const double f = RUNDATA.model.fitted() ? fitRanges()[0].f.back() : RUNDATA.line.SSFREQ;
   const std::size_t order = constantsOf(f).Y.rows;
@@ -100,15 +89,15 @@ std::vector<Finding> compareLength(const ModelFile& file, double length) {
 
 std::vector<Finding> verified(const ModelFile& file, double length, const Limits& limits) {
   std::vector<Finding> all = compareLength(file, length);
-  if (file.kind == ModelKind::PHASE) add(all, comparePhase(file, length, limits));
-  if (file.kind == ModelKind::MFDTD) add(all, compareSeries(file, limits));
-  if (file.kind == ModelKind::MODE) add(all, compareModeFits(file, length, limits));
-  if (file.kind == ModelKind::BERGERON) add(all, compareBergeron(file, length, limits));
-  if (file.kind == ModelKind::PI) add(all, comparePi(file, length, limits));
+  if (file.kind == ModelKind::Phase) add(all, comparePhase(file, length, limits));
+  if (file.kind == ModelKind::Mfdtd) add(all, compareSeries(file, limits));
+  if (file.kind == ModelKind::Mode) add(all, compareModeFits(file, length, limits));
+  if (file.kind == ModelKind::Bergeron) add(all, compareBergeron(file, length, limits));
+  if (file.kind == ModelKind::Pi) add(all, comparePi(file, length, limits));
   if (RUNDATA.model.fitted()) add(all, checkTransformation(limits));
   add(all, checkPoles(file, limits));
   add(all, checkDelays(file, length, limits));
-  if (file.kind == ModelKind::PHASE) add(all, phasePassivity(file, limits));
+  if (file.kind == ModelKind::Phase) add(all, phasePassivity(file, limits));
   add(all, linePassivity(limits));
   return all;
 }

@@ -62,7 +62,7 @@ void closeStars() { rule('*', STARS); }
 
 void note(std::string_view words) { writeError(fmt::format("corvo: note: {}\n", words)); }
 
-void warning(std::string_view words) { writeError(fmt::format("corvo: warning: {}\n", words)); }
+void warning(std::string_view words) { writeError(fmt::format("{}{}\n", WARNINGHEAD, words)); }
 
 bool flush() {
   State& s = state();

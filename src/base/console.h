@@ -1,7 +1,8 @@
 // The console: plain lines to the standard output, collected and written in one piece.
 //
 // The texts stand whole where they are printed, so that a search for the words on the console
-// finds the line of code. What several messages share are the rules around them.
+// finds the line of code. What several messages share are the rules around them. A text by which
+// another program finds its place on the console is a constant in the header of what prints it.
 #pragma once
 
 #include <fmt/format.h>
@@ -30,9 +31,12 @@ void closeStars();
 // descriptor that came closed is occupied, so that no output file takes the console's place.
 void prepare();
 
+constexpr std::string_view WARNINGMARK = "*WARNING*"; // ahead of most warnings
+
 // One line on the error stream, for what the console has no words for: "corvo: note: " and a hint,
 // or "corvo: warning: " and what in the input or the result is likely wrong. Neither changes the
 // run, nor does a stream that does not take it.
+constexpr std::string_view WARNINGHEAD = "corvo: warning: ";
 void note(std::string_view words);
 void warning(std::string_view words);
 

@@ -20,5 +20,6 @@ constexpr double PERCENT = 0.01;    // one per cent
 constexpr double INPERCENT = 100.0; // a fraction in per cent
 constexpr double MILLI = 0.001;     // a millisecond in s
 constexpr double INMILLI = 1000.0;  // a second in ms
+constexpr double KM = 1000.0;       // a kilometre in m
 
 } // namespace lcp

@@ -130,7 +130,7 @@ void leave(const OpenFile& file) {
 
 void sayCannotWrite(std::string_view name) {
   console::openStars();
-  console::print("Error in Writing Output File: {}", name);
+  console::print(FILENOTWRITTEN, name);
   console::closeStars();
 }
 

@@ -61,6 +61,7 @@ int dropListed(OpenFile& file);
 void leave(const OpenFile& file);
 
 // The message of a file that was not written to its end.
+constexpr std::string_view FILENOTWRITTEN = "Error in Writing Output File: {}";
 void sayCannotWrite(std::string_view name);
 
 // The end of the run: every open file as its early end says. False, behind a message, when one to

@@ -24,9 +24,8 @@
 // as wide as their distance from 0.
 #include "cable/earth_integrals.h"
 
-#include "base/console.h"
-#include "base/number_forms.h"
 #include "cable/complex_root.h"
+#include "overhead/carson_integral.h"
 
 #include <algorithm>
 #include <cmath>
@@ -191,15 +190,11 @@ void filonGraded(double A, const Angled& k, int parts, Reached& at, PanelSum& su
   }
 }
 
-void sayNotConverged(std::string_view before, Complex z, int width, std::string_view behind) {
-  console::line(fmt::format("{}{}{}", before, pointedField(std::abs(z), width, 6), behind));
-}
-
 } // namespace
 
 // The marks of quotation and the strokes belong to the texts.
 Complex KEXPINT(Complex z) {
-  constexpr std::string_view TEXT = "Failed to converge for R=";
+  constexpr std::string_view TEXT = " for R=";
   const PanelSum sum = kexpintPanels(z);
   if (!sum.growingDone) {
     sayNotConverged(TEXT, z, 15, R"(in hyper-b region"// " Exec. Continuing)");
@@ -213,7 +208,7 @@ Complex KEXPINT(Complex z) {
 Complex KEXPONE(Complex z) {
   const PanelSum sum = kexponePanels(z);
   if (!sum.gradedDone) {
-    sayNotConverged("Failed to converge, Carson R Magnitude =", z, 16, "Execution continuing");
+    sayNotConverged(", Carson R Magnitude =", z, 16, "Execution continuing");
   }
   return sum.S;
 }
@@ -222,10 +217,10 @@ Complex CBMUT(Complex z, double theta) {
   constexpr std::string_view GOINGON = " CBMUT Execution Continuing";
   const PanelSum sum = cbmutPanels(z, theta);
   if (!sum.growingDone) {
-    sayNotConverged("Failed to converge on hyperbolic step loop for R= ", z, 15, GOINGON);
+    sayNotConverged(" on hyperbolic step loop for R= ", z, 15, GOINGON);
   }
   if (!sum.gradedDone) {
-    sayNotConverged("Failed to converge on exponential step loopfor R= ", z, 15, GOINGON);
+    sayNotConverged(" on exponential step loopfor R= ", z, 15, GOINGON);
   }
   return sum.S;
 }

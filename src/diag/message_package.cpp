@@ -50,7 +50,7 @@ void ERRMSG(std::string_view name, std::string_view text, int action) {
   const std::string_view who = trimmed(name), what = trimmed(text);
   switch (action) {
   case MSGWARNING:
-    report(fmt::format("-*** WARNING: {}: {}--Execution continuing. ***", who, what));
+    report(fmt::format(WARNINGREPORT, who, what));
     W_OUTMSG("-", " ");
     return;
   case MSGERROR:

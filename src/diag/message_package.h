@@ -18,6 +18,8 @@ constexpr int STACKPUSH = 1;
 constexpr int STACKPOP = -1;
 constexpr int STACKPRINT = 0;
 
+constexpr std::string_view WARNINGREPORT = "-*** WARNING: {}: {}--Execution continuing. ***";
+
 // Reports a text of a routine in a line of at most 132 characters. An action other than these
 // three is reported and ends the run like a fatal one, without a traceback.
 void ERRMSG(std::string_view name, std::string_view text, int action);

@@ -60,7 +60,7 @@ void reportAdmittance(const AdmittanceWish& wish, double err, int N) {
   console::print(" Maximum Number of Poles: {:38}{}", "",
                  integerField(std::min(wish.limit, NPMAX), 3));
   console::line();
-  console::line(" Yc:          Maximum          Number");
+  console::line(YCHEADING);
   console::line("              Fitting Error    of Poles");
   console::line("              --------------   --------");
   Record row;

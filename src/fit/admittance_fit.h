@@ -1,6 +1,8 @@
 // Rational fit of the characteristic admittance of the phases.
 #pragma once
 
+#include <string_view>
+
 namespace lcp {
 
 struct AdmittanceWish {
@@ -14,6 +16,9 @@ struct AdmittanceWish {
 // FITTED. Prints its table; when the target is not met, a warning, and the run ends with exit
 // status 2.
 void YCFIT(const AdmittanceWish& wish);
+
+// The first line of the table on the console, whose first number is the error in per cent.
+constexpr std::string_view YCHEADING = " Yc:          Maximum          Number";
 
 // The table of a fit of N poles with the error err, a fraction, and the warning when it misses.
 void reportAdmittance(const AdmittanceWish& wish, double err, int N);

@@ -30,7 +30,7 @@ Record& addError(Record& row, double percent) {
 
 void warnOfError(std::string_view indent) {
   console::line();
-  console::print("{}*WARNING*: The relative fitting error exceeds the ", indent);
+  console::print("{}{}: The relative fitting error exceeds the ", indent, console::WARNINGMARK);
   console::print("{}           maximum requested. This may be partially", indent);
   console::print("{}           improved by increasing the maximum # of", indent);
   console::print("{}           poles.", indent);
@@ -38,7 +38,7 @@ void warnOfError(std::string_view indent) {
 }
 
 void warnInLine(std::string_view text) {
-  console::print(" *WARNING*: {}", text);
+  console::print(" {}: {}", console::WARNINGMARK, text);
   warn();
 }
 

@@ -65,7 +65,7 @@ void checkDelay(double tau) {
     stopInStars();
   }
   if (tau > LARGEDELAY) {
-    console::print("*WARNING*: The travel time ({} s ) ", tau);
+    console::print("{}: The travel time ({} s ) ", console::WARNINGMARK, tau);
     console::line(" is very large");
   }
 }

@@ -22,7 +22,7 @@ BetweenCurve middlesOf(const ComplexCurve& F) { return {BETWEEN.NB, BETWEEN.WFRE
 
 void surgeImpedance(int m) {
   const FitOptions& O = RUNDATA.fit;
-  console::print("Mode {} Surge Impedance:", integerField(m, 2));
+  console::print(SURGELINE, integerField(m, 2));
   GROWSETTLED(samplesOf(SOLVEDATA.second.ZSURGST.curve(m), WITHCONSTANT),
               middlesOf(BETWEEN.ZSURGE.curve(m)), O.MAXPZ, O.ERRZ * PERCENT, MODEMODEL.Z[m]);
   warnOfMiss("The Surge Impedance", MODEMODEL.Z[m].ERR, O.ERRZ * PERCENT);
@@ -33,7 +33,7 @@ void attenuation(int m) {
   const FrequencyGrid& G = SOLVEDATA.grid;
   const FitOptions& O = RUNDATA.fit;
   const double target = O.ERRA * PERCENT;
-  console::print("Mode {} Attenuation Constant:", integerField(m, 2));
+  console::print(ATTENUATIONLINE, integerField(m, 2));
   const BodeDelay first =
       BODEDLY(T.VELOC.curve(m), T.HMODE.curve(m), G.NFUSE, G.WFREQ, RUNDATA.run.LINELEN, target);
   const double TAU =

@@ -38,7 +38,7 @@ void turnBack(int i, double TAU) {
 void fitSurgeImpedance(int i) {
   const FrequencyGrid& G = SOLVEDATA.grid;
   const FitOptions& O = RUNDATA.fit;
-  console::print("Mode {} Surge Impedance:", integerField(i, 2));
+  console::print(SURGELINE, integerField(i, 2));
   GROWFIT(G.NFUSE, G.WFREQ, SOLVEDATA.second.ZSURGST.curve(i), G.WFIT, O.MAXPZ, O.ERRZ * PERCENT,
           MODEMODEL.Z[i]);
 }
@@ -47,7 +47,7 @@ void fitAttenuation(int i) {
   SecondLoopStore& T = SOLVEDATA.second;
   const FrequencyGrid& G = SOLVEDATA.grid;
   const FitOptions& O = RUNDATA.fit;
-  console::print("Mode {} Attenuation Constant:", integerField(i, 2));
+  console::print(ATTENUATIONLINE, integerField(i, 2));
   const double TAU = DELAYFIT(G.NFUSE, G.WFREQ, T.HMODE.curve(i), T.VELOC.curve(i), G.WFIT,
                               RUNDATA.run.LINELEN, O.MAXPA, O.ERRA * PERCENT, MODEMODEL.A[i]);
   T.TAUMS[i] = INMILLI * TAU;

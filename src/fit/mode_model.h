@@ -5,6 +5,8 @@
 #include "base/big_store.h"
 #include "fit/growing_fit.h"
 
+#include <string_view>
+
 namespace lcp {
 
 struct ModeModel {
@@ -15,6 +17,10 @@ struct ModeModel {
 
 // Mapped before anything of a file that includes this is initialised.
 inline ModeModel& MODEMODEL = bigStore<ModeModel>();
+
+// On the console, ahead of a line whose first number is the error, a fraction.
+constexpr std::string_view SURGELINE = "Mode {} Surge Impedance:";
+constexpr std::string_view ATTENUATIONLINE = "Mode {} Attenuation Constant:";
 
 // All functions of all modes, below the heading of the lines that the fits print.
 void fitModes();

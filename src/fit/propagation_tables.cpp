@@ -45,7 +45,7 @@ void printModeRow(int g, double ERRG, int NH, double TAU) {
 
 void printPhaseFit(const PhaseFit& fit) {
   console::line();
-  console::line(" Hphase:      Maximum           Maximum       Maximum");
+  console::line(HPHASEHEADING);
   console::line("              Fitting Error     RMS Error     Residue/Pole Ratio");
   console::line("              --------------    ----------    ------------------");
   Record row;
@@ -80,7 +80,7 @@ void printCorrectionHeading() {
 
 void printFinalFit(const PhaseFit& fit) {
   console::line();
-  console::line(" Final Fit:   Maximum        Maximum      Number      Adjusted");
+  console::line(FINALHEADING);
   console::line("              Fitting Error  RMS Error    of Poles    Time Delays");
   console::line("              -------------  ---------    --------    -----------");
   Record row;

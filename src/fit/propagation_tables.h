@@ -4,7 +4,15 @@
 
 #include "fit/phase_residues.h"
 
+#include <string_view>
+
 namespace lcp {
+
+// The first lines of the tables of H, whose first numbers are the error in per cent: of the fit in
+// phases, and behind a DC correction.
+constexpr std::string_view HPHASEHEADING = " Hphase:      Maximum           Maximum       Maximum";
+constexpr std::string_view FINALHEADING =
+    " Final Fit:   Maximum        Maximum      Number      Adjusted";
 
 void printPropagationHeading(double percentRequested, int limit);
 void printAttempt(int attempt, double TARGET);

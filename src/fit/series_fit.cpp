@@ -46,9 +46,9 @@ void reportSeries(int NMAX, double TARGET, double err, int N) {
   wish.fixed(INPERCENT * TARGET, 9, 4).text(" %").blanks(11).text(" Maximum: ").integer(NMAX, 3);
   console::line(wish.view());
   const int shift = INPERCENT * err < SMALLERROR ? 3 : 0;
-  Record actual("  Actual: ");
+  Record actual(SERIESRESULT);
   addError(actual.blanks(shift), INPERCENT * err).blanks(11 - shift);
-  console::line(actual.text("  Actual: ").integer(N, 3).view());
+  console::line(actual.text(SERIESRESULT).integer(N, 3).view());
   if (INPERCENT * err > INPERCENT * TARGET) warnOfError(" ");
 }
 

@@ -7,6 +7,8 @@
 #include "store/fitmodel.h"
 #include "store/solvedata.h"
 
+#include <string_view>
+
 namespace lcp {
 
 struct SeriesModel {
@@ -37,6 +39,7 @@ void fitSeriesImpedance();
 void prepareSeriesFit();
 void printSeriesHeading();
 void printSeriesEnd();
+constexpr std::string_view SERIESRESULT = "  Actual: "; // ahead of the error and of the poles
 void reportSeries(int NMAX, double TARGET, double err, int N);
 
 } // namespace lcp

@@ -107,8 +107,7 @@ int bundleCount(const ExternalRecord& T) {
   const int s = whole(T[17]);
   checkSubConductorCount(s);
   if (s >= 1) return s;
-  console::line("Warning: Number of Bundled conductors                      should be greater or "
-                "equal to 1");
+  console::line(BUNDLEWARNING);
   console::line("Number of Bundled conductors is set to 1 ");
   return 1;
 }

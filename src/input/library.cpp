@@ -101,7 +101,7 @@ void warnDefaults(double mur) {
   if (READER.libraryWarned) return;
   READER.libraryWarned = true;
   console::rule('-', 49);
-  console::line("Warning:  Conductor permeability and inner radius");
+  console::line(LIBRARYWARNING);
   console::print("information was not found in conductor library{}", READER.LIBPATH.text());
   console::line("See online help for updated format. Values");
   console::line("defaulted to:");

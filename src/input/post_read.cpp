@@ -82,7 +82,7 @@ void takeOverheadConductors() {
   if (R.DATAFMT != ROUTECONSTANTS || R.ISCABLE != CABLESYSTEM || RUNDATA.cond.NCOND == 0) return;
   RUNDATA.cable.MIXEDOH = true;
   if (RUNDATA.cable.NCABLE == 0) {
-    console::line("*WARNING*: If there are only overhead lines,it is ");
+    console::print("{}: If there are only overhead lines,it is ", console::WARNINGMARK);
     console::line("better to model using overhead line model ");
   }
   checkConductorPositions();

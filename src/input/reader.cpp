@@ -310,7 +310,7 @@ void ignoreUnknownLine() {
   const bool comment = READER.LINE.empty() || raw[0] == '!' || raw[0] == 'C';
   if (tracing()) traceFate(fateOf(comment));
   if (comment) return;
-  console::print("Unknown Data Line Ignored: {}", raw.substr(0, raw.find_last_not_of(' ') + 1));
+  console::print(UNKNOWNLINE, raw.substr(0, raw.find_last_not_of(' ') + 1));
 }
 
 const StateRow& currentState() {

@@ -276,7 +276,7 @@ void formLineValues(ManualMode& m) {
 
 void warnOfUnits() {
   console::rule('.', DOTS);
-  console::line("An error occurred in calculating impedance    and admittance matrices ");
+  console::line(UNITSWARNING);
   console::line("Check input data for Manual Entry of Z,Y");
   console::line("Some of the input data must be expressed per  unit length");
   console::rule('.', DOTS);

@@ -4,6 +4,8 @@
 
 #include "store/solvedata.h"
 
+#include <string_view>
+
 namespace lcp {
 
 struct ManualMode {
@@ -23,6 +25,10 @@ struct ManualModes {
 };
 
 extern ManualModes MANUAL;
+
+// The warning of a mode whose inductance is below 0 behind the correction for the length.
+constexpr std::string_view UNITSWARNING =
+    "An error occurred in calculating impedance    and admittance matrices ";
 
 // Length that the entered data go with, m: 1 when they are totals of the line.
 double manualLength();

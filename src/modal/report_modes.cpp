@@ -37,12 +37,12 @@ void checkMode(double tau) {
   const double v = modeVelocity(tau);
   if (!std::isfinite(v)) refuseVelocity(v, "not finite");
   if (v > LIGHTSPEED) {
-    console::print("*WARNING*: The modal velocity ({}", v);
+    console::print("{}: The modal velocity ({}", console::WARNINGMARK, v);
     console::line("is greater than speed of light (~3e8 m/s)");
   }
   if (v < 0.0) refuseVelocity(v, "negative");
   if (tau > LARGETIME) {
-    console::print("*WARNING*: The travel time ({} ms)", tau);
+    console::print("{}: The travel time ({} ms)", console::WARNINGMARK, tau);
     console::line(" is very large");
   }
 }

@@ -37,14 +37,13 @@ double single(double x) { return static_cast<double>(static_cast<float>(x)); }
 void explainFailure(int k) {
   if (!failureInSolve) {
     console::rule('*', 53);
-    console::line("NEWTON-RAPHSON EIGENVALUE PROCEDURE");
+    console::line(NEWTONTITLE);
     console::rule('*', 53);
   }
   if (!failureInStep) {
     console::line();
     console::line();
-    console::print(" Frequency Step #{}: {} Hz", integerField(k, 3),
-                   scientificField(SOLVEDATA.grid.FREQ[k], 11, 4));
+    console::print(STEPLINE, integerField(k, 3), scientificField(SOLVEDATA.grid.FREQ[k], 11, 4));
     console::rule('-', HYPHENS);
   }
   if (!failureInSolve) {
@@ -122,7 +121,7 @@ struct Walk {
 
   // The deepest digit does not help: what stands is taken, and the walk jumps ahead.
   bool giveUp(int k) {
-    console::text("|>");
+    console::text(GIVENUP);
     acceptSolution(k);
     acceptedInStep = true;
     d = 1;

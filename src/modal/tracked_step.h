@@ -1,7 +1,15 @@
 // One step of the grid whose modes are followed from the step before.
 #pragma once
 
+#include <string_view>
+
 namespace lcp {
+
+// On the console: the title of the steps at which a mode could not be followed in one go, the line
+// of each of them, and the mark of a walk whose shortest sub-step failed.
+constexpr std::string_view NEWTONTITLE = "NEWTON-RAPHSON EIGENVALUE PROCEDURE";
+constexpr std::string_view STEPLINE = " Frequency Step #{}: {} Hz";
+constexpr std::string_view GIVENUP = "|>";
 
 // Starts a solve: the messages of a failed step are due again.
 void startTracking();

@@ -16,7 +16,7 @@ void openModel(TextFile& file) {
   if (file.open(RUNDATA.run.FOUTM.whole(), EarlyEnd::REMOVE)) return;
   console::line();
   console::line(" ****** corvo.exe: ERROR *****");
-  console::line("Cannot Open corvo Output file ! ******");
+  console::line(MANUALNOTOPENED);
   stop(1);
 }
 

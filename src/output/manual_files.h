@@ -5,8 +5,12 @@
 #include "store/solvedata.h"
 
 #include <span>
+#include <string_view>
 
 namespace lcp {
+
+// The message of a model file that cannot be opened.
+constexpr std::string_view MANUALNOTOPENED = "Cannot Open corvo Output file ! ******";
 
 // Opens the model file, writes the modes behind its head, and closes it: per mode travel time (ms),
 // surge impedance (ohm), resistance twice, and its row of the real transformation TR. A file that

@@ -7,7 +7,7 @@ namespace lcp {
 void sayCannotOpen(const FileName& name) {
   console::line();
   console::line(" ****** corvo.exe: ERROR *****");
-  console::print("Cannot Open Output file ! ******{}", name.text());
+  console::print(CANNOTOPEN, name.text());
 }
 
 bool openOutput(TextFile& file, const FileName& name, EarlyEnd end) {

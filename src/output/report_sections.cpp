@@ -109,7 +109,7 @@ void writeBases(TextFile& file, bool perUnit) {
 // The line with which the simulator takes the positive sequence over.
 void tellSimulator(const LoadFlowData& data) {
   if (data.circuits == 0) return;
-  Record record(" RXB: ");
+  Record record(SIMULATORLINE);
   std::string_view separator;
   for (int c = 0; c < data.circuits; ++c) {
     const SequenceValues& v = data.simulator[c];

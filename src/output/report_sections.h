@@ -14,7 +14,9 @@ constexpr int REPORTRULE = 53; // signs of a line across
 // The head; its first line has so many equal signs.
 void writeReportHead(TextFile& file, int firstRule = REPORTRULE);
 
-// Load flow data, and the console line of the simulator. The corrected data are shown when LLOK.
+// Load flow data, and the console line of the simulator, R, X and B of each circuit behind this
+// text. The corrected data are shown when LLOK.
+constexpr std::string_view SIMULATORLINE = " RXB: ";
 void SEQRXB(TextFile& file, CConstView Y, CConstView Z, CConstView YLC, CConstView ZLC, bool LLOK);
 
 // The head of the phase domain data, its first line of so many hyphens, and behind it Y and Z per

@@ -404,17 +404,18 @@ void blockLinearStage(double lo, Complex z, double theta, const Direction& d, Ca
   }
 }
 
-void sayNotConverged(std::string_view stage, Complex z) {
-  console::line(fmt::format("{}for R={}Exec. Continuing", stage, pointedField(std::abs(z), 15, 6)));
-}
-
 } // namespace
+
+void sayNotConverged(std::string_view stage, Complex z, int width, std::string_view behind) {
+  console::print("{}{}{}{}", NOTCONVERGED, stage, pointedField(std::abs(z), width, 6), behind);
+}
 
 Complex CARSINT(Complex z, double theta) {
   const CarsonSum sum =
       carsonBlocksTake(z, theta) ? carsonBlocks(z, theta) : carsonPanels(z, theta);
-  if (!sum.geometricDone) sayNotConverged("Failed to converge on hyperbolic step length ", z);
-  if (!sum.linearDone) sayNotConverged("Failed to converge on linear step length ", z);
+  constexpr std::string_view GOINGON = "Exec. Continuing";
+  if (!sum.geometricDone) sayNotConverged(" on hyperbolic step length for R=", z, 15, GOINGON);
+  if (!sum.linearDone) sayNotConverged(" on linear step length for R=", z, 15, GOINGON);
   return sum.A;
 }
 

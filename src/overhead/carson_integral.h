@@ -9,7 +9,13 @@
 
 #include "base/matrix.h"
 
+#include <string_view>
+
 namespace lcp {
+
+// The line of a stage that runs out of panels: this text, what stands ahead of |z| and behind it.
+constexpr std::string_view NOTCONVERGED = "Failed to converge";
+void sayNotConverged(std::string_view stage, Complex z, int width, std::string_view behind);
 
 // J(z, theta), dimensionless. theta in radians, the sign is of no account. A stage that runs out of
 // panels says so on the console, and the sum reached is the result.

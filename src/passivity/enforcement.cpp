@@ -53,7 +53,7 @@ void printHeading() {
 }
 
 void printSuccess() {
-  console::line(" There are no passivity violations. Passivity is sucessfully enforced  ");
+  console::line(ENFORCEDLINE);
   hyphens();
 }
 
@@ -118,7 +118,7 @@ bool QPRUN() {
     RESAPPLY(ENFORCE.X);
     if (isFiniteModel(ENFORCE.FPERT)) return true;
   }
-  console::line(" Constrained solution failed");
+  console::line(NOSOLUTIONLINE);
   return false;
 }
 
@@ -151,11 +151,11 @@ bool passiveAtStart(int n, double PEIGTOL) {
   if (ENFORCE.VPOINT.count == 0) {
     blanks();
     if (n > 1) printSuccess();
-    if (n == 1) console::line(" There are no passivity violations  ");
+    if (n == 1) console::line(NOVIOLATIONLINE);
     return true;
   }
   if (n == 1) {
-    console::line(" Initial passivity violations  ");
+    console::line(INITIALLINE);
     PASSTAB();
   }
   return false;

@@ -5,7 +5,16 @@
 #include "passivity/enforcement_store.h"
 #include "store/option_groups.h"
 
+#include <string_view>
+
 namespace lcp {
+
+// Lines on the console that tell how far an enforcement has come.
+constexpr std::string_view NOVIOLATIONLINE = " There are no passivity violations  ";
+constexpr std::string_view INITIALLINE = " Initial passivity violations  ";
+constexpr std::string_view NOSOLUTIONLINE = " Constrained solution failed";
+constexpr std::string_view ENFORCEDLINE =
+    " There are no passivity violations. Passivity is sucessfully enforced  ";
 
 // Enforces passivity on the model in the enforcement store, H to be held at the NS frequencies
 // WFREQ, rad/s. True when the residues FRES are those of a model that is passive on the grid and

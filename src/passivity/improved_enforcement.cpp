@@ -11,6 +11,7 @@
 #include "passivity/enforcement.h"
 #include "passivity/least_change.h"
 #include "passivity/nodal_admittance.h"
+#include "passivity/passivity_check.h"
 #include "passivity/violation_scan.h"
 #include "store/rundata.h"
 #include "store/solvedata.h"
@@ -109,9 +110,8 @@ Outcome enforce() {
 }
 
 void keepFit(std::string_view why) {
-  console::print(" *WARNING*: Passivity is not enforced, {}.", why);
+  warnInLine(fmt::format(NOTENFORCED, why));
   console::line("            The model stays as it was fitted.");
-  warn();
 }
 
 // The curves of the fit become those of the residues that go to the file.
@@ -145,7 +145,7 @@ void decide(const Outcome& outcome) {
     keepFit("H or Yc moved by more than the error allowed");
   } else {
     if (change > 0) takeModel();
-    console::line(" There are no passivity violations. Passivity is sucessfully enforced  ");
+    console::line(ENFORCEDLINE);
   }
 }
 
@@ -190,8 +190,7 @@ void improvedPassivityCheck() {
                    scientificField(b.worst, 10, 3));
   }
   if (!scan.resolved) console::line(" The scan did not resolve every minimum.");
-  console::line(bands.empty() ? " No passivity violations detected."
-                              : " Passivity violations detected. See help for further details");
+  console::line(bands.empty() ? PASSIVELINE : VIOLATEDLINE);
 }
 
 } // namespace lcp

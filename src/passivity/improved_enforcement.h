@@ -2,7 +2,12 @@
 // passivity/enforcement.
 #pragma once
 
+#include <string_view>
+
 namespace lcp {
+
+// The warning of a model that stays as it was fitted.
+constexpr std::string_view NOTENFORCED = "Passivity is not enforced, {}.";
 
 // The enforcement between fit and model file: takes FITMODEL, and puts the changed residues of H,
 // and where those are not enough the residues and the constant term of Yc, in it when the model

@@ -222,11 +222,7 @@ void PASSCHK() {
   }
   if (band.open) closeBand(band, FGRID.f[FGRID.NGRID]);
   console::line(BLANKLINE);
-  if (band.seen) {
-    console::line(" Passivity violations detected. See help for further details");
-  } else {
-    console::line(" No passivity violations detected.");
-  }
+  console::line(band.seen ? VIOLATEDLINE : PASSIVELINE);
   console::line(BLANKLINE);
 }
 

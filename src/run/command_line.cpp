@@ -31,7 +31,7 @@ constexpr int TOOLONG = -1; // status of an argument that its buffer does not ho
 // The argument as it stands; one that is longer than its buffer ends the run.
 std::string_view fetch(std::string_view argument, int buffer) {
   if (argument.size() > static_cast<std::size_t>(buffer)) {
-    console::print("Get argument failed with status = {}", TOOLONG);
+    console::print(ARGUMENTFAILED, TOOLONG);
     stop(0);
   }
   return argument;

@@ -4,8 +4,11 @@
 #include "store/run_groups.h"
 
 #include <span>
+#include <string_view>
 
 namespace lcp {
+
+constexpr std::string_view ARGUMENTFAILED = "Get argument failed with status = {}";
 
 struct CommandLine {
   FileName fileName;    // blank without /file

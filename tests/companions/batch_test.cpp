@@ -6,11 +6,13 @@
 #include "companions/batch/parts.h"
 #include "companions/batch/variation.h"
 #include "companions/batch/whole_files.h"
+#include "companions/shared/console_text.h"
 #include "store/rundata.h"
 #include "support/description.h"
 #include "support/scratch.h"
 
 #include <algorithm>
+#include <cmath>
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 #include <numeric>
@@ -92,6 +94,13 @@ TEST(Batch, FactsAreThoseOfTheConsole) {
     EXPECT_EQ(told(facts), c.facts);
     EXPECT_EQ(facts.at("message").substr(0, 40), c.message);
   }
+}
+
+TEST(Batch, NumbersAreThoseBehindTheLastLineOfTheirText) {
+  const std::string twice = "\n Yc: a\n 5.0000 %\n x Yc: b\n 7 %\n Yc: a\n\n 1.234E-04 %  12\n";
+  EXPECT_EQ(numberBehind(twice, " Yc: "), 1.234e-4);
+  EXPECT_TRUE(std::isnan(numberBehind(twice, " Hphase: ")));
+  EXPECT_TRUE(std::isnan(numberBehind("\n Yc: none", " Yc: ")));
 }
 
 TEST(Batch, PartsHoldEachCaseOnceAndGetSmaller) {

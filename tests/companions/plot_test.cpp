@@ -5,7 +5,10 @@
 #include "companions/plot/page.h"
 #include "companions/plot/plot.h"
 #include "companions/plot/survey.h"
+#include "companions/shared/captured_run.h"
 #include "companions/shared/direct_line.h"
+#include "store/rundata.h"
+#include "store/solvedata.h"
 #include "support/child.h"
 #include "support/description.h"
 #include "support/scratch.h"
@@ -79,6 +82,24 @@ TEST(Page, IsNoFileThatItIsMadeFrom) {
   }
   EXPECT_EQ(plotted(sources[1], curve), 2);
   for (const auto& source : sources) EXPECT_EQ(plotted(source, scratch.file("page")), 0);
+}
+
+// The sheaths of these cables are kept; their sequence values are those with the sheaths grounded.
+TEST(Page, SequencesLeaveTheRunAsItWas) {
+  lcp::RUNDATA.resetInput();
+  readHere(CORVO_TEST_DATA "/../examples/singlecore.cbi", 1e4);
+  auto& D = lcp::RUNDATA.display;
+  D.VBASEDISP = 220;
+  D.MVABASEDISP = 100;
+  const LinePoint before = constantsOf(D.DISPFREQ);
+  const Json rows = sequencesOf(1e4);
+  ASSERT_EQ(rows.size(), 4U); // two of them corrected for the length
+  EXPECT_NEAR(rows[0][1].get<double>() / rows[0][5].get<double>(), 10, 1e-12); // ohm and ohm/km
+  EXPECT_EQ(D.VBASEDISP, 220);
+  EXPECT_EQ(D.MVABASEDISP, 100);
+  EXPECT_EQ(lcp::companions::lineOrder(), before.Z.rows);
+  EXPECT_EQ(lcp::SOLVEDATA.first.ZMAT(1, 1), before.Z(0, 0));
+  EXPECT_EQ(constantsOf(D.DISPFREQ).Z.elements, before.Z.elements);
 }
 
 TEST(Page, NamesEndNoBlock) {

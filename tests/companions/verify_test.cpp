@@ -1,6 +1,7 @@
 // The companion that compares a model file with the line: its readers against the files of the
 // whole runs, its scans and its passivity against closed forms, its errors against those that the
 // program prints.
+#include "base/constants.h"
 #include "companions/shared/adaptive_scan.h"
 #include "companions/shared/captured_run.h"
 #include "companions/shared/direct_line.h"
@@ -13,7 +14,6 @@
 #include "support/scratch.h"
 #include "support/whole_run.h"
 
-#include <array>
 #include <cmath>
 #include <filesystem>
 #include <fmt/format.h>
@@ -37,7 +37,7 @@ Matrix oneByOne(Complex z) {
 // is that network, whose real part at w is D + R a / (w^2 + a^2).
 ModelFile networkOf(double D, double R, double a) {
   ModelFile file;
-  file.kind = ModelKind::PHASE;
+  file.kind = lcp::ModelKind::Phase;
   file.n = 1;
   file.Yc = {oneByOne(D), {}, {-a}, {oneByOne(R)}};
   file.H = {{1e-3}, {{{}, {}, {-1.0}, {oneByOne(0)}}}};
@@ -48,7 +48,7 @@ ModelFile networkOf(double D, double R, double a) {
 
 // What the file of a whole run begins with is read to its end, and no part of it is.
 TEST(ModelFiles, OfAllKindsAreReadToTheirEnds) {
-  std::array<int, 6> kinds{};
+  std::map<lcp::ModelKind, int> kinds;
   for (const auto& entry :
        std::filesystem::recursive_directory_iterator(CORVO_TEST_DATA "/cases")) {
     const auto extension = entry.path().extension();
@@ -69,10 +69,11 @@ TEST(ModelFiles, OfAllKindsAreReadToTheirEnds) {
         EXPECT_NE(parseModelFile(part).trouble, "") << k;
       }
     }
-    ++kinds[static_cast<std::size_t>(file.kind)];
+    ++kinds[file.kind];
   }
-  for (const auto kind : {ModelKind::PI, ModelKind::BERGERON, ModelKind::MODE, ModelKind::MFDTD})
-    EXPECT_GT(kinds[static_cast<std::size_t>(kind)], 0) << nameOf(kind);
+  for (const auto kind :
+       {lcp::ModelKind::Pi, lcp::ModelKind::Bergeron, lcp::ModelKind::Mode, lcp::ModelKind::Mfdtd})
+    EXPECT_GT(kinds[kind], 0) << nameOf(kind);
   for (const char* text :
        {"", "! only\n", "Fre-Phase  3\n", "Fre-Dep  1\n", "MFDTD  1 **\n", "   x\n"})
     EXPECT_NE(parseModelFile(text).trouble, "") << text;
@@ -105,7 +106,7 @@ TEST(Passivity, OfALumpedNetworkIsKnown) {
   F.FEND = 1e5;
   F.NFINC = 50;
   const double D = 1e-3, a = 2000, R = 8;
-  const double edge = std::sqrt(R * a / D - a * a) / 6.283185307179586;
+  const double edge = std::sqrt(R * a / D - a * a) / lcp::TWOPI;
   const auto good = phasePassivity(networkOf(D, R, a), {});
   ASSERT_EQ(good.size(), 1U);
   EXPECT_EQ(good[0].verdict, Verdict::GOOD);
