@@ -1,18 +1,33 @@
 #include "fit/scaled_columns.h"
 
+#include "base/register_widths.h"
+
 #include <cmath>
 
 namespace lcp {
 
-void scaleColumns(RView A, int m, int n, ColumnReals& SCALE) {
-  for (int c = 1; c <= n; ++c) {
-    double* a = A.column(c);
-    double sum = 0;
-    for (int r = 0; r < m; ++r) sum += a[r] * a[r];
-    const double e = sum == 0 ? 1.0 : std::sqrt(sum);
-    for (int r = 0; r < m; ++r) a[r] /= e;
+namespace {
+
+// C columns a sweep, each summed in its own order.
+template <int C> void scale(double* a, std::ptrdiff_t ld, int m, double* SCALE) {
+  double sums[C] = {};
+  for (int r = 0; r < m; ++r) {
+    for (int c = 0; c < C; ++c) sums[c] += a[c * ld + r] * a[c * ld + r];
+  }
+  for (int c = 0; c < C; ++c) {
+    const double e = sums[c] == 0 ? 1.0 : std::sqrt(sums[c]);
+    for (int r = 0; r < m; ++r) a[c * ld + r] /= e;
     SCALE[c] = e;
   }
+}
+
+} // namespace
+
+LCP_WIDTHS("avx2") void scaleColumns(RView A, int m, int n, ColumnReals& SCALE) {
+  constexpr int COLUMNS = 4;
+  int c = 1;
+  for (; c + COLUMNS - 1 <= n; c += COLUMNS) scale<COLUMNS>(A.column(c), A.ld, m, &SCALE[c]);
+  for (; c <= n; ++c) scale<1>(A.column(c), A.ld, m, &SCALE[c]);
 }
 
 void unscaleRows(RView X, int n, int nrhs, const ColumnReals& SCALE) {
