@@ -81,19 +81,30 @@ void Elimination(benchmark::State& state) {
 }
 BENCHMARK(Elimination)->Arg(4)->Arg(13)->Arg(49);
 
-// One Newton step of a mode, and what is done once a frequency for all modes.
+// One Newton step of as many modes as there are lanes, and what is done once a frequency.
 void BorderedStep(benchmark::State& state) {
   static LineMatrix A;
   static BorderedMatrix M;
-  ModeComplex x;
-  BorderedVector d, r;
+  static BorderedSystems S;
+  static LaneVectors d;
+  bool solved[LANES];
   const int n = static_cast<int>(state.range(0));
   std::mt19937 random(1);
   fillRandom(A, n, n, random);
   reduce(M, A, n);
-  x.fill(1.0);
-  r.fill(0.1);
-  while (state.KeepRunning()) benchmark::DoNotOptimize(SOLVEBORDERED(d, M, 0.3, x.data(), 1, r));
+  for (int c = 0; c < LANES; ++c) {
+    S.used[c] = true;
+    S.p[c] = 1;
+    S.l.set(c, 0.3);
+    for (int i = 1; i <= n + 1; ++i) {
+      S.x[i].set(c, 1.0);
+      S.r[i].set(c, 0.1);
+    }
+  }
+  while (state.KeepRunning()) {
+    SOLVEBORDERED(d, solved, M, S);
+    benchmark::DoNotOptimize(d);
+  }
 }
 BENCHMARK(BorderedStep)->Arg(3)->Arg(12)->Arg(48);
 

@@ -26,10 +26,10 @@ constexpr int FEWPASSES = 3;
 using Samples = CurveMatrix<Complex, MAXFREQ>;
 
 double peakOf(const Samples& F, int NS) {
-  double peak = 0;
+  LargestModulus peak;
   for (int j = 1; j <= RUNDATA.line.NC; ++j) {
     for (int i = 1; i <= RUNDATA.line.NC; ++i) {
-      for (int k = 1; k <= NS; ++k) peak = std::max(peak, std::abs(F(k, i, j)));
+      for (int k = 1; k <= NS; ++k) peak.take(F(k, i, j));
     }
   }
   return peak;
@@ -38,12 +38,14 @@ double peakOf(const Samples& F, int NS) {
 // Largest deviation between the points, over the largest magnitude at them.
 double errorBetween(const MatrixFit& Q, const Samples& F, int N) {
   static ComplexCurve model;
-  double most = 0;
+  static PoleCurves u;
+  poleCurves(Q.P, N, BETWEEN.WFREQ, BETWEEN.NB, u);
+  LargestModulus most;
   for (int j = 1; j <= RUNDATA.line.NC; ++j) {
     for (int i = 1; i <= RUNDATA.line.NC; ++i) {
       const double E = Q.E == nullptr ? 0.0 : (*Q.E)(i, j);
-      partialFractionCurve(Q.P, Q.R(i, j), N, Q.D(i, j), E, BETWEEN.WFREQ, BETWEEN.NB, model);
-      for (int k = 1; k <= BETWEEN.NB; ++k) most = larger(most, std::abs(model[k] - F(k, i, j)));
+      partialFractionCurve(u, Q.R(i, j), N, Q.D(i, j), E, BETWEEN.WFREQ, BETWEEN.NB, model);
+      for (int k = 1; k <= BETWEEN.NB; ++k) most.take(model[k] - F(k, i, j));
     }
   }
   const double peak = peakOf(Q.F, SOLVEDATA.grid.NFUSE);

@@ -76,15 +76,8 @@ void addPole(int g, int m) {
 PhaseFit deviations() {
   PhaseFit fit{};
   for (int c = 1; c <= FITMODEL.NC; ++c) {
-    for (int r = 1; r <= FITMODEL.NC; ++r) {
-      double squares = 0;
-      for (int k = 1; k <= STORE.NS; ++k) {
-        const double e = std::abs(STORE.FIT(k, r, c) - STORE.H(k, r, c));
-        squares += e * e;
-        fit.MAXERR = larger(fit.MAXERR, e);
-      }
-      fit.RMSERR = larger(fit.RMSERR, std::sqrt(squares / STORE.NS));
-    }
+    for (int r = 1; r <= FITMODEL.NC; ++r)
+      countDeviation(fit, STORE.FIT.curve(r, c), STORE.H.curve(r, c), STORE.NS);
   }
   GroupInts leaders;
   fit.RATIO = POLERATIO(leaders);

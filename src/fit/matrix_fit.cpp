@@ -88,31 +88,27 @@ void takeSolution(const MatrixFit& Q, int N, int columns) {
 }
 
 void evaluateModel(const MatrixFit& Q, int NS, int N) {
+  static PoleCurves u;
   const FreqCurve& W = SOLVEDATA.grid.WFREQ;
   const int n = RUNDATA.line.NC;
+  poleCurves(Q.P, N, W, NS, u);
   for (int j = 1; j <= n; ++j) {
     for (int i = 1; i <= n; ++i) {
       const double E = Q.E == nullptr ? 0.0 : (*Q.E)(i, j);
-      for (int k = 1; k <= NS; ++k) Q.FIT(k, i, j) = Complex(Q.D(i, j), W[k] * E);
-    }
-  }
-  for (int m = 1; m <= N; ++m) {
-    poleCurve(Q.P[m], W, NS, phi);
-    for (int j = 1; j <= n; ++j) {
-      for (int i = 1; i <= n; ++i) addTimes(Q.R(i, j)[m], phi, NS, Q.FIT.curve(i, j));
+      partialFractionCurve(u, Q.R(i, j), N, Q.D(i, j), E, W, NS, Q.FIT.curve(i, j));
     }
   }
 }
 
 double relativeError(const MatrixFit& Q, int NS) {
-  double err = 0.0, f = 0.0;
+  LargestModulus err, f;
   for (int j = 1; j <= RUNDATA.line.NC; ++j) {
     for (int i = 1; i <= RUNDATA.line.NC; ++i) {
       const ComplexCurve& model = Q.FIT.curve(i, j);
       const ComplexCurve& F = Q.F.curve(i, j);
       for (int k = 1; k <= NS; ++k) {
-        err = larger(err, std::abs(model[k] - F[k]));
-        f = std::max(f, std::abs(F[k]));
+        err.take(model[k] - F[k]);
+        f.take(F[k]);
       }
     }
   }

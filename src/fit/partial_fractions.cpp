@@ -1,6 +1,7 @@
 #include "fit/partial_fractions.h"
 
 #include "base/console.h"
+#include "base/register_widths.h"
 
 #include <algorithm>
 
@@ -40,6 +41,7 @@ Complex basisFunction(const PoleTable& P, const PoleClasses& CINDEX, int m, Comp
   }
 }
 
+LCP_WIDTHS("avx2")
 void basisCurve(const PoleTable& P, const PoleClasses& CINDEX, int m, const FreqCurve& WFREQ,
                 int NS, ComplexCurve& phi) {
   const Complex p = P[CINDEX[m] == PAIRSECOND ? m - 1 : m];
@@ -93,20 +95,55 @@ Complex partialFractions(const PoleTable& P, const PoleTable& R, int N, double D
   return F;
 }
 
+namespace {
+
+void asymptotes(double D, double E, const FreqCurve& WFREQ, int NS, ComplexCurve& F) {
+  for (int k = 1; k <= NS; ++k) F[k] = Complex(D, WFREQ[k] * E);
+}
+
+// F + R1 u1 + R2 u2 + ..., C terms a sweep.
+template <int C> void addTerms(const Complex* R, const ComplexCurve* u, int NS, ComplexCurve& F) {
+  Complex r[C];
+  std::copy_n(R, C, r);
+  for (int k = 0; k < NS; ++k) {
+    Complex sum = F.steps[k];
+    for (int c = 0; c < C; ++c) sum += r[c] * u[c].steps[k];
+    F.steps[k] = sum;
+  }
+}
+
+} // namespace
+
+LCP_WIDTHS("avx2")
 void partialFractionCurve(const PoleTable& P, const PoleTable& R, int N, double D, double E,
                           const FreqCurve& WFREQ, int NS, ComplexCurve& F) {
-  for (int k = 1; k <= NS; ++k) F[k] = Complex(D, WFREQ[k] * E);
+  asymptotes(D, E, WFREQ, NS, F);
   for (int m = 1; m <= N; ++m) {
     for (int k = 1; k <= NS; ++k) F[k] += R[m] * poleTerm(Complex(0, WFREQ[k]), P[m]);
   }
 }
 
+LCP_WIDTHS("avx2")
 void poleCurve(Complex p, const FreqCurve& WFREQ, int NS, ComplexCurve& u) {
   for (int k = 1; k <= NS; ++k) u[k] = poleTerm(Complex(0, WFREQ[k]), p);
 }
 
-void addTimes(Complex R, const ComplexCurve& u, int NS, ComplexCurve& F) {
-  for (int k = 1; k <= NS; ++k) F[k] += R * u[k];
+LCP_WIDTHS("avx2") void addTimes(Complex R, const ComplexCurve& u, int NS, ComplexCurve& F) {
+  addTerms<1>(&R, &u, NS, F);
+}
+
+void poleCurves(const PoleTable& P, int N, const FreqCurve& WFREQ, int NS, PoleCurves& u) {
+  for (int m = 1; m <= N; ++m) poleCurve(P[m], WFREQ, NS, u[m]);
+}
+
+LCP_WIDTHS("avx2")
+void partialFractionCurve(const PoleCurves& u, const PoleTable& R, int N, double D, double E,
+                          const FreqCurve& WFREQ, int NS, ComplexCurve& F) {
+  constexpr int TERMS = 4;
+  asymptotes(D, E, WFREQ, NS, F);
+  int m = 1;
+  for (; m + TERMS - 1 <= N; m += TERMS) addTerms<TERMS>(&R[m], &u[m], NS, F);
+  for (; m <= N; ++m) addTerms<1>(&R[m], &u[m], NS, F);
 }
 
 } // namespace lcp

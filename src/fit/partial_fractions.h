@@ -66,9 +66,15 @@ Complex partialFractions(const PoleTable& P, const PoleTable& R, int N, double D
 void partialFractionCurve(const PoleTable& P, const PoleTable& R, int N, double D, double E,
                           const FreqCurve& WFREQ, int NS, ComplexCurve& F);
 
-// Its two steps, for models with many elements over the same poles: u = 1 / (j w - p), once for a
-// pole, and F + R u, once for an element.
+// Its steps, for models with many elements over the same poles: u = 1 / (j w - p), once for a pole,
+// and F + R u, once for an element.
 void poleCurve(Complex p, const FreqCurve& WFREQ, int NS, ComplexCurve& u);
 void addTimes(Complex R, const ComplexCurve& u, int NS, ComplexCurve& F);
+
+// All poles at once.
+using PoleCurves = Table<ComplexCurve, MAXPOLES>;
+void poleCurves(const PoleTable& P, int N, const FreqCurve& WFREQ, int NS, PoleCurves& u);
+void partialFractionCurve(const PoleCurves& u, const PoleTable& R, int N, double D, double E,
+                          const FreqCurve& WFREQ, int NS, ComplexCurve& F);
 
 } // namespace lcp

@@ -21,6 +21,7 @@
 #include "base/big_store.h"
 #include "base/constants.h"
 #include "base/finite.h"
+#include "base/register_widths.h"
 #include "fit/dc_values.h"
 #include "fit/fitted_curves.h"
 #include "fit/partial_fractions.h"
@@ -40,6 +41,11 @@ constexpr double NORESIDUE = 1e-20;  // magnitude up to which a residue counts a
 constexpr double IMAGZERO = 1e-20;   // imaginary part, rad/s, up to which a first pole can close
 constexpr double RATIOMARGIN = 1.1;  // by which a ratio must lead to take the place of another
 constexpr double CLOSINGPOLE = -PI;  // rad/s
+
+// Elements whose models are summed together, and numbers of each that a sweep over the basis holds
+// in registers.
+constexpr int ELEMENTS = 4;
+constexpr int WIDTH = 2 * LANES;
 
 // What a problem stands in, without gaps: mapped for the largest so far.
 struct PhaseProblem {
@@ -71,8 +77,8 @@ struct Problem {
 };
 
 Table<PoleClasses, NGMAX> CINDEX;
-ColumnReals atZero; // phi_q(0)
-ColumnReals x;      // unknowns of one element, and the residue of the closing pole
+ColumnReals atZero;             // phi_q(0)
+ColumnReals unknowns[ELEMENTS]; // and the residues of the closing pole
 ColumnReals SCALE;
 ComplexCurve lag, curve;
 
@@ -93,7 +99,7 @@ Problem layProblem(const PhaseSamples& Q, int DCTYPE) {
   p.constrained = DCTYPE == DCCONSTRAINED;
   for (int g = 1; g <= FITMODEL.NGROUP; ++g) p.poles += FITMODEL.NH[g];
   p.unknowns = p.poles - (p.closing > 0 ? 1 : 0);
-  p.basis = roomFor(STORE.basis, p.NS, p.poles);
+  p.basis = roomFor(STORE.basis, (2 * p.NS + WIDTH - 1) / WIDTH * WIDTH / 2, p.poles);
   p.A = roomFor(STORE.A, 2 * p.NS, p.unknowns);
   p.B = roomFor(STORE.B, std::max(2 * p.NS, p.unknowns), FITMODEL.NC * FITMODEL.NC);
   return p;
@@ -184,7 +190,8 @@ void solve(const Problem& p, bool SVDFLAG) {
 }
 
 // x from the solution of an element.
-void takeUnknowns(const Problem& p, int element, const RealMatrix* HDC, int r, int c) {
+void takeUnknowns(const Problem& p, int element, const RealMatrix* HDC, int r, int c,
+                  ColumnReals& x) {
   const double* solution = p.B.column(element);
   double sum = 0;
   for (int q = 1; q <= p.poles; ++q) {
@@ -194,8 +201,8 @@ void takeUnknowns(const Problem& p, int element, const RealMatrix* HDC, int r, i
   if (p.closing > 0) x[p.closing] = p.a * (sum - (*HDC)(r, c));
 }
 
-void storeResidues(int r, int c) {
-  double* first = x.data();
+void storeResidues(const ColumnReals& x, int r, int c) {
+  const double* first = x.data();
   for (int g = 1; g <= FITMODEL.NGROUP; ++g) {
     const int NH = FITMODEL.NH[g];
     residuesOf(CINDEX[g], NH, RConstView(first, MAXPOLES), 1, FITMODEL.HRES[g](r, c));
@@ -203,34 +210,46 @@ void storeResidues(int r, int c) {
   }
 }
 
-void addDeviation(const Problem& p, const ComplexCurve& H, ComplexCurve& M, PhaseFit& fit) {
-  std::fill_n(M.steps, p.NS, Complex());
-  int q = 1;
-  for (; q + 3 <= p.poles; q += 4) { // four terms a sweep, in the order of the sum
-    const Complex *b = p.basis.column(q), *c = b + p.NS, *d = c + p.NS, *e = d + p.NS;
-    const double xb = x[q], xc = x[q + 1], xd = x[q + 2], xe = x[q + 3];
-    for (int k = 0; k < p.NS; ++k)
-      M.steps[k] = (((M.steps[k] + xb * b[k]) + xc * c[k]) + xd * d[k]) + xe * e[k];
+// sums(e) = sum over q of x(e,q) b_q, terms in order; b_q at WIDTH numbers, ld numbers apart.
+void sumTerms(const double* b, std::ptrdiff_t ld, int poles, double (&sums)[ELEMENTS][WIDTH]) {
+  Lanes s[ELEMENTS][2] = {};
+  for (int q = 1; q <= poles; ++q, b += ld) {
+    const Lanes first = {b[0], b[1], b[2], b[3]}, second = {b[4], b[5], b[6], b[7]};
+    for (int e = 0; e < ELEMENTS; ++e) {
+      s[e][0] += unknowns[e][q] * first;
+      s[e][1] += unknowns[e][q] * second;
+    }
   }
-  for (; q <= p.poles; ++q) {
-    const Complex* b = p.basis.column(q);
-    for (int k = 0; k < p.NS; ++k) M.steps[k] += x[q] * b[k];
+  for (int e = 0; e < ELEMENTS; ++e) {
+    for (int i = 0; i < WIDTH; ++i) sums[e][i] = s[e][i / LANES][i % LANES];
   }
-  double squares = 0;
-  for (int k = 1; k <= p.NS; ++k) {
-    const double e = std::abs(M[k] - H[k]);
-    squares += e * e;
-    fit.MAXERR = larger(fit.MAXERR, e);
+}
+
+// The model of the elements in rows r to r + count - 1 of column c. The basis has room for whole
+// sweeps.
+LCP_WIDTHS("avx2") void evaluateModel(const Problem& p, int r, int c, int count) {
+  const double* basis = reinterpret_cast<const double*>(p.basis.first);
+  double sums[ELEMENTS][WIDTH];
+  for (int at = 0; at < 2 * p.NS; at += WIDTH) {
+    sumTerms(basis + at, 2 * static_cast<std::ptrdiff_t>(p.basis.ld), p.poles, sums);
+    for (int e = 0; e < count; ++e) {
+      double* M = reinterpret_cast<double*>(p.Q.FIT.curve(r + e, c).steps);
+      std::copy_n(sums[e], std::min(WIDTH, 2 * p.NS - at), M + at);
+    }
   }
-  fit.RMSERR = larger(fit.RMSERR, std::sqrt(squares / p.NS));
 }
 
 void takeElements(const Problem& p, const RealMatrix* HDC, PhaseFit& fit) {
   for (int c = 1; c <= FITMODEL.NC; ++c) {
-    for (int r = 1; r <= FITMODEL.NC; ++r) {
-      takeUnknowns(p, elementNumber(r, c), HDC, r, c);
-      storeResidues(r, c);
-      addDeviation(p, p.Q.H.curve(r, c), p.Q.FIT.curve(r, c), fit);
+    for (int r = 1; r <= FITMODEL.NC; r += ELEMENTS) {
+      const int count = std::min(ELEMENTS, FITMODEL.NC + 1 - r);
+      for (int e = 0; e < count; ++e) {
+        takeUnknowns(p, elementNumber(r + e, c), HDC, r + e, c, unknowns[e]);
+        storeResidues(unknowns[e], r + e, c);
+      }
+      evaluateModel(p, r, c, count);
+      for (int e = 0; e < count; ++e)
+        countDeviation(fit, p.Q.FIT.curve(r + e, c), p.Q.H.curve(r + e, c), p.NS);
     }
   }
 }
@@ -245,6 +264,23 @@ void dropPolesWithoutResidue() {
 }
 
 } // namespace
+
+void countDeviation(PhaseFit& fit, const ComplexCurve& M, const ComplexCurve& H, int NS) {
+  double squares = 0, most = 0;
+  for (int k = 1; k <= NS; ++k) {
+    const double square = std::norm(M[k] - H[k]);
+    squares += square;
+    most = std::max(most, square);
+  }
+  if (squares < NS * squareBelow(fit.RMSERR) && most < squareBelow(fit.MAXERR)) return;
+  squares = 0;
+  for (int k = 1; k <= NS; ++k) {
+    const double e = std::abs(M[k] - H[k]);
+    squares += e * e;
+    fit.MAXERR = larger(fit.MAXERR, e);
+  }
+  fit.RMSERR = larger(fit.RMSERR, std::sqrt(squares / NS));
+}
 
 PhaseFit HPHASEFIT(int DCTYPE, const RealMatrix* HDC, bool SVDFLAG) {
   const FrequencyGrid& G = SOLVEDATA.grid;

@@ -11,6 +11,10 @@ struct PhaseFit {
   double RATIO;  // largest |residue / pole| of a real pole, within 10 per cent
 };
 
+// Counts the deviation of an element's model M from H over NS frequencies.
+void countDeviation(PhaseFit& fit, const Curve<Complex, MAXFREQ>& M,
+                    const Curve<Complex, MAXFREQ>& H, int NS);
+
 // Samples of H at NS frequencies with their weights, and where the model at them goes.
 struct PhaseSamples {
   int NS;

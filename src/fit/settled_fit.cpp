@@ -47,16 +47,16 @@ constexpr int FIELD = 40;  // more characters than one takes
 ComplexCurve curve;
 
 double largestOf(const ComplexCurve& F, int n) {
-  double most = 0;
-  for (int k = 1; k <= n; ++k) most = std::max(most, std::abs(F[k]));
+  LargestModulus most;
+  for (int k = 1; k <= n; ++k) most.take(F[k]);
   return most;
 }
 
 double deviation(const FreqCurve& W, const ComplexCurve& F, int n, const PoleTable& P,
                  const PoleTable& R, int N, double D) {
-  double most = 0;
+  LargestModulus most;
   partialFractionCurve(P, R, N, D, 0.0, W, n, curve);
-  for (int k = 1; k <= n; ++k) most = larger(most, std::abs(curve[k] - F[k]));
+  for (int k = 1; k <= n; ++k) most.take(curve[k] - F[k]);
   return most;
 }
 

@@ -11,8 +11,9 @@
 // where the processor has them; the bits of the results are the same. Vectors with a stride other
 // than 1 take the plain path. Arguments are trusted: LAPACK is the only caller.
 //
-// Beside them stands what LAPACK's objects ask of the Fortran run time, so that it need not be
-// linked: its error exit, and the joining of two texts (options of a block size query).
+// Beside them stands what LAPACK's objects ask for by the thousand, letters compared without their
+// case and the properties of the arithmetic, and what they ask of the Fortran run time, so that it
+// need not be linked: its error exit, and the joining of two texts (options of a block size query).
 #include "base/console.h"
 #include "base/register_widths.h"
 #include "base/stop.h"
@@ -21,6 +22,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstring>
+#include <limits>
 #include <string_view>
 
 namespace {
@@ -104,6 +106,8 @@ void productsInto(int m, int n, double alpha, const double* a, std::ptrdiff_t ld
     *y += alpha * sums[0];
   }
 }
+
+char upper(char c) { return static_cast<char>(c >= 'a' && c <= 'z' ? c - 'a' + 'A' : c); }
 
 // Squares between these bounds lose nothing to the ends of the range of numbers.
 constexpr double LEASTSQUARES = 1e-280;
@@ -189,6 +193,28 @@ LCP_WIDTHS("avx2") double dnrm2_(const int* n, const double* x, const int* incx)
   }
   const bool safe = sums[0] > LEASTSQUARES && sums[0] < MOSTSQUARES;
   return safe ? std::sqrt(sums[0]) : scaledLength(from, *n, *incx);
+}
+
+int lsame_(const char* a, const char* b, std::size_t, std::size_t) {
+  return upper(*a) == upper(*b);
+}
+
+// The unit is that of rounding: half the distance from 1 to the next number.
+double dlamch_(const char* what, std::size_t) {
+  using Limits = std::numeric_limits<double>;
+  switch (upper(*what)) {
+  case 'E': return Limits::epsilon() / 2;
+  case 'S': return Limits::min(); // its reciprocal does not overflow
+  case 'B': return Limits::radix;
+  case 'P': return Limits::epsilon();
+  case 'N': return Limits::digits;
+  case 'R': return 1;
+  case 'M': return Limits::min_exponent;
+  case 'U': return Limits::min();
+  case 'L': return Limits::max_exponent;
+  case 'O': return Limits::max();
+  default: return 0;
+  }
 }
 
 // A wrong argument of a LAPACK routine is a fault of this program.

@@ -8,17 +8,18 @@
 // Of column k only three rows take part in the elimination: the one at hand, row k + 1, and the
 // border. The largest of their elements is the pivot, the other two rows go on. The matrix is that
 // of the original system times unitary ones, and so is as near to singular.
+// Lanes differ in their pivots alone, which rows exchanged by lane bring to the same place.
 #include "kernels/bordered_system.h"
 
 #include "kernels/hyperbolic.h"
 #include "kernels/inversion.h"
 #include "kernels/lapack.h"
+#include "kernels/matrix_kernels.h"
 
 #include <algorithm>
 #include <cmath>
 #include <complex>
 #include <limits>
-#include <utility>
 
 namespace lcp {
 
@@ -29,120 +30,117 @@ namespace {
 // within two decades of the limit is handed over.
 constexpr double ROUNDINGLIMIT = 1e-3;
 
-// A row of the reduced system with its right sides behind it, those of the step and of the probe;
-// real and imaginary parts apart.
+// A row of the reduced systems with its right sides behind it, those of the step and of the probe.
 struct Row {
-  double re[BORDERED + 2];
-  double im[BORDERED + 2];
+  ComplexLanes elements[BORDERED + 2];
 
-  Complex operator()(int j) const { return {re[j - 1], im[j - 1]}; }
-  void set(int j, Complex z) {
-    re[j - 1] = z.real();
-    im[j - 1] = z.imag();
-  }
+  ComplexLanes& operator[](int j) { return elements[j - 1]; }
+  const ComplexLanes& operator[](int j) const { return elements[j - 1]; }
 };
 
-struct Rows {
-  Row store[BORDERED];
-  Table<Row*, BORDERED> order; // as the pivots order them
-};
-
-void fillRows(Rows& R, const BorderedMatrix& M, Complex l, const Complex* x, int p,
-              const BorderedVector& r) {
+// Row i of H - l I with its right sides. The zeros of H on the left are nowhere read.
+void fillRow(Row& row, const BorderedMatrix& M, const ComplexLanes& l, const LaneVectors& xq,
+             const LaneVectors& rq, int i) {
   const int n = M.n;
-  ModeComplex xq, rq;
-  multiply(xq.data(), M.toReduced, x);
-  multiply(rq.data(), M.toReduced, r.data());
-  for (int i = 1; i <= n + 1; ++i) R.order[i] = &R.store[i - 1];
-  for (int i = 1; i <= n; ++i) {
-    Row& row = *R.order[i];
-    const int before = std::max(i - 2, 0); // zeros of H on the left
-    std::copy(M.Hre[i - 1] + before, M.Hre[i - 1] + n, row.re + before);
-    std::copy(M.Him[i - 1] + before, M.Him[i - 1] + n, row.im + before);
-    row.set(i, row(i) - l);
-    row.set(n + 1, -xq[i]);
-    row.set(n + 2, rq[i]);
-    row.set(n + 3, M.probe[i]);
+  for (int j = std::max(i - 1, 1); j <= n; ++j) row[j].fill(M.H[i - 1][j - 1]);
+  row[i] = row[i] - l;
+  row[n + 1] = -xq[i];
+  row[n + 2] = rq[i];
+  row[n + 3].fill(M.probe[i]);
+}
+
+void fillBorder(Row& border, const BorderedMatrix& M, const BorderedSystems& S) {
+  const int n = M.n;
+  for (int j = 1; j <= n; ++j) {
+    for (int c = 0; c < LANES; ++c) border[j].set(c, M.Q(S.p[c], j));
   }
-  Row& border = *R.order[n + 1];
-  for (int j = 1; j <= n; ++j) border.set(j, M.Q(p, j));
-  border.set(n + 1, 0.0);
-  border.set(n + 2, r[n + 1]);
-  border.set(n + 3, M.probe[n + 1]);
+  border[n + 1].fill(0.0);
+  border[n + 2] = S.r[n + 1];
+  border[n + 3].fill(M.probe[n + 1]);
 }
 
-// v = v - f u in the columns from k to m.
-void subtract(Row& v, const Row& u, Complex f, int k, int m) {
-  double* __restrict vre = v.re;
-  double* __restrict vim = v.im;
-  const double re = f.real(), im = f.imag();
-  for (int j = k - 1; j < m; ++j) {
-    vre[j] -= u.re[j] * re - u.im[j] * im;
-    vim[j] -= u.re[j] * im + u.im[j] * re;
+// Takes the rows below out of column k, as far as column m. The largest element of the column
+// becomes the pivot, its reciprocal takes its place.
+template <int B> void eliminateColumn(Row& row, Row* const (&below)[B], int k, int m) {
+  ComplexLanes factor[B];
+  LaneChoice larger[B];
+  ComplexLanes pivot = row[k];
+  for (int b = 0; b < B; ++b) {
+    factor[b] = (*below[b])[k];
+    const ComplexLanes size = magnitudes(factor[b]), best = magnitudes(pivot);
+    larger[b] = size.re + size.im > best.re + best.im;
+    exchange(pivot, factor[b], larger[b]);
   }
-}
-
-// Brings the row with the larger element in column k to the place k.
-void choosePivot(Rows& R, int k, int other) {
-  if (L1MAG((*R.order[other])(k)) > L1MAG((*R.order[k])(k))) std::swap(R.order[other], R.order[k]);
-}
-
-// Upper triangular form, the reciprocals of the pivots on its diagonal.
-void eliminate(Rows& R, int n) {
-  for (int k = 1; k <= n + 1; ++k) {
-    if (k < n) choosePivot(R, k, k + 1);
-    if (k <= n) choosePivot(R, k, n + 1);
-    Row& u = *R.order[k];
-    const Complex inverse = 1.0 / u(k);
-    u.set(k, inverse);
-    if (k < n) subtract(*R.order[k + 1], u, (*R.order[k + 1])(k)*inverse, k + 1, n + 3);
-    if (k <= n) subtract(*R.order[n + 1], u, (*R.order[n + 1])(k)*inverse, k + 1, n + 3);
-  }
-}
-
-// Solves the triangular form for the right side in a column.
-void substitute(BorderedVector& q, const Rows& R, int column, int n) {
-  double qre[BORDERED], qim[BORDERED];
-  for (int k = n + 1; k >= 1; --k) {
-    const Row& u = *R.order[k];
-    double rere = 0.0, imim = 0.0, reim = 0.0, imre = 0.0;
-    for (int j = k; j <= n; ++j) {
-      rere += u.re[j] * qre[j];
-      imim += u.im[j] * qim[j];
-      reim += u.re[j] * qim[j];
-      imre += u.im[j] * qre[j];
+  row[k] = reciprocal(pivot);
+  for (ComplexLanes& f : factor) f = f * row[k];
+  for (int j = k + 1; j <= m; ++j) {
+    ComplexLanes u = row[j], v[B];
+    for (int b = 0; b < B; ++b) {
+      v[b] = (*below[b])[j];
+      exchange(u, v[b], larger[b]);
     }
-    q[k] = (u(column) - Complex(rere - imim, reim + imre)) * u(k);
-    qre[k - 1] = q[k].real();
-    qim[k - 1] = q[k].imag();
+    row[j] = u;
+    for (int b = 0; b < B; ++b) (*below[b])[j] = v[b] - factor[b] * u;
   }
+}
+
+// Solves the triangular form for both right sides.
+void substitute(LaneVectors& step, LaneVectors& probe, const Row* rows, int n) {
+  for (int k = n + 1; k >= 1; --k) {
+    const Row& u = rows[k - 1];
+    SumOfProducts s, p;
+    for (int j = k + 1; j <= n + 1; ++j) {
+      s.add(u[j], step[j]);
+      p.add(u[j], probe[j]);
+    }
+    step[k] = (u[n + 2] - s.total()) * u[k];
+    probe[k] = (u[n + 3] - p.total()) * u[k];
+  }
+}
+
+// The solutions of the reduced systems, for the step and for the probe.
+LCP_WIDTHS("avx2")
+void solveReduced(LaneVectors& q, LaneVectors& probe, const BorderedMatrix& M,
+                  const BorderedSystems& S, const LaneVectors& xq, const LaneVectors& rq) {
+  static Row rows[BORDERED];
+  const int n = M.n;
+  Row& border = rows[n];
+  fillBorder(border, M, S);
+  fillRow(rows[0], M, S.l, xq, rq, 1);
+  for (int k = 1; k < n; ++k) {
+    fillRow(rows[k], M, S.l, xq, rq, k + 1);
+    eliminateColumn<2>(rows[k - 1], {&rows[k], &border}, k, n + 3);
+  }
+  eliminateColumn<1>(rows[n - 1], {&border}, n, n + 3);
+  border[n + 1] = reciprocal(border[n + 1]);
+  substitute(q, probe, rows, n);
 }
 
 // The length of the inverse times a vector of elements of modulus 1 without pattern is as a rule
 // within a decade of the norm of the inverse. False also for NaN.
-bool farFromSingular(const Rows& R, const BorderedMatrix& M) {
+bool farFromSingular(const BorderedMatrix& M, double square) {
   constexpr double eps = std::numeric_limits<double>::epsilon();
-  BorderedVector q;
-  substitute(q, R, M.n + 3, M.n);
-  double square = 0.0;
-  for (int i = 1; i <= M.n + 1; ++i) square += std::norm(q[i]);
   const double order = M.n + 1;
   return eps * order * order * M.largest * std::sqrt(square) < ROUNDINGLIMIT;
 }
 
-bool solveInFull(BorderedVector& d, const BorderedMatrix& M, Complex l, const Complex* x, int p,
-                 const BorderedVector& r) {
+// The system of lane c.
+bool solveInFull(LaneVectors& d, const BorderedMatrix& M, const BorderedSystems& S, int c) {
   static SquareStore<Complex, BORDERED> J;
+  static Table<Complex, BORDERED> r, x;
   const int border = M.n + 1;
   for (int j = 1; j <= M.n; ++j) {
     for (int i = 1; i <= M.n; ++i) J(i, j) = M.A(i, j);
-    J(j, j) -= l;
-    J(j, border) = -x[j - 1];
+    J(j, j) -= S.l.lane(c);
+    J(j, border) = -S.x[j].lane(c);
     J(border, j) = 0.0;
   }
   J(border, border) = 0.0;
-  J(border, p) = 1.0;
-  return SOLVEJD(d.data(), J, r.data(), border);
+  J(border, S.p[c]) = 1.0;
+  S.r.getLane(c, r.data(), border);
+  if (!SOLVEJD(x.data(), J, r.data(), border)) return false;
+  d.setLane(c, x.data(), border);
+  return true;
 }
 
 } // namespace
@@ -162,25 +160,27 @@ void reduce(BorderedMatrix& M, CConstView A, int n) {
   for (int j = 1; j <= n; ++j) {
     for (int i = 1; i <= n; ++i) {
       QH(i, j) = std::conj(M.Q(j, i));
-      M.Hre[i - 1][j - 1] = H(i, j).real();
-      M.Him[i - 1][j - 1] = H(i, j).imag();
+      M.H[i - 1][j - 1] = H(i, j);
     }
   }
   prepare(M.fromReduced, M.Q, n);
   prepare(M.toReduced, QH, n);
 }
 
-bool SOLVEBORDERED(BorderedVector& d, const BorderedMatrix& M, Complex l, const Complex* x, int p,
-                   const BorderedVector& r) {
-  static Rows R;
-  fillRows(R, M, l, x, p, r);
-  eliminate(R, M.n);
-  if (!farFromSingular(R, M)) return solveInFull(d, M, l, x, p, r);
-  BorderedVector q;
-  substitute(q, R, M.n + 2, M.n);
-  multiply(d.data(), M.fromReduced, q.data());
+void SOLVEBORDERED(LaneVectors& d, bool (&solved)[LANES], const BorderedMatrix& M,
+                   const BorderedSystems& S) {
+  static LaneVectors xq, rq, q, probe;
+  double squares[LANES];
+  multiply(xq, M.toReduced, S.x);
+  multiply(rq, M.toReduced, S.r);
+  solveReduced(q, probe, M, S, xq, rq);
+  sumOfSquares(squares, probe, M.n + 1);
+  multiply(d, M.fromReduced, q);
   d[M.n + 1] = q[M.n + 1];
-  return true;
+  for (int c = 0; c < LANES; ++c) {
+    if (!S.used[c]) continue;
+    solved[c] = farFromSingular(M, squares[c]) || solveInFull(d, M, S, c);
+  }
 }
 
 } // namespace lcp

@@ -1,5 +1,7 @@
 #include "kernels/least_squares.h"
 
+#include "base/register_widths.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -37,7 +39,7 @@ double work[WORKSIZE];
 constexpr double LEASTUNSCALED = 1e-290;
 constexpr double MOSTUNSCALED = 1e290;
 
-bool needsNoScaling(RView A, int m, int n) {
+LCP_WIDTHS("avx2") bool needsNoScaling(RView A, int m, int n) {
   constexpr int LANES = 4;
   double largest[LANES] = {};
   double sum[LANES] = {}; // a NaN shows in it

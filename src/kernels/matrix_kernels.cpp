@@ -1,14 +1,8 @@
-// A complex multiple of a column, y = y + a b, is with y, a as sequences of real and imaginary
-// parts
-//
-//   y = y + a Re b + (j a) Im b
-//
-// two real multiples without any exchange of parts, and rounds as the complex product does. The
-// columns j a are formed once for a whole matrix.
 #include "kernels/matrix_kernels.h"
 
 #include "base/finite.h"
 #include "kernels/hyperbolic.h"
+#include "kernels/lane_vectors.h"
 
 #include <algorithm>
 #include <cmath>
@@ -20,25 +14,7 @@ namespace {
 
 constexpr double NOLENGTH = 1e-30; // columns and elements up to this are left unscaled
 
-// Numbers behind each other in a column of a left factor of order n.
-constexpr std::ptrdiff_t width(int n) { return 2 * static_cast<std::ptrdiff_t>(n); }
-
-double* parts(Complex* z) { return reinterpret_cast<double*>(z); }
 const double* parts(const Complex* z) { return reinterpret_cast<const double*>(z); }
-
-// y = y + (columns j and j + 1 of the factor) (x1, x2), w numbers.
-void addTwoColumns(double* __restrict y, const double* a, const double* ja, Complex x1, Complex x2,
-                   std::ptrdiff_t w) {
-  const double r1 = x1.real(), i1 = x1.imag(), r2 = x2.real(), i2 = x2.imag();
-  for (std::ptrdiff_t i = 0; i < w; ++i)
-    y[i] = (y[i] + (a[i] * r1 + ja[i] * i1)) + (a[w + i] * r2 + ja[w + i] * i2);
-}
-
-void addColumn(double* __restrict y, const double* a, const double* ja, Complex x,
-               std::ptrdiff_t w) {
-  const double re = x.real(), im = x.imag();
-  for (std::ptrdiff_t i = 0; i < w; ++i) y[i] += a[i] * re + ja[i] * im;
-}
 
 extended squared(double x) { return static_cast<extended>(x) * x; }
 extended squared(Complex z) { return squared(z.real()) + squared(z.imag()); }
@@ -57,38 +33,23 @@ double withoutTrace(double x, double tolerance) { return std::fabs(x) <= toleran
 
 } // namespace
 
-void prepare(LeftFactor& F, CConstView A, int n) {
-  checkIndex(n, MAXINV);
-  F.n = n;
-  double* a = F.columns;
-  double* ja = F.turned;
+void multiply(Complex* y, CConstView A, const Complex* x, int n) {
+  std::fill_n(y, n, Complex(0));
   for (int j = 1; j <= n; ++j) {
-    const double* from = parts(A.column(j));
-    for (int i = 0; i < n; ++i) {
-      a[2 * i] = from[2 * i];
-      a[2 * i + 1] = from[2 * i + 1];
-      ja[2 * i] = -from[2 * i + 1];
-      ja[2 * i + 1] = from[2 * i];
-    }
-    a += width(n);
-    ja += width(n);
+    for (int i = 1; i <= n; ++i) y[i - 1] += A(i, j) * x[j - 1];
   }
-}
-
-void multiply(Complex* y, const LeftFactor& F, const Complex* x) {
-  const std::ptrdiff_t w = width(F.n);
-  double* sum = parts(y);
-  std::fill_n(sum, w, 0.0);
-  int j = 0;
-  for (; j + 1 < F.n; j += 2)
-    addTwoColumns(sum, F.columns + j * w, F.turned + j * w, x[j], x[j + 1], w);
-  if (j < F.n) addColumn(sum, F.columns + j * w, F.turned + j * w, x[j], w);
 }
 
 void CMATMUL(CView C, CConstView A, CConstView B, int n) {
   static LeftFactor F;
+  static LaneVectors x, y;
   prepare(F, A, n);
-  for (int j = 1; j <= n; ++j) multiply(C.column(j), F, B.column(j));
+  for (int j = 1; j <= n; j += LANES) {
+    const int count = std::min(LANES, n + 1 - j);
+    takeColumns(x, B, j, count, n);
+    multiply(y, F, x);
+    putColumns(C, j, y, count, n);
+  }
 }
 
 void COLNORM(CView B, CConstView A, int n) { unitColumns(B, A, n); }

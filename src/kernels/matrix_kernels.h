@@ -8,21 +8,11 @@
 
 namespace lcp {
 
-// The left factor of many products: its columns packed without gaps, and beside them the same
-// columns times j. A complex multiple of a column is then two real multiples over contiguous data.
-struct LeftFactor {
-  int n = 0;
-  double columns[2 * MAXINV * MAXINV];
-  double turned[2 * MAXINV * MAXINV];
-};
+// y = A x, each element summed in the order of the columns. y must not be x.
+void multiply(Complex* y, CConstView A, const Complex* x, int n);
 
-// Packs the corner of A; n up to MAXINV.
-void prepare(LeftFactor& F, CConstView A, int n);
-
-// y = A x. Each element is summed in the order of the columns. y must not be x.
-void multiply(Complex* y, const LeftFactor& F, const Complex* x);
-
-// C = A B, formed column by column; n up to MAXINV. C must be neither A nor B.
+// C = A B, formed by sweeps over several columns, each element summed in order; n up to MAXINV. C
+// must be neither A nor B.
 void CMATMUL(CView C, CConstView A, CConstView B, int n);
 
 // B = A with columns of unit Euclidean length; a column of length 1e-30 or less stays as it is.

@@ -12,10 +12,14 @@
 // J is regular at a simple eigenvalue, though A - l I is not. A step that would move an element of
 // x by more than 0.025, or l by more than 5 %, is shortened as a whole, so that a mode cannot jump
 // to a neighbour. Where J is singular l alone is moved, by 1 %.
+//
+// Each mode goes its own way; several of them go side by side, one a lane, and a lane whose mode
+// is done takes the next one.
 #include "modal/newton.h"
 
 #include "kernels/bordered_system.h"
 #include "kernels/hyperbolic.h"
+#include "kernels/matrix_kernels.h"
 
 #include <algorithm>
 #include <cmath>
@@ -25,20 +29,25 @@ namespace lcp {
 
 namespace {
 
-constexpr double CONVERGED = 1e-8;   // sum of the residuals of a solved mode
+constexpr double CONVERGED = 1e-8; // sum of the residuals of a solved mode
+constexpr double NEARCONVERGED =
+    1e-9;                            // relative; so near to it the moduli are summed as they round
 constexpr double VECTORSTEP = 0.025; // largest change of a vector element
-constexpr double EIGENSTEP = 0.05;   // largest relative change of an eigenvalue
-constexpr double RECOVERY = 1.01;    // change of an eigenvalue at a singular Jacobian
-constexpr double UNLIMITED = 1e30;   // no step is longer than its limit times this
+constexpr double SMALLSTEP = (1 - 1e-12) * VECTORSTEP * VECTORSTEP;
+constexpr double EIGENSTEP = 0.05; // largest relative change of an eigenvalue
+constexpr double RECOVERY = 1.01;  // change of an eigenvalue at a singular Jacobian
+constexpr double UNLIMITED = 1e30; // no step is longer than its limit times this
 
-// The eigenvalue problem of one frequency, and the mode that is being followed.
-struct Follower {
-  BorderedMatrix M; // the scaled matrix, for the Newton steps
-  LeftFactor A;     // ... and for the residuals
-  int p;            // element of the vector that is held at 1
-  Complex l;        // eigenvalue, scaled
-  ModeComplex x;    // vector
-  BorderedVector r; // residual
+// The eigenvalue problem of one frequency, and the modes that are being followed.
+struct Followers {
+  BorderedMatrix M;    // the scaled matrix, for the Newton steps
+  LeftFactor A;        // ... and for the residuals
+  BorderedSystems S;   // scaled eigenvalues, vectors, elements of them held at 1, residuals
+  LaneVectors product; // A x
+  double e[LANES];     // measure of the residual, the sum of the moduli
+  int mode[LANES];
+  int count[LANES];  // updates of the mode
+  bool moved[LANES]; // its vector is no longer the guess
 };
 
 double scaleByDiagonal(CView A, int n) {
@@ -51,50 +60,119 @@ double scaleByDiagonal(CView A, int n) {
   return s;
 }
 
-// Fills r and returns its measure, the sum of the moduli.
-double residual(Follower& F) {
-  const int n = F.M.n;
-  multiply(F.r.data(), F.A, F.x.data());
-  double e = 0.0;
-  for (int i = 1; i <= n; ++i) {
-    F.r[i] -= F.l * F.x[i];
-    e += std::abs(F.r[i]);
+// Lane c follows mode k, from its guess l and x.
+void begin(Followers& F, int c, int k, Complex l, const Complex* x, int p, const Complex* product) {
+  F.S.used[c] = true;
+  F.S.l.set(c, l);
+  F.S.x.setLane(c, x, F.M.n);
+  F.S.p[c] = p;
+  F.product.setLane(c, product, F.M.n);
+  F.mode[c] = k;
+  F.count[c] = 0;
+  F.moved[c] = false;
+}
+
+// Lanes without a mode hold zeros.
+void clearLanes(Followers& F) {
+  const ModeComplex zeros;
+  for (int c = 0; c < LANES; ++c) {
+    begin(F, c, 0, 0.0, zeros.data(), 1, zeros.data());
+    F.S.used[c] = false;
   }
-  F.r[n + 1] = F.x[F.p] - 1.0;
-  return e + std::abs(F.r[n + 1]);
+}
+
+double exactMeasure(const LaneVectors& r, int c, int n) {
+  double e = 0.0;
+  for (int i = 1; i <= n + 1; ++i) e += std::abs(r[i].lane(c));
+  return e;
+}
+
+LCP_WIDTHS("avx2")
+void residuals(LaneVectors& r, const LaneVectors& product, const ComplexLanes& l,
+               const LaneVectors& x, int n) {
+  for (int i = 1; i <= n; ++i) r[i] = product[i] - l * x[i];
+}
+
+// The residuals of all lanes and their measures.
+void look(Followers& F) {
+  const int n = F.M.n;
+  LaneVectors& r = F.S.r;
+  residuals(r, F.product, F.S.l, F.S.x, n);
+  for (int c = 0; c < LANES; ++c) r[n + 1].set(c, F.S.x[F.S.p[c]].lane(c) - 1.0);
+  sumOfModuli(F.e, r, n + 1);
+  for (int c = 0; c < LANES; ++c) {
+    const bool clear = std::fabs(F.e[c] - CONVERGED) > NEARCONVERGED * CONVERGED;
+    if (F.S.used[c] && !clear) F.e[c] = exactMeasure(r, c, n);
+  }
+}
+
+bool converged(const Followers& F, int c) { return F.e[c] <= CONVERGED; }
+
+// Ends the mode of lane c and tells whether it converged.
+bool finish(Followers& F, int c, double s, ModeComplex& EIG, CView TI) {
+  const int k = F.mode[c];
+  F.S.used[c] = false;
+  if (F.count[c] > 0) EIG[k] = s * F.S.l.lane(c);
+  if (F.moved[c]) F.S.x.getLane(c, TI.column(k), F.M.n);
+  SOLVEDATA.first.NRITER[k] = converged(F, c) ? std::max(F.count[c], 1) : MAXNEWTON + 1;
+  return converged(F, c);
 }
 
 // The part of the step d that is taken, 1 unless an element or the eigenvalue would move too far.
-double stepFactor(const BorderedVector& d, Complex l, int n) {
+// No element does where the sum of the squares is small.
+double stepFactor(const LaneVectors& d, int c, double squares, Complex l, int n) {
   bool limited = false;
   double t = UNLIMITED;
-  for (int i = 1; i <= n; ++i) {
-    const double length = std::abs(d[i]);
+  for (int i = 1; !(squares < SMALLSTEP) && i <= n; ++i) {
+    const double length = std::abs(d[i].lane(c));
     if (!(length > VECTORSTEP)) continue;
     limited = true;
     t = std::min(t, VECTORSTEP / length);
   }
-  const double length = std::abs(d[n + 1]);
+  const Complex dl = d[n + 1].lane(c);
+  const double length = std::abs(dl);
   if (length > EIGENSTEP * std::abs(l)) {
     limited = true;
-    t = std::min(t, EIGENSTEP * std::abs(l / d[n + 1]));
+    t = std::min(t, EIGENSTEP * std::abs(l / dl));
   }
   return limited ? t : 1.0;
 }
 
-// One update of mode k: the eigenvalue, and the vector in column k of TI.
-void update(Follower& F, Complex& LSTEP, CView TI, int k) {
-  const int n = F.M.n;
-  BorderedVector d;
-  if (!SOLVEBORDERED(d, F.M, F.l, F.x.data(), F.p, F.r)) {
-    // An eigenvalue that was never stepped is taken from the guess: 1 % of 0 would lead nowhere.
-    F.l = LSTEP = RECOVERY * (LSTEP == 0.0 ? F.l : LSTEP);
-    return;
+LCP_WIDTHS("avx2")
+void moveVectors(LaneVectors& x, const double (&a)[LANES], const LaneVectors& d, int n) {
+  const Lanes part = {a[0], a[1], a[2], a[3]};
+  for (int i = 1; i <= n; ++i) {
+    x[i].re -= part * d[i].re;
+    x[i].im -= part * d[i].im;
   }
-  const double a = stepFactor(d, F.l, n);
-  F.l = LSTEP = F.l - a * d[n + 1];
-  for (int i = 1; i <= n; ++i) F.x[i] -= a * d[i];
-  std::copy_n(F.x.data(), n, TI.column(k));
+}
+
+// One update of the modes in all lanes.
+void update(Followers& F) {
+  static LaneVectors d;
+  const int n = F.M.n;
+  bool solved[LANES];
+  double squares[LANES], parts[LANES] = {};
+  SOLVEBORDERED(d, solved, F.M, F.S);
+  sumOfSquares(squares, d, n);
+  for (int c = 0; c < LANES; ++c) {
+    if (!F.S.used[c]) continue;
+    Complex& LSTEP = SOLVEDATA.first.LSTEP[F.mode[c]];
+    const Complex l = F.S.l.lane(c);
+    ++F.count[c];
+    if (solved[c]) {
+      parts[c] = stepFactor(d, c, squares[c], l, n);
+      LSTEP = l - parts[c] * d[n + 1].lane(c);
+      F.moved[c] = true;
+    } else {
+      // An eigenvalue that was never stepped is taken from the guess: 1 % of 0 would lead nowhere.
+      LSTEP = RECOVERY * (LSTEP == 0.0 ? l : LSTEP);
+      for (int i = 1; i <= n; ++i) d[i].set(c, 0.0); // no step, and no NaN
+    }
+    F.S.l.set(c, LSTEP);
+  }
+  moveVectors(F.S.x, parts, d, n);
+  multiply(F.product, F.A, F.S.x);
 }
 
 void negateMode(CView TI, CView TIINV, int k, int n) {
@@ -116,29 +194,32 @@ void swapModes(CView TI, CView TIINV, ModeComplex& EIG, int a, int b, int n) {
 
 bool NREIG(ModeComplex& EIG, CView TI, const ModeComplex& LGUESS, CConstView XGUESS, CView A,
            double& s, const ModeInts& PIVOT, int n) {
-  static Follower F;
-  FirstLoopStore& first = SOLVEDATA.first;
+  static Followers F;
+  static LineMatrix products; // A XGUESS
   bool ok = true;
   s = scaleByDiagonal(A, n);
   reduce(F.M, A, n);
   prepare(F.A, A, n);
-  for (int k = 1; k <= n; ++k) {
-    F.p = PIVOT[k];
-    F.l = LGUESS[k];
-    std::copy_n(XGUESS.column(k), n, F.x.data());
-    int count = 0;
-    double e = residual(F);
-    while (!(e <= CONVERGED) && count < MAXNEWTON) {
-      ++count;
-      update(F, first.LSTEP[k], TI, k);
-      EIG[k] = s * F.l;
-      e = residual(F);
+  CMATMUL(products, A, XGUESS, n);
+  clearLanes(F);
+  for (int k = 1, working = 0;;) {
+    for (int c = 0; c < LANES && k <= n; ++c) {
+      if (F.S.used[c]) continue;
+      begin(F, c, k, LGUESS[k], XGUESS.column(k), PIVOT[k], products.view().column(k));
+      ++working;
+      ++k;
     }
-    const bool converged = e <= CONVERGED;
-    first.NRITER[k] = converged ? std::max(count, 1) : MAXNEWTON + 1;
-    ok = ok && converged;
+    if (working == 0) return ok;
+    look(F);
+    bool freed = false;
+    for (int c = 0; c < LANES; ++c) {
+      if (!F.S.used[c] || !(converged(F, c) || F.count[c] == MAXNEWTON)) continue;
+      ok = finish(F, c, s, EIG, TI) && ok;
+      --working;
+      freed = true;
+    }
+    if (working > 0 && !(freed && k <= n)) update(F);
   }
-  return ok;
 }
 
 void MTRACK(CView TI, CView TIINV, CConstView V, ModeComplex& EIG, int n) {

@@ -1,6 +1,7 @@
 #include "kernels/inversion.h"
 
 #include "kernels/bordered_system.h"
+#include "kernels/lane_vectors.h"
 #include "kernels/matrix_kernels.h"
 #include "support/child.h"
 #include "support/dense_functions.h"
@@ -19,8 +20,11 @@ bool solveNearPair(int n, double apart, std::mt19937& random) {
   static SquareStore<Complex, BORDERED> J;
   static LineMatrix A, X, XI;
   static BorderedMatrix M;
+  static BorderedSystems S; // beside the one in question others of other vectors
+  static LaneVectors lanes;
+  bool solved[LANES];
   ModeComplex x;
-  BorderedVector r, d, full;
+  Table<Complex, BORDERED> r, d, full;
   fillNaN(A);
   fillRandom(X, n, n, random);
   INVCJD(XI, X, n);
@@ -38,7 +42,17 @@ bool solveNearPair(int n, double apart, std::mt19937& random) {
       J(i, j) = inside ? A(i, j) - double(i == j) : i <= n ? -x[i] : Complex(j == 1);
     }
   }
-  const bool singular = !SOLVEBORDERED(d, M, 1.0, x.data(), 1, r);
+  const int c = static_cast<int>(random() % LANES);
+  for (int other = 0; other < LANES; ++other) {
+    S.used[other] = other == c || n > 2;
+    S.l.set(other, other == c ? 1.0 : 0.3);
+    S.p[other] = other == c ? 1 : 1 + other % n;
+    S.x.setLane(other, other == c ? x.data() : X.view().column(1 + other % n), n);
+    S.r.setLane(other, r.data(), n + 1);
+  }
+  SOLVEBORDERED(lanes, solved, M, S);
+  const bool singular = !solved[c];
+  lanes.getLane(c, d.data(), n + 1);
   EXPECT_NE(singular, SOLVEJD(full.data(), J, r.data(), n + 1)) << n << ' ' << apart;
   const Dense j = corner(J, n + 1);
   for (std::size_t i = 0; i < j.size() && apart > 1e-7; ++i) { // the residual is of rounding
@@ -100,6 +114,42 @@ TEST(BorderedSystem, VerdictIsThatOfTheFullElimination) {
       for (int trial = 0; trial < 5; ++trial) singular += solveNearPair(n, apart, random);
     }
     EXPECT_TRUE(singular > 0 || n <= 2) << n;
+  }
+}
+
+// A lane has the bits of a vector alone, whatever stands in the others.
+TEST(LaneVectors, HaveTheBitsOfOneVector) {
+  static SquareStore<Complex, MAXINV> A, X;
+  static LeftFactor F;
+  static LaneVectors x, y;
+  std::mt19937 random(41);
+  for (int n : {1, 2, 3, 4, 7, 49, MAXINV}) {
+    Table<Complex, MAXINV> one, lane;
+    fillRandom(A, n, n, random);
+    fillRandom(X, n, n, random);
+    prepare(F, A, n);
+    takeColumns(x, X, 1, std::min(n, LANES), n);
+    if (n > 1) x.setLane(1, std::vector<Complex>(MAXINV, std::nan("")).data(), n);
+    multiply(y, F, x);
+    for (int c = 0; c < std::min(n, LANES); ++c) {
+      multiply(one.data(), A, X.view().column(c + 1), n);
+      y.getLane(c, lane.data(), n);
+      for (int i = 1; i <= n; ++i) EXPECT_TRUE(c == 1 || lane[i] == one[i]) << n;
+    }
+  }
+  const double parts[] = {0.0, -0.0, 1e-320, 3e-308, -1.0, 1.5, 1e160, -1e308, INFINITY};
+  for (int e = 0; e < 81 * 81; ++e) {
+    ComplexLanes z{};
+    const Complex a(parts[e % 9], parts[e / 9 % 9]), b(parts[e / 81 % 9], parts[e / 729]);
+    z.set(0, a);
+    z.set(3, b);
+    const auto same = [](Complex p, Complex q) {
+      const auto equal = [](double s, double t) {
+        return (std::isnan(s) && std::isnan(t)) || (s == t && std::signbit(s) == std::signbit(t));
+      };
+      return equal(p.real(), q.real()) && equal(p.imag(), q.imag());
+    };
+    EXPECT_TRUE(same(reciprocal(z).lane(0), 1.0 / a) && same(reciprocal(z).lane(3), 1.0 / b)) << e;
   }
 }
 

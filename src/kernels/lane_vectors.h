@@ -1,0 +1,120 @@
+// Complex vectors side by side, and matrices times them: columns of a product, or modes that are
+// followed together. Each lane has the bits that it would have alone.
+#pragma once
+
+#include "base/matrix.h"
+#include "base/register_widths.h"
+#include "store/capacities.h"
+
+namespace lcp {
+
+// Complex numbers, one a lane.
+struct ComplexLanes {
+  Lanes re, im;
+
+  Complex lane(int c) const { return {re[c], im[c]}; }
+  void set(int c, Complex z) {
+    re[c] = z.real();
+    im[c] = z.imag();
+  }
+  void fill(Complex z) {
+    re = z.real() - Lanes{};
+    im = z.imag() - Lanes{};
+  }
+};
+
+using LaneChoice = decltype(Lanes{} < Lanes{}); // a condition, in each lane on its own
+
+inline ComplexLanes operator-(const ComplexLanes& a) { return {-a.re, -a.im}; }
+inline ComplexLanes operator-(const ComplexLanes& a, const ComplexLanes& b) {
+  return {a.re - b.re, a.im - b.im};
+}
+inline ComplexLanes operator*(const ComplexLanes& a, const ComplexLanes& b) {
+  return {a.re * b.re - a.im * b.im, a.re * b.im + a.im * b.re};
+}
+
+// |Re z| and |Im z|.
+inline ComplexLanes magnitudes(const ComplexLanes& z) {
+  return {z.re < 0.0 ? -z.re : z.re, z.im < 0.0 ? -z.im : z.im};
+}
+
+// 1 / z by way of the smaller part over the larger one, as the compiler divides complex numbers.
+inline ComplexLanes reciprocal(const ComplexLanes& z) {
+  const ComplexLanes size = magnitudes(z);
+  const LaneChoice steep = size.re < size.im;
+  const Lanes small = steep ? z.re : z.im, large = steep ? z.im : z.re;
+  const Lanes ratio = small / large, divisor = small * ratio + large;
+  const Lanes re = steep ? ratio + 0.0 : 0.0 * ratio + 1.0;
+  const Lanes im = steep ? 0.0 * ratio - 1.0 : 0.0 - ratio;
+  return {re / divisor, im / divisor};
+}
+
+// Exchanges two numbers where the choice is true.
+inline void exchange(ComplexLanes& a, ComplexLanes& b, const LaneChoice& choice) {
+  const ComplexLanes first = a;
+  a = {choice ? b.re : a.re, choice ? b.im : a.im};
+  b = {choice ? first.re : b.re, choice ? first.im : b.im};
+}
+
+// The sum of a(1) b(1) + a(2) b(2) + ... by four real sums.
+struct SumOfProducts {
+  Lanes rere{}, imim{}, reim{}, imre{};
+
+  void add(const ComplexLanes& a, const ComplexLanes& b) {
+    rere += a.re * b.re;
+    imim += a.im * b.im;
+    reim += a.re * b.im;
+    imre += a.im * b.re;
+  }
+  ComplexLanes total() const { return {rere - imim, reim + imre}; }
+};
+
+// Vectors of up to MAXINV elements, one a lane.
+struct LaneVectors {
+  ComplexLanes elements[MAXINV];
+
+  ComplexLanes& operator[](int i) {
+    checkIndex(i, MAXINV);
+    return elements[i - 1];
+  }
+  const ComplexLanes& operator[](int i) const {
+    checkIndex(i, MAXINV);
+    return elements[i - 1];
+  }
+  void setLane(int c, const Complex* x, int n) {
+    for (int i = 1; i <= n; ++i) (*this)[i].set(c, x[i - 1]);
+  }
+  void getLane(int c, Complex* x, int n) const {
+    for (int i = 1; i <= n; ++i) x[i - 1] = (*this)[i].lane(c);
+  }
+};
+
+// The left factor of many products, packed as the sweeps read it: panels of PANELROWS rows, of each
+// column their real parts and behind them their imaginary parts. Rows beyond the order are 0.
+constexpr int PANELROWS = 4;
+static_assert(MAXINV % PANELROWS == 0);
+struct LeftFactor {
+  int n = 0;
+  double panels[2 * MAXINV * MAXINV];
+};
+
+// Packs the corner of A; n up to MAXINV.
+void prepare(LeftFactor& F, CConstView A, int n);
+
+// y = A x. Each element is summed in the order of the columns. y must not be x; its elements beyond
+// n, up to a whole panel, become 0 or NaN.
+void multiply(LaneVectors& y, const LeftFactor& F, const LaneVectors& x);
+
+// The squared moduli of n elements, summed in order.
+void sumOfSquares(double (&sums)[LANES], const LaneVectors& x, int n);
+
+// The moduli of n elements, summed: to rounding, as long as their squares are numbers above 0.
+void sumOfModuli(double (&sums)[LANES], const LaneVectors& x, int n);
+
+// The columns j to j + count - 1 of A, n rows, as lanes; lanes beyond the count become 0.
+void takeColumns(LaneVectors& x, CConstView A, int j, int count, int n);
+
+// ... and back.
+void putColumns(CView A, int j, const LaneVectors& x, int count, int n);
+
+} // namespace lcp
