@@ -87,7 +87,7 @@ TEST(Page, IsNoFileThatItIsMadeFrom) {
 // The sheaths of these cables are kept; their sequence values are those with the sheaths grounded.
 TEST(Page, SequencesLeaveTheRunAsItWas) {
   lcp::RUNDATA.resetInput();
-  readHere(CORVO_TEST_DATA "/../examples/singlecore.cbi", 1e4);
+  companions::readHere(CORVO_EXAMPLES "/singlecore.cbi", 1e4);
   auto& D = lcp::RUNDATA.display;
   D.VBASEDISP = 220;
   D.MVABASEDISP = 100;
@@ -155,7 +155,7 @@ ModelFile fileOf(ModelKind kind) {
 }
 
 void readOneConductor(const std::string& model) {
-  readHere(description(
+  test::readHere(description(
       summary(1) +
       "Line Constants Tower\n{\nCircuit\n{\nConductors: 1\n"
       "Conductor Phase Information: 1\nDCResistance: 0.05\nSag: 6\nRadius: 0.015\nP1 : 0 20\n"
@@ -177,25 +177,25 @@ TEST(Page, CurvesAreThoseOfTheLineAndItsModel) {
     const char* id;
     Curve line, model;
   } curves[] = {
-      {ModelKind::PHASE, "Yc", [](auto, auto Y, auto Z) { return std::sqrt(Y / Z); },
+      {ModelKind::Phase, "Yc", [](auto, auto Y, auto Z) { return std::sqrt(Y / Z); },
        [](auto s, auto, auto) { return 2e-3 + 0.06 / (s + 30.0); }},
-      {ModelKind::PHASE, "H", wave, [](auto s, auto, auto) { return 0.5 / (1.0 + s / 1e9); }},
-      {ModelKind::MODE, "Zc-fit", [](auto, auto Y, auto Z) { return std::sqrt(Z / Y); },
+      {ModelKind::Phase, "H", wave, [](auto s, auto, auto) { return 0.5 / (1.0 + s / 1e9); }},
+      {ModelKind::Mode, "Zc-fit", [](auto, auto Y, auto Z) { return std::sqrt(Z / Y); },
        [](auto s, auto, auto) { return 400.0 + 900.0 / (s + 50.0); }},
-      {ModelKind::MODE, "H", wave, [](auto s, auto, auto) { return 9e3 / (s + 1e4); }},
-      {ModelKind::MODE, "T", [](auto, auto, auto) { return Complex(1); },
+      {ModelKind::Mode, "H", wave, [](auto s, auto, auto) { return 9e3 / (s + 1e4); }},
+      {ModelKind::Mode, "T", [](auto, auto, auto) { return Complex(1); },
        [](auto s, auto, auto) { return 1.0 + 0.1 / (s + 7.0); }},
-      {ModelKind::MFDTD, "Z-fit", [](auto, auto, auto Z) { return Z; },
+      {ModelKind::Mfdtd, "Z-fit", [](auto, auto, auto Z) { return Z; },
        [](auto s, auto, auto) { return 1e-5 + 0.3 / (s + 200.0); }},
-      {ModelKind::BERGERON, "gamma", [](auto, auto Y, auto Z) { return std::sqrt(Y * Z); },
+      {ModelKind::Bergeron, "gamma", [](auto, auto Y, auto Z) { return std::sqrt(Y * Z); },
        [](auto s, auto, auto) { return 3e-4 / 840 + s * 0.11e-3 / LENGTH; }},
-      {ModelKind::BERGERON, "Zc", [](auto, auto Y, auto Z) { return std::sqrt(Z / Y); },
+      {ModelKind::Bergeron, "Zc", [](auto, auto Y, auto Z) { return std::sqrt(Z / Y); },
        [](auto, auto, auto) { return Complex(420); }},
   };
   for (const auto& c : curves) {
     const ModelFile file = fileOf(c.kind);
     const Survey survey = surveyLine(file, LENGTH);
-    const Json page = c.kind == ModelKind::BERGERON ? modesOf(survey, file) : fitsOf(survey, file);
+    const Json page = c.kind == ModelKind::Bergeron ? modesOf(survey, file) : fitsOf(survey, file);
     const std::vector<double> f = unpacked(page["f"]);
     ASSERT_GT(f.size(), 100U);
     for (const Json& F : page["functions"]) {
@@ -221,7 +221,7 @@ TEST(Page, CurvesAreThoseOfTheLineAndItsModel) {
 // turns.
 TEST(Page, EigenvaluesRiseInFrequencyAndAreThoseOfTheFile) {
   readOneConductor(phaseModel());
-  const ModelFile file = fileOf(ModelKind::PHASE);
+  const ModelFile file = fileOf(ModelKind::Phase);
   const Json curve = passivityOf(file, {})["after"];
   const std::vector<double> f = unpacked(curve["f"]), value = unpacked(curve["value"]);
   ASSERT_GT(f.size(), 1000U);

@@ -202,7 +202,7 @@ TEST(SharedLine, ADelayFasterThanLightIsDoubtful) {
   const double light = 3e4 / 299792458.0;
   for (const double part : {0.999, 1.001}) {
     ModelFile file;
-    file.kind = ModelKind::PHASE;
+    file.kind = ModelKind::Phase;
     file.H.delays = {light * part};
     const auto found = checkDelays(file, 3e4, {});
     ASSERT_EQ(found.size(), 2U);
