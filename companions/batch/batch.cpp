@@ -6,15 +6,13 @@
 #include "companions/batch/process.h"
 #include "companions/batch/summary.h"
 #include "companions/batch/variation.h"
-#include "companions/batch/whole_files.h"
 #include "companions/shared/arguments.h"
+#include "companions/shared/whole_files.h"
 #include "input/free_form.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cmath>
 #include <cstdio>
-#include <cstring>
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <sched.h>
@@ -28,7 +26,6 @@ namespace {
 
 constexpr int NOTBEGUN = 3; // exit status
 constexpr int FAILED = 1;
-constexpr int BEHINDSIGNAL = 128;
 constexpr std::string_view SUMMARY = "summary.tsv";
 constexpr std::string_view INDEX = "index.html";
 
@@ -145,8 +142,7 @@ void refuseInputs(const std::vector<BatchCase>& cases, const fs::path& work, boo
 }
 
 [[noreturn]] void refuseFolder(const fs::path& work) {
-  giveUp(BATCH.name, fmt::format("cannot write {}: {}", work.string(), std::strerror(errno)),
-         FAILED);
+  giveUp(BATCH.name, cannotWrite(work), FAILED);
 }
 
 // The folder of the batch, for this process alone until it ends.
@@ -202,7 +198,7 @@ bool tellAll(const CaseList& list, const std::vector<Facts>& facts, const fs::pa
   const std::string summary = summaryOf(list, facts);
   bool good = writeWhole(work / SUMMARY, summary);
   if (good && index) good = writeWhole(work / INDEX, indexOf(list, facts, work));
-  if (!good) tell(fmt::format("cannot write {}: {}", work.string(), std::strerror(errno)));
+  if (!good) tell(cannotWrite(work));
   say(summary);
   if (!saidAll()) tell("the summary cannot be written");
   return good && saidAll();

@@ -2,10 +2,11 @@
 
 #include "base/open_files.h"
 #include "companions/batch/process.h"
-#include "companions/batch/whole_files.h"
 #include "companions/shared/captured_run.h"
 #include "companions/shared/model_file.h"
+#include "companions/shared/text.h"
 #include "companions/shared/verdicts.h"
+#include "companions/shared/whole_files.h"
 #include "companions/verify/passivity.h"
 
 #include <algorithm>
@@ -31,9 +32,7 @@ constexpr double NOLIMIT = 1e9; // s
 constexpr double KILOBYTES = 1024;
 
 CaseOutcome notWritten(const fs::path& file) {
-  return {CaseEnd::NOTWRITTEN, 0,
-          fmt::format("cannot write {}: {}", file.string(), std::strerror(errno)),
-          errno == ENOSPC || errno == EDQUOT};
+  return {CaseEnd::NOTWRITTEN, 0, cannotWrite(file), errno == ENOSPC || errno == EDQUOT};
 }
 
 // A descriptor that is closed with its block.
@@ -147,8 +146,7 @@ struct Run {
 
 // Ended by a signal, or as a shell tells it, that who ends a batch sends to the program as well.
 bool endedFromOutside(int status) {
-  constexpr int SHELL = 128;
-  const int s = WIFSIGNALED(status) ? WTERMSIG(status) : WEXITSTATUS(status) - SHELL;
+  const int s = WIFSIGNALED(status) ? WTERMSIG(status) : WEXITSTATUS(status) - BEHINDSIGNAL;
   return s == SIGTERM || s == SIGINT || s == SIGHUP || s == SIGKILL;
 }
 
@@ -210,7 +208,8 @@ bool verify(const BatchCase& c, const CaseWishes& wishes, const std::vector<std:
   const int told = memfd_create("verdict", MFD_CLOEXEC);
   const Run run = runProgram(words, c.folder, told, wishes.timeout);
   std::string verdict;
-  readWhole(fmt::format("/proc/self/fd/{}", told), verdict);
+  lseek(told, 0, SEEK_SET);
+  readWhole(told, verdict);
   close(told);
   end = run.end;
   if (run.how == Waited::SIGNAL) return false;
@@ -300,7 +299,6 @@ CaseOutcome runCase(const BatchCase& c, const CaseWishes& wishes) {
 
 std::string verdictOnFiles(const std::string& description, double length,
                            const std::vector<std::string>& models) {
-  constexpr std::string_view WORDS[] = {"good", "DOUBTFUL", "BAD", ""};
   Verdict worst = Verdict::TOLD;
   readHere(description, length);
   for (const std::string& name : models) {
@@ -310,7 +308,7 @@ std::string verdictOnFiles(const std::string& description, double length,
       if (f.verdict != Verdict::TOLD && (worst == Verdict::TOLD || f.verdict > worst))
         worst = f.verdict;
   }
-  return std::string(WORDS[static_cast<std::size_t>(worst)]);
+  return std::string(wordOf(worst));
 }
 
 } // namespace lcp::companions

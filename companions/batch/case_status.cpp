@@ -1,7 +1,8 @@
 #include "companions/batch/case_status.h"
 
 #include "base/open_files.h"
-#include "companions/batch/whole_files.h"
+#include "companions/shared/text.h"
+#include "companions/shared/whole_files.h"
 
 #include <cstdint>
 #include <fmt/format.h>

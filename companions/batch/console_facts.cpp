@@ -5,6 +5,7 @@
 #include "base/open_files.h"
 #include "companions/batch/case_list.h"
 #include "companions/shared/console_text.h"
+#include "companions/shared/text.h"
 #include "diag/message_package.h"
 #include "fit/admittance_fit.h"
 #include "fit/mode_model.h"

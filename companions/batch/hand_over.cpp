@@ -1,9 +1,8 @@
 #include "companions/batch/hand_over.h"
 
 #include "companions/batch/process.h"
-#include "companions/batch/whole_files.h"
+#include "companions/shared/whole_files.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
@@ -87,10 +86,6 @@ struct Files {
     for (const int d : {input, output, messages}) close(d);
   }
 };
-
-std::string cannotWrite(const fs::path& file) {
-  return fmt::format("cannot write {}: {}", file.string(), std::strerror(errno));
-}
 
 int openedIn(const fs::path& work, std::string_view name, int flags) {
   return open((work / name).c_str(), flags | O_CLOEXEC, 0666);

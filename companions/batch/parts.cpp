@@ -2,7 +2,8 @@
 
 #include "companions/batch/case_run.h"
 #include "companions/batch/process.h"
-#include "companions/batch/whole_files.h"
+#include "companions/shared/text.h"
+#include "companions/shared/whole_files.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -13,7 +14,6 @@ namespace lcp::companions {
 
 namespace {
 
-constexpr int BEHINDSIGNAL = 128; // of exit statuses
 constexpr std::size_t PARTWORDS = 7;
 
 int runCases(const std::vector<BatchCase>& all, const std::string& numbers,

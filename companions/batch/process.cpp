@@ -1,6 +1,7 @@
 #include "companions/batch/process.h"
 
 #include "companions/batch/case_list.h"
+#include "companions/shared/text.h"
 
 #include <cerrno>
 #include <cmath>

@@ -29,6 +29,8 @@ struct Start {
 constexpr int NOTSTARTED = 127;
 pid_t startProgram(const Start& start);
 
+constexpr int BEHINDSIGNAL = 128; // exit status of a program that a signal ends, less its number
+
 enum class Waited { ENDED, SIGNAL, TIME };
 struct End {
   int status = 0; // as wait tells it

@@ -1,7 +1,8 @@
 #include "companions/batch/summary.h"
 
+#include "companions/shared/text.h"
+
 #include <algorithm>
-#include <array>
 #include <fmt/format.h>
 
 namespace lcp::companions {

@@ -2,15 +2,14 @@
 
 #include "base/open_files.h"
 #include "companions/batch/case_status.h"
-#include "companions/batch/whole_files.h"
 #include "companions/shared/captured_run.h"
+#include "companions/shared/text.h"
+#include "companions/shared/whole_files.h"
 #include "input/key_rows.h"
 #include "input/line_trace.h"
 
 #include <algorithm>
 #include <cctype>
-#include <cerrno>
-#include <cstring>
 #include <fmt/format.h>
 
 namespace fs = std::filesystem;
@@ -172,7 +171,7 @@ std::string writeDescription(CaseList& list, const BatchCase& c, const Keys& key
   fs::create_directories(c.folder, none);
   const bool good = (readWhole(c.source, old) && old == text) || writeWhole(c.source, text, false);
   list.notWritten = !good;
-  return good ? "" : fmt::format("cannot write {}: {}", c.source.string(), std::strerror(errno));
+  return good ? "" : cannotWrite(c.source);
 }
 
 // The values of one case; those of the last key come fastest.

@@ -8,11 +8,13 @@
 #include "companions/check/understood.h"
 #include "companions/shared/arguments.h"
 #include "companions/shared/captured_run.h"
+#include "companions/shared/console_text.h"
+#include "companions/shared/text.h"
+#include "input/reader.h"
 #include "store/rundata.h"
 
 #include <algorithm>
 #include <fmt/format.h>
-#include <sstream>
 
 namespace lcp::companions {
 
@@ -35,11 +37,10 @@ constexpr Program CHECK = {"corvo-check",
 
 // Words of the reader on the console, but for what the line rules tell better and for its rules.
 void readerWarnings(Findings& findings, const CapturedRun& read) {
-  std::istringstream lines(fmt::format("{}\n{}", read.console, read.errors));
   std::string all;
-  for (std::string line; std::getline(lines, line);) {
+  for (const std::string& line : linesOf(fmt::format("{}\n{}", read.console, read.errors))) {
     const std::size_t first = line.find_first_not_of(" *-=");
-    if (first == std::string::npos || line.starts_with("Unknown Data Line Ignored:")) continue;
+    if (first == std::string::npos || line.starts_with(headOf(UNKNOWNLINE))) continue;
     if (!all.empty()) all += ' ';
     all += line.substr(line.find_first_not_of(' '));
   }

@@ -30,18 +30,11 @@ void addPoles(Json& all, const std::string& name, const Rational& F) {
   all.push_back({{"name", name}, {"re", re}, {"im", im}, {"residue", residue}});
 }
 
-std::vector<double> travelTimes(const LineModes& modes, double f, double length) {
-  std::vector<double> times;
-  for (const Complex& gamma : modes.gamma)
-    times.push_back(length * gamma.imag() / (TWOPI * f) / MILLI);
-  return times;
-}
-
+// In milliseconds; delays and travel times come in seconds.
 Json delayRow(const std::string& name, double delay, const std::vector<double>& travel) {
-  const auto nearest = std::min_element(travel.begin(), travel.end(), [&](double a, double b) {
-    return std::fabs(a - delay) < std::fabs(b - delay);
-  });
-  return {{"name", name}, {"delay", rounded(delay)}, {"travel", rounded(*nearest)}};
+  return {{"name", name},
+          {"delay", rounded(delay / MILLI)},
+          {"travel", rounded(nearestTo(delay, travel) / MILLI)}};
 }
 
 // The points of a scan that a screen can show: of each stretch the smallest and the largest value.
@@ -84,16 +77,7 @@ Json curveOf(const ModelFile& file) {
 
 Json polesOf(const ModelFile& file) {
   Json all = Json::array();
-  addPoles(all, "Yc", file.Yc);
-  addPoles(all, "Z", file.Z);
-  for (std::size_t g = 0; g < file.H.groups.size(); ++g)
-    addPoles(all, fmt::format("H, group {}", g + 1), file.H.groups[g]);
-  for (std::size_t m = 0; m < file.modes.size(); ++m) {
-    addPoles(all, fmt::format("Zc, mode {}", m + 1), file.modes[m].Zc);
-    addPoles(all, fmt::format("H, mode {}", m + 1), file.modes[m].A);
-    for (std::size_t j = 0; j < file.modes[m].row.size(); ++j)
-      addPoles(all, fmt::format("T({},{})", m + 1, j + 1), file.modes[m].row[j]);
-  }
+  for (const auto& [name, F] : functionsOf(file)) addPoles(all, name, *F);
   return all;
 }
 
@@ -104,16 +88,16 @@ Json delaysOf(const ModelFile& file, double length) {
     const LineModes modes = modesLike(constantsOf(B.SSFREQ), B.TI);
     const std::vector<double> travel = travelTimes(modes, B.SSFREQ, length);
     for (std::size_t m = 0; m < file.n; ++m)
-      rows.push_back(delayRow(fmt::format("mode {}", m + 1), B.modes[m].T, {travel[m]}));
+      rows.push_back(delayRow(fmt::format("mode {}", m + 1), B.modes[m].T * MILLI, {travel[m]}));
     return rows;
   }
   if (file.H.delays.empty() && file.modes.empty()) return rows;
   const double top = fitRanges()[0].f.back();
   const std::vector<double> travel = travelTimes(modesOf(constantsOf(top)), top, length);
   for (std::size_t g = 0; g < file.H.delays.size(); ++g)
-    rows.push_back(delayRow(fmt::format("group {}", g + 1), file.H.delays[g] / MILLI, travel));
+    rows.push_back(delayRow(fmt::format("group {}", g + 1), file.H.delays[g], travel));
   for (std::size_t m = 0; m < file.modes.size(); ++m)
-    rows.push_back(delayRow(fmt::format("mode {}", m + 1), file.modes[m].delay, travel));
+    rows.push_back(delayRow(fmt::format("mode {}", m + 1), file.modes[m].delay * MILLI, travel));
   return rows;
 }
 

@@ -10,13 +10,13 @@
 #include "companions/shared/captured_run.h"
 #include "companions/shared/scratch.h"
 #include "companions/shared/verdicts.h"
+#include "companions/shared/whole_files.h"
 #include "companions/verify/verify.h"
 #include "store/rundata.h"
 
 #include <cstdio>
 #include <filesystem>
 #include <fmt/format.h>
-#include <unistd.h>
 
 namespace lcp::companions {
 
@@ -98,27 +98,6 @@ Json dataOf(const std::string& description, double length) {
   return data;
 }
 
-bool written(const std::string& name, const std::string& text) {
-  std::FILE* file = std::fopen(name.c_str(), "wb");
-  if (file == nullptr) return false;
-  const bool taken = std::fwrite(text.data(), 1, text.size(), file) == text.size();
-  const bool flushed = std::fflush(file) == 0;
-  return (std::fclose(file) == 0) && taken && flushed;
-}
-
-// Whole, or as it was before: what is written goes under a name of its own first. A device takes
-// the text itself.
-bool writePage(const std::string& name, const std::string& text) {
-  std::error_code none;
-  if (std::filesystem::exists(name, none) && !std::filesystem::is_regular_file(name, none))
-    return written(name, text);
-  const std::string other = fmt::format("{}.{}", name, getpid());
-  bool done = written(other, text);
-  if (done) done = std::rename(other.c_str(), name.c_str()) == 0;
-  if (!done) std::remove(other.c_str());
-  return done;
-}
-
 void refuseInput(const std::string& page) {
   if (isInput(page)) giveUp(PLOT.name, fmt::format("{} is an input, not a page", page));
 }
@@ -141,7 +120,7 @@ int plotLine(std::span<char* const> arguments) {
   const Json data = curves ? curvesOfFolder(source) : dataOf(source, length);
   refuseInput(name); // the description names others
   if (data.is_null()) giveUp(PLOT.name, fmt::format("no detail curve files in {}", source));
-  if (writePage(name, pageOf(data))) return 0;
+  if (writeWhole(name, pageOf(data), false)) return 0;
   fmt::print(stderr, "{}: cannot write {}\n", PLOT.name, name);
   return 1;
 }

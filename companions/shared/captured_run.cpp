@@ -2,14 +2,13 @@
 
 #include "base/console.h"
 #include "base/stop.h"
+#include "companions/shared/whole_files.h"
 #include "input/reader.h"
 #include "run/lcpmain.h"
 #include "run/output_names.h"
 #include "store/rundata.h"
 #include "store/solvedata.h"
 
-#include <array>
-#include <cstdlib>
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/wait.h>
@@ -23,10 +22,8 @@ bool captured = false;
 
 std::string contentOf(int descriptor) {
   std::string text;
-  std::array<char, 1 << 14> block{};
   lseek(descriptor, 0, SEEK_SET);
-  for (ssize_t n = 0; (n = read(descriptor, block.data(), block.size())) > 0;)
-    text.append(block.data(), static_cast<std::size_t>(n));
+  readWhole(descriptor, text);
   close(descriptor);
   return text;
 }

@@ -1,5 +1,6 @@
 #include "companions/shared/direct_line.h"
 
+#include "base/constants.h"
 #include "kernels/lapack.h"
 #include "modal/line_constants.h"
 #include "run/manual_driver.h"
@@ -87,6 +88,19 @@ void formSurgeImpedances(LineModes& modes, const LinePoint& point) {
   const Matrix YM = product(product(modes.TIINV, point.Y), transposed(modes.TIINV));
   modes.Zc.clear();
   for (std::size_t i = 0; i < YM.rows; ++i) modes.Zc.push_back(modes.gamma[i] / YM(i, i));
+}
+
+std::vector<double> travelTimes(const LineModes& modes, double f, double length) {
+  std::vector<double> times;
+  for (const Complex& gamma : modes.gamma) times.push_back(length * gamma.imag() / (TWOPI * f));
+  return times;
+}
+
+double nearestTo(double delay, const std::vector<double>& times) {
+  const auto nearer = [delay](double a, double b) {
+    return std::fabs(a - delay) < std::fabs(b - delay);
+  };
+  return *std::min_element(times.begin(), times.end(), nearer);
 }
 
 PhaseFunctions phaseFunctionsOf(const LinePoint& point, const LineModes& modes, double length) {

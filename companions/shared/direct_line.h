@@ -39,6 +39,11 @@ LineModes modesOf(const LinePoint& point);
 // The surge impedances of the vectors TI, TI^-1: gamma / (TI^-1 Y TI^-T).
 void formSurgeImpedances(LineModes& modes, const LinePoint& point);
 
+// Their travel times over the length at the frequency f, s, and of a list the one nearest to a
+// delay.
+std::vector<double> travelTimes(const LineModes& modes, double f, double length);
+double nearestTo(double delay, const std::vector<double>& times);
+
 PhaseFunctions phaseFunctionsOf(const LinePoint& point, const LineModes& modes, double length);
 
 // ---- small dense matrices

@@ -47,19 +47,25 @@ void takeBasis(LineModes& modes, const Matrix& reference, const LinePoint& point
   formSurgeImpedances(modes, point);
 }
 
-// The largest element of each vector becomes real; surge impedances follow.
+// This element of the vector of a mode becomes real; its surge impedance follows.
+void turnColumn(LineModes& modes, std::size_t j, Complex pivot) {
+  if (pivot == 0.0) return;
+  const Complex factor = std::conj(pivot) / std::abs(pivot);
+  for (std::size_t i = 0; i < modes.TI.rows; ++i) {
+    modes.TI(i, j) *= factor;
+    modes.TIINV(j, i) /= factor;
+  }
+  modes.Zc[j] *= factor * factor;
+}
+
+// The largest element of each vector becomes real.
 void turn(LineModes& modes) {
   for (std::size_t j = 0; j < modes.TI.columns; ++j) {
     Complex pivot = 0;
     for (std::size_t i = 0; i < modes.TI.rows; ++i) {
       if (std::abs(modes.TI(i, j)) > std::abs(pivot)) pivot = modes.TI(i, j);
     }
-    const Complex factor = std::conj(pivot) / std::abs(pivot);
-    for (std::size_t i = 0; i < modes.TI.rows; ++i) {
-      modes.TI(i, j) *= factor;
-      modes.TIINV(j, i) /= factor;
-    }
-    modes.Zc[j] *= factor * factor;
+    turnColumn(modes, j, pivot);
   }
 }
 
@@ -139,16 +145,7 @@ std::vector<std::size_t> largestRows(const Matrix& TI) {
 
 void holdRows(std::vector<LineModes>& modes, const std::vector<std::size_t>& rows) {
   for (LineModes& M : modes) {
-    for (std::size_t m = 0; m < rows.size(); ++m) {
-      const Complex pivot = M.TI(rows[m], m);
-      if (pivot == 0.0) continue;
-      const Complex factor = std::conj(pivot) / std::abs(pivot);
-      for (std::size_t i = 0; i < M.TI.rows; ++i) {
-        M.TI(i, m) *= factor;
-        M.TIINV(m, i) /= factor;
-      }
-      M.Zc[m] *= factor * factor;
-    }
+    for (std::size_t m = 0; m < rows.size(); ++m) turnColumn(M, m, M.TI(rows[m], m));
   }
 }
 

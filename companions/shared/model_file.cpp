@@ -1,13 +1,12 @@
 #include "companions/shared/model_file.h"
 
+#include "companions/shared/text.h"
+#include "companions/shared/whole_files.h"
 #include "input/free_form.h"
 
 #include <algorithm>
 #include <filesystem>
 #include <fmt/format.h>
-#include <fstream>
-#include <optional>
-#include <sstream>
 
 namespace lcp::companions {
 
@@ -323,11 +322,7 @@ constexpr KindRow KINDS[] = {
 ModelFile parseModelFile(const std::string& text) {
   ModelFile f;
   Lines in;
-  std::istringstream stream(text);
-  for (std::string line; std::getline(stream, line);) {
-    if (line.ends_with('\r')) line.pop_back();
-    in.all.push_back(line);
-  }
+  in.all = linesOf(text);
   while (in.peek().starts_with('!')) in.next();
   for (const KindRow& row : KINDS) {
     if (in.ended() || !in.peek().starts_with(row.mark)) continue;
@@ -343,22 +338,34 @@ ModelFile parseModelFile(const std::string& text) {
 
 ModelFile readModelFile(const std::string& name) {
   std::error_code none;
-  std::ifstream file;
-  if (std::filesystem::is_regular_file(name, none)) file.open(name); // a device may never end
-  std::ostringstream text;
-  if (file.is_open()) text << file.rdbuf();
-  if (!file.is_open() || !file) {
-    ModelFile f;
-    f.trouble = "it cannot be opened";
-    return f;
-  }
-  return parseModelFile(text.str());
+  std::string text;
+  // A device may never end.
+  if (std::filesystem::is_regular_file(name, none) && readWhole(name, text))
+    return parseModelFile(text);
+  ModelFile f;
+  f.trouble = "it cannot be opened";
+  return f;
 }
 
 std::string_view nameOf(ModelKind kind) {
   const auto* row = std::find_if(std::begin(KINDS), std::end(KINDS),
                                  [kind](const KindRow& r) { return r.kind == kind; });
   return row == std::end(KINDS) ? "unknown" : row->name;
+}
+
+std::vector<NamedFunction> functionsOf(const ModelFile& file) {
+  std::vector<NamedFunction> all;
+  if (file.kind == ModelKind::Phase) all.push_back({"Yc", &file.Yc});
+  if (file.kind == ModelKind::Mfdtd) all.push_back({"Z", &file.Z});
+  for (std::size_t g = 0; g < file.H.groups.size(); ++g)
+    all.push_back({fmt::format("H, group {}", g + 1), &file.H.groups[g]});
+  for (std::size_t m = 0; m < file.modes.size(); ++m) {
+    all.push_back({fmt::format("Zc, mode {}", m + 1), &file.modes[m].Zc});
+    all.push_back({fmt::format("H, mode {}", m + 1), &file.modes[m].A});
+    for (std::size_t r = 0; r < file.modes[m].row.size(); ++r)
+      all.push_back({fmt::format("T({},{})", m + 1, r + 1), &file.modes[m].row[r]});
+  }
+  return all;
 }
 
 } // namespace lcp::companions

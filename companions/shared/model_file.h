@@ -57,4 +57,11 @@ ModelFile readModelFile(const std::string& name);
 
 std::string_view nameOf(ModelKind kind);
 
+// The fitted functions of a model: Yc or Z, H of the groups; Zc, H and row of T of each mode.
+struct NamedFunction {
+  std::string name;
+  const Rational* function;
+};
+std::vector<NamedFunction> functionsOf(const ModelFile& file);
+
 } // namespace lcp::companions

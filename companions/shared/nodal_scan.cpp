@@ -25,10 +25,8 @@ constexpr double LEASTPOINTS = 5000;
 
 ScanPoint nodalExtremes(const ModelFile& file, double f) {
   const Complex s(0, TWOPI * f);
-  const Matrix I = identity(file.n), H = file.H.at(s), Yc = file.Yc.at(s);
-  const Matrix alike = combined(I, 1, H), against = combined(I, -1, H);
-  return extremes(f, {product(inverse(alike), product(against, Yc)),
-                      product(inverse(against), product(alike, Yc))});
+  const NodalHalves Y = nodalHalves(file.Yc.at(s), file.H.at(s));
+  return extremes(f, {Y.alike, Y.against});
 }
 
 ScanOptions optionsFor(double from, double to, std::size_t n) {
@@ -39,6 +37,11 @@ ScanOptions optionsFor(double from, double to, std::size_t n) {
 }
 
 } // namespace
+
+NodalHalves nodalHalves(const Matrix& Yc, const Matrix& H) {
+  const Matrix I = identity(H.rows), plus = combined(I, 1, H), minus = combined(I, -1, H);
+  return {product(inverse(plus), product(minus, Yc)), product(inverse(minus), product(plus, Yc))};
+}
 
 ScanPoint extremes(double f, const std::vector<Matrix>& matrices) {
   ScanPoint p{f, std::numeric_limits<double>::infinity(), 0};

@@ -8,6 +8,12 @@
 
 namespace lcp::companions {
 
+// The halves of the nodal admittance of both ends, for ends driven alike and against each other.
+struct NodalHalves {
+  Matrix alike, against;
+};
+NodalHalves nodalHalves(const Matrix& Yc, const Matrix& H);
+
 // Smallest eigenvalue, and by magnitude the largest, of the Hermitian parts of some matrices.
 ScanPoint extremes(double f, const std::vector<Matrix>& matrices);
 

@@ -3,6 +3,7 @@
 #include "base/open_files.h"
 #include "companions/shared/arguments.h"
 #include "companions/shared/console_text.h"
+#include "companions/shared/text.h"
 #include "output/manual_files.h"
 #include "output/output_file.h"
 #include "store/run_groups.h"
@@ -12,7 +13,6 @@
 #include <cstring>
 #include <filesystem>
 #include <fmt/format.h>
-#include <sstream>
 
 namespace lcp::companions {
 
@@ -57,8 +57,7 @@ const Folder& scratchFolder() {
 // Whether the run could not open or write a file of the folder; of trouble with what is in it the
 // messages are others.
 bool lacksRoom(const std::string& console) {
-  std::istringstream lines(console);
-  for (std::string line; std::getline(lines, line);) {
+  for (const std::string& line : linesOf(console)) {
     const bool output =
         line.starts_with(headOf(FILENOTWRITTEN)) || line.starts_with(headOf(CANNOTOPEN));
     if (output && line.find(scratchFolder().path) != std::string::npos) return true;

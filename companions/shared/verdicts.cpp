@@ -13,8 +13,6 @@ namespace {
 
 constexpr std::string_view VERDICTS[] = {"good", "DOUBTFUL", "BAD", ""};
 
-std::string_view wordOf(Verdict v) { return VERDICTS[static_cast<std::size_t>(v)]; }
-
 std::string numberOf(double value, std::string_view unit) {
   if (unit.empty()) return fmt::format("{:.4g}", value);
   return fmt::format("{:.4g} {}", value, unit);
@@ -30,6 +28,8 @@ std::string lineOf(const Finding& f) {
 }
 
 } // namespace
+
+std::string_view wordOf(Verdict v) { return VERDICTS[static_cast<std::size_t>(v)]; }
 
 void Deviation::take(double e, double f, std::size_t i, std::size_t j) {
   squares += e * e;

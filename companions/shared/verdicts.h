@@ -11,6 +11,7 @@
 namespace lcp::companions {
 
 enum class Verdict { GOOD, DOUBTFUL, BAD, TOLD }; // TOLD: information without a limit
+std::string_view wordOf(Verdict verdict);         // "good", "DOUBTFUL", "BAD"; empty for the last
 
 // A limit by name: above the first number a value is doubtful, above the second bad.
 struct Limit {

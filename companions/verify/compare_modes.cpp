@@ -7,6 +7,7 @@
 #include "companions/shared/direct_line.h"
 #include "companions/shared/fit_ranges.h"
 #include "companions/shared/followed_modes.h"
+#include "companions/shared/nodal_scan.h"
 #include "store/rundata.h"
 
 #include <algorithm>
@@ -117,10 +118,7 @@ PiDeviation piAt(const ModelFile& file, double length, double f) {
   const Complex s(0, TWOPI * f);
   const LinePoint point = constantsOf(f);
   const PhaseFunctions line = phaseFunctionsOf(point, modesOf(point), length);
-  const Matrix I = identity(file.n);
-  const Matrix plus = combined(I, 1, line.H), minus = combined(I, -1, line.H);
-  const Matrix alike = product(inverse(plus), product(minus, line.Yc));
-  const Matrix against = product(inverse(minus), product(plus, line.Yc));
+  const auto [alike, against] = nodalHalves(line.Yc, line.H);
   Matrix series = combined(against, -1, alike); // twice the series admittance
   for (Complex& e : series.elements) e *= 0.5;
   Matrix shunt(file.n, file.n), Z = file.pi.R;
@@ -182,12 +180,12 @@ std::vector<Finding> compareBergeron(const ModelFile& file, double length, const
   const BergeronFile& B = file.bergeron;
   const LineModes at = modesLike(constantsOf(B.SSFREQ), B.TI);
   const LineModes loss = modesLike(constantsOf(B.FLOSS), at.TI);
+  const std::vector<double> T = travelTimes(at, B.SSFREQ, length);
   std::vector<Finding> found;
   for (std::size_t m = 0; m < file.n; ++m) {
     const std::string mode = fmt::format("mode {}", m + 1);
-    const double T = length * at.gamma[m].imag() / (TWOPI * B.SSFREQ);
     const double R = (at.gamma[m] * at.Zc[m]).real(), Rloss = (loss.gamma[m] * loss.Zc[m]).real();
-    found.push_back(percent("T", mode, off(MILLI * B.modes[m].T, T), B.SSFREQ, limits));
+    found.push_back(percent("T", mode, off(MILLI * B.modes[m].T, T[m]), B.SSFREQ, limits));
     found.push_back(percent("Zc", mode, off(B.modes[m].Zc, at.Zc[m].real()), B.SSFREQ, limits));
     found.push_back(percent("R", mode, off(B.modes[m].R, R), B.SSFREQ, limits));
     found.push_back(percent("R loss", mode, off(B.modes[m].Rloss, Rloss), B.FLOSS, limits));
@@ -200,7 +198,7 @@ std::vector<Finding> compareBergeron(const ModelFile& file, double length, const
       Deviation ofT, ofZc;
       for (const double g : f) {
         const LineModes line = modesLike(constantsOf(g), at.TI);
-        ofT.take(off(MILLI * B.modes[m].T, length * line.gamma[m].imag() / (TWOPI * g)), g);
+        ofT.take(off(MILLI * B.modes[m].T, travelTimes(line, g, length)[m]), g);
         ofZc.take(off(B.modes[m].Zc, line.Zc[m].real()), g);
       }
       const std::string where = fmt::format("mode {}, {}", m + 1, name);

@@ -14,26 +14,6 @@ namespace {
 
 constexpr double SAME = 1e-9; // relative difference of numbers that stand for one
 
-struct Named {
-  std::string name;
-  const Rational* function;
-};
-
-std::vector<Named> functionsOf(const ModelFile& file) {
-  std::vector<Named> all;
-  if (file.kind == ModelKind::Phase) all.push_back({"Yc", &file.Yc});
-  if (file.kind == ModelKind::Mfdtd) all.push_back({"Z", &file.Z});
-  for (std::size_t g = 0; g < file.H.groups.size(); ++g)
-    all.push_back({fmt::format("H, group {}", g + 1), &file.H.groups[g]});
-  for (std::size_t m = 0; m < file.modes.size(); ++m) {
-    all.push_back({fmt::format("Zc, mode {}", m + 1), &file.modes[m].Zc});
-    all.push_back({fmt::format("A, mode {}", m + 1), &file.modes[m].A});
-    for (std::size_t r = 0; r < file.modes[m].row.size(); ++r)
-      all.push_back({fmt::format("TI({},{})", m + 1, r + 1), &file.modes[m].row[r]});
-  }
-  return all;
-}
-
 bool conjugate(Complex a, Complex b) { return std::abs(a - std::conj(b)) <= SAME * std::abs(a); }
 
 // Residues of a pair whose elements are not conjugate; those of a real pole that are not real.
@@ -52,7 +32,7 @@ struct PoleCounts {
   std::string ratioWhere;
 };
 
-void count(const Named& f, PoleCounts& c) {
+void count(const NamedFunction& f, PoleCounts& c) {
   const auto& P = f.function->poles;
   const auto& R = f.function->residues;
   for (std::size_t m = 0; m < P.size(); ++m) {
@@ -103,9 +83,9 @@ std::vector<Finding> stepWithoutDelays(const ModelFile& file, double length) {
 
 std::vector<Finding> checkPoles(const ModelFile& file, const Limits& limits) {
   PoleCounts c;
-  const std::vector<Named> functions = functionsOf(file);
+  const std::vector<NamedFunction> functions = functionsOf(file);
   if (functions.empty()) return {};
-  for (const Named& f : functions) count(f, c);
+  for (const NamedFunction& f : functions) count(f, c);
   Finding ratio{"poles", fmt::format("largest residue over pole, {}", c.ratioWhere)};
   ratio.value = c.ratio;
   // Those of H are of the size of 1; others have the units of their functions.
@@ -120,21 +100,16 @@ std::vector<Finding> checkDelays(const ModelFile& file, double length, const Lim
   for (const ModeFit& m : file.modes) delays.push_back(1e-3 * m.delay);
   if (delays.empty()) return stepWithoutDelays(file, length);
   const double top = fitRanges()[0].f.back();
-  std::vector<double> travel;
-  for (const Complex& gamma : modesOf(constantsOf(top)).gamma)
-    travel.push_back(length * gamma.imag() / (TWOPI * top));
-  std::sort(travel.begin(), travel.end());
+  const std::vector<double> travel = travelTimes(modesOf(constantsOf(top)), top, length);
   std::vector<Finding> found;
   std::sort(delays.begin(), delays.end());
   for (std::size_t g = 0; g < delays.size(); ++g) {
     // A group stands for the modes around it: it must not be slower than the slowest of them.
-    const auto nearest = std::min_element(travel.begin(), travel.end(), [&](double a, double b) {
-      return std::fabs(a - delays[g]) < std::fabs(b - delays[g]);
-    });
-    const double late = 100 * (delays[g] / *nearest - 1);
+    const double nearest = nearestTo(delays[g], travel);
+    const double late = 100 * (delays[g] / nearest - 1);
     Finding f{"delay", fmt::format("{} of {}, behind the travel time", g + 1, delays.size())};
     f.words =
-        fmt::format("{:.6g} ms, nearest travel time {:.6g} ms", 1e3 * delays[g], 1e3 * *nearest);
+        fmt::format("{:.6g} ms, nearest travel time {:.6g} ms", 1e3 * delays[g], 1e3 * nearest);
     f.value = late;
     f.unit = "%";
     f.verdict = limits.judge("delay", std::max(late, 0.0));

@@ -101,6 +101,7 @@ TEST(Scan, FindsBandsByTheirEdges) {
 TEST(Passivity, OfALumpedNetworkIsKnown) {
   auto& F = lcp::RUNDATA.fit;
   lcp::RUNDATA.resetInput();
+  lcp::RUNDATA.run = {}; // whatever was read before
   lcp::RUNDATA.run.DATAFMT = lcp::ROUTECONSTANTS;
   F.FSTART = 1;
   F.FEND = 1e5;
