@@ -1,7 +1,13 @@
 // Runs that are refused, or warn, as data: each file tests/refusals/SUBJECT.txt holds cases
-//   === template NAME   a text that cases stand in, up to the next "===", in place of its line @@
+//   === text NAME       lines up to the next "===", for any of these uses: a description or a
+//   console
+//                       text stands in it in place of its line @@; a line "@NAME" stands for its
+//                       lines, "@NAME: VALUE" for them with the value in place of @@, and
+//                       "@NAME: 1 to 9" for them with each of the numbers in turn. Those of
+//                       texts.txt go for all files
+//   === all             then the keys of the cases behind it, where they have none of their own
 //   === TITLE           a case; then, in any order, lines of
-//   in NAME             the template of its input; without it the input is the whole file
+//   in NAME             the text that its input stands in, "marks" when not given
 //   status N            exit status, 1 when not given
 //   file NAME           of the description, a.cvi when not given
 //   arguments WORDS     behind /file NAME, "/length 100000" when not given; with blanks in quotes
@@ -11,7 +17,9 @@
 //   --- NAME            then a further file beside the description; a directory is NAME/
 //   --- NAME -> OTHER   a symbolic link to another file, or => a hard one
 //   --- console         then what is printed behind the banner and the echo of the arguments, line
-//                       by line; a line "..." stands for any number of lines
+//                       by line; a line "..." stands for any number of lines. "--- console in
+//                       NAME" stands in a text, where @file and @last are the name of the
+//                       description and the last line of the input
 //   --- errors          then the lines of the error stream; when not given, none but the one on the
 //                       line that an error exit of the reader shows
 //   --- ends NAME       then the last lines of that file behind the run
@@ -32,7 +40,7 @@ namespace {
 using Texts = std::map<std::string, std::string>;
 
 struct Refusal {
-  Texts keys{{"in", ""},
+  Texts keys{{"in", "marks"},
              {"status", "1"},
              {"file", "a.cvi"},
              {"arguments", "/length 100000"},
@@ -40,33 +48,76 @@ struct Refusal {
   Texts parts; // input, further files, console, errors
 };
 
-// The cases of a file by title, their inputs put into the templates.
-std::map<std::string, Refusal> refusalsOf(const std::string& text) {
-  Texts templates{{"", "@@\n"}};
-  std::map<std::string, Refusal> cases;
-  Refusal* refusal = nullptr;
-  std::string* part = nullptr; // that is being read
+void replaceAll(std::string& text, const std::string& from, const std::string& to) {
+  for (std::size_t at = text.find(from); at < text.size(); at = text.find(from, at + to.size()))
+    text.replace(at, from.size(), to);
+}
+
+// A text with lines, or the value of a line, in place of its @@.
+std::string around(std::string text, std::string value) {
+  if (value.empty() && ("\n" + text).find("\n@@\n") < text.size()) replaceAll(text, "@@\n", "");
+  if (value.ends_with('\n')) value.pop_back();
+  replaceAll(text, "@@", value);
+  return text;
+}
+
+// Lines with texts in place of their names.
+std::string spelled(const std::string& text, const Texts& texts) {
+  std::string all;
   for (const std::string& line : splitLines(text)) {
+    const std::size_t colon = std::min(line.find(": "), line.size());
+    const auto named = texts.find(line.starts_with('@') ? line.substr(1, colon - 1) : "");
+    const std::string value = line.substr(std::min(colon + 2, line.size()));
+    int n = 0, last = 0, end = 0;
+    if (named == texts.end()) {
+      all += line + "\n";
+    } else if (std::sscanf(value.c_str(), "%d to %d%n", &n, &last, &end) == 2 &&
+               value.size() == static_cast<std::size_t>(end)) {
+      for (; n <= last; ++n) all += spelled(around(named->second, std::to_string(n)), texts);
+    } else {
+      all += spelled(around(named->second, value), texts);
+    }
+  }
+  return all;
+}
+
+void spellOut(Refusal& r, const Texts& texts) {
+  for (auto& [name, part] : r.parts) part = spelled(part, texts);
+  const auto lines = splitLines(r.parts.contains("input") ? r.parts["input"] : "");
+  if (r.parts.contains("input"))
+    r.parts["input"] = spelled(around(texts.at(r.keys["in"]), r.parts["input"]), texts);
+  if (!r.keys.contains("frame")) return;
+  std::string& console = r.parts["console"];
+  console = around(texts.at(r.keys["frame"]), console);
+  replaceAll(console, "@file", r.keys["file"]);
+  if (!lines.empty())
+    replaceAll(console, "@last", lines.back().substr(0, lines.back().find_last_not_of(' ') + 1));
+}
+
+// The cases of a file by title. Its texts are added to the ones of all files.
+std::map<std::string, Refusal> refusalsOf(const std::string& file, Texts& texts) {
+  constexpr std::string_view FRAMED = "console in ";
+  std::map<std::string, Refusal> cases;
+  Refusal all, *refusal = nullptr;
+  std::string* part = nullptr; // that is being read
+  for (const std::string& line : splitLines(file)) {
     const std::string name = line.substr(std::min<std::size_t>(4, line.size()));
     if (line.starts_with("=== ")) {
       if (part != nullptr && ("\n" + *part).ends_with("\n\n")) part->pop_back();
-      const bool isTemplate = name.starts_with("template ");
-      part = isTemplate ? &templates[name.substr(9)] : nullptr;
-      refusal = isTemplate ? nullptr : &cases[name];
+      const bool isText = name.starts_with("text ");
+      part = isText ? &texts[name.substr(5)] : nullptr;
+      refusal = isText ? nullptr : name == "all" ? &(all = {}) : &(cases[name] = all);
     } else if (refusal != nullptr && (line + " ").starts_with("--- ")) {
-      part = &refusal->parts[name.empty() ? "input" : name];
+      if (name.starts_with(FRAMED)) refusal->keys["frame"] = name.substr(FRAMED.size());
+      part = &refusal->parts[name.empty() ? "input" : name.starts_with(FRAMED) ? "console" : name];
     } else if (part != nullptr) {
       *part += line + "\n";
-    } else if (refusal != nullptr) {
+    } else if (refusal != nullptr && !line.empty()) {
       const std::string key = line.substr(0, line.find(' '));
       refusal->keys.at(key) = line.substr(std::min(key.size() + 1, line.size()));
     }
   }
-  for (auto& [title, r] : cases) {
-    if (!r.parts.contains("input")) continue;
-    const std::string whole = templates.at(r.keys["in"]);
-    r.parts["input"] = std::string(whole).replace(whole.find("@@\n"), 3, r.parts["input"]);
-  }
+  for (auto& [title, r] : cases) spellOut(r, texts);
   return cases;
 }
 
@@ -147,14 +198,33 @@ std::string differences(Refusal r) {
 } // namespace
 
 TEST(Refusals, AreAsExpected) {
+  Texts shared;
+  refusalsOf(contentOf(CORVO_TEST_DATA "/refusals/texts.txt"), shared);
   for (const auto& file : std::filesystem::directory_iterator(CORVO_TEST_DATA "/refusals")) {
-    for (const auto& [title, refusal] : refusalsOf(contentOf(file.path())))
+    Texts texts = shared;
+    for (const auto& [title, refusal] : refusalsOf(contentOf(file.path()), texts))
       EXPECT_EQ(differences(refusal), "") << file.path() << ": " << title;
   }
 }
 
+TEST(Refusals, TextsStandForTheirLines) {
+  Texts texts;
+  auto cases = refusalsOf("=== text marks\n<\n@@\n>\n\n=== text two\na @@ @@\n@one\n\n"
+                          "=== text one\nb\n\n=== text end\nfirst\n@@\n@file: @last.\n\n"
+                          "=== all\nstatus 0\nfile x\n\n"
+                          "=== A\n---\n@two: 3 to 4\n@two: 5 to\nc \n--- console in end\n\n"
+                          "=== B\nin one\nstatus 2\n---\n--- f\n@two: x\n",
+                          texts);
+  Refusal &A = cases.at("A"), &B = cases.at("B");
+  EXPECT_EQ(A.parts["input"], "<\na 3 3\nb\na 4 4\nb\na 5 to 5 to\nb\nc \n>\n");
+  EXPECT_EQ(A.parts["console"], "first\nx: c.\n");
+  EXPECT_EQ(B.parts["input"], "b\n");
+  EXPECT_EQ(B.parts["f"], "a x x\nb\n");
+  EXPECT_EQ(A.keys["status"] + B.keys["status"] + B.keys["file"], "02x");
+}
+
 TEST(Refusals, EachPartCanFail) {
-  const std::string good = "=== template line\nCORVO-INPUT-DATA\n@@\nEND-OF-CORVO-INPUT-DATA\n"
+  const std::string good = "=== text line\nCORVO-INPUT-DATA\n@@\nEND-OF-CORVO-INPUT-DATA\n"
                            "=== a case\nin line\nstatus 1\n---\nrubbish\nLine Summary\n{\n"
                            "Line Length: y\n--- console\nUnknown Data Line Ignored: rubbish\n...\n"
                            "Last Line Read Was: Line Length: y\n...\nREADTLDATA Ending!\n";
@@ -171,7 +241,8 @@ TEST(Refusals, EachPartCanFail) {
   for (const auto& [from, to, told] : changes) {
     std::string text = good + "\n=== good\n";
     text.replace(text.find(from), std::string(from).size(), to);
-    const std::string report = differences(refusalsOf(text).at("a case"));
+    Texts texts;
+    const std::string report = differences(refusalsOf(text, texts).at("a case"));
     EXPECT_EQ(report.substr(0, report.find(':')), told) << to << '\n' << report;
   }
 }
