@@ -154,7 +154,7 @@ Run runProgram(const std::vector<std::string>& words, const fs::path& folder, in
                double limit) {
   Run run;
   const double start = now();
-  const pid_t child = startProgram({words, folder, -1, console, console, SIGKILL});
+  const pid_t child = startProgram({words, folder, console, console, SIGKILL});
   run.how = waitFor(child, limit > 0 ? limit : NOLIMIT, run.end);
   if (run.how != Waited::ENDED) killAll(child, run.end);
   // Then the same signal is on its way to this process, and the case has not crashed.

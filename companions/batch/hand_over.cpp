@@ -81,9 +81,9 @@ std::string quoted(const std::vector<std::string>& words) {
 }
 
 struct Files {
-  int input = -1, output = -1, messages = -1;
+  int output = -1, messages = -1;
   ~Files() {
-    for (const int d : {input, output, messages}) close(d);
+    for (const int d : {output, messages}) close(d);
   }
 };
 
@@ -107,7 +107,7 @@ std::string cancel(const fs::path& work) {
   const std::string program = programInPath("scancel");
   if (job.empty() || program.empty()) return {};
   End end;
-  const pid_t child = startProgram({{program, "--quiet", JOBNAME, job}, {}, -1, -1, -1, SIGKILL});
+  const pid_t child = startProgram({{program, "--quiet", JOBNAME, job}, {}, -1, -1, SIGKILL});
   if (waitFor(child, PATIENCE, end) != Waited::ENDED) killAll(child, end);
   return job;
 }
@@ -146,8 +146,8 @@ int follow(pid_t child, const Hands& hands, Progress& progress, End& end) {
   return signal;
 }
 
-// Files for parallel: a line of the shell a part. Words for it.
-std::vector<std::string> parallelWords(const Hands& hands, const Parts& parts, Files& files) {
+// The file for parallel: a line of the shell a part. Words for it.
+std::vector<std::string> parallelWords(const Hands& hands, const Parts& parts) {
   std::string commands;
   std::vector<std::string> command = partCommand(hands.work, hands.wishes);
   command.emplace_back();
@@ -156,10 +156,15 @@ std::vector<std::string> parallelWords(const Hands& hands, const Parts& parts, F
     commands += "exec " + quoted(command) + "\n";
   }
   if (!writeWhole(hands.work / COMMANDS, commands, false)) return {};
-  files.input = openedIn(hands.work, COMMANDS, O_RDONLY);
-  std::vector<std::string> words = {
-      programInPath("parallel"),     "--plain", "--ungroup", "--halt", "soon,fail=1", "--joblog",
-      (hands.work / JOBLOG).string()};
+  std::vector<std::string> words = {programInPath("parallel"),
+                                    "--plain",
+                                    "--ungroup",
+                                    "--halt",
+                                    "soon,fail=1",
+                                    "--joblog",
+                                    (hands.work / JOBLOG).string(),
+                                    "--arg-file",
+                                    (hands.work / COMMANDS).string()};
   words.insert(words.end(), hands.words.begin(), hands.words.end());
   setenv("PARALLEL_SHELL", "/bin/sh", 1); // whatever the user's own is
   return words;
@@ -205,14 +210,14 @@ HandedOver handOver(const Hands& hands, const Parts& parts, const std::vector<Ba
   Files files;
   files.messages = openedIn(hands.work, WORDS, O_WRONLY | O_CREAT | O_TRUNC | O_APPEND);
   const std::vector<std::string> words =
-      hands.slurm ? slurmWords(hands, parts, files) : parallelWords(hands, parts, files);
+      hands.slurm ? slurmWords(hands, parts, files) : parallelWords(hands, parts);
   if (words.empty() || files.messages < 0) return {0, cannotWrite(hands.work)};
   prctl(PR_SET_CHILD_SUBREAPER, 1);
   Progress progress(parts, cases);
   const int output = hands.slurm ? files.output : files.messages;
   // Names among the words for parallel are those of the folder of the user.
-  const pid_t child = startProgram(
-      {words, hands.slurm ? hands.work : "", files.input, output, files.messages, SIGINT});
+  const pid_t child =
+      startProgram({words, hands.slurm ? hands.work : "", output, files.messages, SIGINT});
   if (child < 0) return {0, fmt::format("cannot start {}: {}", words[0], std::strerror(errno))};
   End end;
   result.signal = follow(child, hands, progress, end);

@@ -44,7 +44,7 @@ void become(const Start& start, pid_t parent) {
   // The parent may have ended before this was asked for.
   if (start.atOurEnd != 0) prctl(PR_SET_PDEATHSIG, start.atOurEnd);
   if (start.atOurEnd != 0 && getppid() != parent) _exit(NOTSTARTED);
-  takePlace(start.input, STDIN_FILENO);
+  takePlace(-1, STDIN_FILENO);
   takePlace(start.output, STDOUT_FILENO);
   takePlace(start.errors, STDERR_FILENO);
   sigprocmask(SIG_SETMASK, &unheld, nullptr);

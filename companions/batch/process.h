@@ -18,9 +18,9 @@ void holdSignals();
 void endWithParent();
 
 struct Start {
-  std::vector<std::string> words;           // the program and its arguments
-  std::filesystem::path folder;             // it runs there; empty for here
-  int input = -1, output = -1, errors = -1; // descriptors; -1 for the null device
+  std::vector<std::string> words; // the program and its arguments
+  std::filesystem::path folder;   // it runs there; empty for here
+  int output = -1, errors = -1;   // descriptors; -1 for the null device, which it reads
   int atOurEnd = 0; // the signal that it gets when this process ends, however that ends
 };
 
