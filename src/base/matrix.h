@@ -124,9 +124,13 @@ template <class T, int S> struct CurveMatrix {
       for (int i = 1; i <= n; ++i) m(i, j) = (*this)(k, i, j);
     }
   }
-  void store(int k, View<const T> m, int n) {
+  void store(int k, View<const T> m, int n) { store(k, k, m, n); }
+  // Into several steps: those of an element are neighbours.
+  void store(int first, int last, View<const T> m, int n) {
     for (int j = 1; j <= n; ++j) {
-      for (int i = 1; i <= n; ++i) (*this)(k, i, j) = m(i, j);
+      for (int i = 1; i <= n; ++i) {
+        for (int k = first; k <= last; ++k) (*this)(k, i, j) = m(i, j);
+      }
     }
   }
 };

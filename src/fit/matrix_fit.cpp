@@ -59,13 +59,13 @@ int fillMatrix(const MatrixFit& Q, int NS, int N) {
 
 int elementNumber(int i, int j) { return (i - 1) * RUNDATA.line.NC + j; }
 
-void fillRightSides(const MatrixFit& Q, int NS) {
+void fillRightSides(const MatrixFit& Q, int NS, RView B) {
   const FreqCurve& W = SOLVEDATA.grid.WFIT;
   for (int i = 1; i <= RUNDATA.line.NC; ++i) {
     for (int j = 1; j <= RUNDATA.line.NC; ++j) {
       const auto& F = Q.F.curve(i, j);
       const double dc = Q.DC == nullptr ? 0.0 : (*Q.DC)(i, j);
-      const ColumnRows b = columnRows(LSQ.rightSides(), elementNumber(i, j), NS);
+      const ColumnRows b = columnRows(B, elementNumber(i, j), NS);
       for (int k = 1; k <= NS; ++k) {
         b.re[k - 1] = W[k] * (F[k].real() - dc);
         b.im[k - 1] = W[k] * F[k].imag();
@@ -74,8 +74,7 @@ void fillRightSides(const MatrixFit& Q, int NS) {
   }
 }
 
-void takeSolution(const MatrixFit& Q, int N, int columns) {
-  const RView X = LSQ.rightSides();
+void takeSolution(const MatrixFit& Q, int N, int columns, RConstView X) {
   for (int i = 1; i <= RUNDATA.line.NC; ++i) {
     for (int j = 1; j <= RUNDATA.line.NC; ++j) {
       const int element = elementNumber(i, j);
@@ -131,13 +130,14 @@ void fitResidues(const MatrixFit& Q, int N) {
   classifyPoles(Q.P, N, CINDEX);
   const int columns = fillMatrix(Q, NS, N);
   const int elements = RUNDATA.line.NC * RUNDATA.line.NC;
-  fillRightSides(Q, NS);
+  const RView B = LSQ.rightSides(std::max(2 * NS, columns));
+  fillRightSides(Q, NS, B);
   if (Q.JPVT == nullptr) {
-    DGELSY(LSQ.matrix(), LSQ.rightSides(), 2 * NS, columns, elements, RCOND);
+    DGELSY(LSQ.matrix(), B, 2 * NS, columns, elements, RCOND);
   } else {
-    DGELSY(LSQ.matrix(), LSQ.rightSides(), 2 * NS, columns, elements, *Q.JPVT, RCOND);
+    DGELSY(LSQ.matrix(), B, 2 * NS, columns, elements, *Q.JPVT, RCOND);
   }
-  takeSolution(Q, N, columns);
+  takeSolution(Q, N, columns, B);
 }
 
 double modelError(const MatrixFit& Q, int N) {

@@ -265,15 +265,38 @@ void dropPolesWithoutResidue() {
 
 } // namespace
 
-void countDeviation(PhaseFit& fit, const ComplexCurve& M, const ComplexCurve& H, int NS) {
-  double squares = 0, most = 0;
-  for (int k = 1; k <= NS; ++k) {
-    const double square = std::norm(M[k] - H[k]);
-    squares += square;
-    most = std::max(most, square);
+namespace {
+
+// Squared deviations over LANES sums side by side.
+struct SquareSums {
+  double sum[LANES] = {}, most[LANES] = {};
+
+  void take(int lane, Complex deviation) {
+    const double square = std::norm(deviation);
+    sum[lane] += square;
+    most[lane] = square > most[lane] ? square : most[lane];
   }
-  if (squares < NS * squareBelow(fit.RMSERR) && most < squareBelow(fit.MAXERR)) return;
-  squares = 0;
+};
+
+// Whether both measures of an element stay below those of others, whatever the moduli round to.
+LCP_WIDTHS("avx2")
+bool clearlySmaller(const PhaseFit& fit, const Complex* M, const Complex* H, int NS) {
+  SquareSums s;
+  int k = 0;
+  for (; k + LANES <= NS; k += LANES) {
+    for (int lane = 0; lane < LANES; ++lane) s.take(lane, M[k + lane] - H[k + lane]);
+  }
+  for (; k < NS; ++k) s.take(0, M[k] - H[k]);
+  const double squares = (s.sum[0] + s.sum[1]) + (s.sum[2] + s.sum[3]); // a NaN shows in it
+  return squares < NS * squareBelow(fit.RMSERR) &&
+         *std::max_element(s.most, s.most + LANES) < squareBelow(fit.MAXERR);
+}
+
+} // namespace
+
+void countDeviation(PhaseFit& fit, const ComplexCurve& M, const ComplexCurve& H, int NS) {
+  if (clearlySmaller(fit, M.steps, H.steps, NS)) return;
+  double squares = 0;
   for (int k = 1; k <= NS; ++k) {
     const double e = std::abs(M[k] - H[k]);
     squares += e * e;
@@ -311,7 +334,9 @@ double POLERATIO(GroupInts& LEADER) {
       const Complex P = FITMODEL.HPOLE[g][m];
       if (P.imag() != 0) continue;
       for (int i = 0; i < n * n; ++i) {
-        const double q = std::abs(FITMODEL.HRES[g](i / n + 1, i % n + 1)[m] / P);
+        const Complex R = FITMODEL.HRES[g](i / n + 1, i % n + 1)[m];
+        if (std::norm(R) < squareBelow(RATIOMARGIN * RATIO * P.real())) continue;
+        const double q = std::abs(R / P);
         if (!(q > RATIOMARGIN * RATIO)) continue;
         RATIO = q;
         LEADER[g] = m;

@@ -16,6 +16,7 @@ struct LeastSquaresStore {
 
   RView matrix() { return {A, LSROWS}; }
   RView rightSides() { return {B, LSROWS}; }
+  RView rightSides(int rows) { return {B, rows}; } // side by side: many of them stay near
 };
 
 inline LeastSquaresStore& LSQ = bigStore<LeastSquaresStore>();

@@ -25,22 +25,30 @@ void multiplyPanel(ComplexLanes* y, const double* a, const ComplexLanes* x, int 
   for (int i = 0; i < PANELROWS; ++i) y[i] = {re[i], im[i]};
 }
 
+// Parts of PANELROWS elements of a column, of which so many are left.
+void packColumn(double* __restrict a, const Complex* z, int left) {
+  if (left >= PANELROWS) {
+    for (int i = 0; i < PANELROWS; ++i) {
+      a[i] = z[i].real();
+      a[PANELROWS + i] = z[i].imag();
+    }
+    return;
+  }
+  for (int i = 0; i < PANELROWS; ++i) {
+    a[i] = i < left ? z[i].real() : 0.0;
+    a[PANELROWS + i] = i < left ? z[i].imag() : 0.0;
+  }
+}
+
 } // namespace
 
-void prepare(LeftFactor& F, CConstView A, int n) {
+LCP_WIDTHS("avx2") void prepare(LeftFactor& F, CConstView A, int n) {
   checkIndex(n, MAXINV);
   F.n = n;
   double* a = F.panels;
   for (int first = 1; first <= n; first += PANELROWS) {
-    const int rows = std::min(PANELROWS, n + 1 - first);
-    for (int j = 1; j <= n; ++j, a += 2 * PANELROWS) {
-      std::fill_n(a, 2 * PANELROWS, 0.0);
-      for (int i = 0; i < rows; ++i) {
-        const Complex z = A(first + i, j);
-        a[i] = z.real();
-        a[PANELROWS + i] = z.imag();
-      }
-    }
+    for (int j = 1; j <= n; ++j, a += 2 * PANELROWS)
+      packColumn(a, A.column(j) + first - 1, n + 1 - first);
   }
 }
 

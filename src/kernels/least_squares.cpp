@@ -21,6 +21,11 @@ void dormrz_(const char* side, const char* trans, const int* m, const int* n, co
 void dtrsm_(const char* side, const char* uplo, const char* trans, const char* diag, const int* m,
             const int* n, const double* alpha, const double* a, const int* lda, double* b,
             const int* ldb, std::size_t, std::size_t, std::size_t, std::size_t);
+void dgemv_(const char* trans, const int* m, const int* n, const double* alpha, const double* a,
+            const int* lda, const double* x, const int* incx, const double* beta, double* y,
+            const int* incy, std::size_t);
+void dger_(const int* m, const int* n, const double* alpha, const double* x, const int* incx,
+           const double* y, const int* incy, double* a, const int* lda);
 void dgelsy_(const int* m, const int* n, const int* nrhs, double* a, const int* lda, double* b,
              const int* ldb, int* jpvt, const double* rcond, int* rank, double* work,
              const int* lwork, int* info);
@@ -97,12 +102,56 @@ void estimateRank(PivotedFactors& F, double rcond) {
   }
 }
 
+// B = H B with the reflector H = I - tau v v^T in column i of the factors, for n columns of B from
+// row i on. False when B was 0 there.
+bool reflect(const PivotedFactors& F, int i, double* b, int ldb, int n) {
+  constexpr int UNIT = 1;
+  const double one = 1, zero = 0, tau = -F.tau[i - 1];
+  const double* v = &F.A(i, i);
+  int length = tau == 0 ? 0 : F.m + 1 - i;
+  while (length > 1 && v[length - 1] == 0) --length;
+  if (length == 0) return true;
+  const bool empty = n == 1 && std::all_of(b, b + length, [](double e) { return e == 0; });
+  dgemv_("T", &length, &n, &one, b, &ldb, v, &UNIT, &zero, F.rest, &UNIT, 1);
+  dger_(&length, &n, &tau, v, &UNIT, F.rest, &UNIT, b, &ldb);
+  return !empty;
+}
+
+// B = Q^T B for n columns. False when one that stands alone is 0 before a reflector.
+bool reflectAll(const PivotedFactors& F, double* b, int ldb, int n) {
+  bool full = true;
+  for (int i = 1; i <= F.least; ++i) {
+    const double diagonal = F.A(i, i);
+    F.A(i, i) = 1;
+    full = reflect(F, i, b + i - 1, ldb, n) && full;
+    F.A(i, i) = diagonal;
+  }
+  return full;
+}
+
+// LAPACK takes reflectors in blocks where there are many and the work numbers suffice, else one by
+// one over all columns: those of a line matrix do not stay in the cache. The same goes for the
+// columns strip by strip, unless the last one is 0, which LAPACK passes over.
+bool applyInStrips(const PivotedFactors& F, RView B, int nrhs) {
+  constexpr int BLOCK = 32, TRIANGLES = 65 * 64; // reflectors, and work numbers of their factors
+  constexpr int STRIP = 4; // columns that a sweep of DGEMV serves
+  static double last[LSROWS];
+  if (nrhs <= STRIP || (F.least > BLOCK && (F.nrest - TRIANGLES) / nrhs >= 2)) return false;
+  std::copy_n(B.column(nrhs), F.m, last);
+  if (!reflectAll(F, last, F.m, 1)) return false;
+  for (int c = 1; c <= nrhs; c += STRIP)
+    reflectAll(F, B.column(c), B.ld, std::min(STRIP, nrhs + 1 - c));
+  return true;
+}
+
 void solveFactored(const PivotedFactors& F, RView B, int nrhs) {
   const double one = 1;
   const int beyond = F.n - F.rank;
   int info = 0;
-  dormqr_("L", "T", &F.m, &nrhs, &F.least, F.A.first, &F.A.ld, F.tau, B.first, &B.ld, F.rest,
-          &F.nrest, &info, 1, 1);
+  if (!applyInStrips(F, B, nrhs)) {
+    dormqr_("L", "T", &F.m, &nrhs, &F.least, F.A.first, &F.A.ld, F.tau, B.first, &B.ld, F.rest,
+            &F.nrest, &info, 1, 1);
+  }
   dtrsm_("L", "U", "N", "N", &F.rank, &nrhs, &one, F.A.first, &F.A.ld, B.first, &B.ld, 1, 1, 1, 1);
   for (int c = 1; c <= nrhs; ++c) std::fill_n(B.column(c) + F.rank, beyond, 0.0);
   if (beyond == 0) return;

@@ -195,12 +195,11 @@ void acceptSolution(int k) {
   const int n = RUNDATA.line.NC;
   PIVNORM(S.TI, S.TIINV, S.PIVOT, n);
   INVCJD(S.TIINV, S.TI, n);
-  for (int step = k; step <= std::min(k + 1, MAXFREQ); ++step) {
-    for (int i = 1; i <= n; ++i) A.MEIG(step, i) = S.EIG[i];
-    A.MTI.store(step, S.TI, n);
-    A.YSTORE.store(step, S.YMAT, n);
-    A.ZSTORE.store(step, S.ZMAT, n);
-  }
+  const int last = std::min(k + 1, MAXFREQ);
+  for (int i = 1; i <= n; ++i) std::fill(&A.MEIG(k, i), &A.MEIG(last, i) + 1, S.EIG[i]);
+  A.MTI.store(k, last, S.TI, n);
+  A.YSTORE.store(k, last, S.YMAT, n);
+  A.ZSTORE.store(k, last, S.ZMAT, n);
   S.PSCALEST = S.PSCALE;
 }
 
