@@ -8,8 +8,7 @@ top=$(cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.." && pwd)
 build=$top/build/bench
 mkdir -p "$build"
 {
-  cmake -S "$top" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DCORVO_WERROR=ON \
-    -DCORVO_TESTS=OFF -DCORVO_COMPANIONS=OFF -DCORVO_BENCH=ON
+  (cd "$top" && cmake --preset bench)
   cmake --build "$build" --target corvo corvo_empty corvo_floors
 } > "$build/build.log" 2>&1 || { tail -20 "$build/build.log" >&2; exit 1; }
 exec python3 "$top/bench/measure.py" "$build/corvo" "$build/bench/corvo_empty" \

@@ -1,8 +1,11 @@
 #!/usr/bin/env python3
 """Checks how the house is built: levels of folders, circles of includes, lengths, the road map, and
-words that have no place in the tree. Prints what is wrong, one line each; status 1 when anything is.
+how much of the tree is tests. Prints what is wrong, one line each; status 1 when anything is.
 
-usage: check_structure.py [root of the tree]
+usage: check_structure.py [--write] [root of the tree]
+
+The lines of ROADMAP.md are the first sentences of the files; --write makes them anew. It keeps the
+order of the lines and all other text, and puts a new file at the end of its section.
 """
 
 import os
@@ -10,6 +13,7 @@ import re
 import shutil
 import subprocess
 import sys
+import textwrap
 
 # A file includes files of its own folder and of the folders before it.
 LEVELS = ["base", "diag", "store", "kernels", "input", "overhead", "cable", "modal", "fit",
@@ -19,12 +23,13 @@ FILE_LINES = 600
 FUNCTION_LINES = 100
 NESTING = 4  # braces inside the braces of a function
 
-# Written so that no pattern finds itself here.
-UNWANTED = [
-    r"\bspecificatio[n]\b", r"\bthe spe[c]\b", r"\bas specifie[d]\b", r"\bPart [0-9]+\.[0-9]",
-    r"\bissue [#]", r"\bT[O]DO\b", r"\bF[I]XME\b", r"\bX[X]X\b", r"\bH[A]CK\b",
-    r"""(?:^|[\s"'=(:])/(?:work|root|home)[/]""",
-]
+# Tests in per cent of all other code: lines that are neither blank nor comment.
+TEST_CODE = (25, 33)
+# All of tests/, data included, in per cent of the lines of all other folders; None: printed only.
+TEST_LINES = None
+CODE = (".cpp", ".h", ".py", ".js", ".sh")
+FOLDERS = ["src", "companions", "python", "bench", "tools"]
+MAP_WIDTH = 120
 
 NOT_CODE = re.compile(
     r"""//[^\n]*|/\*.*?\*/|R"(?P<mark>[^(\s]*)\(.*?\)(?P=mark)"|"(?:\\.|[^"\\\n])*"|"""
@@ -170,40 +175,110 @@ def check_lengths(sources):
                 yield f"{place(path)}:{first}: {depth} braces deep, at most {NESTING}"
 
 
+def first_sentence(text):
+    """The first sentence of the comment that a file begins with."""
+    comment = re.match(r"(?://[ \t]*[^\s][^\n]*\n)*", text).group()
+    words = " ".join(line.removeprefix("//").strip() for line in comment.splitlines())
+    return re.split(r"[.:]$|\.\s", words, maxsplit=1)[0]
+
+
+def map_lines(sources):
+    """The line of each unit: its name and what its header says first, or its source."""
+    lines = {}
+    for path in sorted(sources, key=lambda p: (unit(p), not p.endswith(".h"))):
+        says = first_sentence(sources[path])
+        if says and unit(path) not in lines:
+            lines[unit(path)] = textwrap.fill(f"- `{unit(path)}`: {says}", MAP_WIDTH, subsequent_indent="  ",
+                                              break_long_words=False, break_on_hyphens=False) + "\n"
+    return lines
+
+
+def section_of(name, headings):
+    """The heading "## folder" or "## folder: words" of a unit, of its folder or the next one above."""
+    folder = name
+    while "/" in folder:
+        folder = folder.rsplit("/", 1)[0]
+        if folder in headings:
+            return folder
+    return None
+
+
+def made_road_map(text, lines):
+    """The road map with these lines in the place of its own."""
+    parts = re.split(r"^(?=## )", text, flags=re.M)
+    headings = [(re.match(r"## ([^\s:]+)", part) or [None, None])[1] for part in parts]
+    homes = {name: section_of(name, headings) for name in lines}
+    entry = re.compile(r"^- `([^`]+)`[^\n]*\n(?:  [^\n]*\n)*", re.M)
+    for at, heading in enumerate(headings):
+        here = [name for name in lines if heading and homes[name] == heading]
+        listed = [m[1] for m in entry.finditer(parts[at])]
+        order = list(dict.fromkeys(name for name in listed if name in here))
+        order += [name for name in here if name not in order]
+        first = entry.search(parts[at])
+        before = parts[at][:first.start()] if first else parts[at].rstrip("\n") + "\n\n"
+        after = entry.sub("", parts[at][first.start():]) if first else "\n"
+        if order or first:
+            parts[at] = before + "".join(lines[name] for name in order) + after
+    return "".join(parts).rstrip("\n") + "\n", sorted(n for n in lines if homes[n] is None)
+
+
 def check_road_map(sources, text):
-    """Lines "- `folder/name`: ..." (or the name alone, when it is the only one) tell each unit once."""
-    units = sorted({unit(path) for path in sources})
-    told = re.findall(r"^- `([^`]+)`", text, re.M)
-    for u in units:
-        name = u.split("/")[-1]
-        alone = sum(v.split("/")[-1] == name for v in units) == 1
-        times = told.count(u) + (told.count(name) if alone and name != u else 0)
-        if times != 1:
-            yield f"ROADMAP.md: {u} is named in {times} lines, not in one"
-    for name in told:
-        if name not in units and not any(u.endswith("/" + name) for u in units):
-            yield f"ROADMAP.md: {name} is not in the tree"
+    lines = map_lines(sources)
+    for name in sorted({unit(path) for path in sources} - set(lines)):
+        yield f"{place(name)}: no comment at the top says what it is"
+    made, homeless = made_road_map(text, lines)
+    for name in homeless:
+        yield f"ROADMAP.md: no section for {name}"
+    if made != text:
+        yield "ROADMAP.md: not what the first sentences of the files make; see --write"
 
 
-def check_words(root, paths):
-    pattern = re.compile("|".join(UNWANTED), re.I)
-    shouted = ("todo", "fixme", "xxx", "hack")  # words only in capitals
+COMMENT = re.compile(r"""(?P<words>R"(?P<mark>[^(\s]*)\(.*?\)(?P=mark)"|"(?:\\.|[^"\\\n])*"|"""
+                     r"""(?<!\w)'(?:\\.|[^'\\\n])+'|`[^`]*`)|//[^\n]*|/\*.*?\*/""", re.S)
+
+
+def code_lines(path, text):
+    """Lines of a file that hold more than blanks and comments."""
+    if path.endswith((".py", ".sh")):
+        return sum(not re.match(r"\s*(#|$)", line) for line in text.split("\n"))
+    code = COMMENT.sub(lambda m: m["words"] or "\n" * m.group().count("\n"), text)
+    return sum(line.strip() != "" for line in code.split("\n"))
+
+
+def check_tests(root, paths):
+    """Prints how much of the tree is tests, by code and by all lines."""
+    code, lines = {}, {}
     for path in paths:
-        for number, line in enumerate(read(root, path).split("\n"), 1):
-            for found in pattern.finditer(line):
-                word = found.group().strip()
-                if word.lower() not in shouted or word.isupper():
-                    yield f"{path}:{number}: \"{word}\""
+        folder = path.split("/")[0]
+        if "/" not in path or folder not in FOLDERS + ["tests"]:
+            continue
+        text = read(root, path)
+        lines[folder] = lines.get(folder, 0) + text.count("\n")
+        if path.endswith(CODE):
+            code[folder] = code.get(folder, 0) + code_lines(path, text)
+    for what, counts, limits in (("code of the tests", code, TEST_CODE),
+                                 ("all lines of tests/", lines, TEST_LINES and (0, TEST_LINES))):
+        tests, rest = counts.get("tests", 0), sum(counts.get(f, 0) for f in FOLDERS)
+        percent = 100.0 * tests / max(rest, 1)
+        print(f"{what}: {tests} to {rest} of the rest, {percent:.1f} %")
+        if limits and rest > 0 and not limits[0] <= percent <= limits[1]:
+            yield f"{what}: {percent:.1f} %, not in {limits[0]} to {limits[1]} %"
 
 
-def main():
-    root = sys.argv[1] if len(sys.argv) > 1 else os.path.join(os.path.dirname(__file__), "..")
+def main(words):
+    write = "--write" in words
+    roots = [w for w in words if w != "--write"]
+    root = roots[0] if roots else os.path.join(os.path.dirname(os.path.abspath(__file__)), "..")
     paths = tree_files(root)
     sources = {p.removeprefix("src/"): read(root, p) for p in paths
                if p.startswith(("src/", "companions/")) and p.endswith((".cpp", ".h"))}
     road_map = read(root, "ROADMAP.md") if "ROADMAP.md" in paths else ""
+    if write:
+        road_map = made_road_map(road_map, map_lines(sources))[0]
+        with open(os.path.join(root, "ROADMAP.md"), "w", encoding="utf-8") as file:
+            file.write(road_map)
     wrong = [*check_includes(sources), *check_lengths(sources), *check_road_map(sources, road_map),
-             *check_words(root, paths)]
+             *check_tests(root, paths)]
     if not sources:
         wrong.append("no sources under src/")
     for line in wrong:
@@ -212,4 +287,4 @@ def main():
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    sys.exit(main(sys.argv[1:]))

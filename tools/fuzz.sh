@@ -6,25 +6,28 @@
 set -euo pipefail
 
 seconds=${1:-60}
-cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.."
+top=$(cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.." && pwd)
+cd "$top"
 tools/install_packages.sh fuzz
 
 cmake --preset fuzz > /dev/null
 cmake --build --preset fuzz --target reader_fuzz
 
-corpus=build/fuzz/corpus
-inputs=build/fuzz/inputs
+corpus=$top/build/fuzz/corpus
+inputs=$top/build/fuzz/inputs
 rm -rf "$inputs"
-mkdir -p "$corpus" "$inputs" tests/fuzz/finds
+mkdir -p "$corpus" "$inputs" build/fuzz/work tests/fuzz/finds
 shopt -s nullglob
 for file in tests/cases/*/*.{cvi,cbi,dta} examples/*.{cvi,cbi,dta}; do
   cp "$file" "$inputs/${file//\//_}"
 done
 seeds=("$inputs")
-[[ ! -d tests/fuzz/seeds ]] || seeds+=(tests/fuzz/seeds)
+[[ ! -d tests/fuzz/seeds ]] || seeds+=("$top/tests/fuzz/seeds")
 dictionary=()
-[[ ! -e tests/fuzz/keys.dict ]] || dictionary=(-dict=tests/fuzz/keys.dict)
+[[ ! -e tests/fuzz/keys.dict ]] || dictionary=(-dict="$top/tests/fuzz/keys.dict")
 
-build/fuzz/tests/fuzz/reader_fuzz "${dictionary[@]}" -max_total_time="$seconds" -timeout=10 \
-  -rss_limit_mb=4096 -max_len=16384 -artifact_prefix=tests/fuzz/finds/ -print_final_stats=1 -close_fd_mask=2 \
+# Inputs may turn on the debug file, which is written here.
+cd build/fuzz/work
+../tests/fuzz/reader_fuzz "${dictionary[@]}" -max_total_time="$seconds" -timeout=10 \
+  -rss_limit_mb=4096 -max_len=16384 -artifact_prefix="$top/tests/fuzz/finds/" -print_final_stats=1 -close_fd_mask=2 \
   "$corpus" "${seeds[@]}"

@@ -1,3 +1,4 @@
+// The entry of corvo-batch.
 #include "companions/batch/batch.h"
 
 int main(int count, char** values) { return lcp::companions::runBatch({values, values + count}); }

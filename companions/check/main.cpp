@@ -1,3 +1,4 @@
+// The entry of corvo-check.
 #include "companions/check/check.h"
 
 int main(int count, char** values) {

@@ -1,3 +1,4 @@
+// The entry of corvo.
 #include "run/lcpmain.h"
 
 int main(int count, char** values) {

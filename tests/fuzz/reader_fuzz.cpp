@@ -65,6 +65,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (null < 0 || ftruncate(file, 0) != 0) return 0;
   if (pwrite(file, data, size, 0) != static_cast<ssize_t>(size)) return 0;
   RUNDATA.run = RunControl{};
+  RUNDATA.run.FILESREAD = 1; // the reader resets what the input before has left
   RUNDATA.run.FNAME = fmt::format("/proc/self/fd/{}", file);
   RUNDATA.run.ISCABLE = static_cast<int>(size % 2);
   RUNDATA.run.LINELEN = 1000.0;

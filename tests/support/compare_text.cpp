@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cmath>
 #include <fmt/format.h>
-#include <regex>
 #include <vector>
 
 namespace lcp::test {
@@ -19,21 +18,51 @@ struct Line {
   bool matrix = false; // numbers and commas alone
 };
 
+bool isDigit(char c) { return c >= '0' && c <= '9'; }
+bool isSign(char c) { return c == '-' || c == '+'; }
+
+std::size_t afterDigits(const std::string& text, std::size_t at) {
+  while (at < text.size() && isDigit(text[at])) ++at;
+  return at;
+}
+
+// Behind the exponent that stands here, or here: a letter, a sign and digits.
+std::size_t afterExponent(const std::string& text, std::size_t at, const char* letters) {
+  if (at + 2 >= text.size() || std::string(letters).find(text[at]) == std::string::npos) return at;
+  return isSign(text[at + 1]) && isDigit(text[at + 2]) ? afterDigits(text, at + 2) : at;
+}
+
+// A real number of the text: [sign][digits].digits[E sign digits], by the places in it.
+struct Place {
+  std::size_t start, point, exponent, end; // without an exponent it is the end
+};
+
+// The first number from a place on, or an empty one at the end.
+Place numberFrom(const std::string& text, std::size_t from) {
+  for (std::size_t at = text.find('.', from); at < text.size(); at = text.find('.', at + 1)) {
+    const std::size_t exponent = afterDigits(text, at + 1);
+    if (exponent == at + 1) continue;
+    std::size_t start = at;
+    while (start > from && isDigit(text[start - 1])) --start;
+    if (start > from && isSign(text[start - 1])) --start;
+    return {start, at, exponent, afterExponent(text, exponent, "E")};
+  }
+  return {text.size(), text.size(), text.size(), text.size()};
+}
+
 Line taken(const std::string& text) {
-  static const std::regex number(R"([-+]?\d*\.(\d+)(?:E([-+]\d+))?)");
   Line line{.mask = text, .values = {}, .units = {}};
-  for (std::sregex_iterator m(text.begin(), text.end(), number), end; m != end; ++m) {
-    const int exponent = (*m)[2].matched ? std::stoi((*m)[2]) : 0;
-    line.values.push_back(std::stod(m->str()));
-    line.units.push_back(std::pow(10.0, exponent - m->length(1)));
+  for (Place p = numberFrom(text, 0); p.start < text.size(); p = numberFrom(text, p.end)) {
+    const int exponent = p.end > p.exponent ? std::stoi(text.substr(p.exponent + 1)) : 0;
+    line.values.push_back(std::stod(text.substr(p.start, p.end - p.start)));
+    line.units.push_back(std::pow(10.0, exponent - static_cast<int>(p.exponent - p.point - 1)));
     line.largest = std::max(line.largest, std::fabs(line.values.back()));
-    // all before the point, digits and signs behind it
-    const auto start = line.mask.begin() + m->position(), point = start + m->str().find('.');
-    std::fill(start, point, ' ');
-    std::replace_if(
-        point, start + m->length(), [](char c) { return c == '-' || c == '+'; }, '+');
-    std::replace_if(
-        point, start + m->length(), [](char c) { return c >= '0' && c <= '9'; }, '9');
+    for (std::size_t i = p.start; i < p.end; ++i) { // digits and signs behind the point keep a mark
+      char& c = line.mask[i];
+      if (i < p.point) c = ' ';
+      if (isSign(c)) c = '+';
+      if (isDigit(c)) c = '9';
+    }
   }
   line.matrix = line.mask.find(',') != std::string::npos &&
                 line.mask.find_first_not_of(" .,9E+") == std::string::npos;
@@ -48,9 +77,24 @@ double matrixScale(const std::vector<std::string>& lines, std::size_t at) {
   return largest;
 }
 
+// The text with each number, [-]digits[.digits][e sign digits], as one sign.
 std::string wordsOf(const std::string& text) {
-  static const std::regex number(R"(-?[0-9]+(\.[0-9]+)?([eE][-+][0-9]+)?)");
-  return std::regex_replace(text, number, "#");
+  std::string words;
+  for (std::size_t at = 0; at < text.size();) {
+    const std::size_t digits = at + (text[at] == '-' ? 1 : 0);
+    std::size_t end = afterDigits(text, digits);
+    if (end == digits) {
+      words += text[at++];
+      continue;
+    }
+    if (end < text.size() && text[end] == '.') {
+      const std::size_t fraction = afterDigits(text, end + 1);
+      if (fraction > end + 1) end = fraction;
+    }
+    at = afterExponent(text, end, "eE");
+    words += '#';
+  }
+  return words;
 }
 
 Free freedom(std::size_t line, const Tolerances& t) {

@@ -33,9 +33,15 @@ TEST(CompareText, TellsCloseFromApart) {
       {row + small, row + other, coarse, true},
       {row + "\n" + small, row + "\n" + other, coarse, false}, // and ends where its lines end
       {"  NaN", "  NaN", coarse, false},
+      {"v 1.2.30-.40", "v 1.2.30-.40", fine, true}, // where numbers touch
+      {"v 1.2.30-.40", "v 1.2.30-.42", fine, false},
+      {"1.5E-3.", "1.5E-4.", fine, false}, // an exponent counts, without a sign it is a word
+      {"1.5E3", "1.5E4", fine, false},
       {" 0.50,-.20\n 0.50,-.20\n", " -.50,0.20\n 0.70,0.00\n", turned, true},
       {" 0.50,-.20\n 0.50,-.20\n", " -.50,0.30\n 0.50,-.20\n", turned, false},
       {"\n\n 0.5\n", "\n\n 6e-05\n", turned, true},
+      {"\n\n a-1.e 2E+5\n", "\n\n a3.e 0.5\n", turned, true},
+      {"\n\n a-1.e\n", "\n\n a-.e\n", turned, false},
       {"\n\n 0.5\n", "\n\n nan\n", turned, false},
       {" 0.5\n NaN", " 0.5\n NaN", turned, false},
   };

@@ -1,7 +1,8 @@
 // What holds before the first test. Tests fill stores by hand, of any order and before a solve:
 // they are mapped for the largest. Numbers are computed in the program's floating-point mode, in
 // which a denormal number is 0. A run that ends inside a test, not in a child of it, fails this
-// test alone: the linker puts the routine below in the place of stop().
+// test alone: the linker puts the routine below in the place of stop(). CORVO_TEST_FOLDERS names
+// folders, with blanks between them, when not all tests are to run.
 #include "fit/fitted_curves.h"
 #include "fit/series_fit.h"
 #include "run/lcpmain.h"
@@ -11,7 +12,9 @@
 #include "base/console.h"
 
 #include <csignal>
+#include <cstdlib>
 #include <gtest/gtest.h>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <unistd.h>
@@ -52,6 +55,24 @@ class Clock : public testing::EmptyTestEventListener {
   return true;
 }();
 
+// The filter that leaves the tests of these folders; empty when there are none.
+std::string testsIn(const std::string& folders) {
+  std::string filter, folder;
+  const auto& all = *testing::UnitTest::GetInstance();
+  for (std::istringstream words(folders); words >> folder;) {
+    const std::string start = CORVO_TEST_DATA "/" + folder + "/";
+    for (int i = 0; i < all.total_test_suite_count(); ++i) {
+      const auto& suite = *all.GetTestSuite(i);
+      for (int k = 0; k < suite.total_test_count(); ++k) {
+        const auto& test = *suite.GetTestInfo(k);
+        if (std::string_view(test.file()).starts_with(start))
+          filter += std::string(suite.name()) + "." + test.name() + ":";
+      }
+    }
+  }
+  return filter;
+}
+
 } // namespace
 
 } // namespace lcp::test
@@ -63,4 +84,15 @@ extern "C" {
   lcp::console::flush();
   throw std::runtime_error("the run ended with status " + std::to_string(status));
 }
+}
+
+int main(int count, char** values) {
+  testing::InitGoogleTest(&count, values);
+  const char* folders = std::getenv("CORVO_TEST_FOLDERS");
+  if (folders != nullptr && *folders != 0) {
+    const std::string filter = lcp::test::testsIn(folders);
+    if (filter.empty()) return 1;
+    GTEST_FLAG_SET(filter, filter);
+  }
+  return RUN_ALL_TESTS();
 }

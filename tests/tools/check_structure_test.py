@@ -1,20 +1,27 @@
 #!/usr/bin/env python3
 """The check of the structure on small trees that are right, and wrong in one thing each."""
 
+import contextlib
+import io
 import os
-import subprocess
+import pathlib
+import re
 import sys
 import tempfile
 import unittest
 
-CHECK = os.path.join(os.path.dirname(os.path.abspath(__file__)), "../../tools/check_structure.py")
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "../../tools"))
+sys.dont_write_bytecode = True
+import check_structure  # pylint: disable=wrong-import-position
 
 TREE = {
-    "src/base/ground.h": "#pragma once\n#include <string>\n",
-    "src/base/ground.cpp": '#include "base/ground.h"\n',
-    "src/store/shelf.h": '#include "base/ground.h"\n',
-    "src/run/main.cpp": '#include "store/shelf.h"\n// "{" is no brace\nint main() { return 0; }\n',
-    "ROADMAP.md": "- `base/ground`: the ground\n- `shelf`: a shelf\n- `run/main`: the start\n",
+    "src/base/ground.h": "// The ground\n// of all. More.\n#pragma once\n#include <string>\n",
+    "src/base/ground.cpp": '// Not this.\n#include "base/ground.h"\n',
+    "src/store/shelf.h": '// A shelf\n#include "base/ground.h"\n',
+    "src/run/main.cpp": '// Start: x.\n#include "store/shelf.h"\n// "{"\n\nint main() {\nreturn 0;\n}\n',
+    "tests/a_test.cpp": "int a;\nint b;\n",
+    "ROADMAP.md": "Map\n\n## base: low\n\n- `base/ground`: The ground of all\n\n## store\n\nWords.\n\n"
+                  "- `store/shelf`: A shelf\n\n## run\n\n- `run/main`: Start: x\n",
 }
 
 
@@ -29,20 +36,28 @@ def nested(depth):
 
 
 class CheckStructure(unittest.TestCase):
-    def told(self, changes):
-        """What the check prints on the tree with these files replaced; None takes one away."""
+    def run_check(self, changes, *words):
+        """Lines that the check prints on the tree with these files replaced (None takes one away), and
+        the road map that it leaves."""
         with tempfile.TemporaryDirectory() as root:
             for path, text in {**TREE, **changes}.items():
-                if text is None:
-                    continue
-                os.makedirs(os.path.dirname(os.path.join(root, path)) or root, exist_ok=True)
-                with open(os.path.join(root, path), "w", encoding="utf-8") as file:
-                    file.write(text)
-            run = subprocess.run([sys.executable, CHECK, root], capture_output=True, text=True,
-                                 check=False)
-        self.assertEqual(run.stderr, "")
-        self.assertEqual(run.returncode, 1 if run.stdout else 0)
-        return run.stdout
+                if text is not None:
+                    pathlib.Path(root, path).parent.mkdir(parents=True, exist_ok=True)
+                    pathlib.Path(root, path).write_text(text, encoding="utf-8")
+            with contextlib.redirect_stdout(io.StringIO()) as printed:
+                status = check_structure.main([*words, root])
+            road_map = pathlib.Path(root, "ROADMAP.md")
+            made = road_map.read_text(encoding="utf-8") if road_map.exists() else ""
+        lines = printed.getvalue().splitlines(keepends=True)
+        wrong = [line for line in lines if " of the rest, " not in line]
+        self.assertEqual(len(lines) - len(wrong), 2)
+        self.assertEqual(status, 1 if wrong else 0)
+        return lines, made
+
+    def told(self, changes):
+        """What is wrong with the tree but for its road map and the share of its tests."""
+        return "".join(line for line in self.run_check(changes)[0]
+                       if not re.match(r"ROADMAP|code of|all lines|.*no comment", line))
 
     def check(self, wrong, text):
         told = self.told(wrong)
@@ -50,7 +65,9 @@ class CheckStructure(unittest.TestCase):
         self.assertEqual(told.count("\n"), 1, told)
 
     def test_right_tree(self):
-        self.assertEqual(self.told({}), "")
+        self.assertEqual(self.run_check({})[0],
+                         ["code of the tests: 2 to 8 of the rest, 25.0 %\n",
+                          "all lines of tests/: 2 to 15 of the rest, 13.3 %\n"])
 
     def test_empty_tree(self):
         self.check({path: None for path in TREE}, "no sources")
@@ -98,22 +115,29 @@ class CheckStructure(unittest.TestCase):
 
     def test_road_map(self):
         whole = TREE["ROADMAP.md"]
-        self.check({"ROADMAP.md": whole.replace("- `shelf`", "- shelf")}, "in 0 lines")
-        self.check({"ROADMAP.md": whole + "- `store/shelf`: again\n"}, "in 2 lines")
-        self.check({"ROADMAP.md": whole + "- `store/gone`: x\n"}, "store/gone is not in the tree")
-        self.assertEqual(self.told({"ROADMAP.md": None}).count("in 0 lines"), 3)
-        # One name in two folders tells neither.
-        self.assertEqual(self.told({"src/run/shelf.h": "\n"}).count("shelf is named in 0"), 2)
+        added = {"src/run/a/new.cpp": "// What is\n// new here:\n//\n// all\n"}
+        changed = whole.replace("Start", "Begin"), whole.replace("- `store/shelf`: A shelf\n", ""), "", \
+            whole + "- `run/main`: Start: x\n", whole.replace("Words.\n\n", "Words.\n\n- `store/gone`: x\n  y\n")
+        for text, files in [(text, {}) for text in changed] + [(whole, added)]:
+            lines = self.run_check({"ROADMAP.md": text, **files})[0]
+            self.assertIn("ROADMAP.md: not what", "".join(lines))
+        for text in changed:
+            made = self.run_check({"ROADMAP.md": text}, "--write")[1]
+            self.assertEqual(made, whole if text else "\n")
+        self.assertEqual(self.run_check(added, "--write")[1], whole + "- `run/a/new`: What is new here\n")
+        self.assertIn("ROADMAP.md: no section for cable/x\n", self.run_check({"src/cable/x.h": "// X.\n"})[0])
+        self.assertIn("src/base/x: no comment at the top says what it is\n",
+                      self.run_check({"src/base/x.h": "int x; // X.\n"})[0])
 
-    def test_words(self):
-        unwanted = ["Specificatio" + "n", "the spe" + "c", "as specifie" + "d", "Part " + "5.3",
-                    "issue " + "#12", "TO" + "DO", "FIX" + "ME", "X" + "XX", "HA" + "CK",
-                    "open(\"/ho" + "me/a\")"]
-        for word in unwanted:
-            for path in ("README.md", "src/run/main.cpp", "tests/a/b.txt"):
-                self.check({path: f"a line\n// and {word}\n"}, path + ":2: ")
-        right = "the species, a particular 5.3, an issue, XXXXXX, a hack, to do, src/work/a\n"
-        self.assertEqual(self.told({"README.md": right}), "")
+    def test_share_of_tests(self):
+        code = 'int a;\n\n// no\nint b; /* no\n no */ int c; // no\nchar d[] = "/* yes";\n/* no */\n'
+        for path, text, lines in (("tests/x.cpp", code, 6), ("tests/x.py", "# no\n\nx = 1  # yes\n", 3),
+                                  ("tests/x.sh", "#!/bin/sh\n  # no\nls\n", 3), ("tests/x.txt", "a\n" * 9, 2)):
+            self.assertIn(f"code of the tests: {lines} to 8 of", self.run_check({path: text})[0][0])
+        for tests, rest, right in ((24, 100, False), (25, 100, True), (33, 100, True), (34, 100, False)):
+            files = {"tests/a_test.cpp": "x\n" * tests, "python/a.py": "x\n" * (rest - 9), "tools/a.js": "x\n"}
+            wrong = self.run_check(files)[0][2:]
+            self.assertEqual(wrong, [] if right else [f"code of the tests: {tests}.0 %, not in 25 to 33 %\n"])
 
 
 if __name__ == "__main__":
