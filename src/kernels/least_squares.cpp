@@ -134,7 +134,7 @@ bool reflectAll(const PivotedFactors& F, double* b, int ldb, int n) {
 // columns strip by strip, unless the last one is 0, which LAPACK passes over.
 bool applyInStrips(const PivotedFactors& F, RView B, int nrhs) {
   constexpr int BLOCK = 32, TRIANGLES = 65 * 64; // reflectors, and work numbers of their factors
-  constexpr int STRIP = 4; // columns that a sweep of DGEMV serves
+  constexpr int STRIP = 4;                       // columns that a sweep of DGEMV serves
   static double last[LSROWS];
   if (nrhs <= STRIP || (F.least > BLOCK && (F.nrest - TRIANGLES) / nrhs >= 2)) return false;
   std::copy_n(B.column(nrhs), F.m, last);
