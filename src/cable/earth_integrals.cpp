@@ -61,10 +61,32 @@ struct Decay {
   bool overW; // exp(z - W) / W, otherwise exp(z - W)
 };
 
+// At two places, which the processor can do side by side.
+constexpr int PLACES = 2;
+
+void roots(const double* t, Complex z2, Complex* W) {
+  double x[PLACES];
+  bool plain = isPlain(std::fabs(z2.imag()));
+  for (int n = 0; n < PLACES; ++n) {
+    x[n] = t[n] * t[n] + z2.real();
+    plain = plain && isPlain(std::fabs(x[n]));
+  }
+  for (int n = 0; n < PLACES; ++n)
+    W[n] = plain ? plainRoot({x[n], z2.imag()}) : ROOT({x[n], z2.imag()});
+}
+
+void valuesAt(const double* t, const Decay& k, Complex* f) {
+  Complex W[PLACES];
+  roots(t, k.z2, W);
+  for (int n = 0; n < PLACES; ++n) f[n] = EXPONENTIAL(k.z - W[n]);
+  for (int n = 0; k.overW && n < PLACES; ++n) f[n] = quotient(f[n], W[n]);
+}
+
 Complex valueAt(double t, const Decay& k) {
-  const Complex W = ROOT(t * t + k.z2);
-  const Complex E = std::exp(k.z - W);
-  return k.overW ? E / W : E;
+  const double twice[PLACES] = {t, t};
+  Complex f[PLACES];
+  valuesAt(twice, k, f);
+  return f[0];
 }
 
 // Where the panels have come to, and the integrand there, which the next panel takes over.
@@ -79,9 +101,11 @@ Complex simpsonTo(double hi, const Decay& k, int parts, Reached& at) {
   Complex sum = 0.0;
   for (int n = 1; n <= parts; ++n) {
     const double v = n == parts ? hi : lo + (hi - lo) * n / parts;
-    const Complex fv = valueAt(v, k);
-    sum += (v - at.t) * (at.f + 4.0 * valueAt(0.5 * (at.t + v), k) + fv);
-    at = {v, fv};
+    const double t[PLACES] = {0.5 * (at.t + v), v};
+    Complex f[PLACES];
+    valuesAt(t, k, f);
+    sum += (v - at.t) * (at.f + 4.0 * f[0] + f[1]);
+    at = {v, f[1]};
   }
   return sum;
 }
@@ -132,7 +156,7 @@ Complex amplitude(double t, const Angled& k) {
     const Complex q = t / k.z;
     W = k.z * ROOT(1.0 + q * q);
   }
-  return std::exp(k.c * (k.z - W)) / (t + W);
+  return quotient(EXPONENTIAL(k.c * (k.z - W)), t + W);
 }
 
 Complex filon(double x, double h, Complex fm, Complex f0, Complex fp, double s) {
