@@ -51,6 +51,80 @@ bool isSmall(Complex P, Complex S) {
   return std::abs(P) < SMALLPANEL * std::abs(S);
 }
 
+// ---- Panels
+
+// Where the panels have come to, and the integrand there, which the next panel takes over.
+struct Reached {
+  double t;
+  Complex f;
+};
+
+// A part of a panel: its half-width, its middle and end with the integrand there, and the end of
+// the whole panel.
+struct Part {
+  double half;
+  double middle;
+  double end;
+  double whole;
+  Complex atMiddle;
+  Complex atEnd;
+};
+
+// The panels of a stage in their order. The integrand is found for some parts ahead of the sum,
+// side by side.
+template <class Division, class Integrand> class Panels {
+public:
+  Panels(const Division& d, const Integrand& k, const Reached& from, int parts)
+      : division(d), integrand(k), n(parts), cuts(parts), at(from.t) {}
+
+  const Part& front() {
+    if (next == AHEAD) lookAhead();
+    return ahead[next];
+  }
+  const Part& take() {
+    const Part& part = front();
+    ++next;
+    return part;
+  }
+
+private:
+  static constexpr int AHEAD = LANES / 2;
+
+  void lookAhead() {
+    Lanes t;
+    ComplexLanes f;
+    for (int p = 0; p < AHEAD; ++p) {
+      if (n == cuts) {
+        division.turnTo(at, cuts);
+        n = 0;
+      }
+      division.cut(++n, cuts, at, ahead[p]);
+      at = ahead[p].end;
+      t[2 * p] = ahead[p].middle;
+      t[2 * p + 1] = ahead[p].end;
+    }
+    valuesAt(f, t, integrand);
+    for (int p = 0; p < AHEAD; ++p) {
+      ahead[p].atMiddle = f.lane(2 * p);
+      ahead[p].atEnd = f.lane(2 * p + 1);
+    }
+    next = 0;
+  }
+
+  Division division;
+  const Integrand& integrand;
+  int n, cuts;
+  double at;
+  int next = AHEAD;
+  Part ahead[AHEAD];
+};
+
+template <class Integrand> Complex valueAt(double t, const Integrand& k) {
+  ComplexLanes f;
+  valuesAt(f, t - Lanes{}, k);
+  return f.lane(0);
+}
+
 // ---- KEXPINT and KEXPONE
 
 constexpr int MAXPANELS = 10000;
@@ -61,70 +135,71 @@ struct Decay {
   bool overW; // exp(z - W) / W, otherwise exp(z - W)
 };
 
-// At two places, which the processor can do side by side.
-constexpr int PLACES = 2;
-
-void roots(const double* t, Complex z2, Complex* W) {
-  double x[PLACES];
-  bool plain = isPlain(std::fabs(z2.imag()));
-  for (int n = 0; n < PLACES; ++n) {
-    x[n] = t[n] * t[n] + z2.real();
-    plain = plain && isPlain(std::fabs(x[n]));
-  }
-  for (int n = 0; n < PLACES; ++n)
-    W[n] = plain ? plainRoot({x[n], z2.imag()}) : ROOT({x[n], z2.imag()});
-}
-
-void valuesAt(const double* t, const Decay& k, Complex* f) {
-  Complex W[PLACES];
-  roots(t, k.z2, W);
-  for (int n = 0; n < PLACES; ++n) f[n] = EXPONENTIAL(k.z - W[n]);
-  for (int n = 0; k.overW && n < PLACES; ++n) f[n] = quotient(f[n], W[n]);
-}
-
-Complex valueAt(double t, const Decay& k) {
-  const double twice[PLACES] = {t, t};
-  Complex f[PLACES];
-  valuesAt(twice, k, f);
-  return f[0];
-}
-
-// Where the panels have come to, and the integrand there, which the next panel takes over.
-struct Reached {
-  double t;
-  Complex f;
-};
-
-// Six times the panel from the place reached to hi, in equal parts.
-Complex simpsonTo(double hi, const Decay& k, int parts, Reached& at) {
-  const double lo = at.t;
-  Complex sum = 0.0;
-  for (int n = 1; n <= parts; ++n) {
-    const double v = n == parts ? hi : lo + (hi - lo) * n / parts;
-    const double t[PLACES] = {0.5 * (at.t + v), v};
-    Complex f[PLACES];
-    valuesAt(t, k, f);
-    sum += (v - at.t) * (at.f + 4.0 * f[0] + f[1]);
-    at = {v, f[1]};
-  }
-  return sum;
+LCP_WIDTHS("avx2") void valuesAt(ComplexLanes& f, const Lanes& t, const Decay& k) {
+  ComplexLanes W = {t * t + k.z2.real(), k.z2.imag() - Lanes{}};
+  takeRoot(W);
+  f = {k.z.real() - W.re, k.z.imag() - W.im};
+  takeExponential(f);
+  if (k.overW) f = f / W;
 }
 
 double gradedEnd(int i, double A) { return std::sqrt((i * GRADE + A) * i); }
 
+// Ends of the panels of both stages.
+struct GrowingEnds {
+  double hh, hi;
+  explicit GrowingEnds(double A) : hh(A), hi(A) {}
+  double next() {
+    const double end = hi;
+    hi += GROWTH * hh;
+    hh *= GROWTH;
+    return end;
+  }
+};
+struct GradedEnds {
+  double A;
+  int i = 0;
+  double next() { return gradedEnd(++i, A); }
+};
+
+template <class Ends> struct Simpson {
+  Ends ends;
+  double lo = 0, hi = 0;
+
+  void turnTo(double at, int) {
+    lo = at;
+    hi = ends.next();
+  }
+  void cut(int n, int parts, double at, Part& part) const {
+    part.whole = hi;
+    part.end = n == parts ? hi : lo + (hi - lo) * n / parts;
+    part.middle = 0.5 * (at + part.end);
+  }
+};
+
+template <class Ends> using SimpsonPanels = Panels<Simpson<Ends>, Decay>;
+
+// Six times the next panel.
+template <class Ends> Complex simpson(SimpsonPanels<Ends>& panels, int parts, Reached& at) {
+  Complex sum = 0.0;
+  for (int n = 1; n <= parts; ++n) {
+    const Part& p = panels.take();
+    sum += (p.end - at.t) * (at.f + 4.0 * p.atMiddle + p.atEnd);
+    at = {p.end, p.atEnd};
+  }
+  return sum;
+}
+
 // The panels that grow, as long as they end below X1.
 void simpsonGrowing(double A, double X1, const Decay& k, int parts, Reached& at, PanelSum& sum) {
-  double hh = A;
-  double hi = A;
-  while (hi < X1) {
+  SimpsonPanels<GrowingEnds> panels({GrowingEnds(A)}, k, at, parts);
+  while (panels.front().whole < X1) {
     if (sum.growing == MAXPANELS || !isNumber(sum.S)) {
       sum.growingDone = false;
       return;
     }
-    sum.S += simpsonTo(hi, k, parts, at);
+    sum.S += simpson(panels, parts, at);
     ++sum.growing;
-    hi += GROWTH * hh;
-    hh *= GROWTH;
   }
 }
 
@@ -146,17 +221,21 @@ struct Angled {
       : z(z0), r(std::abs(z0)), c(std::cos(theta)), s(std::sin(theta)) {}
 };
 
-// g(t); W in the form that cannot overflow.
-Complex amplitude(double t, const Angled& k) {
-  Complex W;
-  if (k.r <= std::fabs(t)) {
-    const Complex q = k.z / t;
-    W = t * ROOT(1.0 + q * q);
-  } else {
-    const Complex q = t / k.z;
-    W = k.z * ROOT(1.0 + q * q);
-  }
-  return quotient(EXPONENTIAL(k.c * (k.z - W)), t + W);
+// g(t), t >= 0; W in the form that cannot overflow.
+LCP_WIDTHS("avx2") void valuesAt(ComplexLanes& f, const Lanes& t, const Angled& k) {
+  const Lanes zero{};
+  const LaneChoice beyond = k.r <= t;
+  const ComplexLanes z = {k.z.real() - zero, k.z.imag() - zero};
+  const ComplexLanes over = ComplexLanes{t, zero} / z;
+  const ComplexLanes q = {beyond ? z.re / t : over.re, beyond ? z.im / t : over.im};
+  ComplexLanes root = q * q;
+  root.re = 1.0 + root.re;
+  takeRoot(root);
+  const ComplexLanes product = z * root;
+  const ComplexLanes W = {beyond ? t * root.re : product.re, beyond ? t * root.im : product.im};
+  f = {k.c * (z.re - W.re), k.c * (z.im - W.im)};
+  takeExponential(f);
+  f = f / ComplexLanes{t + W.re, W.im};
 }
 
 Complex filon(double x, double h, Complex fm, Complex f0, Complex fp, double s) {
@@ -172,42 +251,77 @@ Complex filon(double x, double h, Complex fm, Complex f0, Complex fp, double s) 
   return 2.0 * h * (f0 * ce + h * h / 3.0 * (B * ce - 0.5 * s * s * f0 * ce - s * A1 * se));
 }
 
-// The panel of half-width h from the place reached on, in equal parts.
-Complex filonFrom(Reached& at, double h, const Angled& k, int parts) {
-  const double lo = at.t;
-  const double part = h / parts;
+// No panel spans more than a number of waves, whatever its place asks.
+double heldToPhase(double h, double s) { return h * s > LARGESTPHASE ? LARGESTPHASE / s : h; }
+
+// Half-widths of the panels of both stages.
+struct GrowingHalves {
+  double h, s;
+  GrowingHalves(double A, double sine) : h(std::min(0.5 * A, LARGESTFIRST)), s(sine) {}
+  double next(double) {
+    const double half = h;
+    h = heldToPhase(GROWTH * h, s);
+    return half;
+  }
+};
+struct GradedHalves {
+  double A, c, s;
+  int i = 0;
+  double next(double at) {
+    const double p = ++i;
+    const double X = std::sqrt((A + GRADE * p / c) * p / c);
+    return heldToPhase(0.5 * (X - at), s);
+  }
+};
+
+template <class Halves> struct Filon {
+  Halves halves;
+  double lo = 0, h = 0, half = 0;
+
+  void turnTo(double at, int parts) {
+    lo = at;
+    h = halves.next(at);
+    half = h / parts;
+  }
+  void cut(int n, int, double, Part& part) const {
+    part.half = half;
+    part.whole = lo + 2.0 * h;
+    part.middle = lo + (2 * n - 1) * half;
+    part.end = lo + 2 * n * half;
+  }
+};
+
+template <class Halves> using FilonPanels = Panels<Filon<Halves>, Angled>;
+
+// The next panel.
+template <class Halves>
+Complex filon(FilonPanels<Halves>& panels, int parts, double s, Reached& at) {
   Complex sum = 0.0;
   for (int n = 1; n <= parts; ++n) {
-    const double x = lo + (2 * n - 1) * part;
-    const Complex fp = amplitude(lo + 2 * n * part, k);
-    sum += filon(x, part, at.f, amplitude(x, k), fp, k.s);
-    at = {lo + 2 * n * part, fp};
+    const Part& p = panels.take();
+    sum += filon(p.middle, p.half, at.f, p.atMiddle, p.atEnd, s);
+    at = {p.end, p.atEnd};
   }
   return sum;
 }
 
-// No panel spans more than a number of waves, whatever its place asks.
-double heldToPhase(double h, double s) { return h * s > LARGESTPHASE ? LARGESTPHASE / s : h; }
-
 void filonGrowing(double A, double X1, const Angled& k, int parts, Reached& at, PanelSum& sum) {
-  double h = std::min(0.5 * A, LARGESTFIRST);
-  while (X1 > at.t + 2.0 * h) {
+  FilonPanels<GrowingHalves> panels({GrowingHalves(A, k.s)}, k, at, parts);
+  while (X1 > panels.front().whole) {
     if (sum.growing == MAXGROWING || !isNumber(sum.S)) {
       sum.growingDone = false;
       return;
     }
-    sum.S += 2.0 * filonFrom(at, h, k, parts);
+    sum.S += 2.0 * filon(panels, parts, k.s, at);
     ++sum.growing;
-    h = heldToPhase(GROWTH * h, k.s);
   }
 }
 
 void filonGraded(double A, const Angled& k, int parts, Reached& at, PanelSum& sum) {
-  const double c = std::fabs(k.c);
+  FilonPanels<GradedHalves> panels({{A, std::fabs(k.c), k.s}}, k, at, parts);
   while (sum.graded < MAXGRADED && isNumber(sum.S)) {
-    const double i = ++sum.graded;
-    const double X = std::sqrt((A + GRADE * i / c) * i / c);
-    const Complex P = filonFrom(at, heldToPhase(0.5 * (X - at.t), k.s), k, parts);
+    ++sum.graded;
+    const Complex P = filon(panels, parts, k.s, at);
     sum.S += 2.0 * P;
     sum.gradedDone = isSmall(P, sum.S);
     if (sum.gradedDone) return;
@@ -256,11 +370,12 @@ PanelSum kexpintPanels(Complex z, int parts) {
   PanelSum sum;
   Reached at{0.0, valueAt(0.0, k)};
   simpsonGrowing(A, X1, k, parts, at, sum);
-  sum.S += simpsonTo(X1, k, parts, at);
+  SimpsonPanels<GradedEnds> panels({{A}}, k, at, parts);
+  sum.S += simpson(panels, parts, at);
   sum.graded = 1;
   while (!sum.gradedDone && sum.graded < MAXPANELS && isNumber(sum.S)) {
     ++sum.graded;
-    const Complex P = simpsonTo(gradedEnd(sum.graded, A), k, parts, at);
+    const Complex P = simpson(panels, parts, at);
     sum.S += P;
     sum.gradedDone = isSmall(P, sum.S);
   }
@@ -273,8 +388,9 @@ PanelSum kexponePanels(Complex z, int parts) {
   const double A = FIRSTPANEL * std::abs(z);
   PanelSum sum;
   Reached at{0.0, valueAt(0.0, k)};
+  SimpsonPanels<GradedEnds> panels({{A}}, k, at, parts);
   while (!sum.gradedDone && sum.graded < MAXPANELS && isNumber(sum.S)) {
-    const Complex P = simpsonTo(gradedEnd(sum.graded + 1, A), k, parts, at);
+    const Complex P = simpson(panels, parts, at);
     sum.gradedDone = isSmall(P, sum.S);
     if (sum.gradedDone) break;
     sum.S += P;
@@ -289,7 +405,7 @@ PanelSum cbmutPanels(Complex z, double theta, int parts) {
   const double A = FIRSTPANEL * k.r;
   const double c = std::fabs(k.c);
   PanelSum sum;
-  Reached at{0.0, amplitude(0.0, k)};
+  Reached at{0.0, valueAt(0.0, k)};
   filonGrowing(A, std::sqrt((GRADE / c + A) / c), k, parts, at, sum);
   filonGraded(A, k, parts, at, sum);
   return sum;
