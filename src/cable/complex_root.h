@@ -73,16 +73,20 @@ inline void takeRoot(ComplexLanes& z) {
   }
 }
 
-// exp(z).
-inline Complex EXPONENTIAL(Complex z) {
-  constexpr double PLAINEXPONENT = 700.0;
-  if (!(std::fabs(z.real()) < PLAINEXPONENT && std::isfinite(z.imag()))) return std::exp(z);
-  const double e = std::exp(z.real());
-  return {e * std::cos(z.imag()), e * std::sin(z.imag())};
-}
-
+// z becomes exp(z). What overflows or is no number goes to the library.
 inline void takeExponential(ComplexLanes& z) {
-  for (int c = 0; c < LANES; ++c) z.set(c, EXPONENTIAL(z.lane(c)));
+  constexpr double PLAINEXPONENT = 700.0;
+  bool plain = true;
+  for (int c = 0; c < LANES; ++c)
+    plain = plain && std::fabs(z.re[c]) < PLAINEXPONENT && std::isfinite(z.im[c]);
+  if (!plain) {
+    for (int c = 0; c < LANES; ++c) z.set(c, std::exp(z.lane(c)));
+    return;
+  }
+  for (int c = 0; c < LANES; ++c) {
+    const double e = std::exp(z.re[c]);
+    z.set(c, {e * std::cos(z.im[c]), e * std::sin(z.im[c])});
+  }
 }
 
 } // namespace lcp

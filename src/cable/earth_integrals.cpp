@@ -59,69 +59,88 @@ struct Reached {
   Complex f;
 };
 
-// A part of a panel: its half-width, its middle and end with the integrand there, and the end of
-// the whole panel.
-struct Part {
-  double half;
-  double middle;
-  double end;
-  double whole;
-  Complex atMiddle;
-  Complex atEnd;
+// Panels ahead of their sum, a group a lane each: from start over middle to end, half wide, with
+// the integrand at these places.
+constexpr int GROUPS = 2;
+constexpr int AHEAD = GROUPS * LANES;
+constexpr int SWEEPS = 2 * GROUPS; // over places: middles and ends of a group in turn
+
+struct PanelsAhead {
+  Lanes start[GROUPS];
+  Lanes half[GROUPS];
+  Lanes places[SWEEPS];
+  ComplexLanes atStart[GROUPS];
+  ComplexLanes atPlaces[SWEEPS];
+  ComplexLanes sums[GROUPS];
 };
 
-// The panels of a stage in their order. The integrand is found for some parts ahead of the sum,
-// side by side.
-template <class Division, class Integrand> class Panels {
+// The panels of a stage in their order, each in equal parts. A division tells the places of the
+// panels, the integrand at them and their sums.
+template <class Division> class Panels {
 public:
-  Panels(const Division& d, const Integrand& k, const Reached& from, int parts)
-      : division(d), integrand(k), n(parts), cuts(parts), at(from.t) {}
+  Panels(const Division& d, Reached& from, int cuts)
+      : division(d), reached(from), parts(cuts), cut(cuts), at(from) {}
 
-  const Part& front() {
+  // Where the next panel ends.
+  double end() {
     if (next == AHEAD) lookAhead();
-    return ahead[next];
+    return whole[next];
   }
-  const Part& take() {
-    const Part& part = front();
-    ++next;
-    return part;
+  // Its sum; the place reached moves to its end.
+  Complex take() {
+    Complex sum = 0.0;
+    for (int n = 1; n <= parts; ++n, ++next) {
+      if (next == AHEAD) lookAhead();
+      sum += ahead.sums[next / LANES].lane(next % LANES);
+    }
+    const int g = (next - 1) / LANES, c = (next - 1) % LANES;
+    reached = {ahead.places[2 * g + 1][c], ahead.atPlaces[2 * g + 1].lane(c)};
+    return sum;
   }
 
 private:
-  static constexpr int AHEAD = LANES / 2;
-
   void lookAhead() {
-    Lanes t;
-    ComplexLanes f;
+    double from = at.t;
     for (int p = 0; p < AHEAD; ++p) {
-      if (n == cuts) {
-        division.turnTo(at, cuts);
-        n = 0;
+      const int g = p / LANES, c = p % LANES;
+      if (cut == parts) {
+        division.turnTo(from, parts);
+        cut = 0;
       }
-      division.cut(++n, cuts, at, ahead[p]);
-      at = ahead[p].end;
-      t[2 * p] = ahead[p].middle;
-      t[2 * p + 1] = ahead[p].end;
+      ++cut;
+      whole[p] = division.end();
+      ahead.start[g][c] = from;
+      ahead.half[g][c] = division.half();
+      ahead.places[2 * g][c] = division.middle(cut, parts, from);
+      from = ahead.places[2 * g + 1][c] = division.partEnd(cut, parts);
     }
-    valuesAt(f, t, integrand);
-    for (int p = 0; p < AHEAD; ++p) {
-      ahead[p].atMiddle = f.lane(2 * p);
-      ahead[p].atEnd = f.lane(2 * p + 1);
-    }
+    valuesAt(ahead.atPlaces, ahead.places, SWEEPS, division.integrand);
+    for (int g = 0; g < GROUPS; ++g) passOn(ahead.atStart[g], ahead.atPlaces[2 * g + 1]);
+    at.t = from;
+    sumUp(ahead, division.integrand);
     next = 0;
   }
 
+  // What a panel ends with the next one starts with.
+  void passOn(ComplexLanes& atStart, const ComplexLanes& atEnd) {
+    atStart.set(0, at.f);
+    for (int c = 1; c < LANES; ++c) atStart.set(c, atEnd.lane(c - 1));
+    at.f = atEnd.lane(LANES - 1);
+  }
+
   Division division;
-  const Integrand& integrand;
-  int n, cuts;
-  double at;
+  Reached& reached;
+  int parts, cut;
+  Reached at; // by the panels ahead
   int next = AHEAD;
-  Part ahead[AHEAD];
+  double whole[AHEAD];
+  PanelsAhead ahead;
 };
 
 template <class Integrand> Complex valueAt(double t, const Integrand& k) {
   ComplexLanes f;
-  valuesAt(f, t - Lanes{}, k);
+  const Lanes same = t - Lanes{};
+  valuesAt(&f, &same, 1, k);
   return f.lane(0);
 }
 
@@ -135,12 +154,24 @@ struct Decay {
   bool overW; // exp(z - W) / W, otherwise exp(z - W)
 };
 
-LCP_WIDTHS("avx2") void valuesAt(ComplexLanes& f, const Lanes& t, const Decay& k) {
-  ComplexLanes W = {t * t + k.z2.real(), k.z2.imag() - Lanes{}};
-  takeRoot(W);
-  f = {k.z.real() - W.re, k.z.imag() - W.im};
-  takeExponential(f);
-  if (k.overW) f = f / W;
+LCP_WIDTHS("avx2")
+void valuesAt(ComplexLanes* f, const Lanes* t, int sweeps, const Decay& k) {
+  ComplexLanes W[SWEEPS];
+  for (int g = 0; g < sweeps; ++g) {
+    W[g] = {t[g] * t[g] + k.z2.real(), k.z2.imag() - Lanes{}};
+    takeRoot(W[g]);
+    f[g] = {k.z.real() - W[g].re, k.z.imag() - W[g].im};
+  }
+  for (int g = 0; g < sweeps; ++g) takeExponential(f[g]);
+  for (int g = 0; k.overW && g < sweeps; ++g) f[g] = f[g] / W[g];
+}
+
+// Six times the panels.
+LCP_WIDTHS("avx2") void sumUp(PanelsAhead& P, const Decay&) {
+  for (int g = 0; g < GROUPS; ++g) {
+    const ComplexLanes *middle = P.atPlaces + 2 * g, *end = middle + 1;
+    P.sums[g] = (P.places[2 * g + 1] - P.start[g]) * (P.atStart[g] + 4.0 * *middle + *end);
+  }
 }
 
 double gradedEnd(int i, double A) { return std::sqrt((i * GRADE + A) * i); }
@@ -164,41 +195,31 @@ struct GradedEnds {
 
 template <class Ends> struct Simpson {
   Ends ends;
+  const Decay& integrand;
   double lo = 0, hi = 0;
 
   void turnTo(double at, int) {
     lo = at;
     hi = ends.next();
   }
-  void cut(int n, int parts, double at, Part& part) const {
-    part.whole = hi;
-    part.end = n == parts ? hi : lo + (hi - lo) * n / parts;
-    part.middle = 0.5 * (at + part.end);
-  }
+  double end() const { return hi; }
+  double half() const { return 0.0; } // nothing asks for it
+  double partEnd(int n, int parts) const { return n == parts ? hi : lo + (hi - lo) * n / parts; }
+  double middle(int n, int parts, double at) const { return 0.5 * (at + partEnd(n, parts)); }
 };
 
-template <class Ends> using SimpsonPanels = Panels<Simpson<Ends>, Decay>;
-
-// Six times the next panel.
-template <class Ends> Complex simpson(SimpsonPanels<Ends>& panels, int parts, Reached& at) {
-  Complex sum = 0.0;
-  for (int n = 1; n <= parts; ++n) {
-    const Part& p = panels.take();
-    sum += (p.end - at.t) * (at.f + 4.0 * p.atMiddle + p.atEnd);
-    at = {p.end, p.atEnd};
-  }
-  return sum;
-}
+using GrowingSimpson = Panels<Simpson<GrowingEnds>>;
+using GradedSimpson = Panels<Simpson<GradedEnds>>;
 
 // The panels that grow, as long as they end below X1.
 void simpsonGrowing(double A, double X1, const Decay& k, int parts, Reached& at, PanelSum& sum) {
-  SimpsonPanels<GrowingEnds> panels({GrowingEnds(A)}, k, at, parts);
-  while (panels.front().whole < X1) {
+  GrowingSimpson panels({GrowingEnds(A), k}, at, parts);
+  while (panels.end() < X1) {
     if (sum.growing == MAXPANELS || !isNumber(sum.S)) {
       sum.growingDone = false;
       return;
     }
-    sum.S += simpson(panels, parts, at);
+    sum.S += panels.take();
     ++sum.growing;
   }
 }
@@ -213,42 +234,67 @@ constexpr int MAXGRADED = 10000000;
 
 struct Angled {
   Complex z;
-  double r; // |z|
-  double c; // cos theta
-  double s; // sin theta
+  double r;         // |z|
+  double c;         // cos theta
+  double s;         // sin theta
+  ComplexLanes all; // z in every lane
 
   Angled(Complex z0, double theta)
-      : z(z0), r(std::abs(z0)), c(std::cos(theta)), s(std::sin(theta)) {}
+      : z(z0), r(std::abs(z0)), c(std::cos(theta)), s(std::sin(theta)) {
+    all.fill(z0);
+  }
 };
 
-// g(t), t >= 0; W in the form that cannot overflow.
-LCP_WIDTHS("avx2") void valuesAt(ComplexLanes& f, const Lanes& t, const Angled& k) {
+// In the form that cannot overflow, t >= 0.
+void setW(ComplexLanes& W, const Lanes& t, const Angled& k) {
   const Lanes zero{};
   const LaneChoice beyond = k.r <= t;
-  const ComplexLanes z = {k.z.real() - zero, k.z.imag() - zero};
-  const ComplexLanes over = ComplexLanes{t, zero} / z;
-  const ComplexLanes q = {beyond ? z.re / t : over.re, beyond ? z.im / t : over.im};
+  const ComplexLanes q = chosen(beyond, k.all / t, ComplexLanes{t, zero} / k.all);
   ComplexLanes root = q * q;
   root.re = 1.0 + root.re;
   takeRoot(root);
-  const ComplexLanes product = z * root;
-  const ComplexLanes W = {beyond ? t * root.re : product.re, beyond ? t * root.im : product.im};
-  f = {k.c * (z.re - W.re), k.c * (z.im - W.im)};
-  takeExponential(f);
-  f = f / ComplexLanes{t + W.re, W.im};
+  W = chosen(beyond, t * root, k.all * root);
 }
 
-Complex filon(double x, double h, Complex fm, Complex f0, Complex fp, double s) {
-  const Complex A1 = (fp - fm) / (2.0 * h);
-  const Complex B = (fm - 2.0 * f0 + fp) / (2.0 * h * h);
-  const double ce = std::cos(s * x);
-  const double se = std::sin(s * x);
-  const double v = s * h;
-  if (v >= SMALLPHASE) {
-    const Complex even = ce * (f0 - 2.0 * B / (s * s) + h * h * B) - A1 / s * se;
-    return 2.0 / s * (std::cos(v) * (2.0 * B * h / s * ce + h * A1 * se) + std::sin(v) * even);
+// g(t).
+LCP_WIDTHS("avx2")
+void valuesAt(ComplexLanes* f, const Lanes* t, int sweeps, const Angled& k) {
+  ComplexLanes W[SWEEPS];
+  for (int g = 0; g < sweeps; ++g) {
+    setW(W[g], t[g], k);
+    f[g] = k.c * (k.all - W[g]);
   }
-  return 2.0 * h * (f0 * ce + h * h / 3.0 * (B * ce - 0.5 * s * s * f0 * ce - s * A1 * se));
+  for (int g = 0; g < sweeps; ++g) takeExponential(f[g]);
+  for (int g = 0; g < sweeps; ++g) f[g] = f[g] / ComplexLanes{t[g] + W[g].re, W[g].im};
+}
+
+void setTurn(Lanes& cosine, Lanes& sine, const Lanes& angle) {
+  for (int c = 0; c < LANES; ++c) {
+    cosine[c] = std::cos(angle[c]);
+    sine[c] = std::sin(angle[c]);
+  }
+}
+
+void filon(ComplexLanes& P, const Lanes& x, const Lanes& h, const ComplexLanes& fm,
+           const ComplexLanes& f0, const ComplexLanes& fp, double s) {
+  const ComplexLanes A1 = (fp - fm) / (2.0 * h);
+  const ComplexLanes B = (fm - 2.0 * f0 + fp) / (2.0 * h * h);
+  const Lanes e = s * x, v = s * h;
+  Lanes ce, se, cv, sv;
+  setTurn(ce, se, e);
+  setTurn(cv, sv, v);
+  const ComplexLanes even = ce * (f0 - 2.0 * B / (s * s) + h * h * B) - se * (A1 / s);
+  const ComplexLanes odd = ce * (h * (2.0 * B) / s) + se * (h * A1);
+  const ComplexLanes flat = ce * B - ce * (0.5 * s * s * f0) - se * (s * A1);
+  P = chosen(v >= SMALLPHASE, 2.0 / s * (cv * odd + sv * even),
+             2.0 * h * (ce * f0 + h * h / 3.0 * flat));
+}
+
+LCP_WIDTHS("avx2") void sumUp(PanelsAhead& P, const Angled& k) {
+  for (int g = 0; g < GROUPS; ++g) {
+    const ComplexLanes *middle = P.atPlaces + 2 * g, *end = middle + 1;
+    filon(P.sums[g], P.places[2 * g], P.half[g], P.atStart[g], *middle, *end, k.s);
+  }
 }
 
 // No panel spans more than a number of waves, whatever its place asks.
@@ -276,52 +322,40 @@ struct GradedHalves {
 
 template <class Halves> struct Filon {
   Halves halves;
-  double lo = 0, h = 0, half = 0;
+  const Angled& integrand;
+  double lo = 0, h = 0, part = 0;
 
   void turnTo(double at, int parts) {
     lo = at;
     h = halves.next(at);
-    half = h / parts;
+    part = h / parts;
   }
-  void cut(int n, int, double, Part& part) const {
-    part.half = half;
-    part.whole = lo + 2.0 * h;
-    part.middle = lo + (2 * n - 1) * half;
-    part.end = lo + 2 * n * half;
-  }
+  double end() const { return lo + 2.0 * h; }
+  double half() const { return part; }
+  double partEnd(int n, int) const { return lo + 2 * n * part; }
+  double middle(int n, int, double) const { return lo + (2 * n - 1) * part; }
 };
 
-template <class Halves> using FilonPanels = Panels<Filon<Halves>, Angled>;
-
-// The next panel.
-template <class Halves>
-Complex filon(FilonPanels<Halves>& panels, int parts, double s, Reached& at) {
-  Complex sum = 0.0;
-  for (int n = 1; n <= parts; ++n) {
-    const Part& p = panels.take();
-    sum += filon(p.middle, p.half, at.f, p.atMiddle, p.atEnd, s);
-    at = {p.end, p.atEnd};
-  }
-  return sum;
-}
+using GrowingFilon = Panels<Filon<GrowingHalves>>;
+using GradedFilon = Panels<Filon<GradedHalves>>;
 
 void filonGrowing(double A, double X1, const Angled& k, int parts, Reached& at, PanelSum& sum) {
-  FilonPanels<GrowingHalves> panels({GrowingHalves(A, k.s)}, k, at, parts);
-  while (X1 > panels.front().whole) {
+  GrowingFilon panels({GrowingHalves(A, k.s), k}, at, parts);
+  while (X1 > panels.end()) {
     if (sum.growing == MAXGROWING || !isNumber(sum.S)) {
       sum.growingDone = false;
       return;
     }
-    sum.S += 2.0 * filon(panels, parts, k.s, at);
+    sum.S += 2.0 * panels.take();
     ++sum.growing;
   }
 }
 
 void filonGraded(double A, const Angled& k, int parts, Reached& at, PanelSum& sum) {
-  FilonPanels<GradedHalves> panels({{A, std::fabs(k.c), k.s}}, k, at, parts);
+  GradedFilon panels({{A, std::fabs(k.c), k.s}, k}, at, parts);
   while (sum.graded < MAXGRADED && isNumber(sum.S)) {
     ++sum.graded;
-    const Complex P = filon(panels, parts, k.s, at);
+    const Complex P = panels.take();
     sum.S += 2.0 * P;
     sum.gradedDone = isSmall(P, sum.S);
     if (sum.gradedDone) return;
@@ -370,12 +404,12 @@ PanelSum kexpintPanels(Complex z, int parts) {
   PanelSum sum;
   Reached at{0.0, valueAt(0.0, k)};
   simpsonGrowing(A, X1, k, parts, at, sum);
-  SimpsonPanels<GradedEnds> panels({{A}}, k, at, parts);
-  sum.S += simpson(panels, parts, at);
+  GradedSimpson panels({{A}, k}, at, parts);
+  sum.S += panels.take();
   sum.graded = 1;
   while (!sum.gradedDone && sum.graded < MAXPANELS && isNumber(sum.S)) {
     ++sum.graded;
-    const Complex P = simpson(panels, parts, at);
+    const Complex P = panels.take();
     sum.S += P;
     sum.gradedDone = isSmall(P, sum.S);
   }
@@ -388,9 +422,9 @@ PanelSum kexponePanels(Complex z, int parts) {
   const double A = FIRSTPANEL * std::abs(z);
   PanelSum sum;
   Reached at{0.0, valueAt(0.0, k)};
-  SimpsonPanels<GradedEnds> panels({{A}}, k, at, parts);
+  GradedSimpson panels({{A}, k}, at, parts);
   while (!sum.gradedDone && sum.graded < MAXPANELS && isNumber(sum.S)) {
-    const Complex P = simpson(panels, parts, at);
+    const Complex P = panels.take();
     sum.gradedDone = isSmall(P, sum.S);
     if (sum.gradedDone) break;
     sum.S += P;

@@ -36,6 +36,15 @@ inline ComplexLanes operator*(const ComplexLanes& a, const ComplexLanes& b) {
   return {a.re * b.re - a.im * b.im, a.re * b.im + a.im * b.re};
 }
 
+inline ComplexLanes operator*(const Lanes& a, const ComplexLanes& z) {
+  return {a * z.re, a * z.im};
+}
+inline ComplexLanes operator*(double a, const ComplexLanes& z) { return {a * z.re, a * z.im}; }
+inline ComplexLanes operator/(const ComplexLanes& z, const Lanes& a) {
+  return {z.re / a, z.im / a};
+}
+inline ComplexLanes operator/(const ComplexLanes& z, double a) { return {z.re / a, z.im / a}; }
+
 // |Re z| and |Im z|.
 inline ComplexLanes magnitudes(const ComplexLanes& z) {
   return {z.re < 0.0 ? -z.re : z.re, z.im < 0.0 ? -z.im : z.im};
@@ -56,6 +65,10 @@ inline ComplexLanes operator/(const ComplexLanes& a, const ComplexLanes& b) {
 inline ComplexLanes reciprocal(const ComplexLanes& z) {
   const Lanes zero{};
   return ComplexLanes{1.0 - zero, zero} / z;
+}
+
+inline ComplexLanes chosen(const LaneChoice& choice, const ComplexLanes& a, const ComplexLanes& b) {
+  return {choice ? a.re : b.re, choice ? a.im : b.im};
 }
 
 // Exchanges two numbers where the choice is true.
