@@ -1,8 +1,9 @@
-// Magnitude and principal root of a complex number in real arithmetic: the digits of the C
-// library's routines, without their cases for numbers near the ends of the range.
+// Magnitude, principal root and exponential of complex numbers in real arithmetic: the digits of
+// the C library's routines, without their cases for numbers near the ends of the range. Of single
+// numbers and of lanes.
 #pragma once
 
-#include "base/matrix.h"
+#include "kernels/lane_vectors.h"
 
 #include <algorithm>
 #include <cmath>
@@ -12,30 +13,80 @@ namespace lcp {
 // Its square, and products of it with others of the kind, neither overflow nor underflow.
 inline bool isPlain(double x) { return x > 1e-130 && x < 1e130; }
 
-// Of x + j y, both plain: the root of the squares, corrected by what its own square is off, which
-// the differences of x and y show without error.
-inline double plainMagnitude(double x, double y) {
-  constexpr double NOTHING = 0x1p-54;
-  const double a = std::max(x, y);
-  const double b = std::min(x, y);
-  const double h = std::sqrt(a * a + b * b);
-  const bool near = h <= 2.0 * b;
-  const double f = h - (near ? b : a);
-  const double t1 = near ? a * (2.0 * f - a) : 2.0 * f * (a - 2.0 * b);
-  const double t2 = near ? (f - 2.0 * (a - b)) * f : (4.0 * f - b) * b + f * f;
-  return b <= a * NOTHING ? a + b : h - (t1 + t2) / (2.0 * h);
+inline void takeRoot(double& x) { x = std::sqrt(x); }
+inline void takeRoot(Lanes& x) {
+  for (int c = 0; c < LANES; ++c) x[c] = std::sqrt(x[c]);
 }
 
-// Of any number; one that is not plain goes to the library. The larger part first, which does not
-// cancel; the other follows from their product.
+// Of x + j y, both plain: the root of the squares, corrected by what its own square is off, which
+// the differences of x and y show without error.
+template <class T> void setPlainMagnitude(T& m, const T& x, const T& y) {
+  constexpr double NOTHING = 0x1p-54;
+  const T a = x < y ? y : x;
+  const T b = x < y ? x : y;
+  T h = a * a + b * b;
+  takeRoot(h);
+  const auto near = h <= 2.0 * b;
+  const T f = h - (near ? b : a);
+  const T t1 = near ? a * (2.0 * f - a) : 2.0 * f * (a - 2.0 * b);
+  const T t2 = near ? (f - 2.0 * (a - b)) * f : (4.0 * f - b) * b + f * f;
+  m = b <= a * NOTHING ? a + b : h - (t1 + t2) / (2.0 * h);
+}
+
+inline double plainMagnitude(double x, double y) {
+  double m = 0;
+  setPlainMagnitude(m, x, y);
+  return m;
+}
+
+// re + j im, both plain but for their signs, becomes its root. The larger part first, which does
+// not cancel; the other follows from their product.
+template <class T> void takePlainRoot(T& re, T& im) {
+  const T x = re < 0.0 ? -re : re;
+  const T y = im < 0.0 ? -im : im;
+  T u;
+  setPlainMagnitude(u, x, y);
+  u = 0.5 * (u + x);
+  takeRoot(u);
+  const T v = 0.5 * (y / u);
+  const T second = re > 0.0 ? v : u;
+  re = re > 0.0 ? u : v;
+  im = im < 0.0 ? -second : second;
+}
+
+// Of any number; one that is not plain goes to the library.
 inline Complex ROOT(Complex z) {
-  const double x = std::fabs(z.real());
-  const double y = std::fabs(z.imag());
-  if (!isPlain(x) || !isPlain(y)) return std::sqrt(z);
-  const double u = std::sqrt(0.5 * (plainMagnitude(x, y) + x));
-  const double v = 0.5 * (y / u);
-  return z.real() > 0.0 ? Complex(u, std::copysign(v, z.imag()))
-                        : Complex(v, std::copysign(u, z.imag()));
+  double re = z.real(), im = z.imag();
+  if (!isPlain(std::fabs(re)) || !isPlain(std::fabs(im))) return std::sqrt(z);
+  takePlainRoot(re, im);
+  return {re, im};
+}
+
+inline void takeRoot(ComplexLanes& z) {
+  bool plain = true;
+  for (int c = 0; c < LANES; ++c)
+    plain = plain && isPlain(std::fabs(z.re[c])) && isPlain(std::fabs(z.im[c]));
+  if (plain) {
+    takePlainRoot(z.re, z.im);
+  } else {
+    for (int c = 0; c < LANES; ++c) z.set(c, ROOT(z.lane(c)));
+  }
+}
+
+// z becomes exp(z). What overflows or is no number goes to the library.
+inline void takeExponential(ComplexLanes& z) {
+  constexpr double PLAINEXPONENT = 700.0;
+  bool plain = true;
+  for (int c = 0; c < LANES; ++c)
+    plain = plain && std::fabs(z.re[c]) < PLAINEXPONENT && std::isfinite(z.im[c]);
+  if (!plain) {
+    for (int c = 0; c < LANES; ++c) z.set(c, std::exp(z.lane(c)));
+    return;
+  }
+  for (int c = 0; c < LANES; ++c) {
+    const double e = std::exp(z.re[c]);
+    z.set(c, {e * std::cos(z.im[c]), e * std::sin(z.im[c])});
+  }
 }
 
 } // namespace lcp

@@ -51,6 +51,99 @@ bool isSmall(Complex P, Complex S) {
   return std::abs(P) < SMALLPANEL * std::abs(S);
 }
 
+// ---- Panels
+
+// Where the panels have come to, and the integrand there, which the next panel takes over.
+struct Reached {
+  double t;
+  Complex f;
+};
+
+// Panels ahead of their sum, a group a lane each: from start over middle to end, half wide, with
+// the integrand at these places.
+constexpr int GROUPS = 2;
+constexpr int AHEAD = GROUPS * LANES;
+constexpr int SWEEPS = 2 * GROUPS; // over places: middles and ends of a group in turn
+
+struct PanelsAhead {
+  Lanes start[GROUPS];
+  Lanes half[GROUPS];
+  Lanes places[SWEEPS];
+  ComplexLanes atStart[GROUPS];
+  ComplexLanes atPlaces[SWEEPS];
+  ComplexLanes sums[GROUPS];
+};
+
+// The panels of a stage in their order, each in equal parts. A division tells the places of the
+// panels, the integrand at them and their sums.
+template <class Division> class Panels {
+public:
+  Panels(const Division& d, Reached& from, int cuts)
+      : division(d), reached(from), parts(cuts), cut(cuts), at(from) {}
+
+  // Where the next panel ends.
+  double end() {
+    if (next == AHEAD) lookAhead();
+    return whole[next];
+  }
+  // Its sum; the place reached moves to its end.
+  Complex take() {
+    Complex sum = 0.0;
+    for (int n = 1; n <= parts; ++n, ++next) {
+      if (next == AHEAD) lookAhead();
+      sum += ahead.sums[next / LANES].lane(next % LANES);
+    }
+    const int g = (next - 1) / LANES, c = (next - 1) % LANES;
+    reached = {ahead.places[2 * g + 1][c], ahead.atPlaces[2 * g + 1].lane(c)};
+    return sum;
+  }
+
+private:
+  void lookAhead() {
+    double from = at.t;
+    for (int p = 0; p < AHEAD; ++p) {
+      const int g = p / LANES, c = p % LANES;
+      if (cut == parts) {
+        division.turnTo(from, parts);
+        cut = 0;
+      }
+      ++cut;
+      whole[p] = division.end();
+      ahead.start[g][c] = from;
+      ahead.half[g][c] = division.half();
+      ahead.places[2 * g][c] = division.middle(cut, parts, from);
+      from = ahead.places[2 * g + 1][c] = division.partEnd(cut, parts);
+    }
+    valuesAt(ahead.atPlaces, ahead.places, SWEEPS, division.integrand);
+    for (int g = 0; g < GROUPS; ++g) passOn(ahead.atStart[g], ahead.atPlaces[2 * g + 1]);
+    at.t = from;
+    sumUp(ahead, division.integrand);
+    next = 0;
+  }
+
+  // What a panel ends with the next one starts with.
+  void passOn(ComplexLanes& atStart, const ComplexLanes& atEnd) {
+    atStart.set(0, at.f);
+    for (int c = 1; c < LANES; ++c) atStart.set(c, atEnd.lane(c - 1));
+    at.f = atEnd.lane(LANES - 1);
+  }
+
+  Division division;
+  Reached& reached;
+  int parts, cut;
+  Reached at; // by the panels ahead
+  int next = AHEAD;
+  double whole[AHEAD];
+  PanelsAhead ahead;
+};
+
+template <class Integrand> Complex valueAt(double t, const Integrand& k) {
+  ComplexLanes f;
+  const Lanes same = t - Lanes{};
+  valuesAt(&f, &same, 1, k);
+  return f.lane(0);
+}
+
 // ---- KEXPINT and KEXPONE
 
 constexpr int MAXPANELS = 10000;
@@ -61,46 +154,73 @@ struct Decay {
   bool overW; // exp(z - W) / W, otherwise exp(z - W)
 };
 
-Complex valueAt(double t, const Decay& k) {
-  const Complex W = ROOT(t * t + k.z2);
-  const Complex E = std::exp(k.z - W);
-  return k.overW ? E / W : E;
+LCP_WIDTHS("avx2")
+void valuesAt(ComplexLanes* f, const Lanes* t, int sweeps, const Decay& k) {
+  ComplexLanes W[SWEEPS];
+  for (int g = 0; g < sweeps; ++g) {
+    W[g] = {t[g] * t[g] + k.z2.real(), k.z2.imag() - Lanes{}};
+    takeRoot(W[g]);
+    f[g] = {k.z.real() - W[g].re, k.z.imag() - W[g].im};
+  }
+  for (int g = 0; g < sweeps; ++g) takeExponential(f[g]);
+  for (int g = 0; k.overW && g < sweeps; ++g) f[g] = f[g] / W[g];
 }
 
-// Where the panels have come to, and the integrand there, which the next panel takes over.
-struct Reached {
-  double t;
-  Complex f;
-};
-
-// Six times the panel from the place reached to hi, in equal parts.
-Complex simpsonTo(double hi, const Decay& k, int parts, Reached& at) {
-  const double lo = at.t;
-  Complex sum = 0.0;
-  for (int n = 1; n <= parts; ++n) {
-    const double v = n == parts ? hi : lo + (hi - lo) * n / parts;
-    const Complex fv = valueAt(v, k);
-    sum += (v - at.t) * (at.f + 4.0 * valueAt(0.5 * (at.t + v), k) + fv);
-    at = {v, fv};
+// Six times the panels.
+LCP_WIDTHS("avx2") void sumUp(PanelsAhead& P, const Decay&) {
+  for (int g = 0; g < GROUPS; ++g) {
+    const ComplexLanes *middle = P.atPlaces + 2 * g, *end = middle + 1;
+    P.sums[g] = (P.places[2 * g + 1] - P.start[g]) * (P.atStart[g] + 4.0 * *middle + *end);
   }
-  return sum;
 }
 
 double gradedEnd(int i, double A) { return std::sqrt((i * GRADE + A) * i); }
 
+// Ends of the panels of both stages.
+struct GrowingEnds {
+  double hh, hi;
+  explicit GrowingEnds(double A) : hh(A), hi(A) {}
+  double next() {
+    const double end = hi;
+    hi += GROWTH * hh;
+    hh *= GROWTH;
+    return end;
+  }
+};
+struct GradedEnds {
+  double A;
+  int i = 0;
+  double next() { return gradedEnd(++i, A); }
+};
+
+template <class Ends> struct Simpson {
+  Ends ends;
+  const Decay& integrand;
+  double lo = 0, hi = 0;
+
+  void turnTo(double at, int) {
+    lo = at;
+    hi = ends.next();
+  }
+  double end() const { return hi; }
+  double half() const { return 0.0; } // nothing asks for it
+  double partEnd(int n, int parts) const { return n == parts ? hi : lo + (hi - lo) * n / parts; }
+  double middle(int n, int parts, double at) const { return 0.5 * (at + partEnd(n, parts)); }
+};
+
+using GrowingSimpson = Panels<Simpson<GrowingEnds>>;
+using GradedSimpson = Panels<Simpson<GradedEnds>>;
+
 // The panels that grow, as long as they end below X1.
 void simpsonGrowing(double A, double X1, const Decay& k, int parts, Reached& at, PanelSum& sum) {
-  double hh = A;
-  double hi = A;
-  while (hi < X1) {
+  GrowingSimpson panels({GrowingEnds(A), k}, at, parts);
+  while (panels.end() < X1) {
     if (sum.growing == MAXPANELS || !isNumber(sum.S)) {
       sum.growingDone = false;
       return;
     }
-    sum.S += simpsonTo(hi, k, parts, at);
+    sum.S += panels.take();
     ++sum.growing;
-    hi += GROWTH * hh;
-    hh *= GROWTH;
   }
 }
 
@@ -114,76 +234,128 @@ constexpr int MAXGRADED = 10000000;
 
 struct Angled {
   Complex z;
-  double r; // |z|
-  double c; // cos theta
-  double s; // sin theta
+  double r;         // |z|
+  double c;         // cos theta
+  double s;         // sin theta
+  ComplexLanes all; // z in every lane
 
   Angled(Complex z0, double theta)
-      : z(z0), r(std::abs(z0)), c(std::cos(theta)), s(std::sin(theta)) {}
+      : z(z0), r(std::abs(z0)), c(std::cos(theta)), s(std::sin(theta)) {
+    all.fill(z0);
+  }
 };
 
-// g(t); W in the form that cannot overflow.
-Complex amplitude(double t, const Angled& k) {
-  Complex W;
-  if (k.r <= std::fabs(t)) {
-    const Complex q = k.z / t;
-    W = t * ROOT(1.0 + q * q);
-  } else {
-    const Complex q = t / k.z;
-    W = k.z * ROOT(1.0 + q * q);
-  }
-  return std::exp(k.c * (k.z - W)) / (t + W);
+// In the form that cannot overflow, t >= 0.
+void setW(ComplexLanes& W, const Lanes& t, const Angled& k) {
+  const Lanes zero{};
+  const LaneChoice beyond = k.r <= t;
+  const ComplexLanes q = chosen(beyond, k.all / t, ComplexLanes{t, zero} / k.all);
+  ComplexLanes root = q * q;
+  root.re = 1.0 + root.re;
+  takeRoot(root);
+  W = chosen(beyond, t * root, k.all * root);
 }
 
-Complex filon(double x, double h, Complex fm, Complex f0, Complex fp, double s) {
-  const Complex A1 = (fp - fm) / (2.0 * h);
-  const Complex B = (fm - 2.0 * f0 + fp) / (2.0 * h * h);
-  const double ce = std::cos(s * x);
-  const double se = std::sin(s * x);
-  const double v = s * h;
-  if (v >= SMALLPHASE) {
-    const Complex even = ce * (f0 - 2.0 * B / (s * s) + h * h * B) - A1 / s * se;
-    return 2.0 / s * (std::cos(v) * (2.0 * B * h / s * ce + h * A1 * se) + std::sin(v) * even);
+// g(t).
+LCP_WIDTHS("avx2")
+void valuesAt(ComplexLanes* f, const Lanes* t, int sweeps, const Angled& k) {
+  ComplexLanes W[SWEEPS];
+  for (int g = 0; g < sweeps; ++g) {
+    setW(W[g], t[g], k);
+    f[g] = k.c * (k.all - W[g]);
   }
-  return 2.0 * h * (f0 * ce + h * h / 3.0 * (B * ce - 0.5 * s * s * f0 * ce - s * A1 * se));
+  for (int g = 0; g < sweeps; ++g) takeExponential(f[g]);
+  for (int g = 0; g < sweeps; ++g) f[g] = f[g] / ComplexLanes{t[g] + W[g].re, W[g].im};
 }
 
-// The panel of half-width h from the place reached on, in equal parts.
-Complex filonFrom(Reached& at, double h, const Angled& k, int parts) {
-  const double lo = at.t;
-  const double part = h / parts;
-  Complex sum = 0.0;
-  for (int n = 1; n <= parts; ++n) {
-    const double x = lo + (2 * n - 1) * part;
-    const Complex fp = amplitude(lo + 2 * n * part, k);
-    sum += filon(x, part, at.f, amplitude(x, k), fp, k.s);
-    at = {lo + 2 * n * part, fp};
+void setTurn(Lanes& cosine, Lanes& sine, const Lanes& angle) {
+  for (int c = 0; c < LANES; ++c) {
+    cosine[c] = std::cos(angle[c]);
+    sine[c] = std::sin(angle[c]);
   }
-  return sum;
+}
+
+void filon(ComplexLanes& P, const Lanes& x, const Lanes& h, const ComplexLanes& fm,
+           const ComplexLanes& f0, const ComplexLanes& fp, double s) {
+  const ComplexLanes A1 = (fp - fm) / (2.0 * h);
+  const ComplexLanes B = (fm - 2.0 * f0 + fp) / (2.0 * h * h);
+  const Lanes e = s * x, v = s * h;
+  Lanes ce, se, cv, sv;
+  setTurn(ce, se, e);
+  setTurn(cv, sv, v);
+  const ComplexLanes even = ce * (f0 - 2.0 * B / (s * s) + h * h * B) - se * (A1 / s);
+  const ComplexLanes odd = ce * (h * (2.0 * B) / s) + se * (h * A1);
+  const ComplexLanes flat = ce * B - ce * (0.5 * s * s * f0) - se * (s * A1);
+  P = chosen(v >= SMALLPHASE, 2.0 / s * (cv * odd + sv * even),
+             2.0 * h * (ce * f0 + h * h / 3.0 * flat));
+}
+
+LCP_WIDTHS("avx2") void sumUp(PanelsAhead& P, const Angled& k) {
+  for (int g = 0; g < GROUPS; ++g) {
+    const ComplexLanes *middle = P.atPlaces + 2 * g, *end = middle + 1;
+    filon(P.sums[g], P.places[2 * g], P.half[g], P.atStart[g], *middle, *end, k.s);
+  }
 }
 
 // No panel spans more than a number of waves, whatever its place asks.
 double heldToPhase(double h, double s) { return h * s > LARGESTPHASE ? LARGESTPHASE / s : h; }
 
+// Half-widths of the panels of both stages.
+struct GrowingHalves {
+  double h, s;
+  GrowingHalves(double A, double sine) : h(std::min(0.5 * A, LARGESTFIRST)), s(sine) {}
+  double next(double) {
+    const double half = h;
+    h = heldToPhase(GROWTH * h, s);
+    return half;
+  }
+};
+struct GradedHalves {
+  double A, c, s;
+  int i = 0;
+  double next(double at) {
+    const double p = ++i;
+    const double X = std::sqrt((A + GRADE * p / c) * p / c);
+    return heldToPhase(0.5 * (X - at), s);
+  }
+};
+
+template <class Halves> struct Filon {
+  Halves halves;
+  const Angled& integrand;
+  double lo = 0, h = 0, part = 0;
+
+  void turnTo(double at, int parts) {
+    lo = at;
+    h = halves.next(at);
+    part = h / parts;
+  }
+  double end() const { return lo + 2.0 * h; }
+  double half() const { return part; }
+  double partEnd(int n, int) const { return lo + 2 * n * part; }
+  double middle(int n, int, double) const { return lo + (2 * n - 1) * part; }
+};
+
+using GrowingFilon = Panels<Filon<GrowingHalves>>;
+using GradedFilon = Panels<Filon<GradedHalves>>;
+
 void filonGrowing(double A, double X1, const Angled& k, int parts, Reached& at, PanelSum& sum) {
-  double h = std::min(0.5 * A, LARGESTFIRST);
-  while (X1 > at.t + 2.0 * h) {
+  GrowingFilon panels({GrowingHalves(A, k.s), k}, at, parts);
+  while (X1 > panels.end()) {
     if (sum.growing == MAXGROWING || !isNumber(sum.S)) {
       sum.growingDone = false;
       return;
     }
-    sum.S += 2.0 * filonFrom(at, h, k, parts);
+    sum.S += 2.0 * panels.take();
     ++sum.growing;
-    h = heldToPhase(GROWTH * h, k.s);
   }
 }
 
 void filonGraded(double A, const Angled& k, int parts, Reached& at, PanelSum& sum) {
-  const double c = std::fabs(k.c);
+  GradedFilon panels({{A, std::fabs(k.c), k.s}, k}, at, parts);
   while (sum.graded < MAXGRADED && isNumber(sum.S)) {
-    const double i = ++sum.graded;
-    const double X = std::sqrt((A + GRADE * i / c) * i / c);
-    const Complex P = filonFrom(at, heldToPhase(0.5 * (X - at.t), k.s), k, parts);
+    ++sum.graded;
+    const Complex P = panels.take();
     sum.S += 2.0 * P;
     sum.gradedDone = isSmall(P, sum.S);
     if (sum.gradedDone) return;
@@ -232,11 +404,12 @@ PanelSum kexpintPanels(Complex z, int parts) {
   PanelSum sum;
   Reached at{0.0, valueAt(0.0, k)};
   simpsonGrowing(A, X1, k, parts, at, sum);
-  sum.S += simpsonTo(X1, k, parts, at);
+  GradedSimpson panels({{A}, k}, at, parts);
+  sum.S += panels.take();
   sum.graded = 1;
   while (!sum.gradedDone && sum.graded < MAXPANELS && isNumber(sum.S)) {
     ++sum.graded;
-    const Complex P = simpsonTo(gradedEnd(sum.graded, A), k, parts, at);
+    const Complex P = panels.take();
     sum.S += P;
     sum.gradedDone = isSmall(P, sum.S);
   }
@@ -249,8 +422,9 @@ PanelSum kexponePanels(Complex z, int parts) {
   const double A = FIRSTPANEL * std::abs(z);
   PanelSum sum;
   Reached at{0.0, valueAt(0.0, k)};
+  GradedSimpson panels({{A}, k}, at, parts);
   while (!sum.gradedDone && sum.graded < MAXPANELS && isNumber(sum.S)) {
-    const Complex P = simpsonTo(gradedEnd(sum.graded + 1, A), k, parts, at);
+    const Complex P = panels.take();
     sum.gradedDone = isSmall(P, sum.S);
     if (sum.gradedDone) break;
     sum.S += P;
@@ -265,7 +439,7 @@ PanelSum cbmutPanels(Complex z, double theta, int parts) {
   const double A = FIRSTPANEL * k.r;
   const double c = std::fabs(k.c);
   PanelSum sum;
-  Reached at{0.0, amplitude(0.0, k)};
+  Reached at{0.0, valueAt(0.0, k)};
   filonGrowing(A, std::sqrt((GRADE / c + A) / c), k, parts, at, sum);
   filonGraded(A, k, parts, at, sum);
   return sum;

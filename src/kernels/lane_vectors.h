@@ -25,6 +25,9 @@ struct ComplexLanes {
 
 using LaneChoice = decltype(Lanes{} < Lanes{}); // a condition, in each lane on its own
 
+inline ComplexLanes operator+(const ComplexLanes& a, const ComplexLanes& b) {
+  return {a.re + b.re, a.im + b.im};
+}
 inline ComplexLanes operator-(const ComplexLanes& a) { return {-a.re, -a.im}; }
 inline ComplexLanes operator-(const ComplexLanes& a, const ComplexLanes& b) {
   return {a.re - b.re, a.im - b.im};
@@ -33,20 +36,39 @@ inline ComplexLanes operator*(const ComplexLanes& a, const ComplexLanes& b) {
   return {a.re * b.re - a.im * b.im, a.re * b.im + a.im * b.re};
 }
 
+inline ComplexLanes operator*(const Lanes& a, const ComplexLanes& z) {
+  return {a * z.re, a * z.im};
+}
+inline ComplexLanes operator*(double a, const ComplexLanes& z) { return {a * z.re, a * z.im}; }
+inline ComplexLanes operator/(const ComplexLanes& z, const Lanes& a) {
+  return {z.re / a, z.im / a};
+}
+inline ComplexLanes operator/(const ComplexLanes& z, double a) { return {z.re / a, z.im / a}; }
+
 // |Re z| and |Im z|.
 inline ComplexLanes magnitudes(const ComplexLanes& z) {
   return {z.re < 0.0 ? -z.re : z.re, z.im < 0.0 ? -z.im : z.im};
 }
 
-// 1 / z by way of the smaller part over the larger one, as the compiler divides complex numbers.
-inline ComplexLanes reciprocal(const ComplexLanes& z) {
-  const ComplexLanes size = magnitudes(z);
+// a / b by way of the smaller part of b over the larger one, as the compiler divides complex
+// numbers.
+inline ComplexLanes operator/(const ComplexLanes& a, const ComplexLanes& b) {
+  const ComplexLanes size = magnitudes(b);
   const LaneChoice steep = size.re < size.im;
-  const Lanes small = steep ? z.re : z.im, large = steep ? z.im : z.re;
+  const Lanes small = steep ? b.re : b.im, large = steep ? b.im : b.re;
   const Lanes ratio = small / large, divisor = small * ratio + large;
-  const Lanes re = steep ? ratio + 0.0 : 0.0 * ratio + 1.0;
-  const Lanes im = steep ? 0.0 * ratio - 1.0 : 0.0 - ratio;
+  const Lanes re = steep ? a.re * ratio + a.im : a.im * ratio + a.re;
+  const Lanes im = steep ? a.im * ratio - a.re : a.im - a.re * ratio;
   return {re / divisor, im / divisor};
+}
+
+inline ComplexLanes reciprocal(const ComplexLanes& z) {
+  const Lanes zero{};
+  return ComplexLanes{1.0 - zero, zero} / z;
+}
+
+inline ComplexLanes chosen(const LaneChoice& choice, const ComplexLanes& a, const ComplexLanes& b) {
+  return {choice ? a.re : b.re, choice ? a.im : b.im};
 }
 
 // Exchanges two numbers where the choice is true.
