@@ -155,12 +155,13 @@ ModelFile fileOf(ModelKind kind) {
 }
 
 void readOneConductor(const std::string& model) {
-  test::readHere(test::description(
+  const std::string text = test::description(
       summary(1) +
       "Line Constants Tower\n{\nCircuit\n{\nConductors: 1\n"
       "Conductor Phase Information: 1\nDCResistance: 0.05\nSag: 6\nRadius: 0.015\nP1 : 0 20\n"
       "ShuntConductance: 1e-11\n}\n}\n" +
-      model));
+      model);
+  companions::readHere(test::scratchFile("line", text), LENGTH);
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #include "base/constants.h"
 #include "companions/shared/adaptive_scan.h"
 #include "companions/shared/arguments.h"
+#include "companions/shared/captured_run.h"
 #include "companions/shared/direct_line.h"
 #include "companions/shared/fit_ranges.h"
 #include "companions/shared/followed_modes.h"
@@ -198,7 +199,8 @@ TEST(SharedLine, FrequenciesAreThoseOfTheFitAndTheDecadesAroundIt) {
 
 // Just below the way of light over the length, and just above it.
 TEST(SharedLine, ADelayFasterThanLightIsDoubtful) {
-  test::readHere(test::description(singleCircuit(phaseModel())));
+  const std::string text = test::description(singleCircuit(phaseModel()));
+  companions::readHere(test::scratchFile("line", text), 3e4);
   const double light = 3e4 / 299792458.0;
   for (const double part : {0.999, 1.001}) {
     ModelFile file;
