@@ -63,7 +63,10 @@ void addColumns(const Complex* a, std::ptrdiff_t lda, const Complex* t, Complex*
   int i = 0;
   for (; i + 2 <= m; i += 2) {
     Lanes sum = pairAt(y + i);
-    for (int c = 0; c < C; ++c) factors[c].addTo(sum, pairAt(a + c * lda + i));
+    for (int c = 0; c < C; ++c) {
+      const Lanes z = pairAt(a + c * lda + i); // columns need not be aligned
+      factors[c].addTo(sum, z);
+    }
     pairAt(y + i) = sum;
   }
   for (int c = 0; c < C && i < m; ++c) y[i] += t[c] * a[c * lda + i];
