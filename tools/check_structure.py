@@ -17,7 +17,8 @@ import textwrap
 
 # A file includes files of its own folder and of the folders before it.
 LEVELS = ["base", "diag", "store", "kernels", "input", "overhead", "cable", "modal", "fit",
-          "passivity", "output", "run", "companions"]
+          "passivity", "improved", "output", "run", "companions"]
+CHOOSERS = ("improved/", "run/methods.", "companions/")  # who may include improved methods
 JUDGES = {("plot", "verify"), ("batch", "verify")}  # a companion and the one whose routines it calls
 FILE_LINES = 600
 FUNCTION_LINES = 100
@@ -145,6 +146,8 @@ def check_includes(sources):
                 yield f"{place(path)}: includes {name}, which is not in the tree by that path"
             elif LEVELS.index(name.split("/")[0]) > LEVELS.index(folder):
                 yield f"{place(path)}: includes upward: {name}"
+            elif name.startswith("improved/") and not path.startswith(CHOOSERS):
+                yield f"{place(path)}: a default method includes an improved one: {name}"
             elif not may_meet(path, name):
                 yield f"{place(path)}: includes another companion: {name}"
             elif unit(name) != unit(path):

@@ -11,6 +11,7 @@
 #include "fit/mode_model.h"
 #include "fit/propagation_tables.h"
 #include "fit/series_fit.h"
+#include "improved/passivity/spectrum_enforcement.h"
 #include "input/external_conductors.h"
 #include "input/library.h"
 #include "input/reader.h"
@@ -20,7 +21,6 @@
 #include "output/report_sections.h"
 #include "overhead/carson_integral.h"
 #include "passivity/enforcement.h"
-#include "passivity/improved_enforcement.h"
 #include "passivity/passivity_check.h"
 #include "run/command_line.h"
 

@@ -7,21 +7,15 @@
 #include "fit/dc_values.h"
 #include "fit/fit_console.h"
 #include "fit/fitted_curves.h"
-#include "fit/improved_matrix.h"
-#include "fit/improved_propagation.h"
 #include "fit/propagation_fit.h"
-#include "modal/between_points.h"
 #include "store/fitmodel.h"
 #include "store/rundata.h"
-
-#include <fmt/format.h>
 
 namespace lcp {
 
 namespace {
 
 constexpr double LARGEDELAY = 1.0; // s
-constexpr double SEENJUMP = 0.2;   // of the error of H asked for, by which a jump is told
 
 void printHeading() {
   console::line();
@@ -32,19 +26,6 @@ void printHeading() {
   console::line();
   console::line(" Fitting Characteristic Admittance Yc:");
   fitRule('=');
-}
-
-void warnOfSamples(const PhaseSampling& found, double target) {
-  if (found.lost > 0) {
-    warnInLine(fmt::format("Modes are lost at {} of {} Frequencies: turn Improved Modes on",
-                           found.lost, SOLVEDATA.grid.NFUSE));
-  }
-  if (found.moved > SEENJUMP * target) {
-    warnInLine(
-        fmt::format("Z jumps, as at {:.6g} Hz by {:.2g} %, which can move H by {:.2g} %: the "
-                    "Fit has no Jumps between its Points",
-                    found.jumps.f, INPERCENT * found.jumps.largest, INPERCENT * found.moved));
-  }
 }
 
 // The elements below the diagonal stand for both.
@@ -72,37 +53,39 @@ void checkDelay(double tau) {
 
 } // namespace
 
-void fitAdmittance() {
-  const FitOptions& F = RUNDATA.fit;
+void beginPhaseFit() {
   FITMODEL.NC = RUNDATA.line.NC;
   mapResidues(FITMODEL, FITMODEL.NC);
   FITTED.YC.map(FITMODEL.NC);
   FITTED.H.map(FITMODEL.NC);
   printHeading();
-  const AdmittanceWish wish{F.ERRY * PERCENT, F.MAXPY, F.DCCORR};
-  if (RUNDATA.numerics.IMPROVEDFITS) {
-    const PhaseSampling found = samplePhasesBetween();
-    fitAdmittanceImproved(wish);
-    warnOfSamples(found, F.ERRA * PERCENT);
-  } else {
-    YCFIT(wish);
-  }
+}
+
+AdmittanceWish admittanceWish() {
+  const FitOptions& F = RUNDATA.fit;
+  return {F.ERRY * PERCENT, F.MAXPY, F.DCCORR};
+}
+
+void endAdmittanceFit() {
   fitRule('=');
   console::line();
   makeSymmetric();
 }
 
-void fitPropagation() {
+PropagationWish propagationWish() {
   static RealMatrix YDC, HDC;
   const FitOptions& F = RUNDATA.fit;
   if (F.DCCORR >= DCCONSTRAINED) DCVALUES(YDC, HDC);
-  const PropagationWish wish{F.ERRA, F.MAXPA, F.RPRATIO, F.DCCORR, &HDC};
-  if (RUNDATA.numerics.IMPROVEDFITS) {
-    fitPropagationImproved(wish);
-  } else {
-    HFIT(wish);
-  }
+  return {F.ERRA, F.MAXPA, F.RPRATIO, F.DCCORR, &HDC};
 }
+
+void fitAdmittance() {
+  beginPhaseFit();
+  YCFIT(admittanceWish());
+  endAdmittanceFit();
+}
+
+void fitPropagation() { HFIT(propagationWish()); }
 
 void CHECKDELAYS() {
   fitRule('=');

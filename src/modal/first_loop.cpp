@@ -1,8 +1,7 @@
 // Step 1 (on the Bergeron route also step 2) is a full eigen solution; it fixes the order of the
 // modes. Every other step starts from the solution of the step before and follows each mode by
 // Newton-Raphson. The solution accepted at step k is also stored at k + 1, where the next step
-// finds it as the start of its search, should it need one. With Improved Modes all steps are those
-// of the subspace walk.
+// finds it as the start of its search, should it need one.
 #include "modal/first_loop.h"
 
 #include "base/constants.h"
@@ -13,7 +12,6 @@
 #include "modal/line_constants.h"
 #include "modal/modal_transform.h"
 #include "modal/newton.h"
-#include "modal/subspace_walk.h"
 #include "modal/tracked_step.h"
 #include "store/rundata.h"
 #include "store/solvedata.h"
@@ -77,20 +75,23 @@ void noteConstantStart(int k) {
   noteConstantScale();
 }
 
+} // namespace
+
+void beginStep(int k) {
+  storeFrequency(k, gridFrequency(k));
+  noteConstantStart(k);
+}
+
+namespace {
+
 void takeStep(int k) {
   FirstLoopStore& S = SOLVEDATA.first;
-  const double f = gridFrequency(k);
-  storeFrequency(k, f);
-  noteConstantStart(k);
-  if (RUNDATA.numerics.IMPROVEDMODES && !RUNDATA.model.MODMFDTD() && !S.IDEALT) {
-    subspaceStep(k);
-    return;
-  }
+  beginStep(k);
   if (k > 1 && !RUNDATA.model.MODBERG() && !RUNDATA.model.MODMFDTD() && !S.IDEALT) {
     trackedStep(k);
     return;
   }
-  constantsAtStep(k, f, Place::AtTheStep);
+  constantsAtStep(k, SOLVEDATA.grid.FREQ[k], Place::AtTheStep);
   if (RUNDATA.model.MODMFDTD()) {
     storeConstants(k);
   } else if (S.IDEALT) {
@@ -125,10 +126,13 @@ void idealEigenvalues(ModeComplex& L, const LineMatrix& P, int n) {
   for (int i = 2; i <= n; ++i) L[i] = p - q;
 }
 
+void beginFirstLoop() {
+  SOLVEDATA.first.KCT = 0;
+  SOLVEDATA.first.ISTATUS = true;
+}
+
 void firstFrequencyLoop() {
-  FirstLoopStore& S = SOLVEDATA.first;
-  S.KCT = 0;
-  S.ISTATUS = true;
+  beginFirstLoop();
   startTracking();
   for (int k = 1; k <= SOLVEDATA.grid.NFREQ; ++k) takeStep(k);
 }

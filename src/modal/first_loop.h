@@ -18,4 +18,9 @@ void idealEigenvalues(ModeComplex& L, const LineMatrix& P, int n);
 // Runs all steps of the grid and fills YSTORE, ZSTORE, MEIG and MTI.
 void firstFrequencyLoop();
 
+// What any first loop starts with: before its first step, and with each step k, whose frequency it
+// stores and which may be the one that the constant transform step starts from.
+void beginFirstLoop();
+void beginStep(int k);
+
 } // namespace lcp

@@ -29,6 +29,8 @@ void balancedTransformation(CView TI, CView TIINV, int n) {
   transpose(TIINV, TI, n);
 }
 
+Complex surgeImpedance(Complex YM, Complex ZM) { return std::sqrt(ZM / YM); }
+
 void diagonalToPhases(CView out, CConstView TI, const ModeComplex& d, CConstView TIINV, int n) {
   for (int j = 1; j <= n; ++j) {
     for (int i = 1; i <= n; ++i) product(i, j) = TI(i, j) * d[j];

@@ -9,6 +9,10 @@ namespace lcp {
 void formModalMatrices(CView YM, CView ZM, CConstView Y, CConstView Z, CConstView TI,
                        CConstView TIINV, int n);
 
+// Surge impedance of a mode, ohm, from its elements of the modal matrices: the principal root of
+// ZM / YM.
+Complex surgeImpedance(Complex YM, Complex ZM);
+
 // out = TI diag(d) TIINV; out must be none of the inputs.
 void diagonalToPhases(CView out, CConstView TI, const ModeComplex& d, CConstView TIINV, int n);
 

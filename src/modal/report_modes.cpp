@@ -7,8 +7,6 @@
 #include "kernels/lapack.h"
 #include "kernels/matrix_kernels.h"
 #include "modal/modal_transform.h"
-#include "modal/subspace_walk.h"
-#include "modal/surge_impedance.h"
 #include "store/rundata.h"
 
 #include <cmath>
@@ -59,7 +57,7 @@ void formModeTimes(CConstView YM, CConstView ZM, ModeReals& TAU, ModeComplex& Z0
   for (int i = 1; i <= n; ++i) {
     const Complex g = std::sqrt(withoutRounding(product(i, i)));
     TAU[i] = g.imag() / MILLI * RUNDATA.run.LINELEN / w;
-    Z0[i] = surgeImpedance(YM(i, i), ZM(i, i), g);
+    Z0[i] = surgeImpedance(YM(i, i), ZM(i, i));
   }
   for (int i = 1; i <= n; ++i) checkMode(TAU[i]);
 }
@@ -67,14 +65,16 @@ void formModeTimes(CConstView YM, CConstView ZM, ModeReals& TAU, ModeComplex& Z0
 void formReportModes() {
   static LineMatrix copy;
   FirstLoopStore& S = SOLVEDATA.first;
+  const int n = RUNDATA.line.NC;
+  copyCorner(copy, S.PMAT, n);
+  ZGEEV(copy, S.EIG, S.TI, n, BackSubstitution::ByColumns);
+  finishReportModes();
+}
+
+void finishReportModes() {
+  FirstLoopStore& S = SOLVEDATA.first;
   SecondLoopStore& T = SOLVEDATA.second;
   const int n = RUNDATA.line.NC;
-  if (RUNDATA.numerics.IMPROVEDMODES) {
-    subspaceReport(RUNDATA.display.DISPFREQ);
-  } else {
-    copyCorner(copy, S.PMAT, n);
-    ZGEEV(copy, S.EIG, S.TI, n, BackSubstitution::ByColumns);
-  }
   COLNORM(S.TI, S.TI, n);
   INVCJD(S.TIINV, S.TI, n);
   formModalMatrices(T.YM, T.ZM, S.YMAT, S.ZMAT, S.TI, S.TIINV, n);

@@ -6,9 +6,11 @@
 namespace lcp {
 
 // From YMAT, ZMAT, PMAT of SOLVEDATA.first at DISPFREQ: eigenvalues EIG and unit vectors TI in the
-// order of LAPACK, with Improved Modes in that of the model, YM, ZM, surge impedances ZSURGE and
-// travel times TAUMS, checked as below.
+// order of LAPACK, YM, ZM, surge impedances ZSURGE and travel times TAUMS, checked as below.
 void formReportModes();
+
+// The second half: from eigenvalues EIG and vectors TI of any length in the order to report.
+void finishReportModes();
 
 // Travel times, ms, and surge impedances, ohm, of the modal matrices YM and ZM, with DISPFREQ as
 // their frequency. Warns of velocities above that of light and of very large travel times; a

@@ -13,7 +13,6 @@
 #include "kernels/inversion.h"
 #include "kernels/matrix_kernels.h"
 #include "modal/modal_transform.h"
-#include "modal/surge_impedance.h"
 #include "store/rundata.h"
 #include "store/solvedata.h"
 
@@ -56,7 +55,7 @@ void formModes(int n) {
   for (int i = 1; i <= n; ++i) {
     if (S.EIG[i].imag() < 0.0) S.EIG[i] = std::conj(S.EIG[i]);
     T.GAM[i] = std::sqrt(S.EIG[i]);
-    T.ZSURGE[i] = surgeImpedance(T.YM(i, i), T.ZM(i, i), T.GAM[i]);
+    T.ZSURGE[i] = surgeImpedance(T.YM(i, i), T.ZM(i, i));
     T.ZSURGER[i] = T.ZSURGE[i].real();
   }
 }

@@ -2,10 +2,6 @@
 
 #include "base/text_file.h"
 #include "fit/fit_driver.h"
-#include "fit/improved_matrix.h"
-#include "fit/improved_modes.h"
-#include "fit/mode_model.h"
-#include "fit/series_fit.h"
 #include "modal/pi_model.h"
 #include "modal/series_shunt.h"
 #include "output/curve_files.h"
@@ -16,9 +12,7 @@
 #include "output/model_file.h"
 #include "output/output_file.h"
 #include "output/phase_model_file.h"
-#include "passivity/enforcement.h"
-#include "passivity/improved_enforcement.h"
-#include "passivity/passivity_check.h"
+#include "run/methods.h"
 #include "store/rundata.h"
 
 namespace lcp {
@@ -34,48 +28,30 @@ void piModel(TextFile& file) {
 }
 
 void modeModel(TextFile& file) {
-  if (RUNDATA.numerics.IMPROVEDFITS) {
-    fitModesImproved();
-  } else {
-    fitModes();
-  }
+  runModeFits();
   writeModeModel(file);
 }
 
-// Asked for, and by which method.
-void enforceAsAsked() {
-  if (RUNDATA.numerics.IMPROVEDPASSIVITY) return improvedEnforcement();
-  enforcePassivity();
-}
-
-void checkAsAsked() {
-  if (RUNDATA.numerics.IMPROVEDPASSIVITY) return improvedPassivityCheck();
-  PASSCHK();
-}
-
-// What the fits left is written as they end. Improved Passivity may change it.
+// The curves of the fitted Yc are written when they are final: before an enforcement that changes H
+// alone.
 void FITDRIVE(TextFile& file) {
   const PassivityOptions& P = RUNDATA.passivity;
-  const bool changes = P.PITERSET && RUNDATA.numerics.IMPROVEDPASSIVITY;
-  fitAdmittance();
+  const bool changes = P.PITERSET && enforcementChangesYc();
+  runAdmittanceFit();
   if (!changes) writeAdmittanceFitCurves();
-  fitPropagation();
-  if (P.PITERSET) enforceAsAsked();
+  runPropagationFit();
+  if (P.PITERSET) runEnforcement();
   if (changes) writeAdmittanceFitCurves();
   writePropagationFitCurves();
   CHECKDELAYS();
   writePhaseModel(file);
-  if (P.PFLOSET && !P.PITERSET) checkAsAsked();
+  if (P.PFLOSET && !P.PITERSET) runPassivityCheck();
 }
 
 // What can end the run for its data does so before there is a file.
 void beforeTheFile() {
   if (RUNDATA.model.MODMFDTD()) {
-    if (RUNDATA.numerics.IMPROVEDFITS) {
-      fitSeriesImproved();
-    } else {
-      fitSeriesImpedance();
-    }
+    runSeriesFit();
     writeSeriesFitCurves();
     formSeriesShunt(shunt);
   }

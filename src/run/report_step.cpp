@@ -4,10 +4,10 @@
 #include "modal/core_sequence.h"
 #include "modal/line_constants.h"
 #include "modal/long_line.h"
-#include "modal/report_modes.h"
 #include "modal/sequence.h"
 #include "output/output_file.h"
 #include "output/report_sections.h"
+#include "run/methods.h"
 #include "store/fitmodel.h"
 #include "store/rundata.h"
 #include "store/solvedata.h"
@@ -19,7 +19,7 @@ namespace {
 void reportModes(TextFile& file) {
   FirstLoopStore& S = SOLVEDATA.first;
   SecondLoopStore& T = SOLVEDATA.second;
-  formReportModes(); // a velocity that ends the run leaves no head
+  runReportModes(); // a velocity that ends the run leaves no head
   writeModalHead(file, 3);
   writeModalDomain(file, {S.TI, S.EIG, T.ZM, T.YM, T.ZSURGE, T.TAUMS});
 }

@@ -12,6 +12,7 @@
 #include "output/curve_files.h"
 #include "output/pi_component.h"
 #include "passivity/passivity_grid.h"
+#include "run/methods.h"
 #include "run/model_step.h"
 #include "run/report_step.h"
 #include "store/rundata.h"
@@ -50,7 +51,7 @@ void checkPassivityGrid() {
   const PassivityOptions& P = RUNDATA.passivity;
   if (!RUNDATA.model.MODFDP() || !(P.PFLOSET || P.PITERSET)) return;
   PASSGRID(P.PFLO, P.PFHI, P.NPFINC, P.PFDIST, grid);
-  if (grid.NGRID > 0 || RUNDATA.numerics.IMPROVEDPASSIVITY) return;
+  if (grid.NGRID > 0 || !checksOnGrid()) return;
   console::note(fmt::format("the passivity grid has no frequencies (increments {}, distribution "
                             "{}): no violation will be found",
                             P.NPFINC, P.PFDIST));
@@ -75,8 +76,7 @@ void secondFrequencyLoop() {
   if (RUNDATA.model.MODMFDTD()) return;
   LostModes lost;
   for (int k = 1; k <= SOLVEDATA.grid.NFREQ; ++k) {
-    secondLoopStep(k);
-    lost.look(k);
+    takeSecondStep(k, lost);
     writeEndCurves(k);
   }
   lost.warn();
@@ -104,7 +104,7 @@ void QUENT() {
   SOLVEDATA.first.IDEALT = isIdeallyTransposed();
   layGrid();
   headCurves();
-  firstFrequencyLoop();
+  runFirstLoop();
   alignVectors();
   secondFrequencyLoop();
   if (RUNDATA.model.fitted()) formFitWeights();

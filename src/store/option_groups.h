@@ -18,6 +18,7 @@ struct ModelChoice {
   bool MODFDP() const { return MODEL == ModelKind::Phase; }
   bool MODMFDTD() const { return MODEL == ModelKind::Mfdtd; }
   bool fitted() const { return MODFDM() || MODFDP() || MODMFDTD(); }
+  bool needsModes() const { return !MODMFDTD(); }
 };
 
 struct BergeronOptions {

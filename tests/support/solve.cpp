@@ -4,6 +4,7 @@
 #include "modal/first_loop.h"
 #include "modal/frequency_grid.h"
 #include "modal/second_loop.h"
+#include "run/methods.h"
 #include "store/rundata.h"
 #include "store/solvedata.h"
 #include "support/description.h"
@@ -85,14 +86,16 @@ void solveFirstLoop(const std::string& body, double length) {
   RUNDATA.run.LINELEN = length;
   SOLVEDATA.first.IDEALT = isIdeallyTransposed();
   layGrid();
-  firstFrequencyLoop();
+  runFirstLoop();
   console::flush();
 }
 
 void solveBothLoops(const std::string& body, double length) {
   solveFirstLoop(body, length);
   alignVectors();
-  for (int k = 1; k <= SOLVEDATA.grid.NFREQ && !RUNDATA.model.MODMFDTD(); ++k) secondLoopStep(k);
+  LostModes lost;
+  for (int k = 1; k <= SOLVEDATA.grid.NFREQ && RUNDATA.model.needsModes(); ++k)
+    takeSecondStep(k, lost);
 }
 
 } // namespace lcp::test

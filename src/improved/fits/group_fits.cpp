@@ -1,0 +1,136 @@
+#include "improved/fits/group_fits.h"
+
+#include "base/big_store.h"
+#include "fit/delay_groups.h"
+#include "fit/delay_search.h"
+#include "fit/fitted_curves.h"
+#include "improved/fits/settled_fit.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace lcp {
+
+namespace {
+
+struct GroupFit {
+  double tau, error; // s, largest deviation
+  bool refined;      // the delay by small steps
+  PoleTable P;
+};
+
+struct GroupFits {
+  int made; // fits with 1 to so many poles
+  DelayRange range;
+  Table<GroupFit, NPMAX> fits;
+};
+
+using GroupFitTable = Table<GroupFits, NGMAX>;
+GroupFitTable& HISTORY = bigStore<GroupFitTable>();
+
+constinit SettledFit settled{};
+
+FitSamples samplesOf(int g) {
+  const FrequencyGrid& G = SOLVEDATA.grid;
+  return {G.NFUSE, 1, G.WFREQ, &groupCurve(g), G.WFIT, FLIPUNSTABLE, NOASYMPTOTE};
+}
+
+BetweenCurve noMiddles() { return {0, SOLVEDATA.grid.WFREQ, nullptr}; }
+
+// The next number of poles, from the delay of the one before.
+void addFit(int g) {
+  GroupFits& H = HISTORY[g];
+  const int N = ++H.made;
+  GroupFit& fit = H.fits[N];
+  fit.tau = N > 1 ? H.fits[N - 1].tau : FITMODEL.TAU[g];
+  fit.error = ROUGHDELAY(samplesOf(g), noMiddles(), N, 0.0, H.range, fit.tau, fit.P, settled);
+  fit.refined = false;
+}
+
+void refineFit(int g, int N) {
+  GroupFits& H = HISTORY[g];
+  GroupFit& fit = H.fits[N];
+  if (fit.refined) return;
+  fit.error =
+      REFINEDELAY(samplesOf(g), noMiddles(), N, 0.0, fit.error, H.range, fit.tau, fit.P, settled);
+  fit.refined = true;
+}
+
+// The fewest poles from n on within TARGET, or the best number.
+int countFor(int g, double TARGET, int limit, int n) {
+  GroupFits& H = HISTORY[g];
+  int best = std::max(n, 1);
+  for (int N = best; N <= limit; ++N) {
+    if (N > H.made) addFit(g);
+    if (worthRefining(H.fits[N].error, TARGET)) refineFit(g, N);
+    if (H.fits[N].error < H.fits[best].error) best = N;
+    if (H.fits[N].error <= TARGET) return N;
+  }
+  return best;
+}
+
+} // namespace
+
+void startGroupFits() {
+  for (int g = 1; g <= FITMODEL.NGROUP; ++g) {
+    HISTORY[g].made = 0;
+    HISTORY[g].range = delayRange(FITMODEL.TAU[g], groupCorrection(g));
+  }
+}
+
+bool growGroups(double TARGET, int limit, GroupInts& NH) {
+  bool changed = false;
+  for (int g = 1; g <= FITMODEL.NGROUP; ++g) {
+    const int N = countFor(g, TARGET, limit, NH[g]);
+    changed = changed || N != NH[g];
+    NH[g] = N;
+  }
+  return changed;
+}
+
+bool addPoles(int limit, GroupInts& NH) {
+  bool changed = false;
+  for (int g = 1; g <= FITMODEL.NGROUP; ++g) {
+    if (NH[g] >= limit) continue;
+    if (++NH[g] > HISTORY[g].made) addFit(g);
+    changed = true;
+  }
+  return changed;
+}
+
+bool canImprove(int limit, const GroupInts& NH) {
+  for (int g = 1; g <= FITMODEL.NGROUP; ++g) {
+    const GroupFits& H = HISTORY[g];
+    if (H.made < limit && H.fits[NH[g]].error > 0) return true;
+    for (int N = NH[g] + 1; N <= H.made; ++N) {
+      if (H.fits[N].error < H.fits[NH[g]].error) return true;
+    }
+  }
+  return false;
+}
+
+double groupError(int g, int n) { return HISTORY[g].fits[n].error; }
+
+void takeGroupFits(const GroupInts& NH, PoleSet& S) {
+  for (int g = 1; g <= FITMODEL.NGROUP; ++g) {
+    const GroupFit& fit = HISTORY[g].fits[NH[g]];
+    S.NH[g] = NH[g];
+    FITMODEL.TAU[g] = fit.tau;
+    std::copy_n(fit.P.data(), NH[g], S.HPOLE[g].data());
+  }
+}
+
+void storeGroupCurves(const GroupInts& NH) {
+  const FrequencyGrid& G = SOLVEDATA.grid;
+  for (int g = 1; g <= FITMODEL.NGROUP; ++g) {
+    ComplexCurve& bare = FITTED.GROUP.curve(g);
+    PoleTable poles = HISTORY[g].fits[NH[g]].P;
+    takeDelayOut(groupCurve(g), FITMODEL.TAU[g], G.WFREQ, G.NFUSE, bare);
+    FitSamples Q = samplesOf(g);
+    Q.F = &bare;
+    VFITPASSES(0, Q, NH[g], poles, &settled.model, settled.errors);
+    std::copy_n(settled.model.FIT.steps, G.NFUSE, FITTED.GROUPFIT.curve(g).steps);
+  }
+}
+
+} // namespace lcp

@@ -1,0 +1,257 @@
+// The way from one step to the next runs over the logarithm of the frequency, x from 0 to 1. A part
+// of it that does not lead to a clear assignment is halved, one that does is doubled. At the least
+// way the best assignment is taken: there two modes exchange their vectors within less than 1 % of
+// the frequency, and each goes on as the one it was before.
+#include "improved/modes/subspace_walk.h"
+
+#include "base/big_store.h"
+#include "improved/modes/subspace_modes.h"
+#include "kernels/matrix_kernels.h"
+#include "modal/first_loop.h"
+#include "modal/frequency_grid.h"
+#include "modal/line_constants.h"
+#include "modal/report_modes.h"
+#include "store/rundata.h"
+#include "store/solvedata.h"
+
+#include <algorithm>
+#include <cmath>
+#include <tuple>
+
+namespace lcp {
+
+namespace {
+
+constexpr double LEASTWAY = 0.004; // decades of the frequency, 0.9 %
+constexpr double SAMESIZE = 1e-9;  // elements that differ by less are equally large
+constexpr double LARGEENOUGH = 0.5;
+
+constexpr double STRAIGHT = 0.1; // decades up to which line constants are joined by a straight line
+constexpr int MOSTSTATIONS = 20; // halvings of all decades there are
+
+ModeFrame frame; // of the frequency that was accepted last
+
+void storeStep(int k, int n) {
+  const FirstLoopStore& S = SOLVEDATA.first;
+  FrequencyStore& A = SOLVEDATA.at;
+  for (int i = 1; i <= n; ++i) A.MEIG(k, i) = S.EIG[i];
+  A.MTI.store(k, S.TI, n);
+  A.YSTORE.store(k, S.YMAT, n);
+  A.ZSTORE.store(k, S.ZMAT, n);
+}
+
+void loadFrame(int k, int n) {
+  SOLVEDATA.at.MTI.load(k, frame.X, n);
+  invertFrame(frame, n);
+}
+
+int stepBefore(int k) {
+  return isConstantTransformStep(k) && !RUNDATA.run.fromTable() ? SOLVEDATA.first.KCT : k - 1;
+}
+
+// The way from one frequency to the next, by their logarithms.
+struct Way {
+  double a, b;
+
+  double decades(double part) const { return part * std::fabs(b - a); }
+  double frequency(double x) const { return std::pow(10.0, a + x * (b - a)); }
+};
+
+// A place on the way: x, and the line constants there.
+struct Station {
+  double x;
+  LineMatrix Y, Z, P;
+  ModeSet modes;
+};
+
+struct Stations {
+  Station behind;                  // the one accepted last
+  Station ahead[MOSTSTATIONS + 1]; // the target, and before it what stands on the way to it
+};
+
+Stations& WAY = bigStore<Stations>();
+
+void noteStation(Station& s, double x, int n) {
+  const FirstLoopStore& S = SOLVEDATA.first;
+  s.x = x;
+  copyCorner(s.Y, S.YMAT, n);
+  copyCorner(s.Z, S.ZMAT, n);
+  copyCorner(s.P, S.PMAT, n);
+}
+
+void standAt(const Station& s, int n) {
+  FirstLoopStore& S = SOLVEDATA.first;
+  copyCorner(S.YMAT, s.Y, n);
+  copyCorner(S.ZMAT, s.Z, n);
+  copyCorner(S.PMAT, s.P, n);
+}
+
+// The place half way between two. Near each other they are joined by a straight line, of Y and Z
+// per unit of frequency: which mode is which is asked there, no more, and the line constants take
+// their time.
+void halfWay(Station& s, const Station& a, const Station& b, int k, const Way& way, int n) {
+  const double x = (a.x + b.x) / 2, f = way.frequency(x);
+  if (way.decades(b.x - a.x) > STRAIGHT) {
+    constantsAtStep(k, f, Place::OnTheWay);
+    noteStation(s, x, n);
+    return;
+  }
+  const double wa = 0.5 * f / way.frequency(a.x), wb = 0.5 * f / way.frequency(b.x);
+  s.x = x;
+  for (int j = 1; j <= n; ++j) {
+    for (int i = 1; i <= n; ++i) {
+      s.Y(i, j) = wa * a.Y(i, j) + wb * b.Y(i, j);
+      s.Z(i, j) = wa * a.Z(i, j) + wb * b.Z(i, j);
+      s.P(i, j) = (a.P(i, j) + b.P(i, j)) / 2.0;
+    }
+  }
+  standAt(s, n);
+}
+
+// From the constants that stand there to step k.
+void walkTo(int k, const Way& way, int n) {
+  noteStation(WAY.behind, 0, n);
+  constantsAtStep(k, SOLVEDATA.grid.FREQ[k], Place::AtTheStep);
+  noteStation(WAY.ahead[1], 1, n);
+  findModes(WAY.ahead[1].modes, n);
+  for (int left = 1; left > 0;) {
+    const Station& next = WAY.ahead[left];
+    standAt(next, n);
+    const bool clearly = followSubspaces(frame, next.modes, n);
+    if (!clearly && way.decades(next.x - WAY.behind.x) > LEASTWAY) {
+      Station& middle = WAY.ahead[++left];
+      halfWay(middle, WAY.behind, next, k, way, n);
+      findModes(middle.modes, n);
+      continue;
+    }
+    takeFrame(frame, n);
+    noteStation(WAY.behind, next.x, n);
+    --left;
+  }
+}
+
+// Over the steps from the first that counts: the least that element (i,j) is against the length of
+// its vector, and the least cosine of the angle of the surge impedance when it is the turning one.
+struct TurningRows {
+  RealMatrix part;
+  RealMatrix cosine;
+};
+
+Complex propagationDirection(Complex eigenvalue) {
+  const bool plain = RUNDATA.run.ISCABLE == FOURWIRECABLE;
+  const Complex gamma = std::sqrt(plain ? eigenvalue : -eigenvalue);
+  return gamma.imag() < 0.0 ? std::conj(gamma) : gamma;
+}
+
+// A vector turned by an angle turns its surge impedance ZM / gamma by twice that.
+void noteRows(TurningRows& R, int k, int n) {
+  static LineMatrix TI, Z, product;
+  SOLVEDATA.at.MTI.load(k, TI, n);
+  SOLVEDATA.at.ZSTORE.load(k, Z, n);
+  CMATMUL(product, Z, TI, n);
+  for (int j = 1; j <= n; ++j) {
+    Complex ZM;
+    for (int i = 1; i <= n; ++i) ZM += TI(i, j) * product(i, j);
+    const Complex Zs = ZM / propagationDirection(SOLVEDATA.at.MEIG(k, j));
+    for (int i = 1; i <= n; ++i) {
+      const Complex turned = Zs * std::conj(TI(i, j)) * std::conj(TI(i, j));
+      R.part(i, j) = std::min(R.part(i, j), std::abs(TI(i, j)));
+      R.cosine(i, j) = std::min(R.cosine(i, j), turned.real() / std::abs(turned));
+    }
+  }
+}
+
+int largestPart(const TurningRows& R, int j, int n) {
+  int best = 1;
+  for (int i = 2; i <= n; ++i) {
+    if (R.part(i, j) > R.part(best, j) + SAMESIZE) best = i;
+  }
+  return best;
+}
+
+// A vector is turned by an element that is large at all steps, so that its angle never jumps; of
+// those at least half as large as the largest by the one that keeps the surge impedance nearest to
+// the positive axis. Of Bergeron, whose file has the vectors of the last step, by the largest
+// there.
+void chooseTurningRows(int n) {
+  static TurningRows R;
+  const bool bergeron = RUNDATA.model.MODBERG();
+  for (int j = 1; j <= n; ++j) {
+    for (int i = 1; i <= n; ++i) R.part(i, j) = R.cosine(i, j) = 1;
+  }
+  for (int k = bergeron ? SOLVEDATA.grid.NFREQ : 1; k <= SOLVEDATA.grid.NFREQ; ++k) {
+    noteRows(R, k, n);
+  }
+  for (int j = 1; j <= n; ++j) {
+    int best = largestPart(R, j, n);
+    const double enough = LARGEENOUGH * R.part(best, j);
+    for (int i = 1; i <= n && !bergeron; ++i) {
+      if (R.part(i, j) >= enough && R.cosine(i, j) > R.cosine(best, j) + SAMESIZE) best = i;
+    }
+    SOLVEDATA.first.PIVOT0[j] = best;
+  }
+}
+
+int nearestStep(double f) {
+  const FrequencyGrid& G = SOLVEDATA.grid;
+  const auto away = [&](int k) { return std::fabs(G.LOGF[k] - std::log10(f)); };
+  int best = G.NFREQ;
+  for (int k = G.NFREQ - 1; k >= 1; --k) {
+    if (away(k) < away(best)) best = k;
+  }
+  return best;
+}
+
+void takeStep(int k) {
+  beginStep(k);
+  const int& n = RUNDATA.line.NC; // counted with the constants of the first step
+  if (k == 1) {
+    constantsAtStep(k, SOLVEDATA.grid.FREQ[k], Place::AtTheStep);
+    startSubspaces(n);
+    takeFrame(frame, n);
+  } else {
+    const int from = stepBefore(k);
+    if (from != k - 1) {
+      loadFrame(from, n);
+      constantsAtStep(from, SOLVEDATA.grid.FREQ[from], Place::AtTheStep);
+    }
+    walkTo(k, {SOLVEDATA.grid.LOGF[from], SOLVEDATA.grid.LOGF[k]}, n);
+  }
+  storeStep(k, n);
+  if (k == SOLVEDATA.grid.NFREQ) chooseTurningRows(n);
+}
+
+// EIG, TI and TIINV of PMAT at f, Hz.
+void reportAt(double f) {
+  FirstLoopStore& S = SOLVEDATA.first;
+  const int n = RUNDATA.line.NC;
+  if (RUNDATA.model.MODMFDTD()) {
+    startSubspaces(n);
+    COLROT(S.TI, S.PIVOT, n);
+    return;
+  }
+  if (S.IDEALT) {
+    copyCorner(frame.X, S.TI, n);
+    invertFrame(frame, n);
+  } else {
+    loadFrame(nearestStep(f), n);
+  }
+  // the modes stand at f whether or not their order is clear
+  findModes(WAY.behind.modes, n);
+  std::ignore = followSubspaces(frame, WAY.behind.modes, n);
+  COLROT(S.TI, S.IDEALT ? S.PIVOT : S.PIVOT0, n);
+}
+
+} // namespace
+
+void firstFrequencyLoopImproved() {
+  beginFirstLoop();
+  for (int k = 1; k <= SOLVEDATA.grid.NFREQ; ++k) takeStep(k);
+}
+
+void formReportModesImproved() {
+  reportAt(RUNDATA.display.DISPFREQ);
+  finishReportModes();
+}
+
+} // namespace lcp

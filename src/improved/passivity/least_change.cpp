@@ -1,0 +1,416 @@
+// With A = I + H and B = I - H the half (I - H)^-1 (I + H) Yc has a Hermitian part that is not
+// negative exactly when
+//
+//   g(x) = 2 Re(x^H A Yc B^H x) >= 0   for every vector x
+//
+// and the other half with A and B the other way round. This form has no inverse, so it stays nearly
+// linear where H is close to I, as at low frequency. A pair of a frequency and a vector x with
+// g(x) < 0 is a cut. Its derivatives are, with a = A^H x, b = B^H x and the sign + or - of H in A,
+//
+//   dg = +- 2 Re(x^H dH (Yc b - Yc^H a))     dg = 2 Re(a^H dYc b)
+//
+// Each iteration scans the model, adds the cuts of the minima found, linearises all cuts around the
+// present model and finds the least change from the fitted one that meets them: a sequence of
+// quadratic programs.
+#include "improved/passivity/least_change.h"
+
+#include "base/constants.h"
+#include "fit/partial_fractions.h"
+#include "kernels/lapack.h"
+#include "kernels/matrix_kernels.h"
+#include "passivity/nodal_admittance.h"
+#include "store/rundata.h"
+#include "store/solvedata.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace lcp {
+
+namespace {
+
+constexpr std::size_t NEWCUTS = 150; // minima of a scan that become cuts, the deepest
+constexpr double MARGIN = 1e-6;      // to which a cut is lifted, of the size of its terms
+constexpr double MARGINGROWTH = 1.5; // from one program to the next
+constexpr double MOSTMARGIN = 1e-3;
+constexpr int MOSTIDLE = 4;       // programs that a cut may hold nothing
+constexpr double SMALL = 0.02;    // eigenvalue over the largest of a vector that becomes a cut too
+constexpr double SMALLH = 0.1;    // an H below it is weighed as if it were as large
+constexpr double OUTSIDE = 10;    // a decade below and above the band changes count too
+constexpr int POINTSOUTSIDE = 15; // of each
+
+struct YcTerms {
+  Table<LineMatrix, MAXPOLES> residue;
+  RealMatrix constant;
+};
+
+YcTerms& FITTEDYC = bigStore<YcTerms>(); // as it was fitted
+
+// The model that changes count from.
+struct BaseModel {
+  ResidueList H;
+  YcTerms Yc;
+};
+BaseModel& BASE = bigStore<BaseModel>();
+
+std::size_t at(int i) { return static_cast<std::size_t>(i); }
+
+void keepYc(YcTerms& terms) {
+  for (int m = 1; m <= ENFORCE.ENY; ++m) copyCorner(terms.residue[m], ENFORCE.ERY[m], ENFORCE.NC);
+  terms.constant = ENFORCE.EDY;
+}
+
+void takeFittedYc() {
+  for (int m = 1; m <= ENFORCE.ENY; ++m)
+    copyCorner(ENFORCE.ERY[m], FITTEDYC.residue[m], ENFORCE.NC);
+  ENFORCE.EDY = FITTEDYC.constant;
+}
+
+double largestElement(CConstView A) {
+  double largest = 0;
+  for (int c = 1; c <= ENFORCE.NC; ++c) {
+    for (int r = 1; r <= ENFORCE.NC; ++r) largest = std::max(largest, std::abs(A(r, c)));
+  }
+  return largest;
+}
+
+// The frequencies of the fit, and some below and above them.
+std::vector<double> weighedFrequencies() {
+  const FrequencyGrid& G = SOLVEDATA.grid;
+  const auto [low, high] = std::minmax({G.WFREQ[1] / TWOPI, G.WFREQ[G.NFUSE] / TWOPI});
+  std::vector<double> f; // rising
+  for (int k = POINTSOUTSIDE; k >= 1; --k)
+    f.push_back(low * std::pow(OUTSIDE, -static_cast<double>(k) / POINTSOUTSIDE));
+  for (int k = 1; k <= G.NFUSE; ++k) f.push_back(G.WFREQ[k] / TWOPI);
+  for (int k = 1; k <= POINTSOUTSIDE; ++k)
+    f.push_back(high * std::pow(OUTSIDE, static_cast<double>(k) / POINTSOUTSIDE));
+  std::sort(f.begin(), f.end());
+  return f;
+}
+
+// A change counts relative to H and Yc at its frequency.
+void weighBases(LeastChange& C) {
+  static LineMatrix F;
+  const std::vector<double> f = weighedFrequencies();
+  std::vector<double> ofH, ofYc;
+  for (const double hertz : f) {
+    const Complex s(0, TWOPI * hertz);
+    propagationAt(ENFORCE.FORIG, s, F);
+    ofH.push_back(std::pow(std::max(largestElement(F), SMALLH), -2));
+    characteristicAt(s, false, F);
+    ofYc.push_back(std::pow(largestElement(F), -2));
+  }
+  whiten(C.ofH, f, ofH);
+  whiten(C.ofYc, f, ofYc);
+}
+
+// The vectors of the matrix of a condition at one frequency.
+struct Condition {
+  LineMatrix H, Yc, A, B; // A and B: I with H added and subtracted, in the order of the half
+};
+
+void formCondition(Condition& K, double f, Half half) {
+  const Complex s(0, TWOPI * f);
+  const double sign = half == AGAINST ? 1 : -1;
+  propagationAt(ENFORCE.FRES, s, K.H);
+  characteristicAt(s, false, K.Yc);
+  for (int c = 1; c <= ENFORCE.NC; ++c) {
+    for (int r = 1; r <= ENFORCE.NC; ++r) {
+      K.A(r, c) = (r == c ? 1.0 : 0.0) + sign * K.H(r, c);
+      K.B(r, c) = (r == c ? 1.0 : 0.0) - sign * K.H(r, c);
+    }
+  }
+}
+
+// A x, and A^H x.
+Complexes times(CConstView A, const Complexes& x) {
+  Complexes y(x.size());
+  const int n = static_cast<int>(x.size());
+  for (int c = 1; c <= n; ++c) {
+    for (int r = 1; r <= n; ++r) y[at(r - 1)] += A(r, c) * x[at(c - 1)];
+  }
+  return y;
+}
+
+Complexes adjointTimes(CConstView A, const Complexes& x) {
+  Complexes y(x.size());
+  const int n = static_cast<int>(x.size());
+  for (int c = 1; c <= n; ++c) {
+    for (int r = 1; r <= n; ++r) y[at(c - 1)] += std::conj(A(r, c)) * x[at(r - 1)];
+  }
+  return y;
+}
+
+Complex product(const Complexes& a, const Complexes& b) { // a^H b
+  Complex sum = 0;
+  for (std::size_t i = 0; i < a.size(); ++i) sum += std::conj(a[i]) * b[i];
+  return sum;
+}
+
+double length(const Complexes& a) { return std::sqrt(product(a, a).real()); }
+
+// A Yc B^H + B Yc^H A^H
+void formWavePower(const Condition& K, CView M) {
+  const int n = ENFORCE.NC;
+  for (int c = 1; c <= n; ++c) {
+    Complexes unit(at(n));
+    unit[at(c - 1)] = 1;
+    const Complexes first = times(K.A, times(K.Yc, adjointTimes(K.B, unit)));
+    const Complexes second = times(K.B, adjointTimes(K.Yc, adjointTimes(K.A, unit)));
+    for (int r = 1; r <= n; ++r) M(r, c) = first[at(r - 1)] + second[at(r - 1)];
+  }
+}
+
+// All vectors at a minimum that are negative or nearly so: the next program could turn into those.
+// The lowest in any case, where rounding hides its sign.
+void addCutsAt(LeastChange& C, const NegativePoint& m) {
+  static Condition K;
+  static LineMatrix M;
+  static ModeReals W;
+  const int n = ENFORCE.NC;
+  formCondition(K, m.f, m.half);
+  formWavePower(K, M);
+  ZHEEVECTORS(M, W.data(), n);
+  for (int j = 1; j <= n; ++j) {
+    if (j > 1 && !(W[j] < SMALL * W[n])) break;
+    const Complex* v = M.view().column(j);
+    C.cuts.push_back({m.f, m.half, Complexes(v, v + n), 0});
+  }
+}
+
+Complexes conjugated(Complexes a) {
+  for (Complex& z : a) z = std::conj(z);
+  return a;
+}
+
+// Re(l^T dF q)
+double rowTimes(const RankOneRow& row, CConstView dF) {
+  return product(conjugated(row.l), times(dF, row.q)).real();
+}
+
+// The change of H and of Yc from the base at s.
+void changeOfH(Complex s, CView dH) {
+  static LineMatrix base;
+  propagationAt(ENFORCE.FRES, s, dH);
+  propagationAt(BASE.H, s, base);
+  addTimes(dH, -1.0, base, ENFORCE.NC);
+}
+
+void changeOfYc(const YcTerms& base, Complex s, CView dY) {
+  const EnforcementStore& E = ENFORCE;
+  for (int c = 1; c <= E.NC; ++c) {
+    for (int r = 1; r <= E.NC; ++r) dY(r, c) = E.EDY(r, c) - base.constant(r, c);
+  }
+  for (int m = 1; m <= E.ENY; ++m) {
+    addTimes(dY, poleTerm(s, E.EPY[m]), E.ERY[m], E.NC);
+    addTimes(dY, -poleTerm(s, E.EPY[m]), base.residue[m], E.NC);
+  }
+}
+
+// A cut as conditions on the whole change of H and Yc.
+void addRow(LeastChange& C, const Cut& cut) {
+  static Condition K;
+  static LineMatrix change;
+  const Complex s(0, TWOPI * cut.f);
+  formCondition(K, cut.f, cut.half);
+  const Complexes a = adjointTimes(K.A, cut.x), b = adjointTimes(K.B, cut.x);
+  const Complexes Yb = times(K.Yc, b), Ya = adjointTimes(K.Yc, a);
+  const double sign = cut.half == AGAINST ? 2 : -2;
+  RankOneRow ofH{conjugated(cut.x), Yb, basisAt(C.ofH, s)}, ofYc;
+  for (std::size_t i = 0; i < Yb.size(); ++i) ofH.q[i] = sign * (Yb[i] - Ya[i]);
+  changeOfH(s, change);
+  double bound = rowTimes(ofH, change) - 2 * product(a, Yb).real();
+  if (C.freeYc) {
+    ofYc = {conjugated(a), b, basisAt(C.ofYc, s)};
+    for (Complex& z : ofYc.q) z *= 2;
+    changeOfYc(BASE.Yc, s, change);
+    bound += rowTimes(ofYc, change);
+  }
+  const double size = 2 * length(a) * largestElement(K.Yc) * length(b);
+  C.rowsH.push_back(ofH);
+  C.rowsYc.push_back(ofYc);
+  C.program.b.push_back(bound + C.margin * size);
+}
+
+// Elements at zero frequency that do not move.
+void addFixedValues(LeastChange& C) {
+  const int n = ENFORCE.NC;
+  const auto unit = [&](int i) {
+    Complexes e(at(n));
+    e[at(i - 1)] = 1;
+    return e;
+  };
+  const Complexes phiH = basisAt(C.ofH, 0), phiYc = basisAt(C.ofYc, 0);
+  for (int c = 1; c <= n; ++c) {
+    for (int r = 1; r <= n; ++r) {
+      C.rowsH.push_back({unit(r), unit(c), phiH});
+      C.rowsYc.push_back({});
+      if (!C.freeYc || r > c) continue;
+      C.rowsH.push_back({});
+      C.rowsYc.push_back({unit(r), unit(c), phiYc});
+    }
+  }
+  C.program.b.assign(C.rowsH.size(), 0);
+}
+
+// The products of the n rows that stay, at the front.
+void compactProducts(std::vector<double>& M, std::size_t n,
+                     const std::vector<std::size_t>& stayed) {
+  const std::size_t kept = stayed.size();
+  for (std::size_t i = 0; i < kept; ++i) {
+    for (std::size_t j = 0; j < kept; ++j) M[i * kept + j] = M[stayed[i] * n + stayed[j]];
+  }
+  M.resize(kept * kept);
+}
+
+// The rows that held the last solution stay as they were: g is concave in H, so what is cut off by
+// a linearisation around any model is cut off for good, and the programs do not go round in a
+// circle.
+void keepActiveRows(LeastChange& C, const std::vector<double>& u) {
+  std::size_t kept = 0;
+  std::vector<std::size_t> stayed;
+  for (std::size_t i = 0; i < u.size(); ++i) {
+    const bool fixed = static_cast<int>(i) < C.program.equalities;
+    if (!fixed && !(u[i] > 0)) continue;
+    C.rowsH[kept] = C.rowsH[i];
+    C.rowsYc[kept] = C.rowsYc[i];
+    C.program.b[kept] = C.program.b[i];
+    stayed.push_back(i);
+    ++kept;
+  }
+  compactProducts(C.program.M, u.size(), stayed);
+  C.rowsH.resize(kept);
+  C.rowsYc.resize(kept);
+  C.program.b.resize(kept);
+  C.known = kept;
+}
+
+// Cuts that have held nothing for some programs go; a later scan finds them again if they matter.
+void dropIdleCuts(LeastChange& C, const std::vector<double>& u) {
+  const std::size_t first = u.size() - C.cuts.size();
+  std::size_t kept = 0;
+  for (std::size_t i = 0; i < C.cuts.size(); ++i) {
+    Cut& cut = C.cuts[i];
+    cut.idle = u[first + i] > 0 ? 0 : cut.idle + 1;
+    if (cut.idle <= MOSTIDLE) std::swap(C.cuts[kept++], cut);
+  }
+  C.cuts.resize(kept);
+}
+
+void startRows(LeastChange& C) {
+  C.rowsH.clear();
+  C.rowsYc.clear();
+  C.program.b.clear();
+  C.known = 0;
+  if (RUNDATA.fit.DCCORR > 0) addFixedValues(C);
+  C.program.equalities = static_cast<int>(C.program.b.size());
+}
+
+double rowProduct(const LeastChange& C, std::size_t i, std::size_t j) {
+  double m = 0;
+  if (!C.rowsH[i].l.empty() && !C.rowsH[j].l.empty())
+    m += rowProduct(C.rowsH[i], C.rowsH[j], false);
+  if (!C.rowsYc[i].l.empty() && !C.rowsYc[j].l.empty())
+    m += rowProduct(C.rowsYc[i], C.rowsYc[j], true);
+  return m;
+}
+
+// The products of the rows that stayed are those of the last program.
+void formProgram(LeastChange& C) {
+  for (const Cut& cut : C.cuts) addRow(C, cut);
+  const std::size_t n = C.program.b.size(), known = C.known;
+  const std::vector<double> last = std::move(C.program.M);
+  std::vector<double>& M = C.program.M;
+  C.program.n = static_cast<int>(n);
+  M.assign(n * n, 0);
+  for (std::size_t i = 0; i < n; ++i) {
+    for (std::size_t j = 0; j <= i; ++j)
+      M[i * n + j] = M[j * n + i] = i < known ? last[i * known + j] : rowProduct(C, i, j);
+  }
+}
+
+void applyToH(const LeastChange& C, const std::vector<double>& u) {
+  EnforcementStore& E = ENFORCE;
+  for (int c = 1; c <= E.NC; ++c) {
+    for (int r = 1; r <= E.NC; ++r) {
+      const std::vector<double> x = changeOf(C.ofH, C.rowsH, u, r, c, false);
+      for (int m = 1; m <= E.TOTORD; ++m)
+        E.FRES[m](r, c) = BASE.H[m](r, c) + residueChange(C.ofH, x, at(m - 1));
+    }
+  }
+}
+
+void applyToYc(const LeastChange& C, const std::vector<double>& u) {
+  EnforcementStore& E = ENFORCE;
+  for (int c = 1; c <= E.NC; ++c) {
+    for (int r = 1; r <= c; ++r) {
+      const std::vector<double> x = changeOf(C.ofYc, C.rowsYc, u, r, c, true);
+      for (int m = 1; m <= E.ENY; ++m) {
+        const Complex R = BASE.Yc.residue[m](r, c) + residueChange(C.ofYc, x, at(m - 1));
+        E.ERY[m](r, c) = E.ERY[m](c, r) = R;
+      }
+      E.EDY(r, c) = E.EDY(c, r) = BASE.Yc.constant(r, c) + x.back();
+    }
+  }
+}
+
+} // namespace
+
+LeastChange startLeastChange() {
+  LeastChange C;
+  C.ofH = propagationBasis();
+  C.ofYc = admittanceBasis();
+  keepYc(FITTEDYC);
+  weighBases(C);
+  restartLeastChange(C, false);
+  return C;
+}
+
+void restartLeastChange(LeastChange& C, bool freeYc) {
+  copyResidues(ENFORCE.FRES, ENFORCE.FORIG);
+  takeFittedYc();
+  C.freeYc = freeYc;
+  C.margin = MARGIN;
+  rebaseLeastChange(C);
+}
+
+void rebaseLeastChange(LeastChange& C) {
+  copyResidues(BASE.H, ENFORCE.FRES);
+  keepYc(BASE.Yc);
+  startRows(C);
+}
+
+void addCuts(LeastChange& C, std::vector<NegativePoint> minima) {
+  std::stable_sort(minima.begin(), minima.end(),
+                   [](const auto& a, const auto& b) { return a.value < b.value; });
+  if (minima.size() > NEWCUTS) minima.resize(NEWCUTS);
+  for (const NegativePoint& m : minima) addCutsAt(C, m);
+}
+
+bool solveLeastChange(LeastChange& C) {
+  formProgram(C);
+  const LeastVector found = leastVector(C.program);
+  applyToH(C, found.multiplier);
+  if (C.freeYc) applyToYc(C, found.multiplier);
+  dropIdleCuts(C, found.multiplier);
+  keepActiveRows(C, found.multiplier);
+  C.margin = std::min(C.margin * MARGINGROWTH, MOSTMARGIN);
+  return found.contradicted == 0;
+}
+
+double changeOfAdmittance(const FreqCurve& WFREQ, int NS) {
+  static LineMatrix change, fitted;
+  double moved = 0, scale = 0;
+  for (int k = 1; k <= NS; ++k) {
+    const Complex s(0, WFREQ[k]);
+    changeOfYc(FITTEDYC, s, change);
+    characteristicAt(s, false, fitted);
+    addTimes(fitted, -1.0, change, ENFORCE.NC);
+    moved = std::max(moved, largestElement(change));
+    scale = std::max(scale, largestElement(fitted));
+  }
+  return moved / scale;
+}
+
+} // namespace lcp

@@ -1,0 +1,192 @@
+// Modes followed as invariant subspaces: the assignment, one step, whole solves and reports.
+#include "improved/modes/subspace_modes.h"
+
+#include "improved/modes/assignment.h"
+#include "kernels/matrix_kernels.h"
+#include "modal/first_loop.h"
+#include "modal/line_constants.h"
+#include "modal/report_modes.h"
+#include "modal/second_loop.h"
+#include "run/methods.h"
+#include "store/rundata.h"
+#include "support/console_capture.h"
+#include "support/description.h"
+#include "support/overhead_lines.h"
+#include "support/solve.h"
+
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <numeric>
+#include <vector>
+
+using namespace lcp;
+using namespace lcp::test;
+
+namespace {
+
+const std::string IMPROVED = "Numerical Options\n{\nImproved Modes : 1\n}\n";
+
+double sumOf(const RealMatrix& cost, const std::vector<int>& column) {
+  double sum = 0;
+  for (std::size_t i = 0; i < column.size(); ++i) sum += cost(static_cast<int>(i) + 1, column[i]);
+  return sum;
+}
+
+TEST(Assignment, IsTheBestOfAllPermutations) {
+  static RealMatrix cost;
+  LineNumbers numbers(7);
+  for (int n = 1; n <= 6; ++n) {
+    for (int j = 1; j <= n; ++j) {
+      for (int i = 1; i <= n; ++i) cost(i, j) = numbers.upTo(-3, 9) / 4.0; // ties among them
+    }
+    std::vector<int> column(static_cast<std::size_t>(n));
+    std::iota(column.begin(), column.end(), 1);
+    double least = sumOf(cost, column);
+    while (std::next_permutation(column.begin(), column.end()))
+      least = std::min(least, sumOf(cost, column));
+    ModeInts found;
+    ASSIGN(found, cost, n);
+    const std::vector<int> chosen(found.data(), found.data() + n);
+    EXPECT_EQ(sumOf(cost, chosen), least) << n;
+    EXPECT_TRUE(std::is_permutation(chosen.begin(), chosen.end(), column.begin())) << n;
+  }
+}
+
+// P = Y Z with two equal modes, in a plane that the reference spans by vectors of its own.
+TEST(SubspaceModes, EqualModesKeepTheBasisOfTheReference) {
+  static ModeFrame frame;
+  FirstLoopStore& S = SOLVEDATA.first;
+  const double c = 0.8, s = 0.6;
+  const double X[3][3] = {{0, c, -s}, {0, s, c}, {1, 0, 0}};
+  clear(S.PMAT, 3);
+  clear(S.ZMAT, 3);
+  for (int i = 1; i <= 3; ++i) {
+    S.ZMAT(i, i) = Complex(0, 1);
+    S.PMAT(i, i) = i == 3 ? 2.0 : 1.0;
+    for (int j = 1; j <= 3; ++j) frame.X(i, j) = X[i - 1][j - 1];
+  }
+  S.PMAT(1, 2) = S.PMAT(2, 1) = 1e-13;
+  invertFrame(frame, 3);
+  static ModeSet modes;
+  findModes(modes, 3);
+  EXPECT_TRUE(followSubspaces(frame, modes, 3));
+  COLNORM(S.TI, S.TI, 3);
+  EXPECT_NEAR(std::abs(S.EIG[1] - 2.0), 0, 1e-12);
+  for (int j = 1; j <= 3; ++j) {
+    for (int i = 1; i <= 3; ++i)
+      EXPECT_NEAR(std::abs(S.TI(i, j)), std::abs(X[i - 1][j - 1]), 1e-12);
+  }
+}
+
+ModeReals reported(double f) {
+  RUNDATA.display.DISPFREQ = f;
+  constantsAt(f);
+  runReportModes();
+  ModeReals z;
+  for (int i = 1; i <= RUNDATA.line.NC; ++i) z[i] = SOLVEDATA.second.ZSURGE[i].real();
+  return z;
+}
+
+TEST(SubspaceModes, ReportAgreesWithABergeronLineOfTwoFrequencies) {
+  const std::string body = doubleCircuit(bergeronModel("Frequency for Loss Approximation: 2E5\n"));
+  solveBothLoops(body + IMPROVED);
+  ASSERT_TRUE(RUNDATA.numerics.IMPROVEDMODES);
+  const ModeReals model = SOLVEDATA.second.ZSURGER;
+  const ModeReals report = reported(RUNDATA.line.SSFREQ);
+  for (int i = 1; i <= RUNDATA.line.NC; ++i) EXPECT_NEAR(report[i] / model[i], 1, 1e-9) << i;
+}
+
+// Many modes lie close together all over the grid.
+TEST(SubspaceModes, OfManyCircuitsAreAllThereAtTheEndOfTheGrid) {
+  const std::string console =
+      consoleOf([] { solveFirstLoop(manyCircuits(12, phaseModel()) + IMPROVED); });
+  EXPECT_EQ(console.find_first_of("<>"), std::string::npos) << console;
+  const int n = RUNDATA.line.NC, last = SOLVEDATA.grid.NFREQ - 1;
+  ASSERT_EQ(n, 12);
+  constantsAt(SOLVEDATA.grid.FREQ[last]);
+  Complex trace, sum;
+  for (int i = 1; i <= n; ++i) {
+    trace += SOLVEDATA.first.PMAT(i, i);
+    sum += SOLVEDATA.at.MEIG(last, i);
+  }
+  EXPECT_LT(std::abs(trace - sum), 1e-11 * std::abs(trace)); // a doubled mode stands for another
+}
+
+// The largest steps of vectors, surge impedances and eigenvalues from one frequency to the next.
+struct LargestSteps {
+  double vector = 0, impedance = 0, eigenvalue = 0;
+};
+
+LargestSteps stepsWith(const std::string& body, int increments) {
+  const std::string keys = "Total Number of Frequency Increments: " + std::to_string(increments);
+  solveBothLoops(body + phaseModel(keys + "\n") + IMPROVED);
+  const SecondLoopStore& T = SOLVEDATA.second;
+  LargestSteps steps;
+  for (int k = 2; k < SOLVEDATA.grid.NFREQ; ++k) { // the last one stands out of order
+    const double scale = std::pow(SOLVEDATA.grid.FREQ[k] / SOLVEDATA.grid.FREQ[k - 1], 2);
+    for (int j = 1; j <= RUNDATA.line.NC; ++j) {
+      const Complex z = T.ZSURGST(k, j), l = SOLVEDATA.at.MEIG(k, j);
+      const double dz = std::abs(z - T.ZSURGST(k - 1, j)) / std::abs(z);
+      const double dl = std::abs(l - scale * SOLVEDATA.at.MEIG(k - 1, j)) / std::abs(l);
+      steps.impedance = std::max(steps.impedance, dz);
+      steps.eigenvalue = std::max(steps.eigenvalue, dl);
+      for (int i = 1; i <= RUNDATA.line.NC; ++i)
+        steps.vector = std::max(steps.vector, std::abs(T.TIST(k, i, j) - T.TIST(k - 1, i, j)));
+    }
+  }
+  return steps;
+}
+
+// Two circuits that are nearly mirror images: some surge impedances turn past the imaginary axis.
+std::string nearlyMirrored() {
+  const auto circuit = [](const char* phases, const std::string& places) {
+    return std::string("Circuit\n{\nConductors: 3\nConductor Phase Information: ") + phases +
+           "\nRadius: 0.01667\nDCResistance: 0.037\nSag: 5.473\n" + places + "}\n";
+  };
+  return summary(6) + "Line Constants Tower\n{\n" +
+         circuit("1 2 3", "ShuntConductance: 1e-10\nP1 : -4.260 30.209\nP2 : -5.288 35.122\nP3 : "
+                          "-5.039 39.537\n") +
+         circuit(
+             "4 5 6",
+             "ShuntConductance: 1e-11\nP1 : 4.931 30.803\nP2 : 5.319 34.936\nP3 : 4.519 39.082\n") +
+         "}\n" + "Line Constants Ground Data\n{\nGroundResistivity: 10\n}\n";
+}
+
+// A jump stays as high when the grid becomes denser. And Yc = TI / Zs TI^T, of which the surge
+// impedances have no part otherwise, tells their sign.
+TEST(SubspaceModes, CurvesOfModesAreContinuousAndOfOneSign) {
+  for (const std::string& body : {singleCircuit(""), doubleCircuit(""), nearlyMirrored()}) {
+    const LargestSteps coarse = stepsWith(body, 200), fine = stepsWith(body, 400);
+    EXPECT_LT(fine.vector, 0.6 * coarse.vector);
+    EXPECT_LT(fine.impedance, 0.6 * coarse.impedance);
+    EXPECT_LT(fine.eigenvalue, 0.6 * coarse.eigenvalue);
+    for (int k = 1; k <= SOLVEDATA.grid.NFREQ; ++k) {
+      const Dense TI = stepOf(SOLVEDATA.second.TIST, k);
+      const std::size_t n = TI.size();
+      const Dense Yc = formed(n, [&](auto i, auto j) {
+        Wide sum = 0;
+        for (std::size_t m = 0; m < n; ++m)
+          sum += TI[i][m] * TI[j][m] / Wide(SOLVEDATA.second.ZSURGST(k, static_cast<int>(m) + 1));
+        return sum;
+      });
+      EXPECT_LT(distance(Yc, stepOf(SOLVEDATA.second.YCST, k)), 1e-9) << k;
+    }
+  }
+}
+
+// Modes that cross between there and the end of the grid keep the order of the neighbour.
+TEST(SubspaceModes, TheConstantTransformStepContinuesItsNeighbour) {
+  for (const double f : {0.6, 1.0, 100.0, 3e4}) {
+    const std::string key = fmt::format("Frequency to Calculate Constant Transform: {}\n", f);
+    solveFirstLoop(doubleCircuit(phaseModel(key)) + IMPROVED);
+    const Dense X = stepOf(SOLVEDATA.at.MTI, SOLVEDATA.first.KCT),
+                Y = stepOf(SOLVEDATA.at.MTI, 107);
+    const Dense share = product(inverse(X), Y);
+    for (std::size_t m = 0; m < X.size(); ++m)
+      EXPECT_GT(std::abs(share[m][m]), 0.9) << f << ' ' << m;
+  }
+}
+
+} // namespace
