@@ -110,7 +110,7 @@ double gridBegin() {
 
 double highestFrequency() {
   const double fixed = std::max(RUNDATA.bergeron.FLOSS, RUNDATA.line.SSFREQ);
-  if (RUNDATA.model.MODBERG()) return fixed;
+  if (RUNDATA.model.atTwoFrequencies()) return fixed;
   return RUNDATA.model.fitted() ? std::max(gridBegin(), RUNDATA.fit.FEND) : RUNDATA.line.SSFREQ;
 }
 
@@ -118,7 +118,7 @@ double lowestFrequency() {
   const FitOptions& F = RUNDATA.fit;
   if (!RUNDATA.model.fitted()) return RUNDATA.line.SSFREQ;
   const double grid = std::min(gridBegin(), F.FEND);
-  return RUNDATA.model.MODFDP() && F.DCCORR > 0 ? std::min(grid, DCFREQUENCY) : grid;
+  return RUNDATA.model.fitsPhases() && F.DCCORR > 0 ? std::min(grid, DCFREQUENCY) : grid;
 }
 
 // Cables and a pipe that lie side by side in the ground or in the air.
@@ -182,8 +182,8 @@ void optionRules(Findings& findings) {
   if (M.MODEL == ModelKind::None || M.MODEL == ModelKind::Halo) add(findings, 0, Kind::NoModel);
   if (M.fitted()) weights(findings);
   if (M.fitted() && RUNDATA.run.DATAFMT == ROUTECONSTANTS) fitRange(findings);
-  if (M.MODFDP()) dcCorrection(findings);
-  if (M.MODFDP()) passivity(findings);
+  if (M.fitsPhases()) dcCorrection(findings);
+  if (M.fitsPhases()) passivity(findings);
   if (RUNDATA.run.ISCABLE != FOURWIRECABLE && RUNDATA.run.DATAFMT == ROUTECONSTANTS)
     formulas(findings);
 }

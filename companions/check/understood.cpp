@@ -170,11 +170,8 @@ Json entered() {
 }
 
 std::string_view modelText() {
-  constexpr std::array<std::string_view, 6> TEXTS = {
-      "PI",    "Bergeron",          "frequency dependent (mode)", "frequency dependent (phase)",
-      "MFDTD", "HALO options alone"};
-  const int model = static_cast<int>(RUNDATA.model.MODEL);
-  return model >= 1 && model <= 6 ? TEXTS[static_cast<std::size_t>(model - 1)] : "none";
+  const ModelChoice& M = RUNDATA.model;
+  return M.MODEL == ModelKind::Halo ? "HALO options alone" : M.row().name;
 }
 
 Json line() {
@@ -193,21 +190,21 @@ Json model() {
   Json row = {{"model", modelText()}};
   const FitOptions& F = RUNDATA.fit;
   const ModelChoice& M = RUNDATA.model;
-  if (M.MODBERG()) row["losses_Hz"] = RUNDATA.bergeron.FLOSS;
+  if (M.atTwoFrequencies()) row["losses_Hz"] = RUNDATA.bergeron.FLOSS;
   if (M.fitted()) {
     row["start_Hz"] = F.FSTART;
     row["end_Hz"] = F.FEND;
     row["increments"] = F.NFINC;
     row["weights"] = fmt::format("{:g} {:g} {:g}", F.WF1, F.WF2, F.WF3);
-    const bool phase = M.MODFDP();
+    const bool phase = M.fitsPhases();
     row["poles_Z_or_Yc"] = phase ? F.MAXPY : F.MAXPZ;
     row["error_Z_or_Yc_%"] = phase ? F.ERRY : F.ERRZ;
   }
-  if (M.MODFDM() || M.MODFDP()) {
+  if (M.fitsModes() || M.fitsPhases()) {
     row["poles_H"] = F.MAXPA;
     row["error_H_%"] = F.ERRA;
   }
-  if (M.MODFDP()) {
+  if (M.fitsPhases()) {
     row["dc_correction"] = F.DCCORR;
     const PassivityOptions& P = RUNDATA.passivity;
     row["passivity"] = P.PITERSET ? "enforced" : P.PFLOSET ? "checked" : "no";

@@ -302,20 +302,17 @@ void readMfdtd(Lines& in, ModelFile& f) {
 
 // ----
 
-struct KindRow {
-  ModelKind kind;
-  std::string_view name;
-  std::string_view mark; // how its first line begins
-  void (*read)(Lines&, ModelFile&);
-};
-
-constexpr KindRow KINDS[] = {
-    {ModelKind::Phase, "frequency dependent (phase)", "Fre-Phase", readPhase},
-    {ModelKind::Mode, "frequency dependent (mode)", "Fre-Dep", readModes},
-    {ModelKind::Mfdtd, "MFDTD", "MFDTD", readMfdtd},
-    {ModelKind::Pi, "PI", " BRANCHES:", readPi},
-    {ModelKind::Bergeron, "Bergeron", " ", readBergeron},
-};
+void readModel(Lines& in, ModelFile& f) {
+  switch (f.kind) {
+  case ModelKind::Pi: readPi(in, f); break;
+  case ModelKind::Bergeron: readBergeron(in, f); break;
+  case ModelKind::Mode: readModes(in, f); break;
+  case ModelKind::Phase: readPhase(in, f); break;
+  case ModelKind::Mfdtd: readMfdtd(in, f); break;
+  case ModelKind::None:
+  case ModelKind::Halo: break;
+  }
+}
 
 } // namespace
 
@@ -324,10 +321,10 @@ ModelFile parseModelFile(const std::string& text) {
   Lines in;
   in.all = linesOf(text);
   while (in.peek().starts_with('!')) in.next();
-  for (const KindRow& row : KINDS) {
-    if (in.ended() || !in.peek().starts_with(row.mark)) continue;
+  for (const LineModel& row : LINEMODELS) {
+    if (in.ended() || !in.peek().starts_with(row.fileHead)) continue;
     f.kind = row.kind;
-    row.read(in, f);
+    readModel(in, f);
     if (!in.ended()) in.fail("more lines than the model has");
     f.trouble = in.trouble;
     return f;
@@ -348,9 +345,8 @@ ModelFile readModelFile(const std::string& name) {
 }
 
 std::string_view nameOf(ModelKind kind) {
-  const auto* row = std::find_if(std::begin(KINDS), std::end(KINDS),
-                                 [kind](const KindRow& r) { return r.kind == kind; });
-  return row == std::end(KINDS) ? "unknown" : row->name;
+  const LineModel& row = lineModel(kind);
+  return row.kind == ModelKind::None ? "unknown" : row.name;
 }
 
 std::vector<NamedFunction> functionsOf(const ModelFile& file) {

@@ -46,7 +46,7 @@ void checkLength() {
 
 // Travelling waves of a Bergeron model need one Y and Z, not a table over frequency.
 void checkMultipleRoute() {
-  if (!RUNDATA.model.MODBERG() || RUNDATA.run.DATAFMT != ROUTEMULTIPLE) return;
+  if (!RUNDATA.model.atTwoFrequencies() || RUNDATA.run.DATAFMT != ROUTEMULTIPLE) return;
   console::rule('*', 45);
   console::line("Corvo.exe: ERROR");
   console::print("Line Name: {}", RUNDATA.line.LNAME.text());

@@ -85,14 +85,15 @@ void beginStep(int k) {
 namespace {
 
 void takeStep(int k) {
+  const ModelChoice& M = RUNDATA.model;
   FirstLoopStore& S = SOLVEDATA.first;
   beginStep(k);
-  if (k > 1 && !RUNDATA.model.MODBERG() && !RUNDATA.model.MODMFDTD() && !S.IDEALT) {
+  if (k > 1 && !M.atTwoFrequencies() && M.needsModes() && !S.IDEALT) {
     trackedStep(k);
     return;
   }
   constantsAtStep(k, SOLVEDATA.grid.FREQ[k], Place::AtTheStep);
-  if (RUNDATA.model.MODMFDTD()) {
+  if (!M.needsModes()) {
     storeConstants(k);
   } else if (S.IDEALT) {
     idealStep(k);

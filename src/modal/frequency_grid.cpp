@@ -45,7 +45,7 @@ void layLogGrid() {
   if (!(F.FCT > 0.0)) refuseGrid("Frequency to Calculate Constant Transform Must be > 0!");
   const double a = logOfRange(F.FSTART), b = logOfRange(F.FEND);
   // A first delay is drawn from a slope over the grid, which is 0 / 0 there.
-  if (a == b && !RUNDATA.model.MODMFDTD()) {
+  if (a == b && RUNDATA.model.needsModes()) {
     refuseGrid("Curve Fitting Start and End Frequency Must Differ!");
   }
   if (F.FEND < F.FSTART) {
@@ -76,7 +76,7 @@ void checkTable() {
   const bool fitted = RUNDATA.model.fitted();
   const int NFINC = RUNDATA.fit.NFINC;
   // Elements that the table does not have are 0: no wave, and no number but of MFDTD.
-  if (RUNDATA.line.NC > YZTABLE.order && !RUNDATA.model.MODMFDTD()) {
+  if (RUNDATA.line.NC > YZTABLE.order && RUNDATA.model.needsModes()) {
     refuseGrid(fmt::format("Number of Conductors ({}) is Above That of the Y and Z Data ({})!",
                            RUNDATA.line.NC, YZTABLE.order));
   }
@@ -103,7 +103,7 @@ void warnOfFirstRow() {
 void layTableGrid() {
   FrequencyGrid& G = SOLVEDATA.grid;
   const int NFINC = RUNDATA.fit.NFINC;
-  if (NFINC < LEASTROWS && !RUNDATA.model.MODMFDTD()) {
+  if (NFINC < LEASTROWS && RUNDATA.model.needsModes()) {
     refuseGrid(fmt::format("Too Few Frequencies in the Y and Z Data ({}), a Delay Needs {}!", NFINC,
                            LEASTROWS));
   }
@@ -115,7 +115,7 @@ void layTableGrid() {
 
 void layFittedGrid() {
   const bool fromTable = RUNDATA.run.fromTable();
-  if (!RUNDATA.model.MODFDM()) RUNDATA.fit.CONSTT = !fromTable;
+  if (!RUNDATA.model.fitsModes()) RUNDATA.fit.CONSTT = !fromTable;
   if (fromTable) {
     layTableGrid();
   } else {
@@ -126,25 +126,25 @@ void layFittedGrid() {
 } // namespace
 
 void layGrid() {
-  const ModelChoice& M = RUNDATA.model;
   FrequencyGrid& G = SOLVEDATA.grid;
   const bool fromTable = RUNDATA.run.fromTable();
   if (fromTable) checkTable();
-  if (M.MODPI()) {
+  switch (RUNDATA.model.row().grid) {
+  case ModelGrid::SteadyState:
     if (fromTable) warnOfFirstRow();
     G.NFREQ = 1;
-  } else if (M.MODBERG()) {
-    G.NFREQ = 2;
-  } else {
-    layFittedGrid();
+    break;
+  case ModelGrid::LossAndSteadyState: G.NFREQ = 2; break;
+  case ModelGrid::Band: layFittedGrid(); break;
   }
   mapCurves(SOLVEDATA, mostConductors());
 }
 
 double gridFrequency(int k) {
   const FrequencyGrid& G = SOLVEDATA.grid;
-  if (RUNDATA.model.MODPI()) return RUNDATA.line.SSFREQ;
-  if (RUNDATA.model.MODBERG()) return k == 1 ? RUNDATA.bergeron.FLOSS : RUNDATA.line.SSFREQ;
+  if (RUNDATA.model.atOneFrequency()) return RUNDATA.line.SSFREQ;
+  if (RUNDATA.model.atTwoFrequencies())
+    return k == 1 ? RUNDATA.bergeron.FLOSS : RUNDATA.line.SSFREQ;
   if (RUNDATA.run.fromTable()) return YZTABLE.FTABLE[k];
   if (k == G.NFREQ) return RUNDATA.fit.FCT;
   return std::pow(10.0, (k - 1) * G.DLOGW + G.LOGW0) * INVTWOPI;

@@ -60,7 +60,7 @@ Pair nearestModes(CConstView TIINV, int n) {
 void LostModes::look(int k) {
   const FirstLoopStore& S = SOLVEDATA.first;
   const int n = RUNDATA.line.NC;
-  if (S.IDEALT || RUNDATA.model.MODPI()) return;
+  if (S.IDEALT || RUNDATA.model.atOneFrequency()) return;
   double square = 0;
   for (int i = 1; i <= n; ++i) square += rowSquare(S.TIINV, i, n);
   if (!(square > LARGESTAPART)) return;

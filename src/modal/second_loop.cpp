@@ -114,8 +114,8 @@ void storeTravelTimes(int k, int n) {
   const ModelChoice& M = RUNDATA.model;
   const int last = SOLVEDATA.grid.NFREQ;
   const double t = INMILLI * RUNDATA.run.LINELEN / SOLVEDATA.grid.WFREQ[k];
-  const bool whole = M.MODPI() || (M.MODBERG() && k == last);
-  const bool fitted = (M.MODFDM() || M.MODFDP()) && k < last;
+  const bool whole = M.atOneFrequency() || (M.atTwoFrequencies() && k == last);
+  const bool fitted = M.fitted() && k < last;
   for (int i = 1; i <= n; ++i) {
     if (whole || (fitted && T.HMAG(k, i) >= FADED)) T.TAUMS[i] = T.GAM[i].imag() * t;
   }
@@ -126,7 +126,7 @@ void storeTravelTimes(int k, int n) {
 void alignVectors() {
   FirstLoopStore& S = SOLVEDATA.first;
   const int n = RUNDATA.line.NC;
-  if (S.IDEALT || RUNDATA.model.MODMFDTD()) return;
+  if (S.IDEALT || !RUNDATA.model.needsModes()) return;
   for (int k = 1; k <= SOLVEDATA.grid.NFREQ; ++k) {
     SOLVEDATA.at.MTI.load(k, work, n);
     COLROT(work, S.PIVOT0, n);
@@ -141,7 +141,7 @@ void secondLoopStep(int k) {
   scaleEigenvalues(k, n);
   formModalMatrices(SOLVEDATA.second.YM, SOLVEDATA.second.ZM, S.YMAT, S.ZMAT, S.TI, S.TIINV, n);
   formModes(n);
-  if (RUNDATA.model.MODBERG()) {
+  if (RUNDATA.model.atTwoFrequencies()) {
     storeLosses(k, n);
   } else {
     storeModes(k, n);

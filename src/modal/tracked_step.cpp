@@ -162,7 +162,7 @@ bool goOn(Walk& walk, int k, bool good) {
 // transformation, leaves a mode with the values of the step before, the end of the grid.
 void warnOfKeptModes(int k, const ModeComplex& before) {
   const FrequencyGrid& G = SOLVEDATA.grid;
-  if (!RUNDATA.model.MODFDM() || SOLVEDATA.first.KCT == k - 1) return;
+  if (!RUNDATA.model.fitsModes() || SOLVEDATA.first.KCT == k - 1) return;
   std::string modes;
   for (int i = 1; i <= RUNDATA.line.NC; ++i) {
     if (SOLVEDATA.first.EIG[i] == before[i]) modes += fmt::format(" {}", i);

@@ -1,47 +1,15 @@
-// The detail curve files, tables with a row for each frequency step: which there are, their names
-// and headers, and one of them as it is written.
+// One detail curve file as it is written: its name, its header, and a row for each frequency step.
 #pragma once
 
 #include "base/general_field.h"
 #include "base/stream_file.h"
+#include "output/curve_table.h"
 
 #include <cmath>
 #include <string>
 #include <vector>
 
 namespace lcp {
-
-enum class CurveId {
-  ZCMM, // surge impedances of the modes and their fits: magnitude
-  ZCPM, // ... angle
-  AMM,  // modal propagation functions without delay and their fits: magnitude
-  APM,
-  TIMM, // elements of the current transformation and their fits: magnitude
-  TIPM,
-  YCMP, // elements of the characteristic admittance and their fits: magnitude
-  YCPP,
-  HMM, // functions of the delay groups and their fits: magnitude
-  HPM,
-  HMP, // elements of the propagation matrix and their fits: magnitude
-  HPP,
-  TIMP, // elements of the current transformation: magnitude
-  TIPP,
-  ZMF, // fitted series impedance: magnitude
-  ZPF,
-  LAMDAM, // squared propagation constants: magnitude
-  LAMDAP,
-  ZM, // series impedance: magnitude
-  YM, // shunt admittance: magnitude
-  ZP,
-  YP,
-  ZS,      // series impedance: real and imaginary parts
-  YS,      // shunt admittance: real and imaginary parts
-  SHORTED, // impedance of each mode with the far end shorted
-  OPEN,    // ... with the far end open
-  GDIS,    // input impedances of the phases, far end shorted
-  GDIO,    // ... far end open
-  COUNT
-};
 
 constexpr int ROWVALUES = 403; // numbers on a line of a curve file
 

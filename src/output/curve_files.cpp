@@ -28,68 +28,54 @@ CurveSteps fitSteps(int longTable) {
   return {NS >= longTable ? FIRSTFITTED : 1, NS};
 }
 
-bool isEndCurve(CurveId id) { return id == CurveId::GDIS || id == CurveId::GDIO; }
-
-template <class Action> void forAllCurves(Action action) {
-  for (int i = 0; i < static_cast<int>(CurveId::COUNT); ++i) action(static_cast<CurveId>(i));
+// All files of that moment, each once: a file can have several rows in the table.
+void writeCurves(Moment moment, CurveSteps steps) {
+  if (!RUNDATA.fit.WDETAIL || steps.empty()) return;
+  CurveId before = CurveId::COUNT;
+  for (const CurveRow& row : CURVETABLE) {
+    if (row.written == moment && row.id != before) writeCurve(row.id, steps);
+    before = row.id;
+  }
 }
 
 } // namespace
 
 void headCurves() {
   if (!wanted(RUNDATA.model.fitted())) return;
-  forAllCurves([](CurveId id) {
-    if (!isEndCurve(id)) headCurve(id);
-  });
+  for (int i = 0; i < static_cast<int>(CurveId::COUNT); ++i) {
+    const auto id = static_cast<CurveId>(i);
+    if (id != CurveId::GDIS && id != CurveId::GDIO) headCurve(id);
+  }
 }
 
-void closeHeadedCurves() { forAllCurves(closeCurve); }
+void closeHeadedCurves() {
+  for (const CurveRow& row : CURVETABLE) closeCurve(row.id);
+}
 
 void writeEndCurves(int k) {
   const int NFREQ = SOLVEDATA.grid.NFREQ;
   const int last = isConstantTransformStep(NFREQ) ? NFREQ - 1 : NFREQ;
-  if (!wanted(RUNDATA.model.MODFDM() || RUNDATA.model.MODFDP())) return;
+  if (!wanted(RUNDATA.model.fitted())) return;
   if (k < FIRSTFITTED || k > last) return;
   if (k == FIRSTFITTED) openSentVoltages();
   writeSentVoltages(k);
   if (k == last) closeSentVoltages();
 }
 
-void writeModeCurves() {
-  const CurveSteps steps = gridSteps();
-  if (!wanted(RUNDATA.model.MODFDM()) || steps.empty()) return;
-  writeConstants(steps);
-  writeEigenvalues(steps);
-  writeModeFits(steps);
-  writeFewConductors(steps);
+void writeLineCurvesBefore() {
+  if (RUNDATA.model.fitsPhases()) writeCurves(Moment::Line, phaseSteps());
 }
 
-void writePhaseLineCurves() {
-  if (!wanted(RUNDATA.model.MODFDP())) return;
-  writeConstants(phaseSteps());
-  writeTransformation(phaseSteps());
-  writeEigenvalues(phaseSteps());
-}
+void writeAdmittanceFitCurves() { writeCurves(Moment::AdmittanceFit, fitSteps(LONGTABLE)); }
 
-void writeAdmittanceFitCurves() {
-  if (wanted(RUNDATA.model.MODFDP())) writeAdmittanceFit(fitSteps(LONGTABLE));
-}
+void writePropagationFitCurves() { writeCurves(Moment::PropagationFit, fitSteps(LONGHTABLE)); }
 
-void writePropagationFitCurves() {
-  if (!wanted(RUNDATA.model.MODFDP())) return;
-  writeGroupFits(fitSteps(LONGHTABLE));
-  writePropagationFit(fitSteps(LONGHTABLE));
-}
+void writeSeriesFitCurves() { writeCurves(Moment::SeriesFit, fitSteps(LONGTABLE)); }
 
-void writeSeriesFitCurves() {
-  if (!wanted(RUNDATA.model.MODMFDTD())) return;
-  writeSeriesFit(fitSteps(LONGTABLE));
-}
-
-void writeSeriesLineCurves() {
-  const CurveSteps steps = gridSteps();
-  if (!wanted(RUNDATA.model.MODMFDTD()) || steps.empty()) return;
-  writeConstants(steps);
+void writeLineCurvesAfter() {
+  if (!RUNDATA.model.fitsModes() && !RUNDATA.model.fitsSeries()) return;
+  writeCurves(Moment::Line, gridSteps());
+  if (RUNDATA.model.fitsModes()) writeCurves(Moment::Modes, gridSteps());
 }
 
 } // namespace lcp

@@ -12,17 +12,15 @@ void headCurves();
 // ends. Opened at the first step that has a row.
 void writeEndCurves(int k);
 
-// Mode model, behind its model file.
-void writeModeCurves();
+// The curves of the line itself: of the phase model before its model file, of the others after it,
+// with the fits of the mode model.
+void writeLineCurvesBefore();
+void writeLineCurvesAfter();
 
-// Phase model, before its model file and behind each of its fits.
-void writePhaseLineCurves();
+// After the fits of the phase model, and after that of the MFDTD model.
 void writeAdmittanceFitCurves();
 void writePropagationFitCurves();
-
-// MFDTD model: behind its fit, and behind the model file.
 void writeSeriesFitCurves();
-void writeSeriesLineCurves();
 
 // What is still open when the model file is complete, or cannot be opened, holds its header alone.
 void closeHeadedCurves();

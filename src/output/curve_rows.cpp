@@ -82,13 +82,6 @@ void writeElements(CurveId id, Part part, const ElementCurves& A, CurveSteps ste
   });
 }
 
-// Two files: magnitudes and angles.
-void writeBoth(CurveId size, CurveId angle, const ElementCurves& A, CurveSteps steps,
-               RowFrequency from, const ElementCurves* fit = nullptr) {
-  writeElements(size, MAGNITUDE, A, steps, from, fit);
-  writeElements(angle, ANGLE, A, steps, from, fit);
-}
-
 // ---- the line itself
 
 constexpr double INJECTED = 3.0; // A
@@ -207,6 +200,11 @@ void putModeRow(CurveFile& file, CurveId id, int k) {
   }
 }
 
+void writeModeFit(CurveId id, CurveSteps steps) {
+  writeRows(id, steps, RowFrequency::GRID,
+            [id](CurveFile& file, int k) { putModeRow(file, id, k); });
+}
+
 constexpr double NOTHING = 1e-32; // magnitude below which a modal function is shown as 0
 
 double shown(Part part, Complex z) {
@@ -223,30 +221,47 @@ void writeGroups(CurveId id, Part part, CurveSteps steps) {
   });
 }
 
+// The one of an ideally transposed line is not followed over frequency: it is with the modes.
+const ElementCurves& transformation() {
+  return SOLVEDATA.first.IDEALT ? SOLVEDATA.second.TIST : SOLVEDATA.at.MTI;
+}
+
 } // namespace
 
-void writeConstants(CurveSteps steps) {
+void writeCurve(CurveId id, CurveSteps steps) {
   const FrequencyStore& A = SOLVEDATA.at;
-  writeBoth(ZM, ZP, A.ZSTORE, steps, RowFrequency::GRID);
-  writeBoth(YM, YP, A.YSTORE, steps, RowFrequency::GRID);
-}
-
-void writeEigenvalues(CurveSteps steps) {
-  writeModeValues(LAMDAM, MAGNITUDE, steps);
-  writeModeValues(LAMDAP, ANGLE, steps);
-}
-
-// That of an ideally transposed line is not followed: it stands with the modes alone.
-void writeTransformation(CurveSteps steps) {
-  const ElementCurves& TI = SOLVEDATA.first.IDEALT ? SOLVEDATA.second.TIST : SOLVEDATA.at.MTI;
-  writeBoth(TIMP, TIPP, TI, steps, RowFrequency::GRID);
-}
-
-void writeFewConductors(CurveSteps steps) {
-  writeUpperTriangle(ZS, SOLVEDATA.at.ZSTORE, steps);
-  writeUpperTriangle(YS, SOLVEDATA.at.YSTORE, steps);
-  writeInputImpedances(SHORTED, FarEnd::SHORTED, steps);
-  writeInputImpedances(OPEN, FarEnd::OPEN, steps);
+  const SecondLoopStore& T = SOLVEDATA.second;
+  switch (id) {
+  case ZM: return writeElements(id, MAGNITUDE, A.ZSTORE, steps, RowFrequency::GRID);
+  case ZP: return writeElements(id, ANGLE, A.ZSTORE, steps, RowFrequency::GRID);
+  case YM: return writeElements(id, MAGNITUDE, A.YSTORE, steps, RowFrequency::GRID);
+  case YP: return writeElements(id, ANGLE, A.YSTORE, steps, RowFrequency::GRID);
+  case LAMDAM: return writeModeValues(id, MAGNITUDE, steps);
+  case LAMDAP: return writeModeValues(id, ANGLE, steps);
+  case TIMP: return writeElements(id, MAGNITUDE, transformation(), steps, RowFrequency::GRID);
+  case TIPP: return writeElements(id, ANGLE, transformation(), steps, RowFrequency::GRID);
+  case ZS: return writeUpperTriangle(id, A.ZSTORE, steps);
+  case YS: return writeUpperTriangle(id, A.YSTORE, steps);
+  case SHORTED: return writeInputImpedances(id, FarEnd::SHORTED, steps);
+  case OPEN: return writeInputImpedances(id, FarEnd::OPEN, steps);
+  case ZCMM:
+  case ZCPM:
+  case AMM:
+  case APM:
+  case TIMM:
+  case TIPM: return writeModeFit(id, steps);
+  case YCMP: return writeElements(id, MAGNITUDE, T.YCST, steps, RowFrequency::FIT, &FITTED.YC);
+  case YCPP: return writeElements(id, ANGLE, T.YCST, steps, RowFrequency::FIT, &FITTED.YC);
+  case HMM: return writeGroups(id, MAGNITUDE, steps);
+  case HPM: return writeGroups(id, ANGLE, steps);
+  case HMP: return writeElements(id, MAGNITUDE, T.HST, steps, RowFrequency::FIT, &FITTED.H);
+  case HPP: return writeElements(id, ANGLE, T.HST, steps, RowFrequency::FIT, &FITTED.H);
+  case ZMF: return writeElements(id, MAGNITUDE, SERIESMODEL.ZFIT, steps, RowFrequency::FIT);
+  case ZPF: return writeElements(id, ANGLE, SERIESMODEL.ZFIT, steps, RowFrequency::FIT);
+  case GDIS:
+  case GDIO:
+  case COUNT: break; // written step by step
+  }
 }
 
 void openSentVoltages() {
@@ -270,30 +285,6 @@ void closeSentVoltages() {
     if (c.open) c.file.close();
     c.open = false;
   }
-}
-
-void writeModeFits(CurveSteps steps) {
-  for (const CurveId id : {ZCMM, ZCPM, AMM, APM, TIMM, TIPM}) {
-    writeRows(id, steps, RowFrequency::GRID,
-              [id](CurveFile& file, int k) { putModeRow(file, id, k); });
-  }
-}
-
-void writeAdmittanceFit(CurveSteps steps) {
-  writeBoth(YCMP, YCPP, SOLVEDATA.second.YCST, steps, RowFrequency::FIT, &FITTED.YC);
-}
-
-void writeGroupFits(CurveSteps steps) {
-  writeGroups(HMM, MAGNITUDE, steps);
-  writeGroups(HPM, ANGLE, steps);
-}
-
-void writePropagationFit(CurveSteps steps) {
-  writeBoth(HMP, HPP, SOLVEDATA.second.HST, steps, RowFrequency::FIT, &FITTED.H);
-}
-
-void writeSeriesFit(CurveSteps steps) {
-  writeBoth(ZMF, ZPF, SERIESMODEL.ZFIT, steps, RowFrequency::FIT);
 }
 
 } // namespace lcp

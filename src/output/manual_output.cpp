@@ -23,9 +23,8 @@ namespace {
 } // namespace
 
 bool isModelReplaced() {
-  const ModelChoice& M = RUNDATA.model;
   return RUNDATA.display.MANOUT && RUNDATA.run.DATAFMT != ROUTEMANUAL &&
-         (M.MODFDP() || M.MODMFDTD());
+         RUNDATA.model.row().replaced;
 }
 
 bool copyManualOutput() {

@@ -9,7 +9,7 @@ namespace lcp {
 namespace {
 
 void writeFirstLine(TextFile& file) {
-  Record record("MFDTD");
+  Record record(lineModel(ModelKind::Mfdtd).fileHead);
   record.column(7).integer(RUNDATA.line.NC, 2).column(10).integer(SERIESMODEL.NPZ, 2);
   file.line(record.column(30).text("1").column(41).text("1 /"));
 }

@@ -15,7 +15,8 @@ constexpr int CHUNK = 6; // poles or residues on a line
 void writeHead(TextFile& file) {
   const int n = RUNDATA.line.NC;
   writeModelHead(file);
-  file.line(Record("Fre-Dep ")
+  file.line(Record(lineModel(ModelKind::Mode).fileHead)
+                .blanks(1)
                 .integer(n, 2)
                 .column(12)
                 .text("0")

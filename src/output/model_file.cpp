@@ -107,7 +107,7 @@ void writePiModel(TextFile& file, const LineMatrix& YLC, const LineMatrix& ZLC) 
   static LineMatrix PIW;
   const int n = RUNDATA.line.NC;
   writeModelHead(file);
-  file.line(" BRANCHES:");
+  file.line(lineModel(ModelKind::Pi).fileHead);
   formShuntData(PIW, YLC);
   for (int i = 1; i <= n; ++i) {
     for (int j = i + 1; j <= n; ++j) writeShuntBranch(file, i, j, PIW(i, j));

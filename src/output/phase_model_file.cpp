@@ -9,7 +9,8 @@ namespace lcp {
 namespace {
 
 void writeFirstLine(TextFile& file) {
-  Record record("Fre-Phase ");
+  Record record(lineModel(ModelKind::Phase).fileHead);
+  record.blanks(1);
   record.integer(RUNDATA.line.NC, 2).column(14).text("0").column(30).text("1").column(41).text("1");
   file.line(record.general(RUNDATA.run.LINELEN, 16, 7).text(" /"));
 }

@@ -25,7 +25,7 @@ namespace {
 constexpr int SHORTRULE = REPORTRULE - 1; // of the first lines of this report's heads
 
 void checkModel() {
-  if (RUNDATA.model.MODBERG()) return;
+  if (RUNDATA.model.row().entered) return;
   console::line("ERROR: The Manual Data Entry component can only be");
   console::line("used along with the Begeron model.");
   console::line("Frequency-Dependent models require the entry of");

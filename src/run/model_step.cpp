@@ -50,27 +50,29 @@ void FITDRIVE(TextFile& file) {
 
 // What can end the run for its data does so before there is a file.
 void beforeTheFile() {
-  if (RUNDATA.model.MODMFDTD()) {
+  if (RUNDATA.model.fitsSeries()) {
     runSeriesFit();
     writeSeriesFitCurves();
     formSeriesShunt(shunt);
   }
-  writePhaseLineCurves();
+  writeLineCurvesBefore();
 }
 
 void writeModel(TextFile& file) {
-  const ModelChoice& M = RUNDATA.model;
-  if (M.MODPI()) piModel(file);
-  if (M.MODBERG()) writeBergeronModel(file);
-  if (M.MODFDM()) modeModel(file);
-  if (M.MODFDP()) FITDRIVE(file);
-  if (M.MODMFDTD()) writeMfdtdModel(file, shunt);
+  switch (RUNDATA.model.MODEL) {
+  case ModelKind::Pi: piModel(file); break;
+  case ModelKind::Bergeron: writeBergeronModel(file); break;
+  case ModelKind::Mode: modeModel(file); break;
+  case ModelKind::Phase: FITDRIVE(file); break;
+  case ModelKind::Mfdtd: writeMfdtdModel(file, shunt); break;
+  case ModelKind::None:
+  case ModelKind::Halo: break;
+  }
   file.close();
 }
 
-void behindTheFile() {
-  writeModeCurves();
-  writeSeriesLineCurves();
+void afterTheFile() {
+  writeLineCurvesAfter();
   closeHeadedCurves();
 }
 
@@ -84,7 +86,7 @@ bool runModelStep() {
     return false;
   }
   writeModel(file);
-  behindTheFile();
+  afterTheFile();
   return !isModelReplaced() || copyManualOutput();
 }
 

@@ -54,10 +54,10 @@ void writeReport(TextFile& file) {
   writePhaseHead(file);
   writePhaseDomain(file, S.YMAT, S.ZMAT);
   if (LLOK) writeCorrectedData(file, YLC, ZLC);
-  if (M.MODPI() || M.MODBERG()) reportModes(file);
+  if (M.row().reported) reportModes(file);
   if (hasSequenceMatrices()) SEQMATS(file, S.YMAT, S.ZMAT);
-  if (M.MODBERG()) MINDELAY(file, first(SOLVEDATA.second.TAUMS.entries, n), true);
-  if (M.MODFDP()) MINDELAY(file, first(FITMODEL.TAU.entries, FITMODEL.NGROUP), false);
+  if (M.atTwoFrequencies()) MINDELAY(file, first(SOLVEDATA.second.TAUMS.entries, n), true);
+  if (M.fitsPhases()) MINDELAY(file, first(FITMODEL.TAU.entries, FITMODEL.NGROUP), false);
 }
 
 } // namespace

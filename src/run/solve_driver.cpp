@@ -49,7 +49,7 @@ void checkConductors() {
 void checkPassivityGrid() {
   static FrequencyList grid;
   const PassivityOptions& P = RUNDATA.passivity;
-  if (!RUNDATA.model.MODFDP() || !(P.PFLOSET || P.PITERSET)) return;
+  if (!RUNDATA.model.fitsPhases() || !(P.PFLOSET || P.PITERSET)) return;
   PASSGRID(P.PFLO, P.PFHI, P.NPFINC, P.PFDIST, grid);
   if (grid.NGRID > 0 || !checksOnGrid()) return;
   console::note(fmt::format("the passivity grid has no frequencies (increments {}, distribution "
@@ -73,7 +73,7 @@ void checkWeights() {
 // Modal and phase-domain functions at every step of the grid, and what the phases see at the ends
 // of the line, into its curve files. MFDTD has no modes.
 void secondFrequencyLoop() {
-  if (RUNDATA.model.MODMFDTD()) return;
+  if (!RUNDATA.model.needsModes()) return;
   LostModes lost;
   for (int k = 1; k <= SOLVEDATA.grid.NFREQ; ++k) {
     takeSecondStep(k, lost);

@@ -1,24 +1,23 @@
 // Groups of the run store: choice of the line model and the options of the model sections.
 #pragma once
 
+#include "store/line_model.h"
 #include "store/run_groups.h"
 
 namespace lcp {
 
-// The numbers show in a message.
-enum class ModelKind { None = -10, Pi = 1, Bergeron, Mode, Phase, Mfdtd, Halo };
-
 struct ModelChoice {
-  ModelKind MODEL = ModelKind::None; // the line model; Halo: field options alone, which give none
+  ModelKind MODEL = ModelKind::None; // the line model
   bool MODHALO = false;              // field options: conductors keep the order of their sections
 
-  bool MODPI() const { return MODEL == ModelKind::Pi; }
-  bool MODBERG() const { return MODEL == ModelKind::Bergeron; }
-  bool MODFDM() const { return MODEL == ModelKind::Mode; }
-  bool MODFDP() const { return MODEL == ModelKind::Phase; }
-  bool MODMFDTD() const { return MODEL == ModelKind::Mfdtd; }
-  bool fitted() const { return MODFDM() || MODFDP() || MODMFDTD(); }
-  bool needsModes() const { return !MODMFDTD(); }
+  const LineModel& row() const { return lineModel(MODEL); }
+  bool atOneFrequency() const { return row().grid == ModelGrid::SteadyState; }
+  bool atTwoFrequencies() const { return row().grid == ModelGrid::LossAndSteadyState; }
+  bool needsModes() const { return row().modes; }
+  bool fitted() const { return row().fits != ModelFits::None; }
+  bool fitsModes() const { return row().fits == ModelFits::Modes; }
+  bool fitsPhases() const { return row().fits == ModelFits::Phases; }
+  bool fitsSeries() const { return row().fits == ModelFits::Series; }
 };
 
 struct BergeronOptions {

@@ -140,7 +140,7 @@ TEST(Reader, SetsOptionsAndTheirDefaults) {
   EXPECT_EQ(RUNDATA.run.DATAFMT, ROUTENONE);
   readHere(description("Frequency Dep. (Phase) Model Options\n{\nDC Correction Type: 1\n"
                        "Lower frequency for passivity check: 5\n}\nHALO Options\n{\n}\n"));
-  EXPECT_EQ(values(RUNDATA.model.MODFDP(), RUNDATA.model.MODHALO, RUNDATA.fit.DCCORRF,
+  EXPECT_EQ(values(RUNDATA.model.fitsPhases(), RUNDATA.model.MODHALO, RUNDATA.fit.DCCORRF,
                    RUNDATA.passivity.PFLOSET),
             values(1, 1, 1, 1));
   EXPECT_EQ(values(D.GPARLIM, F.INTTT), values(1.0e-5, 1)); // nothing is left of the file before

@@ -194,7 +194,7 @@ TEST(CurveFiles, HalfTurnsArePositiveAndNoNumbersStayOut) {
     SOLVEDATA.grid.NFUSE = 6;
     SOLVEDATA.at.ZSTORE(6, 1, 2) = {-1.0, -0.0};
     SOLVEDATA.at.YSTORE(6, 3, 3) = std::nan("");
-    headCurves(), writePhaseLineCurves();
+    headCurves(), writeLineCurvesBefore();
   });
   EXPECT_EQ(rowsOf(files, "zp").at(0).at(3), 180);
   EXPECT_TRUE(rowsOf(files, "ym").empty());
@@ -203,7 +203,7 @@ TEST(CurveFiles, HalfTurnsArePositiveAndNoNumbersStayOut) {
     const rlimit limit{900, 900}; // the header and less than the rows
     setrlimit(RLIMIT_FSIZE, &limit);
     SOLVEDATA.grid.NFUSE = 106;
-    headCurves(), writePhaseLineCurves();
+    headCurves(), writeLineCurvesBefore();
   };
   EXPECT_EQ(textOf(written(cut, 1, "Error in Writing Output File: x_zm.out\n"), "zm"), "");
 }

@@ -175,7 +175,7 @@ int largestPart(const TurningRows& R, int j, int n) {
 // there.
 void chooseTurningRows(int n) {
   static TurningRows R;
-  const bool bergeron = RUNDATA.model.MODBERG();
+  const bool bergeron = RUNDATA.model.atTwoFrequencies();
   for (int j = 1; j <= n; ++j) {
     for (int i = 1; i <= n; ++i) R.part(i, j) = R.cosine(i, j) = 1;
   }
@@ -225,7 +225,7 @@ void takeStep(int k) {
 void reportAt(double f) {
   FirstLoopStore& S = SOLVEDATA.first;
   const int n = RUNDATA.line.NC;
-  if (RUNDATA.model.MODMFDTD()) {
+  if (!RUNDATA.model.needsModes()) {
     startSubspaces(n);
     COLROT(S.TI, S.PIVOT, n);
     return;
