@@ -6,7 +6,7 @@
 #include "companions/shared/text.h"
 #include "companions/shared/whole_files.h"
 #include "input/key_rows.h"
-#include "input/line_trace.h"
+#include "input/trace_store.h"
 
 #include <algorithm>
 #include <cctype>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "input/key_rows.h"
-#include "input/line_trace.h"
+#include "input/trace_store.h"
 
 #include <span>
 #include <string_view>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "companions/check/finding.h"
-#include "input/line_trace.h"
+#include "input/trace_store.h"
 
 namespace lcp::companions {
 

@@ -36,6 +36,17 @@ namespace lcp {
 
 namespace {
 
+
+// Resistance, inductance and capacitance of the last call, with the symmetry of the square: one
+// value for a conductor itself, one for its two neighbours, one for the conductor across.
+struct FourWireStore {
+  SquareStore<double, FOURWIRES> FWR; // ohm/km
+  SquareStore<double, FOURWIRES> FWL; // H/km
+  SquareStore<double, FOURWIRES> FWC; // F/km
+};
+
+FourWireStore FOURWIRE{};
+
 constexpr double KILO = 1000.0;     // m in a km
 constexpr double SQUAREMILLI = 1e6; // mm^2 in a m^2
 constexpr double SQRT2 = 1.4142135623730951;

@@ -6,20 +6,10 @@
 
 namespace lcp {
 
-constexpr int FOURWIRES = 4;
-
-// Resistance, inductance and capacitance of the last call, with the symmetry of the square: one
-// value for a conductor itself, one for its two neighbours, one for the conductor across.
-struct FourWireStore {
-  SquareStore<double, FOURWIRES> FWR; // ohm/km
-  SquareStore<double, FOURWIRES> FWL; // H/km
-  SquareStore<double, FOURWIRES> FWC; // F/km
-};
-
-inline FourWireStore FOURWIRE{};
+constexpr int FOURWIRES = 4; // conductors
 
 // Z and Y of the four conductors, from the four-wire record and the soil resistivity of the run
-// store. Sets NC and NCOND to 4, fills FOURWIRE.
+// store. Sets NC and NCOND to 4.
 //   f    frequency, Hz, above 0
 //   YMAT out: shunt admittance, S/m, without conductance, 4 by 4
 //   ZMAT out: series impedance, ohm/m, 4 by 4

@@ -13,11 +13,12 @@
 
 namespace lcp {
 
-int MSGUNIT = STDOUT_FILENO;
-
 namespace {
 
 constexpr int CONSOLE = STDOUT_FILENO;
+
+int MSGUNIT = CONSOLE; // where messages go
+
 constexpr int LASTUNIT = 99;
 constexpr int NOUNIT = -1;
 constexpr int UNITDATE = 900127;

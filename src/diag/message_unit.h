@@ -7,8 +7,6 @@
 
 namespace lcp {
 
-extern int MSGUNIT; // where messages go; the console at start
-
 // Length of a text without the blanks behind it.
 int ULEN(std::string_view text);
 

@@ -6,7 +6,7 @@
 #include "base/record.h"
 #include "fit/dc_values.h"
 #include "fit/fit_console.h"
-#include "fit/fitted_curves.h"
+#include "fit/fit_store.h"
 #include "fit/matrix_fit.h"
 #include "store/rundata.h"
 

@@ -9,7 +9,7 @@
 #include "base/constants.h"
 #include "fit/bode_delay.h"
 #include "fit/delay_search.h"
-#include "fit/fitted_curves.h"
+#include "fit/fit_store.h"
 #include "fit/propagation_tables.h"
 #include "store/rundata.h"
 

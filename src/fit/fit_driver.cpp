@@ -6,7 +6,7 @@
 #include "fit/admittance_fit.h"
 #include "fit/dc_values.h"
 #include "fit/fit_console.h"
-#include "fit/fitted_curves.h"
+#include "fit/fit_store.h"
 #include "fit/propagation_fit.h"
 #include "store/fitmodel.h"
 #include "store/rundata.h"

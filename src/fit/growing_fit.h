@@ -1,18 +1,10 @@
 // Fits of one function whose pole count grows until the error is small enough.
 #pragma once
 
+#include "fit/fit_store.h"
 #include "fit/vector_fit.h"
 
 namespace lcp {
-
-// F(s) = D + sum over m of R[m] / (s - P[m])
-struct RationalFit {
-  int N;       // poles
-  double D;    // constant term
-  PoleTable P; // poles, rad/s
-  PoleTable R; // residues
-  double ERR;  // largest deviation over the largest magnitude of the function
-};
 
 // Fits F (NS samples at WFREQ, rad/s, weighted by WFIT) with a constant term: one pole, two poles
 // and so on, until the error ERR has fallen to TARGET or NMAX poles are reached (100 at most).

@@ -3,6 +3,7 @@
 #include "base/console.h"
 #include "base/constants.h"
 #include "base/number_forms.h"
+#include "fit/growing_fit.h"
 #include "store/rundata.h"
 
 #include <cmath>

@@ -2,21 +2,11 @@
 // of the current transformation of each mode, fitted one by one.
 #pragma once
 
-#include "base/big_store.h"
-#include "fit/growing_fit.h"
+#include "fit/fit_store.h"
 
 #include <string_view>
 
 namespace lcp {
-
-struct ModeModel {
-  Table<RationalFit, LDMAT> Z;       // surge impedance of mode i, ohm
-  Table<RationalFit, LDMAT> A;       // propagation function of mode i without its delay
-  SquareStore<RationalFit, LDMAT> T; // element (i, r) of the transformation, of mode i in row r
-};
-
-// Mapped before anything of a file that includes this is initialised.
-inline ModeModel& MODEMODEL = bigStore<ModeModel>();
 
 // On the console, ahead of a line whose first number is the error, a fraction.
 constexpr std::string_view SURGELINE = "Mode {} Surge Impedance:";

@@ -23,7 +23,7 @@
 #include "base/finite.h"
 #include "base/register_widths.h"
 #include "fit/dc_values.h"
-#include "fit/fitted_curves.h"
+#include "fit/fit_store.h"
 #include "fit/partial_fractions.h"
 #include "fit/scaled_columns.h"
 #include "kernels/lapack.h"

@@ -3,26 +3,11 @@
 //   Z(i,j)(s) = ZFD(i,j) + s ZFE(i,j) + sum over m of ZFR(i,j)[m] / (s - ZFP[m])
 #pragma once
 
-#include "base/big_store.h"
-#include "store/fitmodel.h"
-#include "store/solvedata.h"
+#include "fit/fit_store.h"
 
 #include <string_view>
 
 namespace lcp {
-
-struct SeriesModel {
-  int NPZ;           // poles
-  PoleTable ZFP;     // rad/s
-  ResidueMatrix ZFR; // ohm rad/(s m)
-  RealMatrix ZFD;    // constant term, ohm/m
-  RealMatrix ZFE;    // term proportional to s, H/m
-
-  CurveMatrix<Complex, MAXFREQ> ZFIT; // the model at the fitted grid points, ohm/m
-};
-
-// Mapped before anything of a file that includes this is initialised.
-inline SeriesModel& SERIESMODEL = bigStore<SeriesModel>();
 
 // Fits ZSTORE over the fitted grid points with a growing number of poles, from 1 to NMAX (at most
 // NPMAX), until the largest deviation of all elements over the largest magnitude of all is TARGET

@@ -3,8 +3,8 @@
 #include "base/console.h"
 #include "base/constants.h"
 #include "base/number_forms.h"
-#include "input/line_trace.h"
-#include "input/reader_state.h"
+#include "input/reader_store.h"
+#include "input/trace_store.h"
 #include "store/rundata.h"
 
 #include <array>

@@ -9,7 +9,7 @@
 #include "base/console.h"
 #include "base/constants.h"
 #include "input/open_cable.h"
-#include "input/reader_state.h"
+#include "input/reader_store.h"
 #include "store/rundata.h"
 
 namespace lcp {

@@ -1,8 +1,8 @@
 #include "input/cable_hints.h"
 
 #include "base/console.h"
-#include "input/line_trace.h"
-#include "input/reader_state.h"
+#include "input/reader_store.h"
+#include "input/trace_store.h"
 #include "store/rundata.h"
 
 #include <algorithm>

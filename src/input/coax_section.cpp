@@ -3,7 +3,7 @@
 #include "base/constants.h"
 #include "input/key_rows.h"
 #include "input/open_cable.h"
-#include "input/reader_state.h"
+#include "input/reader_store.h"
 #include "input/sections.h"
 #include "store/rundata.h"
 

@@ -7,7 +7,7 @@
 #include "base/text_source.h"
 #include "input/bundles.h"
 #include "input/free_form.h"
-#include "input/reader_state.h"
+#include "input/reader_store.h"
 #include "store/rundata.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 // Four-Wire Cable.
 #include "input/key_rows.h"
 #include "input/open_cable.h"
-#include "input/reader_state.h"
+#include "input/reader_store.h"
 #include "input/sections.h"
 #include "store/rundata.h"
 

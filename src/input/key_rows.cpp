@@ -1,6 +1,6 @@
 #include "input/key_rows.h"
 
-#include "input/line_trace.h"
+#include "input/trace_store.h"
 
 #include <algorithm>
 

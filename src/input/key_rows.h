@@ -6,7 +6,7 @@
 #pragma once
 
 #include "input/free_form.h"
-#include "input/reader_state.h"
+#include "input/reader_store.h"
 #include "store/conductor_table.h"
 #include "store/run_groups.h"
 

@@ -7,7 +7,7 @@
 #include "base/constants.h"
 #include "base/number_forms.h"
 #include "base/text_source.h"
-#include "input/reader_state.h"
+#include "input/reader_store.h"
 #include "store/rundata.h"
 
 #include <cmath>

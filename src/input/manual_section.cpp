@@ -5,7 +5,7 @@
 #include "base/console.h"
 #include "base/number_forms.h"
 #include "input/key_rows.h"
-#include "input/reader_state.h"
+#include "input/reader_store.h"
 #include "input/yz_files.h"
 #include "store/rundata.h"
 

@@ -1,7 +1,7 @@
 // Bergeron, fitted models, Output File Display Options, HALO Options and Numerical
 // Options.
 #include "input/key_rows.h"
-#include "input/reader_state.h"
+#include "input/reader_store.h"
 #include "input/sections.h"
 #include "store/rundata.h"
 

@@ -1,7 +1,7 @@
 #include "input/open_cable.h"
 
 #include "base/console.h"
-#include "input/reader_state.h"
+#include "input/reader_store.h"
 #include "store/rundata.h"
 
 namespace lcp {

@@ -1,7 +1,7 @@
 // Pipe-Type Cable. There is one pipe at most, so its keys need no table.
 #include "base/console.h"
 #include "input/key_rows.h"
-#include "input/reader_state.h"
+#include "input/reader_store.h"
 #include "input/rule_frame.h"
 #include "input/sections.h"
 #include "store/rundata.h"

@@ -7,12 +7,12 @@
 #include "base/stop.h"
 #include "input/external_conductors.h"
 #include "input/key_rows.h"
-#include "input/line_trace.h"
 #include "input/manual_section.h"
 #include "input/open_cable.h"
 #include "input/post_read.h"
-#include "input/reader_state.h"
+#include "input/reader_store.h"
 #include "input/sections.h"
+#include "input/trace_store.h"
 #include "store/rundata.h"
 
 #include <algorithm>

@@ -2,7 +2,7 @@
 #include "base/console.h"
 #include "base/stop.h"
 #include "input/key_rows.h"
-#include "input/reader_state.h"
+#include "input/reader_store.h"
 #include "input/sections.h"
 #include "store/rundata.h"
 

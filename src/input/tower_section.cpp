@@ -8,9 +8,9 @@
 #include "input/free_form.h"
 #include "input/key_rows.h"
 #include "input/library.h"
-#include "input/line_trace.h"
-#include "input/reader_state.h"
+#include "input/reader_store.h"
 #include "input/sections.h"
+#include "input/trace_store.h"
 #include "store/rundata.h"
 
 #include <array>

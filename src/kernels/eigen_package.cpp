@@ -27,9 +27,10 @@
 
 namespace lcp {
 
-ModeInts EITER;
-
 namespace {
+
+constexpr int EITERFAILED = 1000;
+ModeInts EITER; // squarings spent on each vector; EITER(1) = EITERFAILED when one did not settle
 
 constexpr double SHIFTREAL = 0.7; // of the mean element
 constexpr double SHIFTIMAG = 0.812345;
@@ -266,5 +267,7 @@ void VALVC(ModeComplex& L, CView Y, CView X, CView A, int n) {
   VALVEC(L, Y, X, A, P, C, W, n);
   for (int k = 1; k <= n; ++k) L[k] += s;
 }
+
+bool settledVectors() { return EITER[1] != EITERFAILED; }
 
 } // namespace lcp

@@ -6,10 +6,6 @@
 
 namespace lcp {
 
-// Squarings spent on each vector at the last call; EITER(1) = 1000 tells that it failed.
-constexpr int EITERFAILED = 1000;
-extern ModeInts EITER;
-
 // Eigenvalue L(k), left vector in row k of Y and right vector in column k of X of the matrix A of
 // order n, for k = 1..n in the order found: by falling distance from a shift between the axes, as
 // far as the moduli are distinct. Y X = I, and the element of each right vector in the row where
@@ -19,5 +15,8 @@ extern ModeInts EITER;
 // after 100 squarings the pairs from there on keep what Y and X held, and L what it held plus the
 // shift.
 void VALVC(ModeComplex& L, CView Y, CView X, CView A, int n);
+
+// False when a vector of the last decomposition did not settle.
+bool settledVectors();
 
 } // namespace lcp

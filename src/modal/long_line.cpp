@@ -46,7 +46,7 @@ void decompose(CConstView Y, CConstView Z, int n) {
   copyCorner(decomposed, product, n);
   VALVC(eigenvalues, Ti, T, product, n);
   COLNORM(T, T, n);
-  const bool good = INVCHECKED(Ti, T, n) && EITER[1] != EITERFAILED;
+  const bool good = INVCHECKED(Ti, T, n) && settledVectors();
   decomposedOrder = good ? n : 0;
 }
 

@@ -31,8 +31,6 @@
 
 namespace lcp {
 
-ManualModes MANUAL;
-
 namespace {
 
 constexpr double TWOPIC0 = 3.4954932422641835e-10; // 2 pi C0

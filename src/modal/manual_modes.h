@@ -2,7 +2,7 @@
 // time, a surge impedance and a resistance, from sequence values or from one Y and Z pair.
 #pragma once
 
-#include "store/solvedata.h"
+#include "modal/manual_store.h"
 
 #include <string_view>
 
@@ -15,16 +15,6 @@ struct ManualMode {
   double C;  // capacitance, F/m
   double L;  // inductance, H/m
 };
-
-struct ManualModes {
-  LineMatrix TI;    // transformation, unit columns
-  LineMatrix TIINV; // its inverse
-  LineMatrix YMOD;  // modal admittance, S/m; that of an entered pair is full
-  LineMatrix ZMOD;  // modal impedance, ohm/m
-  ModeComplex EIGM; // squared propagation constants of an entered pair, 1/m^2; else 0
-};
-
-extern ManualModes MANUAL;
 
 // The warning of a mode whose inductance is below 0 behind the correction for the length.
 constexpr std::string_view UNITSWARNING =

@@ -5,9 +5,8 @@
 #include "output/curve_rows.h"
 
 #include "base/constants.h"
-#include "fit/fitted_curves.h"
-#include "fit/mode_model.h"
-#include "fit/series_fit.h"
+#include "fit/fit_store.h"
+#include "fit/partial_fractions.h"
 #include "kernels/hyperbolic.h"
 #include "output/curve_file.h"
 #include "store/fitmodel.h"

@@ -1,6 +1,6 @@
 #include "output/mfdtd_model_file.h"
 
-#include "fit/series_fit.h"
+#include "fit/fit_store.h"
 #include "output/model_file.h"
 #include "store/rundata.h"
 

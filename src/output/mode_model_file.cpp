@@ -1,6 +1,6 @@
 #include "output/mode_model_file.h"
 
-#include "fit/mode_model.h"
+#include "fit/fit_store.h"
 #include "output/model_file.h"
 #include "store/rundata.h"
 

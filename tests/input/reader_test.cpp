@@ -1,8 +1,8 @@
 // Items of a line, any bytes, options, entered data.
 #include "input/free_form.h"
 #include "input/key_rows.h"
-#include "input/line_trace.h"
 #include "input/reader.h"
+#include "input/trace_store.h"
 #include "store/rundata.h"
 #include "store/yz_table.h"
 #include "support/description.h"

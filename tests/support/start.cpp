@@ -3,7 +3,7 @@
 // which a denormal number is 0. A run that ends inside a test, not in a child of it, fails this
 // test alone: the linker puts the routine below in the place of stop(). CORVO_TEST_FOLDERS names
 // folders, with blanks between them, when not all tests are to run.
-#include "fit/fitted_curves.h"
+#include "fit/fit_store.h"
 #include "fit/series_fit.h"
 #include "run/lcpmain.h"
 #include "store/fitmodel.h"

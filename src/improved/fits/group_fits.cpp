@@ -3,7 +3,7 @@
 #include "base/big_store.h"
 #include "fit/delay_groups.h"
 #include "fit/delay_search.h"
-#include "fit/fitted_curves.h"
+#include "fit/fit_store.h"
 #include "improved/fits/settled_fit.h"
 
 #include <algorithm>

@@ -8,7 +8,7 @@
 #include "fit/dc_values.h"
 #include "fit/fit_console.h"
 #include "fit/fit_driver.h"
-#include "fit/fitted_curves.h"
+#include "fit/fit_store.h"
 #include "fit/matrix_fit.h"
 #include "fit/series_fit.h"
 #include "improved/fits/between_points.h"

@@ -8,7 +8,7 @@
 #include "fit/delay_groups.h"
 #include "fit/fit_console.h"
 #include "fit/fit_driver.h"
-#include "fit/fitted_curves.h"
+#include "fit/fit_store.h"
 #include "fit/matrix_fit.h"
 #include "fit/phase_residues.h"
 #include "fit/propagation_tables.h"

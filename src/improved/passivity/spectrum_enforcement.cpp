@@ -7,7 +7,7 @@
 #include "base/constants.h"
 #include "base/number_forms.h"
 #include "fit/fit_console.h"
-#include "fit/fitted_curves.h"
+#include "fit/fit_store.h"
 #include "improved/passivity/least_change.h"
 #include "passivity/enforcement.h"
 #include "passivity/nodal_admittance.h"

@@ -1,7 +1,7 @@
 // What the sections of the reader share: the current line, the open group, the way out.
 #pragma once
 
-#include "input/line_trace.h"
+#include "input/trace_store.h"
 #include "store/cable_group.h"
 #include "store/conductor_table.h"
 #include "store/manual_group.h"

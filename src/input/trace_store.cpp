@@ -1,4 +1,4 @@
-#include "input/line_trace.h"
+#include "input/trace_store.h"
 
 #include "store/rundata.h"
 

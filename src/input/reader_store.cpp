@@ -1,4 +1,4 @@
-#include "input/reader_state.h"
+#include "input/reader_store.h"
 
 #include "base/console.h"
 #include "base/stop.h"

@@ -1,0 +1,74 @@
+// What the fits share: the least-squares problem at hand, the models of modes and of the series
+// impedance, and the fitted curves. The phase model is in store/fitmodel.
+#pragma once
+
+#include "base/big_store.h"
+#include "kernels/least_squares.h"
+#include "store/fitmodel.h"
+#include "store/solvedata.h"
+
+namespace lcp {
+
+// The stores are mapped before anything of a file that includes this is initialised.
+
+// Matrix and right-hand sides of the least-squares problem at hand. One store for all fits: a
+// routine that calls another fit finds it overwritten.
+struct LeastSquaresStore {
+  double A[static_cast<std::size_t>(LSROWS) * LSCOLS];
+  double B[static_cast<std::size_t>(LSROWS) * LSRHS];
+
+  RView matrix() { return {A, LSROWS}; }
+  RView rightSides() { return {B, LSROWS}; }
+  RView rightSides(int rows) { return {B, rows}; } // side by side: many of them stay near
+};
+
+inline LeastSquaresStore& LSQ = bigStore<LeastSquaresStore>();
+
+// The fitted functions at the grid points, as the fits left them, whatever an enforcement does to
+// the residues: the detail curve files show them beside the sampled ones. Only the improved
+// enforcement renews them.
+struct FittedCurves {
+  // The fit whose error is printed: before the symmetry of the model is made exact, and without the
+  // extra pole of a DC correction. S
+  CurveMatrix<Complex, MAXFREQ> YC;
+  CurveMatrix<Complex, MAXFREQ> H; // behind order reduction and DC correction
+
+  // By delay group: the function that its poles were fitted to, without the delay, and its fit.
+  CurveVector<Complex, NGMAX, MAXFREQ> GROUP;
+  CurveVector<Complex, NGMAX, MAXFREQ> GROUPFIT;
+};
+
+inline FittedCurves& FITTED = bigStore<FittedCurves>();
+
+// F(s) = D + sum over m of R[m] / (s - P[m])
+struct RationalFit {
+  int N;       // poles
+  double D;    // constant term
+  PoleTable P; // poles, rad/s
+  PoleTable R; // residues
+  double ERR;  // largest deviation over the largest magnitude of the function
+};
+
+// The frequency dependent (mode) model.
+struct ModeModel {
+  Table<RationalFit, LDMAT> Z;       // surge impedance of mode i, ohm
+  Table<RationalFit, LDMAT> A;       // propagation function of mode i without its delay
+  SquareStore<RationalFit, LDMAT> T; // element (i, r) of the transformation, of mode i in row r
+};
+
+inline ModeModel& MODEMODEL = bigStore<ModeModel>();
+
+// Z(i,j)(s) = ZFD(i,j) + s ZFE(i,j) + sum over m of ZFR(i,j)[m] / (s - ZFP[m])
+struct SeriesModel {
+  int NPZ;           // poles
+  PoleTable ZFP;     // rad/s
+  ResidueMatrix ZFR; // ohm rad/(s m)
+  RealMatrix ZFD;    // constant term, ohm/m
+  RealMatrix ZFE;    // term proportional to s, H/m
+
+  CurveMatrix<Complex, MAXFREQ> ZFIT; // the model at the fitted grid points, ohm/m
+};
+
+inline SeriesModel& SERIESMODEL = bigStore<SeriesModel>();
+
+} // namespace lcp

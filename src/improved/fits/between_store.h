@@ -1,0 +1,25 @@
+// Samples of the line at frequencies between the points of the fits.
+#pragma once
+
+#include "base/big_store.h"
+#include "store/solvedata.h"
+
+namespace lcp {
+
+struct BetweenStore {
+  int NB;          // frequencies
+  FreqCurve WFREQ; // rad/s
+
+  // Which of these are filled says the routine that sampled last.
+  CurveMatrix<Complex, MAXFREQ> YC;            // characteristic admittance of the phases, S
+  CurveMatrix<Complex, MAXFREQ> H;             // propagation matrix of the phases
+  CurveMatrix<Complex, MAXFREQ> Z;             // series impedance, ohm/m
+  CurveMatrix<Complex, MAXFREQ> TI;            // transformation, unit columns
+  CurveVector<Complex, LDMAT, MAXFREQ> ZSURGE; // surge impedance of mode i, ohm
+  CurveVector<Complex, LDMAT, MAXFREQ> HMODE;  // its propagation function
+};
+
+// Mapped before anything of a file that includes this is initialised.
+inline BetweenStore& BETWEEN = bigStore<BetweenStore>();
+
+} // namespace lcp

@@ -1,0 +1,18 @@
+// The modes of a line whose data were entered by hand.
+#pragma once
+
+#include "store/solvedata.h"
+
+namespace lcp {
+
+struct ManualModes {
+  LineMatrix TI;    // transformation, unit columns
+  LineMatrix TIINV; // its inverse
+  LineMatrix YMOD;  // modal admittance, S/m; that of an entered pair is full
+  LineMatrix ZMOD;  // modal impedance, ohm/m
+  ModeComplex EIGM; // squared propagation constants of an entered pair, 1/m^2; else 0
+};
+
+inline ManualModes MANUAL;
+
+} // namespace lcp
