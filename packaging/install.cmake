@@ -24,5 +24,5 @@ foreach(page ${PAGES})
 endforeach()
 
 install(DIRECTORY examples DESTINATION share/doc/corvo)
-install(FILES README.md ROADMAP.md CHANGELOG.md DESTINATION share/doc/corvo)
+install(FILES README.md CONTRIBUTING.md ROADMAP.md CHANGELOG.md DESTINATION share/doc/corvo)
 install(DIRECTORY docs/ DESTINATION share/doc/corvo/docs FILES_MATCHING PATTERN "*.md" PATTERN "*.png")
