@@ -1,8 +1,7 @@
-// The large stores: mappings of zero pages, made once at start, or when the order of the line is
-// known.
+// Large stores as mappings of zero pages, made at start or once the order of the line is known.
 //
-// A run touches only the pages that its order and number of frequency steps reach, so a small line
-// needs little memory, and a process that forks under a sanitizer copies no empty tables.
+// A run touches only the pages that its order and number of frequency steps reach. A small line
+// therefore needs little memory, and a process that forks under a sanitizer copies no empty tables.
 #pragma once
 
 #include "base/table.h"
@@ -12,23 +11,25 @@
 
 namespace lcp {
 
-void* zeroPages(std::size_t bytes); // ends the run when the address space is exhausted
+void* zeroPages(std::size_t bytes); // never null: ends the run with status 1 when the address space
+                                    // is exhausted
 void dropPages(void* pages, std::size_t bytes);
 
-// A store of type T whose bytes are all zero: numbers 0, flags false. Lives until the process ends.
+// A store of type T with all bytes zero: numbers 0, flags false. It lives until the process ends.
 template <class T> T& bigStore() {
   static_assert(std::is_trivially_copyable_v<T> && std::is_trivially_destructible_v<T>);
   return *static_cast<T*>(zeroPages(sizeof(T)));
 }
 
-// A square matrix of large records (poles, curves), mapped for the order that a run needs: at the
-// full order one such matrix takes up to 39 MB of addresses, at order 3 a hundred kB. Zero until
-// written.
+// A square matrix of large records (poles, curves), mapped for the order that a run needs. At full
+// order one such matrix takes up to 39 MB of address space, at order 3 about 100 kB. All bytes are
+// zero until written.
 template <class T> struct MappedMatrix {
   T* records;
   int order;
 
-  // Room for order n. A matrix that is large enough already stays as it is.
+  // Makes room for order n. A matrix that is large enough stays as it is; a smaller one is mapped
+  // anew and loses its contents.
   void map(int n) {
     if (n <= order) return;
     if (records != nullptr) dropPages(records, bytes(order));
@@ -49,8 +50,8 @@ private:
   }
 };
 
-// Numbers for one problem, as many as the largest so far has asked for. They stand from one call to
-// the next as long as none asks for more.
+// Numbers for one problem at a time, as many as the largest problem so far needed. They keep their
+// values from call to call until a larger problem maps them anew.
 template <class T> struct MappedArray {
   T* numbers;
   std::size_t count;

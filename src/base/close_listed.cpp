@@ -9,7 +9,7 @@ namespace lcp {
 void closeListed(OpenFile& file) {
   if (file.descriptor < 0) return;
   bool good = writeCollected(file, file.descriptor);
-  // Network file systems report a full device at the close only.
+  // Network file systems report a full device only when the file is closed.
   good = (close(dropListed(file)) == 0) && good;
   if (!good) endUnwritten(file);
 }

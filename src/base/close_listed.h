@@ -1,16 +1,16 @@
-// The end of a file that is written, or of the run that could not write it.
+// Closes a file that is written, and ends the run when it could not be written.
 #pragma once
 
 #include "base/open_files.h"
 
 namespace lcp {
 
-// Writes what was collected and closes the file, if it is open. When the device does not take it to
-// the last character the run ends as below.
+// Writes what was collected and closes the file, if it is open. If the device does not take all of
+// it, the run ends as in endUnwritten.
 void closeListed(OpenFile& file);
 
-// The end of a run with a file that could not be written: a message, the file as its early end
-// says, exit status 1.
+// Ends the run after a file that could not be written: leaves the file as its EarlyEnd says, prints
+// a message and exits with status 1.
 [[noreturn]] void endUnwritten(OpenFile& file);
 
 } // namespace lcp

@@ -23,7 +23,7 @@ State& state() {
   return s;
 }
 
-// A stream that does not take it has no place to complain.
+// A failure is ignored: there is nowhere left to report it.
 void writeError(std::string_view line) {
   [[maybe_unused]] const bool written = writeAll(STDERR_FILENO, line);
 }
@@ -35,7 +35,7 @@ void prepare() {
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);
   for (const int standard : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-    // Open for reading only: what is written to a closed console still fails.
+    // Open for reading only, so that writing to a closed console still fails.
     if (fcntl(standard, F_GETFD) < 0) open("/dev/null", O_RDONLY);
   }
 }

@@ -1,8 +1,8 @@
-// The console: plain lines to the standard output, collected and written in one piece.
+// The console: plain lines for standard output, collected and written in one piece.
 //
-// The texts stand whole where they are printed, so that a search for the words on the console
-// finds the line of code. What several messages share are the rules around them. A text by which
-// another program finds its place on the console is a constant in the header of what prints it.
+// Messages are written out in full where they are printed, so that a search for their words finds
+// the line of code. Messages share only the rules around them. A text by which another program
+// finds its place on the console is a constant in the header of the file that prints it.
 #pragma once
 
 #include <fmt/format.h>
@@ -21,26 +21,27 @@ template <class... Args> void print(fmt::format_string<Args...> form, Args&&... 
 void rule(char sign, int length); // a line of one sign: asterisks, equal signs, hyphens
 constexpr int STARS = 43;         // length of the usual line of asterisks
 
-// The usual frame: an empty line, asterisks and "Corvo.exe: ERROR" before the message lines,
-// asterisks behind them. The caller ends the run.
+// The usual frame of an error: openStars prints an empty line, asterisks and "Corvo.exe: ERROR",
+// closeStars the asterisks after the message. The caller ends the run.
 void openStars();
 void closeStars();
 
-// Once, at the start of the process: a write that fails is an error that the writer sees, for files
-// and console alike, and no signal ends the run (closed pipe, file size limit). A standard
-// descriptor that came closed is occupied, so that no output file takes the console's place.
+// Call once at the start of the process. Afterwards no signal (closed pipe, file size limit) ends
+// the run, so a failed write is reported to the code that writes. A standard descriptor that was
+// closed when the process started is occupied, so that no output file gets its number.
 void prepare();
 
-constexpr std::string_view WARNINGMARK = "*WARNING*"; // ahead of most warnings
+constexpr std::string_view WARNINGMARK = "*WARNING*"; // starts most warnings
 
-// One line on the error stream, for what the console has no words for: "corvo: note: " and a hint,
-// or "corvo: warning: " and what in the input or the result is likely wrong. Neither changes the
-// run, nor does a stream that does not take it.
+// Prints one line on the error stream: "corvo: note: " and a hint, or "corvo: warning: " and what
+// is likely wrong in the input or the result. Neither changes the run, and a stream that cannot be
+// written to is ignored.
 constexpr std::string_view WARNINGHEAD = "corvo: warning: ";
 void note(std::string_view words);
 void warning(std::string_view words);
 
-// Writes out what was collected. False when the standard output did not take it.
+// Writes out what was collected. Returns false if standard output did not take all of it, now or
+// before.
 bool flush();
 
 } // namespace lcp::console

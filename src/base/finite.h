@@ -1,4 +1,4 @@
-// Numbers that may be infinite or NaN.
+// Comparisons of numbers that may be infinite or NaN.
 #pragma once
 
 #include <algorithm>
@@ -10,18 +10,19 @@ namespace lcp {
 // The larger of two; NaN if one of them is NaN.
 inline double larger(double a, double b) { return b > a || std::isnan(b) ? b : a; }
 
-// Squares between these keep the precision of their roots.
+// Squares between these limits keep the precision of their roots.
 constexpr double LEASTSQUARE = 1e-280;
 constexpr double MOSTSQUARE = 1e280;
 
-// Where a squared modulus below the result belongs to a smaller modulus than m, whatever both
-// round to; 0 where squares do not tell.
+// A bound for squared moduli: a complex number whose squared modulus is below it has a smaller
+// modulus than m, whatever the rounding. Returns 0 where squares overflow or lose precision.
 inline double squareBelow(double m) {
   const double square = m * m;
   return square > LEASTSQUARE && square < MOSTSQUARE ? (1 - 1e-10) * square : 0.0;
 }
 
-// The largest modulus of many numbers; NaN if one of them is NaN. Most of them need no root.
+// Largest modulus of many complex numbers; NaN if one of them is NaN. Most of them need no square
+// root.
 class LargestModulus {
 public:
   void take(std::complex<double> z) {

@@ -1,5 +1,5 @@
-// The part of fmt that is compiled, which the distribution has as a shared library only. Here it is
-// linked into the program, and the other files need not compile it again and again.
+// Compiles the part of fmt that the distribution offers only as a shared library. It is linked into
+// the program, and no other file has to compile it again.
 #ifdef CORVO_OWN_FMT
 #include <fmt/format-inl.h>
 

@@ -1,10 +1,10 @@
-// With 10^q <= |v| < 10^(q+1) the digits are those of
+// For 10^q <= |v| < 10^(q+1) the digits are those of
 //
 //   m = |v| 10^(7 - q),   10^7 <= m < 10^8,
 //
-// rounded to an integer. Power and product are each off by half a rounding error at most, together
-// by 2.3e-8 in m: where the fraction of m is farther than that from 1/2 the digits are certain.
-// Anything else, and what is out of range, goes the general way.
+// rounded to an integer. Power and product are each off by at most half a rounding error, together
+// by 2.3e-8 in m: where the fraction of m is farther than that from 1/2, the digits are certain.
+// All other values, and those out of range, go through generalField.
 #include "base/general_field.h"
 
 #include "base/number_forms.h"
@@ -19,7 +19,7 @@ namespace lcp {
 
 namespace {
 
-constexpr double LEAST = 1e-36; // magnitudes in this range are done here
+constexpr double LEAST = 1e-36; // range of magnitudes that are written here
 constexpr double MOST = 1e15;
 constexpr double DOUBTFUL = 1e-6;    // distance of the fraction from 1/2
 constexpr int ALLDIGITS = 100000000; // 10^GENERALDIGITS
@@ -29,14 +29,14 @@ constexpr double POWER[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,
                             1e24, 1e25, 1e26, 1e27, 1e28, 1e29, 1e30, 1e31, 1e32, 1e33, 1e34, 1e35,
                             1e36, 1e37, 1e38, 1e39, 1e40, 1e41, 1e42, 1e43, 1e44};
 
-// Eight characters as one number, the first in the lowest byte: fields are put together in
-// registers, since text read back right behind its pieces waits for them.
+// Eight characters as one number, the first in the lowest byte. Fields are put together in
+// registers, since loading text just after its pieces were stored would stall.
 using Eight = std::uint64_t;
 
 constexpr Eight BLANKS = 0x2020202020202020;
 constexpr Eight ZEROS = 0x3030303030303030;
 
-// The lowest so many bytes.
+// Masks of the lowest n bytes, n = 0 to 8.
 constexpr Eight FIRST[] = {0, // none
                            0xff,
                            0xffff,
@@ -49,7 +49,7 @@ constexpr Eight FIRST[] = {0, // none
 
 void putEight(Eight text, char* to) { std::memcpy(to, &text, sizeof text); }
 
-// The digits of n, below 10^8: split in halves, pairs and digits, all of a level at once.
+// The digits of n < 10^8: split into halves, pairs and digits, all of one level at once.
 Eight digitsOf(unsigned n) {
   const Eight fours = n / 10000 | static_cast<Eight>(n % 10000) << 32;
   const Eight hundreds = fours * 10486 >> 20 & 0x7f0000007f; // / 100
@@ -58,8 +58,8 @@ Eight digitsOf(unsigned n) {
   return (tens | (pairs - 10 * tens) << 8) + ZEROS;
 }
 
-// Largest q with 10^q <= 2^b, of the binary exponent b of a number in range: the decimal exponent
-// of the number or one less.
+// Largest q with 10^q <= 2^b, where b is the binary exponent of the number: its decimal exponent or
+// one less.
 int decimalExponent(double size) {
   const auto b = static_cast<int>(std::bit_cast<std::uint64_t>(size) >> 52) - 1023;
   return (b * 78913) >> 18; // log10(2) = 78913 / 2^18
@@ -70,7 +70,7 @@ double scaled(double size, int q) {
   return power >= 0 ? size * POWER[power] : size / POWER[-power];
 }
 
-// A magnitude in range as 0.digits x 10^whole; digits 0 where they are not certain.
+// A magnitude in range as 0.digits x 10^whole; digits is 0 if they are not certain.
 struct Rounded {
   unsigned digits = 0;
   int whole = 0;
@@ -88,7 +88,7 @@ Rounded rounded(double size) {
   return {static_cast<unsigned>(n), q + 1};
 }
 
-// A magnitude from 0.1 to below 10^8, with so many digits before the point.
+// Writes a magnitude from 0.1 to below 10^8 with `whole` digits before the point.
 void putFixed(Eight digits, int whole, bool negative, char* to) {
   const char sign = negative ? '-' : ' ';
   putEight(BLANKS, to);

@@ -1,13 +1,14 @@
-// General fields of one width written in place: for tables of so many numbers that the text of each
-// counts.
+// General number fields of one width, written in place: for tables with so many numbers that
+// formatting takes a noticeable share of the time.
 #pragma once
 
 namespace lcp {
 
 constexpr int GENERALWIDTH = 16; // columns
-constexpr int GENERALDIGITS = 8; // significant
+constexpr int GENERALDIGITS = 8; // significant digits
 
-// Writes GENERALWIDTH characters, the same as generalField(value, GENERALWIDTH, GENERALDIGITS).
+// Writes GENERALWIDTH characters, the same as generalField(value, GENERALWIDTH, GENERALDIGITS). No
+// terminating zero.
 void putGeneral(double value, char* to);
 
 } // namespace lcp

@@ -1,5 +1,5 @@
-// Dense matrices in column order. A matrix argument is a view: where its first element stands and
-// the leading dimension of the store it is part of; the order is an argument of its own.
+// Dense matrices in column order. A matrix argument is a view, which holds the address of the first
+// element and the leading dimension of the store; the order is a separate argument.
 #pragma once
 
 #include "base/big_store.h"
@@ -13,16 +13,16 @@
 namespace lcp {
 
 using Complex = std::complex<double>;
-using extended = long double; // accumulators of sums whose stopping rules hang on the last bits
+using extended = long double; // for sums whose stopping rule depends on the last bits
 
-// View of a matrix with 1-based rows and columns.
+// View of a matrix with 1-based row and column indices.
 template <class T> struct View {
   T* first = nullptr;
   int ld = 0;
 
   View() = default;
   View(T* p, int leading) : first(p), ld(leading) {}
-  // A view that may write is a view that may read.
+  // A writable view converts to a read-only one.
   template <class U>
   requires std::is_same_v<const U, T> View(const View<U>& other)
       : first(other.first), ld(other.ld) {} // NOLINT(*-explicit-*)
@@ -39,7 +39,7 @@ using CConstView = View<const Complex>;
 using RView = View<double>;
 using RConstView = View<const double>;
 
-// A square store of order N, of which a corner is in use.
+// A square store of order N of which the leading n by n corner is in use.
 template <class T, int N> struct SquareStore {
   T elements[static_cast<std::size_t>(N) * N];
 
@@ -60,7 +60,7 @@ template <class T, int N> struct SquareStore {
   View<const T> view() const { return {elements, N}; }
 };
 
-// A square matrix whose order is that of the run: few conductors touch few pages.
+// A square matrix mapped for the order of the run, so that a small line touches few pages.
 template <class T> struct MappedSquare {
   MappedMatrix<T> elements;
 
@@ -74,7 +74,7 @@ template <class T> struct MappedSquare {
   View<T> view() { return *this; }
 };
 
-// A function of frequency: S steps side by side.
+// A function of frequency: S steps in contiguous memory.
 template <class T, int S> struct Curve {
   T steps[S];
 
@@ -90,7 +90,7 @@ template <class T, int S> struct Curve {
   std::span<const T> first(int n) const { return {steps, static_cast<std::size_t>(n)}; }
 };
 
-// N functions of frequency, one a mode.
+// N functions of frequency, one per mode.
 template <class T, int N, int S> struct CurveVector {
   Curve<T, S> curves[N];
 
@@ -106,9 +106,9 @@ template <class T, int N, int S> struct CurveVector {
   const T& operator()(int k, int i) const { return curve(i)[k]; }
 };
 
-// A matrix function of frequency, the frequency step fastest: the curve of an element is
-// contiguous, as the fits want it, and a small line touches few pages. Mapped for the order of the
-// line.
+// A matrix function of frequency with the frequency step running fastest: the curve of an element
+// is contiguous, as the fits need it, and a small line touches few pages. Mapped for the order of
+// the line.
 template <class T, int S> struct CurveMatrix {
   MappedMatrix<Curve<T, S>> curves;
 
@@ -118,14 +118,14 @@ template <class T, int S> struct CurveMatrix {
   T& operator()(int k, int i, int j) { return curve(i, j)[k]; }
   const T& operator()(int k, int i, int j) const { return curve(i, j)[k]; }
 
-  // The n by n corner of one step, out of the store and into it.
+  // Copies the n by n corner of step k out of the store (load) or into it (store).
   void load(int k, View<T> m, int n) const {
     for (int j = 1; j <= n; ++j) {
       for (int i = 1; i <= n; ++i) m(i, j) = (*this)(k, i, j);
     }
   }
   void store(int k, View<const T> m, int n) { store(k, k, m, n); }
-  // Into several steps: those of an element are neighbours.
+  // Stores the same matrix at the steps first to last; the steps of an element are contiguous.
   void store(int first, int last, View<const T> m, int n) {
     for (int j = 1; j <= n; ++j) {
       for (int i = 1; i <= n; ++i) {

@@ -17,7 +17,7 @@ std::string rightAligned(std::string_view text, int width) {
   return std::string(static_cast<std::size_t>(width) - text.size(), ' ').append(text);
 }
 
-// NaN and Infinity: the longer word where it fits.
+// NaN and Infinity as words: "Infinity" if it fits, else "Inf".
 std::string wordField(double value, int width) {
   if (std::isnan(value)) return rightAligned("NaN", width);
   const bool negative = std::signbit(value);
@@ -25,7 +25,7 @@ std::string wordField(double value, int width) {
   return rightAligned(fmt::format("{}{}", negative ? "-" : "", word), width);
 }
 
-// A number's text with its leading 0, or without it when the field has no room for it.
+// The text of a number, without its leading 0 if the field has no room for it.
 std::string withoutSpareZero(std::string text, int width) {
   if (static_cast<int>(text.size()) > width) {
     const std::size_t zero = text[0] == '-' ? 1 : 0;
@@ -34,7 +34,7 @@ std::string withoutSpareZero(std::string text, int width) {
   return rightAligned(text, width);
 }
 
-// Sign, significant digits and decimal exponent of a value rounded to that many digits:
+// Sign, digits and decimal exponent of a value rounded to a number of significant digits:
 // value = 0.digits x 10^exponent.
 struct Decimal {
   bool negative = false;
@@ -90,8 +90,8 @@ std::string scientificField(double value, int width, int digits) {
 
 std::string generalField(double value, int width, int digits) {
   if (!std::isfinite(value)) return wordField(value, width);
-  // Compared in floating point, as a Fortran formatted write does: a value one rounding error below
-  // an edge, such as 9.9999999499999994 with 8 digits, counts as standing on it.
+  // Compared in floating point, as in a Fortran formatted write: a value one rounding error below
+  // an edge, such as 9.9999999499999994 with 8 digits, counts as equal to the edge.
   const double size = std::fabs(value);
   const double belowEdge = 1.0 - 0.5 / powerOfTen(digits);
   const bool small = size != 0.0 && size < 0.1 * belowEdge;

@@ -19,7 +19,7 @@ namespace {
 OpenFile* firstOpen = nullptr;
 
 using Identity = std::pair<dev_t, ino_t>;
-std::map<Identity, std::string> inputs; // their names
+std::map<Identity, std::string> inputs; // the name of each input
 
 Identity identityOf(const struct stat& s) { return {s.st_dev, s.st_ino}; }
 
@@ -40,15 +40,15 @@ bool isFile(const struct stat& s) {
   return minor(s.st_rdev) == NULLDEVICE || minor(s.st_rdev) == FULLDEVICE;
 }
 
-// File systems without locks let everybody in.
+// A file system without locks counts as locked.
 bool locked(int descriptor) {
   return flock(descriptor, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
 }
 
-// Devices have nothing to empty.
+// A device cannot be emptied; the failure is ignored.
 void empty(int descriptor) { [[maybe_unused]] const int emptied = ftruncate(descriptor, 0); }
 
-// The descriptor, ISINPUT, or -1.
+// Returns the descriptor, ISINPUT, or -1.
 int openForWriting(const std::string& name, bool alone) {
   constexpr int FLAGS = O_WRONLY | O_CREAT | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
   const int descriptor = open(name.c_str(), FLAGS, 0666);
@@ -56,7 +56,7 @@ int openForWriting(const std::string& name, bool alone) {
   struct stat s {};
   const bool good = fstat(descriptor, &s) == 0 && isFile(s);
   const bool input = good && isInput(s);
-  // A device is nobody's alone.
+  // A device is never locked.
   if (good && !input && (!alone || !S_ISREG(s.st_mode) || locked(descriptor))) return descriptor;
   close(descriptor);
   return input ? ISINPUT : -1;
@@ -123,7 +123,7 @@ void leave(const OpenFile& file) {
   struct stat s {};
   if (file.end == EarlyEnd::KEEP || file.end == EarlyEnd::UNTOUCHED) return;
   if (stat(file.name.c_str(), &s) != 0 || !S_ISREG(s.st_mode)) return;
-  // Where even this is refused, the message of the run's end has to do.
+  // If this fails too, the message at the end of the run must do.
   [[maybe_unused]] const int emptied = truncate(file.name.c_str(), 0);
   if (file.end == EarlyEnd::REMOVE) unlink(file.name.c_str());
 }
@@ -141,7 +141,7 @@ bool endOpenFiles() {
     const int descriptor = dropListed(file);
     const bool kept = file.end == EarlyEnd::KEEP;
     bool written = !kept || writeCollected(file, descriptor);
-    // Network file systems report a full device at the close only.
+    // Network file systems report a full device only when the file is closed.
     written = (close(descriptor) == 0 || !kept) && written;
     if (!written) sayCannotWrite(file.name);
     good = good && written;

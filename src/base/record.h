@@ -1,4 +1,4 @@
-// A line of a file, built from left to right by columns.
+// One line of an output file, built from left to right by columns.
 #pragma once
 
 #include "base/number_forms.h"
@@ -20,19 +20,19 @@ public:
   Record& fixed(double v, int w, int d) { return number(v, fixedField(v, w, d)); }
   Record& scientific(double v, int w, int d) { return number(v, scientificField(v, w, d)); }
   Record& general(double v, int w, int d) { return number(v, generalField(v, w, d)); }
-  // A value in a form of the caller's.
+  // Appends a number that the caller has formatted.
   Record& number(double v, std::string_view field) {
     numbers = numbers && std::isfinite(v);
     return text(field);
   }
-  // Blanks up to the 1-based column, so that the next field starts there.
+  // Appends blanks so that the next field starts at the 1-based column c.
   Record& column(int c) {
     if (static_cast<int>(characters.size()) < c - 1)
       characters.resize(static_cast<std::size_t>(c - 1), ' ');
     return *this;
   }
   std::string_view view() const { return characters; }
-  bool finite() const { return numbers; } // all its values are
+  bool finite() const { return numbers; } // whether all its numbers are finite
 
 private:
   std::string characters;

@@ -1,11 +1,11 @@
-// Functions in one version for each width of the processor's registers; the program takes the
-// widest that the processor has. Only for arithmetic whose bits do not depend on the width:
-// elements side by side, sums in a fixed order, nothing fused.
+// Compiles a function once per register width of the processor; the program runs the widest version
+// that the processor supports. Only for arithmetic whose bits do not depend on the width: elements
+// side by side, sums in a fixed order, no fused multiply-add.
 #pragma once
 
 namespace lcp {
 
-// Numbers side by side, for the vector unit of any width: each lane has the bits of a scalar.
+// Numbers side by side for a vector unit of any width: each lane has the bits of scalar arithmetic.
 constexpr int LANES = 4;
 using Lanes = double __attribute__((vector_size(LANES * sizeof(double))));
 

@@ -18,7 +18,7 @@ void stopAtInput(std::string_view name) {
 }
 
 void stopWithoutMemory() {
-  console::flush(); // what was collected makes room for a frame in one piece
+  console::flush(); // frees the buffer: the frame below fits into it
   console::text("\n*******************************************\nCorvo.exe: ERROR\n"
                 "Not Enough Memory!\n*******************************************\n");
   stop(1);

@@ -10,7 +10,7 @@ namespace lcp {
 
 void stop(int status) {
   const bool filesWritten = endOpenFiles();
-  // Network file systems report a full device at the close only.
+  // Network file systems report a full device only when the file is closed.
   const bool consoleWritten = console::flush() && close(STDOUT_FILENO) == 0;
   std::_Exit(filesWritten && consoleWritten ? status : 1);
 }

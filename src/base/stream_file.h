@@ -1,4 +1,4 @@
-// A text file that a run can do without: written as it grows, its trouble left to the caller.
+// An optional text file, written as it grows; the caller decides what a failure means.
 #pragma once
 
 #include "base/open_files.h"
@@ -10,13 +10,14 @@ namespace lcp {
 
 class StreamFile {
 public:
-  // Creates or empties the file. False when it cannot be opened for writing, and when another run
-  // has it open. A run that ends before the file is closed leaves what was put into it. An input of
-  // the run is left as it is: the run ends with a message, exit status 1.
+  // Creates or empties the file. Returns false if it cannot be opened for writing or another run
+  // has it open. A run that ends before the file is closed keeps what was written so far. If the
+  // file is an input of the run, it is left as it is and the run ends with a message and exit
+  // status 1.
   bool create(std::string_view name);
   bool isOpen() const { return file.descriptor >= 0; }
 
-  // Room for n characters behind what was written, n up to BLOCK; the caller fills all of it.
+  // Room for n characters at the end, n up to BLOCK; the caller fills all of it.
   char* room(std::size_t n) {
     std::string& block = file.collected;
     if (block.size() + n > BLOCK) spill();
@@ -27,10 +28,10 @@ public:
     if (!words.empty()) std::memcpy(room(words.size()), words.data(), words.size());
   }
 
-  // When the device does not take the file to the last character it is left empty, and the run ends
-  // with a message, exit status 1.
+  // Writes the rest and closes the file. If the device does not take all of it, the file is left
+  // empty and the run ends with a message and exit status 1.
   void close();
-  // Leaves the file empty.
+  // Closes the file and leaves it empty.
   void discard();
 
   StreamFile() = default;

@@ -1,4 +1,4 @@
-// Tables of fixed capacity whose first index is 1, and text fields of fixed length.
+// Tables of fixed capacity with 1-based indices, and text fields of fixed length.
 #pragma once
 
 #include <algorithm>
@@ -11,7 +11,7 @@
 
 namespace lcp {
 
-// Index check of debug and sanitizer builds; costs nothing in a release build.
+// Index check in debug and sanitizer builds; free in a release build.
 #ifdef LCP_BOUNDS
 constexpr void checkIndex(int i, int n) {
   if (i < 1 || i > n) std::abort();
@@ -20,7 +20,7 @@ constexpr void checkIndex(int i, int n) {
 constexpr void checkIndex(int, int) {}
 #endif
 
-// A table of N entries, first index 1. The count in use is a field of its own.
+// A table of N entries with 1-based index. The number of entries in use is kept elsewhere.
 template <class T, int N> struct Table {
   std::array<T, static_cast<std::size_t>(N)> entries{};
 
@@ -39,7 +39,7 @@ template <class T, int N> struct Table {
   const T* data() const { return entries.data(); }
 };
 
-// A text of N characters, filled up with blanks; longer texts are cut off.
+// A text of N characters, padded with blanks; a longer text is truncated.
 template <int N> struct TextField {
   std::array<char, static_cast<std::size_t>(N)> characters = blanks();
 
@@ -54,13 +54,13 @@ template <int N> struct TextField {
     std::copy_n(text.begin(), std::min(text.size(), characters.size()), characters.begin());
     return *this;
   }
-  // All N characters, and the text without the blanks behind it.
+  // whole: all N characters; text: without trailing blanks.
   constexpr std::string_view whole() const { return {characters.data(), characters.size()}; }
   constexpr std::string_view text() const {
     const auto last = whole().find_last_not_of(' ');
     return whole().substr(0, last == std::string_view::npos ? 0 : last + 1);
   }
-  // Writes a text over the characters from the 1-based column on; what does not fit is dropped.
+  // Overwrites the characters from the 1-based column on; what does not fit is dropped.
   constexpr void overwrite(int column, std::string_view text) {
     for (std::size_t i = 0; i < text.size(); ++i) {
       const std::size_t at = static_cast<std::size_t>(column - 1) + i;

@@ -15,7 +15,7 @@ bool TextSource::open(std::string_view name, bool mayBeOutput) {
   const auto last = name.find_last_not_of(' ');
   if (last == std::string_view::npos) return false;
   const std::string file(name.substr(0, last + 1));
-  // Not blocking: a named pipe must not hold the run up before it is refused.
+  // Non-blocking, so that a named pipe cannot hang the run before it is refused.
   descriptor = ::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
   struct stat info {};
   if (descriptor < 0) return false;
@@ -64,7 +64,7 @@ TextSource::Result TextSource::next(std::string& record, std::size_t columns) {
   record.clear();
   cut = false;
   bool any = false;
-  bool heldReturn = false; // a carriage return counts only when more follows on the line
+  bool heldReturn = false; // a carriage return is kept only if more follows on the line
   const auto keep = [&](char c) {
     if (record.size() < columns) {
       record.push_back(c);

@@ -1,4 +1,4 @@
-// A text file that is read: one record after another, the columns behind a limit dropped.
+// Reads a text file record by record and drops the columns past a limit.
 #pragma once
 
 #include <array>
@@ -10,19 +10,19 @@ namespace lcp {
 
 class TextSource {
 public:
-  // Opens a regular file for reading. False for a missing or unreadable file, a directory, a
-  // device, or a blank name; the name may have blanks behind it. A byte order mark of UTF-8 at the
-  // start is dropped. No output may take the place of the file from now on, unless it may be one
-  // itself; one that has ends the run with a message, exit status 1.
+  // Opens a regular file for reading. Returns false for a missing or unreadable file, a directory,
+  // a device or a blank name; trailing blanks of the name are ignored. A UTF-8 byte order mark at
+  // the start is skipped. From now on no output may overwrite the file, unless mayBeOutput; a file
+  // that is already open as an output ends the run with a message and exit status 1.
   bool open(std::string_view name, bool mayBeOutput = false);
   void close();
 
   enum class Result { Record, End, Error };
 
-  // Reads the next record. At most `columns` characters are kept, what stands behind them is
-  // dropped, and so is a carriage return at the end. A last line without a line end counts.
+  // Reads the next record and keeps at most `columns` characters of it. A carriage return at the
+  // end of the line is dropped. A last line without a line end counts as a record.
   Result next(std::string& record, std::size_t columns);
-  bool wasCut() const { return cut; } // the last record was longer than the columns asked for
+  bool wasCut() const { return cut; } // the last record was longer than `columns`
 
   TextSource() = default;
   TextSource(const TextSource&) = delete;

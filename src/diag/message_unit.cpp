@@ -17,7 +17,7 @@ namespace {
 
 constexpr int CONSOLE = STDOUT_FILENO;
 
-int MSGUNIT = CONSOLE; // where messages go
+int MSGUNIT = CONSOLE; // descriptor that messages go to
 
 constexpr int LASTUNIT = 99;
 constexpr int NOUNIT = -1;
@@ -29,7 +29,7 @@ constexpr int ULENDATE = 900127;
   stop(1);
 }
 
-// Whether a channel is open; a failing look-up ends the run with the given words.
+// Whether a channel is open. If the look-up fails, the run ends with the given message.
 bool isOpen(int unit, std::string_view failure) {
   if (fcntl(unit, F_GETFD) >= 0) return true;
   if (errno != EBADF) fail(failure);
@@ -41,7 +41,7 @@ bool takesWrites(int unit) {
   return flags >= 0 && (flags & O_ACCMODE) != O_RDONLY;
 }
 
-// The channel on which a file is open for writing, or NOUNIT.
+// Returns the channel on which a file is open for writing, or NOUNIT.
 int unitOfFile(const struct stat& file) {
   for (int unit = 0; unit <= LASTUNIT; ++unit) {
     if (!isOpen(unit, "W_OUTMSG: ERROR DURING INQUIRE FOR UNIT") || !takesWrites(unit)) continue;

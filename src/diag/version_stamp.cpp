@@ -12,8 +12,8 @@ namespace {
 
 constexpr int FIRSTDATE = 800101;
 constexpr int LASTDATE = 991231;
-constexpr int MESSAGEFLOOR = 900329; // oldest release of the messages
-constexpr int UNITFLOOR = 900127;    // ... of the message unit
+constexpr int MESSAGEFLOOR = 900329; // oldest release of the message routines
+constexpr int UNITFLOOR = 900127;    // oldest release of the message unit
 
 Table<int, STAMPSLOTS> DATESTAMP;
 

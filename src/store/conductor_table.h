@@ -1,4 +1,4 @@
-// Group of the run store: the physical conductors, one entry a wire.
+// Run store, conductor group: the physical conductors, one entry per wire.
 #pragma once
 
 #include "base/table.h"
@@ -6,7 +6,8 @@
 
 namespace lcp {
 
-// Roles of an entry; j > 0 is a sub-conductor of the bundle of entry j.
+// Role of an entry (CMAP); j > 0 marks a sub-conductor of the bundle whose main conductor is entry
+// j.
 constexpr int MAPMAIN = 0;        // main conductor of a phase
 constexpr int MAPELIMINATED = -1; // ground wire, eliminated
 constexpr int MAPKEPT = -2;       // ground wire, kept
@@ -17,10 +18,10 @@ using CondFlags = Table<bool, MAXCOND>;
 
 struct ConductorTable {
   int NCOND = 0;      // entries in use
-  int NCIRC = 0;      // circuits, kept ground-wire groups counted with them
+  int NCIRC = 0;      // circuits, including groups of kept ground wires
   int NTOWER = 0;     // towers
   bool ALL3PH = true; // every circuit so far has three conductors
-  int UNIQGW = 1;     // 0: the first ground wire has data of its own
+  int UNIQGW = 1;     // 0: the first ground wire has its own data
 
   CondReals CX;     // horizontal position, m
   CondReals CY;     // height at the tower, m
@@ -29,17 +30,17 @@ struct ConductorTable {
   CondReals CRDC;   // DC resistance, ohm/m
   CondReals CRAD;   // outer radius, m
   CondReals CSHUNT; // shunt conductance, S/m
-  CondReals CTHICK; // wall of a tube, m
-  CondReals CMUR;   // relative permeability, 1
+  CondReals CTHICK; // wall thickness of a tube, m
+  CondReals CMUR;   // relative permeability
   CondReals CSTRAD; // strand radius, m
-  CondReals CNOUT;  // strands of the outer layer, 1
-  CondReals CNTOT;  // strands in all, 1
-  CondFlags CTUBE;  // tubular: CTHICK applies; goes before CSTRND
+  CondReals CNOUT;  // number of strands in the outer layer
+  CondReals CNTOT;  // number of strands in total
+  CondFlags CTUBE;  // tubular: CTHICK applies; takes precedence over CSTRND
   CondFlags CSTRND; // stranded: CSTRAD, CNOUT, CNTOT apply
   CondInts CCIRC;   // circuit number
   CondInts CTRANSP; // 1: the circuit is transposed
   CondInts CPHASE;  // connection node
-  CondInts CMAP;    // role
+  CondInts CMAP;    // role, see above
 
   constexpr ConductorTable() {
     CMUR.fill(1.0);

@@ -1,12 +1,11 @@
 // The fitted phase-domain model: poles and residues of the characteristic admittance Yc and of the
-// propagation matrix H. At s = j w, with letters r, c for the element, g for a delay group and m
-// for a pole:
+// propagation matrix H. At s = j w, for element (r,c), delay group g and pole m:
 //
 //   Yc(r,c) = YD(r,c) + sum over m of YRES(r,c)[m] / (s - YPOLE[m])
 //   H(r,c)  = sum over g of exp(-s TAU[g]) sum over m of HRES[g](r,c)[m] / (s - HPOLE[g][m])
 //
-// All elements of Yc share their poles, all elements of H those of each group. Complex poles come
-// in conjugate pairs side by side, with conjugate residues; no pole has a positive real part.
+// All elements of Yc share one set of poles; in H all elements of a delay group do. Complex poles
+// are stored as adjacent conjugate pairs with conjugate residues. No pole has a positive real part.
 #pragma once
 
 #include "base/big_store.h"
@@ -20,7 +19,7 @@ using PoleTable = Table<Complex, MAXPOLES>;
 using GroupReals = Table<double, NGMAX>;
 using GroupInts = Table<int, NGMAX>;
 
-// The residues of every element over one set of poles, those of an element side by side.
+// The residues of all elements over one set of poles; those of an element are contiguous.
 using ResidueMatrix = MappedMatrix<PoleTable>;
 
 struct FitModel {
@@ -37,13 +36,13 @@ struct FitModel {
   Table<ResidueMatrix, NGMAX> HRES; // rad/s
 };
 
-// Room for the residues of n conductors.
+// Maps the residue matrices for n conductors.
 inline void mapResidues(FitModel& model, int n) {
   model.YRES.map(n);
-  for (int g = 1; g <= n; ++g) model.HRES[g].map(n); // at most a group a mode
+  for (int g = 1; g <= n; ++g) model.HRES[g].map(n); // at most one group per mode
 }
 
-// Mapped before anything of a file that includes this is initialised.
+// Mapped before any variable of an including file is initialised.
 inline FitModel& FITMODEL = bigStore<FitModel>();
 
 } // namespace lcp

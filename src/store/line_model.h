@@ -1,4 +1,4 @@
-// The line models as rows: what each of them asks of a solve.
+// The line models as table rows: what each model needs of a solve.
 #pragma once
 
 #include <array>
@@ -6,13 +6,13 @@
 
 namespace lcp {
 
-// The numbers show in a message. Halo: field options alone, which give no model.
+// The numbers appear in a message. Halo: only field options, which give no model.
 enum class ModelKind { None = -10, Pi = 1, Bergeron, Mode, Phase, Mfdtd, Halo };
 
 enum class ModelGrid {
-  SteadyState,        // the steady-state frequency alone
-  LossAndSteadyState, // the frequency of the losses and the steady-state frequency
-  Band,               // a grid over the range of the fits, or the rows of a table
+  SteadyState,        // only the steady-state frequency
+  LossAndSteadyState, // the loss frequency and the steady-state frequency
+  Band,               // a grid over the fit range, or the rows of a table
 };
 
 enum class ModelFits {
@@ -25,13 +25,13 @@ enum class ModelFits {
 struct LineModel {
   ModelKind kind;
   std::string_view name;
-  std::string_view fileHead; // how its file begins, after lines of comment
+  std::string_view fileHead; // start of its model file, after comment lines
   ModelGrid grid;
   ModelFits fits;
   bool modes;    // the loops over frequency follow modes
-  bool reported; // the report has the modes at its frequency
-  bool entered;  // takes data of a line entered by hand
-  bool replaced; // a manual output file can replace its file
+  bool reported; // the report contains the modes at its frequency
+  bool entered;  // accepts line data entered by hand
+  bool replaced; // a manual output file can replace its model file
 };
 
 constexpr std::array<LineModel, 5> LINEMODELS = {{
@@ -47,7 +47,7 @@ constexpr std::array<LineModel, 5> LINEMODELS = {{
      true},
 }};
 
-// A description without a model has that of nothing: no fits, no modes.
+// Used if no model is selected: no fits, nothing reported.
 constexpr LineModel NOMODEL = {
     ModelKind::None, "none", "", ModelGrid::Band, ModelFits::None, true, false, false, false};
 

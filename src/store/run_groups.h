@@ -1,4 +1,4 @@
-// Groups of the run store: run control and line summary.
+// Run store, run groups: run control and line summary.
 #pragma once
 
 #include "base/table.h"
@@ -8,9 +8,9 @@ namespace lcp {
 
 using FileName = TextField<FILENAMELEN>;
 
-// Routes of a run.
+// Data routes of a run.
 constexpr int ROUTENONE = -10;    // nothing chosen
-constexpr int ROUTECONSTANTS = 0; // line constants from geometry
+constexpr int ROUTECONSTANTS = 0; // line constants from the geometry
 constexpr int ROUTEMANUAL = 1;    // data entered by hand
 constexpr int ROUTEMULTIPLE = 2;  // a table of Y and Z over frequency
 
@@ -23,10 +23,10 @@ struct RunControl {
   FileName FNAME;        // input file
   FileName FOUTR;        // report file of the current step
   FileName FOUTM;        // line model file of the current step
-  double LINELEN = 0;    // line length of the current step, m; every stage takes it here
+  double LINELEN = 0;    // line length of the current step, m; all stages use this one
   int ISCABLE = 0;       // kind of system, from the extension of FNAME
   int DATAFMT = 0;       // route, set by the reader
-  int FILESREAD = 0;     // descriptions that this process has read
+  int FILESREAD = 0;     // descriptions read by this process
   bool WARNFLAG = false; // a warning was given: the run ends with exit status 2
   bool DEBUGF = false;   // the debug file is open
 

@@ -1,16 +1,17 @@
-// The run-wide input store. The reader fills it, every later stage reads it.
+// The input store of a run: filled by the reader, read by every later stage.
 //
-// What changes behind the reader, each by the routine named and by no other:
+// Fields that change after reading, each only in the routine named:
 //
-//   LINELEN, FOUTR, FOUTM   nameOutputs and the loop over the steps (run): one length step each
+//   LINELEN, FOUTR, FOUTM   nameOutputs and the loop over length steps (run): once per step
 //   WARNFLAG                warn: from false to true, anywhere
 //   NC, NCOND               setConductors: what the cable constants leave of a system
 //   CBGLAST, CBELIM1 to 3   eliminateSheath (cable/crossbonding): a crossbonded sheath is grounded
-//   CONSTT                  layFittedGrid (modal/frequency_grid): of phase and MFDTD models
-//   VBASEDISP, MVABASEDISP  setUnitBases: bases of which one is missing
+//   CONSTT                  layFittedGrid (modal/frequency_grid): in phase and MFDTD models
+//   VBASEDISP, MVABASEDISP  setUnitBases: when one of the bases is missing
 //   CBGLAST, PIPEGND        groundSheaths (modal/core_sequence), until restoreSheaths
 //
-// All but the last stay for the steps that follow; solvedata.h tells what such a step sees of them.
+// All but the last keep their new values for the following length steps; solvedata.h lists the
+// consequences.
 #pragma once
 
 #include "store/cable_group.h"
@@ -38,20 +39,20 @@ struct RunData {
   NumericalOptions numerics;
   HaloOptions halo;
 
-  // Every group but run control back to its defaults.
+  // Resets every group but run control to its defaults.
   void resetInput();
 
-  // Equivalent conductors and conductors in all, of a cable system.
+  // Sets the number of equivalent conductors and of all conductors of a cable system.
   void setConductors(int NC, int NCOND);
 
-  // Both bases of per-unit display become 1, for the rest of the run.
+  // Sets both per-unit bases of the display to 1 for the rest of the run.
   void setUnitBases();
 };
 
-// A constant of the program file until it is written to: nothing is formed at the start.
+// Constant-initialised: no code runs for it at program start.
 extern constinit RunData RUNDATA;
 
-// A warning was given: the run ends with exit status 2.
+// Records that a warning was given: the run ends with exit status 2.
 void warn();
 
 } // namespace lcp

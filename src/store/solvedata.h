@@ -1,24 +1,24 @@
-// The run-wide solve store: everything that one solve knows at each step of its frequency grid.
+// The solve store: all quantities of one solve at each step of its frequency grid.
 //
-// Fixed in size, alive for the whole run, reused by each length step, which overwrites what it
-// needs. Letters: k frequency step, i and j conductor or mode.
+// Fixed in size, alive for the whole run, and reused by each length step, which overwrites what it
+// needs. Letters: k is the frequency step, i and j are conductors or modes.
 //
-// All that a length step finds of the steps before it, and what comes of it:
+// What a length step inherits from the steps before it, and the effect:
 //
 //   LINELEN                 the increment is added to it
 //   WARNFLAG                exit status of the run
-//   VBASEDISP, MVABASEDISP  1 where one was missing: load flow data labelled per unit
-//   JPVT (fit/series_fit)   order of the columns of the first fit: its last digits
-//   TISUM                   only added to: sign of a fitted element of the transformation
+//   VBASEDISP, MVABASEDISP  1 if one was missing: load-flow data are labelled per unit
+//   JPVT (fit/series_fit)   column order of the first fit: affects its last digits
+//   TISUM                   never cleared: affects the sign of a fitted transformation element
 //   LSTEP                   next eigenvalue of a mode whose first Newton step is singular
-//   tried (fit/delay_groups)  a delay tried before, to the bit, is not fitted again
+//   tried (fit/delay_groups)  a delay tried before, equal to the bit, is not fitted again
 //   NC, NCOND, CBGLAST, CBELIM1 to 3, CONSTT
-//                           nothing: the step would set them to what they are
-//   digits                  nothing: a search clears the digits that it uses
+//                           none: the step would set them to the same values
+//   digits                  none: a search clears the digits it uses
 //
-// Results that are kept with what they were computed from give the same bits when they are taken
-// again: the modes of a product Y Z (modal/long_line), pairs of the aerial integral, moments and
-// exponentials of the Carson integral. The date stamps of the message package show in a fatal
+// Cached results give the same bits when reused: the modes of a product Y Z (modal/long_line),
+// pairs of the aerial integral, moments and exponentials of the Carson integral. The date stamps of
+// the message package appear only in a fatal message. Everything else is written before it is read.
 // message alone. All else is written before it is read.
 #pragma once
 
@@ -37,7 +37,7 @@ using FreqCurve = Curve<double, MAXFREQ>;
 
 struct FrequencyGrid {
   int NFREQ;       // frequency steps of this solve
-  int NFUSE;       // steps that count as grid points: NFREQ, less 1 when CONSTT is set
+  int NFUSE;       // steps that are grid points: NFREQ, less 1 when CONSTT is set
   double LOGW0;    // log10 of the angular frequency of step 1
   double DLOGW;    // step of log10 of the angular frequency
   FreqCurve FREQ;  // frequency, Hz
@@ -47,24 +47,24 @@ struct FrequencyGrid {
   FreqCurve WFIT;  // fit weight
 };
 
-// The current frequency and what steers the walk over the grid.
+// The current frequency and the state of the walk over the grid.
 struct FirstLoopStore {
   LineMatrix YMAT;   // shunt admittance, S/m
   LineMatrix ZMAT;   // series impedance, ohm/m
-  LineMatrix PMAT;   // normalised product Yn Zn; the plain product Y Z of a four-wire cable
-  LineMatrix TI;     // current transformation, one eigenvector of PMAT a column
+  LineMatrix PMAT;   // normalised product Yn Zn; for a four-wire cable the plain product Y Z
+  LineMatrix TI;     // current transformation, eigenvectors of PMAT as columns
   LineMatrix TIINV;  // its inverse
   ModeComplex EIG;   // eigenvalues of PMAT
-  double PSCALE;     // mean magnitude of the diagonal of PMAT, as the eigenvalue step left it
-  ModeInts NRITER;   // Newton updates of mode i at the last call
-  ModeComplex LSTEP; // latest scaled eigenvalue of mode i, kept between calls
-  ModeInts PIVOT;    // row of the largest element of column i at the last accepted solution
-  ModeInts PIVOT0;   // the same of the last full eigen solution
-  ModeInts PIVOTC;   // the same for the start of the constant transform step
-  int KCT;           // step from which the constant transform step starts, 0 while unknown
+  double PSCALE;     // mean magnitude of the diagonal of PMAT, set by the eigenvalue step
+  ModeInts NRITER;   // Newton iterations of mode i in the last call
+  ModeComplex LSTEP; // last scaled eigenvalue of mode i, kept between calls
+  ModeInts PIVOT;    // row of the largest element of column i in the last accepted solution
+  ModeInts PIVOT0;   // the same for the last full eigensolution
+  ModeInts PIVOTC;   // the same for the start of the constant-transformation step
+  int KCT;           // step at which the constant-transformation step starts, 0 if not known yet
   double PSCALECT;   // scale of the values at KCT
-  double PSCALEST;   // scale of the values stored last
-  bool ISTATUS;      // before the first frequency of a solve
+  double PSCALEST;   // scale of the last stored values
+  bool ISTATUS;      // true until the first frequency of a solve is done
   bool IDEALT;       // the line is one ideally transposed circuit
   int digits[6];     // decimal digits of the search, 1 to 5
 };
@@ -80,7 +80,7 @@ struct SecondLoopStore {
   ModeReals RLOSS2;   // Bergeron: the same at the steady-state frequency
   RealMatrix TISUM;   // sum over the steps of the real part of TI(i,j)
 
-  CurveVector<Complex, LDMAT, MAXFREQ> GAMLEN;  // GAM times the length
+  CurveVector<Complex, LDMAT, MAXFREQ> GAMLEN;  // GAM times the line length
   CurveVector<Complex, LDMAT, MAXFREQ> ZSURGST; // ZSURGE
   CurveVector<Complex, LDMAT, MAXFREQ> HMODE;   // exp(-GAMLEN)
   CurveVector<double, LDMAT, MAXFREQ> HMAG;     // its magnitude
@@ -94,8 +94,7 @@ struct SecondLoopStore {
   CurveMatrix<Complex, MAXFREQ> HST;            // propagation matrix of the phases
 };
 
-// Solutions over frequency. MEIG is MSTORE(k,i,0), MTI is MSTORE(k,i,j): eigenvalue of mode i and
-// element (i,j) of TI at step k.
+// Solutions over frequency: MEIG is the eigenvalue of mode i and MTI element (i,j) of TI at step k.
 struct FrequencyStore {
   CurveVector<Complex, LDMAT, MAXFREQ> MEIG;
   CurveMatrix<Complex, MAXFREQ> MTI;
@@ -110,7 +109,7 @@ struct SolveData {
   FrequencyStore at;
 };
 
-// Room for the curves of n conductors; what is there already stays.
+// Maps the curves for n conductors; a store that is large enough is kept.
 inline void mapCurves(SolveData& S, int n) {
   for (auto* curves :
        {&S.second.TIST, &S.second.YCST, &S.second.HST, &S.at.MTI, &S.at.YSTORE, &S.at.ZSTORE}) {
@@ -120,7 +119,7 @@ inline void mapCurves(SolveData& S, int n) {
   S.second.TIARG.map(n);
 }
 
-// Mapped before anything of a file that includes this is initialised.
+// Mapped before any variable of an including file is initialised.
 inline SolveData& SOLVEDATA = bigStore<SolveData>();
 
 } // namespace lcp
