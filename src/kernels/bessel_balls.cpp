@@ -1,5 +1,6 @@
-// Away from the origin K_0 and K_1 come from the asymptotic series, whose error exp(-2 |x|) is
-// below a double's; near it from the power series, in which (|x| + Re x) / log 2 bits cancel.
+// Away from the origin K_0 and K_1 are computed from the asymptotic series, whose error exp(-2 |x|)
+// is below the precision of a double. Near it the power series is used, in which (|x| + Re x) / log
+// 2 bits cancel.
 #include "kernels/bessel_balls.h"
 
 #include <acb_hypgeom.h>
@@ -11,22 +12,22 @@ namespace lcp {
 
 namespace {
 
-constexpr double ASYMPTOTIC = 20.0; // |x| from which the asymptotic series is tried
+constexpr double ASYMPTOTIC = 20.0; // |x| from which the asymptotic series is used
 constexpr slong ASYMPTOTICBITS = 72;
 constexpr double SERIESBITS = 66.0; // working precision of the power series at 0 ...
-constexpr double LOSTBITS = 1.5;    // ... and what is added for each unit of |x| + Re x
+constexpr double LOSTBITS = 1.5;    // ... plus this for each unit of |x| + Re x
 constexpr slong MOSTBITS = 4096;
 constexpr slong GOODBITS = 55;
 
 void (*giveUp)() = nullptr;
 
-// Clang counts not returning among the type of a routine, but only by this attribute.
+// Clang treats noreturn as part of a function's type, but only in this form of the attribute.
 __attribute__((noreturn)) void endWithoutMemory() {
   giveUp();
   std::abort();
 }
 
-// Kept from call to call, so that nothing is allocated for them again.
+// Kept from call to call, so that they are allocated only once.
 struct Balls {
   acb_t order;
   acb_t argument;
@@ -34,7 +35,7 @@ struct Balls {
 
   explicit Balls(void (*withoutMemory)()) { // NOLINT(*-member-init)
     giveUp = withoutMemory;
-    flint_set_abort(endWithoutMemory); // the one way in which its arithmetic can fail
+    flint_set_abort(endWithoutMemory); // running out of memory is its only failure
     acb_init(order);
     acb_init(argument);
     acb_init(value);

@@ -1,10 +1,10 @@
-// K_0 and K_1 by ball arithmetic, scaled by exp(x), then upwards
+// Ball arithmetic gives K_0 and K_1, scaled by exp(x). The higher orders follow from the upward
+// recurrence
 //
 //   K_(n+1) = K_(n-1) + (2 n / x) K_n
 //
 // which is stable, since K_n is the growing solution. All numbers carry a binary exponent: on the
-// 45 degree ray K_50 overflows a double below |x| = 3e-5, and all K_n underflow it from |x| = 1000
-// on.
+// 45 degree ray K_50 overflows a double below |x| = 3e-5, and all K_n underflow from |x| = 1000.
 #include "kernels/bessel_k.h"
 
 #include "base/solve_error.h"
@@ -18,13 +18,13 @@ namespace lcp {
 
 namespace {
 
-constexpr double LOG2HIGH = 0x1.62e42feep-1; // log 2 in two parts, the first with trailing zeros
+constexpr double LOG2HIGH = 0x1.62e42feep-1; // log 2 in two parts, the high one with trailing zeros
 constexpr double LOG2LOW = 0x1.a39ef35793c76p-33;
 constexpr double MOSTEXPONENT = 1e6;
 
 constexpr double SMALLESTPART = 1e-307;
 
-// exp(x) K_n(x), NaN where no precision is enough.
+// exp(x) K_n(x); NaN if no working precision is sufficient.
 Complex startValue(int n, Complex x) {
   const BesselBall ball = besselRoutine()(n, x.real(), x.imag(), stopWithoutMemory);
   if (!ball.good) return std::numeric_limits<double>::quiet_NaN();
@@ -48,7 +48,7 @@ Scaled sum(const Scaled& a, const Scaled& b) {
   return normalised(timesPower(a.m, a.e - e) + timesPower(b.m, b.e - e), e);
 }
 
-// exp(-x). A power of 2 leaves an exponent between 0 and log 2.
+// exp(-x). The power of 2 is split off, which leaves an exponent between 0 and log 2.
 Scaled decay(Complex x) {
   const double power = std::clamp(std::floor(-x.real() / LOG2HIGH), -MOSTEXPONENT, MOSTEXPONENT);
   const double rest = std::clamp((-x.real() - power * LOG2HIGH) - power * LOG2LOW, -1.0, 1.0);
@@ -83,8 +83,8 @@ void ZBESK(Complex x, KSeries& KSER) {
 Complex KRATIO(const KSeries& KSER, int n) {
   const Scaled& below = KSER[static_cast<std::size_t>(n - 1)];
   const Scaled& above = KSER[static_cast<std::size_t>(n)];
-  // Both neighbours times one power of 2 that keeps their parts and the smallest one far from the
-  // ends of the range; of a large K_n the smallest part is 0 then, and lifts nothing.
+  // Both neighbours are multiplied by one power of 2 that keeps their parts and the threshold away
+  // from the ends of the range. For a large K_n the threshold becomes 0 and has no effect.
   const int shift = std::min(512, 1000 - above.e);
   const double smallest = std::ldexp(SMALLESTPART, shift);
   return lifted(below, shift, smallest) / lifted(above, shift, smallest);

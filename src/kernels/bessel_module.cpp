@@ -1,5 +1,5 @@
-// The module is looked for beside the program, and in lib/corvo beside the folder of the program,
-// wherever that stands: an installation can be moved, and no search path of the system has a say.
+// The module is searched for in the folder of the program and in ../lib/corvo relative to it. An
+// installation can therefore be moved, and the system's library search path has no influence.
 #include "kernels/bessel_module.h"
 
 #include "base/console.h"
@@ -19,9 +19,10 @@ namespace lcp {
 
 namespace {
 
-constexpr const char* PLACES[] = {"/", "/../lib/corvo/"}; // from the folder of the program
+constexpr const char* PLACES[] = {"/", "/../lib/corvo/"}; // relative to the folder of the program
 
-// The folder of the program; without a mounted /proc by the name under which it was started.
+// The folder of the program. Without a mounted /proc, it is derived from the name by which the
+// program was started.
 std::string programFolder() {
   std::array<char, PATH_MAX> path{};
   if (readlink("/proc/self/exe", path.data(), path.size() - 1) < 0) {

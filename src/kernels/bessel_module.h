@@ -1,13 +1,13 @@
-// The module with the ball arithmetic, loaded when it is first needed.
+// Loads the module with the ball arithmetic when it is first needed.
 #pragma once
 
 #include "kernels/bessel_balls.h"
 
 namespace lcp {
 
-// The routine of the module, the same at every call. Without the module the run ends with a
-// message, exit status 1. In a program linked against the shared libraries it is the routine
-// itself.
+// Returns the routine of the module, the same one at every call. If the module cannot be loaded,
+// the run ends with a message and exit status 1. A program linked against the shared libraries gets
+// the routine directly.
 BesselRoutine besselRoutine();
 
 } // namespace lcp

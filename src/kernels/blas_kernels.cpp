@@ -1,19 +1,20 @@
-// The BLAS routines in which the fits spend their time, for the reference LAPACK that is linked by
-// default, in place of those of the reference BLAS:
+// The BLAS routines that dominate the time of the fits; they replace those of the reference BLAS in
+// the statically linked reference LAPACK:
 //
 //   DGEMV   y = beta y + alpha A x  or  y = beta y + alpha A^T x
 //   DGER    A = A + alpha x y^T
 //   DNRM2   |x|
 //
-// A is m by n in column order with the leading dimension lda. Plain loops over contiguous columns:
-// the rounding does not depend on the width of the processor's registers: a sum runs over LANES
-// partial sums in a fixed order, and nothing is fused. So the code may use registers of 256 bits
-// where the processor has them; the bits of the results are the same. Vectors with a stride other
-// than 1 take the plain path. Arguments are trusted: LAPACK is the only caller.
+// A is m by n in column order with leading dimension lda. The loops run over contiguous columns. A
+// sum runs over LANES partial sums in a fixed order and nothing is fused, so the result does not
+// depend on the width of the processor's registers, and 256-bit registers can be used where
+// available. Vectors with a stride other than 1 take a scalar path. Arguments are not checked:
+// LAPACK is the only caller.
 //
-// Beside them stands what LAPACK's objects ask for by the thousand, letters compared without their
-// case and the properties of the arithmetic, and what they ask of the Fortran run time, so that it
-// need not be linked: its error exit, and the joining of two texts (options of a block size query).
+// The file also defines what LAPACK's objects need thousands of times, case-insensitive comparison
+// of letters and the properties of the arithmetic, and what they need of the Fortran run-time
+// library, so that it need not be linked: the error exit and string concatenation (options of a
+// block size query).
 #include "base/console.h"
 #include "base/register_widths.h"
 #include "base/stop.h"
@@ -28,9 +29,9 @@
 namespace {
 
 constexpr int LANES = 4;   // partial sums of a scalar product
-constexpr int COLUMNS = 4; // columns that one sweep over a vector serves
+constexpr int COLUMNS = 4; // columns per sweep over a vector
 
-// The first element of a vector: with a negative stride it stands last in memory.
+// Address of element 1 of a vector; with a negative stride it is the last one in memory.
 template <class T> T* start(T* x, int n, int stride) {
   return stride < 0 ? x - static_cast<std::ptrdiff_t>(n - 1) * stride : x;
 }
@@ -39,7 +40,7 @@ void scale(double beta, double* y, int n, int stride) {
   for (int i = 0; i < n; ++i, y += stride) *y = beta == 0 ? 0 : beta * *y;
 }
 
-// y = y + a1 x1 + ... over COLUMNS columns of length m.
+// y = y + a1 x1 + ... for COLUMNS columns of length m.
 void addColumns(const double* a, std::ptrdiff_t lda, const double (&x)[COLUMNS],
                 double* __restrict y, int m) {
   const double *a0 = a, *a1 = a + lda, *a2 = a1 + lda, *a3 = a2 + lda;
@@ -52,14 +53,14 @@ void addColumn(const double* a, double x, double* __restrict y, int m) {
   for (int i = 0; i < m; ++i) y[i] += x * a[i];
 }
 
-// LANES partial sums side by side, for the vector unit of any width.
+// LANES partial sums side by side, for a vector unit of any width.
 using Lanes = double __attribute__((vector_size(LANES * sizeof(double)), aligned(alignof(double))));
 
 const Lanes& lanes(const double* a) { return *reinterpret_cast<const Lanes*>(a); }
 
 double total(const Lanes& s) { return (s[0] + s[1]) + (s[2] + s[3]); }
 
-// The scalar products of x with C columns of length m.
+// Scalar products of x with C columns of length m.
 template <int C>
 void products(const double* a, std::ptrdiff_t lda, const double* x, int m,
               double (&sums)[COLUMNS]) {
@@ -74,7 +75,7 @@ void products(const double* a, std::ptrdiff_t lda, const double* x, int m,
   }
 }
 
-// y = y + alpha A x over contiguous y.
+// y = y + alpha A x for contiguous y.
 void columnsInto(int m, int n, double alpha, const double* a, std::ptrdiff_t lda, const double* x,
                  int incx, double* y) {
   int j = 0;
@@ -89,7 +90,7 @@ void columnsInto(int m, int n, double alpha, const double* a, std::ptrdiff_t lda
   for (; j < n; ++j, a += lda, x += incx) addColumn(a, alpha * *x, y, m);
 }
 
-// y = y + alpha A^T x over contiguous x.
+// y = y + alpha A^T x for contiguous x.
 void productsInto(int m, int n, double alpha, const double* a, std::ptrdiff_t lda, const double* x,
                   double* y, int incy) {
   double sums[COLUMNS];
@@ -109,11 +110,12 @@ void productsInto(int m, int n, double alpha, const double* a, std::ptrdiff_t ld
 
 char upper(char c) { return static_cast<char>(c >= 'a' && c <= 'z' ? c - 'a' + 'A' : c); }
 
-// Squares between these bounds lose nothing to the ends of the range of numbers.
+// Sums of squares between these bounds neither overflow nor lose precision.
 constexpr double LEASTSQUARES = 1e-280;
 constexpr double MOSTSQUARES = 1e280;
 
-// Length by the largest element, for sums of squares beyond the bounds. NaN stays NaN.
+// Euclidean length, scaled by the largest element, for sums of squares outside the bounds. NaN
+// gives NaN.
 double scaledLength(const double* x, int n, int stride) {
   double largest = 0;
   for (int i = 0; i < n; ++i) {
@@ -199,7 +201,7 @@ int lsame_(const char* a, const char* b, std::size_t, std::size_t) {
   return upper(*a) == upper(*b);
 }
 
-// The unit is that of rounding: half the distance from 1 to the next number.
+// Epsilon is the unit roundoff: half the distance from 1 to the next number.
 double dlamch_(const char* what, std::size_t) {
   using Limits = std::numeric_limits<double>;
   switch (upper(*what)) {
@@ -217,7 +219,7 @@ double dlamch_(const char* what, std::size_t) {
   }
 }
 
-// A wrong argument of a LAPACK routine is a fault of this program.
+// A wrong argument of a LAPACK routine is an error in this program.
 [[noreturn]] void xerbla_(const char* name, const int* argument, std::size_t length) {
   lcp::console::openStars();
   lcp::console::print("Argument {} of {} is Wrong!", *argument, std::string_view(name, length));
@@ -225,7 +227,7 @@ double dlamch_(const char* what, std::size_t) {
   lcp::stop(1);
 }
 
-// target = first and second, cut or filled up with blanks to its length.
+// target = first followed by second, truncated or padded with blanks to its length.
 void _gfortran_concat_string(std::size_t length, char* target, std::size_t n, const char* first,
                              std::size_t m, const char* second) {
   std::memset(target, ' ', length);

@@ -1,14 +1,14 @@
-// Each mode of each frequency takes a few Newton steps, which differ in l and x alone. With
-// A = Q H Q^H formed once a frequency, the unknowns q = Q^H d(1..n) and d(n+1) solve
+// Each mode of each frequency takes a few Newton steps, whose systems differ only in l and x. With
+// A = Q H Q^H formed once per frequency, the unknowns q = Q^H d(1..n) and d(n+1) solve
 //
 //   | H - l I    -Q^H x |   | q      |   | Q^H r  |
 //   |                   |   |        | = |        |
 //   | row p of Q    0   |   | d(n+1) |   | r(n+1) |
 //
-// Of column k only three rows take part in the elimination: the one at hand, row k + 1, and the
-// border. The largest of their elements is the pivot, the other two rows go on. The matrix is that
-// of the original system times unitary ones, and so is as near to singular.
-// Lanes differ in their pivots alone, which rows exchanged by lane bring to the same place.
+// Only three rows take part in the elimination of column k: row k, row k + 1 and the border. The
+// largest of their elements is the pivot; the other two rows stay. The matrix is the original one
+// multiplied by unitary matrices, and so it is equally close to singular. The lanes differ only in
+// their pivot rows: exchanging rows lane by lane brings the pivots to the same place.
 #include "kernels/bordered_system.h"
 
 #include "kernels/hyperbolic.h"
@@ -25,12 +25,13 @@ namespace lcp {
 
 namespace {
 
-// The check of the full elimination fails when the rounding errors in the n^2 elements of J R, R
-// the inverse of J, add up to 0.1. They are about eps |J| |R| each. A system for which this comes
-// within two decades of the limit is handed over.
+// The check of the full elimination fails when the rounding errors in the n^2 elements of J R,
+// where R is the inverse of J, add up to 0.1. Each error is about eps |J| |R|. A system that comes
+// within two decades of this limit is solved in full.
 constexpr double ROUNDINGLIMIT = 1e-3;
 
-// A row of the reduced systems with its right sides behind it, those of the step and of the probe.
+// A row of the reduced systems, followed by its right-hand sides: those of the step and of the
+// probe.
 struct Row {
   ComplexLanes elements[BORDERED + 2];
 
@@ -38,7 +39,7 @@ struct Row {
   const ComplexLanes& operator[](int j) const { return elements[j - 1]; }
 };
 
-// Row i of H - l I with its right sides. The zeros of H on the left are nowhere read.
+// Row i of H - l I with its right-hand sides. The zeros left of the subdiagonal are never read.
 void fillRow(Row& row, const BorderedMatrix& M, const ComplexLanes& l, const LaneVectors& xq,
              const LaneVectors& rq, int i) {
   const int n = M.n;
@@ -59,8 +60,8 @@ void fillBorder(Row& border, const BorderedMatrix& M, const BorderedSystems& S) 
   border[n + 3].fill(M.probe[n + 1]);
 }
 
-// Takes the rows below out of column k, as far as column m. The largest element of the column
-// becomes the pivot, its reciprocal takes its place.
+// Eliminates column k from the rows below, up to column m. The largest element of the column
+// becomes the pivot and is replaced by its reciprocal.
 template <int B> void eliminateColumn(Row& row, Row* const (&below)[B], int k, int m) {
   ComplexLanes factor[B];
   LaneChoice larger[B];
@@ -84,7 +85,7 @@ template <int B> void eliminateColumn(Row& row, Row* const (&below)[B], int k, i
   }
 }
 
-// Solves the triangular form for both right sides.
+// Back substitution for both right-hand sides.
 void substitute(LaneVectors& step, LaneVectors& probe, const Row* rows, int n) {
   for (int k = n + 1; k >= 1; --k) {
     const Row& u = rows[k - 1];
@@ -98,7 +99,7 @@ void substitute(LaneVectors& step, LaneVectors& probe, const Row* rows, int n) {
   }
 }
 
-// The solutions of the reduced systems, for the step and for the probe.
+// Solves the reduced systems for the step and for the probe.
 LCP_WIDTHS("avx2")
 void solveReduced(LaneVectors& q, LaneVectors& probe, const BorderedMatrix& M,
                   const BorderedSystems& S, const LaneVectors& xq, const LaneVectors& rq) {
@@ -116,15 +117,15 @@ void solveReduced(LaneVectors& q, LaneVectors& probe, const BorderedMatrix& M,
   substitute(q, probe, rows, n);
 }
 
-// The length of the inverse times a vector of elements of modulus 1 without pattern is as a rule
-// within a decade of the norm of the inverse. False also for NaN.
+// The length of the inverse times a probe vector of patternless elements of modulus 1 is usually
+// within a decade of the norm of the inverse. Also false for NaN.
 bool farFromSingular(const BorderedMatrix& M, double square) {
   constexpr double eps = std::numeric_limits<double>::epsilon();
   const double order = M.n + 1;
   return eps * order * order * M.largest * std::sqrt(square) < ROUNDINGLIMIT;
 }
 
-// The system of lane c.
+// Solves the system of lane c by full elimination.
 bool solveInFull(LaneVectors& d, const BorderedMatrix& M, const BorderedSystems& S, int c) {
   static SquareStore<Complex, BORDERED> J;
   static Table<Complex, BORDERED> r, x;

@@ -1,4 +1,4 @@
-// Many bordered systems of one matrix: the Newton steps of its modes, several of them side by side.
+// Solves the bordered systems of the Newton steps, several modes of one matrix side by side.
 #pragma once
 
 #include "kernels/lane_vectors.h"
@@ -6,30 +6,30 @@
 
 namespace lcp {
 
-constexpr int BORDERED = LDMAT + 1; // largest order with the border
+constexpr int BORDERED = LDMAT + 1; // largest order including the border
 
-// A matrix A = Q H Q^H of order n, reduced so that a bordered system of it costs about n^2
-// operations: H is zero below its first subdiagonal, Q unitary.
+// A matrix A = Q H Q^H of order n, reduced so that solving a bordered system with it takes about
+// n^2 operations: H is upper Hessenberg, Q unitary.
 struct BorderedMatrix {
   int n;
   LineMatrix A;
   LineMatrix Q;
-  LeftFactor fromReduced;         // Q
-  LeftFactor toReduced;           // Q^H
-  double largest;                 // element of A, at least 1: the border has elements 1
-  Table<Complex, BORDERED> probe; // right side that tells how near a system is to singular
-  Complex H[LDMAT][LDMAT];        // by rows
+  LeftFactor fromReduced; // Q
+  LeftFactor toReduced;   // Q^H
+  double largest;         // largest element of A, at least 1 because the border has elements 1
+  Table<Complex, BORDERED> probe; // right-hand side that estimates the distance to singularity
+  Complex H[LDMAT][LDMAT];        // stored by rows
 };
 
 void reduce(BorderedMatrix& M, CConstView A, int n);
 
-// In each lane that is used a system
+// Each lane in use holds a system
 //
 //   | A - l I   -x |
 //   |              | d = r,   e_p the row with 1 in column p,
 //   |  e_p       0 |
 //
-// for an A and an x whose elements are about 1. The other lanes hold any numbers.
+// where the elements of A and x are of order 1. Unused lanes may hold any numbers.
 struct BorderedSystems {
   bool used[LANES];
   ComplexLanes l;
@@ -38,8 +38,8 @@ struct BorderedSystems {
   LaneVectors r;
 };
 
-// Solves them. A lane that is not solved, and of which d is of no use, has a singular system:
-// SOLVEJD decides that wherever the reduced form comes near to it.
+// Solves the systems. Where solved[c] is false, the system of the lane is singular and d is
+// undefined in it; SOLVEJD decides this wherever the reduced form comes close to singular.
 void SOLVEBORDERED(LaneVectors& d, bool (&solved)[LANES], const BorderedMatrix& M,
                    const BorderedSystems& S);
 

@@ -1,16 +1,16 @@
-// The complex BLAS routines in which eigenvalues and reductions spend their time, for the
-// reference LAPACK that is linked by default:
+// The complex BLAS routines that dominate the time of eigenvalues and reductions; they replace
+// those of the reference BLAS in the statically linked reference LAPACK:
 //
 //   ZGEMV   y = beta y + alpha A x,  beta y + alpha A^T x  or  beta y + alpha A^H x
 //   ZGERC   A = A + alpha x y^H
 //
-// A is m by n in column order with the leading dimension lda. Every result has the bits of the
-// reference routines: sums run in their order, products round as complex products do. Two complex
-// numbers stand in four lanes; z t is then, with the parts of each z exchanged in z',
+// A is m by n in column order with leading dimension lda. Every result has the bits of the
+// reference routines: sums run in the same order and complex products round in the same way. Four
+// lanes hold two complex numbers; with z' for z with its parts exchanged,
 //
 //   z t = z (Re t, Re t) + z' (-Im t, Im t)        z* t = z (Re t, -Re t) + z' (Im t, Im t)
 //
-// Arguments are trusted: LAPACK is the only caller.
+// Arguments are not checked: LAPACK is the only caller.
 #include "base/register_widths.h"
 
 #include <complex>
@@ -21,15 +21,15 @@ namespace {
 using Complex = std::complex<double>;
 using lcp::Lanes;
 
-// Two complex numbers as they stand in memory.
+// Two complex numbers as stored in memory.
 using Pair = double __attribute__((vector_size(sizeof(Lanes)), aligned(alignof(double))));
 
-// ... and one.
+// One complex number.
 using Number = double __attribute__((vector_size(sizeof(Complex)), aligned(alignof(double))));
 
-constexpr int COLUMNS = 4; // that one sweep serves
+constexpr int COLUMNS = 4; // columns per sweep
 
-// The two factors that a complex one becomes.
+// The two real factors that represent multiplication by a complex number t.
 struct Factor {
   Lanes straight, crossed;
 
@@ -55,7 +55,7 @@ const Pair& pairAt(const Complex* z) { return *reinterpret_cast<const Pair*>(z);
 
 const Number& numberAt(const Complex* z) { return *reinterpret_cast<const Number*>(z); }
 
-// y = y + a1 t1 + ... over C columns of length m.
+// y = y + a1 t1 + ... for C columns of length m.
 template <int C>
 void addColumns(const Complex* a, std::ptrdiff_t lda, const Complex* t, Complex* y, int m) {
   Factor factors[C];
@@ -72,7 +72,7 @@ void addColumns(const Complex* a, std::ptrdiff_t lda, const Complex* t, Complex*
   for (int c = 0; c < C && i < m; ++c) y[i] += t[c] * a[c * lda + i];
 }
 
-// y = y + alpha A x over contiguous y.
+// y = y + alpha A x for contiguous y.
 void columnsInto(int m, int n, Complex alpha, const Complex* a, std::ptrdiff_t lda,
                  const Complex* x, int incx, Complex* y) {
   int j = 0;
@@ -90,7 +90,7 @@ void columnsInto(int m, int n, Complex alpha, const Complex* a, std::ptrdiff_t l
   }
 }
 
-// The products of C columns, or of their conjugates, with x; two columns side by side.
+// Scalar products of C columns, or of their conjugates, with x; two columns at a time.
 template <bool Conjugate, int C>
 void products(const Complex* a, std::ptrdiff_t lda, const Complex* x, int m, Complex* sums) {
   constexpr int PAIRS = (C + 1) / 2;
@@ -105,7 +105,7 @@ void products(const Complex* a, std::ptrdiff_t lda, const Complex* x, int m, Com
   for (int c = 0; c < C; ++c) sums[c] = {s[c / 2][c % 2 * 2], s[c / 2][c % 2 * 2 + 1]};
 }
 
-// y = y + alpha A^T x, or alpha A^H x, over contiguous x.
+// y = y + alpha A^T x or y + alpha A^H x for contiguous x.
 template <bool Conjugate>
 void productsInto(int m, int n, Complex alpha, const Complex* a, std::ptrdiff_t lda,
                   const Complex* x, Complex* y, int incy) {

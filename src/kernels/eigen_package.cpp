@@ -1,18 +1,19 @@
-// Decomposition by repeated squaring and deflation. The powers of a matrix of which one eigenvalue
-// is largest in modulus tend to rank one, W = c x y^T: any column of W is then the right vector x
-// of that eigenvalue, any row its left vector y. With y^T x = 1
+// Eigenvalues by repeated squaring and deflation. The powers of a matrix that has one eigenvalue of
+// largest modulus tend to rank one, W = c x y^T: any column of W is then the right eigenvector x of
+// that eigenvalue and any row its left eigenvector y. With y^T x = 1
 //
 //   l = y^T A x,   A = A - l x y^T,   P = P - x y^T
 //
-// take the pair out of the matrix and out of the projector P on what is not yet found, and the next
-// largest follows. P keeps the later pairs clear of the earlier ones: x = P x, y = P^T y.
+// remove the pair from the matrix and from the projector P onto the subspace not found yet, and the
+// next largest eigenvalue follows. P keeps later pairs free of earlier ones: x = P x, y = P^T y.
 //
-// A shift s = (0.7 + j 0.812345) m, m the mean of |Re| + |Im| over the elements, is taken off the
-// diagonal first: it parts eigenvalues of equal modulus, conjugate or opposite ones.
+// First a shift s = (0.7 + j 0.812345) m, where m is the mean of |Re| + |Im| over the elements, is
+// subtracted from the diagonal. It separates eigenvalues of equal modulus, such as conjugate or
+// opposite ones.
 //
-// Squaring k times raises a ratio q of the two largest moduli to q^(2^k): 20 squarings part
-// eigenvalues that differ by 1e-5. What is left when the matrix has become zero against the last
-// eigenvalue, or zero altogether, is taken from P itself.
+// Squaring k times raises the ratio q of the two largest moduli to q^(2^k): 20 squarings separate
+// eigenvalues that differ by 1e-5. Once the matrix is negligible against the last eigenvalue, or
+// zero, the remaining vectors are taken from P itself.
 #include "kernels/eigen_package.h"
 
 #include "diag/message_package.h"
@@ -30,16 +31,16 @@ namespace lcp {
 namespace {
 
 constexpr int EITERFAILED = 1000;
-ModeInts EITER; // squarings spent on each vector; EITER(1) = EITERFAILED when one did not settle
+ModeInts EITER; // squarings spent on each vector; EITER[1] = EITERFAILED if one did not settle
 
-constexpr double SHIFTREAL = 0.7; // of the mean element
+constexpr double SHIFTREAL = 0.7; // relative to the mean element
 constexpr double SHIFTIMAG = 0.812345;
-constexpr double SETTLED = 1e-6;  // change of shape from a power to its square
-constexpr double TOOSMALL = 1e-5; // largest elements outside of these are scaled to 1
+constexpr double SETTLED = 1e-6;  // change of shape between a power and its square
+constexpr double TOOSMALL = 1e-5; // a largest element outside this range is scaled to 1
 constexpr double TOOLARGE = 1e5;
 constexpr int MAXSQUARINGS = 100;
 
-// A routine's place on the stack of names, from its entry to its exit.
+// Puts a routine on the name stack for its lifetime.
 class Entry {
 public:
   Entry(std::string_view routine, int date) : name(routine) {
@@ -60,11 +61,11 @@ struct Place {
   int J = 1;
 };
 
-// What VALVC0 leaves beside W.
+// What VALVC0 returns besides W.
 struct Dominant {
-  Place at;          // largest element of the matrix that was squared last
+  Place at;          // largest element of the last matrix that was squared
   double BIG = 0.0;  // its magnitude
-  bool FLAG = false; // nothing is left against the last eigenvalue found
+  bool FLAG = false; // the rest is negligible against the last eigenvalue found
 };
 
 void CUNIT(CView P, int n) {
@@ -80,7 +81,7 @@ void CCDUP(CView B, CConstView A, int n) {
   for (int j = 1; j <= n; ++j) std::copy_n(A.column(j), n, B.column(j));
 }
 
-// The largest element by |Re| + |Im|; the first one in row order among equals.
+// The largest element by |Re| + |Im|; among equal ones the first in row order.
 Place CMBIG(CConstView A, int n) {
   const Entry entry("CMBIG", 901027);
   Place largest;
@@ -108,7 +109,7 @@ void CCMLT(CView W, CConstView C, int n) {
   CMATMUL(W, C, C, n);
 }
 
-// How far column J and row I of a matrix and its square differ in shape: 0 at rank one.
+// Difference in shape between column J and row I of a matrix and of its square: 0 at rank one.
 double EIGTST(CConstView W, CConstView C, Place at, int n) {
   const Entry entry("EIGTST", 910209);
   const auto [I, J] = at;
@@ -121,7 +122,7 @@ double EIGTST(CConstView W, CConstView C, Place at, int n) {
   return static_cast<double>(e);
 }
 
-// Squares C, the deflated matrix, until it is of rank one: W.
+// Squares the deflated matrix C until it has rank one, W.
 Dominant VALVC0(CView W, CView C, const ModeComplex& L, int K, int n) {
   const Entry entry("VALVC0", 910127);
   Dominant D;
@@ -147,7 +148,7 @@ Dominant VALVC0(CView W, CView C, const ModeComplex& L, int K, int n) {
   return D;
 }
 
-// Takes row I and column J of M as the pair K.
+// Copies row I and column J of M as pair K.
 void VALVC1(CView Y, CView X, CConstView M, Place at, int K, int n) {
   const Entry entry("VALVC1", 910126);
   for (int i = 1; i <= n; ++i) {
@@ -156,7 +157,7 @@ void VALVC1(CView Y, CView X, CConstView M, Place at, int K, int n) {
   }
 }
 
-// Projects the pair K: y = P^T y, x = P x.
+// Projects pair K: y = P^T y, x = P x.
 void VALVC2(CView Y, CView X, CConstView P, int K, int n) {
   const Entry entry("VALVC2", 910126);
   ModeComplex y, x;
@@ -172,7 +173,7 @@ void VALVC2(CView Y, CView X, CConstView P, int K, int n) {
   }
 }
 
-// Scales the pair K: element I of x is 1, y^T x = 1.
+// Scales pair K so that element I of x is 1 and y^T x = 1.
 void VALVC3(CView Y, CView X, int I, int K, int n) {
   const Entry entry("VALVC3", 910126);
   const Complex a = X(I, K);
@@ -183,7 +184,7 @@ void VALVC3(CView Y, CView X, int I, int K, int n) {
   for (int m = 1; m <= n; ++m) Y(K, m) /= s;
 }
 
-// y^T A x of the pair K.
+// y^T A x of pair K.
 Complex VALVC4(CConstView Y, CConstView X, CConstView A, int K, int n) {
   const Entry entry("VALVC4", 910126);
   ModeComplex t;
@@ -195,14 +196,14 @@ Complex VALVC4(CConstView Y, CConstView X, CConstView A, int K, int n) {
   return l;
 }
 
-// Takes the pair K out of P.
+// Removes pair K from P.
 void deflateProjector(CConstView Y, CConstView X, CView P, int K, int n) {
   for (int j = 1; j <= n; ++j) {
     for (int i = 1; i <= n; ++i) P(i, j) -= X(i, K) * Y(K, j);
   }
 }
 
-// Takes the pair K out of P and A.
+// Removes pair K from P and A.
 void VALVC5(CConstView Y, CConstView X, CView P, CView A, Complex l, int K, int n) {
   const Entry entry("VALVC5", 910126);
   deflateProjector(Y, X, P, K, n);
@@ -211,7 +212,8 @@ void VALVC5(CConstView Y, CConstView X, CView P, CView A, Complex l, int K, int 
   }
 }
 
-// Nothing is left of the matrix: the pairs from K on have the eigenvalue 0 and span what P holds.
+// The remaining matrix is negligible: the pairs from K on have the eigenvalue 0 and span the range
+// of P.
 void VALVC6(CView Y, CView X, CView P, ModeComplex& L, int K, int n) {
   const Entry entry("VALVC6", 910126);
   for (int k = K; k <= n; ++k) {
@@ -223,7 +225,7 @@ void VALVC6(CView Y, CView X, CView P, ModeComplex& L, int K, int n) {
   }
 }
 
-// The decomposition of the shifted A; P, C and W are work areas.
+// Decomposes the shifted A; P, C and W are work arrays.
 void VALVEC(ModeComplex& L, CView Y, CView X, CView A, CView P, CView C, CView W, int n) {
   const Entry entry("VALVEC", 910126);
   CUNIT(P, n);

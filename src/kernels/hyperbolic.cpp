@@ -1,8 +1,8 @@
 //   sinh z = (e^z - e^-z) / 2
 //   tanh z = (1 - e^-2z) / (1 + e^-2z)        coth z = 1 / tanh z
 //
-// With e^-2z for Re z > 1 and e^2z for Re z < -1 neither power grows beyond 1; in between the
-// symmetric form serves. Below |z| = 1e-5 coth z = 1/z + z/3 - ... is 1/z to rounding.
+// With e^-2z for Re z > 1 and e^2z for Re z < -1 the power never exceeds 1; in between the
+// symmetric form is used. Below |z| = 1e-5, coth z = 1/z + z/3 - ... equals 1/z to rounding.
 #include "kernels/hyperbolic.h"
 
 #include "base/constants.h"
@@ -14,13 +14,13 @@ namespace lcp {
 
 namespace {
 
-constexpr double CAP = 30.0;        // largest real part of the sine
-constexpr double ONESIDED = 1.0;    // real part beyond which one of the two powers is dropped
+constexpr double CAP = 30.0;        // largest real part used in the hyperbolic sine
+constexpr double ONESIDED = 1.0;    // real part beyond which a one-sided form is used
 constexpr double RECIPROCAL = 1e-5; // up to this |z| coth z = 1 / z
-constexpr double NOTHING = 1e-20;   // up to this |z| the cotangent is cut off
-constexpr double POLE = 1e20;       // ... at this value
+constexpr double NOTHING = 1e-20;   // up to this |z| the hyperbolic cotangent is limited
+constexpr double POLE = 1e20;       // ... to this value
 
-constexpr double NOANGLE = 1e-25; // parts up to this have no angle
+constexpr double NOANGLE = 1e-25; // the angle of parts up to this is 0
 constexpr double QUARTERTURN = 1.5707963267948966;
 constexpr double THREEQUARTERS = 4.71238898038469;
 

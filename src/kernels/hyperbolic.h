@@ -1,4 +1,4 @@
-// Hyperbolic functions of a complex argument, and the magnitudes and angles that go with them.
+// Hyperbolic functions of a complex argument, and related magnitudes and angles.
 #pragma once
 
 #include "base/matrix.h"
@@ -7,19 +7,18 @@
 
 namespace lcp {
 
-// Hyperbolic sine. A real part of 30 or more counts as 30, so that it stays finite.
+// Hyperbolic sine. A real part above 30 counts as 30, so that the result stays finite.
 Complex CSINH(Complex z);
 
-// Hyperbolic tangent and cotangent; no argument overflows. The cotangent of a |z| of 1e-20 or less
-// is 1e20.
+// Hyperbolic tangent and cotangent; no argument overflows. The cotangent of |z| <= 1e-20 is 1e20.
 Complex CTANH(Complex z);
 Complex CCOTH(Complex z);
 
 // |Re z| + |Im z|.
 inline double L1MAG(Complex z) { return std::fabs(z.real()) + std::fabs(z.imag()); }
 
-// Angle of x + j y in radians, in (-pi/2, 3 pi/2]: it jumps at the negative imaginary axis. 0 when
-// both parts are 1e-25 or less in magnitude.
+// Angle of x + j y in radians, in (-pi/2, 3 pi/2]: the jump lies at the negative imaginary axis. 0
+// if both parts are at most 1e-25 in magnitude.
 double PHASE2(double y, double x);
 
 } // namespace lcp

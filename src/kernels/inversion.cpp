@@ -1,15 +1,15 @@
-// Gauss-Jordan elimination with full pivoting, in place. In each of the n steps the largest element
-// a(r,c) of the rows and columns not used so far is brought to the diagonal by exchanging the rows
-// r and c, and then, with p = 1 / a(c,c) and d the rest of column c,
+// Gauss-Jordan elimination with full pivoting, in place. Each of the n steps brings the largest
+// element a(r,c) of the unused rows and columns to the diagonal by exchanging rows r and c. Then,
+// with p = 1 / a(c,c) and d the rest of column c,
 //
-//   row c = p row c, with 1 in the place of a(c,c)
-//   row l = row l - d(l) row c for l /= c, with 0 in the place of d(l)
+//   row c = p row c, with a(c,c) replaced by 1
+//   row l = row l - d(l) row c for l /= c, with d(l) replaced by 0
 //
-// Exchanging the columns in the reverse order undoes the row exchanges and leaves the inverse R.
+// Exchanging the columns in reverse order undoes the row exchanges and leaves the inverse R.
 //
 // Check: e = sum over all i, j of |(A R)(i,j)| - n, which is 0 for an exact inverse. It measures
-// the rounding of the largest elements of R, and reaches 0.1 at condition numbers between 1e10, at
-// order 50, and 1e15, at order 4.
+// the rounding of the largest elements of R and reaches 0.1 at condition numbers between 1e10
+// (order 50) and 1e15 (order 4).
 #include "kernels/inversion.h"
 
 #include "base/console.h"
@@ -25,17 +25,18 @@ namespace lcp {
 
 namespace {
 
-constexpr double SINGULARINVERSE = 1e-50; // a pivot up to this stops the run
+constexpr double SINGULARINVERSE = 1e-50; // a pivot up to this ends the run
 constexpr double SINGULARSOLVE = 1e-20;   // ... makes a system singular
-constexpr double CHECKLIMIT = 0.1;        // excess of |A R| over n that makes R no inverse
-constexpr double NEARLIMIT = 1e-6;        // so near to it the moduli are summed as they round
+constexpr double CHECKLIMIT = 0.1;        // excess of |A R| over n above which R is rejected
+constexpr double NEARLIMIT = 1e-6;        // this close to the limit, the moduli are summed exactly
 
-// Squared moduli within this of the largest are compared again as moduli: two moduli that round to
-// the same number have squares that differ by a few units in the last place at most.
+// Elements whose squared modulus is within this of the largest are compared again by modulus:
+// moduli that round to the same number have squares that differ by at most a few units in the last
+// place.
 constexpr double SAMEMODULUS = 1.0 - 1e-14;
 
 struct Bookkeeping {
-  Table<bool, MAXINV> used; // row and column have been the pivot's
+  Table<bool, MAXINV> used; // row and column have held a pivot
   Table<int, MAXINV> INDXR; // row in which the pivot of a step was found
   Table<int, MAXINV> INDXC; // its column
 };
@@ -45,7 +46,7 @@ struct Pivot {
   int column = 0;
 };
 
-// Largest squared modulus of each row over the unused columns; -1 where all are NaN.
+// Largest squared modulus of each row over the unused columns; -1 if all are NaN.
 LCP_WIDTHS("avx2") void rowMaxima(double* largest, CConstView R, const Bookkeeping& B, int n) {
   std::fill_n(largest, n, -1.0);
   for (int k = 1; k <= n; ++k) {
@@ -58,8 +59,8 @@ LCP_WIDTHS("avx2") void rowMaxima(double* largest, CConstView R, const Bookkeepi
   }
 }
 
-// The element of largest modulus in the unused rows and columns, walked row by row; the last one
-// among equals. Row 0 when all of them are NaN.
+// The element of largest modulus in the unused rows and columns, searched row by row; among equal
+// ones the last. Row 0 if all are NaN.
 Pivot findPivot(CConstView R, const Bookkeeping& B, int n) {
   Table<double, MAXINV> largest;
   rowMaxima(largest.data(), R, B, n);
@@ -88,12 +89,12 @@ void swapRows(CView R, int a, int b, int n) {
   for (int k = 1; k <= n; ++k) std::swap(R(a, k), R(b, k));
 }
 
-// One step around the pivot on the diagonal at c.
-// A complex multiple of a column, z - q d, is with z, d as sequences of real and imaginary parts
+// One elimination step with the pivot on the diagonal in column c. The complex update of a column,
+// z - q d with z and d as sequences of real and imaginary parts, is
 //
 //   z - (d Re q + (j d) Im q)
 //
-// two real multiples without any exchange of parts, and rounds as the complex product does.
+// which takes two real multiples without exchanging parts and rounds like the complex product.
 LCP_WIDTHS("avx2") void eliminate(CView R, int c, int n) {
   alignas(64) double d[2 * MAXINV]; // column c without the pivot
   alignas(64) double jd[2 * MAXINV];
@@ -118,7 +119,7 @@ LCP_WIDTHS("avx2") void eliminate(CView R, int c, int n) {
 
 enum class Sweep { Done, SmallPivot, OnlyNaN };
 
-// R = inverse of R, as long as every pivot has a modulus above the limit.
+// Replaces R by its inverse, as long as the modulus of every pivot exceeds the limit.
 Sweep invertInPlace(CView R, int n, double limit) {
   static Bookkeeping B;
   B.used.fill(false);
@@ -139,8 +140,8 @@ Sweep invertInPlace(CView R, int n, double limit) {
   return Sweep::Done;
 }
 
-// |A R| summed over all elements, less n. The quick sum is right to rounding, and beyond every
-// limit where squares leave the range of numbers.
+// |A R| summed over all elements, minus n. The quick sum is right to rounding, and exceeds every
+// limit if squares overflow or underflow.
 enum class Moduli { Quick, Exact };
 
 double excess(const LeftFactor& A, CConstView R, int n, Moduli moduli) {
@@ -176,7 +177,7 @@ bool isInverse(const LeftFactor& A, CConstView R, int n) {
   stop(1);
 }
 
-// False when an element is NaN.
+// Returns false if an element is NaN.
 bool invert(CView R, CConstView A, int n) {
   if (R.first != A.first) copyCorner(R, A, n);
   const Sweep sweep = invertInPlace(R, n, SINGULARINVERSE);

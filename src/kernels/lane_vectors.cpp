@@ -1,9 +1,9 @@
-// A panel's sums stay in registers over a whole sweep,
+// The sums of a panel stay in registers over a whole sweep,
 //
 //   Re y(i) = Re y(i) + (Re a(i,j) Re x(j) - Im a(i,j) Im x(j))
 //   Im y(i) = Im y(i) + (Im a(i,j) Re x(j) + Re a(i,j) Im x(j))   for j = 1, 2, ... n
 //
-// with the element of the matrix in all lanes. That rounds as the complex product does.
+// with the matrix element copied to all lanes. This rounds like the complex product.
 #include "kernels/lane_vectors.h"
 
 #include <algorithm>
@@ -13,7 +13,7 @@ namespace lcp {
 
 namespace {
 
-// The elements of y that belong to one panel of n columns.
+// The elements of y that belong to one panel, from n columns.
 void multiplyPanel(ComplexLanes* y, const double* a, const ComplexLanes* x, int n) {
   Lanes re[PANELROWS] = {}, im[PANELROWS] = {};
   for (int j = 0; j < n; ++j, a += 2 * PANELROWS) {
@@ -25,7 +25,7 @@ void multiplyPanel(ComplexLanes* y, const double* a, const ComplexLanes* x, int 
   for (int i = 0; i < PANELROWS; ++i) y[i] = {re[i], im[i]};
 }
 
-// Parts of PANELROWS elements of a column, of which so many are left.
+// Packs the parts of PANELROWS elements of a column of which `left` remain.
 void packColumn(double* __restrict a, const Complex* z, int left) {
   if (left >= PANELROWS) {
     for (int i = 0; i < PANELROWS; ++i) {

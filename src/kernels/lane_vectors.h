@@ -1,5 +1,7 @@
-// Complex vectors side by side, and matrices times them: columns of a product, or modes that are
-// followed together. Each lane has the bits that it would have alone.
+// Several complex vectors side by side and matrices times them: columns of a product, or modes
+// followed together.
+//
+// Each lane has the bits that it would have on its own.
 #pragma once
 
 #include "base/matrix.h"
@@ -8,7 +10,7 @@
 
 namespace lcp {
 
-// Complex numbers, one a lane.
+// Complex numbers, one per lane.
 struct ComplexLanes {
   Lanes re, im;
 
@@ -23,7 +25,7 @@ struct ComplexLanes {
   }
 };
 
-using LaneChoice = decltype(Lanes{} < Lanes{}); // a condition, in each lane on its own
+using LaneChoice = decltype(Lanes{} < Lanes{}); // a condition per lane
 
 inline ComplexLanes operator+(const ComplexLanes& a, const ComplexLanes& b) {
   return {a.re + b.re, a.im + b.im};
@@ -50,7 +52,7 @@ inline ComplexLanes magnitudes(const ComplexLanes& z) {
   return {z.re < 0.0 ? -z.re : z.re, z.im < 0.0 ? -z.im : z.im};
 }
 
-// a / b by way of the smaller part of b over the larger one, as the compiler divides complex
+// a / b by the ratio of the smaller to the larger part of b, as the compiler divides complex
 // numbers.
 inline ComplexLanes operator/(const ComplexLanes& a, const ComplexLanes& b) {
   const ComplexLanes size = magnitudes(b);
@@ -71,14 +73,14 @@ inline ComplexLanes chosen(const LaneChoice& choice, const ComplexLanes& a, cons
   return {choice ? a.re : b.re, choice ? a.im : b.im};
 }
 
-// Exchanges two numbers where the choice is true.
+// Exchanges a and b in the lanes where the choice is true.
 inline void exchange(ComplexLanes& a, ComplexLanes& b, const LaneChoice& choice) {
   const ComplexLanes first = a;
   a = {choice ? b.re : a.re, choice ? b.im : a.im};
   b = {choice ? first.re : b.re, choice ? first.im : b.im};
 }
 
-// The sum of a(1) b(1) + a(2) b(2) + ... by four real sums.
+// The sum a(1) b(1) + a(2) b(2) + ... as four real sums.
 struct SumOfProducts {
   Lanes rere{}, imim{}, reim{}, imre{};
 
@@ -91,7 +93,7 @@ struct SumOfProducts {
   ComplexLanes total() const { return {rere - imim, reim + imre}; }
 };
 
-// Vectors of up to MAXINV elements, one a lane.
+// Vectors of up to MAXINV elements, one per lane.
 struct LaneVectors {
   ComplexLanes elements[MAXINV];
 
@@ -111,8 +113,9 @@ struct LaneVectors {
   }
 };
 
-// The left factor of many products, packed as the sweeps read it: panels of PANELROWS rows, of each
-// column their real parts and behind them their imaginary parts. Rows beyond the order are 0.
+// The left factor of many products, packed in the order in which it is read: panels of PANELROWS
+// rows, and in each, column by column, the real parts followed by the imaginary parts. Rows beyond
+// the order are 0.
 constexpr int PANELROWS = 4;
 static_assert(MAXINV % PANELROWS == 0);
 struct LeftFactor {
@@ -120,23 +123,23 @@ struct LeftFactor {
   double panels[2 * MAXINV * MAXINV];
 };
 
-// Packs the corner of A; n up to MAXINV.
+// Packs the leading n by n corner of A; n up to MAXINV.
 void prepare(LeftFactor& F, CConstView A, int n);
 
-// y = A x. Each element is summed in the order of the columns. y must not be x; its elements beyond
-// n, up to a whole panel, become 0 or NaN.
+// y = A x. Each element is summed in the order of the columns. y must not be x. Elements of y
+// beyond n, up to a whole panel, become 0 or NaN.
 void multiply(LaneVectors& y, const LeftFactor& F, const LaneVectors& x);
 
-// The squared moduli of n elements, summed in order.
+// Sums of the squared moduli of n elements, in order.
 void sumOfSquares(double (&sums)[LANES], const LaneVectors& x, int n);
 
-// The moduli of n elements, summed: to rounding, as long as their squares are numbers above 0.
+// Sums of the moduli of n elements: right to rounding unless their squares overflow or underflow.
 void sumOfModuli(double (&sums)[LANES], const LaneVectors& x, int n);
 
-// The columns j to j + count - 1 of A, n rows, as lanes; lanes beyond the count become 0.
+// Copies columns j to j + count - 1 of A, n rows, to the lanes; lanes beyond count become 0.
 void takeColumns(LaneVectors& x, CConstView A, int j, int count, int n);
 
-// ... and back.
+// Copies lanes back to columns j to j + count - 1 of A.
 void putColumns(CView A, int j, const LaneVectors& x, int count, int n);
 
 } // namespace lcp

@@ -48,22 +48,22 @@ namespace {
 
 constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
 constexpr int ONE = 1;
-constexpr int QUERY = -1; // a length of work numbers that asks for the best one
+constexpr int QUERY = -1; // as a work length, asks LAPACK for the optimum
 
-// Complex work numbers: most that the calls for a line matrix are given of what LAPACK asks for,
-// and room for blocked reflectors of up to 32 columns of a reduction beside the triangular factor
-// of a block.
+// Complex work arrays: the most that a call for a line matrix gets of the optimum, and room for the
+// blocked reflectors of a reduction (blocks of up to 32 columns) plus the triangular factor of a
+// block.
 constexpr int MATRIXWORK = 1000;
 constexpr int REDUCTIONWORK = 64 * MAXINV + 65 * 64;
-constexpr int COLUMNWORK = 96; // of eigenvectors, too few for blocks
+constexpr int COLUMNWORK = 96; // for eigenvectors: too small for blocks
 Complex complexWork[REDUCTIONWORK];
 double realPartWork[3 * LDMAT];
 
-// The least that the singular values ask for at the capacities; eigenvalues are given LSWORK.
+// The minimum for singular values at full capacity; eigenvalues get LSWORK.
 constexpr int REALWORK = std::max({LSWORK, 3 * LSROWS + MAXCOLUMNS, 5 * LSROWS});
 double realWork[REALWORK];
 
-// What a query answered, within the numbers of a line matrix.
+// The work length that a query returned, limited to that of a line matrix.
 int answeredLength(int least) {
   return std::max(std::clamp(static_cast<int>(complexWork[0].real()), 1, MATRIXWORK), least);
 }
@@ -71,7 +71,7 @@ int answeredLength(int least) {
 } // namespace
 
 bool ZGEEV(CView A, ModeComplex& W, CView VR, int n, BackSubstitution how) {
-  Complex none = 0; // the left vectors, which nothing reads
+  Complex none = 0; // left eigenvectors, not computed
   int info = 0;
   const auto call = [&](int lwork) {
     zgeev_("N", "V", &n, A.first, &A.ld, W.data(), &none, &ONE, VR.first, &VR.ld, complexWork,
@@ -133,8 +133,8 @@ bool anyNaN(RConstView A, int n) {
 } // namespace
 
 void DGEEV(RView A, int n, Table<double, NPMAX>& WR, Table<double, NPMAX>& WI) {
-  double none = 0;                 // the vectors, which are not asked for
-  int info = anyNaN(A, n) ? 1 : 0; // LAPACK may end the process over one
+  double none = 0;                 // eigenvectors, not computed
+  int info = anyNaN(A, n) ? 1 : 0; // LAPACK may end the process on a NaN
   if (info == 0)
     dgeev_("N", "N", &n, A.first, &A.ld, WR.data(), WI.data(), &none, &ONE, &none, &ONE, realWork,
            &LSWORK, &info, 1, 1);

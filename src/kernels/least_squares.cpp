@@ -35,19 +35,19 @@ namespace lcp {
 
 namespace {
 
-// The least that LAPACK asks for at the capacities; smaller problems are given LSWORK numbers.
+// The minimum work length at full capacity; smaller problems get LSWORK.
 constexpr int WORKSIZE = std::max({LSWORK, LSROWS + 3 * MAXCOLUMNS + 1, 2 * LSROWS + LSRHS});
 double work[WORKSIZE];
 
-// Where LAPACK's driver would scale a matrix first: its largest element is beyond these, or 0, or
-// there is a NaN.
+// LAPACK's driver scales a matrix whose largest element is outside this range, or 0, or which
+// contains a NaN.
 constexpr double LEASTUNSCALED = 1e-290;
 constexpr double MOSTUNSCALED = 1e290;
 
 LCP_WIDTHS("avx2") bool needsNoScaling(RView A, int m, int n) {
   constexpr int LANES = 4;
   double largest[LANES] = {};
-  double sum[LANES] = {}; // a NaN shows in it
+  double sum[LANES] = {}; // NaN if an element is NaN
   const auto take = [&](double element, int lane) {
     const double e = std::fabs(element);
     largest[lane] = e > largest[lane] ? e : largest[lane];
@@ -65,20 +65,20 @@ LCP_WIDTHS("avx2") bool needsNoScaling(RView A, int m, int n) {
   return sum[0] + sum[1] + sum[2] + sum[3] == 0 && most > LEASTUNSCALED && most < MOSTUNSCALED;
 }
 
-// The steps of LAPACK's driver on a problem that needs no scaling, which the driver looks for
-// element by element at a third of the cost of a fit.
+// The steps of LAPACK's driver on a problem that needs no scaling. The driver itself searches
+// element by element for a need to scale, which takes a third of the time of a fit.
 struct PivotedFactors {
   RView A;
-  int m, n, least; // least: of m and n
+  int m, n, least; // least: min(m, n)
   int rank = 0;
-  double* tau;      // of Q
-  double* smallest; // singular vectors of the condition estimate, then tau of the row reflectors
+  double* tau;      // of the reflectors of Q
+  double* smallest; // singular vectors of the condition estimate, later tau of the row reflectors
   double* largest;
-  double* rest; // of the work numbers
+  double* rest; // rest of the work array
   int nrest;
 };
 
-// Grows the leading triangle while its estimated condition number stays below 1 / rcond.
+// Extends the leading triangle while its estimated condition number stays below 1 / rcond.
 void estimateRank(PivotedFactors& F, double rcond) {
   const int LARGEST = 1, SMALLEST = 2;
   double smax = std::fabs(F.A(1, 1)), smin = smax;
@@ -103,7 +103,7 @@ void estimateRank(PivotedFactors& F, double rcond) {
 }
 
 // B = H B with the reflector H = I - tau v v^T in column i of the factors, for n columns of B from
-// row i on. False when B was 0 there.
+// row i down. Returns false if a single column B was 0 there.
 bool reflect(const PivotedFactors& F, int i, double* b, int ldb, int n) {
   constexpr int UNIT = 1;
   const double one = 1, zero = 0, tau = -F.tau[i - 1];
@@ -117,7 +117,7 @@ bool reflect(const PivotedFactors& F, int i, double* b, int ldb, int n) {
   return !empty;
 }
 
-// B = Q^T B for n columns. False when one that stands alone is 0 before a reflector.
+// B = Q^T B for n columns. Returns false if a single column was 0 before one of the reflectors.
 bool reflectAll(const PivotedFactors& F, double* b, int ldb, int n) {
   bool full = true;
   for (int i = 1; i <= F.least; ++i) {
@@ -129,12 +129,13 @@ bool reflectAll(const PivotedFactors& F, double* b, int ldb, int n) {
   return full;
 }
 
-// LAPACK takes reflectors in blocks where there are many and the work numbers suffice, else one by
-// one over all columns: those of a line matrix do not stay in the cache. The same goes for the
-// columns strip by strip, unless the last one is 0, which LAPACK passes over.
+// LAPACK applies reflectors in blocks if there are many and the work array suffices, otherwise one
+// by one over all columns, which for the columns of a line matrix do not stay in the cache.
+// Applying them strip by strip gives the same bits, unless the last column is 0, which LAPACK
+// skips.
 bool applyInStrips(const PivotedFactors& F, RView B, int nrhs) {
-  constexpr int BLOCK = 32, TRIANGLES = 65 * 64; // reflectors, and work numbers of their factors
-  constexpr int STRIP = 4;                       // columns that a sweep of DGEMV serves
+  constexpr int BLOCK = 32, TRIANGLES = 65 * 64; // reflectors; work for their factors
+  constexpr int STRIP = 4;                       // columns per sweep of DGEMV
   static double last[LSROWS];
   if (nrhs <= STRIP || (F.least > BLOCK && (F.nrest - TRIANGLES) / nrhs >= 2)) return false;
   std::copy_n(B.column(nrhs), F.m, last);

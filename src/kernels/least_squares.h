@@ -1,4 +1,4 @@
-// Minimum-norm least squares by LAPACK's QR with column pivoting.
+// Minimum-norm least squares by QR with column pivoting.
 #pragma once
 
 #include "base/matrix.h"
@@ -8,14 +8,14 @@ namespace lcp {
 
 using ColumnInts = Table<int, MAXCOLUMNS>;
 
-// min |A x - b| for each of nrhs columns b of B. A is m by n and overwritten. B holds b in rows 1
-// to m on entry and x in rows 1 to n on exit, so its leading dimension is max(m, n) or more. A
-// column j with JPVT[j] = 0 takes part in the pivoting, one with another value is moved to the
-// front; JPVT holds the order of the columns on exit. What counts is the largest leading triangle
+// Minimises |A x - b| for each of nrhs columns b of B. A is m by n and overwritten. B holds b in
+// rows 1 to m on entry and x in rows 1 to n on exit, so its leading dimension is at least max(m,
+// n). A column j with JPVT[j] = 0 takes part in the pivoting, any other is moved to the front; on
+// exit JPVT holds the order of the columns. The rank is the order of the largest leading triangle
 // with a condition number below 1 / rcond. m up to LSROWS, n up to MAXCOLUMNS, nrhs up to LSRHS.
 void DGELSY(RView A, RView B, int m, int n, int nrhs, ColumnInts& JPVT, double rcond);
 
-// The same with all columns free, as most fits want it.
+// The same with all columns free, as in most fits.
 void DGELSY(RView A, RView B, int m, int n, int nrhs, double rcond);
 
 } // namespace lcp

@@ -12,7 +12,7 @@ namespace lcp {
 
 namespace {
 
-constexpr double NOLENGTH = 1e-30; // columns and elements up to this are left unscaled
+constexpr double NOLENGTH = 1e-30; // shorter columns and smaller elements are not scaled
 
 const double* parts(const Complex* z) { return reinterpret_cast<const double*>(z); }
 
