@@ -2,18 +2,19 @@
 //   SQ = integral of 2 exp(-H u) cos(X u) / (s + N2 u)
 //   G2 = k2 (1 - eps) + j w mu0 / rho,  N2 = eps - j w mu0 / (rho k2),  k2 = w^2 mu0 e0
 //
-// Gauss-Legendre of five nodes over equal panels up to where exp(-H u) = 0.001: at least 1000 of
-// them, and ten to a wave of the cosine.
+// Gauss-Legendre quadrature with five nodes on equal panels up to exp(-H u) = 0.001: at least 1000
+// panels, and ten per wave of the cosine.
 //
-// The numerators belong to the pair. They are taken once, at the first frequency that asks for it,
-// and kept. The denominators belong to the frequency and the width of the panels, thus mostly to H:
-// from its second frequency on a pair is summed together with all kept ones of the same panels, a
-// block of panels after the other, and the roots of a block serve them all. What finds no room in
-// the store is computed anew at each frequency.
+// The numerators depend only on the pair. They are computed at the first frequency that needs them
+// and kept. The denominators depend on the frequency and the panel width, thus mostly on H: from
+// the second frequency of a pair on, all kept pairs with the same panels are summed together, block
+// by block, so that the roots of a block are shared. What does not fit into the store is computed
+// at each frequency.
 //
-// A quotient with the denominator c + j d is taken after Smith, its part of the denominator once:
-//   |c| >= |d|  e = d / c, den = d e + c, (1 - j e) / den    |c| < |d|  e = c / d, den = c e + d,
-//   (e - j) / den
+// A quotient with the denominator c + j d follows Smith's method; the part that depends only on the
+// denominator is computed once:
+//   |c| >= |d|  e = d / c, den = d e + c, (1 - j e) / den
+//   |c| < |d|   e = c / d, den = c e + d, (e - j) / den
 #include "cable/aerial_integral.h"
 
 #include "base/big_store.h"
@@ -33,7 +34,7 @@ namespace {
 constexpr double LOG1000 = 6.907755278982137;
 constexpr double LEASTPANELS = 1000.0;
 constexpr double TWOPI12 = 6.28318530718;
-constexpr double WIDESTPANEL = 6283185307.179999; // of bodies one above the other
+constexpr double WIDESTPANEL = 6283185307.179999; // for bodies directly above each other
 constexpr double SAMEPLACE = 1e-20;               // m
 constexpr double SMALLK2 = 1e-20;
 constexpr double MOSTPANELS = 1e8;
@@ -43,7 +44,7 @@ constexpr double NODE[NODES] = {0.9061798459, 0.5384693101, 0.0, -0.5384693101, 
 constexpr double WEIGHT[NODES] = {0.236926885, 0.4786286705, 0.5688888889, 0.4786286705,
                                   0.236926885};
 
-// ---- Panels and what belongs to them
+// ---- Panels, and values at their nodes
 
 struct Panels {
   bool operator==(const Panels&) const = default;
@@ -56,12 +57,13 @@ double nodeOf(const Panels& P, int k, int n) {
   return (k - 1) * P.width + 0.5 * P.width * (1.0 + NODE[n]);
 }
 
-// A block of panels: its nodes fit into the fast memory, numerators and denominators alike.
+// A block of panels, small enough that the numerators and denominators of its nodes stay in the
+// cache.
 constexpr int BLOCKPANELS = 64;
 constexpr int BLOCKNODES = BLOCKPANELS * NODES;
 
 struct Block {
-  int first; // panel
+  int first; // first panel
   int last;
 
   int nodes() const { return (last - first + 1) * NODES; }
@@ -71,7 +73,7 @@ Block blockAt(const Panels& P, int first) {
   return {first, std::min(first + BLOCKPANELS - 1, P.count)};
 }
 
-// 2 exp(-H u) cos(X u) times weight and half the width.
+// Half the panel width times the node's weight times 2 exp(-H u) cos(X u).
 void setNumerators(const Panels& P, Block b, double X, double H, double* a) {
   for (int k = b.first; k <= b.last; ++k) {
     for (int n = 0; n < NODES; ++n) {
@@ -83,11 +85,11 @@ void setNumerators(const Panels& P, Block b, double X, double H, double* a) {
 
 // ---- Soil
 
-// With displacement currents.
+// Soil with displacement currents.
 struct Propagation {
   Complex G2;
   Complex N2;
-  bool potential; // below 0.005 Hz N2 is so large that nothing is left of SQ
+  bool potential; // false below 0.005 Hz, where N2 is so large that SQ vanishes
 };
 
 Propagation propagationAt(double w) {
@@ -99,7 +101,7 @@ Propagation propagationAt(double w) {
   return soil;
 }
 
-// Over the nodes of a block.
+// Values at the nodes of a block.
 using NodeValues = double[BLOCKNODES];
 
 // Reciprocals (p + j q) / den of c + j d.
@@ -113,7 +115,7 @@ struct Denominators {
   NodeValues t;
   NodeValues sre; // s
   NodeValues sim;
-  NodeValues c; // the denominator at hand
+  NodeValues c; // the current denominator
   NodeValues d;
   Reciprocals z; // of u + s
   Reciprocals q; // of s + N2 u
@@ -131,12 +133,12 @@ void setReciprocals(const NodeValues& c, const NodeValues& d, int nodes, Recipro
   }
 }
 
-// The roots s. Of a plain square with Re > 0, in all but the first blocks of a soil of high
-// permittivity, they are real arithmetic that the processor does side by side.
+// The roots s. If the squares are in the plain range and have Re > 0, which holds in all but the
+// first blocks of a soil of high permittivity, real arithmetic is used, which vectorises.
 void setRoots(const Propagation& soil, int nodes, Denominators& D) {
   const double re = soil.G2.real();
   const double im = soil.G2.imag();
-  // The nodes of a panel fall, the panels rise.
+  // Nodes descend within a panel, panels ascend.
   const double least = D.t[NODES - 1] * D.t[NODES - 1] + re;
   const double most = D.t[nodes - NODES] * D.t[nodes - NODES] + re;
   if (isPlain(least) && isPlain(most) && isPlain(im)) {
@@ -170,7 +172,7 @@ void setDenominators(const Panels& P, Block b, const Propagation& soil, Denomina
   setReciprocals(D.c, D.d, nodes, D.q);
 }
 
-// Node by node in their order. The four sums wait for themselves alone, so they go side by side.
+// Adds node by node in order. The four sums are independent, so they run in parallel.
 void addBoth(const double* a, const Denominators& D, int nodes, AerialSums& sum) {
   double zre = sum.SZ.real();
   double zim = sum.SZ.imag();
@@ -208,27 +210,27 @@ struct Pair {
   double X;
   double H;
   Panels panels;
-  int before; // numerators of the pairs before it
+  int before; // number of numerators of the pairs before it
   bool summed;
   AerialSums sum;
 };
 
 struct AerialStore {
-  // What the sums belong to
+  // Parameters that the sums belong to
   double w;
   double GRHO;
   double GEPSR;
 
   int pairs;
-  int nodes; // numerators of all pairs
-  int found; // pair asked for last; the next one mostly stands behind it
+  int nodes; // numerators of all pairs together
+  int found; // last pair looked up; the next one usually follows it
   Table<Pair, MOSTPAIRS> pair;
   Table<double, MOSTNODES> numerators;
   Denominators denominators;
-  double anew[BLOCKNODES]; // numerators of a pair without room
+  double anew[BLOCKNODES]; // numerators of a pair that is not kept
 };
 
-// Mapped when a system first asks for it: few have aerial pairs.
+// Mapped when a system first needs it: few have aerial pairs.
 AerialStore* AERIAL = nullptr;
 
 AerialStore& aerial() {
@@ -236,7 +238,7 @@ AerialStore& aerial() {
   return *AERIAL;
 }
 
-// At another frequency, or over another soil, all sums are to be formed again.
+// Marks all sums as outdated when the frequency or the soil has changed.
 void turnTo(double w) {
   AerialStore& S = aerial();
   const Ground& G = RUNDATA.ground;
@@ -247,7 +249,7 @@ void turnTo(double w) {
   for (int k = 1; k <= S.pairs; ++k) S.pair[k].summed = false;
 }
 
-// 0 for a pair that is not kept.
+// Index of a kept pair; 0 if it is not kept.
 int findPair(double X, double H) {
   AerialStore& S = aerial();
   for (int step = 1; step <= S.pairs; ++step) {
@@ -257,7 +259,7 @@ int findPair(double X, double H) {
   return 0;
 }
 
-// 0 without room.
+// Adds a pair; returns 0 if there is no room.
 int keepPair(double X, double H, const Panels& P) {
   AerialStore& S = aerial();
   if (S.pairs == MOSTPAIRS || P.count > (MOSTNODES - S.nodes) / NODES) return 0;
@@ -267,7 +269,7 @@ int keepPair(double X, double H, const Panels& P) {
   return S.found = S.pairs;
 }
 
-// All kept pairs with the panels P that have no sum yet.
+// Sums all kept pairs with panels P that have no sum yet.
 void sumPairs(const Panels& P, const Propagation& soil) {
   AerialStore& S = aerial();
   const auto wanted = [&P](const Pair& p) { return !p.summed && p.panels == P; };

@@ -1,22 +1,22 @@
-// The integrals of the earth return of aerial bodies.
+// Integrals of the earth return of aerial cables and pipes.
 #pragma once
 
 #include "base/matrix.h"
 
 namespace lcp {
 
-// Dimensionless; no number where H asks for more than 1e8 panels.
+// Dimensionless; NaN if more than 1e8 panels are needed.
 struct AerialSums {
-  Complex SZ; // of the impedance
-  Complex SQ; // of the potential term
+  Complex SZ; // for the impedance
+  Complex SQ; // for the potential term
 };
 
-// Of a pair with the horizontal distance X and the sum of heights H, m, both not negative, at the
+// Integrals of a pair with horizontal distance X and sum of heights H, in m, both not negative, at
 // angular frequency w, rad/s, over the constant soil of the run store.
 AerialSums AERIALSUM(double X, double H, double w);
 
-// What is kept of the pairs goes. For the first frequency of a solve: only pairs of its own
-// geometry then take room. The sums are the same with or without.
+// Discards the kept pairs. Called at the first frequency of a solve, so that only pairs of its own
+// geometry take up room; the sums do not depend on it.
 void FORGETAERIAL();
 
 } // namespace lcp

@@ -1,5 +1,4 @@
-// What the earth and the air see of a cable system: a cable, or the pipe around some of them, as a
-// circle.
+// A cable or a pipe as a circle, as it enters the formulas of earth and air.
 #pragma once
 
 #include <string>
@@ -8,21 +7,22 @@ namespace lcp {
 
 struct Body {
   double x;    // horizontal position, m
-  double y;    // distance of the centre from the surface, m: height when aerial, else depth
+  double y;    // distance of the centre from the surface, m: height if aerial, else depth
   double r;    // overall radius, m
   bool aerial; // above the surface
 };
 
-// The body of cable c: its own, or that of the pipe it lies in, with its own mark for aerial.
+// The body of cable c: the cable itself, or the pipe it lies in with the cable's own aerial flag.
 Body cableBody(int c);
 
 // The body of the pipe.
 Body pipeBody();
 
-// The conductor of a tower that stands in the table as cable c, 0 when c was read as a cable.
+// Conductor table entry of the overhead conductor that was converted to cable c; 0 for a real
+// cable.
 int towerConductor(int c);
 
-// Cable c as a message calls it: by its number, or by the position of the conductor on its tower.
+// Name of cable c in messages: its number, or for a tower conductor its position.
 std::string cableName(int c);
 
 } // namespace lcp

@@ -1,13 +1,13 @@
-// The walk over the bodies of a cable system, each pair once: a value of the earth return fills the
+// Evaluates each pair of bodies of a cable system once; the earth-return value of a pair fills the
 // elements of all conductors of the two bodies.
 //
-// The number of panels of an integral grows with the horizontal distance x over H = y_i + y_j. The
-// aerial integral takes 11 x / H of them. In the buried one the cosine holds a panel to 200 /
-// sin theta, and the integrand lasts to t = (D / H) (23 + sqrt(65 |m| H)) in a soil without
-// displacement currents; from |m| H = 1060 on the factor in front leaves nothing of it, and it is
-// not computed. With x up to 1e5 H this is some 1e5 panels in either. Beyond that, and in any other
-// soil, those of the ground end at their own limits, 1e7 panels and a message. That of the air has
-// no limit, and is refused.
+// The number of panels of an integral grows with the horizontal distance x relative to H = y_i +
+// y_j. The aerial integral takes 11 x / H panels. In the buried one the cosine limits the width of
+// a panel to 200 / sin theta, and the integrand extends to t = (D / H) (23 + sqrt(65 |m| H)) in a
+// soil without displacement currents; from |m| H = 1060 the factor in front of the integral
+// underflows, and it is not computed. For x up to 1e5 H both need about 1e5 panels. Beyond that,
+// and in any other soil, the buried integrals stop at their limit of 1e7 panels with a message. The
+// aerial integral has no limit, so such pairs are refused.
 #include "cable/cable_earth.h"
 
 #include "base/console.h"
@@ -27,7 +27,7 @@ namespace lcp {
 
 namespace {
 
-// ---- Bodies by number: a cable's, or 0 for the pipe
+// ---- Bodies by number: that of a cable, or 0 for the pipe
 
 constexpr int PIPE = 0;
 
@@ -37,7 +37,7 @@ Body bodyOf(int number) { return number == PIPE ? pipeBody() : cableBody(number)
 
 std::string nameOf(int number) { return number == PIPE ? "Pipe" : cableName(number); }
 
-// Conductors of a body, a cable in the pipe with the pipe's.
+// Conductors of a body; a cable in the pipe includes the pipe's conductor.
 struct BodyRows {
   int row[5];
   int count = 0;
@@ -56,14 +56,14 @@ BodyRows rowsOf(int number, const CableNumbering& N) {
 
 // ---- Checks
 
-// In the air log(2 y / r) has a value where y and r have the same sign. In the ground the closed
-// form and the integrals divide by m y and m r, the series does not.
+// In air log(2 y / r) exists if y and r have the same sign. In the ground the closed form and the
+// integrals divide by m y and m r; the series does not.
 bool hasEarthReturn(const Body& b) {
   if (b.aerial) return b.y * b.r > 0.0;
   return RUNDATA.ground.EARTHFU == EARTHSERIES || b.y * b.r != 0.0;
 }
 
-// A depth below 0 has a value too, but is hardly meant.
+// A negative depth has a value too, but is probably an error.
 void checkBody(int number) {
   const Body b = bodyOf(number);
   if (hasEarthReturn(b)) {
@@ -90,7 +90,7 @@ void checkBodies(const CableNumbering& N) {
 constexpr double FARBESIDE =
     1e5; // horizontal distance, of the sum of the distances from the surface
 
-// In the ground the panels have a limit: the run ends, if late.
+// Buried integrals have a limit of panels: the run ends, but late.
 void noteFarBeside(int i, int j, double x, double H) {
   if (!SOLVEDATA.first.ISTATUS || x <= FARBESIDE * H) return;
   console::note(fmt::format("the earth return by integration of {} and {}, {:.4g} m apart, takes "
@@ -98,8 +98,8 @@ void noteFarBeside(int i, int j, double x, double H) {
                             nameOf(i), nameOf(j), x));
 }
 
-// In the air they have none. x: horizontal distance, of a body by itself its radius; H: sum of the
-// distances from the surface.
+// Aerial integrals have none. x is the horizontal distance, or the radius for a single body; H is
+// the sum of the distances from the surface.
 void checkBeside(int i, int j, double x, double H) {
   if (x <= FARBESIDE * H) return;
   console::openStars();
@@ -111,18 +111,18 @@ void checkBeside(int i, int j, double x, double H) {
 
 // ---- Values
 
-// Pairs of the same geometry to the bit have the same integrals.
+// Pairs with bitwise equal geometry share the integrals.
 struct PairKey {
   bool operator==(const PairKey&) const = default;
 
   double r;
-  double x; // of a body by itself 0
+  double x; // 0 for a single body
   double yi;
-  double yj; // of a body by itself 0
+  double yj; // 0 for a single body
   bool aerial;
 };
 
-constexpr int MOSTKEPT = 128; // further ones are computed each for itself
+constexpr int MOSTKEPT = 128; // further pairs are computed individually
 
 struct EarthCall {
   double w;
@@ -151,7 +151,7 @@ bool integrated(const Body& i, const Body& j) {
   return i.aerial == j.aerial && (i.aerial ? G.EARTHF : G.EARTHFU) == EARTHINTEGRAL;
 }
 
-// Of the bodies of two numbers, of one body when they are the same.
+// Value for two bodies, given by number, or for a single body if the numbers are equal.
 EarthValue valueOf(EarthCall& call, int i, int j) {
   const Body bi = bodyOf(i);
   const Body bj = bodyOf(j);
@@ -182,7 +182,7 @@ struct Target {
   CView Q;
 };
 
-// The block of two bodies and its mirror.
+// Fills the block of two bodies and its mirror image.
 void fill(const Target& to, int i, int j, const EarthValue& value) {
   const BodyRows I = rowsOf(i, to.N);
   const BodyRows J = rowsOf(j, to.N);
@@ -194,7 +194,7 @@ void fill(const Target& to, int i, int j, const EarthValue& value) {
   }
 }
 
-// All conductors in the pipe and its own.
+// Fills all elements of the conductors in the pipe and of the pipe itself.
 void fillPipe(const Target& to, const EarthValue& value) {
   for (int k = 1; k <= to.N.ninner; ++k) {
     for (int l = 1; l <= k; ++l) fill(to, to.N.inner[k], to.N.inner[l], value);
@@ -213,7 +213,7 @@ void CBEARTH(double w, const CableNumbering& N, CView D, CView Q) {
   EarthCall call{w, 1.0 / GRDDEPTH(w), {}, 0, {}, {}};
   for (int i = 1; i <= n; ++i) {
     if (!inPipe(i)) fill(to, i, i, valueOf(call, i, i));
-    // The first cable in the pipe stands for all of it.
+    // The first cable in the pipe represents the whole pipe.
     if (inPipe(i) && i == N.inner[1]) fillPipe(to, valueOf(call, i, i));
     for (int j = 1; j < i; ++j) {
       if (!inPipe(i) || !inPipe(j)) fill(to, i, j, valueOf(call, i, j));

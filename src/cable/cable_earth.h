@@ -6,17 +6,16 @@
 
 namespace lcp {
 
-// Earth return between all conductors of the system at the angular frequency w, rad/s, above 0: the
-// impedance over j w L0 into D, the potential term of aerial bodies into Q, both over the corner of
-// all conductors and symmetric. Conductors of one body share its values; the conductors of the pipe
-// and of the cables in it are one body. D holds zeros before. The soil and the formulas are those
-// of the run store.
+// Earth return between all conductors of the system at angular frequency w > 0, rad/s: writes the
+// impedance divided by j w L0 to D, which must be zero on entry, and the potential term of aerial
+// bodies to Q; both symmetric, over all conductors. The conductors of a body share one value; the
+// pipe and the cables inside it are one body. Soil and formulas are those of the run store.
 //
-// With ISTATUS set, at the first frequency of a solve, a body whose distance from the surface or
-// radius leaves it without a finite value ends the run. So does a formula without a meaning at the
-// first pair that needs it, and, in the air under the formula of integration, a pair further beside
-// each other than 1e5 times its heights. All three say what is wrong; exit status 1. A buried body
-// that is not below the surface, and one far beside another, get a line on the error stream.
+// If ISTATUS is set, at the first frequency of a solve, the bodies are checked. The run ends with a
+// message and exit status 1 for a body whose distance from the surface or radius leaves it without
+// a finite value, for an invalid formula at the first pair that needs it, and, for aerial
+// integration, for a pair whose horizontal distance exceeds 1e5 times its heights. A buried body
+// that is not below the surface, or far beside another, is reported on the error stream.
 void CBEARTH(double w, const CableNumbering& N, CView D, CView Q);
 
 } // namespace lcp

@@ -1,12 +1,11 @@
-// Z is the sum of what lies between a conductor and the centre of the earth: layers of its cable,
-// inside of the pipe, wall of the pipe, earth return. Potential coefficients are the sum of the
-// insulators on the same way. The inverse of the potential coefficients is Y / (j w C0). Only then
-// come the conductors that are grounded: with the voltage 0, their rows of Y drop out and their
-// currents are eliminated from Z.
+// Z is the sum of the contributions between a conductor and remote earth: cable layers, inside of
+// the pipe, pipe wall, earth return. The potential coefficients are the sum over the insulators on
+// the same path; their inverse is Y / (j w C0). Only then are conductors grounded: their voltage is
+// 0, so their rows are dropped from Y, and their currents are eliminated from Z.
 //
-// Bundles and transposed circuits of overhead conductors are averages of voltages, and those are
-// formed on potential coefficients: Re Y is inverted, folded, averaged and inverted back, and the
-// conductances, Im Y, are added as they were.
+// Bundles and transposed circuits of overhead conductors average voltages, so they are applied to
+// potential coefficients: Re Y is inverted, folded, averaged and inverted back; the conductances,
+// Im Y, are added unchanged.
 #include "cable/cable_zy.h"
 
 #include "base/console.h"
@@ -70,8 +69,8 @@ void sumBlocks(int n) {
   add(S.PT, S.Q, n);
 }
 
-// A bare conductor in the ground has no insulator outside it, and PT no value for it: it stands
-// alone with 1.
+// A bare conductor in the ground has no outer insulator and hence no value in PT: it gets a
+// diagonal element of 1 and is decoupled.
 void setBareConductors(int n) {
   CableStore& S = CABLE;
   for (int c = 1; c <= RUNDATA.cable.NCABLE; ++c) {
@@ -83,7 +82,7 @@ void setBareConductors(int n) {
   }
 }
 
-// A bare pipe in the ground is left out of the inverse, its row of Y is zero.
+// A bare pipe in the ground is excluded from the inverse; its row of Y is zero.
 void invertPotentials(int n) {
   CableStore& S = CABLE;
   const PipeRecord& P = RUNDATA.cable.pipe;

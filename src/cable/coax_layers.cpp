@@ -1,29 +1,30 @@
-// Layers of a coaxial cable: conductors k = 1, 2, .. from the core outwards, each with an insulator
-// around it, of which the last may be missing. Radii a inside and b outside a layer, m; n
-// conductors.
+// Layers of a coaxial cable: conductors k = 1, 2, .., n from the core outwards, each with an
+// insulator around it; the last insulator may be missing. A layer has inner radius a and outer
+// radius b, in m.
 //
 //   m = sqrt(j w mu0 mu_r / rho)   reciprocal complex skin depth of a metal layer, 1/m
 //   E = (b - a) m
 //
-// Surface impedances of a tube (hyperbolic form of the Bessel function solution), ohm/m, at its
-// inner and its outer surface and from one to the other:
+// Surface impedances of a tube in ohm/m (hyperbolic approximation of the Bessel function solution),
+// at the inner surface, at the outer surface, and between them:
 //
 //   z_in  = rho m / (2 pi a) coth E - rho / (2 pi a (a + b))
 //   z_out = rho m / (2 pi b) coth E + rho / (2 pi b (a + b))
 //   z_m   = rho m / (pi (a + b)) / sinh E
 //
-// All three are the DC resistance at zero frequency. The hyperbolic sine is held from growing at
-// Re E = 30, so that z_m of a thick wall is small but not 0.
+// All three equal the DC resistance at zero frequency. The argument of the hyperbolic sine is
+// limited to Re E = 30, so that z_m of a thick wall is small but not 0.
 //
-//   i_k = mu_r log(b / a)                          insulator k, over j w L0
+//   i_k = mu_r log(b / a)                          insulator k, divided by j w L0
 //   p_k = log(b / a) / eps_r / (1 - j T / w)       potential; T = w tan delta at the frequency of
-//                                                  the loss tangent: a constant conductance
+//   the
+//                                                  loss tangent, i.e. a constant conductance
 //
 // With T_k the impedance of conductor k whose current returns outside the cable:
 //
 //   T_k     = z_out,k + i_k + z_in,k+1 + T_k+1 - 2 z_m,k+1,   T_n = z_out,n + i_n
 //   Z(k, k) = T_k
-//   Z(l, k) = T_k - z_m,k    l < k: the current of a conductor further in
+//   Z(l, k) = T_k - z_m,k    l < k: for the current of a conductor further in
 //   P(l, k) = p_k + .. + p_n   l <= k
 #include "cable/coax_layers.h"
 
@@ -37,19 +38,20 @@ namespace lcp {
 
 namespace {
 
-// Of a metal layer, over j w L0. A core counts as one whose inner surface carries nothing.
+// Surface impedances of a metal layer, divided by j w L0. The inner surface of a core carries no
+// current.
 struct Surface {
   Complex in;
   Complex out;
   Complex transfer;
 };
 
-// Layer number of conductor k, the core 1, in radii and permeabilities.
+// Index of the layer of conductor k (1 for the core) in radii and permeabilities.
 std::size_t layerOf(int k) { return static_cast<std::size_t>(2 * k - 1); }
 
 double resistivity(const Cable& C, int k) { return C.CBRHO[static_cast<std::size_t>(k - 1)]; }
 
-// Outer surface of the core, ohm/m.
+// Impedance at the outer surface of the core, ohm/m.
 Complex coreImpedance(double w, const Cable& C) {
   const double b = C.CBRAD[RADCORE];
   const double rho = resistivity(C, 1);
@@ -88,7 +90,7 @@ Complex insulatorPotential(const Cable& C, int k, double w) {
   return insulatorLogarithm(C, k) / C.CBEPS[index] / Complex(1.0, -C.CBTAND[index] / w);
 }
 
-// Element (k, k) and, the same both ways, those of the conductors further in with k.
+// Sets element (k, k) and, symmetrically, those of k with the conductors further in.
 void setRow(CView M, int off, int k, Complex own, Complex further) {
   M(off + k, off + k) = own;
   for (int l = 1; l < k; ++l) M(off + l, off + k) = M(off + k, off + l) = further;
@@ -98,7 +100,7 @@ void setRow(CView M, int off, int k, Complex own, Complex further) {
 
 void CBLAYZ(double w, int c, int off, CView A) {
   const Cable& C = RUNDATA.cable.CB[c];
-  Surface outer{}; // the next conductor further out
+  Surface outer{}; // the next conductor outwards
   Complex T = 0.0;
   for (int k = C.conductors(); k >= 1; --k) {
     const Surface own = surfaceOf(w, C, k);

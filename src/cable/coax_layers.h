@@ -1,20 +1,19 @@
-// What the layers of a coaxial cable alone give to the matrices of its system: the impedance of its
-// conductors with their return outside it, and the potential coefficients of its insulators.
+// Impedances and potential coefficients of the layers of a coaxial cable.
 #pragma once
 
 #include "base/matrix.h"
 
 namespace lcp {
 
-// Both write the block of cable c, its core at row and column off + 1, in a matrix whose block
-// holds zeros; what is not there is left so. w is the angular frequency, rad/s, above 0. No layer
-// is checked: one without a resistivity, permeability, permittivity or radius above 0 has no finite
-// block.
+// Both write the block of cable c, with its core at row and column off + 1, to a matrix whose block
+// is zero on entry; elements without a value stay zero. w is the angular frequency, rad/s, above 0.
+// Layers are not checked: a resistivity, permeability, permittivity or radius that is not positive
+// gives values that are not finite.
 
-// Series impedance over j w L0.
+// Series impedance divided by j w L0, with the return outside the cable.
 void CBLAYZ(double w, int c, int off, CView A);
 
-// Potential coefficients: the inverse is the admittance over j w C0. A conductor without an
+// Potential coefficients, whose inverse is the admittance divided by j w C0. A conductor without an
 // insulator around it gets no row.
 void CBLAYP(int c, int off, CView P, double w);
 

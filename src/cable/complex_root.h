@@ -1,6 +1,7 @@
-// Magnitude, principal root and exponential of complex numbers in real arithmetic: the digits of
-// the C library's routines, without their cases for numbers near the ends of the range. Of single
-// numbers and of lanes.
+// Magnitude, root and exponential of complex numbers in real arithmetic, for scalars and lanes.
+//
+// The results have the digits of the C library's functions; only the treatment of numbers near the
+// ends of the range is left out.
 #pragma once
 
 #include "kernels/lane_vectors.h"
@@ -10,7 +11,7 @@
 
 namespace lcp {
 
-// Its square, and products of it with others of the kind, neither overflow nor underflow.
+// Whether the square of x, and products with other such numbers, neither overflow nor underflow.
 inline bool isPlain(double x) { return x > 1e-130 && x < 1e130; }
 
 inline void takeRoot(double& x) { x = std::sqrt(x); }
@@ -18,8 +19,8 @@ inline void takeRoot(Lanes& x) {
   for (int c = 0; c < LANES; ++c) x[c] = std::sqrt(x[c]);
 }
 
-// Of x + j y, both plain: the root of the squares, corrected by what its own square is off, which
-// the differences of x and y show without error.
+// |x + j y| for plain x and y: the root of the sum of squares, corrected by the error of its own
+// square, which follows exactly from differences of x and y.
 template <class T> void setPlainMagnitude(T& m, const T& x, const T& y) {
   constexpr double NOTHING = 0x1p-54;
   const T a = x < y ? y : x;
@@ -39,8 +40,8 @@ inline double plainMagnitude(double x, double y) {
   return m;
 }
 
-// re + j im, both plain but for their signs, becomes its root. The larger part first, which does
-// not cancel; the other follows from their product.
+// Replaces re + j im, both plain except for their signs, by its principal root. The larger part is
+// computed first, without cancellation; the other follows from their product.
 template <class T> void takePlainRoot(T& re, T& im) {
   const T x = re < 0.0 ? -re : re;
   const T y = im < 0.0 ? -im : im;
@@ -54,7 +55,7 @@ template <class T> void takePlainRoot(T& re, T& im) {
   im = im < 0.0 ? -second : second;
 }
 
-// Of any number; one that is not plain goes to the library.
+// Principal root of any number; numbers that are not plain go to the library.
 inline Complex ROOT(Complex z) {
   double re = z.real(), im = z.imag();
   if (!isPlain(std::fabs(re)) || !isPlain(std::fabs(im))) return std::sqrt(z);
@@ -73,7 +74,7 @@ inline void takeRoot(ComplexLanes& z) {
   }
 }
 
-// z becomes exp(z). What overflows or is no number goes to the library.
+// z becomes exp(z). Overflow and non-finite arguments go to the library.
 inline void takeExponential(ComplexLanes& z) {
   constexpr double PLAINEXPONENT = 700.0;
   bool plain = true;

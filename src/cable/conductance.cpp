@@ -1,7 +1,7 @@
 // A cable is a chain of conductances: core, insulator 1, sheath, insulator 2, and so on to the
-// earth; an aerial cable has the air as its last link. The nodal matrix of the chain has the sum of
-// both neighbours on its diagonal. Only the outermost conductor of an aerial cable of two or more
-// conductors differs: see the table of its elements.
+// earth; an aerial cable has the air as its last link. The diagonal of the nodal matrix of the
+// chain is the sum of both neighbouring conductances. Only the outermost conductor of an aerial
+// cable with two or more conductors differs.
 #include "cable/conductance.h"
 
 #include "store/rundata.h"
@@ -14,8 +14,8 @@ void couple(CView G, int i, double g) { G(i, i + 1) = G(i + 1, i) = Complex(0.0,
 
 void setSelf(CView G, int i, double g) { G(i, i) = Complex(0.0, g); }
 
-// Insulators between conductors and towards the earth. The outermost conductor has a row when an
-// insulator lies around it.
+// Insulators between conductors and towards the earth. The outermost conductor has a row only if
+// there is an insulator around it.
 void buriedChain(const Cable& C, int first, double g, CView G) {
   setSelf(G, first, g);
   for (int k = 2; k <= C.conductors() && C.CBNLAY > 2 * k - 1; ++k) {
@@ -24,13 +24,13 @@ void buriedChain(const Cable& C, int first, double g, CView G) {
   }
 }
 
-// Series of the last insulator and the air; 0 where neither conducts.
+// Series connection of the last insulator and the air; 0 if neither conducts.
 double seriesOf(double g, double air) {
   const double sum = g + air;
   return sum == 0.0 ? 0.0 : g * air / sum;
 }
 
-// The links that the air changes.
+// The elements that the air changes.
 void airLink(const Cable& C, int first, double g, CView G) {
   const double air = C.CBGAER;
   const int n = C.conductors();

@@ -1,7 +1,7 @@
-// Shunt conductance of a cable system.
+// Shunt conductance of a cable system, as a nodal matrix.
 //
-// Held in S/m as imaginary numbers, G = j g: Y / (j w C0) takes -Im G / (w C0) on its imaginary
-// part. The matrix comes cleared over the corner of all conductors.
+// Values are in S/m and stored as imaginary numbers, G = j g: the imaginary part of Y / (j w C0) is
+// -Im G / (w C0). The matrix must be zero on entry over all conductors.
 #pragma once
 
 #include "cable/cable_store.h"
@@ -11,8 +11,8 @@ namespace lcp {
 // Conductance of the air around the outermost conductor of each aerial cable.
 void CBGAIR(const CableNumbering& N, CView G);
 
-// The same with a conductance g, S/m, in every insulator. Where the air lies around an insulator,
-// both stand in series.
+// The same with a conductance g, S/m, in every insulator. An outer insulator in air is in series
+// with the air.
 void CBGSH(double g, const CableNumbering& N, CView G);
 
 } // namespace lcp

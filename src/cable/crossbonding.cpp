@@ -1,10 +1,10 @@
-// In three minor sections of equal length each conductor of a group takes the place of each of the
-// three in turn. With T the cyclic shift of all groups by one place and T' its transpose,
+// In three minor sections of equal length, each conductor of a group takes each of the three
+// positions in turn. With T the cyclic shift of all groups by one position and T' its transpose,
 //
 //   M = (M + T M T' + T' M T) / 3
 //
-// T is a permutation: (T M T')(i, j) is M at the places from which the shift brings i and j, and
-// (T' M T)(i, j) is M at those to which it moves them. Layers of the cables of a group rotate
+// T is a permutation: (T M T')(i, j) is M at the positions that move to i and j, and (T' M T)(i, j)
+// is M at the positions that i and j move to. The layers of the cables of a group rotate
 // independently: conductors k of the cables of group g form the rotation group 4 (g - 1) + k.
 #include "cable/crossbonding.h"
 
@@ -29,8 +29,8 @@ struct RotationGroup {
 };
 
 struct Shift {
-  Table<int, LDCABLE> from; // the shift brings conductor from(i) to the place of i
-  Table<int, LDCABLE> to;   // ... and i to that of to(i)
+  Table<int, LDCABLE> from; // conductor from(i) moves to the position of i
+  Table<int, LDCABLE> to;   // conductor i moves to the position of to(i)
 };
 
 CableMatrix original;
@@ -42,7 +42,7 @@ bool anyCableGroup() {
   return false;
 }
 
-// Crossbonding mark of conductor k, 1 the core.
+// Crossbonding flag of conductor k; the core is 1.
 int mark(const Cable& C, int k) { return C.CBXBOND[static_cast<std::size_t>(k - 1)]; }
 
 bool rotates(const Cable& C, int k) {
@@ -112,8 +112,8 @@ void average(CView M, const Shift& T, int n) {
   }
 }
 
-// A crossbonded sheath is at ground potential on the whole, and its current is eliminated. Where
-// the outermost conductor was to be grounded, both are.
+// A crossbonded sheath is at ground potential on average, so its current is eliminated. If the
+// outermost conductor is to be grounded as well, both are.
 void eliminateSheath(Cable& C) {
   const int n = C.conductors();
   switch (C.CBGLAST) {

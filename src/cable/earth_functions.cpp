@@ -1,4 +1,4 @@
-// K0 of a complex argument by three forms.
+// K0 of a complex argument, in three ranges of |z|.
 //
 //   |z| <= 9      K0 = C + sum_k (z^2 / 4)^k / (k!)^2 (C + 1 + 1/2 + ... + 1/k)
 //                 C = -log(z / 2) - Euler's constant
@@ -8,7 +8,7 @@
 //                 sqrt(2 pi z) (1 + sum_k a_k z^-k), a_k = (1 3 .. 2k-1)^2 / k! / 8^k
 //   above         K0 = sqrt(pi / (2 z)) exp(-z) (1 - 1 / (8 z))
 //
-// The two series in 1 / z belong to a positive real z: they drop a part exp(-2 z) of the value.
+// The two series in 1 / z assume positive real z: they omit a part of relative size exp(-2 z).
 #include "cable/earth_functions.h"
 
 #include "base/constants.h"
@@ -23,11 +23,11 @@ namespace {
 constexpr double SERIESLIMIT = 0.1;
 constexpr double HALFPI = 1.5707963267948966;
 constexpr double EULER = 0.5772156649015329;
-constexpr double INFINITE = 1e300; // K0 at 0
+constexpr double INFINITE = 1e300; // value of K0 at 0
 constexpr int MAXTERMS = 50;
 constexpr double SMALLTERM = 1e-15;
 
-// Coefficients of 1 / z^k in I0, and of 1 / z^2k in I0 K0.
+// Coefficients of 1 / z^k in I0 and of 1 / z^2k in I0 K0.
 constexpr double ICOEFFICIENTS[] = {0.125,
                                     0.0703125,
                                     0.0732421875,

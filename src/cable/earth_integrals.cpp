@@ -1,22 +1,24 @@
-// The integrals of buried cables by panels. With A = 0.05 |z|:
+// The integrals of buried cables are computed by panels. With A = 0.05 |z|:
 //
-//   growing stage   from 0 on, first panel A wide, each 2 % wider than the one before
-//                   (KEXPINT and CBMUT, whose integrands bend at t = |z|)
-//   graded stage    ends of the panels at x_i^2 = 0.000625 i^2 + A i: for small |z| 0.025 apart, as
-//                   exp(-t) asks; for large |z| at equal steps of t^2, as exp(-t^2 / 2 z) asks.
-//                   CBMUT, whose decay is slower by c = cos theta: x_i^2 = (0.000625 i / c + A) i /
-//                   c
+//   growing stage   from 0; the first panel is A wide, each next one 2 % wider (KEXPINT and CBMUT,
+//   whose
+//                   integrands bend at t = |z|)
+//   graded stage    panel ends at x_i^2 = 0.000625 i^2 + A i: 0.025 apart for small |z|, to suit
+//   exp(-t);
+//                   at equal steps of t^2 for large |z|, to suit exp(-t^2 / 2 z). For CBMUT, whose
+//                   decay is slower by c = cos theta: x_i^2 = (0.000625 i / c + A) i / c
 //
 // The integral ends at a panel below 1e-10 of the sum. KEXPONE leaves that panel out, the other two
-// take it in.
+// include it.
 //
-//   Simpson, KEXPINT and KEXPONE, a panel from u to v:  (v - u) / 6 [f(u) + 4 f((u + v) / 2) +
-//   f(v)]
+//   Simpson, KEXPINT and KEXPONE, panel from u to v:  (v - u) / 6 [f(u) + 4 f((u + v) / 2) + f(v)]
 //
-//   Filon, CBMUT, a panel from x - h to x + h: g is the parabola f0 + A1 y + B y^2 through its
-//   three values, y = t - x, times cos(e + s y) without error, e = s x, v = s h, s = sin theta:
+//   Filon, CBMUT, panel from x - h to x + h: the parabola f0 + A1 y + B y^2, y = t - x, through the
+//   three values of g, times cos(e + s y), integrated exactly, with e = s x, v = s h, s = sin
+//   theta:
 //     (2 / s) { cos v [2 B h / s cos e + h A1 sin e]
 //             + sin v [cos e (f0 - 2 B / s^2 + h^2 B) - A1 / s sin e] }
+//     and for small v, where this cancels,
 //     and for small v, where that cancels,
 //     2 h { f0 cos e + h^2 / 3 [B cos e - s^2 / 2 f0 cos e - s A1 sin e] },  Simpson when s = 0
 //
@@ -36,15 +38,15 @@ namespace lcp {
 namespace {
 
 constexpr double GROWTH = 1.02;
-constexpr double FIRSTPANEL = 0.05; // of |z|
+constexpr double FIRSTPANEL = 0.05; // relative to |z|
 constexpr double GRADE = 0.000625;  // 0.025^2
 constexpr double SMALLPANEL = 1e-10;
 
-// A sum that is no number stays none, so that the remaining panels change nothing.
+// Once the sum is NaN, further panels change nothing.
 bool isNumber(Complex S) { return !std::isnan(S.real()) && !std::isnan(S.imag()); }
 
-// Most panels are far from it, and the squares tell; near it, and where the squares leave the range
-// of numbers, the magnitudes do.
+// Squares are sufficient for most panels, which are far from the limit; close to it, and where
+// squares overflow or underflow, the magnitudes decide.
 bool isSmall(Complex P, Complex S) {
   constexpr double FAR = 1.01 * SMALLPANEL * SMALLPANEL;
   if (std::norm(P) > FAR * std::norm(S)) return false;
@@ -53,17 +55,17 @@ bool isSmall(Complex P, Complex S) {
 
 // ---- Panels
 
-// Where the panels have come to, and the integrand there, which the next panel takes over.
+// End of the panels so far, and the integrand there, which the next panel reuses.
 struct Reached {
   double t;
   Complex f;
 };
 
-// Panels ahead of their sum, a group a lane each: from start over middle to end, half wide, with
-// the integrand at these places.
+// Panels computed ahead of their summation, a group with one panel per lane: start, half-width,
+// middle and end, and the integrand there.
 constexpr int GROUPS = 2;
 constexpr int AHEAD = GROUPS * LANES;
-constexpr int SWEEPS = 2 * GROUPS; // over places: middles and ends of a group in turn
+constexpr int SWEEPS = 2 * GROUPS; // over the places: middles and ends of each group in turn
 
 struct PanelsAhead {
   Lanes start[GROUPS];
@@ -74,19 +76,19 @@ struct PanelsAhead {
   ComplexLanes sums[GROUPS];
 };
 
-// The panels of a stage in their order, each in equal parts. A division tells the places of the
-// panels, the integrand at them and their sums.
+// The panels of a stage in order, each split into equal parts. A Division gives the places of the
+// panels, the integrand there and the sums of the panels.
 template <class Division> class Panels {
 public:
   Panels(const Division& d, Reached& from, int cuts)
       : division(d), reached(from), parts(cuts), cut(cuts), at(from) {}
 
-  // Where the next panel ends.
+  // End of the next panel.
   double end() {
     if (next == AHEAD) lookAhead();
     return whole[next];
   }
-  // Its sum; the place reached moves to its end.
+  // Sum of the next panel; moves `reached` to its end.
   Complex take() {
     Complex sum = 0.0;
     for (int n = 1; n <= parts; ++n, ++next) {
@@ -121,7 +123,7 @@ private:
     next = 0;
   }
 
-  // What a panel ends with the next one starts with.
+  // Each panel starts with the value at the end of the one before.
   void passOn(ComplexLanes& atStart, const ComplexLanes& atEnd) {
     atStart.set(0, at.f);
     for (int c = 1; c < LANES; ++c) atStart.set(c, atEnd.lane(c - 1));
@@ -131,7 +133,7 @@ private:
   Division division;
   Reached& reached;
   int parts, cut;
-  Reached at; // by the panels ahead
+  Reached at; // end of the panels computed ahead
   int next = AHEAD;
   double whole[AHEAD];
   PanelsAhead ahead;
@@ -151,7 +153,7 @@ constexpr int MAXPANELS = 10000;
 struct Decay {
   Complex z;
   Complex z2;
-  bool overW; // exp(z - W) / W, otherwise exp(z - W)
+  bool overW; // true: exp(z - W) / W; false: exp(z - W)
 };
 
 LCP_WIDTHS("avx2")
@@ -166,7 +168,7 @@ void valuesAt(ComplexLanes* f, const Lanes* t, int sweeps, const Decay& k) {
   for (int g = 0; k.overW && g < sweeps; ++g) f[g] = f[g] / W[g];
 }
 
-// Six times the panels.
+// Six times the contributions of the panels.
 LCP_WIDTHS("avx2") void sumUp(PanelsAhead& P, const Decay&) {
   for (int g = 0; g < GROUPS; ++g) {
     const ComplexLanes *middle = P.atPlaces + 2 * g, *end = middle + 1;
@@ -176,7 +178,7 @@ LCP_WIDTHS("avx2") void sumUp(PanelsAhead& P, const Decay&) {
 
 double gradedEnd(int i, double A) { return std::sqrt((i * GRADE + A) * i); }
 
-// Ends of the panels of both stages.
+// Panel ends of both stages.
 struct GrowingEnds {
   double hh, hi;
   explicit GrowingEnds(double A) : hh(A), hi(A) {}
@@ -203,7 +205,7 @@ template <class Ends> struct Simpson {
     hi = ends.next();
   }
   double end() const { return hi; }
-  double half() const { return 0.0; } // nothing asks for it
+  double half() const { return 0.0; } // not used
   double partEnd(int n, int parts) const { return n == parts ? hi : lo + (hi - lo) * n / parts; }
   double middle(int n, int parts, double at) const { return 0.5 * (at + partEnd(n, parts)); }
 };
@@ -211,7 +213,7 @@ template <class Ends> struct Simpson {
 using GrowingSimpson = Panels<Simpson<GrowingEnds>>;
 using GradedSimpson = Panels<Simpson<GradedEnds>>;
 
-// The panels that grow, as long as they end below X1.
+// The growing panels, as long as they end below X1.
 void simpsonGrowing(double A, double X1, const Decay& k, int parts, Reached& at, PanelSum& sum) {
   GrowingSimpson panels({GrowingEnds(A), k}, at, parts);
   while (panels.end() < X1) {
@@ -227,7 +229,7 @@ void simpsonGrowing(double A, double X1, const Decay& k, int parts, Reached& at,
 // ---- CBMUT
 
 constexpr double LARGESTFIRST = 0.05;  // half-width of the first panel
-constexpr double LARGESTPHASE = 100.0; // of a panel, s h
+constexpr double LARGESTPHASE = 100.0; // largest phase s h of a panel
 constexpr double SMALLPHASE = 1e-06;
 constexpr int MAXGROWING = 1000000;
 constexpr int MAXGRADED = 10000000;
@@ -245,7 +247,7 @@ struct Angled {
   }
 };
 
-// In the form that cannot overflow, t >= 0.
+// W in a form that cannot overflow, t >= 0.
 void setW(ComplexLanes& W, const Lanes& t, const Angled& k) {
   const Lanes zero{};
   const LaneChoice beyond = k.r <= t;
@@ -256,7 +258,7 @@ void setW(ComplexLanes& W, const Lanes& t, const Angled& k) {
   W = chosen(beyond, t * root, k.all * root);
 }
 
-// g(t).
+// The function g(t).
 LCP_WIDTHS("avx2")
 void valuesAt(ComplexLanes* f, const Lanes* t, int sweeps, const Angled& k) {
   ComplexLanes W[SWEEPS];
@@ -297,7 +299,7 @@ LCP_WIDTHS("avx2") void sumUp(PanelsAhead& P, const Angled& k) {
   }
 }
 
-// No panel spans more than a number of waves, whatever its place asks.
+// Limits the half-width so that no panel spans too many waves.
 double heldToPhase(double h, double s) { return h * s > LARGESTPHASE ? LARGESTPHASE / s : h; }
 
 // Half-widths of the panels of both stages.
@@ -364,7 +366,7 @@ void filonGraded(double A, const Angled& k, int parts, Reached& at, PanelSum& su
 
 } // namespace
 
-// The marks of quotation and the strokes belong to the texts.
+// The quotation marks and slashes are part of the messages.
 Complex KEXPINT(Complex z) {
   constexpr std::string_view TEXT = " for R=";
   const PanelSum sum = kexpintPanels(z);

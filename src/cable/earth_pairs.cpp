@@ -1,15 +1,15 @@
-// Earth return of bodies i and j with the horizontal distance x, heights or depths y, and r the
-// radius of i, all m:
+// Earth return of bodies i and j with horizontal distance x, heights or depths y, and radius r of
+// i, all in m:
 //
 //   d = sqrt(x^2 + (y_i - y_j)^2)   D = sqrt(x^2 + H^2)   H = y_i + y_j   a = r m   p = 1 / m
 //
-// A body by itself: d = x = r, H = D = 2 y, and theta below is 0.
+// A single body: d = x = r, H = D = 2 y, and theta = 0.
 //
-// Buried bodies, times GMUR. Exact for thin bodies (Pollaczek), with K0 and K1 the modified Bessel
-// functions and J twice the integral over t of exp(-H sqrt(t^2 + m^2)) cos(x t) / (t + sqrt(t^2 +
-// m^2)):
+// Buried bodies, times GMUR. For thin bodies (Pollaczek), with the modified Bessel functions K0 and
+// K1 and J = twice the integral over t of exp(-H sqrt(t^2 + m^2)) cos(x t) / (t + sqrt(t^2 + m^2)):
 //
-//   integrals   [K0(m d) - K0(m D) + J] / (a K1(a)),  every term with an exponential taken out:
+//   integrals   [K0(m d) - K0(m D) + J] / (a K1(a)),  exact, with exponentials factored out of each
+//   term:
 //               [exp(a - m d) KEXPINT(m d) - exp(a - m D) KEXPINT(m D)
 //                + exp(a - m D cos theta) CBMUT(m D, theta)] / KEXPONE(a),  tan theta = |x| / H
 //   series      K0(m d) + 2 exp(-m H) / (4 + m^2 x^2)
@@ -21,12 +21,12 @@
 //
 //   closed form log(D / d) + GMUR / 2 log(1 + 4 p (p + H) / D^2),  complex depth
 //   integration log(D / d) + SZ, potential term SQ, the integrals of cable/aerial_integral
-//               X = |x|, of a body by itself D = sqrt(r^2 + H^2)
+//               X = |x|; for a single body D = sqrt(r^2 + H^2)
 //
-// One aerial, one buried, times GMUR, W = sqrt(x^2 + H2^2), H2 = H + 2 p:
+// One body aerial, the other buried, times GMUR, with W = sqrt(x^2 + H2^2), H2 = H + 2 p:
 //
 //   integration log(W / D) - 2/3 (p^3 / W^6) H2 (H2^2 - 3 x^2),  Carson's integral as a series
-//   closed form exp(-y_b m) log(W / D),  y_b the depth of the buried one
+//   closed form exp(-y_b m) log(W / D),  y_b the depth of the buried body
 #include "cable/earth_pairs.h"
 
 #include "cable/aerial_integral.h"
@@ -41,7 +41,7 @@ namespace lcp {
 
 namespace {
 
-// The first key stores into the other two as well.
+// The first key also sets the other two formulas.
 constexpr EarthFormulaKey AERIALKEY = {"EarthImpedanceFormula", "aerial cables", "0 and 2"};
 constexpr EarthFormulaKey BURIEDKEY = {"EarthUImpedanceFormula (or EarthImpedanceFormula, for all)",
                                        "buried cables", "0, 2 and 3"};
@@ -72,7 +72,7 @@ struct Burial {
   double theta;
 };
 
-// Real part of the root of a ratio of lengths.
+// Root of a ratio of lengths; 0 for a negative ratio.
 double realRoot(double ratio) { return ratio < 0.0 ? 0.0 : std::sqrt(ratio); }
 
 Complex buriedClosed(const Burial& b, Complex m) {
@@ -91,7 +91,7 @@ Complex buriedClosed(const Burial& b, Complex m) {
          std::exp(a - mD) * (LOG1PS(t2 / mD) - LOG1PS(t3 / mD));
 }
 
-// factor KEXPINT(z); no integral where nothing is left of it.
+// factor KEXPINT(z); the integral is skipped if the factor has underflowed.
 Complex timesKexpint(Complex factor, Complex z) {
   return factor == 0.0 ? factor : factor * KEXPINT(z);
 }
@@ -152,7 +152,7 @@ EarthValue aerial(int formula, const Geometry& g, Complex m, double w) {
 
 // ---- One aerial, one buried
 
-// Distance W to the image at the complex depth.
+// Distance W to the image at complex depth.
 Complex imageRoot(const Geometry& g, Complex H2) { return std::sqrt(H2 * H2 + g.x * g.x); }
 
 Complex mixedClosed(const Geometry& g, double depth, Complex m) {

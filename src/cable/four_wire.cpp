@@ -1,25 +1,26 @@
-// Four-wire cable in closed formulas, all lengths in metres, results per kilometre.
+// Four-wire cable in closed formulas; all lengths in m, results per km.
 //
-// Geometry, from the nominal area A of a conductor in mm^2: D the diameter of a round conductor of
-// that area, re and ri the radii that stand for its copper and its outline, Dg the width of the
-// sector, W and G the distances of the fields between neighbours, S the side of the square. Hence
-// the flux of a current in one conductor through another, per length: Lx tangential, Ly radial.
+// Geometry from the nominal area A of a conductor in mm^2: D is the diameter of a round conductor
+// of that area, re and ri are the equivalent radii of its copper and its outline, Dg is the width
+// of the sector, W and G are the distances of the fields between neighbours, S is the side of the
+// square. From these follow the flux of a current in one conductor through another, per length: Lx
+// tangential, Ly radial.
 //
-//   Cg  layers in series: insulator, tape, mantle    conductor to ground, a quarter of the cylinder
-//   Ca  plates of width W, two insulators apart      neighbours
-//   Cd  the gap in the middle and two insulators     conductors across
+//   Cg  layers in series: insulator, tape, mantle    conductor to ground, a quarter cylinder
+//   Ca  plates of width W, two insulators apart      adjacent conductors
+//   Cd  the gap in the middle and two insulators     opposite conductors
 //
-// Conductor, with the skin depth delta = sqrt(rho / (pi f mu0)): from ft on the current leaves the
-// middle. With the area a(x) = (b x + 1.27) x^2 inside the outline at x, So = a(ri) and
-// v = u q^2 = a(q) inside the current, q = ri - delta,
+// Conductor with skin depth delta = sqrt(rho / (pi f mu0)): above the frequency ft the current
+// leaves the middle. With a(x) = (b x + 1.27) x^2 the area inside radius x, So = a(ri) and v = u
+// q^2 = a(q) the area free of current, q = ri - delta,
 //
 //   L0i = mu0 / (4 pi c^2) T,   T = integral of (s - v)^2 / s ds from v to So
 //                                 = (So - v) (So - 3 v) / 2 + v^2 log(So / v)
 //
-// Losses in the neighbours' fields grow with f^2 and, where the skin depth is small against the
-// conductor (F below 1), with sqrt(f); they displace the current by s1, s2.
+// Losses in the fields of the neighbours grow with f^2 and, when the skin depth is small against
+// the conductor (F below 1), with sqrt(f); they displace the current by s1 and s2.
 //
-// Earth return with the complex depth P = sqrt(GRHO / (j w mu0)): log(H / X) for each separation X.
+// Earth return with complex depth P = sqrt(GRHO / (j w mu0)): log(H / X) for each separation X.
 #include "cable/four_wire.h"
 
 #include "base/console.h"
@@ -36,9 +37,8 @@ namespace lcp {
 
 namespace {
 
-
 // Resistance, inductance and capacitance of the last call, with the symmetry of the square: one
-// value for a conductor itself, one for its two neighbours, one for the conductor across.
+// value for a conductor itself, one for its two neighbours, one for the opposite conductor.
 struct FourWireStore {
   SquareStore<double, FOURWIRES> FWR; // ohm/km
   SquareStore<double, FOURWIRES> FWL; // H/km
@@ -47,10 +47,10 @@ struct FourWireStore {
 
 FourWireStore FOURWIRE{};
 
-constexpr double KILO = 1000.0;     // m in a km
-constexpr double SQUAREMILLI = 1e6; // mm^2 in a m^2
+constexpr double KILO = 1000.0;     // m per km
+constexpr double SQUAREMILLI = 1e6; // mm^2 per m^2
 constexpr double SQRT2 = 1.4142135623730951;
-constexpr double LOSSLESS = 1e-15;                  // ohm m; below it a conductor has no resistance
+constexpr double LOSSLESS = 1e-15;                  // ohm m; below it a conductor is lossless
 constexpr double INNERL = 4.999999999999999e-05;    // mu0 / (8 pi) in H/km
 constexpr double QUARTERC = 1.3908125701266521e-11; // 2 pi e0 / 4, F/m
 constexpr double PIMU0 = 3.947841760435743e-06;     // pi mu0
@@ -62,7 +62,7 @@ struct Geometry {
   double Lx, Ly; // H/m^2
 };
 
-// What the resistivity of the conductors adds; nothing of a lossless one but the inductance.
+// Contribution of the resistivity of the conductors; a lossless one has only inductance.
 struct Series {
   double R0 = 0;                 // ohm/km
   double L0i = INNERL;           // H/km
@@ -70,8 +70,9 @@ struct Series {
   double s1 = 0, s2 = 0;         // displacement across and between neighbours
 };
 
-// The area is under a root, the formulas divide by it and by the thickness of the insulator. All
-// else has a value: the other sizes are summands, a permittivity of 0 takes a capacitance away.
+// The area is under a root, and the formulas divide by it and by the insulator thickness. All other
+// values are harmless: the other dimensions are summands, and a permittivity of 0 removes a
+// capacitance.
 void checkRecord(const FourWireRecord& cable) {
   if (!(cable.FWAREA > 0.0) || cable.FWTINS == 0.0) {
     console::openStars();
@@ -136,7 +137,7 @@ void fillCapacitances(const Geometry& g, const FourWireRecord& cable) {
 }
 
 // Resistance and internal inductance. Just above ft the skin depth still exceeds ri by up to 0.1 %,
-// and no area is free of current: the values of direct current hold on until it does not.
+// and no area is free of current: the DC values are used until it is smaller than ri.
 void addSkinEffect(Series& s, double f, double rho, double delta, const Geometry& g) {
   const double ft = 1.28 * rho / (g.A * 1.105840614063607e-06 / SQUAREMILLI); // 0.88 mu0
   const double q = g.ri - delta;
@@ -156,10 +157,10 @@ void addSkinEffect(Series& s, double f, double rho, double delta, const Geometry
   s.L0i = KILO * MU0 / (4.0 * PI * c * c) * T;
 }
 
-// Losses by the fields of the neighbours, and the displacement of the current with them.
+// Losses due to the fields of the neighbours, and the displacement of the current by them.
 void addProximity(Series& s, double f, double rho, double delta, const Geometry& g) {
   const double d = 2.0 * g.re;
-  const double core = g.re - 2.0 * delta; // without current, where it is above 0
+  const double core = g.re - 2.0 * delta; // radius free of current, if positive
   const double square = g.re * g.re - (4.0 * delta <= d ? core * core : 0.0);
   const double Ae = 0.5 * PI * square;
   const double m = std::hypot(3.17, d / delta);
@@ -185,7 +186,7 @@ Series seriesTerms(double f, double rho, const Geometry& g) {
   return s;
 }
 
-// Twice the distance to the image of the cable in the soil, complex.
+// Twice the complex distance to the image of the cable in the soil.
 Complex earthLength(double f, const Geometry& g, const FourWireRecord& cable) {
   const double p = std::sqrt(RUNDATA.ground.GRHO / (f * TWOPIMU0));
   const double part = p * 0.7071067811865476 * 0.9999999999999998;

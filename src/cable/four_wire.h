@@ -1,5 +1,7 @@
-// Series impedance and shunt admittance of a four-wire cable: four conductors at the corners of a
-// square under a common insulation, polyester tape and outer mantle.
+// Series impedance and shunt admittance of a four-wire cable.
+//
+// The four conductors lie at the corners of a square under a common insulation, polyester tape and
+// outer mantle.
 #pragma once
 
 #include "base/matrix.h"
@@ -8,15 +10,15 @@ namespace lcp {
 
 constexpr int FOURWIRES = 4; // conductors
 
-// Z and Y of the four conductors, from the four-wire record and the soil resistivity of the run
-// store. Sets NC and NCOND to 4.
-//   f    frequency, Hz, above 0
+// Computes Z and Y of the four conductors from the four-wire record and the soil resistivity of the
+// run store. Sets NC and NCOND to 4.
+//   f    in: frequency, Hz, above 0
 //   YMAT out: shunt admittance, S/m, without conductance, 4 by 4
 //   ZMAT out: series impedance, ohm/m, 4 by 4
 //   PMAT out: product Y Z, not normalised, 1/m^2, 4 by 4
-// Conductors of a resistivity below 1e-15 ohm m have no losses. With ISTATUS set, at the first
-// frequency of a solve, a record without area or insulator ends the run, exit status 1, and other
-// values that are not above 0 get a line on the error stream.
+// Conductors with a resistivity below 1e-15 ohm m are lossless. If ISTATUS is set, at the first
+// frequency of a solve, a record without area or insulator ends the run with exit status 1, and
+// other values that are not positive are reported on the error stream.
 void FWZY(double f, CView YMAT, CView ZMAT, CView PMAT);
 
 } // namespace lcp

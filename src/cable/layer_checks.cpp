@@ -1,7 +1,7 @@
-// What the formulas divide by must not be 0, or a result is no finite number: the resistivity and
-// the permeability of a metal, the permittivity of an insulator, the radius of a core. All else has
-// a value, an insulator of permeability 0 that of a gap without a flux. What is not above 0 gets a
-// line on the error stream.
+// Values that the formulas divide by must not be 0: resistivity and permeability of a metal,
+// permittivity of an insulator, radius of a core. All other values are accepted; an insulator of
+// permeability 0 acts like a gap without flux. A value that is not positive is reported on the
+// error stream.
 #include "cable/layer_checks.h"
 
 #include "base/console.h"
@@ -19,15 +19,15 @@ namespace lcp {
 
 namespace {
 
-// What the key of a layer says in front of its quantity, from the core outwards: conductors at even
-// places, insulators at odd ones.
+// Names of the layers in the keys, from the core outwards: conductors at even indices, insulators
+// at odd ones.
 constexpr std::string_view LAYERNAMES[] = {"Conductor",    "Insulator 1", "Sheath",
                                            "Insulator 2",  "Armour",      "Insulator 3",
                                            "Outside Cond", "Insulator 4"};
 
 enum class Role { Divisor, Factor };
 
-// A key with a value that is not above 0, and whose it is.
+// A key with a value that is not positive, and the cables it belongs to.
 struct Doubt {
   std::string value;
   std::string owners;
@@ -51,14 +51,14 @@ void addDoubt(Doubts& doubts, const std::string& value, const std::string& owner
   stopInStars();
 }
 
-// A value that is no number at all is refused with the zeros.
+// NaN is refused like zero.
 void check(Doubts& doubts, const std::string& owner, std::string_view key, double value,
            Role role) {
   if (role == Role::Divisor && !(std::fabs(value) > 0.0)) mustBePositive(owner, key, value);
   if (!(value > 0.0)) addDoubt(doubts, fmt::format("{} is {:.4g}", key, value), owner);
 }
 
-// The materials of a cable as its section has them, each under its key.
+// Checks the materials of a cable under the keys of its section.
 void checkCable(Doubts& doubts, int c) {
   const Cable& C = RUNDATA.cable.CB[c];
   const std::string name = cableName(c);
@@ -75,8 +75,8 @@ void checkCable(Doubts& doubts, int c) {
   }
 }
 
-// A tower conductor has the keys of its circuit or of its ground wires. Its resistivity follows
-// from resistance and cross-section.
+// A tower conductor has the keys of its circuit or ground wires. Its resistivity follows from
+// resistance and cross-section.
 void checkTowerConductor(Doubts& doubts, int c) {
   const ConductorTable& C = RUNDATA.cond;
   const int i = towerConductor(c);

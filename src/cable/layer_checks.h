@@ -1,11 +1,11 @@
-// Materials and walls that the formulas of a cable system cannot do without.
+// Checks materials and walls that the formulas of a cable system need.
 #pragma once
 
 namespace lcp {
 
-// A metal of resistivity or permeability 0, and an insulator of permittivity 0, end the run with a
-// message, exit status 1. Other values that are not above 0, and a pipe whose radii do not grow
-// outwards, get a line on the error stream.
+// A metal of resistivity or permeability 0, or an insulator of permittivity 0, ends the run with a
+// message and exit status 1. Other values that are not positive, and a pipe whose radii do not
+// increase outwards, are reported on the error stream.
 void checkLayers();
 
 } // namespace lcp

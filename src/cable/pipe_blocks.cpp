@@ -1,32 +1,33 @@
-// Pipe of inner radius a and outer radius b, resistivity rho and relative permeability mu; inner
-// cable i of radius r_i at the distance d_i and the angle th_i from the pipe's centre. Lengths in
-// m, impedances over j w L0.
+// A pipe has inner radius a, outer radius b, resistivity rho and relative permeability mu; inner
+// cable i has radius r_i, distance d_i and angle th_i from the pipe's centre. Lengths are in m,
+// impedances divided by j w L0.
 //
 //   m = sqrt(j w mu0 mu / rho)   reciprocal complex skin depth of the wall, 1/m
 //   E = (b - a) m
 //
-// Surface impedances of the wall as a tube, ohm/m; at zero frequency all are its DC resistance:
+// Surface impedances of the wall as a tube, ohm/m; at zero frequency all equal its DC resistance:
 //
 //   z_n   = rho m / (2 pi a) coth E - rho / (2 pi a (a + b))   inner surface
 //   z_out = rho m / (2 pi b) coth E + rho / (2 pi b (a + b))   outer surface
-//   z_m   = rho m / (pi (a + b)) / sinh E                      from one to the other
+//   z_m   = rho m / (pi (a + b)) / sinh E                      between the surfaces
 //
-// Inside, the field of a cable off the centre is an angular series. With u = d_i d_j / a^2
-// exp(j (th_i - th_j)), the distance D of the two cables and x = a m, a wall taken as unlimited
-// outwards answers harmonic n with
+// Inside, the field of an eccentric cable is an angular series. With u = d_i d_j / a^2 exp(j (th_i
+// - th_j)), the distance D of the two cables and x = a m, a wall that is assumed to extend outwards
+// without limit responds to harmonic n with
 //
 //   q_n = n (1 + mu) + x K_(n-1)(x) / K_n(x)
 //
 //   B(i, i) = z_n + mu_i log(a / r_i (1 - (d_i / a)^2)) + 2 mu sum u^n / q_n
 //   B(i, j) = z_n + mu_i (log(a / D) - sum Re u^n / n) + 2 mu sum Re u^n / q_n
 //
-// mu_i of the inner insulator, n from 1 to 49. The first sum is the image of cable j in a wall that
-// lets no field in, the second takes back what enters. It tends to (mu - 1) / (mu + 1) of a static
-// image at low frequency, and vanishes at high frequency. The potential coefficients inside are
-// those logarithms over the relative permittivity, with 50 terms.
+// where mu_i is the permeability of the inner insulator and n runs from 1 to 49. The first sum is
+// the image of cable j in a wall that no field enters, the second corrects for the field that does.
+// The correction tends to (mu - 1) / (mu + 1) of a static image at low frequency and vanishes at
+// high frequency. The potential coefficients inside are the same logarithms divided by the relative
+// permittivity, with 50 terms.
 //
-// The current of an inner conductor returns on the inner surface, is carried through the wall by
-// z_m on the way out and back, and returns outside the pipe:
+// The current of an inner conductor returns on the inner surface, is coupled through the wall by
+// z_m in both directions, and returns outside the pipe:
 //
 //   Zp = mu_o log(PIPERO / b) + z_out
 //   C(pipe, pipe) = Zp,   C(pipe, c) = Zp - z_m,   C(c, c') = Zp - 2 z_m
@@ -47,7 +48,7 @@ namespace {
 constexpr int IMPEDANCETERMS = 49;
 constexpr int POTENTIALTERMS = 50;
 
-using Admittances = std::array<Complex, IMPEDANCETERMS>; // 1 / q_n at [n - 1]
+using Admittances = std::array<Complex, IMPEDANCETERMS>; // 1 / q_n at index n - 1
 
 Complex normalise(double w) { return {0.0, -TWOPI / (w * MU0)}; }
 
@@ -75,7 +76,7 @@ Complex wallSum(Complex u, const Admittances& Q) {
   return S;
 }
 
-// Sum of Re u^n / n, of which -log |1 - u| is the limit.
+// Sum of Re u^n / n, which tends to -log |1 - u|.
 double imageSum(Complex u, int terms) {
   Complex power = 1.0;
   double S = 0.0;
@@ -104,18 +105,19 @@ double pairLogarithm(const PipeRecord& P, const Cable& I, const Cable& J, int te
   return std::log(P.PIPERI / std::sqrt(D2)) - imageSum(pairPosition(P, I, J), terms);
 }
 
-// Complex relative permittivity whose loss is a constant conductance; tand = tan delta times the
-// angular frequency that it is given for.
+// Complex relative permittivity whose loss is a constant conductance; tand is tan delta times the
+// angular frequency at which it is given.
 Complex permittivity(double w, double eps, double tand) { return eps * Complex(1.0, -tand / w); }
 
-// The block of cable i against cable j and its mirror.
+// Sets the block of cables i and j and its mirror image.
 void setBlock(const CableNumbering& N, CView M, int i, int j, Complex value) {
   for (int k = N.first(i); k <= N.last(i); ++k) {
     for (int l = N.first(j); l <= N.last(j); ++l) M(k, l) = M(l, k) = value;
   }
 }
 
-// Values of the pipe with itself, with a conductor inside, and of two conductors inside.
+// Sets the values of the pipe itself, of the pipe and an inner conductor, and of two inner
+// conductors.
 void setPipe(const CableNumbering& N, CView M, Complex own, Complex crossed, Complex inside) {
   const int p = N.pipeRow;
   M(p, p) = own;

@@ -1,8 +1,8 @@
-// Between a body of the radius r at the height y and its image, and between two bodies:
+// For a body of radius r at height y and its image, and for two bodies:
 //
 //   P(i, i) = log(2 y / r)      P(i, j) = 1/2 log(D2 / d2)
 //
-// D2 and d2 squared distances of j to the image of i and to i itself.
+// with D2 and d2 the squared distances from i to the image of j and to j itself.
 #include "cable/potential.h"
 
 #include "cable/body.h"
@@ -14,7 +14,7 @@ namespace lcp {
 
 namespace {
 
-// Conductors first to last, and one more, the pipe's, where the body is the pipe; 0 none.
+// Conductors first to last, plus the conductor of the pipe if the body is the pipe (else 0).
 struct Rows {
   int first, last, pipe;
 };
@@ -42,7 +42,7 @@ void setBlock(CView PA, const Rows& a, const Rows& b, double value) {
   for (int i = a.first; i <= a.last; ++i) PA(i, b.pipe) = PA(b.pipe, i) = value;
 }
 
-// The pipe and the conductors in it.
+// The pipe and the conductors inside it.
 void setPipeSelf(const CableNumbering& N, CView PA) {
   const double value = selfTerm(pipeBody());
   PA(N.pipeRow, N.pipeRow) = value;
@@ -52,8 +52,8 @@ void setPipeSelf(const CableNumbering& N, CView PA) {
   }
 }
 
-// An empty pipe against the cables. One with cables in it has these terms from them: the pipe and
-// all that it holds see a body outside alike.
+// An empty pipe and the cables. A pipe with cables gets these terms from them: the pipe and
+// everything inside it have the same coefficient with an outside body.
 void setPipeMutual(const CableNumbering& N, CView PA) {
   const Rows pipe = {N.pipeRow, N.pipeRow, 0};
   for (int c = 1; c <= RUNDATA.cable.NCABLE; ++c) {

@@ -5,9 +5,9 @@
 
 namespace lcp {
 
-// PA = logarithms of the geometry between the surfaces of aerial bodies and their images in the
-// ground, normalised; every conductor of a body has the same. A buried body has none: it sees an
-// aerial one through the earth only. The corner of all conductors is written.
+// PA = normalised logarithms of the geometry between the surfaces of aerial bodies and their images
+// in the ground; all conductors of a body have the same value. Buried bodies have none, since they
+// couple with aerial ones only through the earth. The elements of all conductors are written.
 void CBPOT(const CableNumbering& N, CView PA);
 
 } // namespace lcp

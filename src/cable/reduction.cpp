@@ -35,11 +35,11 @@ void groundedRows(const CableNumbering& N, RowFlags& grounded) {
   grounded[1] = false;
 }
 
-// Overhead conductors are the last cables, one conductor each. In the conductor table their roles
-// and circuits stand behind as many entries as the others have conductors, the pipe's with them.
+// Overhead conductors are the last cables, with one conductor each. In the conductor table their
+// roles and circuits come after as many entries as the other cables and the pipe have conductors.
 int ownConductors(const CableNumbering& N) { return N.total - RUNDATA.cable.overhead; }
 
-// Entry of the conductor table for the conductor in row k, 0 for one of a cable or the pipe.
+// Conductor table entry of the conductor in row k; 0 for a conductor of a cable or the pipe.
 int tableEntry(const CableNumbering& N, int k) {
   const int own = ownConductors(N);
   const int before = own - (N.pipeRow != 0 ? 1 : 0);
@@ -48,7 +48,7 @@ int tableEntry(const CableNumbering& N, int k) {
 
 int rowOfEntry(const CableNumbering& N, int entry) { return entry - (N.pipeRow != 0 ? 1 : 0); }
 
-// Row of the main conductor when row k is the sub-conductor of a bundle, else 0.
+// Row of the main conductor if row k is a sub-conductor of a bundle, else 0.
 int bundleRow(const CableNumbering& N, int k) {
   const int entry = RUNDATA.cable.MIXEDOH ? tableEntry(N, k) : 0;
   if (entry == 0 || RUNDATA.cond.CMAP[entry] <= 0) return 0;

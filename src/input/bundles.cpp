@@ -15,12 +15,12 @@ namespace lcp {
 
 namespace {
 
-// Angle of the first sub-conductor of bundles of 2, 3, ... 15.
+// Angle of the first sub-conductor in bundles of 2, 3, ... 15.
 constexpr std::array<double, MAXSUB - 1> STARTANGLES = {
     0,      PI / 2,  PI / 4, 3 * PI / 10, 0,      PI / 14, PI / 8,
     PI / 6, PI / 10, PI / 2, 0,           PI / 2, PI / 14, PI / 2};
 
-// x and y of the current line into an entry.
+// Reads x and y of the current line into an entry.
 void readPosition(int entry) {
   ConductorTable& C = RUNDATA.cond;
   std::array<double, 2> xy{};
@@ -68,7 +68,7 @@ void openBundle(int s) {
 
 void moveSubConductors(int k, Offset offset) {
   ConductorTable& C = RUNDATA.cond;
-  if (k > READER.CURSUB) return; // more offsets than sub-conductors
+  if (k > READER.CURSUB) return; // more offset lines than sub-conductors
   const int start = firstEntry() + (k - 1) * READER.CURN;
   for (int e = start; e <= start + READER.CURN - 1; ++e) {
     C.CX[e] += offset.dx;

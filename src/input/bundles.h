@@ -1,11 +1,11 @@
-// Geometry of bundles and position lists.
+// Geometry of bundles, and position lists.
 #pragma once
 
 #include "input/key_rows.h"
 
 namespace lcp {
 
-// Lines of position and offset lists: P, a number, and x and y from a fixed column on.
+// Lines of position and offset lists: P, a number, and x and y from a fixed column.
 constexpr int POSITIONCOLUMN = 5; // counted from 0
 constexpr KeyRow POSITIONROW = itemsKey("P", NORULE).at(POSITIONCOLUMN).taking(2).in("m");
 
@@ -15,25 +15,26 @@ struct Offset {
   double dy = 0;
 };
 
-// The k-th of s sub-conductors of a regular bundle, s from 2 to 15, seen from its centre.
-// Neighbours are one spacing apart.
+// Position of the k-th of s sub-conductors of a regular bundle relative to its centre, s from 2 to
+// 15. Neighbours are one spacing apart.
 Offset regularOffset(int k, int s, double spacing);
 
-// Opens the bundle of s sub-conductors of the open circuit: the companions of its conductors, laid
-// out companion by companion behind them, start at the positions of their main conductors.
+// Opens a bundle of s sub-conductors for the conductors of the open circuit. The companion entries
+// follow the main conductors, one round of conductors per sub-conductor, and start at the positions
+// of their main conductors.
 void openBundle(int s);
 
 // Moves the k-th sub-conductor of every conductor of the open circuit.
 void moveSubConductors(int k, Offset offset);
 
-// Spreads all sub-conductors of the open circuit over a regular bundle.
+// Places all sub-conductors of the open circuit in a regular bundle.
 void spreadBundle(double spacing);
 
-// Takes a position list, whose first line is the current one: x and y of the open group's
-// conductors in order, one a line.
+// Reads a position list that starts with the current line: x and y of the open group's conductors
+// in order, one per line.
 void readPositions();
 
-// Message and common error exit for a bundle with more sub-conductors than are allowed.
+// Ends the run through the common error exit if a bundle has more sub-conductors than are allowed.
 void checkSubConductorCount(int s);
 
 } // namespace lcp

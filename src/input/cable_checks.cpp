@@ -1,8 +1,8 @@
-// Depths are positive downwards: an aerial cable or pipe at height h has the depth -h.
+// Depths are positive downwards: an aerial cable or pipe at height h has depth -h.
 //
-// Insulation between the radii a and b with semi-conducting layers of the thickness ti and to on
-// its sides has the capacitance of the insulation between a + ti and b - to. The radii stay, and
-// the permittivity takes the factor
+// Insulation between radii a and b with semi-conducting layers of thickness ti (inside) and to
+// (outside) has the capacitance of insulation between a + ti and b - to. The radii are kept, and
+// the permittivity is multiplied by
 //
 //   (ln b - ln a) / (ln(b - to) - ln(a + ti))
 #include "input/cable_checks.h"
@@ -37,7 +37,8 @@ Point pipeCentre() {
   return {P.PIPEX, P.PIPEOVHD ? -P.PIPEY : P.PIPEY};
 }
 
-// Position from the origin of the right-of-way; own: as the cable gives it.
+// Position from the origin of the right-of-way; ownPosition: as the cable gives it, without its
+// pipe.
 Point ownPosition(const Cable& C) { return {C.CBX, C.CBOVHD ? -C.CBY : C.CBY}; }
 
 Point position(const Cable& C) {
@@ -57,7 +58,7 @@ void checkUsed(int n) {
   stopWithRules();
 }
 
-// The lines behind the names of two that overlap, at the distance d of their centres.
+// Prints the lines after the names of two that overlap; d is the distance of their centres.
 [[noreturn]] void stopWithOverlap(double d, double sumOfRadii) {
   console::line(" overall diameter and xy position!");
   console::print("     Centre Point Modulus = {}", scientificField(d, 10, 4));

@@ -1,15 +1,16 @@
-// Checks of the geometry of cables and pipes. Each ends the run at the first fault that it finds,
-// with a message, exit status 1.
+// Checks the geometry of cables and pipes.
+//
+// Each check ends the run at the first error, with a message and exit status 1.
 #pragma once
 
 namespace lcp {
 
-// Numbers without gaps, no cable on another or outside its pipe, radii that grow, semi-conducting
-// layers inside the insulation, and something insulated in the system. Folds the semi-conducting
-// layers into the permittivity of the first insulator.
+// Checks that cable numbers have no gaps, no cable overlaps another or leaves its pipe, radii
+// increase, semi-conducting layers fit into the insulation, and something in the system is
+// insulated. Includes the semi-conducting layers in the permittivity of the first insulator.
 void checkCables();
 
-// The number of the pipe, and no cable overlapping it from outside.
+// Checks the number of the pipe and that no cable overlaps it from outside.
 void checkPipes();
 
 } // namespace lcp

@@ -1,5 +1,5 @@
-// With r the outer radius of a conductor, ri that of its hole, rs that of its n strands and R its
-// DC resistance per metre, the resistivity is that of the metal's cross-section:
+// With r the outer radius of a conductor, ri the radius of its hole, rs the radius of its n strands
+// and R its DC resistance per metre, the resistivity follows from the cross-section of the metal:
 //
 //   tube      pi (r^2 - ri^2) R
 //   strands   pi rs^2 n R
@@ -22,7 +22,7 @@ void scaleLosses(FourLayers& tangents, double factor) {
   for (double& t : tangents) t *= factor;
 }
 
-// The factor that a loss tangent given at f takes, 1/s.
+// The factor applied to a loss tangent that is given at frequency f, 1/s.
 double lossFactor(double f) { return RUNDATA.fit.DIELM == 1 ? TWOPI * f : 0.0; }
 
 void copyLayers(const Cable& from, Cable& to) {
@@ -44,7 +44,7 @@ void copyLayers(const Cable& from, Cable& to) {
   to.CBMU = from.CBMU;
 }
 
-// The conductors of cables and pipes: they stand before the overhead conductors.
+// Number of conductors of cables and pipes, which precede the overhead conductors.
 int cableConductors() {
   int m = RUNDATA.cable.NPIPE;
   for (int n = 1; n <= RUNDATA.cable.NCABLE; ++n) m += RUNDATA.cable.CB[n].conductors();

@@ -1,16 +1,17 @@
-// Data of cables that follow from what was read, made behind the last line.
+// Cable data derived from the input, after its last line is read.
 #pragma once
 
 namespace lcp {
 
-// Loss tangents become tan(delta) times the angular frequency they were given at, or 0 when the
-// dielectric loss method is not 1; where the cables of a pipe are identical, the first lends the
-// others its layers.
+// Multiplies the loss tangents by the angular frequency they are given at, or sets them to 0 if the
+// dielectric loss method is not 1. If the cables of a pipe are identical, copies the layers of the
+// first one to the others.
 void deriveCableData();
 
-// Makes each physical conductor a bare aerial cable behind the cables, and moves circuit,
+// Appends each physical conductor to the cables as a bare aerial cable, and moves circuit,
 // transposition and role of the conductors behind those of the cables' own conductors. NC becomes
-// the conductors of all. A table that would overflow takes its message, exit status 1.
+// the total number of conductors. A table that would overflow ends the run with a message and exit
+// status 1.
 void convertOverheadConductors();
 
 } // namespace lcp

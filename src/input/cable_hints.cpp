@@ -16,12 +16,12 @@ struct GroundFlag {
   bool Cable::*flag;
 };
 
-// Those of conductor 2, 3 and 4.
+// Flags of conductors 2, 3 and 4.
 constexpr GroundFlag GROUNDFLAGS[] = {{"Eliminate First Concentric Layer", &Cable::CBELIM1},
                                       {"Eliminate Second Concentric Layer", &Cable::CBELIM2},
                                       {"Eliminate Third Concentric Layer", &Cable::CBELIM3}};
 
-// With a group in the system, crossbonding also grounds the sheath.
+// If the system has a crossbonding group, crossbonding also grounds the sheath.
 bool groundsByCrossbonding(const Cable& C) {
   const CableTable& T = RUNDATA.cable;
   const bool grounds = C.CBGLAST == GROUNDNOTHING || C.CBGLAST == GROUNDCHOSEN;

@@ -1,4 +1,4 @@
-// Keys of cables and pipe that count for nothing, since the sections say otherwise.
+// Finds keys of cables and pipe that have no effect because of other data.
 #pragma once
 
 #include <string_view>
@@ -6,21 +6,22 @@
 
 namespace lcp {
 
-// A flag that grounds a layer which its cable does not have.
+// A flag that grounds a layer its cable does not have.
 struct LayerFlag {
   int cable;            // number
-  std::string_view key; // of the flag
-  const void* target;   // where the key stores
+  std::string_view key; // key of the flag
+  const void* target;   // where the key stores its value
 };
 
-// Such flags do nothing: in the numbers of the system the layer behind the last one would be the
-// core of the next cable.
+// Returns these flags. They have no effect: in the numbering of the system, the layer after the
+// last one of a cable would be the core of the next cable.
 std::vector<LayerFlag> flagsWithoutLayer();
 
-// Cables that lie in the pipe, by their sections.
+// Number of cables whose sections place them in the pipe.
 int cablesInPipe();
 
-// Tells of both on the error stream, unless the reader is traced: who traces it tells them itself.
+// Reports both on the error stream, unless the reader is traced: the tracing program reports them
+// itself.
 void noteCableHints();
 
 } // namespace lcp

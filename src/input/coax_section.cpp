@@ -1,4 +1,4 @@
-// Coax Cable, at the top level or in a pipe.
+// Section "Coax Cable", at the top level or in a pipe.
 #include "base/console.h"
 #include "base/constants.h"
 #include "input/key_rows.h"
@@ -74,7 +74,7 @@ constexpr KeyRow rows[] = {
 };
 static_assert(noRowHidden(rows));
 
-// x and y; in a pipe also distance and angle, in degrees, from the pipe's centre.
+// Reads x and y; in a pipe also distance and angle (degrees) from the pipe's centre.
 void readPosition(const KeyRow& key) {
   Cable& C = READER.openCable;
   const double missing = std::numeric_limits<double>::quiet_NaN();

@@ -28,7 +28,7 @@ void exchangeEntries(int a, int b) {
   std::swap(C.CSTRND[a], C.CSTRND[b]);
 }
 
-// Returns how many equivalent conductors there are.
+// Returns the number of equivalent conductors.
 int equivalentsToFront() {
   ConductorTable& C = RUNDATA.cond;
   int p = 1;

@@ -1,16 +1,16 @@
-// Order of the conductor table: equivalent conductors first, in node order, then the members of
-// bundles, then the eliminated ground wires.
+// Orders the conductor table: equivalent conductors in node order, bundle members, eliminated
+// wires.
 #pragma once
 
 namespace lcp {
 
-// Brings the equivalent conductors to the front and the bundle members behind them. On a line their
-// number must be NC, else the run ends with a message, exit status 1; on a cable system it
-// becomes NC.
+// Moves the equivalent conductors to the front, followed by the bundle members and the eliminated
+// ground wires. On a line their number must be NC, otherwise the run ends with a message and exit
+// status 1; on a cable system NC is set to it.
 void orderConductors();
 
-// Puts the first NC entries into node order: entry p is connected to node p. A phase value that is
-// missing or out of range ends the run with a message, exit status 1.
+// Sorts the first NC entries into node order: entry p is connected to node p. A missing or
+// out-of-range phase value ends the run with a message and exit status 1.
 void orderNodes();
 
 } // namespace lcp

@@ -1,5 +1,5 @@
-// A record is 49 numbers T1 to T49, over as many lines as it takes. T1 = 1 opens a conductor record
-// (one bundle), anything else a ground wire record. At most 50 records are read.
+// A record consists of 49 numbers T1 to T49 on one or more lines. T1 = 1 marks a conductor record
+// (one bundle), any other value a ground wire record. At most 50 records are read.
 #include "input/external_conductors.h"
 
 #include "base/console.h"
@@ -26,7 +26,7 @@ struct ExternalFile {
   TextSource source;
   int circuit = 1;      // circuit counter of the file
   int circuitCount = 0; // conductors of its current circuit
-  bool anyKept = false; // a kept ground wire was met
+  bool anyKept = false; // a kept ground wire was read
 };
 
 [[noreturn]] void cannotOpen() {
@@ -50,8 +50,7 @@ struct ExternalFile {
   stop(1);
 }
 
-// Reads the next record. False at the end of the file; a record that the file breaks off cannot be
-// read.
+// Reads the next record. Returns false at the end of the file; an incomplete record ends the run.
 bool nextRecord(ExternalFile& file, ExternalRecord& T) {
   T.fill(0.0);
   RealList list(T.entries);
@@ -64,7 +63,7 @@ bool nextRecord(ExternalFile& file, ExternalRecord& T) {
   return true;
 }
 
-// A count or a choice, cut to an integer.
+// A count or a choice, truncated to an integer.
 int whole(double t) { return static_cast<int>(std::clamp(std::trunc(t), -1.0e9, 1.0e9)); }
 
 int newEntry() {
@@ -112,7 +111,7 @@ int bundleCount(const ExternalRecord& T) {
   return 1;
 }
 
-// Offset of the k-th of s sub-conductors.
+// Adds the offset of the k-th of s sub-conductors.
 void placeInBundle(const ExternalRecord& T, int e, int k, int s) {
   ConductorTable& C = RUNDATA.cond;
   if (s < 2) return;

@@ -1,4 +1,4 @@
-// Four-Wire Cable.
+// Section "Four-Wire Cable".
 #include "input/key_rows.h"
 #include "input/open_cable.h"
 #include "input/reader_store.h"

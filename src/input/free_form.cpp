@@ -17,8 +17,8 @@ std::size_t skipDigits(std::string_view text, std::size_t at) {
   return at;
 }
 
-// Splits "r*c" into the count r and the constant c. A plain item counts once. False for a count
-// of 0 or one that is out of all range.
+// Splits "r*c" into the count r and the constant c. A plain item has count 1. Returns false for a
+// count of 0 or out of range.
 bool splitRepeat(std::string_view& word, int& count) {
   count = 1;
   const std::size_t star = skipDigits(word, 0);
@@ -28,8 +28,8 @@ bool splitRepeat(std::string_view& word, int& count) {
   return good;
 }
 
-// Fills the targets from `filled` on with the items of one text. Sets `done` at a slash. False for
-// a malformed item; a text in quotes is no number.
+// Fills the targets from `filled` on with the items of one text. Sets `done` at a slash. Returns
+// false for a malformed item; a quoted text is not a number.
 template <class T, class Parse>
 bool fill(std::string_view text, std::span<T> targets, std::size_t& filled, bool& done,
           Parse parse) {
@@ -56,7 +56,7 @@ template <class T, class Parse> Got readOne(std::string_view field, T& target, P
   std::string_view word = items.word();
   int count = 0;
   if (items.quoted() || !splitRepeat(word, count)) return Got::Malformed;
-  if (word.empty()) return Got::None; // a count of items that are left out
+  if (word.empty()) return Got::None; // "r*": skipped items
   return parse(word, target) ? Got::Value : Got::Malformed;
 }
 

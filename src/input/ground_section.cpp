@@ -1,4 +1,4 @@
-// Line Constants Ground Data.
+// Section "Line Constants Ground Data".
 #include "base/console.h"
 #include "base/stop.h"
 #include "input/key_rows.h"

@@ -1,8 +1,8 @@
-// Section keys as data: what a key looks like, where its value stands, and where the value goes.
+// Section keys as data: the text of a key, the position of its value and where the value is stored.
 //
-// A section is a constexpr table of rows, in the order of comparison; the first row whose text the
-// line begins with is the line's key, whatever stands behind it. What a plain store cannot say is a
-// rule: a number of the section's own that its switch picks up after the store.
+// A section is a constexpr table of rows in the order of comparison. The first row whose text
+// starts the line is the key of the line, whatever follows. Anything a plain store cannot do is a
+// rule: a number that the section's switch handles after the store.
 #pragma once
 
 #include "input/free_form.h"
@@ -23,23 +23,23 @@ enum class KeyKind {
   SetBy1,  // an integer; 1 sets the flag, other values do nothing
   IsIt1,   // an integer; 1 sets the flag, other values clear it
   Name,    // one word into a file name
-  Items,   // free-form items, which the rule reads
-  Text,    // a text, which the rule takes
+  Items,   // free-form items, read by the rule
+  Text,    // a text, handled by the rule
   Mark     // no value
 };
 
 constexpr int NORULE = 0;
 
-// What a value that does not fit lacks.
+// Reasons why a value is malformed, as shown to the user.
 constexpr std::string_view NUMBERDUE = "its value must be a number";
 constexpr std::string_view INTEGERDUE = "its value must be an integer";
 constexpr std::string_view QUOTEDUE = "its quote must be closed";
-constexpr int EACH = -1; // an item for each conductor of the group
+constexpr int EACH = -1; // as many items as the group has conductors
 
 struct KeyRow {
   std::string_view text;
   KeyKind kind = KeyKind::Mark;
-  int column = 0; // where the value starts in the line, counted from 0
+  int column = 0; // 0-based column at which the value starts
   double factor = 1.0;
   double floor = -std::numeric_limits<double>::infinity();
   Entry entry = Entry::First;
@@ -49,19 +49,19 @@ struct KeyRow {
   bool* flag = nullptr;
   FileName* name = nullptr;
   CondReals* reals = nullptr;
-  bool* alsoSet = nullptr;       // a flag that reading the value sets, whatever it is
-  CondFlags* alsoMark = nullptr; // ... the entry's mark in the conductor table
-  bool* present = nullptr;       // a flag that the key sets by standing there, also without a value
+  bool* alsoSet = nullptr;       // flag set when any value is read
+  CondFlags* alsoMark = nullptr; // ... mark of the entry in the conductor table
+  bool* present = nullptr;       // flag set by the key even without a value
 
-  // What the reader does not need, for who explains a description.
-  std::string_view unit;            // of the value; "1" a pure number, empty where none is known
-  int least = 1;                    // items that it takes
-  bool leads = false;               // keys of the section that stand ahead of it go elsewhere
-  bool repeats = false;             // may stand several times in its section
-  std::string_view needs;           // a key of the section that must stand ahead of it
-  std::string_view undoes, undoes2; // keys whose values it takes back when they stand ahead of it
+  // Not used by the reader, only by programs that explain a description:
+  std::string_view unit;            // unit of the value; "1" for a pure number, empty if not known
+  int least = 1;                    // number of items
+  bool leads = false;               // keys before it in the section belong elsewhere
+  bool repeats = false;             // may occur several times in its section
+  std::string_view needs;           // key of the section that must precede it
+  std::string_view undoes, undoes2; // preceding keys whose values it overrides
 
-  // The row with one member changed.
+  // A copy of the row with one member changed.
   template <class T> constexpr KeyRow with(T KeyRow::*member, T value) const {
     KeyRow row = *this;
     row.*member = value;
@@ -86,7 +86,7 @@ struct KeyRow {
   }
 };
 
-// Rows for each kind. The value starts two characters behind the key: a colon and a blank.
+// Makes a row of each kind. The value starts two characters after the key: a colon and a blank.
 constexpr KeyRow keyOf(std::string_view text, KeyKind kind, int rule = NORULE) {
   KeyRow row;
   row.text = text;
@@ -135,7 +135,7 @@ constexpr KeyRow nameKey(std::string_view text, FileName* target) {
   return row;
 }
 
-// True when every row can be met: no earlier row's text begins a later one's.
+// True if every row can be reached: no row's text starts with the text of an earlier row.
 template <std::size_t N> constexpr bool noRowHidden(const KeyRow (&rows)[N]) {
   for (std::size_t late = 1; late < N; ++late) {
     for (std::size_t early = 0; early < late; ++early) {
@@ -145,14 +145,14 @@ template <std::size_t N> constexpr bool noRowHidden(const KeyRow (&rows)[N]) {
   return true;
 }
 
-// The first row whose text the line begins with, nullptr when there is none.
+// The first row whose text starts the line; nullptr if there is none.
 const KeyRow* findKey(std::span<const KeyRow> rows, std::string_view line);
 
-// The value field of a row's key: from its column to the end of the line.
+// The value field of a row: from its column to the end of the line.
 std::string_view valueField(const KeyRow& row, std::string_view line);
 
-// Reads the value of the row's key and stores it; a malformed value takes the common error exit.
-// Without a value the key does nothing: its section applies the rule to Got::Value alone.
+// Reads and stores the value of a row; a malformed value ends the run through the common error
+// exit. A key without a value does nothing: the section applies the rule only for Got::Value.
 Got readKey(const KeyRow& row, std::string_view line);
 
 } // namespace lcp

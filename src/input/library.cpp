@@ -1,6 +1,7 @@
 // Rows of the old format: name, radius (m), resistance (ohm/km), and optionally permeability and
-// inner radius (m). Behind a line "#Format 1": name, radius (mm), resistance (ohm/km), strands,
-// strand radius (mm), permeability. Ground wires read the first four columns of the old format.
+// inner radius (m). After a line "#Format 1": name, radius (mm), resistance (ohm/km), strands,
+// strand radius (mm), permeability. For ground wires the first four columns of the old format are
+// read.
 #include "input/library.h"
 
 #include "base/console.h"
@@ -21,7 +22,7 @@ namespace {
 
 constexpr std::string_view FORMATMARK = "#Format";
 constexpr double PERKM = 0.001; // ohm/km to ohm/m
-constexpr double MM = 0.001;    // m
+constexpr double MM = 0.001;    // millimetres to m
 using LibName = TextField<LIBNAMELEN>;
 
 struct LibraryTexts {
@@ -73,8 +74,8 @@ struct Library {
 
   bool isSought() const { return !LIBNAME.text().empty() && LIBWORD(row, 1) == LIBNAME.text(); }
 
-  // Column n as a number, none for a word that holds no item; a row that was selected must not hold
-  // words of another kind.
+  // Column n as a number, or nothing if the word holds no item. In the selected row, a malformed
+  // word ends the run.
   std::optional<double> real(int n) {
     double value = 0;
     return good(n, readReal(LIBWORD(row, n), value)) ? std::optional(value) : std::nullopt;
@@ -110,7 +111,7 @@ void warnDefaults(double mur) {
   console::rule('-', 49);
 }
 
-// An absent column repeats the one before it.
+// A missing column repeats the previous one.
 void takeOldRow(Library& library, int i) {
   ConductorTable& C = RUNDATA.cond;
   const std::optional<double> resistance = library.real(3);
@@ -129,11 +130,11 @@ void takeOldRow(Library& library, int i) {
   C.CTHICK[i] = C.CRAD[i] - *inner;
 }
 
-// How many strands of radius r fit round the circle through their centres. Where they are thicker
-// than 2/3 of the conductor that is no number or one below 0, which a later key may replace.
+// Number of strands of radius r that fit around the circle through their centres. For strands
+// thicker than 2/3 of the conductor it is NaN or negative, and a later key may replace it.
 double outerStrands(double r, double R) {
   const double n = std::floor(PI / (2.0 * std::asin(r / (2.0 * (R - r)))));
-  return std::isnan(n) ? std::numeric_limits<double>::quiet_NaN() : n; // without a sign
+  return std::isnan(n) ? std::numeric_limits<double>::quiet_NaN() : n; // positive NaN
 }
 
 void takeNewRow(Library& library, int i) {
@@ -160,7 +161,8 @@ void searchNewFormat(Library& library) {
   library.notFound();
 }
 
-// The entry to fill; a scratch place when the group does not hold it, so that the row is checked.
+// The entry to fill; 0 (a scratch entry) if the group does not hold it, so that the row is still
+// checked.
 int targetEntry(Entry which) {
   const int i = entryIndex(which);
   return entryOpen(i) ? i : 0;

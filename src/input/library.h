@@ -1,4 +1,4 @@
-// Conductor and ground wire libraries: text files of one row a conductor.
+// Looks up conductors and ground wires in libraries: text files with one row per conductor.
 #pragma once
 
 #include "input/key_rows.h"
@@ -7,14 +7,14 @@
 
 namespace lcp {
 
-// Word n of a text, words being separated by blanks; its last word when it has fewer.
+// Word n of a text with words separated by blanks; the last word if there are fewer.
 std::string_view LIBWORD(std::string_view text, int n);
 
-// The warning of a row without permeability and inner radius: its first line.
+// First line of the warning about a row without permeability and inner radius.
 constexpr std::string_view LIBRARYWARNING = "Warning:  Conductor permeability and inner radius";
 
-// Looks a name up in READER.LIBPATH and fills an entry of the open group with the row's values. A
-// missing file or name takes the common error exit behind its own lines.
+// Looks up a name in READER.LIBPATH and fills an entry of the open group with the values of its
+// row. A missing file or name prints its own lines and ends the run through the common error exit.
 void lookUpConductor(std::string_view name);
 void lookUpGroundWire(std::string_view name, Entry target);
 

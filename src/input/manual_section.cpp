@@ -1,5 +1,7 @@
-// Manual Data Entry. Most values go to the group of the chosen format; a format that has no such
-// value takes the line and drops it.
+// Section "Manual Data Entry".
+//
+// Most values belong to the group of the selected format. A format without such a value accepts the
+// line and drops the value.
 #include "input/manual_section.h"
 
 #include "base/console.h"
@@ -15,10 +17,10 @@ namespace lcp {
 
 namespace {
 
-constexpr double NOSUSCEPTANCE = 1e-20; // per unit; up to this a susceptance has no reciprocal
+constexpr double NOSUSCEPTANCE = 1e-20; // per unit; smaller susceptances have no reciprocal
 constexpr int LONGSTARS = 45;
 
-// The values of the groups come last, in the order of `fields`.
+// The keys of the group values come last, in the order of `fields`.
 enum Rule {
   CONDUCTORCOUNT = 1,
   FORMAT,
@@ -37,8 +39,8 @@ enum Rule {
   B0M
 };
 
-// What a key names in the groups: a member of the reactance groups, and of the surge group where it
-// has one. A susceptance stands for a reactance, in per unit only.
+// The member of the reactance groups that a key sets, and that of the surge group if it has one. A
+// susceptance is entered instead of a reactance, in per unit only.
 struct GroupField {
   double SequenceReactances::*reactance;
   double SequenceSurges::*surge = nullptr;

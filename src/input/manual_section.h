@@ -1,9 +1,9 @@
-// Manual Data Entry: a line whose data are entered by hand.
+// Section "Manual Data Entry": a line whose data are entered by hand.
 #pragma once
 
 namespace lcp {
 
-// Takes READER.LINE; see the other sections. The files of Y and Z are read where they are named.
+// Reads READER.LINE; see sections.h. Files of Y and Z are read as soon as they are named.
 bool manualLine();
 
 } // namespace lcp

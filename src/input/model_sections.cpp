@@ -1,5 +1,4 @@
-// Bergeron, fitted models, Output File Display Options, HALO Options and Numerical
-// Options.
+// Sections of the Bergeron and fitted models, output display, HALO and numerical options.
 #include "input/key_rows.h"
 #include "input/reader_store.h"
 #include "input/sections.h"
@@ -107,7 +106,7 @@ constexpr KeyRow numericsRows[] = {
 };
 static_assert(noRowHidden(numericsRows));
 
-// Sections without rules of their own.
+// Handles a line of a section without rules.
 bool plainLine(std::span<const KeyRow> rows) {
   const KeyRow* key = findKey(rows, READER.LINE);
   if (key != nullptr) readKey(*key, READER.LINE);

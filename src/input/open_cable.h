@@ -1,25 +1,25 @@
-// The cable that the keys of a section go to.
+// The cable that the keys of a section write to.
 //
-// Keys write into READER.openCable; the line done, it goes to its place in the cable table. Before
-// the first number it has no place, and what is read there ends with the next number.
+// Keys write to READER.openCable; after each line it is copied to its place in the cable table.
+// Before the first cable number it has no place, and what was read is lost at the next number.
 #pragma once
 
 #include "input/key_rows.h"
 
 namespace lcp {
 
-// "Cable Number": opens the cable of the number read. A number out of range or already used takes
-// the common error exit.
+// Handles "Cable Number": opens the cable with the number read. A number out of range or already
+// used ends the run through the common error exit.
 void openCableNumber(const KeyRow& key);
 
-// Stores the open cable at its number.
+// Copies the open cable to its place in the table.
 void storeOpenCable();
 
-// Exit for more cables than the table holds, the common error exit; checks the count.
+// Ends the run through the common error exit if a count of cables is below 1 or above the capacity.
 void checkCableCount(int count);
 
-// The frame of the messages on what a cable section says: asterisks and the program's name,
-// asterisks and the common error exit.
+// Frame of the messages about a cable section: openCableError prints asterisks and the program's
+// name, closeCableError asterisks, and ends the run through the common error exit.
 void openCableError();
 [[noreturn]] void closeCableError();
 

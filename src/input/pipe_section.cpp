@@ -1,4 +1,6 @@
-// Pipe-Type Cable. There is one pipe at most, so its keys need no table.
+// Section "Pipe-Type Cable".
+//
+// There is at most one pipe, so its keys need no table.
 #include "base/console.h"
 #include "input/key_rows.h"
 #include "input/reader_store.h"

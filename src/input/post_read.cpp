@@ -19,7 +19,7 @@ constexpr double SAMEPLACE = 1e-10;   // m
 constexpr double LEASTLENGTH = 1e-10; // m
 constexpr double EVENWEIGHT = 1.0;
 
-// A weight that was not given is 1 to the improved fits, 0 to the default ones.
+// A weight that was not given is 1 for the improved fits and 0 for the default ones.
 void takeEvenWeights() {
   FitOptions& F = RUNDATA.fit;
   if (!RUNDATA.numerics.IMPROVEDFITS) return;
@@ -44,7 +44,7 @@ void checkLength() {
   stopWithRules();
 }
 
-// Travelling waves of a Bergeron model need one Y and Z, not a table over frequency.
+// The travelling waves of a Bergeron model need a single Y and Z, not a table over frequency.
 void checkMultipleRoute() {
   if (!RUNDATA.model.atTwoFrequencies() || RUNDATA.run.DATAFMT != ROUTEMULTIPLE) return;
   console::rule('*', 45);
@@ -76,7 +76,7 @@ void checkAndOrder() {
   if (R.ISCABLE == OVERHEADLINE) orderNodes();
 }
 
-// Overhead conductors in a cable system become aerial cables.
+// Turns overhead conductors in a cable system into aerial cables.
 void takeOverheadConductors() {
   const RunControl& R = RUNDATA.run;
   if (R.DATAFMT != ROUTECONSTANTS || R.ISCABLE != CABLESYSTEM || RUNDATA.cond.NCOND == 0) return;

@@ -1,12 +1,12 @@
-// What follows the last line of the description file: checks, derived data, order of the tables.
+// Checks, derived data and table order after the last line of the description file.
 #pragma once
 
 namespace lcp {
 
-// Ends the run at the first failed check, exit status 1.
+// Performs all of these; the first failed check ends the run with exit status 1.
 void postReadPass();
 
-// No two physical conductors may stand at one place.
+// Checks that no two physical conductors have the same position.
 void checkConductorPositions();
 
 } // namespace lcp

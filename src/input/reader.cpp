@@ -1,6 +1,6 @@
-// A line-driven state machine. A section is a heading line, a line that begins with {, lines of
-// keys, and a line that begins with }. Two tables tell it: the headings of the top level, and what
-// each state reads and where its closing mark leads.
+// A line-driven state machine. A section consists of a heading line, a line that starts with {, key
+// lines, and a line that starts with }. Two tables define it: the headings of the top level, and
+// for each state what it reads and which state follows its closing mark.
 #include "input/reader.h"
 
 #include "base/console.h"
@@ -85,8 +85,8 @@ bool noKeys() { return false; }
 bool topLevelLine();
 bool externalLine();
 
-// What a state reads, where its closing mark leads, and what the mark finishes; a coax section in a
-// pipe leads back to the pipe.
+// The line routine of a state, the state after its closing mark, and what the mark completes. After
+// a coax section in a pipe, the pipe section continues.
 struct StateRow {
   State state;
   bool (*line)();
@@ -118,7 +118,7 @@ constexpr std::array STATES = {
 constexpr std::array STARTMARKS = {std::string_view("CORVO-INPUT-DATA"),
                                    std::string_view("DATADSD")};
 
-// --- errors of the headings, each ahead of the common error exit
+// --- errors in headings; each ends the run through the common error exit
 
 [[noreturn]] void multipleEntryMethods() {
   console::line("ERROR: corvo.exe");
@@ -241,7 +241,7 @@ bool topLevelLine() {
   return true;
 }
 
-// The line behind the name of an external file is dropped; it is the closing mark of the tower.
+// The line after the name of an external file is dropped; it is the closing mark of the tower.
 bool externalLine() {
   readExternalConductors();
   READER.RSTATE = State::TopLevel;
@@ -253,7 +253,7 @@ bool externalLine() {
 
 // --- the main loop
 
-// The mark that the line begins with, empty for none.
+// The mark that the line starts with; empty if none.
 std::string_view markOf(std::span<const std::string_view> marks) {
   for (const std::string_view mark : marks) {
     if (READER.LINE.starts_with(mark)) return mark;
@@ -261,7 +261,8 @@ std::string_view markOf(std::span<const std::string_view> marks) {
   return {};
 }
 
-// Sections need not be closed: an end mark ends the input in any of them. No key begins like one.
+// Sections need not be closed: an end mark ends the input in any section. No key starts like an end
+// mark.
 bool endsInput() {
   const std::string_view mark = markOf(ENDMARKS);
   if (mark.empty()) return false;
@@ -275,7 +276,7 @@ void seeEncoding() {
   READER.noFeeds = READER.noFeeds || READER.RAWLINE.find('\r') != std::string::npos;
 }
 
-// Why no way of entering the data was chosen: the run will end there.
+// Why no data entry method was selected, so that the run will end.
 std::string whatIsMissing() {
   if (READER.wide) return "the file is no plain text; save it as ASCII or UTF-8, not UTF-16";
   if (READER.noFeeds) return "its lines must end with a line feed, not a carriage return alone";
@@ -343,7 +344,7 @@ void takeLine() {
 
 void openInput() {
   RunControl& R = RUNDATA.run;
-  // The first finds the groups as the program was loaded, most of their pages untouched.
+  // The first description finds the groups in their initial state, with most pages untouched.
   if (R.FILESREAD++ > 0) RUNDATA.resetInput();
   R.DATAFMT = ROUTENONE;
   if (openReader(R.FNAME.whole())) return;

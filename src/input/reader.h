@@ -1,4 +1,4 @@
-// The reader of the description file.
+// Reads a description file into the run store.
 #pragma once
 
 #include <string_view>
@@ -7,8 +7,8 @@ namespace lcp {
 
 constexpr std::string_view UNKNOWNLINE = "Unknown Data Line Ignored: {}";
 
-// Reads RUNDATA.run.FNAME whole into RUNDATA, checks it and orders its tables. Returns with the
-// data complete, or ends the run with a message, exit status 1.
+// Reads all of RUNDATA.run.FNAME into RUNDATA, checks it and orders its tables. Returns with
+// complete data, or ends the run with a message and exit status 1.
 void READTLDATA();
 
 } // namespace lcp

@@ -15,8 +15,8 @@ namespace {
 constexpr const char* DEBUGNAME = "DEBUG.OUT";
 TextSource source; // the description file
 
-// Emptied and written when the description has been read, or the run ends before: an input may be a
-// file of that name.
+// Emptied and written when the description has been read or the run ends early: a file of that name
+// may be an input.
 TextFile debugFile;
 
 } // namespace
@@ -84,7 +84,7 @@ void noteLine(std::string_view why) {
 }
 
 void readError(std::string_view why) {
-  TextField<LINELENGTH> last; // without the blanks behind it
+  TextField<LINELENGTH> last; // without trailing blanks
   last = READER.RAWLINE;
   noteLine(why);
   console::openStars();

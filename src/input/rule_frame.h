@@ -1,5 +1,5 @@
-// The frame of the geometry messages: equal signs, the program's name and an empty line before the
-// message lines, equal signs behind them.
+// Frame of the geometry messages: equal signs, the program's name and an empty line before the
+// message, equal signs after it.
 #pragma once
 
 namespace lcp {
@@ -7,7 +7,7 @@ namespace lcp {
 void openRules();
 void closeRules();
 
-// The closing rule and the end of the run, exit status 1.
+// Prints the closing rule and ends the run with exit status 1.
 [[noreturn]] void stopWithRules();
 
 } // namespace lcp

@@ -1,11 +1,11 @@
-// The sections of the description file: one routine a state, given a line that is neither the
-// section's closing mark nor eaten by the state machine.
+// The sections of the description file, one routine per state.
 #pragma once
 
 namespace lcp {
 
-// Each takes READER.LINE. False when no key of the section matches, so that the line goes to the
-// comment test; all errors take the common error exit or end the run with their own message.
+// Each handles READER.LINE, which is neither the section's closing mark nor consumed by the state
+// machine. It returns false if no key of the section matches; the line is then checked for a
+// comment. Errors end the run, through the common error exit or with a message of their own.
 bool summaryLine();
 bool towerLine();
 bool circuitLine();
@@ -21,12 +21,12 @@ bool coaxLine();
 bool pipeLine();
 bool fourWireLine();
 
-// What the closing marks of a circuit and of a ground-wire group do to the conductor table.
+// Complete the conductor table at the closing mark of a circuit or a ground-wire group.
 void finishCircuit();
 void finishGroundWires();
 
-// ... and that of a coax section in a pipe: the cable lies in the pipe, and the pipe section goes
-// on.
+// Completes a coax section in a pipe: the cable is marked as inside the pipe, and the pipe section
+// continues.
 void finishCoax();
 
 } // namespace lcp

@@ -1,4 +1,4 @@
-// Line Summary and Cable Summary.
+// Sections "Line Summary" and "Cable Summary".
 #include "base/console.h"
 #include "base/stop.h"
 #include "input/key_rows.h"

@@ -1,7 +1,7 @@
-// Towers, their circuits, ground-wire groups and sub-conductor blocks.
+// Sections of towers, their circuits, ground-wire groups and sub-conductor blocks.
 //
-// While a group is open, the conductor table already counts its entries; the properties of the
-// group are stored at its first entry and copied to the others by the closing mark.
+// While a group is open, the conductor table already counts its entries. The properties of the
+// group are stored in its first entry and copied to the others at the closing mark.
 #include "base/console.h"
 #include "input/bundles.h"
 #include "input/external_conductors.h"
@@ -98,7 +98,7 @@ static_assert(noRowHidden(towerRows));
 
 constexpr KeyRow spacingRows[] = {realKey("BundleSpacing", &READER.dropped).in("m")};
 
-// The rest of the line from the value column on, without the blanks in front.
+// The rest of the line from the value column on, without leading blanks.
 std::string_view restOfLine(const KeyRow& key) {
   const std::string_view field = valueField(key, READER.LINE);
   return field.substr(std::min(field.find_first_not_of(' '), field.size()));
@@ -113,7 +113,7 @@ void openCircuit() {
   if (takeOpeningBrace()) READER.RSTATE = State::Circuit;
 }
 
-// The open group's conductors enter the count, at once.
+// Adds the conductors of the open group to the count.
 void countConductors() {
   if (READER.CURN < 0) readError("its value must not be below 0");
   checkConductorCount(READER.CURN);
@@ -128,7 +128,7 @@ void openGroundWires() {
   if (takeOpeningBrace()) READER.RSTATE = State::GroundWires;
 }
 
-// Without a count the bundle is that of the block before: its sub-conductors stand already.
+// Without a count the bundle is that of the previous block, whose sub-conductors already exist.
 void openSubConductors(bool counted) {
   if (counted) openBundle(READER.CURSUB);
   checkConductorCount(firstEntry() - 1 + READER.CURN * READER.CURSUB);
@@ -137,7 +137,7 @@ void openSubConductors(bool counted) {
   if (takeOpeningBrace()) READER.RSTATE = State::SubConductors;
 }
 
-// Whether the record was cut in front of or inside the last of n items.
+// Whether the record was truncated before or inside the last of n items.
 bool cutBefore(std::string_view field, std::size_t n) {
   std::array<double, MAXCOND> whole{};
   RealList list{std::span<double>(whole).first(n)};
@@ -160,7 +160,7 @@ void readPhases(const KeyRow& key) {
   for (std::size_t i = 0; i < n; ++i) RUNDATA.cond.CPHASE[f + static_cast<int>(i)] = phases[i];
 }
 
-// A value of one conductor, its number in two fixed columns: checked and not used.
+// Checks the value of one conductor, whose number is in two fixed columns; the value is not used.
 void checkNumbered(std::size_t numberColumn) {
   const std::string_view line = READER.LINE;
   const auto from = [&](std::size_t c) { return line.substr(std::min(c, line.size())); };
@@ -209,8 +209,8 @@ void circuitRule(const KeyRow& key, Got got) {
   }
 }
 
-// An entry behind the counted ones goes back to its defaults: a group of no conductors leaves
-// nothing behind.
+// Resets an entry after the counted ones to its defaults, so that a group of no conductors leaves
+// no values behind.
 void clearEntry(int i) {
   static const ConductorTable fresh;
   if (!CondReals().holds(i)) return;
@@ -286,7 +286,7 @@ void finishCircuit() {
   ConductorTable& C = RUNDATA.cond;
   const int f = firstEntry();
   const int l = C.NCOND + (READER.CURSUB - 1) * READER.CURN;
-  checkConductorCount(l); // the count may have followed the bundle
+  checkConductorCount(l); // the count may have come after the bundle
   if (READER.CURN == 0) clearEntry(f);
   for (int e = f; e <= l; ++e) {
     for (CondReals ConductorTable::*field :

@@ -16,15 +16,15 @@ namespace lcp {
 
 namespace {
 
-constexpr std::size_t TAGLEN = 2;    // characters of an item that names a matrix
-constexpr std::size_t ITEMLEN = 200; // characters of an item that is a number
+constexpr std::size_t TAGLEN = 2;    // characters kept of an item that names a matrix
+constexpr std::size_t ITEMLEN = 200; // characters kept of a number
 
 struct DataFile {
   TextSource source;
   std::string record;
 };
 
-// --- ends of the run
+// --- fatal messages
 
 void openBlock() {
   console::line();
@@ -55,7 +55,7 @@ void openBlock() {
 
 // --- records and items
 
-// Reads the next record. False at the end of the file.
+// Reads the next record. Returns false at the end of the file.
 bool nextRecord(DataFile& file) {
   const TextSource::Result result = file.source.next(file.record, std::string::npos);
   if (result == TextSource::Result::Error) cannotRead();
@@ -73,7 +73,7 @@ bool nextFilledRecord(DataFile& file) {
   return false;
 }
 
-// First item of a record; empty when it is left out.
+// The first item of a record; empty if there is none.
 std::string firstItem(std::string_view record, std::size_t length) {
   std::string word;
   if (readWord(record, word) == Got::Malformed) cannotRead();
@@ -82,7 +82,8 @@ std::string firstItem(std::string_view record, std::size_t length) {
 
 // --- one Y and Z pair
 
-// Reads the two parts of an element, which begins on a new record. False at the end of the file.
+// Reads both parts of an element, which starts on a new record. Returns false at the end of the
+// file.
 bool readElement(DataFile& file, Complex& element) {
   double parts[2] = {0, 0};
   RealList list(parts);
@@ -94,7 +95,7 @@ bool readElement(DataFile& file, Complex& element) {
   return true;
 }
 
-// Returns how many elements the file has; those that it lacks keep what they held.
+// Returns the number of elements in the file; missing elements keep their values.
 int readMatrix(DataFile& file, CView A, int n) {
   for (int e = 0; e < n * n; ++e) {
     if (!readElement(file, A(e / n + 1, e % n + 1))) return e;
@@ -104,8 +105,8 @@ int readMatrix(DataFile& file, CView A, int n) {
 
 // --- multiple Y and Z
 
-// A number at the start of a record in the plain form of most files. False for everything else,
-// which is left to the free form.
+// Parses a number at the start of a record in the usual plain form. Returns false for anything
+// else, which is left to the free-form reader.
 bool plainNumber(const std::string& record, double& value) {
   const char* at = record.data();
   const char* const end = at + record.size();

@@ -1,9 +1,9 @@
-// Bundles and ground wires by matrix reduction.
+// Reduction of bundles and ground wires.
 //
-// Sub-conductor k of the bundle of r has the voltage of r, and their currents add. With k written
-// as its difference from r, its row and column become row k - row r and column k - column r, and
-// its voltage 0. A ground wire has the voltage 0 as it stands. Every unknown of voltage 0 goes by a
-// step of Gaussian elimination (Kron reduction):
+// Sub-conductor k of the bundle of r has the voltage of r, and their currents add. Writing the
+// voltage of k as its difference from that of r turns row and column k into row k - row r and
+// column k - column r, and makes the voltage 0. A ground wire has voltage 0 from the start. Each
+// unknown of voltage 0 is eliminated by a step of Gaussian elimination (Kron reduction):
 //
 //   M(i, j) = M(i, j) - M(i, q) M(q, j) / M(q, q)
 //
@@ -16,14 +16,14 @@ namespace lcp {
 
 namespace {
 
-// Column q of a step, as it stands and times j, both as plain reals: the product with a complex
-// factor is then two sums over reals, without the exchange of parts that keeps it from vectors.
+// Column q of a step, and the same times j, both as real numbers. The product with a complex factor
+// is then two real sums, which the compiler can vectorise since no parts are exchanged.
 struct EliminationColumn {
   double plain[2 * MAXCOND];
   double turned[2 * MAXCOND];
 };
 
-// Elements i to n of column i minus t times the elements i to n of the eliminated column.
+// Subtracts t times elements i to n of the eliminated column from elements i to n of column i.
 void subtract(Complex* column, const EliminationColumn& e, Complex t, int i, int n) {
   double* m = reinterpret_cast<double*>(column);
   const double re = t.real();
@@ -44,7 +44,7 @@ void eliminate(CView M, int q) {
   for (int i = 1; i < q; ++i) subtract(M.column(i), e, M(q, i) * v, i, q - 1);
 }
 
-// The same step over both triangles. Column q above the diagonal keeps its multiples 1 / M(q, q).
+// The same step on both triangles. Column q above the diagonal is left multiplied by 1 / M(q, q).
 void eliminateWhole(CView M, int q) {
   const Complex v = 1.0 / M(q, q);
   for (int i = 1; i < q; ++i) {
@@ -94,8 +94,9 @@ void BUNDRED(CView M, int n) {
   for (int q = n; q > kept; --q) eliminateWhole(M, q);
 }
 
-// Sweep on pivot k: with d = 1 / M(k, k), M(i, j) - M(i, k) d M(k, j) elsewhere, M(i, k) d in row
-// and column k, -d on the diagonal. After every pivot has had its turn M is minus its inverse.
+// Sweep on pivot k: with d = 1 / M(k, k), M(i, j) becomes M(i, j) - M(i, k) d M(k, j), row and
+// column k become M(i, k) d, and the diagonal element becomes -d. After all pivots M is minus its
+// inverse.
 void SYMINV(CView M, int n) {
   for (int k = 1; k <= n; ++k) {
     const Complex d = 1.0 / M(k, k);

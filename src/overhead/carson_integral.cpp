@@ -3,26 +3,29 @@
 //   panel with centre c and half-width h, g(t) = f(t) cos(t sin theta):
 //     S(c, h) = h / 3 [ g(c - h) + 4 g(c) + g(c + h) ]
 //
-//   geometric stage   from 0 to 0.05, first panel 0.05 |z| wide, each 2 % wider than the one before
-//   closing panel     what is left up to 0.05
-//   linear stage      panels 0.05 wide, until one is below 1e-10 of the sum
+//   geometric stage   from 0 to 0.05; the first panel is 0.05 |z| wide, each next one 2 % wider
+//   closing panel     the rest up to 0.05
+//   linear stage      panels 0.05 wide, until a panel is below 1e-10 of the sum
 //
 // The accuracy is that of the panels. For small |z| f falls as 1 / (2 t) just above t = 0.05, where
+// a panel of the linear stage is as wide as its distance from 0. This adds up to 1.5e-3 to J, at
+// most 3e-4 of J.
 // a panel of the linear stage is as wide as its distance from 0: that adds up to 1.5e-3 to J, which
 // is 3e-4 of it or less.
 //
-// Two evaluations of the same sum. The plain one follows the formulas for any z. The fast one rests
-// on these observations, with s = -cos theta + j sin theta:
+// The same sum is evaluated in two ways. The plain one follows the formulas for any z. The fast one
+// uses the following, with s = -cos theta + j sin theta:
 //
 //   exp(-t cos theta) cos(t sin theta) = Re exp(t s)
-//     geometric stage: t < 0.05, a polynomial in t of degree 8 to 1e-17
-//     linear stage: one grid t = 0.05 + 0.025 m for every z; a block of 64 points is one
-//     exponential at its start times 64 powers that depend on theta alone
+//     geometric stage: t < 0.05, so a polynomial in t of degree 8 is accurate to 1e-17
+//     linear stage: the grid t = 0.05 + 0.025 m is the same for every z; a block of 64 points is
+//     one exponential at its start times 64 powers that depend only on theta
 //   geometric stage: with t = |z| u the panels lie on one grid in u, and 1 / (t + W) is
-//     1 / |z| / (u + sqrt(u^2 + (z / |z|)^2)), which depends on the direction of z alone, so the
-//     stage is the polynomial taken over moments that are summed once for each direction of z
-//   linear stage: W by real square roots, in loops that the compiler turns into vectors;
-//   exponentials of an angle are kept, they serve at every frequency
+//     1 / |z| / (u + sqrt(u^2 + (z / |z|)^2)), which depends only on the direction of z. The stage
+//     is then the polynomial applied to moments that are summed once for each direction of z
+//   linear stage: W by real square roots, in loops that the compiler vectorises; the exponentials
+//   of an
+//     angle are kept and used at every frequency
 #include "overhead/carson_integral.h"
 
 #include "base/big_store.h"
@@ -41,9 +44,9 @@ namespace lcp {
 namespace {
 
 constexpr double HALFWIDTH = 0.025; // largest half-width of a panel
-constexpr double STAGEEND = 0.05;   // where the panels stop growing
+constexpr double STAGEEND = 0.05;   // where the growing panels end
 constexpr double GROWTH = 1.02;
-constexpr double SMALLPANEL = 1e-10; // of the sum: the integral is done
+constexpr double SMALLPANEL = 1e-10; // relative to the sum: the integral has converged
 constexpr int MAXGEOMETRIC = 10000;
 constexpr int MAXLINEAR = 10000000;
 
@@ -54,7 +57,7 @@ struct Direction {
   explicit Direction(double theta) : c(std::cos(theta)), s(std::sin(theta)) {}
 };
 
-// The integrand f(t) cos(t sin theta); W in the form that cannot overflow.
+// The integrand f(t) cos(t sin theta), with W in a form that cannot overflow.
 Complex integrand(double t, Complex z, const Direction& d) {
   Complex W;
   if (std::abs(z) <= std::fabs(t)) {
@@ -69,7 +72,7 @@ Complex simpson(double c, double h, Complex z, const Direction& d) {
   return h / 3.0 * (integrand(c - h, z, d) + 4.0 * integrand(c, z, d) + integrand(c + h, z, d));
 }
 
-// A panel cut into equal parts.
+// A panel split into equal parts.
 Complex cutPanel(double c, double h, Complex z, const Direction& d, int parts) {
   const double part = h / parts;
   Complex sum = 0.0;
@@ -77,7 +80,7 @@ Complex cutPanel(double c, double h, Complex z, const Direction& d, int parts) {
   return sum;
 }
 
-// Panels from 0 that grow with t. Returns where they end.
+// Panels from 0 that grow with t. Returns the end of the last one.
 double plainGeometricStage(Complex z, const Direction& d, int parts, CarsonSum& sum) {
   double h = std::min(HALFWIDTH * std::abs(z), HALFWIDTH);
   double lo = 0.0;
@@ -98,7 +101,7 @@ double plainGeometricStage(Complex z, const Direction& d, int parts, CarsonSum& 
   return lo;
 }
 
-// A sum that is no number stays none, so that the remaining panels change nothing.
+// Once the sum is NaN, further panels change nothing.
 bool isNumber(Complex A) { return !std::isnan(A.real()) && !std::isnan(A.imag()); }
 
 void plainLinearStage(double lo, Complex z, const Direction& d, int parts, CarsonSum& sum) {
@@ -112,16 +115,16 @@ void plainLinearStage(double lo, Complex z, const Direction& d, int parts, Carso
       sum.linearDone = true;
       return;
     }
-    // The position by a product: a sum of steps would drift over thousands of panels.
+    // Computed as a product: adding steps would drift over thousands of panels.
     h = HALFWIDTH;
     c = STAGEEND + (2.0 * sum.linear - 1.0) * HALFWIDTH;
   }
 }
 
-// The geometric stage in units of |z|: ends of the panels, and for the direction of z last used the
+// The geometric stage in units of |z|: the ends of the panels and, for the last direction of z, the
 // sums over the first n panels of
 //   2 h / 3 [ G(lo) lo^k + 4 G(c) c^k + G(hi) hi^k ],  G(u) = 1 / (u + sqrt(u^2 + (z / |z|)^2))
-constexpr int MAXMOMENTPANELS = 1024; // reach 0.05 for |z| down to 4e-11
+constexpr int MAXMOMENTPANELS = 1024; // reaches 0.05 for |z| down to 4e-11
 constexpr int POWERS = 8;
 constexpr double LEASTZ = 1e-10;
 constexpr double LARGESTZ = 1e60;
@@ -131,15 +134,15 @@ struct GeometricMoments {
   double tangent;                             // Im z / Re z
   Complex square;                             // (z / |z|)^2
   double h;                                   // half-width of the next panel
-  int panels;                                 // summed so far
-  double END[MAXMOMENTPANELS + 1];            // END[n]: where panel n ends
-  Complex running[POWERS + 1];                // low parts kept out of the sums
+  int panels;                                 // panels summed so far
+  double END[MAXMOMENTPANELS + 1];            // END[n]: end of panel n
+  Complex running[POWERS + 1];                // compensation terms of the sums
   Complex M[MAXMOMENTPANELS + 1][POWERS + 1]; // M[n][k]
 };
 
 GeometricMoments& MOMENTS = bigStore<GeometricMoments>();
 
-// Starts anew when z points elsewhere than the last one did. With constant soil it never does.
+// Restarts the moments when the direction of z changes. With constant soil it never does.
 void turnTo(Complex z) {
   const double tangent = z.imag() / z.real();
   if (MOMENTS.panels > 0 && MOMENTS.tangent == tangent) return;
@@ -167,7 +170,7 @@ void addMomentPanel() {
     }
   }
   for (int k = 0; k <= POWERS; ++k) {
-    // Compensated: the rounding of one sum goes into the next term.
+    // Compensated summation: the rounding error of a sum is carried to the next term.
     const Complex y = panel[k] - T.running[k];
     const Complex t = T.M[n - 1][k] + y;
     T.running[k] = (t - T.M[n - 1][k]) - y;
@@ -178,7 +181,7 @@ void addMomentPanel() {
   T.panels = n;
 }
 
-// Sum of the panels that end below 0.05. Returns where they end.
+// Sums the panels that end below 0.05. Returns the end of the last one.
 double momentGeometricStage(Complex z, const Direction& d, CarsonSum& sum) {
   const double r = std::abs(z);
   turnTo(z);
@@ -196,18 +199,18 @@ double momentGeometricStage(Complex z, const Direction& d, CarsonSum& sum) {
   return r * MOMENTS.END[sum.geometric];
 }
 
-// Blocks of the linear stage: point m of a block stands 0.025 m behind its start.
+// Blocks of the linear stage: point m of a block is 0.025 m after its start.
 constexpr int BLOCKPANELS = 32;
 constexpr int BLOCKPOINTS = 2 * BLOCKPANELS;
-constexpr int GROUP = 8; // powers are products of two exponentials, each taken directly
+constexpr int GROUP = 8; // powers are products of two exponentials, each computed directly
 
 Complex exponential(double t, const Direction& d) {
   const double size = std::exp(-t * d.c);
   return {size * std::cos(t * d.s), size * std::sin(t * d.s)};
 }
 
-// exp(0.025 m s): the middle of panel i stands 2 i + 1 half-widths behind the start of its block,
-// its end 2 i + 2.
+// exp(0.025 m s): the middle of panel i is 2 i + 1 half-widths after the start of its block, its
+// end 2 i + 2.
 struct Powers {
   double middleRe[BLOCKPANELS];
   double middleIm[BLOCKPANELS];
@@ -233,32 +236,31 @@ void formPowers(const Direction& d, Powers& E) {
 
 double blockStart(int block) { return STAGEEND + HALFWIDTH * BLOCKPOINTS * block; }
 
-// Exponentials depend on the angle alone, so those of a pair of conductors serve at all
-// frequencies. Kept side by side in the order in which pairs are first met, found by hashing the
-// angle.
+// Exponentials depend only on the angle, so those of a conductor pair serve at all frequencies.
+// They are stored in the order in which angles first occur and found by hashing the angle.
 constexpr int HASHBITS = 14;
 constexpr int PLACES = 1 << HASHBITS;
 constexpr int MOSTANGLES = PLACES / 2;
-constexpr int MOSTSTARTS = 64; // blocks whose start is kept
+constexpr int MOSTSTARTS = 64; // blocks whose start is stored
 
 struct Exponentials {
   Powers E;
-  int starts; // formed so far
+  int starts; // starts computed so far
   Complex START[MOSTSTARTS];
 };
 
 struct AngleStore {
-  int angles; // kept so far
+  int angles; // angles stored so far
   Table<Exponentials, MOSTANGLES> of;
   double theta[PLACES];
-  int number[PLACES]; // of the angle, 0 at an empty place
+  int number[PLACES]; // index of the angle, 0 at an empty place
 };
 
 AngleStore& ANGLES = bigStore<AngleStore>();
 
-// Where an angle stands, or the empty place where it would.
+// Place of an angle, or the empty place where it belongs.
 int placeOf(double theta) {
-  constexpr std::uint64_t MIX = 0x9E3779B97F4A7C15; // 2^64 over the golden ratio
+  constexpr std::uint64_t MIX = 0x9E3779B97F4A7C15; // 2^64 divided by the golden ratio
   const AngleStore& S = ANGLES;
   const std::uint64_t mixed = std::bit_cast<std::uint64_t>(theta) * MIX;
   int p = static_cast<int>(mixed >> (64 - HASHBITS));
@@ -270,7 +272,7 @@ Exponentials& exponentialsOf(double theta, const Direction& d) {
   AngleStore& S = ANGLES;
   int p = placeOf(theta);
   if (S.number[p] != 0) return S.of[S.number[p]];
-  if (S.angles == MOSTANGLES) { // most of other lines
+  if (S.angles == MOSTANGLES) { // full, mostly of other lines
     S.angles = 0;
     std::fill_n(S.number, PLACES, 0);
     p = placeOf(theta);
@@ -289,7 +291,8 @@ Complex startOf(int block, Exponentials& X, const Direction& d) {
   return X.START[block];
 }
 
-// The integrand f at the ends of the panels of a block, from its start on, and what each panel is.
+// The integrand at the panel ends of a block, including its start, and the contribution of each
+// panel.
 struct Block {
   double re[BLOCKPANELS + 1];
   double im[BLOCKPANELS + 1];
@@ -301,14 +304,14 @@ struct Integrand {
   double re, im;
 };
 
-// Where a block starts: its t and the exponential there, and z^2 = a + j b.
+// Start of a block: its t, the exponential there, and z^2 = a + j b.
 struct BlockStart {
   double t, er, ei, a, b;
 };
 
-// The integrand n half-widths behind the start of the block, its exponential the product of that of
-// the start and re + j im. The root of x + j b is s + j b / (2 s) with s = sqrt((|x + j b| + x) /
-// 2) for x >= 0, and the other way round for x < 0.
+// The integrand n half-widths after the start of the block; its exponential is that of the start
+// times re + j im. The root of x + j b is s + j b / (2 s) with s = sqrt((|x + j b| + x) / 2) for x
+// >= 0, and the parts change roles for x < 0.
 inline Integrand integrandAt(int n, const BlockStart& S, double re, double im) {
   const double t = S.t + HALFWIDTH * n;
   const double x = t * t + S.a;
@@ -321,8 +324,8 @@ inline Integrand integrandAt(int n, const BlockStart& S, double re, double im) {
   return {sr * k, -wi * k};
 }
 
-// The panels of a block. Roots and quotients side by side, with nothing fused: registers of any
-// width give the same bits.
+// The panels of a block. Roots and quotients side by side without fused operations: all register
+// widths give the same bits.
 LCP_WIDTHS("avx512f", "avx2") void fillBlock(const BlockStart& S, const Powers& E, Block& g) {
   double re[BLOCKPANELS], im[BLOCKPANELS];
   for (int i = 0; i < BLOCKPANELS; ++i) {
@@ -339,7 +342,7 @@ LCP_WIDTHS("avx512f", "avx2") void fillBlock(const BlockStart& S, const Powers& 
   }
 }
 
-// The sum behind each panel of a block, and how many of the panels are below the limit.
+// The sum after each panel of a block.
 struct RunningSums {
   double re[BLOCKPANELS];
   double im[BLOCKPANELS];
@@ -363,7 +366,7 @@ LCP_WIDTHS("avx512f", "avx2") int addPanels(const Block& g, Complex A, RunningSu
   return small;
 }
 
-// Adds the panels of a block in turn. True when one ends the integral.
+// Adds the panels of a block in order. Returns true if one of them ends the integral.
 bool addBlock(const Block& g, CarsonSum& sum) {
   RunningSums R;
   int last = std::min(BLOCKPANELS, MAXLINEAR - sum.linear) - 1;

@@ -4,7 +4,7 @@
 //   p       = sqrt(1 / (j w mu (S + jB))) frequency-dependent soil, F = (f in MHz)^GFDFAC,
 //             B = F GFDSIG,  S = F GFDSIG / tan(pi/2 GFDFAC) + GSIGLF; S/m
 //
-// With h the average heights and x the horizontal distance, both m:
+// With the average heights h and the horizontal distance x, both in m:
 //
 //   closed form (complex depth):  E_ii = 1/2 log(1 + 4 p (2 h + p) / (2 h)^2)
 //                                 E_ij = 1/2 log(1 + 4 p (H + p) / (H^2 + x^2)),  H = h_i + h_j
@@ -27,10 +27,10 @@ namespace lcp {
 
 namespace {
 
-constexpr double MEGAHERTZ = 1.59154943091895e-07; // 1e-6 / (2 pi), of an angular frequency
-constexpr double SERIESLIMIT = 0.1;                // |z| from which the logarithm is taken directly
+constexpr double MEGAHERTZ = 1.59154943091895e-07; // 1e-6 / (2 pi): rad/s to MHz
+constexpr double SERIESLIMIT = 0.1;                // for smaller |z| the power series is used
 constexpr int SERIESTERMS = 100;
-constexpr double LARGE = 1e100; // beyond it squares could overflow
+constexpr double LARGE = 1e100; // beyond it squares may overflow
 constexpr int ERRORRULE = 53;
 
 Complex log1pSeries(Complex z) {
@@ -81,7 +81,7 @@ Complex LOG1P(Complex z) {
   if (!(size < LARGE)) return std::log(1.0 + z);
   const double x = 1.0 + z.real();
   const double y = z.imag();
-  // |1 + z|^2 - 1 for the smaller z, where the square itself would lose digits.
+  // |1 + z|^2 - 1 for small z, where the square itself would lose digits.
   const double twice =
       size < 1.0 ? std::log1p(z.real() * (2.0 + z.real()) + y * y) : std::log(x * x + y * y);
   return {0.5 * twice, std::atan2(y, x)};

@@ -1,7 +1,6 @@
-// Earth return of conductors above ground: the soil, its complex depth, and the term that it adds
-// to the series impedance.
+// Earth return of conductors above ground: complex depth of the soil and the term in the impedance.
 //
-// All terms are normalised: a value E stands for the impedance j w mu0 / (2 pi) GMUR E, ohm/m.
+// All terms are normalised: E stands for the impedance j w mu0 / (2 pi) GMUR E, in ohm/m.
 #pragma once
 
 #include "base/matrix.h"
@@ -10,28 +9,28 @@
 
 namespace lcp {
 
-// Complex conductivity S + j B of the frequency-dependent soil at the angular frequency w, S/m.
+// Complex conductivity S + j B of the frequency-dependent soil at angular frequency w, S/m.
 Complex soilAdmittivity(double w);
 
-// Complex depth p of the ground at the angular frequency w > 0, m.
+// Complex depth p of the ground at angular frequency w > 0, m.
 Complex GRDDEPTH(double w);
 
-// Principal log(1 + z) without loss of accuracy at small z.
+// Principal value of log(1 + z), accurate for small z too.
 Complex LOG1P(Complex z);
 
-// The key of an earth-return formula, the bodies it is for, and the formulas that there are.
+// An earth-return formula key, the conductors it applies to, and the valid formulas.
 struct EarthFormulaKey {
   std::string_view name;
   std::string_view bodies;
   std::string_view formulas;
 };
 
-// Message for an earth-return formula without a value, with a line on the error stream that names
-// the key; ends the run, exit status 1.
+// Prints the message for an invalid earth-return formula, with a line on the error stream that
+// names the key, and ends the run with exit status 1.
 [[noreturn]] void illegalEarthFormula(int formula, const EarthFormulaKey& key);
 
-// Earth term of the physical conductors i and j (self term when equal), at the depth that stands in
-// the overhead store, by the formula EARTHF. Another formula than 0 and 2 ends the run, status 1.
+// Earth term of physical conductors i and j (self term if equal) at the complex depth in the
+// overhead store, by formula EARTHF. A formula other than 0 or 2 ends the run with exit status 1.
 Complex EARTHTERM(int i, int j);
 
 } // namespace lcp

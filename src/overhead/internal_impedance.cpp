@@ -1,9 +1,9 @@
-// Skin effect of a solid, a tubular and a stranded conductor: one hyperbolic cotangent each, fitted
-// to the Bessel function solution, so that the same expression holds at every frequency.
+// Skin effect in a solid, a tubular and a stranded conductor. Each formula uses one hyperbolic
+// cotangent fitted to the Bessel function solution, so that it holds at every frequency.
 //
 //   m   = sqrt(j w mu0 mu_r / rho)   reciprocal complex skin depth, 1/m, principal root
-//   rho = resistivity, ohm m, drawn from the DC resistance R and the metal cross-section, so that
-//         every formula tends to R at zero frequency (the solid one to 1.00003 R)
+//   rho = resistivity, ohm m, from the DC resistance R and the metal cross-section, so that every
+//         formula tends to R at zero frequency (the solid one to 1.00003 R)
 //
 //   solid     Zi = 0.3179 rho / (pi r^2) + rho m / (2 pi r) coth(0.733 m r)
 //   tube      Zi = rho / (2 pi r (q + r)) + rho m / (2 pi r) coth((r - q) m),  q the inner radius
@@ -30,7 +30,7 @@ constexpr double SOLIDCONSTANT = 0.3179;
 constexpr double STRANDARGUMENT = 0.777;
 constexpr double STRANDARGUMENTPI = 2.4410174918392693; // 0.777 pi
 constexpr double STRANDFACTOR = 2.25;
-constexpr double OUTERMORE = 2.0; // added to the strands of the outer layer
+constexpr double OUTERMORE = 2.0; // added to the number of strands of the outer layer
 
 Complex skinDepthInverse(double w, double mur, double rho) {
   return std::sqrt(Complex(0.0, w * MU0 * mur / rho));

@@ -1,4 +1,4 @@
-// Internal impedance of a round conductor: skin effect in closed form.
+// Internal impedance of round conductors: skin effect in closed form.
 #pragma once
 
 #include "base/matrix.h"
@@ -7,34 +7,34 @@
 
 namespace lcp {
 
-// Hyperbolic cotangent. z = 0 is no legal argument; a very large real part gives 1.
+// Hyperbolic cotangent. z must not be 0; a very large real part gives 1.
 Complex COTH(Complex z);
 
 struct Strands {
   double radius; // of one strand, m
-  double outer;  // strands of the outer layer
-  double total;  // strands in all
+  double outer;  // number of strands of the outer layer
+  double total;  // number of strands in total
 };
 
-// Ends the run, exit status 1, where strands have no finite impedance: the formula divides by their
-// radius, their number, and two more than those of the outer layer. A library row whose strands do
-// not fit round its conductor leaves no number of these.
+// Ends the run with exit status 1 if strands have no finite impedance: the formula divides by their
+// radius, by their number, and by the number of the outer layer plus two. A library row whose
+// strands do not fit around the conductor leaves NaN here.
 void checkStrands(std::string_view owner, const Strands& strands);
 
-// Impedance per metre, as seen from the outer surface, of a conductor of the outer radius r and the
-// relative permeability mur at the angular frequency w > 0, ohm/m; rho resistivity, ohm m, q inner
-// radius of the tube, m, R DC resistance, ohm/m. The current returns outside the conductor.
+// Impedance per metre at the outer surface, ohm/m, of a conductor with outer radius r, m,
+// resistivity rho, ohm m, and relative permeability mur, at angular frequency w > 0; q is the inner
+// radius of a tube, m, R the DC resistance, ohm/m. The current returns outside the conductor.
 Complex solidImpedance(double w, double r, double rho, double mur);
 Complex tubeImpedance(double w, double q, double r, double rho, double mur);
 Complex strandedImpedance(double w, double r, const Strands& strands, double R, double mur);
 
-// Of a tube also what a current that returns inside sees at the inner surface, and the voltage per
-// metre that a current at one surface drives at the other, both ohm/m; at zero frequency all three
-// are the DC resistance.
+// For a tube also, in ohm/m: the impedance at the inner surface of a current that returns inside,
+// and the transfer impedance, the voltage per metre on one surface due to a current on the other.
+// At zero frequency all three equal the DC resistance.
 Complex tubeInnerImpedance(double w, double q, double r, double rho, double mur);
 Complex tubeTransferImpedance(double w, double q, double r, double rho, double mur);
 
-// Internal impedance of conductor i of the conductor table, ohm/m, at the angular frequency w > 0.
+// Internal impedance of conductor i of the conductor table at angular frequency w > 0, ohm/m.
 Complex ZINT(double w, int i);
 
 } // namespace lcp

@@ -17,7 +17,7 @@ constexpr double PERKM = 1000.0;
 struct Entry {
   std::string_view key;
   double value;
-  bool divisor = true; // 0 is odd
+  bool divisor = true; // a value of 0 is odd
 };
 
 bool isOdd(const Entry& e) {
@@ -64,7 +64,7 @@ bool noteOddConductor(int i) {
 
 bool noteOddEntry() {
   if (noteOdd("", {{"Steady State Frequency", RUNDATA.line.SSFREQ}}) || noteOddSoil()) return true;
-  const bool overhead = RUNDATA.run.ISCABLE == OVERHEADLINE; // cables check theirs
+  const bool overhead = RUNDATA.run.ISCABLE == OVERHEADLINE; // cables have their own checks
   for (int i = 1; overhead && i <= RUNDATA.cond.NCOND; ++i) {
     if (noteOddConductor(i)) return true;
   }

@@ -1,10 +1,10 @@
-// Names the data of soil and overhead conductors that leave a line without finite constants.
+// Names soil and conductor data that leave a line without finite constants.
 #pragma once
 
 namespace lcp {
 
-// One line on the error stream: the first entry of the soil or of an overhead conductor that the
-// formulas divide by and that is 0, or that is too large for them. False when there is none.
+// Prints one line on the error stream for the first soil or overhead conductor entry that is too
+// large for the formulas, or that is 0 although they divide by it. Returns false if there is none.
 bool noteOddEntry();
 
 } // namespace lcp

@@ -1,7 +1,7 @@
-// Working store of the overhead line constants: the matrices over all physical conductors.
+// Working store of the overhead line constants: matrices over all physical conductors.
 //
-// One mapping for the whole run, of which only the corner in use takes memory. The first call of a
-// solve fills what depends on geometry alone, and the later calls rely on it.
+// Mapped once for the whole run; only the corner in use takes memory. The first call of a solve
+// fills what depends only on geometry, and later calls rely on it.
 #pragma once
 
 #include "base/big_store.h"
@@ -14,21 +14,21 @@ namespace lcp {
 using ConductorMatrix = MappedSquare<Complex>;
 
 struct OverheadStore {
-  // Of one solve
-  ConductorMatrix PGEO;       // logarithms of the geometry, all physical conductors, 1
-  ConductorMatrix PRED;       // potential coefficients, reduced and averaged, 1
-  ConductorMatrix PINV;       // normalised Y; Im of the diagonal belongs to one frequency, 1
+  // Valid for one solve
+  ConductorMatrix PGEO;       // logarithms of the geometry, all physical conductors, dimensionless
+  ConductorMatrix PRED;       // potential coefficients, reduced and averaged, dimensionless
+  ConductorMatrix PINV;       // normalised Y, dimensionless; Im of the diagonal is of one frequency
   MappedSquare<double> DINV;  //          1 / (distance to the image)^2, 1/m^2
-  TranspositionGroups groups; // circuits as the averaging sees them
+  TranspositionGroups groups; // circuits for the averaging
 
-  // Of one call
-  ConductorMatrix ZWORK;  // normalised Z, all physical conductors, then reduced, 1
-  ConductorMatrix PZWORK; // product PINV ZWORK, 1
+  // Valid for one call
+  ConductorMatrix ZWORK;  // normalised Z of all physical conductors, then reduced, dimensionless
+  ConductorMatrix PZWORK; // product PINV ZWORK, dimensionless
   Complex DEPTH;          // complex depth p of the ground, m
   Complex DEPTHINV;       // 1 / p, 1/m
 };
 
-// Mapped before anything of a file that includes this is initialised.
+// Mapped before any variable of an including file is initialised.
 inline OverheadStore& OVERHEAD = bigStore<OverheadStore>();
 
 } // namespace lcp

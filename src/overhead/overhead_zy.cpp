@@ -1,12 +1,12 @@
-// Overhead line constants in normalised form, so that geometry enters as plain logarithms:
-//
+// Overhead line constants in normalised form, in which geometry enters as plain logarithms:
 //   Zn = Z / (j w L0)          Zn(i, i) = log(2 h / r) + GMUR E_ii + Zi / (j w L0)
 //                              Zn(i, j) = 1/2 log(D2 / d2) + GMUR E_ij
 //   Pn = inverse of Y / (j w C0), the same logarithms alone (Maxwell's potential coefficients)
 //
-// h average height, r radius, D2 and d2 squared distances of conductor j to the image of i and to i
-// itself, E earth return, Zi internal impedance. Built over all physical conductors, then reduced
-// to the equivalent ones and averaged over transposed circuits.
+// Here h is the average height, r the radius, D2 and d2 are the squared distances from conductor i
+// to the image of j and to j itself, E is the earth return and Zi the internal impedance. The
+// matrices are built over all physical conductors, reduced to the equivalent ones and averaged over
+// transposed circuits.
 #include "overhead/overhead_zy.h"
 
 #include "base/console.h"
@@ -29,7 +29,8 @@ namespace lcp {
 
 namespace {
 
-// A conductor in the ground or without a radius has no logarithm, and its earth return no end.
+// A conductor in the ground or without radius has no logarithm, and its earth-return integral
+// diverges.
 void checkConductor(int i) {
   const ConductorTable& C = RUNDATA.cond;
   const std::string name = fmt::format("Conductor at X = {:.4g} m, Y = {:.4g} m", C.CX[i], C.CY[i]);
@@ -42,14 +43,14 @@ void checkConductor(int i) {
   stopInStars();
 }
 
-// Room for n conductors in all.
+// Maps the matrices for n conductors.
 void mapMatrices(int n) {
   OverheadStore& S = OVERHEAD;
   for (ConductorMatrix* M : {&S.PGEO, &S.PRED, &S.PINV, &S.ZWORK, &S.PZWORK}) M->map(n);
   S.DINV.map(n);
 }
 
-// Logarithms and image distances of all pairs of physical conductors.
+// Logarithms and reciprocal squared image distances of all pairs of physical conductors.
 void prepareGeometry(int n) {
   const ConductorTable& C = RUNDATA.cond;
   OverheadStore& S = OVERHEAD;
@@ -69,7 +70,7 @@ void prepareGeometry(int n) {
   }
 }
 
-// The potential coefficients of the equivalent conductors and their inverse.
+// Potential coefficients of the equivalent conductors, and their inverse.
 void prepareAdmittance(int n, int nc) {
   OverheadStore& S = OVERHEAD;
   for (int j = 1; j <= n; ++j) {
@@ -97,15 +98,15 @@ void fillImpedance(double w, int n) {
   }
 }
 
-// Conductance stands on the diagonal of Y alone, as the imaginary part of Y / (j w C0).
+// Conductance is only on the diagonal of Y, as the imaginary part of Y / (j w C0).
 void setConductance(double w, int nc) {
   for (int i = 1; i <= nc; ++i) {
     OVERHEAD.PINV(i, i).imag(-RUNDATA.cond.CSHUNT[i] / (w * C0));
   }
 }
 
-// Row i of PINV ZWORK as a sum of columns of ZWORK, both symmetric: PINV is real but for its
-// diagonal, so that the sum runs over reals side by side.
+// Row i of PINV ZWORK as a sum of columns of ZWORK, both symmetric. PINV is real except on its
+// diagonal, so the sum runs over contiguous real numbers.
 void productRow(int i, int nc) {
   OverheadStore& S = OVERHEAD;
   double row[2 * LDMAT] = {};
@@ -120,7 +121,7 @@ void productRow(int i, int nc) {
   }
 }
 
-// PINV ZWORK; with eliminated conductors among the first nc ZWORK is not symmetric.
+// Forms PINV ZWORK. With eliminated conductors among the first nc, ZWORK is not symmetric.
 void formProduct(int n, int nc) {
   OverheadStore& S = OVERHEAD;
   if (leadingKept(n) < nc) {
@@ -130,7 +131,7 @@ void formProduct(int n, int nc) {
   for (int i = 1; i <= nc; ++i) productRow(i, nc);
 }
 
-// j x value; the sum with 0 keeps a zero part from a minus sign.
+// j x value; adding 0 prevents negative zeros.
 Complex timesJ(double x, Complex value) { return {0.0 - x * value.imag(), x * value.real()}; }
 
 } // namespace
