@@ -22,7 +22,7 @@ constexpr double EXTRAPOLE = -PI; // rad/s
 
 RealMatrix YDC, HDC;
 
-// The real pole that takes up the difference to the DC values.
+// Adds the real pole that takes up the difference to the DC values.
 void addExtraPole(int& N) {
   const int n = RUNDATA.line.NC;
   DCVALUES(YDC, HDC);

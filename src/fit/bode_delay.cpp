@@ -1,12 +1,12 @@
-// A propagation function is H = A exp(-j w TAU) with A of minimum phase, whose phase follows from
-// its magnitude a = |H|. With u = ln(w / w0) and the slope S = d ln a / d ln w at w0,
+// A propagation function is H = A exp(-j w TAU), where A has minimum phase, so that its phase
+// follows from its magnitude a = |H|. With u = ln(w / w0) and the slope S = d ln a / d ln w at w0,
 //
 //   CORR w0 = pi/2 S + 1/pi  integral of (|d ln a / du| - |S|) ln coth(|u| / 2) du,
 //   TAU = LEN / V(w0) + CORR
 //
-// S is a central difference, the integral a sum over the grid intervals of a decade to both sides,
-// with the kernel at the middle frequency of each. Magnitudes are held above 1e-302, so that a mode
-// that has vanished keeps finite logarithms.
+// S is a central difference; the integral is a sum over the grid intervals within a decade on both
+// sides, with the kernel at the middle frequency of each. Magnitudes are limited to at least
+// 1e-302, so that a vanished mode keeps finite logarithms.
 #include "fit/bode_delay.h"
 
 #include "base/constants.h"
@@ -19,19 +19,19 @@ namespace lcp {
 namespace {
 
 constexpr double LEASTMAGNITUDE = 1e-302;
-constexpr double DECADEBELOW = 0.1; // range of the integral over w0
+constexpr double DECADEBELOW = 0.1; // range of the integral relative to w0
 constexpr double DECADEABOVE = 10.0;
 
 double magnitude(Complex h) { return std::max(std::abs(h), LEASTMAGNITUDE); }
 
-// First step where the magnitude has fallen to the threshold, with neighbours on both sides.
+// First step where the magnitude has fallen to the threshold, limited to steps with two neighbours.
 int thresholdStep(const ComplexCurve& HM, int NS, double THRESH) {
   int k = 1;
   while (k < NS && !(magnitude(HM[k]) <= THRESH)) ++k;
   return std::max(std::min(k, NS - 1), 2);
 }
 
-// The last step below that ratio to w0; 1 when there is none.
+// Last step below this ratio to w0; 1 if there is none.
 int lastStepBelow(double ratio, double w0, const FreqCurve& WFREQ, int NS) {
   int last = 1;
   for (int k = 1; k <= NS; ++k) {

@@ -12,8 +12,8 @@ namespace lcp {
 
 namespace {
 
-constexpr double BELOW = 0.1;       // of the lowest frequency of the fit
-constexpr double APART = 0.3162278; // of a slow pole of the fit: half a decade
+constexpr double BELOW = 0.1;       // relative to the lowest frequency of the fit
+constexpr double APART = 0.3162278; // relative to a slow pole of the fit: half a decade
 
 } // namespace
 

@@ -1,4 +1,5 @@
-// With G and R the real parts of Y and Z at a frequency that counts as zero, G R = T diag(l) T^-1:
+// With G and R the real parts of Y and Z at a frequency that counts as zero, and G R = T diag(l)
+// T^-1:
 //
 //   gamma_i = sqrt(l_i),  Yc(0) = (T diag(gamma) T^-1)^-1 G,  H(0) = T diag(exp(-gamma_i l)) T^-1
 #include "fit/dc_values.h"
@@ -27,7 +28,7 @@ void dropImaginaryParts(LineMatrix& A, int n) {
   }
 }
 
-// Modes of the product: a full solution, whose order does not matter here.
+// Modes of the product by a full solution; their order does not matter here.
 void solveModes(int n) {
   FirstLoopStore& S = SOLVEDATA.first;
   if (S.IDEALT) {

@@ -1,8 +1,8 @@
-// First delays come from the gain-phase relation, each mode by itself. A group is fitted by the
-// mean of the propagation functions of its modes, with the delay taken out. Its delay is searched
-// anew at each number of poles, from the delay last reached and within 20 per cent of the delay at
-// the start of the attempt; the first step is half the sum of the minimum-phase part and all steps
-// so far.
+// First delays follow from the gain-phase relation, mode by mode. A group is fitted to the mean of
+// the propagation functions of its modes, with the delay removed. Its delay is searched again at
+// each number of poles, starting from the last delay and within 20 percent of the delay at the
+// start of the attempt; the first step is half the sum of the minimum-phase part and all steps so
+// far.
 #include "fit/delay_groups.h"
 
 #include "base/big_store.h"
@@ -19,17 +19,17 @@ namespace lcp {
 
 namespace {
 
-constexpr double THRESH = 0.01;       // magnitude at which a mode's first delay is taken
+constexpr double THRESH = 0.01;       // magnitude at which the first delay of a mode is taken
 constexpr double GROUPANGLE = 10.0;   // phase within which modes share a delay, degrees
-constexpr double NOERROR = 1000000.0; // of a group or a delay that was not fitted yet
-constexpr double UPPER = 1.2;         // bounds of a search over the delay at the attempt's start
+constexpr double NOERROR = 1000000.0; // of a group or delay that was not fitted yet
+constexpr double UPPER = 1.2;         // bounds of a search, relative to the delay at its start
 constexpr double LOWER = 0.8;
 
-// What the groups keep from one attempt to the next. The table of tried delays is never cleared.
+// Data of the groups kept between attempts. The table of tried delays is never cleared.
 struct GroupStore {
   CurveVector<Complex, NGMAX, MAXFREQ> H; // mean propagation function of group g
-  GroupReals TSTEP;                       // where the next search takes its first step from, s
-  GroupReals ERRG;                        // largest deviation of its last fit
+  GroupReals TSTEP;                       // base of the first step of the next search, s
+  GroupReals ERRG;                        // largest deviation in its last fit
   DelayTable tried;
 };
 
@@ -47,7 +47,7 @@ void firstDelays(ModeDelays& D, int n) {
   }
 }
 
-// Adds a mode to its group; the first one gives the group its delay.
+// Adds a mode to its group; the first mode sets the delay of the group.
 void addMode(int g, int members, int i, const ModeDelays& D) {
   const int NS = SOLVEDATA.grid.NFUSE;
   const ComplexCurve& H = SOLVEDATA.second.HMODE.curve(D.mode[i]);
@@ -71,8 +71,8 @@ struct Bounds {
   double low, up; // s
 };
 
-// Searches the delay of group g at its present number of poles and fits its poles; s0 gives the
-// first step. Returns the largest deviation.
+// Searches the delay of group g with its present number of poles and fits the poles; s0 determines
+// the first step. Returns the largest deviation.
 double fitGroup(int g, double s0, Bounds bounds) {
   static FunctionFit fit;
   const FrequencyGrid& G = SOLVEDATA.grid;

@@ -1,4 +1,4 @@
-// Delay groups: modes whose delays nearly agree share one delay and one set of poles.
+// Delay groups: modes with nearly equal delays share one delay and one set of poles.
 #pragma once
 
 #include "fit/partial_fractions.h"
@@ -7,37 +7,38 @@
 
 namespace lcp {
 
-// First delays of n modes by rising delay, each with its minimum-phase part and the number of its
-// mode.
+// First delays of n modes in ascending order, each with its minimum-phase part and mode number.
 struct ModeDelays {
   ModeReals tau;  // s
   ModeReals corr; // s
   ModeInts mode;
 };
 
-// Brings them into that order; equal ones keep theirs.
+// Sorts them by ascending delay; equal delays keep their order.
 void sortDelays(ModeDelays& D, int n);
 
-// Group of each mode, by rising delay: the first mode of a group anchors it and takes in all that
-// follow within tol, s. Returns the number of groups.
+// Assigns modes, by ascending delay, to groups: the first mode of a group takes in all that follow
+// within tol, s. Returns the number of groups.
 int assignGroups(const ModeReals& tau, int n, double tol, ModeInts& group);
 
-// Groups the modes of the solve store, within 10 degrees of phase at the highest fitted frequency.
-// FITMODEL: NGROUP, TAU as it follows from the first mode of each group, no poles.
+// Groups the modes of the solve store that agree within 10 degrees of phase at the highest fitted
+// frequency. Sets NGROUP of FITMODEL and TAU from the first mode of each group; there are no poles
+// yet.
 void FORMGROUPS();
 
-// Behind FORMGROUPS: the mean propagation function of the modes of group g, and the minimum-phase
-// part of its first delay, s.
+// After FORMGROUPS: mean propagation function of the modes of group g, and minimum-phase part of
+// its first delay, s.
 const ComplexCurve& groupCurve(int g);
 double groupCorrection(int g);
 
-// One attempt: each group whose error is above TARGET gets poles, one at a time, each time with a
-// new search for its delay, until its largest deviation is TARGET or it has limit poles. Sets TAU,
-// NH and HPOLE of FITMODEL, prints the table of the groups; false when none of them changed.
+// One attempt: each group whose error exceeds TARGET gets more poles, one at a time with a new
+// search for its delay, until its largest deviation is at most TARGET or it has `limit` poles. Sets
+// TAU, NH and HPOLE of FITMODEL and prints the table of the groups. Returns false if no group
+// changed.
 bool HMODEFIT(double TARGET, int limit);
 
-// False when a lower target could not change anything: a group below the limit would need an error
-// above zero.
+// Returns false if a lower target cannot change anything, because every group below the limit
+// already has an error of zero.
 bool groupsCanGrow(int limit);
 
 } // namespace lcp

@@ -1,6 +1,6 @@
-// A step d that did not lower the error is halved and turned round. A delay that comes back
-// exactly, mostly at a bound, is not fitted again. Delays are compared as they are, so the road of
-// a search hangs on their last bits.
+// A step d that did not reduce the error is halved and reversed. A delay that occurs again exactly,
+// mostly at a bound, is not fitted again. Delays are compared bit by bit, so the path of a search
+// depends on their last bits.
 #include "fit/delay_search.h"
 
 #include <cmath>
@@ -9,7 +9,7 @@ namespace lcp {
 
 namespace {
 
-// Position of that very delay; 0 when it was not tried.
+// Position of exactly this delay in the table; 0 if it was not tried.
 int positionOf(double tau, const DelayTable& T) {
   for (int i = 1; i <= DELAYENTRIES; ++i) {
     if (T.tau[i] == tau) return i;

@@ -1,4 +1,4 @@
-// Lines that the console tables of the fits share.
+// Console lines shared by the tables of the fits.
 #pragma once
 
 #include "base/record.h"
@@ -7,28 +7,28 @@
 
 namespace lcp {
 
-// A rule of so many signs behind one blank: equal signs or hyphens.
+// A rule of equal signs or hyphens after one blank.
 void fitRule(char sign, int length = 68);
 
-// The line of the error that was asked for, in per cent.
+// Prints the requested error in percent.
 void printErrorRequested(double percent);
 
-// An error in per cent: in scientific form where it is small.
+// Appends an error in percent; small errors are in scientific form.
 constexpr double SMALLERROR = 0.0005;
 Record& addError(Record& row, double percent);
 
-// The warning of an error above the one that was asked for, its lines moved in by so many blanks.
-// The run ends with exit status 2.
+// Prints the warning of an error above the requested one, with its lines indented. The run will end
+// with exit status 2.
 void warnOfError(std::string_view indent);
 
-// The same of one function in one line, when its error, a fraction, is above the target. True when
-// it is.
+// The same for one function in one line, if its error, a fraction, exceeds the target; returns
+// whether it does.
 bool warnOfMiss(std::string_view function, double err, double target);
 
-// A warning of one line. The run ends with exit status 2.
+// Prints a warning of one line. The run will end with exit status 2.
 void warnInLine(std::string_view text);
 
-// Ends the run: a fit that gave values that are not finite, or cannot be made. Exit status 1.
+// Ends the run with exit status 1, for a fit that is impossible or gave values that are not finite.
 [[noreturn]] void refuseFit(std::string_view why);
 
 } // namespace lcp

@@ -28,7 +28,7 @@ void printHeading() {
   fitRule('=');
 }
 
-// The elements below the diagonal stand for both.
+// Copies the elements below the diagonal to those above it.
 void makeSymmetric() {
   const int n = FITMODEL.NC;
   for (int c = 1; c <= n; ++c) {

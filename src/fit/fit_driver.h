@@ -1,5 +1,4 @@
-// The phase-domain fit, from the sampled Yc and H to the record that the model file is written
-// from.
+// The phase-domain fit, from the sampled Yc and H to the record for the model file.
 #pragma once
 
 #include "fit/admittance_fit.h"
@@ -7,20 +6,20 @@
 
 namespace lcp {
 
-// Fit Yc, and after it H, of the solve store into FITMODEL, with the options of the run store, and
-// print the fit tables.
+// Fit Yc and then H of the solve store into FITMODEL, with the options of the run store, and print
+// the fit tables.
 void fitAdmittance();
 void fitPropagation();
 
-// Their steps: room for the model and the heading of the tables; what the options of the run store
-// ask of the fits; the end of the table of Yc, where the model of Yc becomes symmetric.
+// Their steps: beginPhaseFit maps the model and prints the heading; the wishes come from the
+// options of the run store; endAdmittanceFit makes the model of Yc symmetric and ends its table.
 void beginPhaseFit();
 AdmittanceWish admittanceWish();
 void endAdmittanceFit();
 PropagationWish propagationWish();
 
-// Closes the tables. A negative delay of the fit ends the run with a message, exit status 1; one
-// above 1 s is warned of.
+// Closes the tables. A negative delay ends the run with a message and exit status 1; a delay above
+// 1 s gives a warning.
 void CHECKDELAYS();
 
 } // namespace lcp

@@ -1,5 +1,7 @@
-// What the fits share: the least-squares problem at hand, the models of modes and of the series
-// impedance, and the fitted curves. The phase model is in store/fitmodel.
+// Stores shared by the fits: least squares, models of modes and of the series impedance, fitted
+// curves.
+//
+// The phase model is in store/fitmodel.
 #pragma once
 
 #include "base/big_store.h"
@@ -9,9 +11,9 @@
 
 namespace lcp {
 
-// The stores are mapped before anything of a file that includes this is initialised.
+// All stores are mapped before any variable of an including file is initialised.
 
-// Matrix and right-hand sides of the least-squares problem at hand. One store for all fits: a
+// Matrix and right-hand sides of the current least-squares problem. All fits share one store: a
 // routine that calls another fit finds it overwritten.
 struct LeastSquaresStore {
   double A[static_cast<std::size_t>(LSROWS) * LSCOLS];
@@ -19,21 +21,21 @@ struct LeastSquaresStore {
 
   RView matrix() { return {A, LSROWS}; }
   RView rightSides() { return {B, LSROWS}; }
-  RView rightSides(int rows) { return {B, rows}; } // side by side: many of them stay near
+  RView rightSides(int rows) { return {B, rows}; } // compact: more of them stay cached
 };
 
 inline LeastSquaresStore& LSQ = bigStore<LeastSquaresStore>();
 
-// The fitted functions at the grid points, as the fits left them, whatever an enforcement does to
-// the residues: the detail curve files show them beside the sampled ones. Only the improved
-// enforcement renews them.
+// The fitted functions at the grid points as the fits left them, for the detail curve files. A
+// passivity enforcement changes the residues but not these; only the improved enforcement updates
+// them.
 struct FittedCurves {
-  // The fit whose error is printed: before the symmetry of the model is made exact, and without the
-  // extra pole of a DC correction. S
+  // The fit whose error is printed, S: before the model is made symmetric, and without the extra
+  // pole of a DC correction.
   CurveMatrix<Complex, MAXFREQ> YC;
-  CurveMatrix<Complex, MAXFREQ> H; // behind order reduction and DC correction
+  CurveMatrix<Complex, MAXFREQ> H; // after order reduction and DC correction
 
-  // By delay group: the function that its poles were fitted to, without the delay, and its fit.
+  // By delay group: the function its poles were fitted to, with the delay removed, and its fit.
   CurveVector<Complex, NGMAX, MAXFREQ> GROUP;
   CurveVector<Complex, NGMAX, MAXFREQ> GROUPFIT;
 };
@@ -46,14 +48,14 @@ struct RationalFit {
   double D;    // constant term
   PoleTable P; // poles, rad/s
   PoleTable R; // residues
-  double ERR;  // largest deviation over the largest magnitude of the function
+  double ERR;  // largest deviation relative to the largest magnitude of the function
 };
 
-// The frequency dependent (mode) model.
+// The frequency-dependent mode model.
 struct ModeModel {
   Table<RationalFit, LDMAT> Z;       // surge impedance of mode i, ohm
-  Table<RationalFit, LDMAT> A;       // propagation function of mode i without its delay
-  SquareStore<RationalFit, LDMAT> T; // element (i, r) of the transformation, of mode i in row r
+  Table<RationalFit, LDMAT> A;       // propagation function of mode i with its delay removed
+  SquareStore<RationalFit, LDMAT> T; // element (i, r) of the transformation: mode i, row r
 };
 
 inline ModeModel& MODEMODEL = bigStore<ModeModel>();

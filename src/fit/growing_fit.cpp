@@ -1,5 +1,6 @@
-// Vector fitting in three passes from poles spaced evenly over the logarithm of the frequency. With
-// the count all starts anew: the poles, and for a propagation function the delay and its table.
+// Vector fitting in three passes from poles spaced evenly over the logarithm of the frequency. Each
+// pole count starts from new poles and, for a propagation function, from the first delay and an
+// empty table.
 #include "fit/growing_fit.h"
 
 #include "base/console.h"
@@ -16,11 +17,11 @@ namespace lcp {
 namespace {
 
 constexpr int PASSES = 3;
-constexpr double DELAYUP = 1.2; // bounds of the delay search over the first delay
+constexpr double DELAYUP = 1.2; // bounds of the delay search relative to the first delay
 constexpr double DELAYLOW = 0.8;
-constexpr double FIRSTSTEP = 0.5; // first step of the search over the correction of the delay
+constexpr double FIRSTSTEP = 0.5; // first step of the search relative to the delay correction
 
-constinit FunctionFit model{}; // of the count at hand
+constinit FunctionFit model{}; // for the current number of poles
 
 bool finished(const RationalFit& FIT, int NMAX, double TARGET) {
   return FIT.ERR <= TARGET || FIT.N >= std::min(NMAX, NPMAX);
@@ -59,7 +60,7 @@ double DELAYFIT(int NS, const FreqCurve& WFREQ, const ComplexCurve& F, const Fre
   do {
     FIT.N += 1;
     startingPoles(FIT.P, FIT.N, WFREQ[1], WFREQ[NS]);
-    // compared with 0 no error is lower, so the first step is a quarter of the correction back
+    // compared with 0, no error is lower: the first step becomes minus a quarter of the correction
     search = {first.TAU, first.CORR * FIRSTSTEP, 0.0, DELAYUP * first.TAU, DELAYLOW * first.TAU};
     DelayTable tried;
     SEARCHDELAY(search, tried, Q, FIT.N, FIT.P, model, errors);

@@ -1,14 +1,14 @@
-// The poles come from vector fitting of the trace of F. Over them, with the real basis functions
-// phi_m and weights W_k, one linear least-squares problem has all elements as right-hand sides:
+// The poles come from vector fitting the trace of F. With the real basis functions phi_m and
+// weights W_k, one linear least-squares problem has all elements as right-hand sides:
 //
 //   W_k (sum over m of x_m phi_m(j w_k) + D + j w_k E) = W_k F(i,j)(j w_k),   k = 1 to NS,
 //
-// real parts in rows 1 to NS, imaginary parts below them. Its columns are not scaled: those of
-// poles are of the size 1 / w, that of E of the size w, so the rank at RCOND has a say in the
-// result, and so has the order of the columns.
+// real parts in rows 1 to NS, imaginary parts below them. The columns are not scaled: those of
+// poles are of order 1 / w, that of E is of order w, so the rank at RCOND and the order of the
+// columns affect the result.
 //
-// With values at s = 0 to be met, the unknowns are those of F(i,j) - DC(i,j), each basis function
-// has its value at s = 0 taken off, and D follows from DC = D - sum R / p.
+// If values at s = 0 are prescribed, the unknowns are those of F(i,j) - DC(i,j), the value at s = 0
+// is subtracted from each basis function, and D follows from DC = D - sum R / p.
 #include "fit/matrix_fit.h"
 
 #include "base/finite.h"
@@ -24,7 +24,7 @@ namespace lcp {
 namespace {
 
 constexpr double RCOND = 1e-14; // of the residue problem
-constexpr double TINY = 1e-20;  // magnitudes up to this are not divided by
+constexpr double TINY = 1e-20;  // smaller magnitudes are not divided by
 
 ComplexCurve trace, phi;
 PoleClasses CINDEX;
@@ -38,8 +38,8 @@ void findPoles(const MatrixFit& Q, int N) {
   RELOCATE(Q.PASSES, samples, N, Q.P);
 }
 
-// Columns of the basis, of the constant unless the values at s = 0 fix it, and of E. Returns how
-// many there are.
+// Fills the columns of the basis, of the constant unless prescribed values at s = 0 fix it, and of
+// E. Returns their number.
 int fillMatrix(const MatrixFit& Q, int NS, int N) {
   const FrequencyGrid& G = SOLVEDATA.grid;
   const RView A = LSQ.matrix();

@@ -1,5 +1,7 @@
-// The frequency dependent (mode) model: surge impedance, attenuation with its travel time, and row
-// of the current transformation of each mode, fitted one by one.
+// The frequency-dependent mode model, fitted function by function.
+//
+// It consists of surge impedance, attenuation with travel time, and row of the current
+// transformation of each mode.
 #pragma once
 
 #include "fit/fit_store.h"
@@ -8,30 +10,31 @@
 
 namespace lcp {
 
-// On the console, ahead of a line whose first number is the error, a fraction.
+// Console lines followed by a line whose first number is the error, a fraction.
 constexpr std::string_view SURGELINE = "Mode {} Surge Impedance:";
 constexpr std::string_view ATTENUATIONLINE = "Mode {} Attenuation Constant:";
 
-// All functions of all modes, below the heading of the lines that the fits print.
+// fitModes fits all functions of all modes; printModeFitsHeading prints the heading of their lines.
 void fitModes();
 void printModeFitsHeading();
 
-// Each fits its function of mode i over the NFUSE grid points of the solve store and leaves the
-// outcome in MODEMODEL. The travel time of the mode becomes the delay found (TAUMS, ms), and the
-// angle of its propagation function that without the delay (HARG, degrees, above -360 up to 0).
+// Each fits its function of mode i over the NFUSE grid points of the solve store and stores the
+// result in MODEMODEL. fitAttenuation also sets the travel time of the mode, TAUMS (ms), to the
+// delay found, and HARG to the angle of its propagation function without the delay (degrees, above
+// -360 up to 0).
 void fitSurgeImpedance(int i);
 void fitAttenuation(int i);
 
-// The stored angle of mode i loses the part of the delay TAU, s, and ends above -360, up to 0.
+// Removes the delay TAU, s, from the stored angle of mode i, which ends above -360, up to 0.
 void turnBack(int i, double TAU);
 
-// The sampled magnitude of the element becomes negative, and its angle turned by 180 degrees, when
-// the real part is not positive on the mean. With a constant transformation the element is that
-// signed magnitude at the constant transform step, without poles; else it is fitted.
+// Makes the sampled magnitude of the element negative, and rotates its angle by 180 degrees, if the
+// mean of its real part is not positive. With a constant transformation the element is this signed
+// magnitude at the constant-transformation step, without poles; otherwise it is fitted.
 void fitTransformElement(int i, int r);
 
-// Its first part, the sign alone; true when with a constant transformation that is all, and the
-// element stands in MODEMODEL.
+// The first part of this. Returns true if the transformation is constant; the element is then
+// complete in MODEMODEL.
 bool constantElement(int i, int r);
 
 } // namespace lcp

@@ -13,7 +13,7 @@ void PRUNEPOLE(double RATIOMAX, bool& DONE) {
   for (int g = 1; g <= FITMODEL.NGROUP; ++g) {
     if (KILL[g] == 0) continue;
     REMOVEPOLE(g, KILL[g]);
-    DONE = false; // also a limit below 0 comes to an end, when no real pole is left
+    DONE = false; // so a negative limit ends too, when no real pole is left
   }
 }
 

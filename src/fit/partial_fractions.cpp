@@ -101,7 +101,7 @@ void asymptotes(double D, double E, const FreqCurve& WFREQ, int NS, ComplexCurve
   for (int k = 1; k <= NS; ++k) F[k] = Complex(D, WFREQ[k] * E);
 }
 
-// F + R1 u1 + R2 u2 + ..., C terms a sweep.
+// F = F + R1 u1 + R2 u2 + ..., C terms per sweep.
 template <int C> void addTerms(const Complex* R, const ComplexCurve* u, int NS, ComplexCurve& F) {
   Complex r[C];
   std::copy_n(R, C, r);

@@ -1,8 +1,8 @@
-// Partial fractions F(s) = D + s E + sum over m of R_m / (s - p_m) with real and complex poles:
-// classes of poles, the real basis in which least squares finds the residues, and evaluation.
+// Partial fractions F(s) = D + s E + sum over m of R_m / (s - p_m) with real and complex poles.
 //
-// Poles in rad/s. Complex poles come in pairs, the two side by side; that they are conjugates is
-// taken for granted, the second is never looked at.
+// Classes of poles, the real basis for the least-squares problem of the residues, and evaluation.
+// Poles are in rad/s. Complex poles come in adjacent pairs, which are assumed to be conjugate; the
+// second of a pair is never read.
 #pragma once
 
 #include "base/matrix.h"
@@ -17,7 +17,7 @@ constexpr int REALPOLE = 0;
 constexpr int PAIRFIRST = 1;
 constexpr int PAIRSECOND = 2;
 
-// Class of each of the N poles P. A pole is real when its imaginary part is exactly 0.
+// Class of each of the N poles P. A pole is real if its imaginary part is exactly 0.
 void classifyPoles(const PoleTable& P, int N, PoleClasses& CINDEX);
 
 // 1 / (s - p)
@@ -28,37 +28,36 @@ inline Complex poleTerm(Complex s, Complex p) {
   return {x / d, -y / d};
 }
 
-// Value at s of basis function m, whose factor is a real unknown of the fit:
+// Value at s of basis function m, whose coefficient is a real unknown of the fit:
 //   real pole       1 / (s - p)
-//   first of pair   1 / (s - p) + 1 / (s - p*)     factor Re R of the first pole p
-//   second of pair  j / (s - p) - j / (s - p*)     factor Im R of the first pole p
+//   first of pair   1 / (s - p) + 1 / (s - p*)     coefficient Re R of the first pole p
+//   second of pair  j / (s - p) - j / (s - p*)     coefficient Im R of the first pole p
 Complex basisFunction(const PoleTable& P, const PoleClasses& CINDEX, int m, Complex s);
 
-// The same on the frequency axis, at s = j WFREQ[k], k = 1 to NS.
+// The same on the frequency axis, s = j WFREQ[k], k = 1 to NS.
 void basisCurve(const PoleTable& P, const PoleClasses& CINDEX, int m, const FreqCurve& WFREQ,
                 int NS, ComplexCurve& phi);
 
-// Where the real and the imaginary parts of a curve stand in a column of a real least-squares
-// problem.
+// Positions of the real and imaginary parts of a curve in a column of a real least-squares problem.
 struct ColumnRows {
   double* re;
   double* im;
 };
 
-// The usual place: real parts in rows 1 to NS, imaginary parts below them.
+// The usual positions: real parts in rows 1 to NS, imaginary parts below them.
 inline ColumnRows columnRows(RView A, int c, int NS) { return {A.column(c), A.column(c) + NS}; }
 
-// Columns of a curve, of a constant D and of a term s E, times the weight of each frequency.
+// Columns for a curve, for a constant D and for a term s E, times the weight of each frequency.
 void curveColumn(const ComplexCurve& F, const FreqCurve& WFIT, int NS, ColumnRows to);
 void constantColumn(const FreqCurve& WFIT, int NS, ColumnRows to);
 void proportionalColumn(const FreqCurve& WFREQ, const FreqCurve& WFIT, int NS, ColumnRows to);
 
-// Residue of pole m from the factors x(1), x(2).. of the basis functions, which stand in rows 1 and
-// up of column c of X. The two of a pair are exact conjugates.
+// Residue of pole m from the coefficients of the basis functions in column c of X. The residues of
+// a pair are exact conjugates.
 Complex residueOf(const PoleClasses& CINDEX, int m, RConstView X, int c);
 void residuesOf(const PoleClasses& CINDEX, int N, RConstView X, int c, PoleTable& R);
 
-// Value of the partial fractions at s, terms added in the order of the poles.
+// Value of the partial fractions at s, with terms added in the order of the poles.
 Complex partialFractions(const PoleTable& P, const PoleTable& R, int N, double D, double E,
                          Complex s);
 
@@ -66,8 +65,8 @@ Complex partialFractions(const PoleTable& P, const PoleTable& R, int N, double D
 void partialFractionCurve(const PoleTable& P, const PoleTable& R, int N, double D, double E,
                           const FreqCurve& WFREQ, int NS, ComplexCurve& F);
 
-// Its steps, for models with many elements over the same poles: u = 1 / (j w - p), once for a pole,
-// and F + R u, once for an element.
+// Its steps, for models with many elements over the same poles: u = 1 / (j w - p), once per pole,
+// and F = F + R u, once per element.
 void poleCurve(Complex p, const FreqCurve& WFREQ, int NS, ComplexCurve& u);
 void addTimes(Complex R, const ComplexCurve& u, int NS, ComplexCurve& F);
 

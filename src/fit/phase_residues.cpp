@@ -1,21 +1,23 @@
-// With the real basis functions phi_q of all poles of all groups in a row, q = 1 to n, and the
-// delay of each pole's group, the model of each element of H is
+// With the real basis functions phi_q of all poles of all groups, q = 1 to n, and the delay tau_q
+// of the group of each pole, the model of each element of H is
 //
 //   M(s) = sum over q of x_q B_q(s),   B_q(s) = phi_q(s) exp(-s tau_q),
 //
-// linear in the real unknowns x. All elements share the matrix and its factorisation. Rows are the
-// weighted real parts at s = j w_k above the imaginary ones. Columns are scaled to unit length.
+// which is linear in the real unknowns x. All elements share the matrix and its factorisation. Its
+// rows are the weighted real parts at s = j w_k above the imaginary parts; its columns are scaled
+// to unit length.
 //
-// A DC correction gives one real pole a of group 1, the closing pole c, the residue that follows
-// from M(0) = Hdc, where all delay factors are 1:
+// A DC correction determines the residue of a real pole a of group 1, the closing pole c, from M(0)
+// = Hdc, where all delay factors are 1:
 //
 //   -x_c / a + sum' x_q phi_q(0) = Hdc   ->   x_c = a (sum' x_q phi_q(0) - Hdc)
 //
-// over all poles but the closing one. Constrained, the fit knows this beforehand:
+// summed over all poles but the closing one. In the constrained case this is substituted into the
+// fit:
 //
 //   sum' x_q (B_q + a phi_q(0) B_c) = H + a Hdc B_c
 //
-// otherwise the closing pole comes to a fit that was made without it.
+// otherwise the closing pole is added to a fit made without it.
 #include "fit/phase_residues.h"
 
 #include "base/big_store.h"
@@ -36,18 +38,18 @@ namespace lcp {
 namespace {
 
 constexpr double RCOND = 1e-12;
-constexpr double LEASTVALUE = 1e-14; // of a singular value over the largest that counts
-constexpr double NORESIDUE = 1e-20;  // magnitude up to which a residue counts as 0
-constexpr double IMAGZERO = 1e-20;   // imaginary part, rad/s, up to which a first pole can close
-constexpr double RATIOMARGIN = 1.1;  // by which a ratio must lead to take the place of another
+constexpr double LEASTVALUE = 1e-14; // smallest singular value that counts, relative to the largest
+constexpr double NORESIDUE = 1e-20;  // a smaller residue counts as 0
+constexpr double IMAGZERO = 1e-20;   // largest imaginary part, rad/s, of a first pole that closes
+constexpr double RATIOMARGIN = 1.1;  // a ratio must exceed the largest so far by this factor
 constexpr double CLOSINGPOLE = -PI;  // rad/s
 
-// Elements whose models are summed together, and numbers of each that a sweep over the basis holds
-// in registers.
+// Number of elements whose models are summed together, and number of values of each that a sweep
+// over the basis keeps in registers.
 constexpr int ELEMENTS = 4;
 constexpr int WIDTH = 2 * LANES;
 
-// What a problem stands in, without gaps: mapped for the largest so far.
+// Storage of a problem without gaps, mapped for the largest problem so far.
 struct PhaseProblem {
   MappedArray<Complex> basis;
   MappedArray<double> A, B, U, VT;
@@ -60,29 +62,29 @@ template <class T> View<T> roomFor(MappedArray<T>& store, int rows, int columns)
   return {store.room(m * n), rows};
 }
 
-// One call's problem: its samples, its sizes, and views of the store.
+// The problem of one call: its samples, its sizes, and views of the storage.
 struct Problem {
   explicit Problem(const PhaseSamples& samples) : Q(samples), NS(samples.NS) {}
 
   const PhaseSamples& Q;
   int NS;
-  int poles = 0;    // of all groups, with the closing one
-  int unknowns = 0; // without it
-  int closing = 0;  // where it stands, in group 1; 0 for none
-  double a = 0;     // its value, rad/s
+  int poles = 0;    // of all groups, including the closing pole
+  int unknowns = 0; // without the closing pole
+  int closing = 0;  // index of the closing pole in group 1; 0 if none
+  double a = 0;     // the closing pole, rad/s
   bool constrained = false;
-  CView basis; // B_q, a column each
+  CView basis; // one column per B_q
   RView A;
   RView B;
 };
 
 Table<PoleClasses, NGMAX> CINDEX;
 ColumnReals atZero;             // phi_q(0)
-ColumnReals unknowns[ELEMENTS]; // and the residues of the closing pole
+ColumnReals unknowns[ELEMENTS]; // including the residues of the closing pole
 ColumnReals SCALE;
 ComplexCurve lag, curve;
 
-// The pole of group 1 that meets the DC value, added where there is none.
+// The pole of group 1 that meets the DC value; it is added if there is none.
 int closingPole(int DCTYPE) {
   if (DCTYPE != DCCONSTRAINED && DCTYPE != DCEXTRAPOLE) return 0;
   PoleTable& P = FITMODEL.HPOLE[1];
@@ -129,7 +131,7 @@ void formBasis(const Problem& p) {
   }
 }
 
-// curve = F + factor B_c, of a constrained fit; F otherwise
+// curve = F + factor B_c in a constrained fit, else F
 void formCurve(const Problem& p, const Complex* F, double factor) {
   std::copy_n(F, p.NS, curve.steps);
   if (!p.constrained) return;
@@ -158,7 +160,7 @@ void fillRightSides(const Problem& p, const RealMatrix* HDC) {
   }
 }
 
-// A of m rows and n columns becomes the sum of its singular triples that count: A = U S V^T.
+// Replaces A (m by n) by the sum of the terms of its singular value decomposition that count.
 void truncateRank(RView A, int m, int n) {
   static Table<double, LSROWS> S;
   const int least = std::min(m, n);
@@ -189,7 +191,7 @@ void solve(const Problem& p, bool SVDFLAG) {
   unscaleRows(p.B, n, elements, SCALE);
 }
 
-// x from the solution of an element.
+// Takes x from the solution for an element.
 void takeUnknowns(const Problem& p, int element, const RealMatrix* HDC, int r, int c,
                   ColumnReals& x) {
   const double* solution = p.B.column(element);
@@ -210,7 +212,8 @@ void storeResidues(const ColumnReals& x, int r, int c) {
   }
 }
 
-// sums(e) = sum over q of x(e,q) b_q, terms in order; b_q at WIDTH numbers, ld numbers apart.
+// sums(e) = sum over q of x(e,q) b_q in order; b_q has WIDTH values and is followed by the next at
+// ld.
 void sumTerms(const double* b, std::ptrdiff_t ld, int poles, double (&sums)[ELEMENTS][WIDTH]) {
   Lanes s[ELEMENTS][2] = {};
   for (int q = 1; q <= poles; ++q, b += ld) {
@@ -225,8 +228,8 @@ void sumTerms(const double* b, std::ptrdiff_t ld, int poles, double (&sums)[ELEM
   }
 }
 
-// The model of the elements in rows r to r + count - 1 of column c. The basis has room for whole
-// sweeps.
+// Evaluates the model of the elements in rows r to r + count - 1 of column c. The basis has room
+// for whole sweeps.
 LCP_WIDTHS("avx2") void evaluateModel(const Problem& p, int r, int c, int count) {
   const double* basis = reinterpret_cast<const double*>(p.basis.first);
   double sums[ELEMENTS][WIDTH];
@@ -267,7 +270,7 @@ void dropPolesWithoutResidue() {
 
 namespace {
 
-// Squared deviations over LANES sums side by side.
+// Squared deviations in LANES sums side by side.
 struct SquareSums {
   double sum[LANES] = {}, most[LANES] = {};
 
@@ -278,7 +281,8 @@ struct SquareSums {
   }
 };
 
-// Whether both measures of an element stay below those of others, whatever the moduli round to.
+// Whether both measures of an element are certainly smaller than those so far, regardless of
+// rounding.
 LCP_WIDTHS("avx2")
 bool clearlySmaller(const PhaseFit& fit, const Complex* M, const Complex* H, int NS) {
   SquareSums s;
@@ -287,7 +291,7 @@ bool clearlySmaller(const PhaseFit& fit, const Complex* M, const Complex* H, int
     for (int lane = 0; lane < LANES; ++lane) s.take(lane, M[k + lane] - H[k + lane]);
   }
   for (; k < NS; ++k) s.take(0, M[k] - H[k]);
-  const double squares = (s.sum[0] + s.sum[1]) + (s.sum[2] + s.sum[3]); // a NaN shows in it
+  const double squares = (s.sum[0] + s.sum[1]) + (s.sum[2] + s.sum[3]); // NaN if a deviation is NaN
   return squares < NS * squareBelow(fit.RMSERR) &&
          *std::max_element(s.most, s.most + LANES) < squareBelow(fit.MAXERR);
 }

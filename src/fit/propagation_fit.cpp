@@ -23,8 +23,8 @@ void checkFinite(const PhaseFit& fit) {
   refuseFit("The Fit of the Propagation Function gives no Finite Numbers!");
 }
 
-// Targets fall until the wish is met or no group takes another pole. A group's poles change only
-// when its error is above the target, so an attempt can leave all as it was.
+// Lowers the target until the error is met or no group can take another pole. The poles of a group
+// change only if its error is above the target, so an attempt may change nothing.
 PhaseFit runAttempts(const PropagationWish& wish) {
   const int limit = std::min(wish.MAXPA, NPMAX);
   PhaseFit fit{};

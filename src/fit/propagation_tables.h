@@ -1,5 +1,6 @@
-// Console tables of the fit of the propagation function. Errors are fractions, printed in per cent;
-// delays in seconds, printed in milliseconds.
+// Console tables of the fit of the propagation function.
+//
+// Errors are fractions and printed in percent; delays are in s and printed in ms.
 #pragma once
 
 #include "fit/phase_residues.h"
@@ -8,8 +9,8 @@
 
 namespace lcp {
 
-// The first lines of the tables of H, whose first numbers are the error in per cent: of the fit in
-// phases, and behind a DC correction.
+// First lines of the tables of H, whose first numbers are the error in percent: of the phase fit,
+// and after a DC correction.
 constexpr std::string_view HPHASEHEADING = " Hphase:      Maximum           Maximum       Maximum";
 constexpr std::string_view FINALHEADING =
     " Final Fit:   Maximum        Maximum      Number      Adjusted";
@@ -28,6 +29,6 @@ void printReducedGroups(); // poles of each group of FITMODEL
 
 void printCorrectionHeading();
 void printFinalFit(const PhaseFit& fit); // with the poles and delays of FITMODEL
-void printFitEnd();                      // in its place when there is no correction
+void printFitEnd();                      // printed instead if there is no correction
 
 } // namespace lcp

@@ -9,8 +9,8 @@ namespace lcp {
 
 namespace {
 
-// The length of a column from its sum of squares. Weights can be so large that squares overflow,
-// though lengths do not.
+// Length of a column from its sum of squares. Large weights can make squares overflow although
+// lengths do not.
 double lengthOf(const double* a, int m, double squares) {
   if (std::isfinite(squares)) return std::sqrt(squares);
   double largest = 0, sum = 0;
@@ -21,7 +21,7 @@ double lengthOf(const double* a, int m, double squares) {
   return unit * std::sqrt(sum);
 }
 
-// C columns a sweep, each summed in its own order.
+// C columns per sweep, each summed in its own order.
 template <int C> void scale(double* a, std::ptrdiff_t ld, int m, double* SCALE) {
   double sums[C] = {};
   for (int r = 0; r < m; ++r) {

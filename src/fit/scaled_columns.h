@@ -7,11 +7,11 @@ namespace lcp {
 
 using ColumnReals = Table<double, MAXCOLUMNS>;
 
-// Divides each of the n columns of A, of m rows, by its Euclidean length, which goes to SCALE; a
-// column of zeros keeps its values and counts as of length 1.
+// Divides each of the n columns of A, of m rows, by its Euclidean length, which is stored in SCALE;
+// a zero column is unchanged and has SCALE 1.
 void scaleColumns(RView A, int m, int n, ColumnReals& SCALE);
 
-// Turns the nrhs solutions for the scaled columns into those for the columns as they were.
+// Converts the nrhs solutions for the scaled columns to those for the original ones.
 void unscaleRows(RView X, int n, int nrhs, const ColumnReals& SCALE);
 
 } // namespace lcp

@@ -1,5 +1,5 @@
-// The pivots of one pole count go into the next, and those of one length into the next length: a
-// column that was in it keeps its place there, and one that is new stands behind them.
+// The pivots of one pole count are used for the next, and those of one line length for the next:
+// columns that were chosen before come first, new ones follow.
 #include "fit/series_fit.h"
 
 #include "base/console.h"
@@ -19,9 +19,9 @@ namespace {
 constexpr int PASSES = 10; // of the vector fit, for each number of poles
 constexpr int RULELENGTH = 53;
 
-ColumnInts JPVT; // column pivots, 0 at the start of the run only
+ColumnInts JPVT; // column pivots, 0 only at the start of the run
 
-// Poles start at the logarithms of the frequencies.
+// Poles start at the logarithms of the frequencies, which must be positive.
 void checkFrequencies() {
   const FrequencyGrid& G = SOLVEDATA.grid;
   if (std::all_of(G.WFREQ.steps, G.WFREQ.steps + G.NFUSE, [](double w) { return w > 0.0; })) return;

@@ -1,5 +1,5 @@
-// Vector fitting in its plain form. With a scaling function sigma that has the poles p_m of the
-// last pass and the constant term 1,
+// Vector fitting in its basic form. With a scaling function sigma that has the poles p_m of the
+// previous pass and the constant term 1,
 //
 //   sigma(s) = 1 + sum c_m / (s - p_m),   sigma(s) F(s) = D + s E + sum r_m / (s - p_m),
 //
@@ -7,14 +7,14 @@
 //
 //   W (sum r_m phi_m + D + s E) - W F sum c_m phi_m = W F
 //
-// F has its poles where sigma has its zeros. These are the eigenvalues of A - b c^T, where (A, b,
-// c) is the real state space form of sigma: blocks [a, beta; -beta, a] and b = (2, 0) for a pair a
-// +- j beta, p and b = 1 for a real pole. Over the new poles the residues are a linear problem. All
-// unknowns are real: phi_m are the basis functions of partial fractions.
+// The poles of F are the zeros of sigma, which are the eigenvalues of A - b c^T, where (A, b, c) is
+// the real state space form of sigma: blocks [a, beta; -beta, a] and b = (2, 0) for a pair a +- j
+// beta, p and b = 1 for a real pole. Over the new poles the residues are a linear problem. All
+// unknowns are real: phi_m are the basis functions of partial_fractions.h.
 //
-// The functions have blocks of columns (r, D, E) of their own in the first problem and share the
-// last N columns, c; rows are the real parts of all functions, then the imaginary parts. In the
-// second problem they are right-hand sides of one matrix.
+// In the first problem each function has its own block of columns (r, D, E) and all share the last
+// N columns, c; the rows are the real parts of all functions, then the imaginary parts. In the
+// second problem the functions are right-hand sides of one matrix.
 #include "fit/vector_fit.h"
 
 #include "base/console.h"
@@ -30,14 +30,14 @@ namespace lcp {
 namespace {
 
 constexpr double RCOND = 1e-16;
-constexpr double SMALLSAMPLE = 1e-100; // magnitude below which no relative deviation is taken
-constexpr double SMALLPEAK = 1e-20;    // ... below which deviations are not normalised
+constexpr double SMALLSAMPLE = 1e-100; // a smaller magnitude is not used for a relative deviation
+constexpr double SMALLPEAK = 1e-20;    // ... for normalising deviations
 
 PoleClasses CINDEX;
 ColumnReals SCALE;
 ComplexCurve phi;
 
-// Columns that a function has beside those of its poles.
+// Columns of a function in addition to those of its poles.
 int asymptoteColumns(int ASYMP) {
   if (ASYMP < NOASYMPTOTE || ASYMP > WITHPROPORTION) console::line("ERROR 1");
   return std::clamp(ASYMP, NOASYMPTOTE, WITHPROPORTION) - 1;
@@ -100,7 +100,7 @@ void solveScaled(int rows, int columns, int rightSides) {
   unscaleRows(LSQ.rightSides(), columns, rightSides, SCALE);
 }
 
-// State matrix of 1 / sigma: A - b c^T of sigma.
+// State matrix of 1 / sigma: A - b c^T.
 void stateMatrix(int N, const PoleTable& P, const double* c, RView Z) {
   for (int m = 1; m <= N; ++m) {
     std::fill_n(Z.column(m), N, 0.0);
@@ -114,7 +114,7 @@ void stateMatrix(int N, const PoleTable& P, const double* c, RView Z) {
   }
 }
 
-// Exchange sort by rising modulus. Conjugates have the same modulus and end side by side.
+// Exchange sort by ascending modulus. Conjugates have the same modulus and end up adjacent.
 void sortPoles(PoleTable& P, int N) {
   Table<double, NPMAX> modulus;
   for (int i = 1; i <= N; ++i) modulus[i] = std::abs(P[i]);

@@ -5,22 +5,22 @@
 
 namespace lcp {
 
-// What is done with a pole in the right half plane.
+// Treatment of a pole in the right half plane.
 constexpr int KEEPUNSTABLE = 1;
 constexpr int FLIPUNSTABLE = 2; // mirrored at the imaginary axis
 
-// What the fit has beside its poles.
+// Terms of the fit in addition to its poles.
 constexpr int NOASYMPTOTE = 1;    // D = E = 0
 constexpr int WITHCONSTANT = 2;   // D
 constexpr int WITHPROPORTION = 3; // D and s E
 
-// NF functions on one grid of NS frequencies, and how they are to be fitted: 2 NS NF up to LSROWS,
-// NF (N + ASYMP - 1) + N up to LSCOLS.
+// NF functions on one grid of NS frequencies, and options of the fit. 2 NS NF is at most LSROWS and
+// NF (N + ASYMP - 1) + N at most LSCOLS.
 struct FitSamples {
   int NS;
   int NF;
   const FreqCurve& WFREQ; // angular frequencies, rad/s
-  const ComplexCurve* F;  // the first of NF curves, one behind the other
+  const ComplexCurve* F;  // the first of NF consecutive curves
   const FreqCurve& WFIT;  // weight of each frequency
   int STABLE;             // FLIPUNSTABLE, or any other value
   int ASYMP;              // NOASYMPTOTE, WITHCONSTANT or WITHPROPORTION
@@ -34,31 +34,32 @@ struct FunctionFit {
   ComplexCurve FIT; // the model at the grid frequencies
 };
 
-// Deviations of model and samples, unweighted, over all functions.
+// Deviations between model and samples, unweighted, over all functions.
 struct FitErrors {
   double ERRMAX;  // largest
-  double ERRREL;  // largest over the frequencies of largest deviation / largest magnitude there
-  double ERRRMS;  // root of the mean square
-  double ERRNORM; // largest over the largest magnitude of all
+  double ERRREL;  // largest over the frequencies of the largest deviation / largest magnitude at
+                  // that frequency
+  double ERRRMS;  // root mean square
+  double ERRNORM; // largest, relative to the largest magnitude of all
 };
 
 // Starting pole I of N, rad/s, without its sign: evenly spaced in the logarithm from WLO to WHI;
 // WLO for a single pole.
 double LOGPOLE(int I, double WLO, double WHI, int N);
 
-// All N of them on the negative real axis.
+// All N starting poles, on the negative real axis.
 void startingPoles(PoleTable& P, int N, double WLO, double WHI);
 
-// One pass in its two halves: relocates the N poles (at most NPMAX), then finds residues, D, E,
-// model and deviations of each function over the new ones. POLES is in and out; after a pass sorted
-// by rising modulus. Uses the least-squares store and keeps nothing between calls.
+// One pass in two halves: relocates the N poles (at most NPMAX), then finds residues, D, E, model
+// and deviations of each function over the new poles. POLES is in and out, sorted by ascending
+// modulus on exit. Uses the least-squares store and keeps nothing between calls.
 void VFIT(const FitSamples& Q, int N, PoleTable& POLES, FunctionFit* FITS, FitErrors& ERRORS);
 
-// The first half, so many times: for fits that find the residues by a problem of their own.
+// Only the first half, `passes` times: for fits that find the residues by a problem of their own.
 void RELOCATE(int passes, const FitSamples& Q, int N, PoleTable& POLES);
 
-// So many passes, each from where the last one left the poles; of all but the last the residues are
-// of no use. With none the residues are those over the poles given.
+// Several passes, each from the poles of the previous one; the residues belong to the last pass.
+// With 0 passes they are those over the given poles.
 void VFITPASSES(int passes, const FitSamples& Q, int N, PoleTable& POLES, FunctionFit* FITS,
                 FitErrors& ERRORS);
 

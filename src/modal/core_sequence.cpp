@@ -11,7 +11,7 @@ constexpr int PHASES = 3;
 
 Complex mean(Complex sum, int count) { return sum / static_cast<double>(count); }
 
-// The 3 by 3 block behind the first conductors: one value for self terms, one for mutual terms.
+// Averages the 3 by 3 block after the first `before` conductors: one self value, one mutual value.
 void transposeBlock(CView M, int before) {
   Complex self;
   Complex mutual;

@@ -1,4 +1,4 @@
-// Load flow data of a cable system: that of its cores, with the sheaths and the pipe grounded.
+// Load-flow data of a cable system: those of its cores, with sheaths and pipe grounded.
 #pragma once
 
 #include "store/solvedata.h"
@@ -8,17 +8,18 @@ namespace lcp {
 // True for 2, 3 or 6 buried cables.
 bool hasCoreSequences();
 
-// What a cable system grounds of its own.
+// The original grounding of a cable system.
 struct Grounding {
   Table<int, MAXCABLE> CBGLAST;
   int PIPEGND;
 };
 
-// Leaves Y and Z of the cores alone in SOLVEDATA.first, at the frequency f, Hz: one conductor a
-// cable, three cables ideally transposed, two circuits of three each and against the other.
+// Grounds the sheaths and computes Y and Z of the cores in SOLVEDATA.first at frequency f, Hz: one
+// conductor per cable, three cables ideally transposed, two circuits of three each averaged
+// separately and against each other. Returns the original grounding.
 Grounding groundSheaths(double f);
 
-// Grounds what the system grounds of its own again, and computes its constants at f.
+// Restores the original grounding and recomputes the constants at f, Hz.
 void restoreSheaths(const Grounding& saved, double f);
 
 } // namespace lcp

@@ -1,7 +1,7 @@
-// Step 1 (on the Bergeron route also step 2) is a full eigen solution; it fixes the order of the
-// modes. Every other step starts from the solution of the step before and follows each mode by
-// Newton-Raphson. The solution accepted at step k is also stored at k + 1, where the next step
-// finds it as the start of its search, should it need one.
+// Step 1 (for Bergeron also step 2) is a full eigensolution, which fixes the order of the modes.
+// Every other step starts from the solution of the previous step and follows each mode by
+// Newton-Raphson. The solution accepted at step k is also stored at k + 1, as a start for the
+// search at that step, if it needs one.
 #include "modal/first_loop.h"
 
 #include "base/constants.h"
@@ -38,7 +38,7 @@ void idealStep(int k) {
   storeConstants(k);
 }
 
-// Decomposition from scratch, without a start.
+// Decomposition without a starting solution.
 void fullSolution(int k) {
   static LineMatrix copy;
   FirstLoopStore& S = SOLVEDATA.first;
@@ -64,8 +64,8 @@ void noteConstantScale() {
   S.PIVOTC = S.PIVOT;
 }
 
-// Notes the start of the constant transform step: the last step below its frequency. With the
-// frequency at or below the first step, the scale and the pivots of step 1 serve.
+// Records the start of the constant-transformation step: the last step below its frequency. If the
+// frequency is at or below the first step, scale and pivots of step 1 are used.
 void noteConstantStart(int k) {
   FirstLoopStore& S = SOLVEDATA.first;
   const FrequencyGrid& G = SOLVEDATA.grid;

@@ -1,7 +1,7 @@
-// PI: the steady-state frequency alone. Bergeron: the loss frequency, then the steady-state
-// frequency. Fitted models: equal steps of log10(w), five below the fit range and NFINC + 1 over
-// it, and behind them the frequency of the constant transformation; of a table of Y and Z its rows.
-// With the end of the range below its start the steps fall, and five lie above it.
+// PI: only the steady-state frequency. Bergeron: the loss frequency, then the steady-state
+// frequency. Fitted models: equal steps of log10(w), five below the fit range and NFINC + 1 in it,
+// followed by the frequency of the constant transformation; for a table of Y and Z its rows. If the
+// range ends below its start, the steps descend and the five extra steps are above it.
 #include "modal/frequency_grid.h"
 
 #include "base/console.h"
@@ -20,9 +20,9 @@ namespace lcp {
 namespace {
 
 constexpr int BELOW = 5;       // steps below the fit range
-constexpr int BEYOND = 7;      // steps that the grid has more than increments
-constexpr int LEASTROWS = 2;   // of a table: a first delay is drawn from a slope
-constexpr int SLOTSBEYOND = 8; // slots: a solution is also stored at the step behind its own
+constexpr int BEYOND = 7;      // grid steps in excess of the increments
+constexpr int LEASTROWS = 2;   // of a table: the first delay is found from a slope
+constexpr int SLOTSBEYOND = 8; // store slots: a solution is also stored at the following step
 
 [[noreturn]] void refuseGrid(std::string_view why) {
   console::openStars();
@@ -44,7 +44,7 @@ void layLogGrid() {
   }
   if (!(F.FCT > 0.0)) refuseGrid("Frequency to Calculate Constant Transform Must be > 0!");
   const double a = logOfRange(F.FSTART), b = logOfRange(F.FEND);
-  // A first delay is drawn from a slope over the grid, which is 0 / 0 there.
+  // The first delay is found from a slope over the grid, which would be 0 / 0 here.
   if (a == b && RUNDATA.model.needsModes()) {
     refuseGrid("Curve Fitting Start and End Frequency Must Differ!");
   }
@@ -58,7 +58,7 @@ void layLogGrid() {
   G.LOGW0 = a - BELOW * G.DLOGW;
 }
 
-// Rows are taken in any order; a fit of two at one frequency may fail.
+// Rows may be in any order, but a fit with two rows at one frequency can fail.
 void warnOfFallingRows() {
   const auto& F = YZTABLE.FTABLE;
   for (int k = 2; k <= RUNDATA.fit.NFINC; ++k) {
@@ -70,12 +70,13 @@ void warnOfFallingRows() {
   }
 }
 
-// What the description says behind the name of the file can be at odds with the table. A fit needs
-// the logarithm of each frequency; the PI model takes the first row at a frequency of its own.
+// The description after the file name may contradict the table. A fit needs the logarithm of each
+// frequency; the PI model takes the first row, whatever its frequency.
 void checkTable() {
   const bool fitted = RUNDATA.model.fitted();
   const int NFINC = RUNDATA.fit.NFINC;
-  // Elements that the table does not have are 0: no wave, and no number but of MFDTD.
+  // Elements missing in the table are 0, which gives no wave; only a model without modes can use
+  // them.
   if (RUNDATA.line.NC > YZTABLE.order && RUNDATA.model.needsModes()) {
     refuseGrid(fmt::format("Number of Conductors ({}) is Above That of the Y and Z Data ({})!",
                            RUNDATA.line.NC, YZTABLE.order));
@@ -91,7 +92,7 @@ void checkTable() {
   if (fitted) warnOfFallingRows();
 }
 
-// One row serves the PI model, which is one of the steady-state frequency.
+// The PI model uses one row; it should be at the steady-state frequency.
 void warnOfFirstRow() {
   if (YZTABLE.FTABLE[1] == RUNDATA.line.SSFREQ) return;
   console::warning(

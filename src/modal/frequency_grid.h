@@ -3,18 +3,18 @@
 
 namespace lcp {
 
-// Chooses NFREQ, DLOGW and LOGW0 for the selected model. Without a model, with a grid that the
-// stores cannot hold or no logarithm can lay, or with a table of Y and Z that is no function of
-// frequency, the run ends with a message, exit status 1.
+// Sets NFREQ, DLOGW and LOGW0 for the selected model. Ends the run with a message and exit status 1
+// without a model, for a grid that exceeds the stores or has no logarithm, and for an invalid table
+// of Y and Z.
 void layGrid();
 
-// Frequency of step k as the grid has it, Hz.
+// Frequency of step k on the grid, Hz.
 double gridFrequency(int k);
 
-// Stores the frequency of step k with its logarithms.
+// Stores the frequency of step k and its logarithms.
 void storeFrequency(int k, double f);
 
-// True at the step, out of order at the end, that serves the constant transformation.
+// True for the extra step at the end that evaluates the constant transformation.
 bool isConstantTransformStep(int k);
 
 } // namespace lcp

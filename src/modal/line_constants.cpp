@@ -21,14 +21,15 @@ namespace lcp {
 namespace {
 
 bool finite(const LineMatrix& A, int n) {
-  double sum = 0; // one infinity or one NaN shows in it
+  double sum = 0; // infinite or NaN if an element is
   for (int j = 1; j <= n; ++j) {
     for (int i = 1; i <= n; ++i) sum += std::fabs(A(i, j).real()) + std::fabs(A(i, j).imag());
   }
   return sum < BEYOND;
 }
 
-// With HALO Options the conductor table was not ordered: what leads it need not be what NC counts.
+// With HALO Options the conductor table is not ordered, so its first entries may not be those NC
+// counts.
 void checkOrder() {
   const RunData& R = RUNDATA;
   if (!R.model.MODHALO || R.run.DATAFMT != ROUTECONSTANTS) return;
@@ -41,7 +42,7 @@ void checkOrder() {
   stopInStars();
 }
 
-// An entry that nothing can be divided by says more than the element it spoils.
+// Names a bad input value if there is one, since that says more than the element it spoils.
 void noteReason(int n) {
   if (!RUNDATA.run.fromTable() && noteOddEntry()) return;
   noteUnsoundElement(SOLVEDATA.first.YMAT, SOLVEDATA.first.ZMAT, n);

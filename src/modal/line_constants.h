@@ -1,19 +1,17 @@
-// Y, Z and their normalised product at one frequency, by the routine of the kind of system or out
-// of the table of Y and Z.
+// Y, Z and their normalised product at one frequency, computed or taken from the table.
 #pragma once
 
 namespace lcp {
 
-// The most conductors that the matrices of the run can have: known before a cable system has
-// counted its own.
+// The maximum order of the run's matrices, known before a cable system has counted its conductors.
 int mostConductors();
 
-// Fills YMAT, ZMAT, PMAT of SOLVEDATA.first at the frequency f, Hz, and clears ISTATUS. Results
-// that are no numbers end the run with a message, exit status 1.
+// Computes YMAT, ZMAT and PMAT of SOLVEDATA.first at frequency f, Hz, and clears ISTATUS. If the
+// results are not finite, the run ends with a message and exit status 1.
 void constantsAt(double f);
 
-// The same for a frequency on the way to step k of the grid, or at the step itself. On the route of
-// the table a step is a row, whatever f says, and the way to it leads from the row before.
+// The same at step k of the grid or on the way to it. With a table a step is a row, whatever f is,
+// and the way to it starts at the previous row.
 enum class Place { OnTheWay, AtTheStep };
 void constantsAtStep(int k, double f, Place place);
 

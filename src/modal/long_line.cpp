@@ -3,8 +3,8 @@
 //   ZMM_kk = ZM_kk sinh(u_k) / u_k,  YMM_kk = YM_kk tanh(u_k / 2) / (u_k / 2)
 //   YLC = T YMM T^T,  ZLC = T^-T ZMM T^-1
 //
-// in the convention YM = T^-1 Y T^-T, ZM = T^T Z T. Off-diagonal elements of the modal matrices
-// (rounding, where all eigenvalues differ) stay as they are.
+// in the convention YM = T^-1 Y T^-T, ZM = T^T Z T. The off-diagonal elements of the modal
+// matrices, which are rounding errors if all eigenvalues differ, are left unchanged.
 #include "modal/long_line.h"
 
 #include "kernels/eigen_package.h"
@@ -26,7 +26,7 @@ constexpr double NOTSHOWN = 1e-20;
 ModeComplex eigenvalues;
 LineMatrix T, Ti, TiT, YMM, ZMM, product;
 
-// The product that the last decomposition was of, of so many rows; 0 when there is none to keep.
+// The product of the last decomposition and its order; 0 if there is none.
 LineMatrix decomposed;
 int decomposedOrder = 0;
 
@@ -38,8 +38,8 @@ bool sameBits(CConstView A, CConstView B, int n) {
   return true;
 }
 
-// Eigenvalues of Y Z, unit vectors T and their inverse. Model, report and all length steps ask for
-// those of one frequency.
+// Eigenvalues of Y Z, unit vectors T and their inverse. They are kept, since model, report and all
+// length steps use the same frequency.
 void decompose(CConstView Y, CConstView Z, int n) {
   CMATMUL(product, Y, Z, n);
   if (n == decomposedOrder && sameBits(product, decomposed, n)) return;
@@ -52,7 +52,7 @@ void decompose(CConstView Y, CConstView Z, int n) {
 
 bool canBeShown(Complex z) { return z.real() >= NOTSHOWN && z.imag() >= NOTSHOWN; }
 
-// f / u; both functions tend to their argument at 0, where a mode has no shunt admittance.
+// f / u; both functions tend to their argument at 0, for a mode without shunt admittance.
 Complex quotient(Complex f, Complex u) { return u == 0.0 ? 1.0 : f / u; }
 
 } // namespace

@@ -1,5 +1,5 @@
-// Two unit vectors at an angle t leave rows of length 1 / sin t at least in the inverse of the
-// transformation. So the length of the inverse tells at once that all modes are their own.
+// Two unit vectors at an angle t give rows of length at least 1 / sin t in the inverse of the
+// transformation. The length of the inverse therefore shows quickly whether all modes are distinct.
 #include "modal/lost_modes.h"
 
 #include "base/console.h"
@@ -13,9 +13,9 @@ namespace lcp {
 
 namespace {
 
-constexpr double ONEMODE = 1e-7;       // relative, above Newton's tolerance: modes nearer are one
-constexpr double LARGESTAPART = 1e7;   // square of the length of an inverse without such modes
-constexpr double MOSTCONDITION = 1e10; // above it results have hardly a digit
+constexpr double ONEMODE = 1e-7; // relative, above Newton's tolerance: closer modes count as one
+constexpr double LARGESTAPART = 1e7;   // squared norm of an inverse below which no modes coincide
+constexpr double MOSTCONDITION = 1e10; // above it results have hardly any correct digit
 
 bool areOne(int a, int b, const ModeComplex& EIG, CConstView TI, int n) {
   if (std::abs(EIG[a] - EIG[b]) > ONEMODE * std::abs(EIG[a])) return false;
@@ -64,7 +64,7 @@ void LostModes::look(int k) {
   double square = 0;
   for (int i = 1; i <= n; ++i) square += rowSquare(S.TIINV, i, n);
   if (!(square > LARGESTAPART)) return;
-  const double cond = std::sqrt(n * square); // the vectors have the length sqrt(n)
+  const double cond = std::sqrt(n * square); // the matrix of vectors has norm sqrt(n)
   Pair modes = doubledModes(S.EIG, S.TI, n);
   const bool one = modes.a > 0;
   if (!one && cond <= MOSTCONDITION) return;

@@ -1,23 +1,24 @@
-// Finds the steps of a solve at which modes ended on one solution.
+// Finds the steps of a solve at which two modes converged to one solution.
 #pragma once
 
 namespace lcp {
 
 class LostModes {
 public:
-  // Looks at step k behind the second loop: eigenvalues, vectors of unit length and their inverse.
-  // Not where modes are not followed one by one, nor for a PI section, which has none.
+  // Examines step k after the second loop: eigenvalues, unit vectors and their inverse. Does
+  // nothing where modes are not followed individually and for a PI section.
   void look(int k);
 
-  // One line on the error stream, where a step was found: its frequency, the modes and the remedy.
+  // Prints one line on the error stream if such a step was found: its frequency, the modes and the
+  // remedy.
   void warn() const;
 
 private:
-  int steps = 0;        // that were found
-  int first = 0;        // the first of them, and its modes
-  int a = 0, b = 0;     // ...
-  bool doubled = false; // they have one eigenvalue and one vector
-  double condition = 0; // of its transformation
+  int steps = 0; // number of steps found
+  int first = 0; // first of them, and its two modes
+  int a = 0, b = 0;
+  bool doubled = false; // the modes have the same eigenvalue and vector
+  double condition = 0; // condition number of the transformation at that step
 };
 
 } // namespace lcp

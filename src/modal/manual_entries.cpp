@@ -12,7 +12,7 @@ namespace {
 
 constexpr int TWOCIRCUITS = 6;
 
-// Of which sequences mode k is made.
+// The sequences that mode k is made of.
 struct Sources {
   bool positive, zero, mutual, ratios;
 };
@@ -81,7 +81,7 @@ std::string zerosOf(int k) {
   return zeros.text;
 }
 
-// NaN has no sign that would mean anything.
+// The sign of a NaN is omitted.
 std::string number(double value) {
   return std::isnan(value) ? "NaN" : fmt::format("{:.4g}", value);
 }

@@ -1,18 +1,18 @@
-// Of a mode with the inductance L and the capacitance C per metre on a line of length l:
+// For a mode with inductance L and capacitance C per metre on a line of length l:
 //
-//   Zc = sqrt(L / C),  T = l sqrt(L C),  and back  C = T / (l Zc),  L = Zc T / l
+//   Zc = sqrt(L / C),  T = l sqrt(L C),  and conversely  C = T / (l Zc),  L = Zc T / l
 //
-// Sequence data: the modes of a balanced line are its sequences, of two circuits alike also the
-// difference of their zero sequences. With zero sequence and zero sequence mutual values
+// Sequence data: the modes of a balanced line are its sequences; two identical circuits also have
+// the difference of their zero sequences. With zero-sequence and zero-sequence mutual values
 //
 //   sum         R0 + R0M, L0 + L0M, C0 + C0M
 //   difference  R0 - R0M, L0 - L0M, C0 - C0M
 //
-// of capacitances C = 1 / (w XC). A travel time T0 per metre stands for L0 = ZC0 T0, C0 = T0 / ZC0.
-// An entered pair: the modes of Y Z, as of a computed line.
+// for capacitances C = 1 / (w XC). A travel time T0 per metre corresponds to L0 = ZC0 T0, C0 = T0 /
+// ZC0. An entered pair: the modes of Y Z, as for a computed line.
 //
-// A line corrected for its length has R + j X = z sinh(u) / u and j B = y tanh(u/2) / (u/2) with
-// u = l sqrt(z y). To take the correction out u is formed of the corrected values.
+// A line corrected for its length has R + j X = z sinh(u) / u and j B = y tanh(u/2) / (u/2) with u
+// = l sqrt(z y). To remove the correction, u is computed from the corrected values.
 #include "modal/manual_modes.h"
 
 #include "base/console.h"
@@ -36,13 +36,13 @@ namespace {
 constexpr double TWOPIC0 = 3.4954932422641835e-10; // 2 pi C0
 constexpr double TWOPIL0 = 1.2566370614359145e-06; // 2 pi L0
 constexpr double MEGOHM = 1e6;                     // ohm
-constexpr int TWOCIRCUITS = 6;                     // conductors of two circuits alike
+constexpr int TWOCIRCUITS = 6;                     // conductors of two identical circuits
 constexpr int DOTS = 34;
 
 double angularFrequency() { return TWOPI * RUNDATA.line.SSFREQ; }
 bool isPair() { return RUNDATA.manual.MANFMT == MANPAIR; }
 
-// --- ends of the run
+// --- fatal messages
 
 void checkFormat() {
   switch (RUNDATA.manual.MANFMT) {
@@ -71,8 +71,8 @@ void checkEstimate() {
   stopInStars("MANLINE Ending!");
 }
 
-// A travel time below 0 ends the run at its report, where its velocity is looked at; one of 0 has
-// no velocity.
+// A negative travel time ends the run at the report, where the velocity is checked; 0 has no
+// velocity.
 void checkMode(int k, const ManualMode& m) {
   const bool numbers = std::isfinite(m.T) && std::isfinite(m.Zc) && std::isfinite(m.R);
   if (numbers && m.T != 0.0 && std::isfinite(m.C) && std::isfinite(m.L)) return;
@@ -85,7 +85,7 @@ void checkMode(int k, const ManualMode& m) {
 }
 
 void checkPhases(CView Y, CView Z, int n) {
-  double sum = 0; // one infinity or one NaN shows in it
+  double sum = 0; // infinite or NaN if an element is
   for (int j = 1; j <= n; ++j) {
     for (int i = 1; i <= n; ++i) sum += std::abs(Y(i, j)) + std::abs(Z(i, j));
   }
@@ -144,9 +144,9 @@ void formPairModes(int n) {
                     MANUAL.TIINV, n);
 }
 
-// --- modes of sequence data
+// --- modes from sequence data
 
-// What turns the entered reactances into ohm: L = X impedance / w, C = 1 / (w XC shunt).
+// Factors that convert entered reactances to ohm: L = X impedance / w, C = 1 / (w XC shunt).
 struct EntryUnits {
   double impedance; // ohm
   double shunt;     // ohm
@@ -211,7 +211,7 @@ ManualMode zeroSequence(int n) {
   return modeOfReactances(S.R0 + S.R0M, S.X0 + S.X0M, S.XC0 * S.XC0M / (S.XC0 + S.XC0M));
 }
 
-// The values of an entry with the zero sequence that the estimate gives, where there is one.
+// The entered values, with the estimated zero sequence if an estimate is selected.
 SequenceSurges surgesWithZero() {
   SequenceSurges S = RUNDATA.manual.MANSEQ.SEQSURGE;
   if (RUNDATA.manual.ESTZERO == ZEROENTERED) return S;
@@ -264,7 +264,7 @@ ManualMode modeOfPair(int k) {
           std::fabs(MANUAL.ZMOD(k, k).real()), 0, 0};
 }
 
-// --- what every mode goes through
+// --- steps common to all modes
 
 void formLineValues(ManualMode& m) {
   const double l = manualLength();
@@ -281,8 +281,8 @@ void warnOfUnits() {
   warn();
 }
 
-// Values below 0, of data that are no corrected ones, count by magnitude. The console warns of a
-// reactance, the error stream of a susceptance.
+// Negative values, from data that were not corrected, are replaced by their magnitude. A negative
+// reactance is reported on the console, a negative susceptance on the error stream.
 void takeCorrectionOut(int k, ManualMode& m) {
   const double w = angularFrequency(), l = manualLength();
   const Complex z(m.R, w * m.L), y(0.0, w * m.C);

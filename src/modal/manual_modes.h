@@ -1,5 +1,7 @@
-// Modes of a line whose data were entered by hand: a real transformation, and per mode a travel
-// time, a surge impedance and a resistance, from sequence values or from one Y and Z pair.
+// Modes of a line whose data were entered by hand.
+//
+// They have a real transformation and, per mode, a travel time, a surge impedance and a resistance,
+// computed from sequence values or from a pair of Y and Z matrices.
 #pragma once
 
 #include "modal/manual_store.h"
@@ -16,29 +18,29 @@ struct ManualMode {
   double L;  // inductance, H/m
 };
 
-// The warning of a mode whose inductance is below 0 behind the correction for the length.
+// Warning for a mode whose inductance is negative after the length correction is removed.
 constexpr std::string_view UNITSWARNING =
     "An error occurred in calculating impedance    and admittance matrices ";
 
-// Length that the entered data go with, m: 1 when they are totals of the line.
+// Length that the entered data refer to, m; 1 if they are totals of the line.
 double manualLength();
 
-// Ends the run with a message, exit status 1, when there are no conductors or no data of a form
-// that has modes.
+// Ends the run with a message and exit status 1 if there are no conductors or the entered data have
+// no modes.
 void checkManualData();
 
-// Fills TI, TIINV and EIGM, and for an entered pair YMOD and ZMOD; else these are 0.
+// Fills TI, TIINV and EIGM, and for an entered pair YMOD and ZMOD, which are otherwise 0.
 void formManualTransformation();
 
-// Mode k. With LONGLINE the correction for the length is taken out. Data without a travel time and
-// a surge impedance above 0 end the run with a message, exit status 1; an inductance below 0 behind
-// the correction gives a warning.
+// Mode k. With LONGLINE set, the length correction is removed. Data without a positive travel time
+// and surge impedance end the run with a message and exit status 1; a negative inductance after
+// removing the correction gives a warning.
 ManualMode manualMode(int k);
 
-// Element (k,k) of YMOD and ZMOD at the frequency f, Hz.
+// Stores element (k,k) of YMOD and ZMOD at frequency f, Hz.
 void storeManualMode(int k, const ManualMode& mode, double f);
 
-// Phase matrices per metre.
+// Phase matrices per metre, Y in S/m and Z in ohm/m.
 void formManualPhases(CView Y, CView Z);
 
 } // namespace lcp

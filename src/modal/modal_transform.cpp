@@ -7,8 +7,8 @@ namespace lcp {
 
 namespace {
 
-LineMatrix turned;  // a transpose
-LineMatrix product; // on the way
+LineMatrix turned;  // a transposed matrix
+LineMatrix product; // intermediate result
 
 } // namespace
 

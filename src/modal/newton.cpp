@@ -1,19 +1,19 @@
-// For an eigenvalue l and vector x of A, with element p of x held at 1, the residual is
+// For an eigenvalue l and eigenvector x of A, with element p of x fixed at 1, the residual is
 //
 //   r(i)   = sum over j of A(i,j) x(j) - l x(i),  i = 1..n
 //   r(n+1) = x(p) - 1
 //
-// Newton's step d solves J d = r, x and l then change by -d:
+// Newton's step d solves J d = r; x and l then change by -d:
 //
 //       | A - l I   -x |
 //   J = |              |        e_p the row with 1 in column p
 //       |  e_p       0 |
 //
-// J is regular at a simple eigenvalue, though A - l I is not. A step that would move an element of
-// x by more than 0.025, or l by more than 5 %, is shortened as a whole, so that a mode cannot jump
-// to a neighbour. Where J is singular l alone is moved, by 1 %.
+// J is regular at a simple eigenvalue, although A - l I is singular. A step that would change an
+// element of x by more than 0.025, or l by more than 5 %, is shortened as a whole, so that a mode
+// cannot jump to a neighbour. Where J is singular, only l is changed, by 1 %.
 //
-// Each mode goes its own way; several of them go side by side, one a lane, and a lane whose mode
+// The modes are independent; several are followed side by side, one per lane, and a lane whose mode
 // is done takes the next one.
 #include "modal/newton.h"
 
@@ -29,25 +29,25 @@ namespace lcp {
 
 namespace {
 
-constexpr double CONVERGED = 1e-8; // sum of the residuals of a solved mode
+constexpr double CONVERGED = 1e-8; // sum of the moduli of the residual of a solved mode
 constexpr double NEARCONVERGED =
-    1e-9;                            // relative; so near to it the moduli are summed as they round
-constexpr double VECTORSTEP = 0.025; // largest change of a vector element
+    1e-9; // relative; this close to the limit the moduli are summed exactly
+constexpr double VECTORSTEP = 0.025; // largest change of a vector element in one step
 constexpr double SMALLSTEP = (1 - 1e-12) * VECTORSTEP * VECTORSTEP;
-constexpr double EIGENSTEP = 0.05; // largest relative change of an eigenvalue
-constexpr double RECOVERY = 1.01;  // change of an eigenvalue at a singular Jacobian
-constexpr double UNLIMITED = 1e30; // no step is longer than its limit times this
+constexpr double EIGENSTEP = 0.05; // largest relative change of an eigenvalue in one step
+constexpr double RECOVERY = 1.01;  // factor on an eigenvalue at a singular Jacobian
+constexpr double UNLIMITED = 1e30; // initial limit of the step factor
 
-// The eigenvalue problem of one frequency, and the modes that are being followed.
+// The eigenvalue problem of one frequency and the modes being followed.
 struct Followers {
   BorderedMatrix M;    // the scaled matrix, for the Newton steps
   LeftFactor A;        // ... and for the residuals
-  BorderedSystems S;   // scaled eigenvalues, vectors, elements of them held at 1, residuals
+  BorderedSystems S;   // scaled eigenvalues, vectors, fixed elements, residuals
   LaneVectors product; // A x
-  double e[LANES];     // measure of the residual, the sum of the moduli
+  double e[LANES];     // sum of the moduli of the residual
   int mode[LANES];
-  int count[LANES];  // updates of the mode
-  bool moved[LANES]; // its vector is no longer the guess
+  int count[LANES];  // number of updates of the mode
+  bool moved[LANES]; // its vector differs from the guess
 };
 
 double scaleByDiagonal(CView A, int n) {
@@ -60,7 +60,7 @@ double scaleByDiagonal(CView A, int n) {
   return s;
 }
 
-// Lane c follows mode k, from its guess l and x.
+// Assigns mode k to lane c, with its guess l and x.
 void begin(Followers& F, int c, int k, Complex l, const Complex* x, int p, const Complex* product) {
   F.S.used[c] = true;
   F.S.l.set(c, l);
@@ -72,7 +72,7 @@ void begin(Followers& F, int c, int k, Complex l, const Complex* x, int p, const
   F.moved[c] = false;
 }
 
-// Lanes without a mode hold zeros.
+// Clears all lanes; unused lanes hold zeros.
 void clearLanes(Followers& F) {
   const ModeComplex zeros;
   for (int c = 0; c < LANES; ++c) {
@@ -93,7 +93,7 @@ void residuals(LaneVectors& r, const LaneVectors& product, const ComplexLanes& l
   for (int i = 1; i <= n; ++i) r[i] = product[i] - l * x[i];
 }
 
-// The residuals of all lanes and their measures.
+// Computes the residuals of all lanes and their measures.
 void look(Followers& F) {
   const int n = F.M.n;
   LaneVectors& r = F.S.r;
@@ -108,7 +108,7 @@ void look(Followers& F) {
 
 bool converged(const Followers& F, int c) { return F.e[c] <= CONVERGED; }
 
-// Ends the mode of lane c and tells whether it converged.
+// Ends the mode of lane c and returns whether it converged.
 bool finish(Followers& F, int c, double s, ModeComplex& EIG, CView TI) {
   const int k = F.mode[c];
   F.S.used[c] = false;
@@ -118,8 +118,8 @@ bool finish(Followers& F, int c, double s, ModeComplex& EIG, CView TI) {
   return converged(F, c);
 }
 
-// The part of the step d that is taken, 1 unless an element or the eigenvalue would move too far.
-// No element does where the sum of the squares is small.
+// Fraction of the step d that is applied: 1 unless an element or the eigenvalue would change too
+// much. If the sum of squares is small, no element does.
 double stepFactor(const LaneVectors& d, int c, double squares, Complex l, int n) {
   bool limited = false;
   double t = UNLIMITED;
@@ -147,7 +147,7 @@ void moveVectors(LaneVectors& x, const double (&a)[LANES], const LaneVectors& d,
   }
 }
 
-// One update of the modes in all lanes.
+// One Newton update of the modes in all lanes.
 void update(Followers& F) {
   static LaneVectors d;
   const int n = F.M.n;
@@ -165,9 +165,10 @@ void update(Followers& F) {
       LSTEP = l - parts[c] * d[n + 1].lane(c);
       F.moved[c] = true;
     } else {
-      // An eigenvalue that was never stepped is taken from the guess: 1 % of 0 would lead nowhere.
+      // An eigenvalue that has not been stepped yet is taken from the guess, since 1 % of 0 would
+      // have no effect.
       LSTEP = RECOVERY * (LSTEP == 0.0 ? l : LSTEP);
-      for (int i = 1; i <= n; ++i) d[i].set(c, 0.0); // no step, and no NaN
+      for (int i = 1; i <= n; ++i) d[i].set(c, 0.0); // zero step, without NaN
     }
     F.S.l.set(c, LSTEP);
   }

@@ -16,10 +16,10 @@ namespace lcp {
 namespace {
 
 constexpr double LARGETIME = 1000.0; // ms
-constexpr double ROUNDING = 1e-12;   // relative imaginary part of a lossless mode's eigenvalue
+constexpr double ROUNDING = 1e-12;   // relative imaginary part of the eigenvalue of a lossless mode
 
-// A lossless mode travels forward: of the square of its propagation constant, real and negative,
-// rounding must not decide the side.
+// Keeps a lossless mode travelling forward: the square of its propagation constant is real and
+// negative, and rounding of its imaginary part must not select the root.
 Complex withoutRounding(Complex square) {
   const bool lossless = std::fabs(square.imag()) <= ROUNDING * std::abs(square);
   return lossless && std::signbit(square.imag()) ? std::conj(square) : square;

@@ -1,11 +1,11 @@
-// With unit vectors TI and gamma_i^2 the eigenvalues of Y Z:
+// With unit vectors TI and the eigenvalues gamma_i^2 of Y Z:
 //
 //   YM = TI^-1 Y TI^-T, ZM = TI^T Z TI, surge impedance Zs_i = sqrt(ZM_ii / YM_ii)
 //   Yc = (TI gamma TI^-1)^-1 Y          characteristic admittance of the phases
 //   H  = TI exp(-gamma l) TI^-1         propagation matrix of the phases
 //
-// All square roots are principal. An eigenvalue with negative imaginary part is rounding of a
-// lossless mode: its conjugate is taken, so that every mode decays.
+// All square roots are principal. An eigenvalue with negative imaginary part is due to rounding of
+// a lossless mode: its conjugate is used, so that every mode decays.
 #include "modal/second_loop.h"
 
 #include "base/constants.h"
@@ -22,9 +22,9 @@ namespace lcp {
 
 namespace {
 
-constexpr double FADED = 1e-10; // modal propagation below which a travel time says nothing
+constexpr double FADED = 1e-10; // modal propagation below which the travel time is meaningless
 
-LineMatrix work, phases, inverse; // products on the way
+LineMatrix work, phases, inverse; // intermediate results
 
 void loadStep(int k, int n) {
   FirstLoopStore& S = SOLVEDATA.first;
@@ -38,7 +38,8 @@ void loadStep(int k, int n) {
   INVCJD(S.TIINV, S.TI, n);
 }
 
-// Normalised eigenvalues become squared propagation constants; a four-wire cable has them already.
+// Converts normalised eigenvalues to squared propagation constants; those of a four-wire cable
+// already are.
 void scaleEigenvalues(int k, int n) {
   FirstLoopStore& S = SOLVEDATA.first;
   const double w = TWOPI * SOLVEDATA.grid.FREQ[k];
@@ -107,8 +108,8 @@ void storeLosses(int k, int n) {
   for (int i = 1; i <= n; ++i) RLOSS[i] = T.ZM(i, i).real();
 }
 
-// The travel time of a fitted model's mode is that of the highest grid point where the mode has not
-// faded.
+// The travel time of a mode of a fitted model is that of the highest grid point where the mode has
+// not decayed completely.
 void storeTravelTimes(int k, int n) {
   SecondLoopStore& T = SOLVEDATA.second;
   const ModelChoice& M = RUNDATA.model;

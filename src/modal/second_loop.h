@@ -3,16 +3,16 @@
 
 namespace lcp {
 
-// Turns each stored vector so that its element in the row of the largest element at the last full
-// solution is real and positive. Not for an ideally transposed line, nor for MFDTD.
+// Rotates each stored vector so that the element in the row of its largest element at the last full
+// solution is real and positive. Does nothing for an ideally transposed line or for MFDTD.
 void alignVectors();
 
-// Fills the second loop's store at step k from YSTORE, ZSTORE, MEIG and MTI; MEIG becomes the
-// squared propagation constant in 1/m^2, TI and TIINV those of the step, with unit columns.
+// Fills the second loop's store at step k from YSTORE, ZSTORE, MEIG and MTI. MEIG becomes the
+// squared propagation constant in 1/m^2; TI and TIINV become those of the step, with unit columns.
 void secondLoopStep(int k);
 
-// NFUSE and the fit weights: WF1 below the steady-state frequency, WF2 at the step at or just below
-// it, WF3 above.
+// Sets NFUSE and the fit weights: WF1 below the steady-state frequency, WF2 at the step at or just
+// below it, WF3 above.
 void formFitWeights();
 
 } // namespace lcp

@@ -1,6 +1,6 @@
-// S = (1 / sqrt 3) [1 1 1; 1 a^2 a; 1 a a^2], a = -1/2 + j sqrt(3)/2; a two-conductor line has
-// ground mode and metallic mode from sqrt 2 [1 1; 1 -1]. Of a transformed block (1,1) is the zero
-// sequence (ground mode), (2,2) the positive sequence (metallic mode).
+// S = (1 / sqrt 3) [1 1 1; 1 a^2 a; 1 a a^2], a = -1/2 + j sqrt(3)/2. A two-conductor line has a
+// ground mode and a metallic mode from sqrt 2 [1 1; 1 -1]. In a transformed block (1,1) is the zero
+// sequence or ground mode, (2,2) the positive sequence or metallic mode.
 #include "modal/sequence.h"
 
 #include "base/console.h"
@@ -21,7 +21,7 @@ constexpr double SQRT2 = 1.41421356237;
 constexpr double NOBASE = 1e-10;
 constexpr double NOSURGE = 1e-20; // X and B up to this have no surge impedance
 
-constexpr int ZERO = 1;     // of a transformed block; of a bipole: ground mode
+constexpr int ZERO = 1;     // in a transformed block; for a bipole the ground mode
 constexpr int POSITIVE = 2; // metallic mode
 
 // Y and Z of one kind (plain or corrected), transformed block by block.
@@ -47,7 +47,7 @@ void transformPair(SequencePair& pair, CConstView Y, CConstView Z, int n) {
   }
 }
 
-// Values of element (i,j); of a mutual element the magnitude of the susceptance.
+// Values of element (i,j); for a mutual element the magnitude of the susceptance.
 SequenceValues valuesAt(const SequencePair& pair, int i, int j, double KZ, double KY) {
   const double l = RUNDATA.run.LINELEN;
   SequenceValues v;

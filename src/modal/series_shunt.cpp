@@ -11,14 +11,14 @@ namespace lcp {
 
 namespace {
 
-constexpr int SHUNTSTEP = 10; // frequency step of G and C; a table of fewer gives its last one
+constexpr int SHUNTSTEP = 10; // frequency step of G and C, or the last row of a shorter table
 
 } // namespace
 
 void formSeriesShunt(SeriesShunt& shunt) {
   const int n = RUNDATA.line.NC;
   const int k = std::min(SHUNTSTEP, SOLVEDATA.grid.NFUSE);
-  double sum = 0.0; // one infinity or one NaN shows in it
+  double sum = 0.0; // infinite or NaN if an element is
   for (int j = 1; j <= n; ++j) {
     for (int i = 1; i <= n; ++i) {
       const Complex y = SOLVEDATA.at.YSTORE(k, i, j);

@@ -1,4 +1,4 @@
-// Shunt data of the MFDTD model, which has a series impedance over frequency and a constant shunt.
+// Shunt data of the MFDTD model: conductance and capacitance, independent of frequency.
 #pragma once
 
 #include "store/solvedata.h"
@@ -10,8 +10,8 @@ struct SeriesShunt {
   RealMatrix C; // capacitance, F/m
 };
 
-// From YSTORE of one low frequency step. A capacitance that is not a finite number ends the run
-// with a message, exit status 1.
+// Computes the shunt data from YSTORE of one low frequency step. A capacitance that is not finite
+// ends the run with a message and exit status 1.
 void formSeriesShunt(SeriesShunt& shunt);
 
 } // namespace lcp

@@ -1,6 +1,6 @@
-// The walk: between the frequencies of the steps k - 1 and k runs a fraction x from 0 to 1, read
-// off decimal digits D(1) D(2) ... D(d). A failure goes one digit deeper (at most five), a success
-// goes on at the same depth until the tenth digit, then one digit back up.
+// The walk: between the frequencies of steps k - 1 and k a fraction x runs from 0 to 1, with
+// decimal digits D(1) D(2) ... D(d). A failure goes one digit deeper (at most five); a success
+// continues at the same depth up to the tenth digit, then goes one digit back up.
 #include "modal/tracked_step.h"
 
 #include "base/console.h"
@@ -22,17 +22,17 @@ namespace lcp {
 
 namespace {
 
-constexpr int DEEPEST = 5;         // decimal digits of the walk
-constexpr int TOOMANYUPDATES = 10; // Newton updates of a step that was too long
+constexpr int DEEPEST = 5;         // maximum number of decimal digits of the walk
+constexpr int TOOMANYUPDATES = 10; // Newton updates above which a step was too long
 constexpr int HYPHENS = 31;
 
-bool failureInSolve = false; // the banner of the solve was printed
-bool failureInStep = false;  // the lines of the step were printed
-bool acceptedInStep = false; // the constant transform step has a solution of its own
+bool failureInSolve = false; // the banner of the solve has been printed
+bool failureInStep = false;  // the lines of the step have been printed
+bool acceptedInStep = false; // the constant-transformation step has a solution of its own
 
 double single(double x) { return static_cast<double>(static_cast<float>(x)); }
 
-// --- Newton solution at the frequency that YMAT, ZMAT, PMAT stand for
+// --- Newton solution at the frequency of the current YMAT, ZMAT, PMAT
 
 void explainFailure(int k) {
   if (!failureInSolve) {
@@ -55,8 +55,9 @@ void explainFailure(int k) {
   failureInSolve = failureInStep = true;
 }
 
-// Sets up the start: the step before, or while searching the last solution accepted at this step;
-// at the constant transform step the grid step that lies next below its frequency.
+// Step whose solution is the start: the previous step, or while searching the solution last
+// accepted at this step. For the constant-transformation step, the grid step next below its
+// frequency.
 int startingStep(int k, bool searching, double& scale) {
   FirstLoopStore& S = SOLVEDATA.first;
   scale = S.PSCALEST;
@@ -68,8 +69,8 @@ int startingStep(int k, bool searching, double& scale) {
   return searching ? k : k - 1;
 }
 
-// True when every mode was followed in a reasonable number of updates. A mode whose start is
-// already exact keeps what EIG and TI held: the solution accepted last, or the last attempt, when
+// Returns true if every mode was followed in a reasonable number of updates. A mode whose start is
+// already exact keeps the values in EIG and TI: the last accepted solution, or the last attempt if
 // that failed.
 bool followModes(int k, bool searching) {
   static LineMatrix scaled;
@@ -94,7 +95,7 @@ bool followModes(int k, bool searching) {
 
 struct Walk {
   int d = 0;              // depth
-  bool searching = false; // a first failure was met
+  bool searching = false; // a failure has occurred
   int (&D)[DEEPEST + 1] = SOLVEDATA.first.digits;
 
   double fraction() const {
@@ -103,7 +104,8 @@ struct Walk {
     return single(single(digits) / single(std::pow(10.0, d)));
   }
 
-  // One further at the present depth, or back up. False when the step is finished.
+  // Advances by one digit at the current depth, or goes back up. Returns false if the step is
+  // finished.
   bool next() {
     if (++D[d] <= 10) return true;
     if (--d == 0) return false;
@@ -119,7 +121,7 @@ struct Walk {
     return next();
   }
 
-  // The deepest digit does not help: what stands is taken, and the walk jumps ahead.
+  // The deepest digit fails too: accepts the current solution and jumps ahead.
   bool giveUp(int k) {
     console::text(GIVENUP);
     acceptSolution(k);
@@ -130,8 +132,8 @@ struct Walk {
   }
 };
 
-// The way to a row of a table is that of a logarithmic grid, whose steps rows need not have: it can
-// lead beyond the two rows, and ends at the row itself.
+// The way to a row of a table follows a logarithmic grid, which the rows need not match: it can
+// lead beyond the two rows, but ends at the row itself.
 double walkFrequency(int k, double x) {
   const FrequencyGrid& G = SOLVEDATA.grid;
   if (RUNDATA.run.fromTable()) {
@@ -145,7 +147,7 @@ double walkFrequency(int k, double x) {
   return std::pow(10.0, (k - 2 + x) * G.DLOGW + G.LOGW0) / TWOPI;
 }
 
-// What a result means for the walk. False when the step is finished.
+// Continues the walk after a result. Returns false if the step is finished.
 bool goOn(Walk& walk, int k, bool good) {
   if (!good) {
     walk.searching = true;
@@ -158,8 +160,8 @@ bool goOn(Walk& walk, int k, bool good) {
   return walk.next();
 }
 
-// A start that is exact already, as where a grid point stands at the frequency of the constant
-// transformation, leaves a mode with the values of the step before, the end of the grid.
+// A start that is already exact, e.g. if a grid point lies at the frequency of the constant
+// transformation, leaves a mode with the values of the previous step, the end of the grid.
 void warnOfKeptModes(int k, const ModeComplex& before) {
   const FrequencyGrid& G = SOLVEDATA.grid;
   if (!RUNDATA.model.fitsModes() || SOLVEDATA.first.KCT == k - 1) return;

@@ -1,8 +1,8 @@
-// Between the rows k - 1 and k, at the fraction x = (f - f_k-1) / (f_k - f_k-1) of the way:
+// Between rows k - 1 and k, with x = (f - f_k-1) / (f_k - f_k-1):
 //
 //   X = X_k-1 + (X_k - X_k-1) x
 //
-// and with w = 2 pi f, as for a computed line:
+// and, with w = 2 pi f, as for a computed line:
 //
 //   Yn = Y / (j w C0),  Zn = Z / (j w L0),  P = Yn Zn
 #include "modal/yz_interp.h"
@@ -23,7 +23,7 @@ constexpr int BETWEENROWS = 1;
 
 LineMatrix Yn, Zn;
 
-// 1 at row k, and where the two rows stand at one frequency.
+// 1 at row k, and if both rows have the same frequency.
 double wayToRow(int k, double f) {
   const double from = YZTABLE.FTABLE[k - 1];
   const double span = YZTABLE.FTABLE[k] - from;
