@@ -1,5 +1,4 @@
-// Sorted eigenvalues and inverses of dense complex matrices, as the passivity enforcement asks for
-// them.
+// Sorted eigenvalues and inverses of dense complex matrices for the passivity enforcement.
 #pragma once
 
 #include "base/matrix.h"
@@ -12,11 +11,11 @@ constexpr int LDNODAL = 2 * LDMAT; // order of a nodal admittance: both ends of 
 using NodalReals = Table<double, LDNODAL>;
 
 // Eigenvalues W of A by ascending magnitude, equal ones in the order in which LAPACK finds them,
-// and right vectors VR in the same order, one a column, of unit length. n up to 49. With an
-// element that is not finite all of them are NaN.
+// and right eigenvectors VR in the same order, as columns of unit length. n up to 49. If an element
+// is not finite, all are NaN.
 void ZEIGSORT(CConstView A, ModeComplex& W, CView VR, int n);
 
-// R = inverse of A, n up to 49; R may be A. A singular matrix ends the run with a message, exit
+// R = inverse of A, n up to 49; R may be A. A singular matrix ends the run with a message and exit
 // status 1.
 void ZINVERSE(CConstView A, CView R, int n);
 

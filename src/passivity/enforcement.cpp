@@ -1,12 +1,12 @@
 // A scan over the grid finds where eigenvalues of the nodal admittance are negative; the worst
 // frequencies become constraint frequencies. With x the changes of the free eigenvalues of the
-// residue matrices, S the sensitivity of H at a fit frequency, and D that of the eigenvalues lambda
-// at a constraint frequency:
+// residue matrices, S the sensitivity of H at a fit frequency, and D the sensitivity of the
+// eigenvalues lambda at a constraint frequency:
 //
 //   min 1/2 x^T G x    G = sum over the fit frequencies of S^T S, the change of H
 //   lambda + D x >= margin, for each lambda below the margin
 //
-// The scan of the changed model adds frequencies, and the program is solved again; after three such
+// A scan of the changed model adds frequencies, and the program is solved again. After three such
 // inner iterations the changed residues become the base of the next main iteration.
 #include "passivity/enforcement.h"
 
@@ -31,7 +31,7 @@ namespace lcp {
 
 namespace {
 
-constexpr int NINNER = 3;             // inner iterations of a main iteration
+constexpr int NINNER = 3;             // inner iterations per main iteration
 constexpr double MARGINFACTOR = 10.0; // margin of the constraints over the tolerance of the scan
 
 enum class Outcome { Passive, Violated, Failed };
@@ -57,7 +57,7 @@ void printSuccess() {
   hyphens();
 }
 
-// G, with a little on the diagonal that keeps it positive definite.
+// Forms G, with a small diagonal term that keeps it positive definite.
 void formNormalMatrix() {
   EnforcementStore& E = ENFORCE;
   const int rows = 2 * E.NC * E.NC;
@@ -76,7 +76,7 @@ void formNormalMatrix() {
 
 RView constraints() { return {ENFORCE.CMATRIX, MAXCONSTRAINTS}; }
 
-// The eigenvalues below the margin at the frequency f.
+// Adds the eigenvalues below the margin at frequency f as constraints.
 void addConstraints(double f, double margin) {
   static double derivatives[static_cast<std::size_t>(LDNODAL) * MAXVARIABLES];
   static NodalReals lambda;
@@ -95,7 +95,7 @@ void formConstraints(double margin) {
   for (int i = 1; i <= ENFORCE.NCFREQ; ++i) addConstraints(ENFORCE.CFREQ[i], margin);
 }
 
-// A solution can lead beyond the range of numbers.
+// Whether the residues are finite: a solution can overflow.
 bool isFiniteModel(const ResidueList& RES) {
   for (int m = 1; m <= ENFORCE.TOTORD; ++m) {
     if (!allFinite(RES[m], ENFORCE.NC)) return false;
@@ -103,7 +103,8 @@ bool isFiniteModel(const ResidueList& RES) {
   return true;
 }
 
-// False when there is no solution. Without variables there is one if nothing is asked for.
+// Returns false if there is no solution. Without variables there is one only if there are no
+// constraints.
 bool solveProgram() {
   static Table<double, MAXVARIABLES> g;
   EnforcementStore& E = ENFORCE;
@@ -140,7 +141,7 @@ Outcome innerIteration(int i, double PEIGTOL) {
   return Outcome::Violated;
 }
 
-// The scan at the start of a main iteration; true when there is nothing to do.
+// Scans at the start of a main iteration; returns true if there is nothing to do.
 bool passiveAtStart(int n, double PEIGTOL) {
   ENFORCE.NCFREQ = 0;
   hyphens();
@@ -173,7 +174,7 @@ Outcome mainIteration(int n, double PEIGTOL) {
   return outcome;
 }
 
-// True when the model is passive on the grid.
+// Returns true if the model is passive on the grid.
 bool iterate(const PassivityOptions& P) {
   RESCLASS();
   PASSGRID(P.PFLO, P.PFHI, P.NPFINC, P.PFDIST, ENFORCE.EGRID);
@@ -198,7 +199,7 @@ bool PASSENF(const PassivityOptions& P, const FreqCurve& WFREQ, int NS) {
   ENFORCE.NS = NS;
   for (int k = 1; k <= NS; ++k) ENFORCE.FFIT[k] = WFREQ[k] / SINGLETWOPI;
   printHeading();
-  // An error that is NaN is not within the error allowed.
+  // A NaN error does not pass this test.
   const bool improved = orderFits() && iterate(P) && PASSERR() <= P.PMAXERR;
   console::print(" Time elapsed  {}  [sec]",
                  static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC);

@@ -1,5 +1,7 @@
-// Enforcement of passivity: small changes of the residues of H until the nodal admittance of the
-// line has no negative eigenvalue on a grid of frequencies.
+// Enforces passivity of the fitted model on a grid of frequencies.
+//
+// Small changes of the residues of H remove negative eigenvalues of the nodal admittance of the
+// line.
 #pragma once
 
 #include "passivity/enforcement_store.h"
@@ -9,25 +11,25 @@
 
 namespace lcp {
 
-// Lines on the console that tell how far an enforcement has come.
+// Console lines on the progress of an enforcement.
 constexpr std::string_view NOVIOLATIONLINE = " There are no passivity violations  ";
 constexpr std::string_view INITIALLINE = " Initial passivity violations  ";
 constexpr std::string_view NOSOLUTIONLINE = " Constrained solution failed";
 constexpr std::string_view ENFORCEDLINE =
     " There are no passivity violations. Passivity is sucessfully enforced  ";
 
-// Enforces passivity on the model in the enforcement store, H to be held at the NS frequencies
-// WFREQ, rad/s. True when the residues FRES are those of a model that is passive on the grid and
-// whose H moved by no more than the error allowed; FITMODEL stays as it is. Prints the course of
-// the iterations.
+// Enforces passivity of the model in the enforcement store, keeping H close at the NS frequencies
+// WFREQ, rad/s. Returns true if the residues FRES give a model that is passive on the grid and
+// whose H changed by no more than the allowed error; FITMODEL is not changed. Prints the
+// iterations.
 [[nodiscard]] bool PASSENF(const PassivityOptions& P, const FreqCurve& WFREQ, int NS);
 
-// Solves the quadratic program at hand and forms FPERT from its solution. False, with a message,
-// when it has none.
+// Solves the current quadratic program and forms FPERT from its solution. Without a solution,
+// prints a message and returns false.
 [[nodiscard]] bool QPRUN();
 
-// The enforcement between fit and model file: takes FITMODEL, and gives its residues back when they
-// were improved.
+// The enforcement between fit and model file: copies FITMODEL to the store, and the residues back
+// if they were improved.
 void enforcePassivity();
 
 } // namespace lcp

@@ -8,7 +8,7 @@ namespace lcp {
 
 namespace {
 
-// The residue matrix of pole m out of residues that stand pole by pole within each element.
+// The residue matrix of pole m; ResidueMatrix stores the residues element by element.
 void takeMatrix(const ResidueMatrix& R, int m, CView A, int n) {
   for (int c = 1; c <= n; ++c) {
     for (int r = 1; r <= n; ++r) A(r, c) = R(r, c)[m];

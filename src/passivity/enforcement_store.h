@@ -1,9 +1,11 @@
-// Working store of the passivity enforcement: a copy of the fitted model with the poles of H in one
-// row, the grid that is scanned, and what is linearised around the present residues.
+// Working store of the passivity enforcement.
+//
+// It holds a copy of the fitted model with the poles of all groups of H in one list, the scan grid,
+// and the linearisation around the current residues.
 //
 //   H(s) = sum over m of FRES[m] exp(-s FTAU[m]) / (s - FPOLE[m])
 //
-// Filled at the start of an enforcement, one mapping for the whole run.
+// Filled at the start of an enforcement; mapped once for the whole run.
 #pragma once
 
 #include "base/big_store.h"
@@ -23,16 +25,16 @@ constexpr int MAXCONSTRAINTS = MAXVIOLATED * LDNODAL; // rows of the quadratic p
 
 // The constants of the method are single precision numbers.
 constexpr double single(double x) { return static_cast<double>(static_cast<float>(x)); }
-constexpr double SINGLETWOPI = 6.2831854820251465; // 2 pi of all frequencies here
-constexpr double SMALLSINGLE = single(1e-15);      // imaginary parts above it make complex values;
-                                                   // what is added to the normal matrix
+constexpr double SINGLETWOPI = 6.2831854820251465; // 2 pi for all frequencies of the enforcement
+// A value with a larger imaginary part is complex; also added to the diagonal of the normal matrix.
+constexpr double SMALLSINGLE = single(1e-15);
 
-using ResidueList = Table<LineMatrix, MAXORDER>; // one matrix a pole, rad/s
+using ResidueList = Table<LineMatrix, MAXORDER>; // one matrix per pole, rad/s
 
-enum class Residues { Base, Changed }; // of H: FRES or FPERT
+enum class Residues { Base, Changed }; // which residues of H: FRES or FPERT
 
-// An eigenvalue of a residue matrix that the quadratic program may change: its real part, and its
-// imaginary part if it is complex.
+// An eigenvalue of a residue matrix that the quadratic program can change: its real part and, if it
+// is complex, its imaginary part.
 struct FreeEigenvalue {
   int pole;
   int eigenvalue; // in the order of the sorted eigenvalues of the pole's residue matrix
@@ -54,13 +56,13 @@ struct EnforcementStore {
   Table<LineMatrix, MAXPOLES> ERY; // their residues, S rad/s
   RealMatrix EDY;                  // constant term, S
 
-  int TOTORD;                     // poles of H, delay groups one behind the other
+  int TOTORD;                     // poles of H, of all delay groups in order
   Table<Complex, MAXORDER> FPOLE; // rad/s
   Table<double, MAXORDER> FTAU;   // delay of the pole's group, s
-  ResidueList FRES;               // present residues, around which H is linearised
+  ResidueList FRES;               // current residues, around which H is linearised
   ResidueList FPERT;              // ... with the latest solution applied
-  ResidueList FORIG;              // as they were fitted
-  GroupInts FNG;                  // poles of a group
+  ResidueList FORIG;              // fitted residues
+  GroupInts FNG;                  // poles per group
   int FNGROUP;
 
   int NS;         // fit frequencies
@@ -70,18 +72,18 @@ struct EnforcementStore {
   Table<double, MAXPASSGRID> V; // violation at each of its frequencies, S
 
   int NCFREQ;
-  Table<double, MAXVIOLATED> CFREQ; // constraint frequencies, falling, Hz
-  ViolationPoints VPOINT;           // of the latest scan
+  Table<double, MAXVIOLATED> CFREQ; // constraint frequencies, descending, Hz
+  ViolationPoints VPOINT;           // of the last scan
 
-  // Of one main iteration: FRES[m] = FVEC[m] diag(FEIG[m]) FVECINV[m]
+  // For one main iteration: FRES[m] = FVEC[m] diag(FEIG[m]) FVECINV[m]
   Table<ModeComplex, MAXORDER> FEIG;
   ResidueList FVEC;
   ResidueList FVECINV;
 
-  Table<ModeInts, MAXORDER> EIGFLAG; // 1 where an eigenvalue is complex, as fitted
+  Table<ModeInts, MAXORDER> EIGFLAG; // 1 if an eigenvalue of the fitted residues is complex
   int NFREE;
   Table<FreeEigenvalue, MAXFREE> FREE;
-  int NVAR; // variables of the quadratic program: real numbers in FREE
+  int NVAR; // variables of the quadratic program: real and imaginary parts in FREE
 
   double SENS[static_cast<std::size_t>(SENSROWS) * MAXVARIABLES];
   SquareStore<double, MAXVARIABLES> G; // normal matrix of the change of H over the fit frequencies
@@ -92,18 +94,18 @@ struct EnforcementStore {
   Table<double, MAXVARIABLES> X; // solution
 };
 
-// Mapped before anything of a file that includes this is initialised.
+// Mapped before any variable of an including file is initialised.
 inline EnforcementStore& ENFORCE = bigStore<EnforcementStore>();
 
-// Copies Yc and H of FITMODEL into the store, and the residues of H, or residues and constant term
-// of Yc, back into FITMODEL. A model with more than MAXORDER poles of H is counted in TOTORD and
-// not copied.
+// PASSSETY and PASSSETH copy Yc and H of FITMODEL to the store. PASSBACK copies the residues of H,
+// and PASSBACKY the residues and constant term of Yc, back to FITMODEL. A model with more than
+// MAXORDER poles of H only sets TOTORD.
 void PASSSETY();
 void PASSSETH();
 void PASSBACK();
 void PASSBACKY();
 
-// The residue matrices of all poles.
+// Copies the residue matrices of all poles.
 void copyResidues(ResidueList& to, const ResidueList& from);
 
 inline const ResidueList& residuesOf(Residues which) {

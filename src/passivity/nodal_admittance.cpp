@@ -1,10 +1,10 @@
-// Travelling waves between two ends with characteristic admittance Yc and propagation H:
+// Travelling waves between two ends with characteristic admittance Yc and propagation H give
 //
 //   Y11 = (I - H^2)^-1 (I + H^2) Yc        own admittance of an end
 //   Y12 = -2 (I - H^2)^-1 H Yc             mutual admittance
 //
-// Their sum and difference, the ends driven alike and against each other, are
-// (I + H)^-1 (I - H) Yc and (I - H)^-1 (I + H) Yc.
+// Their sum and difference, for ends driven in phase and in opposition, are (I + H)^-1 (I - H) Yc
+// and (I - H)^-1 (I + H) Yc.
 #include "passivity/nodal_admittance.h"
 
 #include "fit/partial_fractions.h"
@@ -20,7 +20,7 @@ void poleFactors(Complex s, Table<Complex, MAXORDER>& factor) {
   double tau = 0;
   Complex delay = 1;
   for (int m = 1; m <= E.TOTORD; ++m) {
-    if (E.FTAU[m] != tau) { // poles of a group stand side by side
+    if (E.FTAU[m] != tau) { // poles of a group are adjacent
       tau = E.FTAU[m];
       delay = std::exp(-s * tau);
     }

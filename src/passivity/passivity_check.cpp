@@ -1,5 +1,5 @@
-// A line is a two-port of equal ends, so its nodal admittance splits into the admittances that
-// equal and opposite voltages at the two ends see. With s = j w
+// A line is a two-port with equal ends, so its nodal admittance splits into the admittances for
+// equal and for opposite voltages at the two ends. With s = j w
 //
 //   Yc = YD + sum over m of YRES[m] / (s - YPOLE[m])
 //   H  = sum over g of exp(-s TAU[g]) sum over m of HRES[g][m] / (s - HPOLE[g][m])
@@ -8,12 +8,12 @@
 //   O = (I + H)^-1 (I - H) Yc        equal voltages
 //
 // and the eigenvalues of the real parts of E and O together are those of the real part of the nodal
-// admittance. The model takes power from the network at w as long as none of them is negative.
+// admittance. The model absorbs power at w if none of them is negative.
 //
-// The eigenvalues are those of LAPACK, which is faster than VALVC. The two agree to some 1e-10 of
-// the norm. Where a thousand times that could change a sign or a digit on the console, VALVC
-// decides. On lines without losses to speak of the eigenvalues are rounding, so the last bits of Yc
-// and H show: they are summed element by element, in an order of the check's own.
+// The eigenvalues are computed by LAPACK, which is faster than VALVC; the two agree to about 1e-10
+// of the norm. Where a thousand times that could change a sign or a digit on the console, VALVC is
+// used. On nearly lossless lines the eigenvalues are rounding errors, which depend on the last bits
+// of Yc and H; these are therefore summed element by element, in a fixed order.
 #include "passivity/passivity_check.h"
 
 #include "base/console.h"
@@ -39,18 +39,18 @@ namespace lcp {
 namespace {
 
 constexpr int TABLERULE = 65;
-constexpr double DOUBT = 1e-7; // of the norm, well over what LAPACK and VALVC differ by
+constexpr double DOUBT = 1e-7; // relative to the norm; LAPACK and VALVC differ by far less
 const std::string BLANKLINE(12, ' ');
 
-// A stretch of grid frequencies at which the model is not passive.
+// A range of grid frequencies in which the model is not passive.
 struct Band {
   bool open = false;
-  bool seen = false; // one has been open
-  double from = 0;   // its first frequency, Hz
-  double worst = 0;  // its smallest eigenvalue, S
+  bool seen = false; // there has been a band
+  double from = 0;   // first frequency, Hz
+  double worst = 0;  // smallest eigenvalue, S
 };
 
-// The matrices of one frequency.
+// The matrices at one frequency.
 struct PointStore {
   LineMatrix Yc, H, sum, difference; // the last two I + H and I - H
   LineMatrix sumInverse, differenceInverse, work, admittance;
@@ -124,7 +124,8 @@ void formSums() {
   INVCJD(POINT.differenceInverse, POINT.difference, n);
 }
 
-// Drops the imaginary parts. Returns the Frobenius norm, not finite when an element is not.
+// Sets the imaginary parts to 0. Returns the Frobenius norm, which is not finite if an element is
+// not.
 double keepRealPart(CView A, int n) {
   double sum = 0;
   for (int c = 1; c <= n; ++c) {
@@ -142,7 +143,7 @@ double keepRealPart(CView A, int n) {
   stopInStars();
 }
 
-// By LAPACK; NaN when it gives up.
+// Computed by LAPACK; NaN if it does not converge.
 double smallestFast(CConstView A, int n) {
   static RealMatrix G;
   static Table<double, NPMAX> re, im;
@@ -153,10 +154,10 @@ double smallestFast(CConstView A, int n) {
   return *std::min_element(re.data(), re.data() + n);
 }
 
-// By VALVC; A is overwritten.
+// Computed by VALVC; A is overwritten.
 double smallestExact(CView A, int n) {
   static LineMatrix vectors, leftVectors;
-  ModeComplex L; // zero: a pair that is not found counts as the shift, which is not negative
+  ModeComplex L; // zero: a pair not found has the shift, which is not negative
   VALVC(L, leftVectors, vectors, A, n);
   double smallest = std::numeric_limits<double>::infinity();
   for (int k = 1; k <= n; ++k) smallest = std::min(smallest, L[k].real());
@@ -165,8 +166,8 @@ double smallestExact(CView A, int n) {
 
 std::string shown(double e) { return scientificField(e, 10, 3); }
 
-// Whether all values within the doubt lead to the same console, where a negative one stands if it
-// is below the worst of its band so far.
+// Whether all values within the uncertainty give the same console output; a negative value is
+// printed only if it is below the worst of its band so far.
 bool isSettled(double e, double doubt, double worst) {
   if (e >= doubt) return true;
   return e < -doubt && (e > worst + doubt || shown(e - doubt) == shown(e + doubt));

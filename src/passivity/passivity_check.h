@@ -1,4 +1,4 @@
-// Passivity of the fitted phase-domain model.
+// Checks the passivity of the fitted phase-domain model.
 #pragma once
 
 #include <string_view>
@@ -10,10 +10,10 @@ constexpr std::string_view PASSIVELINE = " No passivity violations detected.";
 constexpr std::string_view VIOLATEDLINE =
     " Passivity violations detected. See help for further details";
 
-// Looks for negative eigenvalues of the real part of the nodal admittance of FITMODEL over the grid
-// that the passivity options lay, and lists the bands of violation with the smallest eigenvalue of
-// each on the console. Changes nothing; a violation is no error. Options without a grid, or a model
-// that has no finite value at a frequency of it, end the run with a message, exit status 1.
+// Searches for negative eigenvalues of the real part of the nodal admittance of FITMODEL on the
+// grid of the passivity options, and prints the bands of violation with the smallest eigenvalue of
+// each. Changes nothing; a violation is not an error. Options without a valid grid, or a model that
+// is not finite at a grid frequency, end the run with a message and exit status 1.
 void PASSCHK();
 
 } // namespace lcp

@@ -3,12 +3,13 @@
 //   logarithmic  f_i = 10^(log10 a + (i - 1) (log10 c - log10 a) / (N - 1)),  i = 1..N
 //   linear       f_i = a + (i - 1) (c - a) / (N - 1)
 //   by decades   m = floor(N / (log10 c - log10 a)) points in each full decade a .. 10 a, evenly
-//                spaced from a on; in the last one floor(m (c - a) / (9 a)) up to c. A decade that
-//                gets none by this count gets the one point a.
+//   spaced
+//                from a; in the last one floor(m (c - a) / (9 a)) up to c. A decade whose count is
+//                0 gets the single point a.
 //
-// The formulas hold for falling bounds too: the first two run from a down to c, and by decades the
-// decade of a is the last one, with N and m of opposite signs. A decade whose count is negative
-// gets no point.
+// The formulas also hold for descending bounds: the first two run from a down to c; by decades the
+// decade of a is the last one, and N and m have opposite signs. A decade with a negative count gets
+// no point.
 #include "passivity/passivity_grid.h"
 
 #include "base/console.h"
@@ -20,7 +21,7 @@ namespace lcp {
 
 namespace {
 
-constexpr double SAMEFREQUENCY = 1.000000013351432e-10; // Hz, between an end and a full decade
+constexpr double SAMEFREQUENCY = 1.000000013351432e-10; // Hz, from a bound to the end of a decade
 constexpr int MAXDECADES = 50;
 
 struct Range {
@@ -69,8 +70,8 @@ void layLinear(Range R, int NINC, FrequencyList& FGRID) {
   FGRID.NGRID = NINC;
 }
 
-// n points from the lower end on, the other end not among them; the lower end alone when n = 0, and
-// none when n < 0.
+// Appends n points from the lower end, without the upper end; only the lower end if n = 0, none if
+// n < 0.
 void append(FrequencyList& FGRID, Range part, double n) {
   if (n == 0) n = 1;
   checkRoom(FGRID.NGRID + n);

@@ -1,4 +1,4 @@
-// The frequencies at which a fitted model is looked at for passivity.
+// The frequency grid of a passivity check.
 #pragma once
 
 #include "base/table.h"
@@ -16,15 +16,15 @@ struct FrequencyList {
   Table<double, MAXPASSGRID> f; // Hz
 };
 
-// Fills FGRID with frequencies from FLOW to FHIGH, Hz, falling where FHIGH is the lower one.
-// Logarithmic and linear: NINC points with both ends among them, none for NINC below 1. Linear
-// within each decade from FLOW: NINC is the total from which the points of a decade are worked out,
-// one at least unless NINC is negative; the upper end of a decade, and so FHIGH, is no point of it.
-// Any other DIST gives an empty grid.
+// Fills FGRID with frequencies from FLOW to FHIGH, Hz, descending if FHIGH is lower. Logarithmic
+// and linear: NINC points including both ends, none for NINC below 1. Linear within each decade
+// from FLOW: NINC is the total from which the points per decade are computed, at least one unless
+// NINC is negative; the upper end of a decade, and so FHIGH, is not included. Any other DIST gives
+// an empty grid.
 //
-// What has no frequencies to lay (bounds that are not finite, a logarithm of 0 or below, steps by
-// division by zero: one point of the first two, equal bounds of the third) and more points than the
-// table holds end the run with a message, exit status 1.
+// The run ends with a message and exit status 1 if there are more points than the table holds, or
+// if the frequencies are undefined: bounds that are not finite, a logarithm of 0 or less, or a
+// division by zero (one point in the first two cases, equal bounds in the third).
 void PASSGRID(double FLOW, double FHIGH, int NINC, int DIST, FrequencyList& FGRID);
 
 } // namespace lcp

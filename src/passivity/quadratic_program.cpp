@@ -1,18 +1,19 @@
 // Dual active-set method of Goldfarb and Idnani. With the Cholesky factor G = U^T U the frame
-// J = U^-1 has J^T G J = I. The normals of the q active constraints are columns of
+// J = U^-1 satisfies J^T G J = I. The normals of the q active constraints are columns of
 //
 //   J^T [n_1 .. n_q] = [R; 0],   R upper triangular
 //
-// Constraint j with the normal n (row j of A) is added from d = J^T n, d1 = d(1..q), d2 the rest:
+// Constraint j with normal n (row j of A) is added using d = J^T n, with d1 = d(1..q) and d2 the
+// rest:
 //
-//   z = -J2 d2        change of x per unit of the multiplier, J2 the columns of J from q + 1 on
+//   z = -J2 d2        change of x per unit of the multiplier, J2 the columns of J from q + 1
 //   r = -R^-1 d1      change of the multipliers of the active constraints
-//   t2 = (b_j - n^T x) / (z^T n)    the step to the constraint; none when |z| < TINY
-//   t1 = min of -U / r over r < 0   the step at which a multiplier would turn negative; the
-//   quotients
-//                                   of all pairs of multiplier and change are formed
+//   t2 = (b_j - n^T x) / (z^T n)    step to the constraint; none if |z| < TINY
+//   t1 = min of -U / r over r < 0   step at which a multiplier becomes negative; the quotients of
+//   all
+//                                   pairs of multiplier and change are formed
 //
-// The shorter step is taken. At t2 a Householder reflection of J2 brings d2 to one element and
+// The shorter step is taken. At t2 a Householder reflection of J2 reduces d2 to one element and
 // makes d a column of R; at t1 a constraint is dropped, and Givens rotations make R triangular
 // again.
 #include "passivity/quadratic_program.h"
@@ -30,11 +31,11 @@ namespace lcp {
 
 namespace {
 
-constexpr double TINY = 1.0000000036274937e-15; // 1e-15 held at single precision
+constexpr double TINY = 1.0000000036274937e-15; // 1e-15 rounded to single precision
 constexpr int MAXPASSES = 500;
 constexpr double NOSTEP = std::numeric_limits<double>::infinity();
 
-// A vector that is indexed from 1.
+// A vector with 1-based indices.
 template <class T> struct Numbers {
   std::vector<T> elements;
 
@@ -46,7 +47,7 @@ template <class T> struct Numbers {
   T* data() { return elements.data(); }
 };
 
-// An N by N matrix of zeros.
+// An N by N zero matrix.
 struct Square {
   int ld;
   std::vector<double> elements;
@@ -63,15 +64,15 @@ struct Program {
   double* x;
 };
 
-// Everything that is known of the active set.
+// The state of the active set.
 struct DualStore {
   Square frame, factor, copy;
   RView J, R;
-  Numbers<int> ACT;     // active constraints in the order of entry, 0 beyond q
+  Numbers<int> ACT;     // active constraints in the order in which they were added, 0 beyond q
   Numbers<double> U;    // multipliers by constraint
   Numbers<char> ACTIVE; // whether a constraint is in ACT
-  int q = 0;            // active constraints
-  int j = 0;            // the constraint that is being added
+  int q = 0;            // number of active constraints
+  int j = 0;            // the constraint being added
   double UPLUS = 0;     // its multiplier
   Numbers<double> n, d, z, r, s, v, w;
   Numbers<int> IPIV;
@@ -82,9 +83,9 @@ struct DualStore {
 };
 
 struct Step {
-  double t1 = NOSTEP; // to the first multiplier that would turn negative
+  double t1 = NOSTEP; // to the first multiplier that would become negative
   double t2 = NOSTEP; // to the constraint
-  int drop = 0;       // position of the constraint that is dropped at t1
+  int drop = 0;       // position of the constraint dropped at t1
 };
 
 double dot(const double* a, const double* b, int n) {
@@ -109,7 +110,8 @@ void startUnconstrained(DualStore& S, const Program& P, RConstView G, const doub
   for (int k = 1; k <= N; ++k) addMultiple(P.x, -dot(S.J.column(k), g, N), S.J.column(k), N);
 }
 
-// Takes the constraint that is violated most, the last one among equals. False when none is.
+// Selects the most violated constraint, among equal ones the last. Returns false if none is
+// violated.
 bool pickConstraint(DualStore& S, const Program& P) {
   for (int i = 1; i <= P.M; ++i) S.s[i] = -P.b[i - 1];
   for (int k = 1; k <= P.N; ++k) addMultiple(S.s.data(), P.x[k - 1], P.A.column(k), P.M);
@@ -125,13 +127,13 @@ bool pickConstraint(DualStore& S, const Program& P) {
   return true;
 }
 
-// d, z and r. False when r has no value.
+// Computes d, z and r. Returns false if r is undefined.
 bool findDirections(DualStore& S, int N) {
   for (int k = 1; k <= N; ++k) S.d[k] = dot(S.J.column(k), S.n.data(), N);
   std::fill_n(S.z.data(), N, 0.0);
   for (int k = S.q + 1; k <= N; ++k) addMultiple(S.z.data(), -S.d[k], S.J.column(k), N);
   if (S.q == 0) return true;
-  if (!allFinite(S.R, S.q, S.q)) return false; // nothing that LAPACK may be given
+  if (!allFinite(S.R, S.q, S.q)) return false; // LAPACK must not be given such a matrix
   const RView C = S.copy.view();
   for (int k = 1; k <= S.q; ++k) {
     std::copy_n(S.R.column(k), S.q, C.column(k));
@@ -160,7 +162,7 @@ Step stepLengths(DualStore& S, const Program& P) {
   return step;
 }
 
-// Takes d into R as column q + 1, by a reflection of the columns of J from there on.
+// Adds d to R as column q + 1, by a reflection of the columns of J from there on.
 void addConstraint(DualStore& S, int N) {
   const int p = ++S.q;
   S.ACT[p] = S.j;
@@ -181,7 +183,7 @@ void addConstraint(DualStore& S, int N) {
   for (int k = p; k <= N; ++k) addMultiple(S.J.column(k), -S.v[k] / nu, S.w.data(), N);
 }
 
-// The rotation of the rows k and k + 1 of R that clears R(k + 1, k), its transpose on J.
+// Applies the rotation of rows k and k + 1 of R that clears R(k + 1, k), and its transpose to J.
 void rotate(DualStore& S, int k, int N) {
   const RView R = S.R;
   const double a = R(k, k), c = R(k + 1, k);
@@ -216,7 +218,7 @@ void dropConstraint(DualStore& S, int i, int N) {
   for (int k = i; k <= S.q; ++k) rotate(S, k, N);
 }
 
-// Takes the shorter step. True when the constraint has been added, false when another was dropped.
+// Takes the shorter step. Returns true if the constraint was added, false if another was dropped.
 bool move(DualStore& S, const Program& P, const Step& step) {
   const double t = std::min(step.t1, step.t2);
   if (step.t2 != NOSTEP) addMultiple(P.x, t, S.z.data(), P.N);
@@ -231,7 +233,7 @@ bool move(DualStore& S, const Program& P, const Step& step) {
   return full;
 }
 
-// The passes. False when they end without a solution.
+// Runs the passes. Returns false if they end without a solution.
 bool followConstraints(DualStore& S, const Program& P) {
   bool PICK = true;
   for (int pass = 1; pass <= MAXPASSES; ++pass) {

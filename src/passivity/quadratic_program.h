@@ -5,14 +5,14 @@
 
 namespace lcp {
 
-// x = the minimum of 1/2 x^T G x + g^T x subject to A x <= b, by the dual active-set method: from
-// the unconstrained minimum the constraint that is violated most is added in turn, and active ones
-// that stand in its way are dropped. G is N by N, symmetric, positive definite (its upper triangle
-// is read), A is M by N, g and x are of length N, b of length M.
+// x = minimum of 1/2 x^T G x + g^T x subject to A x <= b, by the dual active-set method: starting
+// from the unconstrained minimum, the most violated constraint is added in turn, and active
+// constraints that block it are dropped. G is N by N, symmetric and positive definite (its upper
+// triangle is read), A is M by N, g and x have length N, b has length M.
 //
-// True: no constraint is violated by more than 1e-15, or 500 passes were made and x is what was
-// reached. False, and x is of no use: no x meets all constraints, or an element of x or of what is
-// given is not finite. Work arrays are allocated at entry.
+// Returns true if no constraint is violated by more than 1e-15, or if 500 passes were made, with x
+// as reached then. Returns false, with x undefined, if no x meets all constraints, or if an element
+// of x or of an input is not finite. Work arrays are allocated at entry.
 [[nodiscard]] bool QPDUAL(int N, int M, RConstView G, const double* g, RConstView A,
                           const double* b, double* x);
 

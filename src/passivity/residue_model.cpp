@@ -28,7 +28,7 @@ void decomposeResidues() {
 
 namespace {
 
-// Of the NC eigenvalues of a pole of the first group.
+// Number of free eigenvalues per pole of the first group.
 int freeEigenvalues(int poles) {
   const int n = ENFORCE.NC;
   return n * poles <= MAXFREE ? n : MAXFREE / poles;

@@ -1,19 +1,19 @@
-// H with respect to the eigenvalue l_j of the residue matrix T diag(l) Q, Q = T^-1, of a pole p in
-// the group of delay tau, at s = j w:
+// Sensitivity of H to eigenvalue l_j of the residue matrix T diag(l) Q, Q = T^-1, of a pole p in
+// the group with delay tau, at s = j w:
 //
 //   dH(r,c) / dl_j = T(r,j) Q(j,c) e^(-s tau) / (s - p)
 //
-// The passivity conditions are that these two have no negative eigenvalue:
+// Passivity requires that these two matrices have no negative eigenvalue:
 //
 //   G1 = (P1 + P1^H) / 2    P1 = A^-1 B Yc    A = I + H     dP1 = -A^-1 dH (A^-1 B + I) Yc
 //   G2 = (P2 + P2^H) / 2    P2 = B^-1 A Yc    B = I - H     dP2 =  B^-1 dH (B^-1 A + I) Yc
 //
-// An eigenvalue with right vector v (column of V) and left vector u (row of V^-1) has the
+// An eigenvalue with right eigenvector v (column of V) and left eigenvector u (row of V^-1) has the
 // derivative Re(u dG v). With dP = L dH R this is
 //
 //   Re(u dG v) = 1/2 Re(sum over r, c of ((u L)_r (R v)_c + (v^H L)_r (R u^H)_c) dH(r,c))
 //
-// so each eigenvalue has one weight for each real number of a column of the sensitivity of H.
+// so each eigenvalue has one weight per real number in a column of the sensitivity of H.
 #include "passivity/residue_sensitivity.h"
 
 #include "kernels/lapack.h"
@@ -59,16 +59,16 @@ void RESSENS(double f, RView S) {
 
 namespace {
 
-// What the two conditions have in common: P = L' X Yc with L' the inverse of I + H or I - H.
+// Quantities of one condition: P = L' X Yc with L' the inverse of I + H or I - H.
 struct Condition {
   LineMatrix inverse; // A^-1 or B^-1
   LineMatrix right;   // R: (A^-1 B + I) Yc or (B^-1 A + I) Yc
-  LineMatrix V;       // vectors of G
+  LineMatrix V;       // eigenvectors of G
   LineMatrix U;       // their inverse
   ModeComplex w;      // eigenvalues of G
 };
 
-// plus = I + H, minus = I - H for the first condition, the other way round for the second.
+// plus = I + H and minus = I - H for the first condition, exchanged for the second.
 void solveCondition(Condition& K, CConstView plus, CConstView minus, CConstView Yc) {
   static LineMatrix ratio, P, G;
   const int n = ENFORCE.NC;
@@ -91,8 +91,8 @@ void adjoint(CView B, CConstView A, int n) {
   }
 }
 
-// Weights of the real numbers of a sensitivity column for each eigenvalue, one eigenvalue a column
-// of Q from the given one on; sign of dP.
+// Weights of the real numbers of a sensitivity column for each eigenvalue: one column of Q per
+// eigenvalue, starting at `from`; `sign` is the sign of dP.
 void fillWeights(const Condition& K, double sign, RView Q, int from) {
   static LineMatrix UL, RV, VL, RU, H;
   const int n = ENFORCE.NC;

@@ -1,19 +1,18 @@
-// Sensitivities to the variables of the enforcement, linearised around the present residues.
+// Sensitivities to the variables of the enforcement, linearised around the current residues.
 #pragma once
 
 #include "passivity/enforcement_store.h"
 
 namespace lcp {
 
-// Sensitivity S of H at the frequency f, Hz: 2 NC^2 rows, NVAR columns. A column holds the
-// derivative of H with respect to a variable, element by element in column order, real part above
-// imaginary part.
+// Sensitivity S of H at frequency f, Hz: 2 NC^2 rows, NVAR columns. A column holds the derivative
+// of H with respect to a variable, element by element in column order, each with its real part
+// followed by its imaginary part.
 void RESSENS(double f, RView S);
 
-// The eigenvalues of the passivity conditions at the frequency f, Hz, and their derivatives
-// D, 2 NC rows by NVAR columns: first the NC of the ends driven alike, then those of the ends
-// driven against each other, S. A singular I + H or I - H ends the run with a message, exit
-// status 1.
+// Eigenvalues of the passivity conditions at frequency f, Hz, in S, and their derivatives D, 2 NC
+// rows by NVAR columns: first NC for ends driven in phase, then NC for ends driven in opposition. A
+// singular I + H or I - H ends the run with a message and exit status 1.
 void EIGSENS(double f, RView D, NodalReals& lambda);
 
 } // namespace lcp

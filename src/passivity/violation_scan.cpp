@@ -16,11 +16,11 @@ namespace lcp {
 
 namespace {
 
-constexpr double PZERO = single(1e-20); // sums and differences of violations up to this are zero
-constexpr double CSPACE = single(0.1);  // least relative distance of constraint frequencies
-constexpr double NOCURVE = 1e-20;       // an H up to this has no relative change
+constexpr double PZERO = single(1e-20); // smaller sums and differences of violations are zero
+constexpr double CSPACE = single(0.1);  // smallest relative distance of constraint frequencies
+constexpr double NOCURVE = 1e-20;       // for an H up to this, no relative change is computed
 
-// Eigenvalues of the Hermitian part of Y11 + sign Y12, into W.
+// Eigenvalues of the Hermitian part of Y11 + sign Y12, stored in W.
 void addHalf(double* W, CConstView Y11, CConstView Y12, double sign, int n) {
   static LineMatrix G;
   const auto y = [&](int i, int j) { return Y11(i, j) + sign * Y12(i, j); };
@@ -33,8 +33,8 @@ void addHalf(double* W, CConstView Y11, CConstView Y12, double sign, int n) {
   ZHEEV(G, W, n);
 }
 
-// Equal blocks: the eigenvalues of [A B; B A] are those of A + B, the ends driven alike, and of
-// A - B, the ends driven against each other.
+// For equal blocks the eigenvalues of [A B; B A] are those of A + B (ends driven in phase) and of A
+// - B (ends driven in opposition).
 double violationAt(double f, double PEIGTOL, Residues which) {
   static LineMatrix Y11, Y12;
   static NodalReals lambda;
@@ -61,7 +61,7 @@ void addPoint(int k) {
   P.frequency[P.count] = ENFORCE.EGRID.f[k];
 }
 
-// The largest first.
+// Sorts in descending order.
 void SORTDOWN(double* x, int n) { std::sort(x, x + n, std::greater<>()); }
 
 } // namespace

@@ -1,4 +1,4 @@
-// Where the nodal admittance of the line has negative eigenvalues, and what became of H.
+// Scans the nodal admittance for negative eigenvalues, and measures the change of H.
 #pragma once
 
 #include "passivity/enforcement_store.h"
@@ -6,24 +6,24 @@
 namespace lcp {
 
 // Scans the grid with the base or the changed residues. V is, at each frequency, the sum of the
-// magnitudes of those eigenvalues of the Hermitian part of the nodal admittance that lie below
-// PEIGTOL, S; of the 2 NC eigenvalues the NC of smallest magnitude are looked at. VPOINT gets the
-// peaks of V.
+// magnitudes of the eigenvalues of the Hermitian part of the nodal admittance below PEIGTOL, S; of
+// the 2 NC eigenvalues only the NC of smallest magnitude are considered. VPOINT gets the peaks of
+// V.
 void PASSVIOL(double PEIGTOL, Residues which);
 
-// VPOINT from V: its inner maxima, no plateaus, the first 100 of them. Without one the first
-// largest value; no point when V is zero all over.
+// Finds VPOINT from V: its first 100 inner maxima, without plateaus. If there is none, the first
+// largest value; no point if V is zero everywhere.
 void findPeaks();
 
-// Merges the points of VPOINT into the constraint frequencies: falling, and of frequencies closer
-// than a tenth of the lower one the higher. Beyond 100 entries the further points are left out.
+// Merges the points of VPOINT into the constraint frequencies, which are descending. Of frequencies
+// closer than a tenth of the lower one, the higher is kept. Points beyond 100 entries are dropped.
 void PASSLIST();
 
 // Prints the points of VPOINT.
 void PASSTAB();
 
-// Largest change of H over the fit frequencies, in per cent of its largest element as fitted, which
-// is printed. NaN when an element of H is.
+// Largest change of H over the fit frequencies, in percent of the largest element of the fitted H;
+// also printed. NaN if an element of H is.
 double PASSERR();
 
 } // namespace lcp

@@ -1,15 +1,15 @@
 // Dual active-set method of Goldfarb and Idnani in terms of the scalar products M = A A^T. With the
-// active constraints A and the Cholesky factor L L^T = M_AA a constraint p that y misses by
-// s = b_p - a_p y is taken in along
+// active constraints A and the Cholesky factor L L^T = M_AA, a constraint p that y misses by s =
+// b_p - a_p y is added using
 //
-//   r = M_AA^-1 M_Ap               change of the active multipliers, less their sign
-//   h = M_pp - M_pA r              square of the part of a_p off the active constraints
-//   t1 = min of u_i / r_i over the active bounds with r_i > 0      only what blocks
-//   t2 = s / h                     the step that meets p; none when a_p depends on the active ones
+//   r = M_AA^-1 M_Ap               change of the active multipliers, with opposite sign
+//   h = M_pp - M_pA r              squared part of a_p orthogonal to the active constraints
+//   t1 = min of u_i / r_i over the active bounds with r_i > 0      step to a blocking bound
+//   t2 = s / h                     step that meets p; none if a_p depends on the active ones
 //
-// The shorter step is taken: at t2 the constraint joins, at t1 an active bound leaves and the step
-// goes on. With neither, the constraint contradicts the active ones: the state from before it is
-// taken back and it is left out.
+// The shorter step is taken: at t2 the constraint is added; at t1 an active bound leaves and the
+// step continues. If there is neither, the constraint contradicts the active ones: the previous
+// state is restored and the constraint is left out.
 #include "improved/passivity/active_set_program.h"
 
 #include <algorithm>
@@ -23,29 +23,29 @@ namespace {
 
 constexpr double NOSTEP = std::numeric_limits<double>::infinity();
 constexpr double DEPENDENT = 1e-12; // h over M_pp of a constraint that depends on the active ones
-constexpr double MET = 1e-11;       // distance, of the length of y, from a constraint that is met
-constexpr int PASSESPERROW = 50;    // against rounding that goes round in a circle
+constexpr double MET = 1e-11;       // distance from a constraint that is met, over the length of y
+constexpr int PASSESPERROW = 50;    // limit against cycles caused by rounding
 
 using Reals = std::vector<double>;
 
 std::size_t at(int i) { return static_cast<std::size_t>(i); }
 
 struct ActiveSet {
-  std::vector<int> rows; // constraints in the order of entry
+  std::vector<int> rows; // constraints in the order in which they were added
   std::vector<Reals> L;  // rows of the factor
   Reals u;               // multipliers of all constraints
-  Reals missing;         // by how much y misses each constraint
+  Reals missing;         // amount by which y misses each constraint
 
   int size() const { return static_cast<int>(rows.size()); }
 };
 
 struct Search {
   const LeastVectorProgram& P;
-  ActiveSet active, before; // before: the constraint that is taken in, where it made others leave
+  ActiveSet active, before; // before: state before the constraint is added, if others had to leave
   std::vector<char> closed; // active, or left out
   Reals w, r;               // L^-1 M_Ap and r
   double h = 0;
-  bool moved = false; // a constraint has left, so that before holds
+  bool moved = false; // a constraint has left, so `before` is valid
 
   const double* row(int i) const { return P.M.data() + at(i) * at(P.n); }
   double M(int i, int j) const { return row(i)[j]; }
@@ -62,7 +62,7 @@ double dot(const Reals& a, const Reals& b, std::size_t n) {
   return (sum[0] + sum[1]) + (sum[2] + sum[3]);
 }
 
-// missing less the change t of the multiplier of constraint i.
+// Adds t to the multiplier of constraint i and updates `missing`.
 void addMultiplier(Search& S, int i, double t) {
   S.active.u[at(i)] += t;
   const double* m = S.row(i);
@@ -70,7 +70,7 @@ void addMultiplier(Search& S, int i, double t) {
   for (int k = 0; k < S.P.n; ++k) s[k] -= t * m[k];
 }
 
-// From the multipliers anew, without what the steps have rounded.
+// Recomputes `missing` from the multipliers, free of accumulated rounding.
 void measure(Search& S) {
   S.active.missing = S.P.b;
   for (const int i : S.active.rows) {
@@ -105,7 +105,7 @@ void join(Search& S, int p) {
   S.closed[at(p)] = 1;
 }
 
-// Takes row i out of the factor; rotations of the columns make the rows below it triangular again.
+// Removes row i from the factor; column rotations make the rows below it triangular again.
 void leave(Search& S, int i) {
   ActiveSet& A = S.active;
   addMultiplier(S, A.rows[at(i)], -A.u[at(A.rows[at(i)])]);
@@ -131,7 +131,7 @@ struct Block {
   int position = -1;
 };
 
-// The first active bound whose multiplier falls to zero on the way.
+// The first active bound whose multiplier reaches zero along the direction.
 Block findBlock(const Search& S) {
   Block block;
   for (int i = 0; i < S.active.size(); ++i) {
@@ -148,7 +148,7 @@ void step(Search& S, int p, double t) {
   addMultiplier(S, p, t);
 }
 
-// False when constraint p contradicts the active ones.
+// Returns false if constraint p contradicts the active ones.
 bool takeIn(Search& S, int p) {
   S.moved = false;
   while (true) {
@@ -175,14 +175,14 @@ double distance(const Search& S, int i) {
   return length > 0 ? missing / std::sqrt(length) : missing;
 }
 
-// y^T y: the active constraints are met.
+// Length of y, where the active constraints are met.
 double lengthOf(const Search& S) {
   double square = 0;
   for (const int i : S.active.rows) square += S.active.u[at(i)] * S.P.b[at(i)];
   return std::sqrt(std::max(square, 0.0));
 }
 
-// The open bound that is farthest from being met; -1 when all are met.
+// The open bound that is missed most; -1 if all are met.
 int farthest(const Search& S) {
   double met = MET * lengthOf(S);
   int found = -1;

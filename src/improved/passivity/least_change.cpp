@@ -1,16 +1,16 @@
-// With A = I + H and B = I - H the half (I - H)^-1 (I + H) Yc has a Hermitian part that is not
-// negative exactly when
+// With A = I + H and B = I - H, the Hermitian part of the half (I - H)^-1 (I + H) Yc has no
+// negative eigenvalue exactly if
 //
 //   g(x) = 2 Re(x^H A Yc B^H x) >= 0   for every vector x
 //
-// and the other half with A and B the other way round. This form has no inverse, so it stays nearly
-// linear where H is close to I, as at low frequency. A pair of a frequency and a vector x with
-// g(x) < 0 is a cut. Its derivatives are, with a = A^H x, b = B^H x and the sign + or - of H in A,
+// and the other half with A and B exchanged. This form contains no inverse, so it stays nearly
+// linear where H is close to I, as at low frequency. A frequency and a vector x with g(x) < 0 form
+// a cut. Its derivatives are, with a = A^H x, b = B^H x and + or - the sign of H in A,
 //
 //   dg = +- 2 Re(x^H dH (Yc b - Yc^H a))     dg = 2 Re(a^H dYc b)
 //
-// Each iteration scans the model, adds the cuts of the minima found, linearises all cuts around the
-// present model and finds the least change from the fitted one that meets them: a sequence of
+// Each iteration scans the model, adds cuts for the minima found, linearises all cuts around the
+// current model and finds the least change from the fitted model that meets them: a sequence of
 // quadratic programs.
 #include "improved/passivity/least_change.h"
 
@@ -30,24 +30,24 @@ namespace lcp {
 
 namespace {
 
-constexpr std::size_t NEWCUTS = 150; // minima of a scan that become cuts, the deepest
-constexpr double MARGIN = 1e-6;      // to which a cut is lifted, of the size of its terms
+constexpr std::size_t NEWCUTS = 150; // deepest minima of a scan that become cuts
+constexpr double MARGIN = 1e-6;      // value to which a cut is raised, relative to its terms
 constexpr double MARGINGROWTH = 1.5; // from one program to the next
 constexpr double MOSTMARGIN = 1e-3;
-constexpr int MOSTIDLE = 4;       // programs that a cut may hold nothing
-constexpr double SMALL = 0.02;    // eigenvalue over the largest of a vector that becomes a cut too
-constexpr double SMALLH = 0.1;    // an H below it is weighed as if it were as large
-constexpr double OUTSIDE = 10;    // a decade below and above the band changes count too
-constexpr int POINTSOUTSIDE = 15; // of each
+constexpr int MOSTIDLE = 4;       // programs for which a cut may be inactive
+constexpr double SMALL = 0.02;    // eigenvalue over the largest whose vector becomes a cut too
+constexpr double SMALLH = 0.1;    // an H below it is weighted as if it were this large
+constexpr double OUTSIDE = 10;    // changes up to a decade below and above the band count too
+constexpr int POINTSOUTSIDE = 15; // frequencies in each of these decades
 
 struct YcTerms {
   Table<LineMatrix, MAXPOLES> residue;
   RealMatrix constant;
 };
 
-YcTerms& FITTEDYC = bigStore<YcTerms>(); // as it was fitted
+YcTerms& FITTEDYC = bigStore<YcTerms>(); // as fitted
 
-// The model that changes count from.
+// The model from which changes are measured.
 struct BaseModel {
   ResidueList H;
   YcTerms Yc;
@@ -79,7 +79,7 @@ double largestElement(CConstView A) {
 std::vector<double> weighedFrequencies() {
   const FrequencyGrid& G = SOLVEDATA.grid;
   const auto [low, high] = std::minmax({G.WFREQ[1] / TWOPI, G.WFREQ[G.NFUSE] / TWOPI});
-  std::vector<double> f; // rising
+  std::vector<double> f; // ascending
   for (int k = POINTSOUTSIDE; k >= 1; --k)
     f.push_back(low * std::pow(OUTSIDE, -static_cast<double>(k) / POINTSOUTSIDE));
   for (int k = 1; k <= G.NFUSE; ++k) f.push_back(G.WFREQ[k] / TWOPI);
@@ -89,7 +89,7 @@ std::vector<double> weighedFrequencies() {
   return f;
 }
 
-// A change counts relative to H and Yc at its frequency.
+// Weights a change relative to H and Yc at its frequency.
 void weighBases(LeastChange& C) {
   static LineMatrix F;
   const std::vector<double> f = weighedFrequencies();
@@ -105,7 +105,7 @@ void weighBases(LeastChange& C) {
   whiten(C.ofYc, f, ofYc);
 }
 
-// The vectors of the matrix of a condition at one frequency.
+// The matrices of a condition at one frequency.
 struct Condition {
   LineMatrix H, Yc, A, B; // A and B: I with H added and subtracted, in the order of the half
 };
@@ -123,7 +123,7 @@ void formCondition(Condition& K, double f, Half half) {
   }
 }
 
-// A x, and A^H x.
+// Returns A x; adjointTimes returns A^H x.
 Complexes times(CConstView A, const Complexes& x) {
   Complexes y(x.size());
   const int n = static_cast<int>(x.size());
@@ -162,8 +162,9 @@ void formWavePower(const Condition& K, CView M) {
   }
 }
 
-// All vectors at a minimum that are negative or nearly so: the next program could turn into those.
-// The lowest in any case, where rounding hides its sign.
+// Adds cuts for all vectors at a minimum with a negative or nearly negative value, since the next
+// program could turn into those, and in any case for the lowest, whose sign may be hidden by
+// rounding.
 void addCutsAt(LeastChange& C, const NegativePoint& m) {
   static Condition K;
   static LineMatrix M;
@@ -208,7 +209,7 @@ void changeOfYc(const YcTerms& base, Complex s, CView dY) {
   }
 }
 
-// A cut as conditions on the whole change of H and Yc.
+// Adds a cut as a condition on the total change of H and Yc.
 void addRow(LeastChange& C, const Cut& cut) {
   static Condition K;
   static LineMatrix change;
@@ -233,7 +234,7 @@ void addRow(LeastChange& C, const Cut& cut) {
   C.program.b.push_back(bound + C.margin * size);
 }
 
-// Elements at zero frequency that do not move.
+// Adds the elements at zero frequency that must not change.
 void addFixedValues(LeastChange& C) {
   const int n = ENFORCE.NC;
   const auto unit = [&](int i) {
@@ -254,7 +255,7 @@ void addFixedValues(LeastChange& C) {
   C.program.b.assign(C.rowsH.size(), 0);
 }
 
-// The products of the n rows that stay, at the front.
+// Moves the scalar products of the n rows that stay to the front.
 void compactProducts(std::vector<double>& M, std::size_t n,
                      const std::vector<std::size_t>& stayed) {
   const std::size_t kept = stayed.size();
@@ -264,9 +265,8 @@ void compactProducts(std::vector<double>& M, std::size_t n,
   M.resize(kept * kept);
 }
 
-// The rows that held the last solution stay as they were: g is concave in H, so what is cut off by
-// a linearisation around any model is cut off for good, and the programs do not go round in a
-// circle.
+// Keeps the rows that were active in the last solution unchanged: g is concave in H, so what a
+// linearisation around any model cuts off stays cut off, and the programs cannot cycle.
 void keepActiveRows(LeastChange& C, const std::vector<double>& u) {
   std::size_t kept = 0;
   std::vector<std::size_t> stayed;
@@ -286,7 +286,8 @@ void keepActiveRows(LeastChange& C, const std::vector<double>& u) {
   C.known = kept;
 }
 
-// Cuts that have held nothing for some programs go; a later scan finds them again if they matter.
+// Drops cuts that have been inactive for several programs; a later scan finds them again if they
+// matter.
 void dropIdleCuts(LeastChange& C, const std::vector<double>& u) {
   const std::size_t first = u.size() - C.cuts.size();
   std::size_t kept = 0;
@@ -316,7 +317,7 @@ double rowProduct(const LeastChange& C, std::size_t i, std::size_t j) {
   return m;
 }
 
-// The products of the rows that stayed are those of the last program.
+// Forms the program. The scalar products of rows that stayed are taken from the last program.
 void formProgram(LeastChange& C) {
   for (const Cut& cut : C.cuts) addRow(C, cut);
   const std::size_t n = C.program.b.size(), known = C.known;

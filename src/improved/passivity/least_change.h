@@ -1,5 +1,5 @@
-// The least change of a fitted model that lifts what was found negative: the cuts of an enforcement
-// and the quadratic program that they make.
+// The least change of a fitted model that removes negative eigenvalues: cuts and their quadratic
+// program.
 #pragma once
 
 #include "improved/passivity/active_set_program.h"
@@ -16,40 +16,40 @@ struct Cut {
   double f; // Hz
   Half half;
   Complexes x;  // unit length
-  int idle = 0; // programs in a row that it did not hold
+  int idle = 0; // successive programs in which it was inactive
 };
 
-// What the programs of one enforcement are made of.
+// The data of the programs of one enforcement.
 struct LeastChange {
   TiedBasis ofH, ofYc;
-  bool freeYc = false; // Yc changes as well as H
-  double margin = 0;   // to which cuts are lifted, of the size of their terms
+  bool freeYc = false; // whether Yc may change as well as H
+  double margin = 0;   // value to which cuts are raised, relative to their terms
   std::vector<Cut> cuts;
   std::vector<RankOneRow> rowsH, rowsYc; // of the program: equalities, rows kept, cuts
   LeastVectorProgram program;
-  std::size_t known = 0; // rows, from the first on, whose products the program has
+  std::size_t known = 0; // number of leading rows whose scalar products are known
 };
 
-// From the enforcement store as it was filled: bases, weights of the frequencies of the fit. H
-// alone is free.
+// Starts from the filled enforcement store: bases and weights of the fit frequencies. Only H is
+// free.
 [[nodiscard]] LeastChange startLeastChange();
 
-// The store as it was filled, and the terms that are free from now on; the cuts stay.
+// Restores the store and sets which terms are free from now on; the cuts are kept.
 void restartLeastChange(LeastChange& C, bool freeYc);
 
-// From now on changes count from the present model: steps become small, and with them what the
-// linearised conditions leave out. Rows kept from earlier programs go.
+// Measures changes from the current model from now on: the steps become small, and with them the
+// error of the linearised conditions. Rows kept from earlier programs are dropped.
 void rebaseLeastChange(LeastChange& C);
 
-// Cuts of the deepest of the minima of a scan of the present model.
+// Adds cuts for the deepest minima of a scan of the current model.
 void addCuts(LeastChange& C, std::vector<NegativePoint> minima);
 
-// Linearises the cuts around the present model, solves the program and puts the model that it finds
-// in FRES, and ERY and EDY, of the store. False when a cut contradicts the others.
+// Linearises the cuts around the current model, solves the program and stores the resulting model
+// in FRES, ERY and EDY. Returns false if a cut contradicts the others.
 [[nodiscard]] bool solveLeastChange(LeastChange& C);
 
-// Largest change of an element of Yc over NS frequencies, rad/s, over its largest element as
-// fitted.
+// Largest change of an element of Yc over NS frequencies, rad/s, relative to the largest element of
+// the fitted Yc.
 [[nodiscard]] double changeOfAdmittance(const FreqCurve& WFREQ, int NS);
 
 } // namespace lcp

@@ -1,6 +1,6 @@
-// Iterations of scan and least change: first with H alone, and where that is not enough with Yc as
-// well. The residues that are scanned go to the file as they are, and its 17 digits give the same
-// numbers back to who reads them: what the last scan saw is what is written.
+// Iterates scan and least change, first with H alone and, if that is not enough, with Yc as well.
+// The scanned residues are written to the file unchanged, and its 17 digits reproduce the same
+// numbers: the last scan applies to exactly what is written.
 #include "improved/passivity/spectrum_enforcement.h"
 
 #include "base/console.h"
@@ -25,15 +25,15 @@ namespace lcp {
 
 namespace {
 
-constexpr int PROGRAMS = 3; // quadratic programs for each iteration that is asked for
+constexpr int PROGRAMS = 3; // quadratic programs per requested iteration
 constexpr int FROMFIT = 4;  // programs that look for the least change from the fit itself
-constexpr int PATIENCE = 4; // programs with H alone that may bring nothing
+constexpr int PATIENCE = 4; // programs with H alone that may bring no improvement
 
 enum class Result { Passive, Negative, Unresolved };
 
 struct Outcome {
   Result result;
-  double changeOfYc; // per cent
+  double changeOfYc; // percent
 };
 
 void printScan(int n, const Spectrum& scan, const std::vector<NegativePoint>& points) {
@@ -47,22 +47,23 @@ void printScan(int n, const Spectrum& scan, const std::vector<NegativePoint>& po
                  pointedField(worst.f, 14, 7));
 }
 
-// The model as it stands: a rough scan, and a full one when that finds nothing.
+// Scans the current model: a rough scan, then a full one if that finds nothing.
 Spectrum scanModel() {
   Spectrum scan = scanSpectrum(ENFORCE.FRES, spectrumRange(), Scan::Rough);
   if (!negativePoints(scan).empty()) return scan;
   return scanSpectrum(ENFORCE.FRES, spectrumRange(), Scan::Full);
 }
 
-// How far the model is from passive: the worst negative eigenvalue over the largest there.
+// Distance of the model from passivity: the worst negative eigenvalue relative to the largest
+// there.
 double depthOf(const std::vector<NegativePoint>& points) {
   double depth = 0;
   for (const NegativePoint& m : points) depth = std::max(depth, -m.value / m.size);
   return depth;
 }
 
-// Until the model is passive, so many programs are solved, or H alone brings nothing; n counts the
-// scans.
+// Iterates until the model is passive, `most` programs are solved, or H alone brings no
+// improvement; n counts the scans.
 Result iterate(LeastChange& C, int& n, int most) {
   double best = std::numeric_limits<double>::infinity();
   int since = 0;
@@ -114,7 +115,7 @@ void keepFit(std::string_view why) {
   console::line("            The model stays as it was fitted.");
 }
 
-// The curves of the fit become those of the residues that go to the file.
+// Updates the curves of the fit to the residues that go to the file.
 void renewFittedCurves() {
   static LineMatrix Yc, H;
   const FrequencyGrid& G = SOLVEDATA.grid;
@@ -133,7 +134,7 @@ void takeModel() {
   if (RUNDATA.fit.WDETAIL) renewFittedCurves();
 }
 
-// What becomes of the model in the store.
+// Decides whether the model in the store is used.
 void decide(const Outcome& outcome) {
   const double change = PASSERR();
   const double allowed = RUNDATA.passivity.PMAXERR;
@@ -149,7 +150,7 @@ void decide(const Outcome& outcome) {
   }
 }
 
-// False, with a message, for a model that the enforcement store does not take.
+// Returns false, with a message, for a model that exceeds the enforcement store.
 bool fillStore() {
   PASSSETY();
   PASSSETH();

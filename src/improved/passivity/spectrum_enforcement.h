@@ -1,23 +1,21 @@
-// Enforcement of passivity over the whole spectrum and all frequencies, beside the default one of
-// passivity/enforcement.
+// Enforcement of passivity over the whole spectrum and all frequencies.
 #pragma once
 
 #include <string_view>
 
 namespace lcp {
 
-// The warning of a model that stays as it was fitted.
+// Warning that the model stays as fitted.
 constexpr std::string_view NOTENFORCED = "Passivity is not enforced, {}.";
 
-// The enforcement between fit and model file: takes FITMODEL, and puts the changed residues of H,
-// and where those are not enough the residues and the constant term of Yc, in it when the model
-// that goes to the file is passive and H moved by no more than the error allowed. Otherwise
-// FITMODEL stays as it was fitted, with a warning on the console and exit status 2. Prints its
-// course.
+// The enforcement between fit and model file. Changes the residues of H in FITMODEL and, if those
+// are not enough, the residues and constant term of Yc, provided that the resulting model is
+// passive and H and Yc changed by no more than the allowed error. Otherwise FITMODEL stays as
+// fitted, with a warning on the console and exit status 2. Prints the iterations.
 void enforcePassivityImproved();
 
-// The check of FITMODEL by the same scan: prints the bands with negative eigenvalues. Changes
-// nothing; a violation is no error.
+// Checks FITMODEL by the same scan and prints the bands with negative eigenvalues. Changes nothing;
+// a violation is not an error.
 void checkPassivityImproved();
 
 } // namespace lcp

@@ -1,10 +1,10 @@
-// Far from the resonances the own admittance of an end is Yc, and with the norm h of H
+// Far from resonances the own admittance of an end is Yc. With the norm h of H, the halves
 //
 //   E = Yc + 2 (I - H)^-1 H Yc     O = Yc - 2 (I + H)^-1 H Yc
 //
 // have no eigenvalue further from those of Yc than 2 h / (1 - h) |Yc|. Where that is less than the
-// smallest of Yc nothing between two points can be negative, whatever the phase of the waves; only
-// there the points of the grid may stand further apart than the resonances.
+// smallest eigenvalue of Yc, nothing between two points can be negative, whatever the phase of the
+// waves; only there may the grid points be further apart than the resonances.
 #include "improved/passivity/spectrum_scan.h"
 
 #include "base/constants.h"
@@ -22,19 +22,19 @@ namespace lcp {
 namespace {
 
 constexpr double BEYOND = 100;       // two decades
-constexpr int PERDECADE = 40;        // points of the grid
-constexpr int PERPERIOD = 16;        // ... in the time that a wave takes for both ways
-constexpr double MOSTLINEAR = 6000;  // ... that follow the periods one by one
-constexpr int PERDENSEDECADE = 1000; // ... beyond them
-constexpr double ROUNDING = 1e-13;   // of the largest eigenvalue
-constexpr double CAUTION = 4;        // times the bend in the middle of a stretch: what it may hide
-constexpr double STRAIGHT = 0.02;    // bend over the values that resolves a negative stretch
-constexpr double NARROW = 1e-9;      // ratio of two frequencies, less 1, that counts as resolved
-constexpr double WORK = 1e8;         // points times the cube of the order that a scan may cost
+constexpr int PERDECADE = 40;        // grid points per decade
+constexpr int PERPERIOD = 16;        // ... per round trip of a wave
+constexpr double MOSTLINEAR = 6000;  // ... that follow the periods individually
+constexpr int PERDENSEDECADE = 1000; // ... per decade beyond them
+constexpr double ROUNDING = 1e-13;   // relative to the largest eigenvalue
+constexpr double CAUTION = 4; // factor on the bend in the middle of an interval: what it may hide
+constexpr double STRAIGHT = 0.02; // bend over the values at which a negative interval is resolved
+constexpr double NARROW = 1e-9;   // smallest relative step between two frequencies
+constexpr double WORK = 1e8;      // limit of points times the cube of the order
 constexpr double LEASTPOINTS = 10000;
-constexpr double ROUGH = 0.1;     // points of a rough scan over those of a full one
-constexpr double APART = 1.25;    // ratio of points in a negative stretch that count as found
-constexpr double HALFSHARE = 0.5; // of the smallest eigenvalue of Yc that the waves may reach
+constexpr double ROUGH = 0.1;     // points of a rough scan relative to a full one
+constexpr double APART = 1.25;    // frequency ratio of reported points within a negative interval
+constexpr double HALFSHARE = 0.5; // part of the smallest eigenvalue of Yc that the waves may reach
 
 double frobenius(CConstView A, int n) {
   double sum = 0;
@@ -53,7 +53,7 @@ void hermitianSpectrum(CConstView A, double* W, int n) {
   ZHEEV(G, W, n);
 }
 
-// Eigenvalues of the half (I - sign H)^-1 (I + sign H) Yc into the point.
+// Adds the eigenvalues of the half (I - sign H)^-1 (I + sign H) Yc to the point.
 void addHalf(SpectrumPoint& p, Half half, CConstView H, CConstView Yc, double sign) {
   static LineMatrix over, under, ratio, Y;
   static ModeInts pivots;
@@ -74,7 +74,7 @@ void addHalf(SpectrumPoint& p, Half half, CConstView H, CConstView Yc, double si
   p.size = std::max({p.size, std::fabs(W[1]), std::fabs(W[n])});
 }
 
-// Whether no phase of the waves makes an eigenvalue negative.
+// Whether no phase of the waves can make an eigenvalue negative.
 bool isSettledByYc(CConstView H, CConstView Yc) {
   static ModeReals W;
   const int n = ENFORCE.NC;
@@ -127,8 +127,8 @@ std::vector<Sampled> layGrid(const ResidueList& RES, SpectrumRange range) {
   return grid;
 }
 
-// Whether a half bends so much between a and b that a negative eigenvalue could hide, or that a
-// negative minimum is not resolved.
+// Whether a half bends so much between a and b that a negative eigenvalue could be hidden, or that
+// a negative minimum is not resolved.
 bool isUnresolved(const SpectrumPoint& a, const SpectrumPoint& middle, const SpectrumPoint& b,
                   Half half) {
   const double x = a.smallest[half], y = middle.smallest[half], z = b.smallest[half];

@@ -10,22 +10,22 @@ namespace lcp {
 
 namespace {
 
-// Added to the diagonal of the scaled G, whose diagonal is 1: delays close to each other make basis
-// functions that hardly differ, and large opposite residues would cost nothing.
+// Added to the diagonal of the scaled G, whose diagonal is 1: delays close to each other give
+// almost equal basis functions, and large opposite residues would otherwise cost nothing.
 constexpr double DAMPING = 1e-8;
 
 std::size_t at(int i) { return static_cast<std::size_t>(i); }
 
 bool isReal(const TiedBasis& B, std::size_t m) { return B.pole[m].imag() == 0; }
 
-// Whether pole m is the second of a pair: pairs start behind a real pole or a whole pair.
+// Whether pole m is the second of a pair: pairs follow a real pole or a complete pair.
 bool isSecond(const TiedBasis& B, std::size_t m) {
   std::size_t first = m;
   while (first > 0 && !isReal(B, first - 1)) --first;
   return !isReal(B, m) && (m - first) % 2 == 1;
 }
 
-// Values at s without scale: those of real unknowns, see the basis of the fits.
+// Unscaled values at s of the basis functions of real unknowns, see partial_fractions.h.
 Complexes plainBasis(const TiedBasis& B, Complex s) {
   Complexes phi(at(B.N), 1.0);
   for (std::size_t m = 0; m < B.pole.size(); ++m) {

@@ -1,20 +1,22 @@
-// Changes of residues as real variables that keep the model real: a real pole has a real change of
-// its residue, the two poles of a pair have conjugate ones. All elements of a matrix share the
-// basis functions phi of their poles,
+// Changes of residues as real variables that keep the model real.
+//
+// A real pole has a real change of its residue, the two poles of a pair have conjugate ones. All
+// elements of a matrix share the basis functions phi of their poles,
 //
 //   change of F(r,c) = sum over k of x_k(r,c) phi_k(s)
 //
 // with one real x_k for a real pole, two for a pair (real and imaginary part) and one for a
-// constant term. The change is measured by x^T G x, summed over the elements, with G = U^T U the
-// mean over weighted frequencies of Re(phi phi^H); the whitened basis U^-T phi makes that |y|^2
+// constant term. The change is measured by x^T G x, summed over the elements, where G = U^T U is
+// the mean over weighted frequencies of Re(phi phi^H); in the whitened basis U^-T phi this is |y|^2
 // with y = U x.
 //
 // A linear condition on the change at one frequency, Re(l^T dF(s) q) with vectors l and q, has rank
-// one in the elements and one vector of basis values, so that two of them have the scalar product
+// one in the elements and a single vector of basis values, so the scalar product of two conditions
+// is
 //
 //   a_i a_j = 1/2 Re((l_i l_j)(q_i q_j)(phi_i phi_j) + (l_i l_j*)(q_i q_j*)(phi_i phi_j*))
 //
-// whatever the order of the matrices and the number of poles.
+// independent of the order of the matrices and the number of poles.
 #pragma once
 
 #include "passivity/enforcement_store.h"
@@ -26,19 +28,19 @@ namespace lcp {
 using Complexes = std::vector<Complex>;
 
 struct TiedBasis {
-  Complexes pole;            // rad/s; the two of a pair side by side
-  std::vector<double> tau;   // delay of each, s
-  bool constant = false;     // a constant term behind the poles
-  int N = 0;                 // basis functions
-  std::vector<double> scale; // 1 over the norm of each
+  Complexes pole;            // rad/s; the two of a pair are adjacent
+  std::vector<double> tau;   // delay of each pole, s
+  bool constant = false;     // whether a constant term follows the poles
+  int N = 0;                 // number of basis functions
+  std::vector<double> scale; // reciprocal norm of each basis function
   std::vector<double> U;     // factor of G of the scaled basis, N by N, upper triangle in columns
 };
 
-// The bases of H and of Yc of the enforcement store, not yet whitened.
+// The bases of H and Yc in the enforcement store, not yet whitened.
 [[nodiscard]] TiedBasis propagationBasis();
 [[nodiscard]] TiedBasis admittanceBasis();
 
-// Fills scale and U from frequencies, Hz, and their weights.
+// Sets scale and U from frequencies, Hz, and their weights.
 void whiten(TiedBasis& B, const std::vector<double>& f, const std::vector<double>& weight);
 
 // The whitened basis at s.
@@ -46,11 +48,11 @@ void whiten(TiedBasis& B, const std::vector<double>& f, const std::vector<double
 
 // A condition Re(l^T dF q) >= b or = b on a change of F at one frequency.
 struct RankOneRow {
-  Complexes l, q; // without elements: no part in F
-  Complexes phi;  // whitened basis there
+  Complexes l, q; // empty: the condition does not involve F
+  Complexes phi;  // whitened basis at that frequency
 };
 
-// Scalar product of two rows; with symmetric changes that of their symmetric parts.
+// Scalar product of two rows; for symmetric changes that of their symmetric parts.
 [[nodiscard]] double rowProduct(const RankOneRow& a, const RankOneRow& b, bool symmetric);
 
 // The changes x of element (r,c) for y = sum of u_i times row i, in the order of the basis.
@@ -58,7 +60,7 @@ struct RankOneRow {
                                            const std::vector<double>& u, int r, int c,
                                            bool symmetric);
 
-// The change of the residue of pole m, from 0 on, out of x; the two of a pair are exact conjugates.
+// The change of the residue of pole m (0-based) from x; the changes of a pair are exact conjugates.
 [[nodiscard]] Complex residueChange(const TiedBasis& B, const std::vector<double>& x,
                                     std::size_t m);
 
