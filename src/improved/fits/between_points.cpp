@@ -1,7 +1,7 @@
-// Phase functions are matrix functions of Y Z: any full set of modes serves, in any order. Modes
-// are followed by Newton's method from the mean of the neighbours' eigenvalues and vectors, each
-// eigenvalue in the normalised form -gamma^2 / (w^2 mu0 eps0), which hardly changes from one
-// frequency to the next.
+// Phase functions are matrix functions of Y Z, so any full set of modes in any order will do. Modes
+// are followed by Newton's method from the mean of the neighbours' eigenvalues and vectors. The
+// eigenvalues are used in the normalised form -gamma^2 / (w^2 mu0 eps0), which hardly changes from
+// one frequency to the next.
 #include "improved/fits/between_points.h"
 
 #include "base/constants.h"
@@ -24,15 +24,15 @@ namespace lcp {
 namespace {
 
 constexpr int MOSTBETWEEN = 7;      // frequencies between two points
-constexpr double SEENTURN = PI / 4; // of modes against each other, from one frequency to the next
-constexpr double FADED = 1e-3;      // modal propagation below which a mode does not count
-constexpr double LOSTMODES = 1e-4;  // deviation of H at a point that tells of them
-constexpr double SAMEVECTOR = 0.9;  // least cosine between a mode and its neighbours' mean
+constexpr double SEENTURN = PI / 4; // allowed relative rotation of modes between frequencies
+constexpr double FADED = 1e-3;      // modal propagation below which a mode is ignored
+constexpr double LOSTMODES = 1e-4;  // deviation of H at a point that indicates lost modes
+constexpr double SAMEVECTOR = 0.9;  // smallest cosine between a mode and the mean of its neighbours
 
 LineMatrix product, vectors, inverse, phases, waves;
 ModeComplex squares; // gamma^2, 1/m^2
 
-// Constants half way to the next grid point; returns the angular frequency.
+// Constants half way to the next grid point; returns the angular frequency, rad/s.
 double constantsBehind(int k) {
   const FrequencyGrid& G = SOLVEDATA.grid;
   const double f = G.FREQ[k] * std::sqrt(G.FREQ[k + 1] / G.FREQ[k]);
@@ -40,7 +40,8 @@ double constantsBehind(int k) {
   return TWOPI * f;
 }
 
-// How far the modes that arrive at the other end turn against each other up to the next point, rad.
+// Largest phase difference, rad, by which modes that reach the other end rotate relative to each
+// other up to the next point.
 double turnBehind(int k) {
   const SecondLoopStore& T = SOLVEDATA.second;
   double least = 0, most = 0;
@@ -55,8 +56,8 @@ double turnBehind(int k) {
   return most - least;
 }
 
-// One frequency half way; more where H turns too fast for that, as long as there is room for them
-// beside the points.
+// Number of frequencies up to the next point: one, or more where H rotates too fast for that, as
+// long as the store has room for them.
 int frequenciesBehind(int k) {
   int points = 1;
   while (points < MOSTBETWEEN && turnBehind(k) > SEENTURN * (points + 1)) points += 2;
@@ -77,7 +78,7 @@ void anyModes(int n) {
     idealEigenvalues(squares, product, n);
     return;
   }
-  double size = 0; // near 1 is what the library likes
+  double size = 0; // scaled to a size near 1
   for (int i = 1; i <= n; ++i) size += std::abs(product(i, i));
   for (int j = 1; j <= n; ++j) {
     for (int i = 1; i <= n; ++i) product(i, j) /= size;
@@ -87,7 +88,7 @@ void anyModes(int n) {
   INVCJD(inverse, vectors, n);
 }
 
-// H and Yc of the modes at hand.
+// H and Yc from the current modes.
 void formPhases(LineMatrix& H, LineMatrix& YC, int n) {
   ModeComplex slowness, wave;
   for (int i = 1; i <= n; ++i) {
@@ -119,7 +120,8 @@ void loadPoint(int k, int n) {
   SOLVEDATA.at.YSTORE.load(k, SOLVEDATA.first.YMAT, n);
 }
 
-// Largest change of a mode's propagation over the relative change of its propagation constant.
+// Largest ratio of the change of a mode's propagation function to the relative change of its
+// propagation constant.
 double sensitivity(int n) {
   const SecondLoopStore& T = SOLVEDATA.second;
   double most = 0;
@@ -129,7 +131,8 @@ double sensitivity(int n) {
   return most;
 }
 
-// Whether H at step k is not that of Y and Z: the modes were lost there. It is put right then.
+// Checks whether H at step k belongs to Y and Z. If not, modes were lost there: H and Yc are
+// corrected, and true is returned.
 bool mendedPoint(int k, int n) {
   static LineMatrix H;
   loadPoint(k, n);
@@ -142,7 +145,7 @@ bool mendedPoint(int k, int n) {
   return true;
 }
 
-// Column j becomes 1 in the row of its largest element.
+// Scales column j so that its largest element is 1; returns the row of that element.
 int pivotColumn(CView T, int j, int n) {
   int p = 1;
   for (int i = 2; i <= n; ++i) {
@@ -164,7 +167,7 @@ double cosine(CConstView A, CConstView B, int j, int n) {
   return std::abs(dot) / std::sqrt(a * b);
 }
 
-// Modes of the current constants at w between the steps k and k + 1; false when one is not found.
+// Modes of the current constants at w between steps k and k + 1; returns false if one is not found.
 bool followedModes(int k, double w, int n) {
   static LineMatrix guess;
   const FirstLoopStore& S = SOLVEDATA.first;
@@ -210,7 +213,7 @@ bool modesBetween(int k, double w, int n) {
   return true;
 }
 
-// The root that has the sign of the one at the grid point below.
+// The root whose sign agrees with the root at the grid point below.
 Complex likeNeighbour(Complex root, Complex below) {
   return (root * std::conj(below)).real() < 0.0 ? -root : root;
 }

@@ -10,7 +10,7 @@ struct BetweenStore {
   int NB;          // frequencies
   FreqCurve WFREQ; // rad/s
 
-  // Which of these are filled says the routine that sampled last.
+  // The sampling routine called last determines which of these are filled.
   CurveMatrix<Complex, MAXFREQ> YC;            // characteristic admittance of the phases, S
   CurveMatrix<Complex, MAXFREQ> H;             // propagation matrix of the phases
   CurveMatrix<Complex, MAXFREQ> Z;             // series impedance, ohm/m
@@ -19,7 +19,7 @@ struct BetweenStore {
   CurveVector<Complex, LDMAT, MAXFREQ> HMODE;  // its propagation function
 };
 
-// Mapped before anything of a file that includes this is initialised.
+// Mapped before any variable of an including file is initialised.
 inline BetweenStore& BETWEEN = bigStore<BetweenStore>();
 
 } // namespace lcp

@@ -15,12 +15,12 @@ namespace {
 
 struct GroupFit {
   double tau, error; // s, largest deviation
-  bool refined;      // the delay by small steps
+  bool refined;      // whether the delay has been refined by small steps
   PoleTable P;
 };
 
 struct GroupFits {
-  int made; // fits with 1 to so many poles
+  int made; // number of fits made, with 1 to `made` poles
   DelayRange range;
   Table<GroupFit, NPMAX> fits;
 };
@@ -37,7 +37,7 @@ FitSamples samplesOf(int g) {
 
 BetweenCurve noMiddles() { return {0, SOLVEDATA.grid.WFREQ, nullptr}; }
 
-// The next number of poles, from the delay of the one before.
+// Fits with one more pole, starting from the delay of the previous fit.
 void addFit(int g) {
   GroupFits& H = HISTORY[g];
   const int N = ++H.made;
@@ -56,7 +56,7 @@ void refineFit(int g, int N) {
   fit.refined = true;
 }
 
-// The fewest poles from n on within TARGET, or the best number.
+// The smallest number of poles, from n on, that meets TARGET, or else the best number.
 int countFor(int g, double TARGET, int limit, int n) {
   GroupFits& H = HISTORY[g];
   int best = std::max(n, 1);

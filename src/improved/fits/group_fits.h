@@ -1,33 +1,33 @@
-// Settled fits of the delay groups, one for each number of poles, kept for all attempts.
+// Settled fits of the delay groups, one per number of poles, kept for all attempts.
 #pragma once
 
 #include "fit/propagation_fit.h"
 
 namespace lcp {
 
-// Poles of all groups: what a phase fit is made over.
+// Poles of all groups, the basis of a phase fit.
 struct PoleSet {
   GroupInts NH;
   Table<PoleTable, NGMAX> HPOLE; // rad/s
 };
 
-// Behind FORMGROUPS: forgets the fits of the line before.
+// Call after FORMGROUPS: discards the fits of the previous solve.
 void startGroupFits();
 
-// Raises the number of poles NH[g] of each group to the fewest that fit the group's function within
-// TARGET, or that do it best of limit poles. True when a number changed.
+// Raises the number of poles NH[g] of each group to the smallest that fits the group's function
+// within TARGET, or else to the best up to `limit`. Returns true if a number changed.
 bool growGroups(double TARGET, int limit, GroupInts& NH);
 
-// One pole more for each group below the limit; false when there is none.
+// Adds one pole to each group below the limit; returns false if there is none.
 bool addPoles(int limit, GroupInts& NH);
 
-// False when no group has a better fit of more poles, up to limit, tried or not.
+// Returns false if no group can get a better fit with more poles, up to the limit, tried or not.
 bool canImprove(int limit, const GroupInts& NH);
 
-// Error of the fit of group g with n poles, which was made before: largest deviation.
+// Largest deviation of the fit of group g with n poles, which must have been made.
 double groupError(int g, int n);
 
-// Lays the fits with these numbers of poles into the set, and their delays into FITMODEL.
+// Copies the fits with these numbers of poles to the set and their delays to FITMODEL.
 void takeGroupFits(const GroupInts& NH, PoleSet& S);
 
 // Fills the curves of the groups in FITTED.

@@ -1,5 +1,5 @@
-// The poles are those of the trace, relocated until its error stops falling. Of all numbers of
-// poles tried the best counts when none meets the target.
+// The poles are those of the trace, relocated until its error stops decreasing. If no number of
+// poles meets the target, the best one tried is used.
 #include "improved/fits/matrix_fits.h"
 
 #include "base/constants.h"
@@ -24,7 +24,7 @@ namespace lcp {
 namespace {
 
 constexpr int FEWPASSES = 3;
-constexpr double SEENJUMP = 0.2; // of the largest error of H that is allowed: a jump to warn of
+constexpr double SEENJUMP = 0.2; // a jump to warn of, relative to the largest allowed error of H
 
 using Samples = CurveMatrix<Complex, MAXFREQ>;
 
@@ -38,7 +38,7 @@ double peakOf(const Samples& F, int NS) {
   return peak;
 }
 
-// Largest deviation between the points, over the largest magnitude at them.
+// Largest deviation between the points, relative to the largest magnitude at the points.
 double errorBetween(const MatrixFit& Q, const Samples& F, int N) {
   static ComplexCurve model;
   static PoleCurves u;
@@ -59,7 +59,7 @@ double wholeError(const MatrixFit& Q, const Samples& between, int N) {
   return larger(modelError(Q, N), errorBetween(Q, between, N));
 }
 
-// The elements below the diagonal stand for both, as in the file.
+// Copies the elements below the diagonal to those above, as in the model file.
 void mirrorLower(const MatrixFit& Q, int N) {
   for (int c = 1; c <= RUNDATA.line.NC; ++c) {
     for (int r = c + 1; r <= RUNDATA.line.NC; ++r) {
@@ -69,7 +69,7 @@ void mirrorLower(const MatrixFit& Q, int N) {
   }
 }
 
-// Residues over N given poles; the error.
+// Fits the residues over N given poles and returns the error.
 double fitElements(const MatrixFit& Q, const Samples& between, int N) {
   fitResidues(Q, N);
   if (Q.E == nullptr) mirrorLower(Q, N);
@@ -87,7 +87,7 @@ struct BestFit {
   PoleTable poles;
 };
 
-// Fits the elements over the N poles at hand and keeps them when they are better.
+// Fits the elements over the current N poles and keeps them if they are better.
 void tryPoles(const MatrixFit& Q, const Samples& between, int N, BestFit& best) {
   const double ERR = fitElements(Q, between, N);
   if (best.fit.N != 0 && !(ERR < best.fit.ERR)) return;
@@ -95,8 +95,8 @@ void tryPoles(const MatrixFit& Q, const Samples& between, int N, BestFit& best) 
   std::copy_n(Q.P.data(), N, best.poles.data());
 }
 
-// The poles that fit the trace best need not fit the elements best, least of all with values at
-// zero frequency to be met: those of a few passes alone are tried too.
+// The poles that fit the trace best need not fit the elements best, especially with prescribed
+// values at zero frequency, so poles after only a few passes are tried too.
 MatrixFitResult growMatrix(const MatrixFit& Q, const Samples& between, int limit, double TARGET) {
   static SettledFit fit;
   static BestFit best;
@@ -117,8 +117,8 @@ MatrixFitResult growMatrix(const MatrixFit& Q, const Samples& between, int limit
   return best.fit;
 }
 
-// Adds the real pole that takes up the difference to the DC values. When that lifts the error above
-// the one asked for the model stays as it was, and that error is returned; else 0.
+// Adds the real pole that takes up the difference to the DC values and returns 0. If this raises
+// the error above the target, the model is left unchanged and that error is returned.
 double closeAtZero(const MatrixFit& Q, const RealMatrix& DC, double TARGET, MatrixFitResult& fit) {
   const double a = dcPole(slowestOf(Q.P, fit.N));
   const int N = fit.N + 1;

@@ -1,17 +1,16 @@
-// Rational fits of matrices of the phases over settled poles, with errors that also count between
-// the points of the fit.
+// Rational fits of phase matrices over settled poles, with errors also counted between the fit
+// points.
 #pragma once
 
 namespace lcp {
 
-// As fitAdmittance, for symmetric matrices: the error printed is that of the model as it is
-// written, with its symmetry and its DC correction. Samples Yc and H between the points of the fit
-// as well, which fitPropagationImproved needs, and warns when modes were lost or Z jumps. A DC
-// correction of type 2 that lifts the error above the one asked for is left out with a warning,
-// exit status 2.
+// Like fitAdmittance, for symmetric matrices. The error printed is that of the model as written,
+// including its symmetry and DC correction. Also samples Yc and H between the fit points, which
+// fitPropagationImproved needs, and warns of lost modes and jumps of Z. A DC correction of type 2
+// that raises the error above the requested one is omitted with a warning, exit status 2.
 void fitAdmittanceImproved();
 
-// As fitSeriesImpedance.
+// Like fitSeriesImpedance.
 void fitSeriesImproved();
 
 } // namespace lcp

@@ -1,10 +1,11 @@
-// The mode model with settled fits: what they miss is told.
+// The mode model with settled fits and a warning for each missed target.
 #pragma once
 
 namespace lcp {
 
-// As fitModes, with the fewest poles that meet the target also between the points of the fit. A
-// function that misses its target is warned of in one line, and the run ends with exit status 2.
+// Like fitModes, with the smallest number of poles that meets the target also between the fit
+// points. A function that misses its target gives a warning of one line, and the run ends with exit
+// status 2.
 void fitModesImproved();
 
 } // namespace lcp

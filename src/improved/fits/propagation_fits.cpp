@@ -25,15 +25,15 @@ namespace lcp {
 namespace {
 
 constexpr double FIRSTTARGET = 0.25;
-constexpr double FARTARGET = 4;      // target over the wish at which no attempt meets it
+constexpr double FARTARGET = 4;      // target over the requested error at which no attempt meets it
 constexpr double TARGETFACTOR = 0.5; // from one attempt to the next
-constexpr int IDLEATTEMPTS = 4;      // in a row without a gain that end the search
-constexpr double GAIN = 0.95;        // error over the best so far that counts as a gain
+constexpr int IDLEATTEMPTS = 4;      // successive attempts without improvement that end the search
+constexpr double GAIN = 0.95; // error relative to the best so far that counts as an improvement
 
 struct HStore {
   PoleSet set, trial;
 
-  // H at the points of the fit and behind them those between: all count in residues and errors.
+  // H at the fit points followed by those between: all count in residues and errors.
   int NS;
   FreqCurve WFREQ, WFIT;
   CurveMatrix<Complex, MAXFREQ> H, FIT;
@@ -47,7 +47,7 @@ void gatherSamples() {
   STORE.H.map(FITMODEL.NC);
   STORE.FIT.map(FITMODEL.NC);
   STORE.NS = std::min(G.NFUSE + BETWEEN.NB, MAXFREQ);
-  const double way = G.WFREQ[G.NFUSE] - G.WFREQ[1]; // below 0 on a grid that falls
+  const double way = G.WFREQ[G.NFUSE] - G.WFREQ[1]; // negative on a descending grid
   for (int k = 1, below = 1; k <= STORE.NS; ++k) {
     const bool between = k > G.NFUSE;
     STORE.WFREQ[k] = between ? BETWEEN.WFREQ[k - G.NFUSE] : G.WFREQ[k];
@@ -85,7 +85,7 @@ PhaseFit deviations() {
   return fit;
 }
 
-// What the curve files show.
+// Copies the fitted H to the curves for the detail files.
 void storeFittedCurves() {
   for (int c = 1; c <= FITMODEL.NC; ++c) {
     for (int r = 1; r <= FITMODEL.NC; ++r)
@@ -93,7 +93,7 @@ void storeFittedCurves() {
   }
 }
 
-// Residues over the poles of the set; a DC correction of type 1 is part of it.
+// Fits the residues over the poles of the set, including a DC correction of type 1.
 PhaseFit fitPhases(const PoleSet& S, const PropagationWish& wish) {
   for (int g = 1; g <= FITMODEL.NGROUP; ++g) {
     FITMODEL.NH[g] = S.NH[g];
@@ -122,9 +122,9 @@ void printGroupAttempt(int attempt, double TARGET, const GroupInts& NH, const Ph
   printPhaseFit(fit);
 }
 
-// Groups give up a pole each in turn, as long as the wish stays met.
+// Removes poles from the groups in turn, as long as the requested error is met.
 PhaseFit giveUpPoles(GroupInts& NH, const PropagationWish& wish) {
-  Table<bool, NGMAX> needed{}; // all that a group has left
+  Table<bool, NGMAX> needed{}; // all remaining poles of the group are needed
   for (bool given = true; given;) {
     given = false;
     for (int g = 1; g <= FITMODEL.NGROUP; ++g) {
@@ -144,13 +144,14 @@ PhaseFit giveUpPoles(GroupInts& NH, const PropagationWish& wish) {
 struct Attempts {
   int attempt = 0;
   int idle = 0;
-  GroupInts NH{};   // of the attempt at hand
-  GroupInts best{}; // of the best one
+  GroupInts NH{};   // of the current attempt
+  GroupInts best{}; // of the best attempt
   PhaseFit fit{}, bestFit{};
   double bestTarget = 0;
 };
 
-// Attempts count as idle only when groups fit better than the wish.
+// Records an attempt. It counts as idle only if the target of the groups is within the requested
+// error.
 void noteAttempt(Attempts& A, double TARGET, double wish) {
   const bool first = A.attempt == 1;
   const bool gained = first || A.fit.MAXERR < GAIN * A.bestFit.MAXERR;
@@ -161,7 +162,7 @@ void noteAttempt(Attempts& A, double TARGET, double wish) {
   A.bestTarget = TARGET;
 }
 
-// The best attempt stands in the model at the end, printed last.
+// Makes the best attempt the model, printed last.
 PhaseFit takeBest(Attempts& A, const PropagationWish& wish) {
   if (std::equal(A.NH.data(), A.NH.data() + FITMODEL.NGROUP, A.best.data())) return A.fit;
   A.fit = fitCounts(A.best, wish);
@@ -169,7 +170,7 @@ PhaseFit takeBest(Attempts& A, const PropagationWish& wish) {
   return A.fit;
 }
 
-// One attempt with the numbers of poles at hand; true when it ends the search.
+// Makes an attempt with the current numbers of poles; returns true if it ends the search.
 bool makeAttempt(Attempts& A, double TARGET, const PropagationWish& wish) {
   ++A.attempt;
   A.fit = fitCounts(A.NH, wish);
@@ -180,8 +181,9 @@ bool makeAttempt(Attempts& A, double TARGET, const PropagationWish& wish) {
   return met || A.idle == IDLEATTEMPTS;
 }
 
-// First by falling targets. Where the groups have no better fits of their own the wish may still be
-// missed, as the mean of a group's modes is not each of them: then by one more pole for each group.
+// First lowers the targets. If the groups have no better fits of their own, the requested error may
+// still be missed, because a group is fitted to the mean of its modes: then each group gets one
+// more pole.
 PhaseFit runAttempts(const PropagationWish& wish, GroupInts& NH) {
   const int limit = std::min(wish.MAXPA, NPMAX);
   Attempts A;
@@ -221,7 +223,7 @@ bool isMarked(const PoleMarks& kept, const GroupInts& marks, int g, double p) {
   return std::find(first, first + marks[g], p) != first + marks[g];
 }
 
-// The real pole of the set with the largest ratio that is not marked; a ratio of 0 without any.
+// The unmarked real pole of the set with the largest ratio; a ratio of 0 if there is none.
 RealPole worstPole(const PoleSet& S, const PoleMarks& kept, const GroupInts& marks) {
   RealPole worst{0, 0, 0.0};
   for (int g = 1; g <= FITMODEL.NGROUP; ++g) {
@@ -240,7 +242,7 @@ void takeOut(PoleSet& S, int g, int m) {
   --S.NH[g];
 }
 
-// Takes real poles out as long as the error allows. Returns how many above the limit stay.
+// Removes real poles as long as the error allows. Returns how many remain above the limit.
 int reduceOrder(const PropagationWish& wish, PhaseFit& fit) {
   static PoleMarks kept;
   GroupInts marks{};
@@ -283,7 +285,7 @@ double slowestPole() {
   return slowest;
 }
 
-// What the model has at s = 0, where delays do not count.
+// The value of the model at s = 0, where delays have no effect.
 double valueAtZero(int r, int c) {
   double sum = 0;
   for (int g = 1; g <= FITMODEL.NGROUP; ++g)
@@ -291,8 +293,8 @@ double valueAtZero(int r, int c) {
   return sum;
 }
 
-// Adds the pole to group 1. When that lifts the error above the one asked for the model stays as it
-// was, and that error is returned; else 0.
+// Adds the pole to group 1 and returns 0. If this raises the error above the requested one, the
+// model is left unchanged and that error is returned.
 double closeAtZero(const PropagationWish& wish, PhaseFit& fit) {
   const double a = dcPole(slowestPole());
   const int m = FITMODEL.NH[1] + 1;

@@ -1,9 +1,10 @@
 // Each number of poles starts from poles evenly spaced in the logarithm. A pass that is not the
-// best met may still lead on, so relocation ends where some in a row have brought nothing.
+// best so far may still lead to a better one, so relocation ends after several passes without
+// improvement.
 //
-// Two poles side by side with huge opposite residues stand for one: their sum is a difference of
-// large numbers, which neither 12 digits nor a time step of the simulator holds. They are merged,
-// and the residues are found anew.
+// Two adjacent poles with huge opposite residues represent a single one: their sum is a difference
+// of large numbers, which neither 12 digits nor the simulator's time step can represent. They are
+// merged, and the residues are computed again.
 #include "improved/fits/settled_fit.h"
 
 #include "base/console.h"
@@ -23,26 +24,26 @@ namespace lcp {
 
 namespace {
 
-constexpr int MOSTPASSES = 20;     // of a relocation
-constexpr int IDLEPASSES = 3;      // in a row without a gain that end it
-constexpr int IDLETRIAL = 2;       // ... of another delay
-constexpr double GAIN = 0.98;      // error over the best so far that counts as a gain
-constexpr int MOSTDELAYS = 12;     // tried around the rough one
-constexpr double LEASTPHASE = 0.2; // turn of a delay step at the highest frequency, degrees
-constexpr double DELAYUP = 1.2;    // bounds of a search over the first delay
+constexpr int MOSTPASSES = 20; // of a relocation
+constexpr int IDLEPASSES = 3;  // successive passes without improvement that end it
+constexpr int IDLETRIAL = 2;   // ... when trying another delay
+constexpr double GAIN = 0.98;  // error relative to the best so far that counts as an improvement
+constexpr int MOSTDELAYS = 12; // tried around the rough delay
+constexpr double LEASTPHASE = 0.2; // rotation by a delay step at the highest frequency, degrees
+constexpr double DELAYUP = 1.2;    // bounds of a search relative to the first delay
 constexpr double DELAYLOW = 0.8;
-constexpr double FIRSTSTEP = -0.5;  // of a search over the correction of the delay
-constexpr double REFINING = 0.0625; // first step around the rough delay over that one
-constexpr double CLOSE = 1e-2;      // distance of two poles over their size
-constexpr double HUGE = 1e3;        // residue over pole and the largest magnitude of the function
-constexpr double OPPOSITE = 0.1;    // sum of two residues over one of them
-constexpr double REFINABLE = 2.5;   // error over its target that small steps of the delay can mend
-constexpr double HOPELESS = 1.5;    // error of a delay over the best so far, behind a few passes
+constexpr double FIRSTSTEP = -0.5;  // of a search, relative to the correction of the delay
+constexpr double REFINING = 0.0625; // first step around the rough delay, relative to the rough step
+constexpr double CLOSE = 1e-2;      // distance of two poles relative to their size
+constexpr double HUGE = 1e3;        // residue over pole and largest magnitude of the function
+constexpr double OPPOSITE = 0.1;    // sum of two residues relative to one of them
+constexpr double REFINABLE = 2.5;   // error over its target that small delay steps can correct
+constexpr double HOPELESS = 1.5; // error of a delay relative to the best so far, after a few passes
 constexpr int FEWPASSES = 2;
-constexpr int ROUGHPASSES = 3; // of an iteration of the rough search
+constexpr int ROUGHPASSES = 3; // per iteration of the rough search
 constexpr double NOFIT = std::numeric_limits<double>::infinity();
 constexpr int DIGITS = 12; // of a number in a mode model file
-constexpr int FIELD = 40;  // more characters than one takes
+constexpr int FIELD = 40;  // characters, more than a number needs
 
 ComplexCurve curve;
 
@@ -64,7 +65,7 @@ double betweenError(const BetweenCurve& B, const PoleTable& P, const FunctionFit
   return B.NB == 0 ? 0.0 : deviation(B.WFREQ, *B.F, B.NB, P, M.R, N, M.D);
 }
 
-// One more pass, or none; the error.
+// Runs the given number of passes, or only the residue fit for 0, and returns the error.
 double fitOnce(int passes, const FitSamples& Q, const BetweenCurve& between, int N,
                PoleTable& POLES, SettledFit& FIT) {
   VFITPASSES(passes, Q, N, POLES, &FIT.model, FIT.errors);
@@ -72,13 +73,13 @@ double fitOnce(int passes, const FitSamples& Q, const BetweenCurve& between, int
   return FIT.ERR;
 }
 
-// As SETTLE; ends early where the error stays above HOPELESS times another that is to be beaten.
+// Like SETTLE, but ends early if the error stays above HOPELESS times another one, `beaten`.
 double settle(const FitSamples& Q, const BetweenCurve& between, int N, double TARGET, double beaten,
               PoleTable& POLES, SettledFit& FIT) {
   const int most = beaten < NOFIT ? IDLETRIAL : IDLEPASSES;
   PoleTable poles = POLES;
   double best = NOFIT;
-  bool last = false; // the last pass is the best one
+  bool last = false; // whether the last pass is the best one
   for (int pass = 1, idle = 0; pass <= MOSTPASSES && idle < most && !(best <= TARGET); ++pass) {
     const double ERR = fitOnce(1, Q, between, N, poles, FIT);
     idle = ERR < GAIN * best ? 0 : idle + 1;
@@ -92,7 +93,7 @@ double settle(const FitSamples& Q, const BetweenCurve& between, int N, double TA
   return last ? best : fitOnce(0, Q, between, N, POLES, FIT);
 }
 
-// Where the second of two poles stands that should be one; 0 when there are none.
+// Position of the second of two poles that represent one; 0 if there are none.
 int closePair(const PoleTable& P, const PoleTable& R, int N, double peak) {
   for (int m = 2; m <= N; ++m) {
     const bool close = std::abs(P[m] - P[m - 1]) <= CLOSE * std::abs(P[m]);
@@ -120,7 +121,7 @@ double mergePairs(const FitSamples& Q, const BetweenCurve& between, int& N, Pole
 
 Complex asWritten(Complex z) { return {lcp::asWritten(z.real()), lcp::asWritten(z.imag())}; }
 
-// The fit in the numbers of the file, its error relative to the largest magnitude.
+// The fit with the numbers as written to the file, and its error relative to the largest magnitude.
 void takeAsWritten(const FitSamples& Q, const BetweenCurve& between, const PoleTable& P,
                    const FunctionFit& M, RationalFit& FIT) {
   FIT.D = lcp::asWritten(M.D);
@@ -140,7 +141,7 @@ void finish(const RationalFit& FIT) {
   console::print(" {}{}", FIT.ERR, integerField(FIT.N, 12));
 }
 
-// Residues over the merged poles, as the file will hold them.
+// Fits the residues over the merged poles, rounded as in the file.
 void takeMerged(const FitSamples& Q, const BetweenCurve& between, int N, PoleTable& POLES,
                 SettledFit& fit, RationalFit& FIT) {
   FIT.N = N;
@@ -149,7 +150,8 @@ void takeMerged(const FitSamples& Q, const BetweenCurve& between, int N, PoleTab
   takeAsWritten(Q, between, POLES, fit.model, FIT);
 }
 
-// Keeps the candidate when it is better than the best one; the first one stays when it is NaN.
+// Keeps the candidate if it is better than the best one; a first candidate is kept even if it is
+// NaN.
 bool takeBetter(const RationalFit& candidate, RationalFit& best) {
   if (best.N != 0 && !(candidate.ERR < best.ERR)) return false;
   best = candidate;
@@ -158,7 +160,7 @@ bool takeBetter(const RationalFit& candidate, RationalFit& best) {
 
 // --- delays
 
-// The function without a delay, at both sets of frequencies.
+// The function with the delay removed, at both sets of frequencies.
 ComplexCurve barePoints, bareMiddles;
 
 FitSamples bareSamples(const FitSamples& Q, double tau) {
@@ -184,7 +186,7 @@ struct DelayTrial {
   SettledFit& FIT;
 };
 
-// Fits with the delay t, from the best poles so far; true when it becomes the best.
+// Fits with delay t from the best poles so far; returns true if the fit becomes the best.
 bool tryDelay(DelayTrial& T, double t) {
   static SettledFit fit;
   if (t == T.tau && T.best < NOFIT) return false;
@@ -199,7 +201,7 @@ bool tryDelay(DelayTrial& T, double t) {
   return true;
 }
 
-// The delay that the root mean square error leads to, from tau on, and poles for it.
+// The delay with the least root mean square error, searched from tau on, and poles for it.
 void roughDelay(const FitSamples& Q, int N, const DelayRange& range, double& tau,
                 PoleTable& POLES) {
   static FunctionFit model;

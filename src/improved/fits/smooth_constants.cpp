@@ -1,6 +1,7 @@
-// Z / w and Y / w run smoothly over the logarithm of the frequency. On the places h = 0.07 apart of
-// a usual grid a value between six neighbours is good to 1e-8, so what differs by far more is no
-// curve. The largest difference goes first: it shows in those of its neighbours.
+// Z / w and Y / w are smooth functions of the logarithm of the frequency. On places h = 0.07 apart,
+// as on a usual grid, interpolation between six neighbours is accurate to 1e-8, so a value that
+// differs by much more is an error. The largest difference is corrected first, since it affects
+// those of its neighbours.
 #include "improved/fits/smooth_constants.h"
 
 #include "base/big_store.h"
@@ -17,15 +18,15 @@ namespace lcp {
 namespace {
 
 constexpr int MOSTPLACES = 2 * MAXFREQ;
-constexpr int SPREAD = 3;                              // neighbours to each side
-constexpr double WEIGHTS[SPREAD] = {0.75, -0.3, 0.05}; // of them, by distance
-constexpr double LEASTJUMP = 2e-6;                     // of Z over its largest self impedance
-constexpr int MOSTJUMPS = 20;                          // of so many places one
+constexpr int SPREAD = 3;                              // neighbours on each side
+constexpr double WEIGHTS[SPREAD] = {0.75, -0.3, 0.05}; // of the neighbours, by distance
+constexpr double LEASTJUMP = 2e-6; // of Z, relative to its largest self impedance
+constexpr int MOSTJUMPS = 20;      // one in this many places
 
 struct SmoothStore {
   int places;
   CurveMatrix<Complex, MOSTPLACES> Z, Y; // over w
-  Table<double, MOSTPLACES> off;         // by which Z leaves its neighbours
+  Table<double, MOSTPLACES> off;         // deviation of Z from its neighbours
 };
 SmoothStore& STORE = bigStore<SmoothStore>();
 
@@ -116,7 +117,7 @@ void smoothConstantsAt(double place, double w) {
   FirstLoopStore& S = SOLVEDATA.first;
   const int below = static_cast<int>(place) - SPREAD;
   const int first = std::clamp(below + 1, 1, STORE.places - POINTS + 1);
-  double L[POINTS]; // Lagrange's factors
+  double L[POINTS]; // Lagrange coefficients
   for (int a = 0; a < POINTS; ++a) {
     L[a] = w;
     for (int b = 0; b < POINTS; ++b) {

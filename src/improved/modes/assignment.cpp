@@ -1,7 +1,7 @@
-// Hungarian method with shortest augmenting paths, of order n^3. Row potentials u and column
-// potentials v hold u(i) + v(j) <= cost(i,j), with equality where row i has column j. One row after
-// the other enters: a shortest path over the reduced costs leads from it to a free column, and the
-// rows along the path change columns. Column 0 stands for the row that enters.
+// Hungarian method with shortest augmenting paths, O(n^3). Row potentials u and column potentials v
+// satisfy u(i) + v(j) <= cost(i,j), with equality where row i is assigned to column j. Rows are
+// added one at a time: a shortest path over the reduced costs leads from the new row to a free
+// column, and the rows along the path change columns. Column 0 represents the new row.
 #include "improved/modes/assignment.h"
 
 #include <algorithm>
@@ -14,13 +14,13 @@ namespace {
 struct Assignment {
   double u[LDMAT + 1];
   double v[LDMAT + 1];
-  int row[LDMAT + 1];      // row that has the column, 0 for a free one
-  int before[LDMAT + 1];   // column before it on the path
-  double least[LDMAT + 1]; // least reduced cost that leads to the column
+  int row[LDMAT + 1];      // row assigned to the column, 0 if free
+  int before[LDMAT + 1];   // previous column on the path
+  double least[LDMAT + 1]; // least reduced cost of a path to the column
   bool reached[LDMAT + 1];
 };
 
-// Takes column j into the tree of paths; returns the nearest column outside of it.
+// Adds column j to the tree of paths and returns the nearest column outside it.
 int growTree(Assignment& S, const RealMatrix& cost, int j, int n) {
   const int i = S.row[j];
   double step = std::numeric_limits<double>::max();

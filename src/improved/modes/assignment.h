@@ -1,12 +1,12 @@
-// Optimal assignment of rows to columns.
+// Optimal assignment of rows to columns by the Hungarian method.
 #pragma once
 
 #include "store/solvedata.h"
 
 namespace lcp {
 
-// Gives each row i of the n by n table of costs, all finite, a column COLUMN(i) of its own so that
-// the sum of cost(i, COLUMN(i)) is least (Hungarian method). n up to 49.
+// Assigns each row i of the n by n cost matrix a column COLUMN(i) of its own such that the sum of
+// cost(i, COLUMN(i)) is minimal. All costs must be finite; n up to 49.
 void ASSIGN(ModeInts& COLUMN, const RealMatrix& cost, int n);
 
 } // namespace lcp

@@ -1,17 +1,17 @@
-// With Y and Z symmetric, vectors x_a, x_b of Y Z with different eigenvalues hold x_a^T Z x_b = 0.
-// Equal modes can be chosen so, and only then are the modal matrices diagonal and their quotients
-// surge impedances.
+// For symmetric Y and Z, eigenvectors x_a, x_b of Y Z with different eigenvalues satisfy x_a^T Z
+// x_b = 0. Equal modes can be chosen to satisfy it too, and only then are the modal matrices
+// diagonal and their quotients surge impedances.
 //
 // Nearest basis (Procrustes problem in the bilinear form): with M = V^T Z V and D its diagonal,
 //
 //   V D^-1/2 N^-1/2,  N = D^-1/2 M D^-1/2
 //
-// is at right angles and the nearest such basis to V D^-1/2. N^-1/2 by Newton's iteration,
-// T = T (3 I - T^T N T) / 2, which gains twice the digits each time.
+// satisfies the condition and is the basis nearest to V D^-1/2 that does. N^-1/2 is computed by
+// Newton's iteration, T = T (3 I - T^T N T) / 2, which converges quadratically.
 //
-// Standard basis: the columns of the projector V V^H on the space do not depend on V. Those of the
-// largest diagonal elements, one made orthogonal to the other, are real where the space is. The
-// pencil of V^T Z V and V^T V then parts what has different quotients.
+// Standard basis: the columns of the projector V V^H onto the space do not depend on V. Those with
+// the largest diagonal elements, orthogonalised, are real where the space is real. The pencil of
+// V^T Z V and V^T V then separates vectors with different quotients.
 #include "improved/modes/equal_modes.h"
 
 #include "kernels/lapack.h"
@@ -24,13 +24,13 @@ namespace lcp {
 
 namespace {
 
-constexpr double SAMEVALUE = 1e-9;    // relative difference of eigenvalues that are one
-constexpr double UNCERTAINTY = 1e-14; // of an eigenvalue of condition 1, of the largest one
+constexpr double SAMEVALUE = 1e-9;    // relative difference of eigenvalues that count as equal
+constexpr double UNCERTAINTY = 1e-14; // of an eigenvalue of condition 1, over the largest one
 constexpr double RIGHTANGLE = 1e-14;  // cosine that counts as 0
 constexpr double CONTRACTING = 0.9;   // norm of N - I up to which the iteration is used
 constexpr int MOSTITERATIONS = 60;
-constexpr double ISOTROPIC = 1e-6; // x^T Z x against its largest possible value
-constexpr double SAMEROW = 1e-6;   // rows of the projector that differ by less are equal
+constexpr double ISOTROPIC = 1e-6; // x^T Z x relative to its largest possible value
+constexpr double SAMEROW = 1e-6;   // rows of the projector closer than this count as equal
 
 void unite(ModeGroups& G, int a, int b, int n) {
   const int low = std::min(G.of[a], G.of[b]);
@@ -40,7 +40,7 @@ void unite(ModeGroups& G, int a, int b, int n) {
   }
 }
 
-// out = V T of a basis and an m by k matrix.
+// out = V T for a basis V and an m by k matrix T.
 void combine(Basis& out, const Basis& B, const LineMatrix& T, int k) {
   out.n = B.n;
   out.m = k;
@@ -82,8 +82,8 @@ void congruent(LineMatrix& K, const LineMatrix& M, const LineMatrix& T, int m) {
   }
 }
 
-// Scales the columns of T so that the diagonal of T^T M T, which K is, is 1. Returns the norm of
-// what then stands beside it, or a negative number when a column cannot be scaled.
+// Scales the columns of T so that the diagonal of K = T^T M T becomes 1. Returns the norm of the
+// remaining off-diagonal part, or a negative number if a column cannot be scaled.
 double scaleToOne(LineMatrix& T, LineMatrix& K, int m) {
   ModeComplex s;
   double largest = 0, beside = 0;
@@ -104,7 +104,7 @@ double scaleToOne(LineMatrix& T, LineMatrix& K, int m) {
   return std::sqrt(beside);
 }
 
-// One column after the other against those before it: far from right angles.
+// Orthogonalises each column against those before it; used far from orthogonality.
 void turnInOrder(LineMatrix& T, const LineMatrix& M, int m) {
   static LineMatrix K;
   for (int b = 2; b <= m; ++b) {
@@ -121,7 +121,7 @@ void unitMatrix(LineMatrix& T, int m) {
   for (int i = 1; i <= m; ++i) T(i, i) = 1.0;
 }
 
-// The turn T of a basis with the bilinear form M. False when there is none.
+// Finds the transformation T of a basis with bilinear form M. Returns false if there is none.
 bool rightAngles(LineMatrix& T, const LineMatrix& M, int m) {
   static LineMatrix K, next;
   bool inOrder = false;
@@ -146,7 +146,8 @@ bool rightAngles(LineMatrix& T, const LineMatrix& M, int m) {
   return true;
 }
 
-// Takes the first k columns of B out of column c, twice for the last digits; unit length.
+// Orthogonalises column c against the first k columns, twice for full accuracy, and scales it to
+// unit length.
 void orthonormalise(Basis& B, int c, int k) {
   for (int pass = 1; pass <= 2; ++pass) {
     for (int j = 1; j <= k; ++j) {
@@ -160,7 +161,7 @@ void orthonormalise(Basis& B, int c, int k) {
   }
 }
 
-// The first row of those that have the largest part in the space.
+// The first row among those with the largest part in the space.
 int largestRow(const ModeReals& d, int n) {
   int row = 1;
   for (int i = 2; i <= n; ++i) {
@@ -169,7 +170,7 @@ int largestRow(const ModeReals& d, int n) {
   return row;
 }
 
-// Columns of the projector on the space, orthonormal.
+// Replaces the basis by orthonormalised columns of the projector onto the space.
 void projectUnitVectors(Basis& B) {
   static Basis Q;
   ModeReals d;
@@ -192,8 +193,8 @@ void projectUnitVectors(Basis& B) {
   for (int c = 1; c <= B.m; ++c) std::copy_n(Q.V.view().column(c), B.n, B.V.view().column(c));
 }
 
-// Quotients x^T Z x / x^T x of the space and their vectors in terms of the columns of B. False
-// where a vector x^T x = 0 stands in the way.
+// Quotients x^T Z x / x^T x of the space, with their vectors in terms of the columns of B. Returns
+// false if a vector with x^T x = 0 prevents this.
 bool quotients(ModeComplex& mu, LineMatrix& T, const Basis& B, CConstView Z) {
   static LineMatrix M, G, product;
   ModeInts exchanges;
@@ -213,7 +214,7 @@ bool quotients(ModeComplex& mu, LineMatrix& T, const Basis& B, CConstView Z) {
   return ZGEEV(product, mu, T, B.m, BackSubstitution::ByColumns);
 }
 
-// The group with the largest quotient of those not yet taken, 0 when none is left.
+// The group with the largest quotient not taken yet; 0 if none is left.
 int largestGroup(const ModeGroups& G, const ModeComplex& mu, const ModeInts& taken, int m) {
   int best = 0;
   for (int i = 1; i <= m; ++i) {
@@ -223,7 +224,7 @@ int largestGroup(const ModeGroups& G, const ModeComplex& mu, const ModeInts& tak
   return best;
 }
 
-// Columns of T of one group, side by side; returns how many.
+// Copies the columns of T of one group side by side and returns their number.
 int gather(LineMatrix& out, const LineMatrix& T, const ModeGroups& G, int group, int m) {
   int k = 0;
   for (int j = 1; j <= m; ++j) {

@@ -1,6 +1,6 @@
-// A wave that travels forward has V = (ZM / gamma) I. Since gamma^2 = YM ZM the principal root of
-// ZM / YM is that or its negative: where the quotient crosses the negative axis it changes from one
-// to the other, which no fit can follow.
+// For a forward travelling wave V = (ZM / gamma) I. Since gamma^2 = YM ZM, the principal root of ZM
+// / YM is either this value or its negative: where the quotient crosses the negative real axis the
+// root changes sign, which no fit can follow.
 #include "improved/modes/forward_waves.h"
 
 #include "base/constants.h"

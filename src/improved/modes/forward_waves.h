@@ -1,10 +1,10 @@
-// Surge impedances of waves that travel forward.
+// Surge impedances of forward travelling waves, continuous over frequency.
 #pragma once
 
 namespace lcp {
 
-// After secondLoopStep(k) of a fitted model: the surge impedances of step k become those of waves
-// that travel forward, ZM / gamma, in value the default's root or its negative.
+// Call after secondLoopStep(k) of a fitted model: replaces the surge impedances of step k by those
+// of forward travelling waves, ZM / gamma, which equal the default roots or their negatives.
 void formSurgeImpedancesImproved(int k);
 
 } // namespace lcp

@@ -1,14 +1,14 @@
-// With the right vectors V of P = V L V^-1 as columns, the left vectors as rows of V^-1, and the
+// With the right eigenvectors V of P = V L V^-1 as columns, the left ones as rows of V^-1, and the
 // reference X, X^-1:
 //
 //   C = X^-1 V,  D = V^-1 X = C^-1,  s(i,g) = sum over the modes j of group g of C(i,j) D(j,i)
 //
-// s(i,g) is the part of reference mode i that lies in the invariant subspace of group g, whatever
-// the scale of the vectors; over all groups it sums to 1. Modes are assigned to the places in the
-// groups so that the sum of |1 - s| is least. A group of one is an ordinary mode. The reference
-// modes that fall to a group of more are projected on its subspace, V_g D_g, and brought to right
-// angles in the bilinear form: the basis nearest to the reference. Their eigenvalues are those of
-// the projected matrix, the diagonal of X^-1 P X.
+// s(i,g) is the part of reference mode i that lies in the invariant subspace of group g,
+// independent of the scaling of the vectors; its sum over all groups is 1. Modes are assigned to
+// places in the groups so that the sum of |1 - s| is minimal. A group of one is an ordinary mode.
+// Reference modes assigned to a larger group are projected onto its subspace, V_g D_g, and
+// orthogonalised in the bilinear form, which gives the basis nearest to the reference. Their
+// eigenvalues are those of the projected matrix, the diagonal of X^-1 P X.
 #include "improved/modes/subspace_modes.h"
 
 #include "base/console.h"
@@ -26,9 +26,9 @@ namespace lcp {
 
 namespace {
 
-constexpr double SHIFTREAL = 0.7; // of the mean element, as in the default's decomposition
+constexpr double SHIFTREAL = 0.7; // relative to the mean element, as in the default decomposition
 constexpr double SHIFTIMAG = 0.812345;
-constexpr double CLEAR = 0.3; // |1 - s| up to which a mode has no rival
+constexpr double CLEAR = 0.3; // |1 - s| up to which an assignment is unambiguous
 
 [[noreturn]] void refuseModes() {
   console::openStars();
@@ -43,7 +43,8 @@ void invert(LineMatrix& R, const LineMatrix& A, int n) {
   if (!ZGETRF(R, n, exchanges) || !ZGETRI(R, n, exchanges)) refuseModes();
 }
 
-// norm(left vector) norm(right vector) at a product of 1: how far rounding moves the eigenvalue.
+// Condition number of each eigenvalue: norm(left vector) norm(right vector), scaled to a product of
+// 1.
 void conditions(ModeReals& KAPPA, const LineMatrix& V, const LineMatrix& VINV, int n) {
   ModeReals left;
   for (int j = 1; j <= n; ++j) {
@@ -56,10 +57,10 @@ void conditions(ModeReals& KAPPA, const LineMatrix& V, const LineMatrix& VINV, i
   }
 }
 
-// Distance from the shift that orders the modes: that of its group's first mode.
+// Distance from the shift, which orders the modes; that of the first mode of the group.
 double distance(const ModeSet& M, int j, Complex shift) { return std::abs(M.L[M.G.of[j]] - shift); }
 
-// Modes by falling distance; those of a group stay together.
+// Orders modes by decreasing distance; those of a group stay together.
 void orderByShift(ModeInts& slot, const ModeSet& M, int n) {
   const LineMatrix& P = SOLVEDATA.first.PMAT;
   double mean = 0;
@@ -76,7 +77,7 @@ void orderByShift(ModeInts& slot, const ModeSet& M, int n) {
   });
 }
 
-// The modes that have places in a group.
+// The modes that are assigned to places in a group.
 int membersOf(ModeInts& mode, const ModeSet& M, const ModeInts& slot, int group, int n) {
   int m = 0;
   for (int i = 1; i <= n; ++i) {
@@ -91,7 +92,7 @@ void putBasis(const Basis& B, const ModeInts& mode) {
   }
 }
 
-// Column c of the basis: mode i of the reference projected on the group, V_g D_g.
+// Column c of the basis: mode i of the reference projected onto the group, V_g D_g.
 void projectOn(Basis& B, int c, const ModeSet& M, int group, int i, const LineMatrix& D) {
   std::fill_n(B.V.view().column(c), B.n, Complex());
   for (int j = 1; j <= B.n; ++j) {
@@ -101,7 +102,7 @@ void projectOn(Basis& B, int c, const ModeSet& M, int group, int i, const LineMa
   }
 }
 
-// The vectors of the modes at their places, each a mode of its own.
+// Stores the vectors of the modes at their places, each as a mode of its own.
 void takeSingly(const ModeSet& M, const ModeInts& slot, int n) {
   FirstLoopStore& S = SOLVEDATA.first;
   for (int i = 1; i <= n; ++i) {
@@ -113,7 +114,7 @@ void takeSingly(const ModeSet& M, const ModeInts& slot, int n) {
   }
 }
 
-// Diagonal of TIINV P TI for a mode of the group.
+// Diagonal element of TIINV P TI for a mode of the group.
 Complex projectedEigenvalue(const ModeSet& M, int i, int group, int n) {
   const FirstLoopStore& S = SOLVEDATA.first;
   Complex sum;
@@ -129,8 +130,8 @@ Complex projectedEigenvalue(const ModeSet& M, int i, int group, int n) {
   return sum;
 }
 
-// Basis and eigenvalues of the groups of more than one mode; D are the coefficients of the
-// reference, or nullptr for the standard basis.
+// Sets basis and eigenvalues of the groups of more than one mode. D holds the coefficients of the
+// reference, or is nullptr for the standard basis.
 void takeGroups(const ModeSet& M, const ModeInts& slot, const LineMatrix* D, int n) {
   static Basis B;
   FirstLoopStore& S = SOLVEDATA.first;

@@ -1,5 +1,5 @@
-// All modes at one frequency, in the order and in the basis of a reference: another frequency's, or
-// none. Modes are followed as invariant subspaces.
+// All modes at one frequency as invariant subspaces, in the order and basis of a reference
+// frequency.
 #pragma once
 
 #include "improved/modes/equal_modes.h"
@@ -7,13 +7,13 @@
 
 namespace lcp {
 
-// Vectors, one a column, and their inverse.
+// Eigenvectors as columns, and the inverse matrix.
 struct ModeFrame {
   LineMatrix X;
   LineMatrix XINV;
 };
 
-// All modes at one frequency, as the library has them.
+// All modes at one frequency, in the order of LAPACK.
 struct ModeSet {
   ModeComplex L;
   LineMatrix V;    // right vectors
@@ -22,22 +22,22 @@ struct ModeSet {
   ModeGroups G;
 };
 
-// The modes of PMAT in SOLVEDATA.first, n conductors; PMAT stays. Modes that cannot be found end
-// the run with a message, exit status 1.
+// Computes the modes of PMAT in SOLVEDATA.first, n conductors; PMAT is kept. If the modes cannot be
+// found, the run ends with a message and exit status 1.
 void findModes(ModeSet& M, int n);
 
-// Eigenvalues EIG and vectors TI with TIINV of PMAT in SOLVEDATA.first, n conductors, without a
-// reference: by falling distance from a shift between the axes, as the decomposition of the default
-// has them, equal modes side by side in their standard basis. Columns as PIVNORM leaves them, and
-// its rows in PIVOT.
+// Sets EIG, TI and TIINV to the modes of PMAT in SOLVEDATA.first, n conductors, without a
+// reference: by decreasing distance from a shift off the axes, as in the default decomposition,
+// equal modes side by side in their standard basis. Columns are scaled by PIVNORM, whose rows go to
+// PIVOT.
 void startSubspaces(int n);
 
-// The same of the modes M of PMAT in the order and with the basis of equal modes nearest to the
-// reference. Returns false when it is not clear which mode is which; the best choice then stands
-// all the same.
+// The same for the modes M of PMAT, in the order of the reference and with the basis of equal modes
+// nearest to it. Returns false if the assignment is ambiguous; the best one is stored nevertheless.
 bool followSubspaces(const ModeFrame& reference, const ModeSet& M, int n);
 
-// Takes TI and TIINV of SOLVEDATA.first as the reference; the same from vectors alone.
+// takeFrame copies TI and TIINV of SOLVEDATA.first to the reference; invertFrame computes XINV from
+// X.
 void takeFrame(ModeFrame& frame, int n);
 void invertFrame(ModeFrame& frame, int n);
 

@@ -1,7 +1,7 @@
 // The way from one step to the next runs over the logarithm of the frequency, x from 0 to 1. A part
-// of it that does not lead to a clear assignment is halved, one that does is doubled. At the least
-// way the best assignment is taken: there two modes exchange their vectors within less than 1 % of
-// the frequency, and each goes on as the one it was before.
+// that does not give an unambiguous assignment is halved. At the shortest part the best assignment
+// is accepted: two modes then exchange their vectors within less than 1 % of the frequency, and
+// each continues as before.
 #include "improved/modes/subspace_walk.h"
 
 #include "base/big_store.h"
@@ -22,14 +22,14 @@ namespace lcp {
 
 namespace {
 
-constexpr double LEASTWAY = 0.004; // decades of the frequency, 0.9 %
-constexpr double SAMESIZE = 1e-9;  // elements that differ by less are equally large
+constexpr double LEASTWAY = 0.004; // decades of frequency, 0.9 %
+constexpr double SAMESIZE = 1e-9;  // elements closer than this count as equally large
 constexpr double LARGEENOUGH = 0.5;
 
-constexpr double STRAIGHT = 0.1; // decades up to which line constants are joined by a straight line
-constexpr int MOSTSTATIONS = 20; // halvings of all decades there are
+constexpr double STRAIGHT = 0.1; // decades up to which line constants are interpolated linearly
+constexpr int MOSTSTATIONS = 20; // more than halving all decades can give
 
-ModeFrame frame; // of the frequency that was accepted last
+ModeFrame frame; // last accepted frequency
 
 void storeStep(int k, int n) {
   const FirstLoopStore& S = SOLVEDATA.first;
@@ -49,7 +49,7 @@ int stepBefore(int k) {
   return isConstantTransformStep(k) && !RUNDATA.run.fromTable() ? SOLVEDATA.first.KCT : k - 1;
 }
 
-// The way from one frequency to the next, by their logarithms.
+// The interval between two frequencies, given by their logarithms.
 struct Way {
   double a, b;
 
@@ -57,7 +57,7 @@ struct Way {
   double frequency(double x) const { return std::pow(10.0, a + x * (b - a)); }
 };
 
-// A place on the way: x, and the line constants there.
+// A point on the way: x, the line constants and the modes there.
 struct Station {
   double x;
   LineMatrix Y, Z, P;
@@ -65,8 +65,8 @@ struct Station {
 };
 
 struct Stations {
-  Station behind;                  // the one accepted last
-  Station ahead[MOSTSTATIONS + 1]; // the target, and before it what stands on the way to it
+  Station behind;                  // last accepted point
+  Station ahead[MOSTSTATIONS + 1]; // the target, preceded by the points on the way to it
 };
 
 Stations& WAY = bigStore<Stations>();
@@ -86,9 +86,8 @@ void standAt(const Station& s, int n) {
   copyCorner(S.PMAT, s.P, n);
 }
 
-// The place half way between two. Near each other they are joined by a straight line, of Y and Z
-// per unit of frequency: which mode is which is asked there, no more, and the line constants take
-// their time.
+// The point half way between two. If they are close, Y and Z are interpolated linearly per unit of
+// frequency: they only decide which mode is which, and computing line constants is expensive.
 void halfWay(Station& s, const Station& a, const Station& b, int k, const Way& way, int n) {
   const double x = (a.x + b.x) / 2, f = way.frequency(x);
   if (way.decades(b.x - a.x) > STRAIGHT) {
@@ -108,7 +107,7 @@ void halfWay(Station& s, const Station& a, const Station& b, int k, const Way& w
   standAt(s, n);
 }
 
-// From the constants that stand there to step k.
+// Walks from the frequency of the current constants to step k.
 void walkTo(int k, const Way& way, int n) {
   noteStation(WAY.behind, 0, n);
   constantsAtStep(k, SOLVEDATA.grid.FREQ[k], Place::AtTheStep);
@@ -130,8 +129,9 @@ void walkTo(int k, const Way& way, int n) {
   }
 }
 
-// Over the steps from the first that counts: the least that element (i,j) is against the length of
-// its vector, and the least cosine of the angle of the surge impedance when it is the turning one.
+// Minimum over the steps that count of the size of element (i,j) relative to the length of its
+// vector, and of the cosine of the angle of the surge impedance if the vector is rotated by this
+// element.
 struct TurningRows {
   RealMatrix part;
   RealMatrix cosine;
@@ -143,7 +143,7 @@ Complex propagationDirection(Complex eigenvalue) {
   return gamma.imag() < 0.0 ? std::conj(gamma) : gamma;
 }
 
-// A vector turned by an angle turns its surge impedance ZM / gamma by twice that.
+// Rotating a vector by an angle rotates its surge impedance ZM / gamma by twice that angle.
 void noteRows(TurningRows& R, int k, int n) {
   static LineMatrix TI, Z, product;
   SOLVEDATA.at.MTI.load(k, TI, n);
@@ -169,10 +169,10 @@ int largestPart(const TurningRows& R, int j, int n) {
   return best;
 }
 
-// A vector is turned by an element that is large at all steps, so that its angle never jumps; of
-// those at least half as large as the largest by the one that keeps the surge impedance nearest to
-// the positive axis. Of Bergeron, whose file has the vectors of the last step, by the largest
-// there.
+// A vector is rotated by an element that is large at all steps, so that its angle never jumps.
+// Among those at least half as large as the largest, the one that keeps the surge impedance nearest
+// to the positive real axis is chosen. For Bergeron, whose file contains the vectors of the last
+// step, it is the largest there.
 void chooseTurningRows(int n) {
   static TurningRows R;
   const bool bergeron = RUNDATA.model.atTwoFrequencies();
@@ -204,7 +204,7 @@ int nearestStep(double f) {
 
 void takeStep(int k) {
   beginStep(k);
-  const int& n = RUNDATA.line.NC; // counted with the constants of the first step
+  const int& n = RUNDATA.line.NC; // set with the constants of the first step
   if (k == 1) {
     constantsAtStep(k, SOLVEDATA.grid.FREQ[k], Place::AtTheStep);
     startSubspaces(n);
@@ -236,7 +236,7 @@ void reportAt(double f) {
   } else {
     loadFrame(nearestStep(f), n);
   }
-  // the modes stand at f whether or not their order is clear
+  // the modes are stored even if their order is ambiguous
   findModes(WAY.behind.modes, n);
   std::ignore = followSubspaces(frame, WAY.behind.modes, n);
   COLROT(S.TI, S.IDEALT ? S.PIVOT : S.PIVOT0, n);

@@ -1,18 +1,17 @@
-// First frequency loop, and modes at the report's frequency, with modes followed as invariant
-// subspaces.
+// First frequency loop and report modes with modes followed as invariant subspaces.
 #pragma once
 
 namespace lcp {
 
-// As firstFrequencyLoop, for a line that is not ideally transposed and a model with modes. From the
-// second step on the modes are those of the step before, of the constant transform step those of
-// KCT; an interval is halved where it is not clear which mode is which. Also chooses PIVOT0, the
-// rows by which vectors are turned.
+// Like firstFrequencyLoop, for a line that is not ideally transposed and a model with modes. From
+// the second step on, modes take the order of the previous step, those of the
+// constant-transformation step the order at KCT. An interval is halved where the assignment is
+// ambiguous. Also sets PIVOT0, the rows by which vectors are rotated.
 void firstFrequencyLoopImproved();
 
-// As formReportModes, with the modes in the order of the model: that of the grid step nearest to
-// DISPFREQ, and turned like it. Of an ideally transposed line that is the order of
-// idealTransformation; a model without modes has the order of startSubspaces.
+// Like formReportModes, with the modes in the order of the model: order and rotation of the grid
+// step nearest to DISPFREQ, for an ideally transposed line the order of idealTransformation, for a
+// model without modes that of startSubspaces.
 void formReportModesImproved();
 
 } // namespace lcp
