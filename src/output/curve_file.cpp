@@ -11,7 +11,7 @@ namespace lcp {
 
 namespace {
 
-// ---- which there are
+// ---- which files there are
 
 unsigned modelOfRun() {
   switch (RUNDATA.model.row().fits) {
@@ -29,7 +29,7 @@ bool fitsRun(const CurveRow& row) {
   return row.conductors == ANYCONDUCTORS || (overhead && row.conductors == RUNDATA.line.NC);
 }
 
-// The row of a file as this run has it; null when the run has no such file.
+// The table row of a file in this run; null if the run has no such file.
 const CurveRow* curveRow(CurveId id) {
   if (!RUNDATA.fit.WDETAIL) return nullptr;
   for (const CurveRow& row : CURVETABLE) {
@@ -38,8 +38,8 @@ const CurveRow* curveRow(CurveId id) {
   return nullptr;
 }
 
-// The name of the line up to its first blank, and the suffix, in the working directory. A slash in
-// the name of the line is written as an underscore.
+// File name: the name of the line up to its first blank, with slashes replaced by underscores, and
+// the suffix; in the working directory.
 std::string curveName(const CurveRow& row) {
   const std::string_view field = RUNDATA.line.LNAME.whole();
   std::string name(field.substr(0, std::min(field.find(' '), field.size())));
@@ -47,9 +47,9 @@ std::string curveName(const CurveRow& row) {
   return name.append(row.suffix);
 }
 
-// ---- one of them
+// ---- one file
 
-// Made with the first one: most runs have none.
+// Allocated with the first file: most runs have none.
 std::unique_ptr<StreamFile[]> files;
 
 void makeFiles() {

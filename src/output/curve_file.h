@@ -1,4 +1,4 @@
-// One detail curve file as it is written: its name, its header, and a row for each frequency step.
+// One detail curve file: its name, its heading, and a row for each frequency step.
 #pragma once
 
 #include "base/general_field.h"
@@ -11,29 +11,29 @@
 
 namespace lcp {
 
-constexpr int ROWVALUES = 403; // numbers on a line of a curve file
+constexpr int ROWVALUES = 403; // numbers per line of a curve file
 
-// The files of a solve are opened with their headers, once, and stay open until their rows are
-// written; a run that ends before leaves the header and the rows so far. They are an extra: what
-// cannot be written is told on the console in one line, once a solve, and left empty, and the run
-// goes on. Values that are no numbers count as such trouble.
+// The files of a solve are opened once, with their headings, and stay open until their rows are
+// written; if the run ends before that, heading and rows so far remain. They are optional: a file
+// that cannot be written, or whose values are not finite, is reported on the console in one line
+// per solve and left empty, and the run continues.
 
-// The names of those that the run has.
+// Names of the curve files of this run.
 std::vector<std::string> curveFileNames();
 
-// Opens the file of that kind and writes its header, if the run has it.
+// Opens a file and writes its heading, if the run has it.
 void headCurve(CurveId id);
 
-// Completes the file with what it has, if it is open.
+// Completes the file with what it contains, if it is open.
 void closeCurve(CurveId id);
 
-// The rows of a file that has its header.
+// Writes the rows of a file that has its heading.
 class CurveFile {
 public:
-  // False when the run has no such file, or the file had trouble.
+  // Returns false if the run has no such file or the file has failed.
   bool open(CurveId id);
 
-  // Begins the row of a step: logarithm of the frequency, frequency (Hz).
+  // Starts the row of a step: logarithm of the frequency, frequency (Hz).
   void startRow(double LOGFN, double FN);
   void value(double v) {
     if (inLine == ROWVALUES) nextLine();

@@ -11,8 +11,8 @@ namespace lcp {
 namespace {
 
 constexpr int FIRSTFITTED = 6; // grid step at the start of the fit range
-constexpr int LONGTABLE = 100; // steps from which curves of a fit leave out those below it
-constexpr int LONGHTABLE = 99; // ... of the propagation fit
+constexpr int LONGTABLE = 100; // steps from which fit curves omit those below the fit range
+constexpr int LONGHTABLE = 99; // ... for the propagation fit
 
 bool wanted(bool model) { return model && RUNDATA.fit.WDETAIL; }
 
@@ -28,7 +28,7 @@ CurveSteps fitSteps(int longTable) {
   return {NS >= longTable ? FIRSTFITTED : 1, NS};
 }
 
-// All files of that moment, each once: a file can have several rows in the table.
+// Writes each file of this moment once: a file can have several rows in the table.
 void writeCurves(Moment moment, CurveSteps steps) {
   if (!RUNDATA.fit.WDETAIL || steps.empty()) return;
   CurveId before = CurveId::COUNT;

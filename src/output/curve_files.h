@@ -1,19 +1,21 @@
-// The detail curve files of a solve, for plotting: tables over frequency of what was computed and,
-// beside it, of what was fitted. Each routine stands for a moment of the solve; those of another
-// model, and all of them when no curve files are wanted, do nothing.
+// The detail curve files of a solve, for plotting: computed and fitted functions of frequency.
+//
+// Each routine is called at one point of the solve. It does nothing for another model or if no
+// curve files are selected.
 #pragma once
 
 namespace lcp {
 
-// Before the first frequency loop: all files with their headers, but those of the next routine.
+// Before the first frequency loop: opens all files with their headings, except those of
+// writeEndCurves.
 void headCurves();
 
-// In the second frequency loop, behind step k: what the phases of a three-phase line see at their
-// ends. Opened at the first step that has a row.
+// In the second frequency loop, after step k: sending-end phase voltages of a three-conductor line.
+// Opens the files at the first step that has a row.
 void writeEndCurves(int k);
 
-// The curves of the line itself: of the phase model before its model file, of the others after it,
-// with the fits of the mode model.
+// Writes the curves of the line itself: for the phase model before its model file, for the others
+// after it, together with the fits of the mode model.
 void writeLineCurvesBefore();
 void writeLineCurvesAfter();
 
@@ -22,7 +24,8 @@ void writeAdmittanceFitCurves();
 void writePropagationFitCurves();
 void writeSeriesFitCurves();
 
-// What is still open when the model file is complete, or cannot be opened, holds its header alone.
+// Closes the files that are still open when the model file is complete or cannot be opened; they
+// contain only their heading.
 void closeHeadedCurves();
 
 } // namespace lcp

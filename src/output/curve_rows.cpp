@@ -1,4 +1,4 @@
-// Far end shorted and open, with u the propagation constant times the length:
+// With the far end shorted and open, and u the propagation constant times the length:
 //
 //   Zin_i = Zs_i tanh u_i,   Zin_i = Zs_i coth u_i           of mode i
 //   V = M diag(Zin) M^T I,   M = TI^-T,   I = (3, 0, 0)      of the phases
@@ -24,7 +24,7 @@ using enum CurveId;
 enum class Part { MAGNITUDE, ANGLE };
 using enum Part;
 
-// Squares between these bounds have lost nothing.
+// Squares between these bounds neither overflow nor lose precision.
 constexpr double LEASTSQUARE = 1e-280;
 constexpr double MOSTSQUARE = 1e280;
 
@@ -34,12 +34,12 @@ double magnitudeOf(Complex z) {
   return std::hypot(z.real(), z.imag());
 }
 
-// In degrees, above -180 up to 180. Adding 0 turns a negative zero, whose half turn would be -180.
+// In degrees, above -180 up to 180. Adding 0 makes a negative zero positive, which would give -180.
 double angleOf(Complex z) { return std::atan2(z.imag() + 0.0, z.real()) * DEGREES; }
 
 double partOf(Part part, Complex z) { return part == MAGNITUDE ? magnitudeOf(z) : angleOf(z); }
 
-// Frequencies of the rows: those of the grid, or as the fits take them back from WFREQ.
+// Frequencies of the rows: those of the grid, or as recomputed from WFREQ in the fits.
 enum class RowFrequency { GRID, FIT };
 
 void startRow(CurveFile& file, RowFrequency from, int k) {
@@ -52,7 +52,7 @@ void startRow(CurveFile& file, RowFrequency from, int k) {
   file.startRow(std::log10(FN), FN);
 }
 
-// The one way through a curve file: a row for each step, which putRow fills behind the frequency.
+// Writes a curve file: one row per step, which putRow fills after the frequency.
 template <class PutRow>
 void writeRows(CurveId id, CurveSteps steps, RowFrequency from, PutRow putRow) {
   CurveFile file;
@@ -67,7 +67,8 @@ void writeRows(CurveId id, CurveSteps steps, RowFrequency from, PutRow putRow) {
 
 using ElementCurves = CurveMatrix<Complex, MAXFREQ>;
 
-// All elements by the part of the file, the column faster; of a fit the sampled one and the fitted.
+// Writes the magnitude or angle of all elements, column index fastest; with a fit, sampled and
+// fitted value side by side.
 void writeElements(CurveId id, Part part, const ElementCurves& A, CurveSteps steps,
                    RowFrequency from, const ElementCurves* fit = nullptr) {
   const int n = RUNDATA.line.NC;
@@ -151,7 +152,7 @@ Complex fitted(const RationalFit& F, int k) {
   return partialFractions(F.P, F.R, F.N, F.D, 0.0, Complex(0.0, SOLVEDATA.grid.WFREQ[k]));
 }
 
-// The attenuation's angles all lie from -360 up to 0.
+// Angles of the attenuation are above -360 up to 0.
 double laggingAngle(Complex z) {
   const double angle = angleOf(z);
   return angle > 0.0 ? angle - TURN : angle;
@@ -171,7 +172,7 @@ void putAttenuation(CurveFile& file, Part part, int k, int i) {
   file.value(part == MAGNITUDE ? magnitudeOf(F) : laggingAngle(F));
 }
 
-// A constant transformation is that of its step, with its sign; at all steps.
+// A constant transformation has the same signed value at all steps, that of its own step.
 void putTransformElement(CurveFile& file, Part part, int k, int i, int j) {
   const SecondLoopStore& T = SOLVEDATA.second;
   const auto& sampled = part == MAGNITUDE ? T.TIMAG : T.TIARG;
@@ -220,7 +221,8 @@ void writeGroups(CurveId id, Part part, CurveSteps steps) {
   });
 }
 
-// The one of an ideally transposed line is not followed over frequency: it is with the modes.
+// For an ideally transposed line, which is not tracked, the transformation is stored with the modes
+// only.
 const ElementCurves& transformation() {
   return SOLVEDATA.first.IDEALT ? SOLVEDATA.second.TIST : SOLVEDATA.at.MTI;
 }

@@ -1,5 +1,7 @@
-// The numbers of the detail curve files: constants, modes and impedances at the ends of the line;
-// sampled and fitted functions of the models.
+// The numbers of the detail curve files.
+//
+// Constants, modes and impedances at the ends of the line; sampled and fitted functions of the
+// models.
 #pragma once
 
 #include "output/curve_table.h"
@@ -11,11 +13,13 @@ struct CurveSteps {
   bool empty() const { return last < first; }
 };
 
-// Writes the rows of a file that has its header, and closes it; none when the run has no such file.
+// Writes the rows of a file that has its heading, and closes it. Does nothing if the run has no
+// such file.
 void writeCurve(CurveId id, CurveSteps steps);
 
-// Three conductors overhead: voltages of the phases at the sending end for 3 A in the first, with
-// the far end shorted and open. A row a step, in the second frequency loop, whose TIINV it takes.
+// Overhead lines of three conductors: sending-end phase voltages for 3 A into the first phase, with
+// the far end shorted and open. One row per step, written in the second frequency loop, whose TIINV
+// is used.
 void openSentVoltages();
 void writeSentVoltages(int k);
 void closeSentVoltages();

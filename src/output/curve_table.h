@@ -1,5 +1,6 @@
-// The detail curve files as a table: for which models, when they are written, their names and their
-// headers. Their numbers are in output/curve_rows.
+// The table of detail curve files: models, moment of writing, names and headings.
+//
+// Their numbers are written in output/curve_rows.
 #pragma once
 
 #include <string_view>
@@ -10,7 +11,7 @@ namespace lcp {
 enum class CurveId {
   ZCMM, // surge impedances of the modes and their fits: magnitude
   ZCPM, // ... angle
-  AMM,  // modal propagation functions without delay and their fits: magnitude
+  AMM,  // modal propagation functions with the delay removed and their fits: magnitude
   APM,
   TIMM, // elements of the current transformation and their fits: magnitude
   TIPM,
@@ -34,7 +35,7 @@ enum class CurveId {
   YS,      // shunt admittance: real and imaginary parts
   SHORTED, // impedance of each mode with the far end shorted
   OPEN,    // ... with the far end open
-  GDIS,    // input impedances of the phases, far end shorted
+  GDIS,    // sending-end phase voltages, far end shorted
   GDIO,    // ... far end open
   COUNT
 };
@@ -60,7 +61,7 @@ struct CurveRow {
   CurveId id;
   Moment written;
   unsigned models;
-  int conductors; // an overhead line of so many alone, or ANYCONDUCTORS
+  int conductors; // only for overhead lines with this many conductors, or ANYCONDUCTORS
   std::string_view suffix;
   std::string_view header;
 };

@@ -1,12 +1,12 @@
-// The fitted phase-domain model in the line model file.
+// Writes the fitted phase-domain model to the line model file.
 #pragma once
 
 #include "base/text_file.h"
 
 namespace lcp {
 
-// Appends the poles, residues, constants and delays of FITMODEL, one number a line in full double
-// precision, a complex number as two lines.
+// Appends poles, residues, constants and delays of FITMODEL, one number per line in full double
+// precision, a complex number on two lines.
 void FITPARMS(TextFile& file);
 
 } // namespace lcp

@@ -9,12 +9,12 @@
 
 namespace lcp {
 
-// The message of a model file that cannot be opened.
+// Message for a model file that cannot be opened.
 constexpr std::string_view MANUALNOTOPENED = "Cannot Open corvo Output file ! ******";
 
-// Opens the model file, writes the modes behind its head, and closes it: per mode travel time (ms),
-// surge impedance (ohm), resistance twice, and its row of the real transformation TR. A file that
-// cannot be opened ends the run with a message, exit status 1.
+// Writes and closes the model file: the head and, per mode, travel time (ms), surge impedance
+// (ohm), resistance (twice), and its row of the real transformation TR. If the file cannot be
+// opened, the run ends with a message and exit status 1.
 void writeManualModel(std::span<const ManualMode> modes, const RealMatrix& TR);
 
 } // namespace lcp

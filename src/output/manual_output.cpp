@@ -33,7 +33,7 @@ bool copyManualOutput() {
     sayCannotOpen(RUNDATA.display.MANOUTF);
     return false;
   }
-  // Read to its end before the model file is emptied: the two may be one file.
+  // Read completely before the model file is emptied: both may be the same file.
   std::vector<std::string> lines;
   std::string line;
   TextSource::Result result = source.next(line, MANUALCOLUMNS);

@@ -6,8 +6,8 @@
 
 namespace lcp {
 
-// Writes the fitted series impedance of SERIESMODEL (poles in rad/s, per metre), behind it the
-// conductance and the capacitance: upper triangles, one value a line.
+// Writes the fitted series impedance of SERIESMODEL (poles in rad/s, values per metre), followed by
+// conductance and capacitance: upper triangles, one value per line.
 void writeMfdtdModel(TextFile& file, const SeriesShunt& shunt);
 
 } // namespace lcp

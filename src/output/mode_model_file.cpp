@@ -10,7 +10,7 @@ namespace lcp {
 
 namespace {
 
-constexpr int CHUNK = 6; // poles or residues on a line
+constexpr int CHUNK = 6; // poles or residues per line
 
 void writeHead(TextFile& file) {
   const int n = RUNDATA.line.NC;

@@ -61,7 +61,7 @@ void writeBergeronFirstLine(TextFile& file) {
   file.line(record.text(" /"));
 }
 
-// The file has resistances by magnitude.
+// Reports negative resistances, which the file contains by magnitude.
 void noteLosses(int k) {
   const SecondLoopStore& T = SOLVEDATA.second;
   const double f = RUNDATA.line.SSFREQ, floss = RUNDATA.bergeron.FLOSS;

@@ -1,4 +1,4 @@
-// The line model file, which the simulator reads.
+// The line model file read by the simulator: head, PI model and Bergeron model.
 #pragma once
 
 #include "base/text_file.h"
@@ -8,19 +8,19 @@
 
 namespace lcp {
 
-// The five lines that open every model file.
+// The five lines at the start of every model file.
 void writeModelHead(TextFile& file);
 
-// NOINT and INFLENGTH, as the options ask for them.
+// The lines NOINT and INFLENGTH, according to the options.
 void writeFlagLines(TextFile& file);
 
-// The record of mode k of a Bergeron file. A line that is full ends in a slash, and the values that
-// remain go on in the next one.
+// The record of mode k in a Bergeron file. A full line ends with a slash, and the remaining values
+// continue on the next one.
 void writeModeRecord(TextFile& file, int k, std::span<const double> values, int perLine);
 
-// A line on the error stream for mode k of a Bergeron model whose resistance, at the frequency f
-// (Hz), is below 0 by more than the rounding of its reactance X. Both in ohm/m, or in ohm for
-// totals of the line. written: what the model file has in its place.
+// Prints a line on the error stream if mode k of a Bergeron model has a resistance R at frequency f
+// (Hz) that is negative by more than the rounding of its reactance X; both in ohm/m, or in ohm for
+// totals of the line. written: the value in the model file.
 void noteNegativeResistance(int k, double f, double R, double X, double written);
 
 // PI model, from the long-line corrected matrices: shunt branches in microfarad and ohm, then the

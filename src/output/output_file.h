@@ -1,4 +1,4 @@
-// Opening of the files of a solve.
+// Opens the output files of a solve.
 #pragma once
 
 #include "base/text_file.h"
@@ -8,11 +8,11 @@
 
 namespace lcp {
 
-// The message for a file of a solve that cannot be opened.
+// Message for a file that cannot be opened.
 constexpr std::string_view CANNOTOPEN = "Cannot Open Output file ! ******{}";
 void sayCannotOpen(const FileName& name);
 
-// Opens a file for writing; false, behind the message, when that fails.
+// Opens a file for writing; returns false, after the message, if that fails.
 bool openOutput(TextFile& file, const FileName& name, EarlyEnd end);
 
 } // namespace lcp

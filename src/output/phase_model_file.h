@@ -1,4 +1,4 @@
-// The model file of the frequency dependent (phase) model.
+// The model file of the frequency-dependent phase model.
 #pragma once
 
 #include "base/text_file.h"

@@ -1,12 +1,12 @@
-// With w = 2 pi SSFREQ and y = Y / 2, the shunt side of each end, per metre:
+// With w = 2 pi SSFREQ and y = Y / 2, the shunt branches at each end, per metre, are
 //
 //   between conductors i and j:  y(i,j)
 //   from conductor i to ground:  y(i,1) + y(i,2) + .. + y(i,NC)
-//   C = |Im y| / w in microfarad, R1 = 1 / Re y in ohm above the limit of conductance
+//   C = |Im y| / w in microfarad, R1 = 1 / Re y in ohm, if Re y exceeds the conductance limit
 //
-// and the series side R2 = Re Z in ohm, LS = Im Z / w in henry.
+// and the series branches are R2 = Re Z in ohm, LS = Im Z / w in henry.
 //
-// The simulator multiplies by the length what grows with it (C, LS, R2), and divides R1 by it.
+// The simulator multiplies C, LS and R2 by the length and divides R1 by it.
 #include "output/pi_component.h"
 
 #include "base/console.h"
@@ -31,16 +31,16 @@ namespace {
 
 constexpr double MICRO = 1000000.0;    // F to microfarad
 constexpr double LEASTC = 1e-10;       // microfarad/m below which a cable has no branch
-constexpr double LEASTR = 1e-20;       // ohm; up to it there is no parallel resistance
-constexpr int PITCH = 72;              // of the nodes in the drawing
+constexpr double LEASTR = 1e-20;       // ohm; for smaller values there is no parallel resistance
+constexpr int PITCH = 72;              // spacing of the nodes in the drawing
 constexpr int LEASTHEIGHT = 3 * PITCH; // of the symbol
-constexpr int FOURCOLUMNS = -999;      // the lowest ordinate that they hold
+constexpr int FOURCOLUMNS = -999;      // lowest ordinate that fits into four columns
 
 RealMatrix PIC;  // capacitance, microfarad/m
-RealMatrix PIR1; // parallel resistance of a metre, ohm; 0 for none
+RealMatrix PIR1; // parallel resistance of one metre, ohm; 0 for none
 RealMatrix PILS; // series inductance, H/m
 RealMatrix PIR2; // series resistance, ohm/m
-LineMatrix PIY;  // half of the shunt admittance, S/m; to ground on the diagonal
+LineMatrix PIY;  // half of the shunt admittance, S/m; admittance to ground on the diagonal
 
 void setShunt(int i, int j, double w) {
   const Complex y = PIY(i, j);
@@ -69,7 +69,7 @@ void formValues(CConstView Y, CConstView Z) {
 
 void checkFinite(double length) {
   const int n = RUNDATA.line.NC;
-  double sum = std::fabs(length); // one infinity or one NaN shows in it
+  double sum = std::fabs(length); // infinite or NaN if a value is
   for (int i = 1; i <= n; ++i) {
     for (int j = 1; j <= n; ++j) {
       sum += std::fabs(PIR2(i, j)) + std::fabs(PILS(i, j));
@@ -82,7 +82,7 @@ void checkFinite(double length) {
   stopInStars("PISECT Ending!");
 }
 
-// Whether there is a blank behind the name of the line, which tells where it ends.
+// Whether the name of the line is followed by a blank, which marks its end.
 bool nameEnds() { return RUNDATA.line.LNAMELEN <= LINENAMELEN; }
 
 std::string_view componentName() {
@@ -186,7 +186,7 @@ void writeValues(TextFile& file) {
   file.line(R"( ")");
 }
 
-// A cable without coupling has none of these branches; a line has them all.
+// A cable without coupling has no such branch; an overhead line always has it.
 bool hasCapacitance(int i, int j) {
   return RUNDATA.run.ISCABLE != CABLESYSTEM || !(PIC(i, j) < LEASTC);
 }

@@ -14,7 +14,7 @@ namespace lcp {
 
 namespace {
 
-// A line across: one sign, so many times.
+// A rule of one sign, preceded by a blank.
 void writeRule(TextFile& file, char sign, int length = REPORTRULE) {
   std::string rule(static_cast<std::size_t>(length) + 1, sign);
   rule[0] = ' ';
@@ -23,8 +23,8 @@ void writeRule(TextFile& file, char sign, int length = REPORTRULE) {
 
 // --- rows of numbers
 
-// One row of n elements; the format holds 25, and a longer row goes on in a new record without the
-// leading blank.
+// Writes a row of n elements; the format holds 25, and a longer row continues in a new record
+// without the leading blank.
 template <class WriteElement> void writeRow(TextFile& file, int n, WriteElement writeElement) {
   Record record(" ");
   for (int j = 1; j <= n; ++j) {
@@ -68,13 +68,13 @@ void writeTitle(TextFile& file, std::string_view words, int decimals, int firstR
   writeRule(file, '-');
 }
 
-// Copy of a matrix with the parts of no interest set to 0.
+// Copies a matrix and sets insignificant parts to 0.
 void cleanCopy(LineMatrix& out, CConstView A, int n) {
   copyCorner(out, A, n);
   ZEROSM(out, n, RUNDATA.display.ZEROTOL);
 }
 
-// --- load flow data
+// --- load-flow data
 
 constexpr std::string_view PLAINLABELS[] = {
     "   Resistance      Rsq   [Ohms]:       ", "   Reactance       Xsq   [Ohms]:       ",
@@ -106,7 +106,7 @@ void writeBases(TextFile& file, bool perUnit) {
   file.line("      ");
 }
 
-// The line with which the simulator takes the positive sequence over.
+// Prints the line from which the simulator takes the positive sequence.
 void tellSimulator(const LoadFlowData& data) {
   if (data.circuits == 0) return;
   Record record(SIMULATORLINE);

@@ -1,7 +1,7 @@
-// The sections of a report, which the solve and the entered data share.
+// The sections of a report, common to the solve and to entered data.
 //
-// Matrices and vectors are of the order NC, lengths and frequencies those of the run. Data are
-// headed with DISPFREQ.
+// Matrices and vectors have order NC; lengths and frequencies are those of the run. Data headings
+// show DISPFREQ.
 #pragma once
 
 #include "base/text_file.h"
@@ -9,22 +9,22 @@
 
 namespace lcp {
 
-constexpr int REPORTRULE = 53; // signs of a line across
+constexpr int REPORTRULE = 53; // length of a rule
 
-// The head; its first line has so many equal signs.
+// The head; firstRule is the number of equal signs in its first line.
 void writeReportHead(TextFile& file, int firstRule = REPORTRULE);
 
-// Load flow data, and the console line of the simulator, R, X and B of each circuit behind this
-// text. The corrected data are shown when LLOK.
+// Writes the load-flow data, and prints the simulator's console line: R, X and B of each circuit
+// after this text. Corrected data are written if LLOK.
 constexpr std::string_view SIMULATORLINE = " RXB: ";
 void SEQRXB(TextFile& file, CConstView Y, CConstView Z, CConstView YLC, CConstView ZLC, bool LLOK);
 
-// The head of the phase domain data, its first line of so many hyphens, and behind it Y and Z per
-// metre, cleaned for display.
+// Head of the phase-domain data, with firstRule hyphens in its first line, and Y and Z per metre,
+// cleaned for display.
 void writePhaseHead(TextFile& file, int firstRule = REPORTRULE);
 void writePhaseDomain(TextFile& file, CConstView Y, CConstView Z);
 
-// The long-line corrected matrices, for the whole line.
+// The long-line corrected matrices for the whole line.
 void writeCorrectedData(TextFile& file, CConstView YLC, CConstView ZLC);
 
 struct ModalData {
@@ -35,15 +35,15 @@ struct ModalData {
   const ModeReals& TAU;   // travel times, ms
 };
 
-// The head of the modal data, its frequency with so many decimals, and behind it the data; the
+// Head of the modal data, which shows the frequency with this number of decimals, and the data. The
 // matrices are cleaned for display in place.
 void writeModalHead(TextFile& file, int decimals);
 void writeModalDomain(TextFile& file, const ModalData& M);
 
-// Sequence transform, and Z and Y in sequences.
+// Sequence transformation, and Z and Y in sequences.
 void SEQMATS(TextFile& file, CConstView Y, CConstView Z);
 
-// The recommended time step is a tenth of the smallest delay. Delays in ms, or else in s.
+// Writes the recommended time step, a tenth of the smallest delay. Delays are in ms or s.
 void MINDELAY(TextFile& file, std::span<const double> delays, bool milliseconds);
 
 } // namespace lcp

@@ -26,9 +26,9 @@ constexpr Keyword KEYWORDS[] = {{"/file", Expect::File},
 constexpr std::string_view USAGE =
     "usage: corvo /file NAME /length METRES [/increment METRES] [/steps COUNT]";
 
-constexpr int TOOLONG = -1; // status of an argument that its buffer does not hold
+constexpr int TOOLONG = -1; // status of an argument that exceeds its buffer
 
-// The argument as it stands; one that is longer than its buffer ends the run.
+// The argument unchanged; one that exceeds its buffer ends the run.
 std::string_view fetch(std::string_view argument, int buffer) {
   if (argument.size() > static_cast<std::size_t>(buffer)) {
     console::print(ARGUMENTFAILED, TOOLONG);
@@ -64,14 +64,15 @@ double realValue(std::string_view keyword, std::string_view text) {
   return value;
 }
 
-// Words that ask about the program. To the scan they are unknown arguments like any other.
+// Answers --version and --help. To the scan they are unknown arguments.
 bool tellsAboutProgram(std::string_view word) {
   if (word == "--version") console::note("corvo " CORVO_VERSION);
   if (word == "--help") console::note(USAGE);
   return word == "--version" || word == "--help";
 }
 
-// The first argument that no keyword takes, or a keyword without a value; empty for no arguments.
+// Shows the usage; `lost` is the first unused argument or a keyword without value, empty if there
+// were no arguments.
 void showUsage(std::string_view lost) {
   console::note(lost.empty() ? std::string(USAGE) : fmt::format("{} is not used; {}", lost, USAGE));
 }

@@ -1,4 +1,4 @@
-// The command line: /file, /length, /increment, /steps, each with the next argument as its value.
+// The command line: /file, /length, /increment and /steps, each followed by its value.
 #pragma once
 
 #include "store/run_groups.h"
@@ -11,15 +11,15 @@ namespace lcp {
 constexpr std::string_view ARGUMENTFAILED = "Get argument failed with status = {}";
 
 struct CommandLine {
-  FileName fileName;    // blank without /file
+  FileName fileName;    // blank if /file is missing
   double length = 0;    // m
-  double increment = 0; // added to the length from step to step, m
+  double increment = 0; // added to the length at each step, m
   int steps = 1;
 };
 
 // Scans the arguments (without the program's name) and echoes the values to the console. Unknown
-// arguments are skipped; the error stream then shows the usage, for --version the version. An
-// argument that is too long ends the run, and so does text where a number must stand.
+// arguments are skipped; the error stream then shows the usage, or the version for --version. An
+// argument that is too long, or a value that is not a number where one is required, ends the run.
 CommandLine scanCommandLine(std::span<char* const> arguments);
 
 } // namespace lcp

@@ -1,14 +1,14 @@
-// The files that a run reads, kept from its own outputs.
+// Keeps the files that a run reads from being overwritten by its own outputs.
 #pragma once
 
 #include "run/output_names.h"
 
 namespace lcp {
 
-// Behind the reader, ahead of the first solve: when a file that a length step will write is one
-// that the run reads, by its name or by a link, the run ends with a message, exit status 1, and no
-// file has been touched. Only a manual output file may be a model file: it is read to its end
-// before.
+// Call after reading, before the first solve. If a file that a length step will write is one that
+// the run reads, by name or by a link, the run ends with a message and exit status 1 before any
+// file is touched. Only a manual output file may also be a model file, since it is read completely
+// first.
 void guardInputs(BaseName base, int steps);
 
 } // namespace lcp

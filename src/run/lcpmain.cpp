@@ -1,4 +1,4 @@
-// command line -> description file -> for each length step one solve -> closing message.
+// Command line -> description file -> one solve per length step -> closing message.
 #include "run/lcpmain.h"
 
 #include "base/console.h"
@@ -20,7 +20,7 @@ namespace lcp {
 
 namespace {
 
-constexpr unsigned FLUSHTOZERO = 0x8000; // bits of the SSE control word
+constexpr unsigned FLUSHTOZERO = 0x8000; // bits of the SSE control register
 constexpr unsigned DENORMALSAREZERO = 0x0040;
 
 void printBanner() {
@@ -36,7 +36,7 @@ void checkLength(double length) {
   stop(1);
 }
 
-// What is on is said once; a run without such options says nothing.
+// Prints the numerical options that are on; nothing if there are none.
 void printNumericalOptions() {
   const NumericalOptions& N = RUNDATA.numerics;
   if (!N.any()) return;

@@ -5,14 +5,14 @@
 
 namespace lcp {
 
-// Runs the program with its arguments (without its name) and ends the process with the run's exit
-// status: 0 clean, 1 fatal, 2 a warning was given, 12 message package.
+// Runs the program with its arguments (without its name) and ends the process with the exit status
+// of the run: 0 clean, 1 fatal error, 2 a warning was given, 12 message package.
 [[noreturn]] void LCPMAIN(std::span<char* const> arguments);
 
-// Denormal results and operands become zero, in this thread, from here on.
+// From now on, denormal results and operands are treated as zero in this thread.
 void flushDenormals();
 
-// One length step of what was read, by its route: model file and report under the names FOUTM and
+// Solves one length step of the description, by its route: writes model file FOUTM and report
 // FOUTR.
 void solveStep();
 

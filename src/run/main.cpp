@@ -1,4 +1,4 @@
-// The entry of corvo.
+// Entry point of corvo.
 #include "run/lcpmain.h"
 
 int main(int count, char** values) {

@@ -22,7 +22,7 @@ namespace lcp {
 
 namespace {
 
-constexpr int SHORTRULE = REPORTRULE - 1; // of the first lines of this report's heads
+constexpr int SHORTRULE = REPORTRULE - 1; // for the first lines of this report's heads
 
 void checkModel() {
   if (RUNDATA.model.row().entered) return;
@@ -37,7 +37,7 @@ void checkModel() {
 void reportModes(TextFile& file) {
   static ModeReals TAUM;
   static ModeComplex Z0M;
-  writeModalHead(file, 2); // also where a velocity ends the run
+  writeModalHead(file, 2); // written before the times: a velocity may end the run there
   formModeTimes(MANUAL.YMOD, MANUAL.ZMOD, TAUM, Z0M);
   writeModalDomain(file, {MANUAL.TI, MANUAL.EIGM, MANUAL.ZMOD, MANUAL.YMOD, Z0M, TAUM});
 }
@@ -49,7 +49,7 @@ void realTransformation(RealMatrix& TR) {
   RCOLNORM(TR, TR, n);
 }
 
-// Without its file the report still tells the console what it has to.
+// Also runs if the file cannot be opened, since the report also prints to the console.
 void writeManualReport(CView Y, CView Z) {
   static LineMatrix YLC, ZLC;
   const int n = RUNDATA.line.NC;
@@ -68,7 +68,7 @@ void writeManualReport(CView Y, CView Z) {
   file.close();
 }
 
-// An entered pair gives a mode its resistance by magnitude.
+// For an entered pair the resistance of a mode is a magnitude; this restores its sign.
 double signedResistance(int k, const ManualMode& m) {
   const bool pair = RUNDATA.manual.MANFMT == MANPAIR;
   return pair ? std::min(MANUAL.ZMOD(k, k).real(), m.R) : m.R;
@@ -96,7 +96,7 @@ void MANLINE(CView Y, CView Z, double f, int mode) {
   formManualPhases(Y, Z);
   if (!writes) return;
   realTransformation(TR);
-  // Nothing is refused from here on but what only the report can tell.
+  // From here on, only the report itself can end the run.
   writeManualModel({modes, static_cast<std::size_t>(RUNDATA.line.NC)}, TR);
   writeManualReport(Y, Z);
 }

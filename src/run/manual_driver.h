@@ -8,14 +8,13 @@ namespace lcp {
 constexpr int MANUALFILES = 0;    // writes the model file and the report
 constexpr int MANUALMATRICES = 1; // writes nothing
 
-// Fills Y and Z per metre, S/m and ohm/m, in the NC by NC corner: with MANUALFILES at the
-// steady-state frequency, cleaned for display, and with MANUALMATRICES of the entered sequences at
-// the frequency f, Hz. Another model than the Bergeron model with MANUALFILES, data that give no
-// modes, and a model file that cannot be opened end the run with a message, exit status 1; without
-// a report the run goes on.
+// Fills Y and Z per metre, S/m and ohm/m, NC by NC: with MANUALFILES at the steady-state frequency
+// and cleaned for display, with MANUALMATRICES at frequency f, Hz. The run ends with a message and
+// exit status 1 for a model other than Bergeron (MANUALFILES only), for data without valid modes,
+// and if the model file cannot be opened; if the report cannot be opened, the run continues.
 void MANLINE(CView Y, CView Z, double f, int mode);
 
-// One length step: files, and the component where it is wanted.
+// One length step: files, and the component if selected.
 void runManualLine();
 
 } // namespace lcp

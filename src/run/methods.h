@@ -1,30 +1,29 @@
-// The methods of a solve, stage by stage: the default ones, or those of improved/ that the
-// numerical options turn on. Nowhere else is one chosen.
+// Selects default or improved methods for each stage of a solve, and is the only place that does.
 #pragma once
 
 #include "modal/lost_modes.h"
 
 namespace lcp {
 
-// Constants, eigenvalues and vectors at every step of the grid.
+// Constants, eigenvalues and eigenvectors at every step of the grid.
 void runFirstLoop();
 
-// Modal and phase-domain functions at step k; notes modes that were lost.
+// Modal and phase-domain functions at step k; records lost modes.
 void takeSecondStep(int k, LostModes& lost);
 
-// Modes at the frequency of the report.
+// Modes at the report frequency.
 void runReportModes();
 
-// The fits of the mode model, of the phase model (Yc before H) and of the MFDTD model.
+// Fits of the mode model, of the phase model (Yc before H) and of the MFDTD model.
 void runModeFits();
 void runAdmittanceFit();
 void runPropagationFit();
 void runSeriesFit();
 
-// The enforcement between the fits of the phase model and its file, and the check of its passivity.
+// Passivity enforcement, between the fits of the phase model and its file, and passivity check.
 void runEnforcement();
 void runPassivityCheck();
-bool enforcementChangesYc(); // beside H
-bool checksOnGrid();         // on the frequencies of the passivity options alone
+bool enforcementChangesYc(); // in addition to H
+bool checksOnGrid();         // only on the frequencies of the passivity options
 
 } // namespace lcp

@@ -32,8 +32,8 @@ void modeModel(TextFile& file) {
   writeModeModel(file);
 }
 
-// The curves of the fitted Yc are written when they are final: before an enforcement that changes H
-// alone.
+// The curves of the fitted Yc are written when they are final: before an enforcement that changes
+// only H.
 void FITDRIVE(TextFile& file) {
   const PassivityOptions& P = RUNDATA.passivity;
   const bool changes = P.PITERSET && enforcementChangesYc();
@@ -48,7 +48,7 @@ void FITDRIVE(TextFile& file) {
   if (P.PFLOSET && !P.PITERSET) runPassivityCheck();
 }
 
-// What can end the run for its data does so before there is a file.
+// Steps that can end the run because of its data, done before the file is created.
 void beforeTheFile() {
   if (RUNDATA.model.fitsSeries()) {
     runSeriesFit();

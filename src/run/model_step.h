@@ -1,11 +1,11 @@
-// The model step of a solve: what a model still needs beside the modes, and its file.
+// The model step of a solve: fits, model file and detail curve files.
 #pragma once
 
 namespace lcp {
 
-// Fits what the model of the run asks for, writes the model file and the detail curve files, and
-// puts the user's own file in its place where that is wanted. False, behind a message, when the
-// model file or the user's file cannot be opened.
+// Performs the fits that the selected model needs, writes the model file and the detail curve
+// files, and replaces the model file by the user's file if requested. Returns false, after a
+// message, if the model file or the user's file cannot be opened.
 bool runModelStep();
 
 } // namespace lcp

@@ -10,7 +10,7 @@ namespace lcp {
 
 namespace {
 
-// A field of so many columns: what stands behind the text in it is overwritten with blanks.
+// Pads a text with blanks to a number of columns, to overwrite what follows it in its field.
 std::string padded(std::string text, std::size_t columns) {
   text.resize(columns, ' ');
   return text;

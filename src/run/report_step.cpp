@@ -19,12 +19,12 @@ namespace {
 void reportModes(TextFile& file) {
   FirstLoopStore& S = SOLVEDATA.first;
   SecondLoopStore& T = SOLVEDATA.second;
-  runReportModes(); // a velocity that ends the run leaves no head
+  runReportModes(); // before the head: a velocity may end the run
   writeModalHead(file, 3);
   writeModalDomain(file, {S.TI, S.EIG, T.ZM, T.YM, T.ZSURGE, T.TAUMS});
 }
 
-// Of a cable system: the cores alone; its own constants stand again afterwards.
+// Load-flow data of a cable system: those of its cores. Its own constants are restored afterwards.
 void SEQCABLE(TextFile& file) {
   static LineMatrix YLC, ZLC;
   const FirstLoopStore& S = SOLVEDATA.first;

@@ -25,7 +25,7 @@ namespace lcp {
 
 namespace {
 
-constexpr double MOSTWEIGHT = 1.3407807929942596e+154; // its square is the largest number
+constexpr double MOSTWEIGHT = 1.3407807929942596e+154; // its square does not overflow
 
 void checkModel() {
   const ModelKind MODEL = RUNDATA.model.MODEL;
@@ -35,7 +35,7 @@ void checkModel() {
   stop(1);
 }
 
-// Means over no conductors would be 0 / 0.
+// Without conductors, means would be 0 / 0.
 void checkConductors() {
   const bool countsLater = RUNDATA.run.ISCABLE != OVERHEADLINE && !RUNDATA.run.fromTable();
   if (RUNDATA.line.NC >= 1 || countsLater) return;
@@ -44,8 +44,8 @@ void checkConductors() {
   stopInStars();
 }
 
-// A grid that cannot be laid is refused before anything is computed. Without frequencies no model
-// can be told from a passive one.
+// Refuses an invalid grid before anything is computed. A grid without frequencies finds no
+// violation.
 void checkPassivityGrid() {
   static FrequencyList grid;
   const PassivityOptions& P = RUNDATA.passivity;
@@ -57,7 +57,7 @@ void checkPassivityGrid() {
                             P.NPFINC, P.PFDIST));
 }
 
-// A fit is a sum of squares, which larger weights make infinite.
+// A fit sums squares, which overflow for larger weights.
 void checkWeights() {
   const FitOptions& F = RUNDATA.fit;
   if (!RUNDATA.model.fitted()) return;
@@ -70,8 +70,8 @@ void checkWeights() {
   }
 }
 
-// Modal and phase-domain functions at every step of the grid, and what the phases see at the ends
-// of the line, into its curve files. MFDTD has no modes.
+// Modal and phase-domain functions at every step of the grid, and the sending-end voltages for
+// their curve files. MFDTD has no modes.
 void secondFrequencyLoop() {
   if (!RUNDATA.model.needsModes()) return;
   LostModes lost;
@@ -83,7 +83,7 @@ void secondFrequencyLoop() {
   if (RUNDATA.run.DEBUGF) console::line(" FINISHED SECOND FREQUENCY LOOP !");
 }
 
-// Y and Z that are not computed stay those of the last step.
+// Where Y and Z are not computed, those of the last step are used.
 void runComponent() {
   const FirstLoopStore& S = SOLVEDATA.first;
   const RunControl& R = RUNDATA.run;
