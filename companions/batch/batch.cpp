@@ -59,7 +59,7 @@ void tell(std::string_view words) {
   std::fputs(fmt::format("{}: {}\n", BATCH.name, words).c_str(), stderr);
 }
 
-// A number above 0, or 0 for an option that was not given.
+// The number of an option, which must be above 0; 0 if the option was not given.
 double numberOf(const Arguments& given, std::string_view option, bool whole) {
   if (!given.has(option)) return 0;
   double value = 0;
@@ -116,7 +116,7 @@ CaseWishes wishesOf(const Arguments& given) {
   return wishes;
 }
 
-// What the batch itself writes; the runs look after their own files.
+// Files that the batch itself writes; runs protect their own files.
 std::vector<fs::path> filesOfBatch(const std::vector<BatchCase>& cases, const fs::path& work,
                                    bool plots) {
   std::vector<fs::path> files = {work / CASESFILE, work / SUMMARY, work / INDEX};
@@ -132,7 +132,7 @@ std::vector<fs::path> filesOfBatch(const std::vector<BatchCase>& cases, const fs
   return files;
 }
 
-// Nothing that the batch reads may be among its own files.
+// Refuses a batch that would overwrite one of its inputs.
 void refuseInputs(const std::vector<BatchCase>& cases, const fs::path& work, bool varied,
                   bool plots) {
   if (!varied) std::for_each(cases.begin(), cases.end(), protectInputs);
@@ -145,7 +145,7 @@ void refuseInputs(const std::vector<BatchCase>& cases, const fs::path& work, boo
   giveUp(BATCH.name, cannotWrite(work), FAILED);
 }
 
-// The folder of the batch, for this process alone until it ends.
+// Creates the folder of the batch and locks it until this process ends.
 void takeFolder(const fs::path& work) {
   std::error_code trouble;
   fs::create_directories(work, trouble);
@@ -155,7 +155,7 @@ void takeFolder(const fs::path& work) {
     refuse(fmt::format("another corvo-batch is at work in {}", work.string()));
 }
 
-// Numbers of the cases to run. What is not done has no status file from here on.
+// Numbers of the cases to run. Removes the status file of every case that is not done.
 std::vector<std::size_t> openCases(const std::vector<BatchCase>& cases, const CaseWishes& wishes,
                                    bool resume) {
   std::vector<std::size_t> open;
@@ -169,16 +169,16 @@ std::vector<std::size_t> openCases(const std::vector<BatchCase>& cases, const Ca
 }
 
 Parts partsOf(const Arguments& given, const std::vector<std::size_t>& open, std::size_t jobs) {
-  constexpr std::size_t SOMEMACHINES = 16; // cores, where the machines tell them only later
-  constexpr std::size_t TASKS = 200;       // of an array, which starts each anew
+  constexpr std::size_t SOMEMACHINES = 16; // cores assumed for remote machines
+  constexpr std::size_t TASKS = 200;       // tasks of a Slurm array, each of which is started anew
   const std::size_t chunk = countOf(given, "--chunk");
   if (chunk > 0) return equalParts(open, chunk);
   if (given.has("--slurm")) return equalParts(open, (open.size() + TASKS - 1) / TASKS);
   return partsFor(open, jobs > 0 ? jobs : SOMEMACHINES);
 }
 
-// Words for parallel: machines as they were given, and the number of jobs, which else the machines
-// tell it.
+// Options for parallel: the given machines, and the number of jobs unless the machines determine
+// it.
 std::vector<std::string> machinesOf(const Arguments& given, std::size_t& jobs) {
   std::vector<std::string> words;
   for (const auto& [option, value] : given.given)
@@ -192,7 +192,7 @@ std::vector<std::string> machinesOf(const Arguments& given, std::size_t& jobs) {
   return words;
 }
 
-// The table on disk and on the standard output, and the index. False when they cannot be written.
+// Writes the table to disk and standard output, and the index. Returns false if this fails.
 bool tellAll(const CaseList& list, const std::vector<Facts>& facts, const fs::path& work,
              bool index) {
   const std::string summary = summaryOf(list, facts);
@@ -204,7 +204,7 @@ bool tellAll(const CaseList& list, const std::vector<Facts>& facts, const fs::pa
   return good && saidAll();
 }
 
-// The folder of the batch.
+// Absolute path of the batch folder.
 fs::path workOf(const Arguments& given, fs::path list) {
   const fs::path work =
       given.has("-o") ? fs::path(given.valueOr("-o", "")) : list.replace_extension(".batch");
@@ -249,7 +249,7 @@ int runWhole(const Arguments& given) {
   return told ? exitStatus(facts) : FAILED;
 }
 
-// What this program starts of itself.
+// Runs the passivity scan of model files, which this program starts as a child process of itself.
 int runScan(const std::vector<std::string>& words) {
   constexpr std::size_t LEAST = 2; // description and length
   if (words.size() < LEAST) return NOTBEGUN;

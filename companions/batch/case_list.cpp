@@ -26,7 +26,8 @@ bool isNoCase(std::string_view line, bool first) {
   return trimmed(line).empty() || line.starts_with('#') || (first && line.starts_with("file\t"));
 }
 
-// /file and /length have columns of their own, and of two the program takes the last.
+// /file and /length have their own columns; if they were given twice, the program would use the
+// last.
 std::string_view refusedWord(std::string_view arguments) {
   for (const std::string_view word : {"/file", "/length"}) {
     const auto words = wordsOf(arguments);

@@ -1,4 +1,4 @@
-// The cases of a batch: from a table of the user, and as the parts of a batch read them.
+// The cases of a batch, read from the user's table or from the table of its parts.
 #pragma once
 
 #include <filesystem>
@@ -9,36 +9,36 @@
 namespace lcp::companions {
 
 struct BatchCase {
-  std::string name;                // what the summary calls it: its folder as it was given
+  std::string name;                // name in the summary: its folder as given
   std::filesystem::path source;    // the description
-  std::filesystem::path beside;    // where the files stand that it names
-  std::string length;              // m, as it is handed to the program
-  std::string arguments;           // further ones, parted by blanks
-  std::filesystem::path folder;    // where it runs
-  std::vector<std::string> varied; // values of the keys that vary, in their order
+  std::filesystem::path beside;    // folder of the files named in the description
+  std::string length;              // m, as passed to the program
+  std::string arguments;           // further arguments, separated by blanks
+  std::filesystem::path folder;    // folder in which it runs
+  std::vector<std::string> varied; // values of the varied keys, in order
 };
 
 struct CaseList {
   std::vector<BatchCase> cases;
-  std::vector<std::string> keys; // those that vary
-  std::string trouble;           // in plain words; empty when the list is good
-  bool notWritten = false;       // it is a device that does not take the descriptions
+  std::vector<std::string> keys; // varied keys
+  std::string trouble;           // error message; empty if the list is valid
+  bool notWritten = false;       // the device did not accept the descriptions
 };
 
-// Rows of file, length, further arguments and folder, parted by tabs. The latter two may be left
-// out: the case then runs in a numbered folder in `work`. Empty lines, lines that begin with # and
-// a heading that begins with "file" are skipped. Names are taken from the folder of the list. Paths
-// of the result are absolute.
+// Reads rows of file, length, further arguments and folder, separated by tabs. The last two are
+// optional; without a folder the case runs in a numbered folder in `work`. Empty lines, lines
+// starting with # and a heading starting with "file" are skipped. Names are relative to the folder
+// of the list. The paths returned are absolute.
 CaseList readList(const std::filesystem::path& list, const std::filesystem::path& work);
 
-// Tells what forbids these cases to run beside each other: two of one folder, names with tabs or
-// line ends. Empty when nothing does.
+// Explains why these cases cannot run side by side: two share a folder, or a name contains a tab or
+// a line end. Empty if they can.
 std::string troubleAmong(const std::vector<BatchCase>& cases);
 
-// case_0007 of 1000
+// Folder name of a numbered case: case_0007 of 1000.
 std::string numberedName(std::size_t number, std::size_t count);
 
-// The table of the parts: one line a case.
+// Writes and reads the table used by the parts, one line per case.
 std::string tableOf(const std::vector<BatchCase>& cases);
 std::vector<BatchCase> casesOf(const std::string& table);
 

@@ -35,7 +35,7 @@ CaseOutcome notWritten(const fs::path& file) {
   return {CaseEnd::NOTWRITTEN, 0, cannotWrite(file), errno == ENOSPC || errno == EDQUOT};
 }
 
-// A descriptor that is closed with its block.
+// A descriptor that is closed at the end of its block.
 struct Descriptor {
   int number;
   explicit Descriptor(int n) : number(n) {}
@@ -48,9 +48,10 @@ bool isModel(const fs::path& file) {
   return file.extension() == ".cvo" || file.extension() == ".cbo";
 }
 
-// --- the folder
+// --- folder
 
-// NAME.cvo, NAME.out, NAME_003.cvo ...: files that the program writes for this description.
+// Whether a file is one that the program writes for this description: NAME.cvo, NAME.out,
+// NAME_003.cvo ...
 bool isResultOf(const fs::path& file, const std::string& stem) {
   if (!isModel(file) && file.extension() != ".out") return false;
   std::string name = file.stem().string();
@@ -60,7 +61,8 @@ bool isResultOf(const fs::path& file, const std::string& stem) {
                           name.find_first_not_of("0123456789", 1) == std::string::npos);
 }
 
-// What an earlier run left must not be taken for a result of this one. What the case reads is none.
+// Removes files of an earlier run, so that they are not taken for results of this one. Inputs of
+// the case are kept.
 void removeResults(const BatchCase& c) {
   std::error_code none;
   std::vector<fs::path> old;
@@ -72,7 +74,8 @@ void removeResults(const BatchCase& c) {
     if (!isInput(file)) fs::remove(file, none);
 }
 
-// A named file is linked to, unless one stands there already. Empty when it is there.
+// Links to a file named in the description, unless it exists in the folder. Returns an error
+// message, or empty.
 std::string linkNamed(const BatchCase& c, const std::string& name) {
   const fs::path relative = fs::path(name).lexically_normal(), place = c.folder / relative;
   if (relative.begin()->string() == "..")
@@ -89,8 +92,8 @@ bool sameFolder(const fs::path& a, const fs::path& b) {
   return fs::equivalent(a, b, none);
 }
 
-// The description in the folder, with what it names. False when it cannot be written; trouble is
-// what the case fails of.
+// Puts the description and the files it names into the folder. Returns false if it cannot be
+// written; other errors of the case are returned in `trouble`.
 bool furnish(const BatchCase& c, std::string& trouble) {
   std::string description;
   if (!readWhole(c.source, description)) trouble = "cannot read " + c.source.string();
@@ -104,7 +107,7 @@ bool furnish(const BatchCase& c, std::string& trouble) {
   return true;
 }
 
-// --- the run
+// --- run
 
 using Stamps = std::map<std::string, std::pair<time_t, long>>;
 
@@ -130,7 +133,7 @@ std::vector<std::string> changedSince(const Stamps& before, const fs::path& fold
   return changed;
 }
 
-// Takes the console of the case for this process alone. False when a signal comes before that.
+// Locks the console file of the case for this process. Returns false if a signal arrives first.
 bool lock(int console, End& end) {
   constexpr double BETWEEN = 0.05; // s
   while (flock(console, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK)
@@ -144,7 +147,8 @@ struct Run {
   double wall = 0; // s
 };
 
-// Ended by a signal, or as a shell tells it, that who ends a batch sends to the program as well.
+// Whether the program was ended by a signal (or by a shell's exit status for one) that is also sent
+// to it by whoever ends the batch.
 bool endedFromOutside(int status) {
   const int s = WIFSIGNALED(status) ? WTERMSIG(status) : WEXITSTATUS(status) - BEHINDSIGNAL;
   return s == SIGTERM || s == SIGINT || s == SIGHUP || s == SIGKILL;
@@ -157,7 +161,7 @@ Run runProgram(const std::vector<std::string>& words, const fs::path& folder, in
   const pid_t child = startProgram({words, folder, console, console, SIGKILL});
   run.how = waitFor(child, limit > 0 ? limit : NOLIMIT, run.end);
   if (run.how != Waited::ENDED) killAll(child, run.end);
-  // Then the same signal is on its way to this process, and the case has not crashed.
+  // If so, the same signal is about to reach this process, and the case has not crashed.
   constexpr double ONITSWAY = 0.5; // s
   if (run.how == Waited::ENDED && endedFromOutside(run.end.status) && sleepFor(ONITSWAY, run.end))
     run.how = Waited::SIGNAL;
@@ -176,7 +180,7 @@ double secondsOf(const timeval& t) {
   return static_cast<double>(t.tv_sec) + 1e-6 * static_cast<double>(t.tv_usec);
 }
 
-// What became of the run, without what its console tells.
+// Adds the outcome of the run, except for what its console reports.
 void addEnd(Facts& facts, const Run& run, double limit, bool model) {
   const int status = run.end.status;
   facts["cpu"] =
@@ -197,9 +201,9 @@ void addEnd(Facts& facts, const Run& run, double limit, bool model) {
   }
 }
 
-// --- what is asked for beside the run
+// --- verification and plot after the run
 
-// Passivity of the model files by a scan of their own, as the verdict of the worst.
+// Scans the passivity of the model files in a separate process and records the worst verdict.
 bool verify(const BatchCase& c, const CaseWishes& wishes, const std::vector<std::string>& files,
             Facts& facts, End& end) {
   std::vector<std::string> words = {ownPath(), std::string(SCANWORD), c.source.filename().string(),
@@ -218,7 +222,7 @@ bool verify(const BatchCase& c, const CaseWishes& wishes, const std::vector<std:
   return true;
 }
 
-// The page of the case; without one its name stays empty.
+// Draws the page of the case; if that fails, its name stays empty.
 bool plot(const BatchCase& c, const CaseWishes& wishes, int console, Facts& facts,
           std::vector<std::string>& files, End& end) {
   const std::string page = c.source.stem().string() + ".html";
@@ -233,7 +237,8 @@ bool plot(const BatchCase& c, const CaseWishes& wishes, int console, Facts& fact
   return true;
 }
 
-// A device that is full shows in the next file that is written, if not in the words of the run.
+// A full device may not show in the messages of the run, but shows in the next file that is
+// written.
 bool canWrite(const fs::path& folder) {
   constexpr std::size_t PROBE = 1 << 16;
   const fs::path probe = folder / "batch_probe";
@@ -251,7 +256,7 @@ CaseOutcome keep(const BatchCase& c, const Facts& facts, const std::vector<std::
   return {};
 }
 
-// The run behind its preparations, with the console of the case as its own.
+// Runs the case after its folder is prepared, with the console file of the case as its console.
 CaseOutcome runFurnished(const BatchCase& c, const CaseWishes& wishes, int console, Facts facts) {
   const Stamps before = filesIn(c.folder);
   const Run run = runProgram(commandOf(c, wishes), c.folder, console, wishes.timeout);
@@ -290,7 +295,7 @@ CaseOutcome runCase(const BatchCase& c, const CaseWishes& wishes) {
   removeResults(c);
   std::string trouble;
   if (!furnish(c, trouble)) return notWritten(c.folder);
-  // Before the run: what is changed during it is not what it has read.
+  // Taken before the run: files changed during the run are not those it has read.
   Facts facts = {{"fingerprint", fingerprintOf(c)}};
   if (trouble.empty()) return runFurnished(c, wishes, console.number, std::move(facts));
   facts.insert({{"status", "failed"}, {"message", trouble}});

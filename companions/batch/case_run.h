@@ -1,4 +1,4 @@
-// One case: its folder made ready, the program run in it, its status written.
+// Runs one case: prepares its folder, starts the program and writes the status.
 #pragma once
 
 #include "companions/batch/case_status.h"
@@ -12,17 +12,17 @@ enum class CaseEnd { DONE, NOTWRITTEN, SIGNAL };
 struct CaseOutcome {
   CaseEnd end = CaseEnd::DONE;
   int signal = 0;
-  std::string trouble; // of a case whose files cannot be written, in plain words
-  bool full = false;   // for lack of room, which those that follow would miss as well
+  std::string trouble; // error message of a case whose files cannot be written
+  bool full = false;   // the device is full, so the following cases would fail too
 };
 
-// Runs a case that is not done. Whatever the program does is an outcome of the case; only where
-// nothing can be written, or a signal comes, no status is left and the case stays to be run. Two
-// processes never run one case at once: the second waits, and finds it done.
+// Runs a case that is not done. Whatever the program does is an outcome of the case; only if
+// nothing can be written or a signal arrives is no status left, and the case remains to be run. Two
+// processes never run the same case at once: the second one waits and finds it done.
 CaseOutcome runCase(const BatchCase& c, const CaseWishes& wishes);
 
-// The worst verdict on the passivity of these model files of a description, by a scan; empty
-// without one of the phase kind. In a process of its own, whose first word is this.
+// The worst passivity verdict on these model files of a description, by a scan; empty if none is a
+// phase model. Runs in its own process, with SCANWORD as its first argument.
 constexpr std::string_view SCANWORD = "--scan";
 std::string verdictOnFiles(const std::string& description, double length,
                            const std::vector<std::string>& models);

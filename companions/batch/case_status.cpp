@@ -16,14 +16,15 @@ namespace {
 constexpr std::string_view LASTLINE = "end";
 constexpr std::string_view FILEROW = "file";
 
-// FNV-1a of 64 bits.
+// 64-bit FNV-1a hash.
 void digest(std::uint64_t& hash, std::string_view text) {
   constexpr std::uint64_t PRIME = 0x100000001b3;
   for (const char c : text) hash = (hash ^ static_cast<unsigned char>(c)) * PRIME;
-  hash = (hash ^ 0xff) * PRIME; // parts are parted
+  hash = (hash ^ 0xff) * PRIME; // separates the parts
 }
 
-// The value of a line of a description as a name: as a whole, its first word, without quotes.
+// Possible file names in a line of a description: its value as a whole, its first word, or the
+// quoted text.
 std::vector<std::string> possibleNames(std::string_view line) {
   const auto colon = line.find(':');
   if (colon == std::string_view::npos) return {};

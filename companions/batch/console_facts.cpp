@@ -34,9 +34,9 @@ namespace lcp::companions {
 namespace {
 
 constexpr std::size_t LONGESTMESSAGE = 200;
-constexpr std::string_view ERRORWORD = "ERROR"; // in the first lines of a refusal
+constexpr std::string_view ERRORWORD = "ERROR"; // appears in the first lines of an error message
 
-// Lines that tell of trouble in a run that goes on.
+// Texts of warnings in a run that continues.
 constexpr std::string_view WARNINGS[] = {
     console::WARNINGMARK, console::WARNINGHEAD, headOf(UNKNOWNLINE), headOf(CANNOTOPEN),
     LIBRARYWARNING,       BUNDLEWARNING,        UNITSWARNING,        NEWTONTITLE,
@@ -51,7 +51,7 @@ bool warns(std::string_view line) {
                      [line](std::string_view w) { return contains(line, w); });
 }
 
-// A line without the blanks and frames around it.
+// A line without surrounding blanks and frames.
 std::string bare(std::string_view line) {
   constexpr std::string_view FRAME = " *=-.\t";
   const auto first = line.find_first_not_of(FRAME);
@@ -60,8 +60,7 @@ std::string bare(std::string_view line) {
   return std::string(line.substr(first, last - first + 1));
 }
 
-// What stands behind the word ERROR, lines put together; of a run that ended without it the last
-// line.
+// The lines after the word ERROR, joined; the last line of the console if there is none.
 std::string errorOf(const std::vector<std::string>& lines) {
   const auto first = std::find_if(lines.begin(), lines.end(), [](const std::string& l) {
     return contains(l, ERRORWORD) || contains(l, headOf(ARGUMENTFAILED));
@@ -82,7 +81,7 @@ void addNumber(Facts& facts, std::string_view column, double value) {
   if (!std::isnan(value)) facts[std::string(column)] = fmt::format("{:.4g}", value);
 }
 
-// Errors of the fits of modes, fractions: each stands in the line below its title.
+// Adds the largest error of the fits of the modes; each is a fraction in the line after its title.
 void addModeErrors(Facts& facts, const std::vector<std::string>& lines, std::string_view title,
                    std::string_view column) {
   double worst = std::nan("");
@@ -101,8 +100,8 @@ void addSequence(Facts& facts, std::string_view console) {
     facts[std::string(1, "RXB"[k])] = bare(values[k]).empty() ? "" : wordsOf(values[k])[0];
 }
 
-// The last word on it. That of the enforcement is not the whole truth: a model whose change
-// exceeds its limit stays as it was fitted without a word.
+// Takes the last statement about passivity. The one about the enforcement can be incomplete: a
+// model whose change exceeds the limit is left as fitted without a message.
 void addPassivity(Facts& facts, std::string_view console) {
   constexpr std::pair<std::string_view, std::string_view> TOLD[] = {
       {PASSIVELINE, "told: passive"},         {NOVIOLATIONLINE, "told: passive"},
@@ -126,7 +125,7 @@ Facts consoleFacts(std::string_view console, bool failed) {
   facts["warnings"] = std::to_string(std::count_if(lines.begin(), lines.end(), warns));
   addSequence(facts, console);
   addNumber(facts, "Yc", numberBehind(console, YCHEADING));
-  // Behind a DC correction its table is the last one; npos + 1 is 0.
+  // After a DC correction its table is the last one. For npos the sum is 0.
   const bool corrected = lastLine(console, FINALHEADING) + 1 > lastLine(console, HPHASEHEADING) + 1;
   addNumber(facts, "H", numberBehind(console, corrected ? FINALHEADING : HPHASEHEADING));
   addNumber(facts, "Z", numberBehind(console, SERIESRESULT));

@@ -1,4 +1,4 @@
-// What a run told on its console, as columns of the summary.
+// Extracts the facts of the summary from the console of a run.
 #pragma once
 
 #include <map>
@@ -7,15 +7,15 @@
 
 namespace lcp::companions {
 
-// Column to text; a column without a value is missing.
+// Column name to text; columns without a value are absent.
 using Facts = std::map<std::string, std::string, std::less<>>;
 
-// Of the console and the error stream of a run: number of warnings, RXB of the first length,
-// largest errors of the last fits in per cent, passivity where the run looked at it, and the first
-// message.
+// Extracts from console and error stream: number of warnings, RXB of the first length, largest
+// errors of the last fits in percent, passivity if the run checked it, and the first message.
 Facts consoleFacts(std::string_view console, bool failed);
 
-// The message on a file that could not be written, as on a full device; empty without one.
+// The message about a file that could not be written, e.g. on a full device; empty if there is
+// none.
 std::string couldNotWrite(std::string_view console);
 
 } // namespace lcp::companions

@@ -19,16 +19,16 @@ namespace lcp::companions {
 
 namespace {
 
-constexpr std::string_view COMMANDS = "commands.txt"; // for parallel, one a part
+constexpr std::string_view COMMANDS = "commands.txt"; // for parallel, one per part
 constexpr std::string_view JOBLOG = "joblog.tsv";
-constexpr std::string_view WORDS = "messages.txt"; // of parallel or Slurm, and of the parts
+constexpr std::string_view WORDS = "messages.txt"; // from parallel or Slurm, and from the parts
 constexpr std::string_view SCRIPT = "slurm.sh";
 constexpr std::string_view SLURMJOB = "slurm_job.txt";
-constexpr const char* JOBNAME = "--name=corvo-batch"; // numbers of jobs may come again
-constexpr double PATIENCE = 10;                       // s, until what was asked to end is killed
-constexpr std::size_t TOLD = 2000;                    // characters of messages that are shown
+constexpr const char* JOBNAME = "--name=corvo-batch"; // job numbers can be reused
+constexpr double PATIENCE = 10;                       // s, before a process asked to end is killed
+constexpr std::size_t TOLD = 2000;                    // characters of messages shown
 
-// --- how far it is
+// --- progress
 
 class Progress {
 public:
@@ -40,14 +40,14 @@ public:
   void show(bool last);
 
 private:
-  std::vector<fs::path> open; // status files that are not there yet
+  std::vector<fs::path> open; // status files that do not exist yet
   std::size_t all = 0, shown = 0;
   double start = now();
   bool terminal = isatty(STDERR_FILENO) == 1;
 };
 
 void Progress::show(bool last) {
-  constexpr std::size_t WIDTH = 30, STEPS = 10; // of the bar; lines where there is no terminal
+  constexpr std::size_t WIDTH = 30, STEPS = 10; // of the bar; lines if not on a terminal
   std::erase_if(open, [](const fs::path& f) { return access(f.c_str(), F_OK) == 0; });
   const std::size_t done = all - open.size();
   const bool line = terminal || done * STEPS / all > shown * STEPS / all;
@@ -67,9 +67,9 @@ void Progress::show(bool last) {
   std::fputs(told.c_str(), stderr);
 }
 
-// --- the programs
+// --- starting the programs
 
-// For the shell that reads it.
+// Quotes words for the shell.
 std::string quoted(const std::vector<std::string>& words) {
   std::string line;
   for (const std::string& word : words) {
@@ -91,7 +91,7 @@ int openedIn(const fs::path& work, std::string_view name, int flags) {
   return open((work / name).c_str(), flags | O_CLOEXEC, 0666);
 }
 
-// The last words of parallel or Slurm and of the parts.
+// The last messages from parallel or Slurm and from the parts.
 std::string messagesOf(const fs::path& work) {
   std::string text;
   readWhole(work / WORDS, text);
@@ -112,7 +112,7 @@ std::string cancel(const fs::path& work) {
   return job;
 }
 
-// Processes whose parents have ended become children of this one: waits for all of them.
+// Waits for all processes whose parents have ended, which became children of this one.
 void waitForOrphans() {
   End end;
   const double last = now() + PATIENCE;
@@ -131,7 +131,7 @@ void endIt(pid_t child, const Hands& hands) {
   if (end.signal != 0) killAll(child, end);
 }
 
-// Until the program ends or a signal comes.
+// Shows the progress until the program ends or a signal arrives.
 int follow(pid_t child, const Hands& hands, Progress& progress, End& end) {
   constexpr double BETWEEN = 0.25; // s
   progress.show(false);
@@ -146,7 +146,7 @@ int follow(pid_t child, const Hands& hands, Progress& progress, End& end) {
   return signal;
 }
 
-// The file for parallel: a line of the shell a part. Words for it.
+// Writes the command file for parallel, one shell line per part, and returns the command for it.
 std::vector<std::string> parallelWords(const Hands& hands, const Parts& parts) {
   std::string commands;
   std::vector<std::string> command = partCommand(hands.work, hands.wishes);
@@ -166,7 +166,7 @@ std::vector<std::string> parallelWords(const Hands& hands, const Parts& parts) {
                                     "--arg-file",
                                     (hands.work / COMMANDS).string()};
   words.insert(words.end(), hands.words.begin(), hands.words.end());
-  setenv("PARALLEL_SHELL", "/bin/sh", 1); // whatever the user's own is
+  setenv("PARALLEL_SHELL", "/bin/sh", 1); // independent of the user's shell
   return words;
 }
 
@@ -215,7 +215,7 @@ HandedOver handOver(const Hands& hands, const Parts& parts, const std::vector<Ba
   prctl(PR_SET_CHILD_SUBREAPER, 1);
   Progress progress(parts, cases);
   const int output = hands.slurm ? files.output : files.messages;
-  // Names among the words for parallel are those of the folder of the user.
+  // File names among the options of parallel are relative to the user's folder.
   const pid_t child =
       startProgram({words, hands.slurm ? hands.work : "", output, files.messages, SIGINT});
   if (child < 0) return {0, fmt::format("cannot start {}: {}", words[0], std::strerror(errno))};

@@ -1,4 +1,4 @@
-// The parts of a batch in the hands of GNU parallel or of Slurm, which run them.
+// Hands the parts of a batch to GNU parallel or Slurm and follows their progress.
 #pragma once
 
 #include "companions/batch/parts.h"
@@ -10,29 +10,29 @@
 namespace lcp::companions {
 
 struct Hands {
-  std::filesystem::path work;     // the folder of the batch
-  std::vector<std::string> words; // for parallel: --jobs 2, --sshlogin ...
+  std::filesystem::path work;     // folder of the batch
+  std::vector<std::string> words; // options for parallel: --jobs 2, --sshlogin ...
   bool slurm = false;
   CaseWishes wishes;
 };
 
 struct HandedOver {
-  int signal = 0;      // that ended it
-  std::string trouble; // in plain words
+  int signal = 0;      // signal that ended it
+  std::string trouble; // error message
 };
 
-// The files in the folder of the batch that are written on the way.
+// Names of the files written to the folder of the batch while it runs.
 std::vector<std::string_view> filesOnTheWay();
 
-// The program that is needed and the package that holds it, where it is missing; else empty.
+// Names the required program and its package if it is missing; else empty.
 std::string missingProgram(bool slurm);
 
 // Runs the parts, whose cases have no status file, and returns when all are done, something cannot
-// be written, or a signal came; nothing of it runs any more then. The error stream shows how far it
-// is.
+// be written, or a signal arrived; nothing is running any more then. Progress is shown on the error
+// stream.
 HandedOver handOver(const Hands& hands, const Parts& parts, const std::vector<BatchCase>& cases);
 
-// Ends what an earlier start may have left with Slurm.
+// Cancels a Slurm job left by an earlier start.
 void cancelEarlier(const std::filesystem::path& work);
 
 } // namespace lcp::companions

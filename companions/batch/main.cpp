@@ -1,4 +1,4 @@
-// The entry of corvo-batch.
+// Entry point of corvo-batch.
 #include "companions/batch/batch.h"
 
 int main(int count, char** values) { return lcp::companions::runBatch({values, values + count}); }

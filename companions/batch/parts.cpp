@@ -33,8 +33,8 @@ int runCases(const std::vector<BatchCase>& all, const std::string& numbers,
 } // namespace
 
 Parts partsFor(const std::vector<std::size_t>& cases, std::size_t runners) {
-  // A part is half of what is left for its runner. The last ones are so small that the others wait
-  // for little, yet not single cases of a long list.
+  // A part takes half of the remaining share of its runner. The last parts are small, so that no
+  // runner waits long for another, but not single cases of a long list.
   constexpr std::size_t SHARE = 2, LAST = 64, MOST = 64;
   const std::size_t least = std::clamp<std::size_t>(cases.size() / (LAST * runners), 1, MOST);
   Parts parts;
@@ -77,7 +77,7 @@ std::vector<std::string> partCommand(const std::filesystem::path& work, const Ca
 }
 
 int runPart(const std::vector<std::string>& words) {
-  // Folder, program, limit, verify, plot, number of the part.
+  // Arguments: folder, program, time limit, verify, plot, number of the part.
   if (words.size() + 1 != PARTWORDS) return 1;
   holdSignals();
   endWithParent();

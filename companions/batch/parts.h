@@ -1,4 +1,4 @@
-// The cases of a batch in parts, each of them one job of whoever runs them.
+// Splits the cases of a batch into parts, each of which is one job.
 #pragma once
 
 #include "companions/batch/case_status.h"
@@ -8,24 +8,25 @@
 
 namespace lcp::companions {
 
-// Numbers of cases, a vector a part. Parts get smaller towards the end, so that all runners end
-// together, and hold several cases, so that starting them costs little beside the cases.
+// Case numbers, one vector per part. Parts become smaller towards the end, so that all runners
+// finish together; they hold several cases, so that starting a part costs little compared with its
+// cases.
 using Parts = std::vector<std::vector<std::size_t>>;
 Parts partsFor(const std::vector<std::size_t>& cases, std::size_t runners);
 Parts equalParts(const std::vector<std::size_t>& cases, std::size_t size);
 
-// Files in the folder of a batch: the table of its cases, and a line of numbers a part.
+// Files in the folder of a batch: the table of its cases, and one line of case numbers per part.
 constexpr std::string_view CASESFILE = "cases.tsv";
 constexpr std::string_view PARTSFILE = "parts.txt";
 std::string textOf(const Parts& parts);
 
-// The words that start a part, whose number follows them.
+// The command that runs a part; the number of the part is appended to it.
 constexpr std::string_view PARTWORD = "--part";
 std::vector<std::string> partCommand(const std::filesystem::path& work, const CaseWishes& wishes);
 
-// Runs a part, in a process of its own: the words behind PARTWORD. Exit status 0 when all of its
-// cases are done or cannot be written in their folders, 1 when there is no room to write, 128 + n
-// behind signal n.
+// Runs a part in its own process; `words` are the arguments after PARTWORD. Exit status 0 if all
+// its cases are done or cannot be written to their folders, 1 if there is no room to write, 128 + n
+// after signal n.
 int runPart(const std::vector<std::string>& words);
 
 } // namespace lcp::companions

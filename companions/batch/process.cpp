@@ -28,7 +28,7 @@ sigset_t watched() {
   for (const int s : {SIGINT, SIGTERM, SIGHUP}) {
     struct sigaction action {};
     sigaction(s, nullptr, &action);
-    if (action.sa_handler != SIG_IGN) sigaddset(&set, s); // nohup stays without effect
+    if (action.sa_handler != SIG_IGN) sigaddset(&set, s); // respect nohup
   }
   return set;
 }
@@ -38,10 +38,10 @@ void takePlace(int descriptor, int place) {
   dup2(descriptor, place);
 }
 
-// Never comes back.
+// Replaces the child process by the program; does not return.
 void become(const Start& start, pid_t parent) {
   setpgid(0, 0);
-  // The parent may have ended before this was asked for.
+  // The parent may have ended before this call.
   if (start.atOurEnd != 0) prctl(PR_SET_PDEATHSIG, start.atOurEnd);
   if (start.atOurEnd != 0 && getppid() != parent) _exit(NOTSTARTED);
   takePlace(-1, STDIN_FILENO);
@@ -58,7 +58,7 @@ void become(const Start& start, pid_t parent) {
 } // namespace
 
 void holdSignals() {
-  signal(SIGCHLD, SIG_DFL); // who started us may have it ignored
+  signal(SIGCHLD, SIG_DFL); // the parent process may have set it to be ignored
   const sigset_t set = watched();
   sigprocmask(SIG_BLOCK, &set, &unheld);
 }
@@ -69,7 +69,7 @@ pid_t startProgram(const Start& start) {
   const pid_t parent = getpid();
   const pid_t child = fork();
   if (child == 0) become(start, parent);
-  if (child > 0) setpgid(child, child); // whoever comes first
+  if (child > 0) setpgid(child, child); // parent and child both try, whichever runs first
   return child;
 }
 
@@ -121,7 +121,7 @@ std::string ownPath() {
 std::string programBeside(std::string_view name) {
   std::error_code none;
   const fs::path here = fs::path(ownPath()).parent_path();
-  // The companions of a build stand in a folder below the program.
+  // In a build tree the companions are in a folder below the program.
   for (const fs::path& folder : {here, here.parent_path()}) {
     const fs::path program = folder / name;
     if (access(program.c_str(), X_OK) == 0 && fs::is_regular_file(program, none))

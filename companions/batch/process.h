@@ -1,4 +1,4 @@
-// Other programs, started and waited for, with an eye on signals and the time.
+// Starts other programs and waits for them, with time limits and signal handling.
 #pragma once
 
 #include <filesystem>
@@ -10,50 +10,50 @@
 
 namespace lcp::companions {
 
-// From here on the signals that end a program, and those of its children, wait until waitFor
-// looks at them. Children start without.
+// Blocks the signals that end a program, and SIGCHLD, until waitFor or sleepFor looks at them.
+// Children start with the original mask.
 void holdSignals();
 
-// Asks for an end of its own, by SIGTERM, when the process that started this one ends.
+// Requests SIGTERM for this process when its parent ends.
 void endWithParent();
 
 struct Start {
   std::vector<std::string> words; // the program and its arguments
-  std::filesystem::path folder;   // it runs there; empty for here
-  int output = -1, errors = -1;   // descriptors; -1 for the null device, which it reads
-  int atOurEnd = 0; // the signal that it gets when this process ends, however that ends
+  std::filesystem::path folder;   // working folder; empty for the current one
+  int output = -1, errors = -1;   // descriptors; -1 for the null device
+  int atOurEnd = 0;               // signal sent to it when this process ends, for whatever reason
 };
 
-// The program leads a group of processes of its own. -1 when there is no process to be had; a
-// program that cannot be started ends with NOTSTARTED.
+// Starts a program as leader of its own process group. Returns -1 if no process can be created; a
+// program that cannot be executed ends with NOTSTARTED.
 constexpr int NOTSTARTED = 127;
 pid_t startProgram(const Start& start);
 
-constexpr int BEHINDSIGNAL = 128; // exit status of a program that a signal ends, less its number
+constexpr int BEHINDSIGNAL = 128; // exit status after signal n: this plus n
 
 enum class Waited { ENDED, SIGNAL, TIME };
 struct End {
-  int status = 0; // as wait tells it
-  rusage usage{}; // of it and of what it waited for
-  int signal = 0; // that this process was sent
+  int status = 0; // as returned by wait
+  rusage usage{}; // of the child and the processes it waited for
+  int signal = 0; // signal received by this process
 };
 
-// Until the child has ended, a signal has come or the time is over, in seconds.
+// Waits until the child has ended, a signal arrives or the time, in seconds, is over.
 Waited waitFor(pid_t child, double seconds, End& end);
 
-// The same without a child: true when a signal has come.
+// The same without a child; true if a signal arrived.
 bool sleepFor(double seconds, End& end);
 
-// Kills the child's group and waits for the child, whose usage is kept.
+// Kills the child's process group and waits for the child; its usage is kept.
 void killAll(pid_t child, End& end);
 
-// The path of this program. That of another one: beside this one when it is there, else by the
-// search path; empty if there is none.
+// Path of this program; path of another program, beside this one or in the search path; path of a
+// program in the search path. Empty if there is none.
 std::string ownPath();
 std::string programBeside(std::string_view name);
 std::string programInPath(std::string_view name);
 
-// Seconds of a clock that is never set.
+// Seconds of a monotonic clock.
 double now();
 
 } // namespace lcp::companions

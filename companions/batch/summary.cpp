@@ -65,7 +65,7 @@ std::string escaped(std::string_view text) {
   return safe;
 }
 
-// A path as part of an address: all but letters, digits and a few signs by their bytes.
+// A path as a URL: everything but letters, digits and a few signs is percent-encoded.
 std::string address(std::string_view path) {
   std::string safe;
   for (const char c : path) {

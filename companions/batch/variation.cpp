@@ -19,10 +19,10 @@ namespace lcp::companions {
 namespace {
 
 constexpr std::size_t MOSTCASES = 1000000;
-constexpr double SOMELENGTH = 1e4;   // m, for the reader
+constexpr double SOMELENGTH = 1e4;   // m, used only for reading
 constexpr std::size_t BEHINDKEY = 2; // a colon and a blank
 
-// Without blanks, in small letters.
+// A text without blanks, in lower case.
 std::string plain(std::string_view text) {
   std::string letters;
   for (const char c : text)
@@ -33,14 +33,14 @@ std::string plain(std::string_view text) {
 
 bool isLength(const Variation& v) { return plain(v.key) == "length"; }
 
-// Where a value of a description stands.
+// Position of a value in a description.
 struct Place {
-  std::size_t line;   // from 0
-  std::size_t column; // of the value, behind the blanks in front of the line
-  std::size_t key;    // columns of the key
+  std::size_t line;   // 0-based
+  std::size_t column; // of the value, not counting leading blanks of the line
+  std::size_t key;    // number of columns of the key
 };
 
-// The place of the value in a traced line whose key is this one.
+// Finds the value in a traced line that has this key.
 bool findPlace(const TracedLine& line, const Variation& v, Place& place) {
   if (line.key == nullptr || line.key->kind == KeyKind::Mark) return false;
   if (v.line != 0 && v.line != line.number) return false;
@@ -54,7 +54,7 @@ bool findPlace(const TracedLine& line, const Variation& v, Place& place) {
   place.column = static_cast<std::size_t>(line.key->column);
   place.key = row.size();
   if (whole && line.key->kind != KeyKind::Text) return true;
-  // A key with a number behind it: P1 of the positions, Conductor Data 2.
+  // A key followed by a number: P1 of the positions, Conductor Data 2.
   place.key = std::min(words.substr(0, colon).find_last_not_of(' ') + 1, words.size());
   place.column = std::max(place.column, line.key->kind == KeyKind::Text ? colon + BEHINDKEY : 0);
   return true;
@@ -74,8 +74,8 @@ std::string withValue(const std::string& line, const Place& place, const std::st
 }
 
 struct Keys {
-  std::vector<std::string> lines;         // of the description, with their carriage returns
-  std::vector<std::vector<Place>> places; // of each variation
+  std::vector<std::string> lines;         // of the description, including carriage returns
+  std::vector<std::vector<Place>> places; // for each variation
   std::string trouble;
 };
 
@@ -86,8 +86,8 @@ std::string notRead(const fs::path& description, const CapturedRun& read) {
   return fmt::format("the program refuses {}:\n{}", description.string(), message);
 }
 
-// The reader goes over the description and leaves its trace. Files that are named in it stand
-// beside it.
+// Runs the reader on the description and finds the keys in its trace. Files named in the
+// description are relative to its folder.
 Keys readKeys(const fs::path& description, const std::vector<Variation>& variations) {
   Keys K;
   std::string text;
@@ -125,7 +125,7 @@ std::string noteOn(const Variation& v, const std::vector<Place>& places) {
                      joined(numbers, ", "), v.key, numbers[0]);
 }
 
-// Bounded, since a product of many lists leaves every integer.
+// Limited, because the product of many lists can overflow.
 std::size_t combinationsOf(const std::vector<Variation>& variations) {
   std::size_t count = 1;
   for (const Variation& v : variations) count = std::min(count * v.values.size(), MOSTCASES + 1);
@@ -146,7 +146,7 @@ std::string troubleOf(const Template& base, const std::vector<Variation>& variat
   return length ? "" : "/length METRES or --vary length=... expected";
 }
 
-// The description of one case, its values chosen.
+// The description of one case with the given values.
 std::string describe(const Keys& keys, const std::vector<std::string>& values) {
   std::vector<std::string> lines = keys.lines;
   for (std::size_t k = 0; k < values.size(); ++k)
@@ -155,7 +155,7 @@ std::string describe(const Keys& keys, const std::vector<std::string>& values) {
   return joined(lines, "\n");
 }
 
-// Writes the description of a case, unless it stands there already. Empty, or what is wrong.
+// Writes the description of a case unless it already exists. Returns an error message, or empty.
 std::string writeDescription(CaseList& list, const BatchCase& c, const Keys& keys,
                              const std::vector<std::string>& values) {
   const std::string text = describe(keys, values);
@@ -174,7 +174,7 @@ std::string writeDescription(CaseList& list, const BatchCase& c, const Keys& key
   return good ? "" : cannotWrite(c.source);
 }
 
-// The values of one case; those of the last key come fastest.
+// The values of one case; the last key varies fastest.
 std::vector<std::string> valuesOf(const std::vector<Variation>& variations, std::size_t number) {
   std::vector<std::string> values(variations.size());
   for (std::size_t k = variations.size(); k-- > 0;) {
@@ -219,7 +219,7 @@ CaseList makeCases(const Template& base, const std::vector<Variation>& variation
   if (!list.trouble.empty()) return list;
   for (std::size_t k = 0; k < variations.size(); ++k) {
     const Variation& v = variations[k];
-    if (!isLength(v)) // which has a column anyway
+    if (!isLength(v)) // it has a column of its own
       list.keys.push_back(v.line == 0 ? v.key : fmt::format("{}@{}", v.key, v.line));
     if (keys.places[k].size() > 1) notes.push_back(noteOn(v, keys.places[k]));
   }

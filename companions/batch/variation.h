@@ -1,4 +1,4 @@
-// Cases made from one description by values of its keys.
+// Makes cases from one description by varying the values of keys.
 #pragma once
 
 #include "companions/batch/case_list.h"
@@ -10,23 +10,23 @@ namespace lcp::companions {
 
 struct Variation {
   std::string key;
-  int line = 0; // of the description, where the key is changed in that line alone; 0 for all
+  int line = 0; // line in which the key is changed; 0 for all lines
   std::vector<std::string> values;
-  std::string trouble; // in plain words; empty when it could be read
+  std::string trouble; // error message; empty if it is valid
 };
 
-// "KEY=VALUE,VALUE,..." or "KEY@LINE=VALUE,..."
+// Parses "KEY=VALUE,VALUE,..." or "KEY@LINE=VALUE,...".
 Variation variationOf(const std::string& text);
 
 struct Template {
   std::filesystem::path description;
-  std::string length;    // m, where it does not vary
-  std::string arguments; // further ones of each case
+  std::string length;    // m, if it does not vary
+  std::string arguments; // further arguments of each case
 };
 
-// One case for each combination of the values, the last key fastest, in numbered folders in `work`,
-// each with its description, which are written. Keys are compared without blanks and capitals;
-// `length` is that of the command line. Notes tell of keys that stand in several lines.
+// Makes one case for each combination of values, the last key varying fastest, in numbered folders
+// in `work`, and writes their descriptions. Keys are compared without blanks and case; `length` is
+// the command-line length. `notes` reports keys that occur in several lines.
 CaseList makeCases(const Template& base, const std::vector<Variation>& variations,
                    const std::filesystem::path& work, std::vector<std::string>& notes);
 

@@ -35,7 +35,7 @@ constexpr Program CHECK = {"corvo-check",
                            1,
                            OPTIONS};
 
-// Words of the reader on the console, but for what the line rules tell better and for its rules.
+// Adds the reader's messages, except unknown lines, which the line rules report better, and frames.
 void readerWarnings(Findings& findings, const CapturedRun& read) {
   std::string all;
   for (const std::string& line : linesOf(fmt::format("{}\n{}", read.console, read.errors))) {
@@ -61,7 +61,7 @@ Findings findAll(const CapturedRun& read) {
   return findings;
 }
 
-// Bytes that a terminal would take for orders are shown as question marks.
+// Shows control characters as question marks.
 std::string printable(std::string_view text) {
   std::string shown(text);
   std::replace_if(
@@ -121,7 +121,7 @@ int tellRefusal(const std::string& file, const CapturedRun& read, bool json) {
   return REFUSED;
 }
 
-// What the reader takes and the run behind it refuses at once.
+// Whether the reader accepts the file but the run ends before the first solve.
 bool endsBeforeASolve(const Findings& findings) {
   return RUNDATA.run.DATAFMT == ROUTENONE ||
          std::any_of(findings.begin(), findings.end(),

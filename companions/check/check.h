@@ -1,4 +1,5 @@
-// corvo-check: what a description file says, and what in it had no effect or looks like a slip.
+// corvo-check: reports what a description file says, and what in it has no effect or is likely
+// wrong.
 #pragma once
 
 #include <span>

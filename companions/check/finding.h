@@ -1,4 +1,4 @@
-// What corvo-check can find: a table of kinds, and the findings of one description.
+// The kinds of findings of corvo-check, and the findings on one description.
 #pragma once
 
 #include <string>
@@ -52,26 +52,26 @@ enum class Kind {
 struct KindRow {
   Kind kind;
   std::string_view id;
-  std::string_view severity; // error: a line is not what it says; warning: unlikely; note: a choice
-  std::string_view text;     // the sentence, with up to three places
+  std::string_view severity; // error: not what the line says; warning: unlikely; note: a choice
+  std::string_view text;     // the sentence, with up to three places for words
 };
 
 const KindRow& rowOf(Kind kind);
 
 struct CheckFinding {
-  int line; // number, 0 for the file as a whole
+  int line; // line number; 0 for the whole file
   Kind kind;
   std::string text;
 };
 
 using Findings = std::vector<CheckFinding>;
 
-// Adds a finding; the words go to the places of the kind's sentence. What is there already is not
-// added again.
+// Adds a finding unless it is already there; a, b and c fill the places in the sentence of its
+// kind.
 void add(Findings& findings, int line, Kind kind, std::string_view a = {}, std::string_view b = {},
          std::string_view c = {});
 
-// By line number, those of the file as a whole first; in the order found within a line.
+// Sorts by line number, the whole file (0) first; within a line the order is kept.
 void sortFindings(Findings& findings);
 
 } // namespace lcp::companions

@@ -26,7 +26,7 @@ constexpr Range SOILS = {0.1, 1e5};
 
 std::string number(double x) { return fmt::format("{:.4g}", x); }
 
-// Properties that a group shares are told once.
+// Properties shared by a group are reported once.
 void addOnce(Findings& findings, int line, Kind kind, std::string_view a, std::string_view b,
              std::string_view c = {}) {
   const bool there = std::any_of(findings.begin(), findings.end(), [&](const CheckFinding& f) {
@@ -108,7 +108,7 @@ constexpr LayerNames LAYERS[] = {{"the core", "insulator 1"},
                                  {"the armour", "insulator 3"},
                                  {"the outside conductor", "insulator 4"}};
 
-// Line of a key of cable n, or of its position.
+// Line of a key of cable n, or else of its position.
 int cableLine(const void* target, int n) {
   const int line = lineOf(target, -1, n);
   return line != 0 ? line : cablePositionLine(n);
@@ -116,7 +116,7 @@ int cableLine(const void* target, int n) {
 
 void oneCable(Findings& findings, int n) {
   const Cable& C = RUNDATA.cable.CB[n];
-  const Cable& key = READER.openCable; // where the keys store
+  const Cable& key = READER.openCable; // the targets of the keys
   for (std::size_t k = 0; k < std::size(LAYERS); ++k) {
     const int layer = 2 * static_cast<int>(k) + 1;
     const auto name = [&](std::string_view of) { return fmt::format("{} of cable {}", of, n); };
@@ -155,7 +155,7 @@ void fourWire(Findings& findings) {
   if (F.FWTMANT > 0) permittivity(findings, lineOf(&F.FWEPSM), "the mantle", F.FWEPSM);
 }
 
-// Keys that the sections of the cables overrule.
+// Keys overruled by the sections of the cables.
 void overruled(Findings& findings) {
   const int& said = RUNDATA.cable.pipe.PIPENIN;
   const int there = cablesInPipe();

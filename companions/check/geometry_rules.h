@@ -1,11 +1,11 @@
-// Findings on geometry and materials: what can be read, and is hardly a line or a cable.
+// Findings on geometry and materials: values that can be read but are hardly possible.
 #pragma once
 
 #include "companions/check/finding.h"
 
 namespace lcp::companions {
 
-// Over the run store behind the reader, of a system that has a geometry.
+// All use the run store after reading, for a system with a geometry.
 void conductorRules(Findings& findings);
 void cableRules(Findings& findings);
 void soilRules(Findings& findings);

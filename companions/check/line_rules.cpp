@@ -13,7 +13,7 @@ namespace {
 
 using Texts = std::vector<std::string_view>;
 
-// Letters of a key one of which may differ.
+// Key length per letter that may differ.
 constexpr std::size_t COMMENTLETTERS = 5; // prose must not look like a key
 constexpr std::size_t UNKNOWNLETTERS = 3;
 
@@ -32,7 +32,7 @@ std::span<const std::string_view> headings() {
   return top->headings;
 }
 
-// The key or heading that the line begins with or nearly holds, where that stands in another place.
+// The key or heading that the line starts with or resembles, if it belongs to another place.
 std::string elsewhere(const TracedLine& line) {
   const std::string_view words = wordsOf(line);
   for (const std::string_view heading : headings()) {
@@ -69,7 +69,7 @@ void unknownLine(Findings& findings, const TracedLine& line) {
 void commentKey(Findings& findings, const TracedLine& line) {
   const std::string_view words = wordsOf(line);
   const bool exclamation = words[0] == '!';
-  if (exclamation && line.state == State::TopLevel) return; // a title over a section
+  if (exclamation && line.state == State::TopLevel) return; // a title above a section
   const Texts texts = candidatesOf(line);
   std::string_view near;
   if (!exclamation) near = nearestKey(keyWords(words), texts, COMMENTLETTERS, 0);
@@ -81,9 +81,10 @@ void commentKey(Findings& findings, const TracedLine& line) {
   if (!near.empty()) add(findings, line.number, Kind::CommentKey, what);
 }
 
-// --- keys among each other
+// --- keys compared with each other
 
-// Sections of these states add up; in all others a later one goes on with the values of the first.
+// Sections of these states each have data of their own; in all other states a later section
+// continues the first one.
 bool standsAlone(State state) {
   constexpr State ALONE[] = {State::Tower,         State::Circuit,   State::GroundWires,
                              State::SubConductors, State::CoaxCable, State::FourWire};

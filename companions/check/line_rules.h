@@ -1,13 +1,12 @@
-// Findings on the lines of a description as they stand: what had no effect, and what was read as
-// something else than it says.
+// Findings on the lines of a description: without effect, or read differently from what they say.
 #pragma once
 
 #include "companions/check/finding.h"
 
 namespace lcp::companions {
 
-// Over the trace of the reader. wholeFile: it was not refused midway, so that what the trace lacks
-// is missing.
+// Uses the trace of the reader. wholeFile: the file was read to its end, so what the trace lacks is
+// missing in the file.
 void lineRules(Findings& findings, bool wholeFile);
 
 } // namespace lcp::companions

@@ -1,4 +1,4 @@
-// The entry of corvo-check.
+// Entry point of corvo-check.
 #include "companions/check/check.h"
 
 int main(int count, char** values) {

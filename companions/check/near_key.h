@@ -1,4 +1,4 @@
-// The key that a line may have meant.
+// Finds the key that a line probably meant.
 #pragma once
 
 #include <span>
@@ -6,11 +6,11 @@
 
 namespace lcp::companions {
 
-// The words of a line that stand for its key: up to the colon; without one the whole line.
+// The words of a line that make up its key: up to the colon, or the whole line.
 std::string_view keyWords(std::string_view line);
 
-// The key nearest to these words by edit distance, capitals and small letters alike; empty when
-// none is near. One letter in `letters` may differ, at least `least` of them.
+// The key nearest to these words by edit distance, ignoring case; empty if none is near. One letter
+// in every `letters` may differ, and at least `least` letters.
 std::string_view nearestKey(std::string_view words, std::span<const std::string_view> keys,
                             std::size_t letters, std::size_t least);
 

@@ -14,11 +14,11 @@ namespace lcp::companions {
 namespace {
 
 constexpr double CLOSEDFORMLIMIT = 1e4; // Hz: closed form between buried cables
-constexpr double AERIALLEAST = 0.01;    // Hz: formula 2 of aerial bodies
-constexpr double DCFREQUENCY = 1e-6;    // Hz, at which the DC correction takes its values
-constexpr int STEPSBELOW = 5;           // of the grid below the fit range
+constexpr double AERIALLEAST = 0.01;    // Hz: formula 2 for aerial bodies
+constexpr double DCFREQUENCY = 1e-6;    // Hz, at which the DC correction evaluates the line
+constexpr int STEPSBELOW = 5;           // grid points below the fit range
 
-// The line of a key, or the section of the model.
+// Line of a key, or else heading of the model section.
 int optionLine(const void* target) {
   const int line = lineOf(target);
   if (line != 0) return line;
@@ -82,7 +82,7 @@ void dcCorrection(Findings& findings) {
 void passivityGrid(Findings& findings) {
   const PassivityOptions& P = RUNDATA.passivity;
   const bool known = P.PFDIST >= GRIDLOGARITHMIC && P.PFDIST <= GRIDDECADES;
-  const int least = P.PFDIST == GRIDDECADES ? 0 : 1; // a decade has one point at least
+  const int least = P.PFDIST == GRIDDECADES ? 0 : 1; // there is at least one point per decade
   if (!known) {
     add(findings, optionLine(&P.PFDIST), Kind::NoPassivityGrid,
         "Frequency distribution for passivity check", std::to_string(P.PFDIST));
@@ -102,7 +102,7 @@ void passivity(Findings& findings) {
 
 // --- formulas
 
-// Where the grid of a fit begins, beyond the start of its range.
+// First frequency of the fit grid, which starts below the fit range.
 double gridBegin() {
   const FitOptions& F = RUNDATA.fit;
   return F.FSTART * std::pow(F.FEND / F.FSTART, -STEPSBELOW / double(F.NFINC));
@@ -121,7 +121,7 @@ double lowestFrequency() {
   return RUNDATA.model.fitsPhases() && F.DCCORR > 0 ? std::min(grid, DCFREQUENCY) : grid;
 }
 
-// Cables and a pipe that lie side by side in the ground or in the air.
+// Number of cables and pipes side by side, aerial or buried.
 int bodies(bool aerial) {
   const CableTable& T = RUNDATA.cable;
   int n = T.PIPEF && T.pipe.PIPEOVHD == aerial ? 1 : 0;
@@ -131,7 +131,7 @@ int bodies(bool aerial) {
 
 int formulaLine(const int* own) { return std::max(lineOf(own), lineOf(&RUNDATA.ground.EARTHF)); }
 
-// Whether something that the earth return is computed of stands in the air, or lies in the ground.
+// Whether any body with an earth return is aerial, or buried.
 bool anyBody(bool aerial) {
   const CableTable& T = RUNDATA.cable;
   if (RUNDATA.run.ISCABLE == OVERHEADLINE) return aerial;

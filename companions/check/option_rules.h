@@ -1,12 +1,11 @@
-// Findings on options: defaults that make a result void, formulas outside of what they are good
-// for.
+// Findings on options: values that make a result useless, and formulas outside their range.
 #pragma once
 
 #include "companions/check/finding.h"
 
 namespace lcp::companions {
 
-// Over the run store behind the reader.
+// Uses the run store after reading.
 void optionRules(Findings& findings);
 
 } // namespace lcp::companions

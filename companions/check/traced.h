@@ -1,4 +1,4 @@
-// Looks things up in the trace of the reader.
+// Looks up lines and sections in the trace of the reader.
 #pragma once
 
 #include "input/key_rows.h"
@@ -9,39 +9,38 @@
 
 namespace lcp::companions {
 
-// The line without the blanks in front.
+// The line without leading blanks.
 std::string_view wordsOf(const TracedLine& line);
 
-// The keys that it was compared with.
+// The keys that the line was compared with.
 std::span<const KeyRow> rowsOf(const TracedLine& line);
 
-// What stands in the line from the value column of its key on.
+// The line from the value column of its key on.
 std::string_view fieldOf(const TracedLine& line);
 
-// Heading of a section, and of the one that a line stands in.
+// Heading of a section.
 std::string_view headingOf(int section);
 
-// Number of the last line whose key stores into this place: a number, a flag or a column of the
-// conductor table. In one section, with `cable` for one cable; 0 when there is none.
+// Number of the last line whose key stores to this target: a number, a flag or a column of the
+// conductor table. Optionally limited to a section or a cable; 0 if there is none.
 int lineOf(const void* target, int section = -1, int cable = 0);
 
-// The same, or where there is none the heading of the section.
+// The same; the heading of the section if there is none.
 int lineOrHeading(const void* target, int section);
 
-// Number of the line of a section's position list, or its heading.
+// Number of the position list line of a section, or of its heading.
 int positionLine(int section);
 
-// Number of the line with the position of a cable; 0 when there is none.
+// Number of the line with the position of a cable; 0 if there is none.
 int cablePositionLine(int cable);
 
-// The number of the line with the first offset or the spacing of a circuit's bundle, or the
-// heading.
+// Number of the line with the first offset or the spacing of a circuit's bundle, or of the heading.
 int bundleLine(int section);
 
-// The last line that holds this heading; 0 when there is none.
+// Number of the last line with this heading; 0 if there is none.
 int headingLine(std::string_view beginning);
 
-// The section of a conductor, by its place; 0 when it is not known.
+// The section of the conductor at this position; 0 if unknown.
 int sectionOfConductor(double x, double y);
 
 } // namespace lcp::companions

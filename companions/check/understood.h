@@ -1,4 +1,4 @@
-// What the program understood of a description, as tables.
+// Tables of what the program understood of a description.
 #pragma once
 
 #include <nlohmann/json.hpp>
@@ -8,11 +8,11 @@ namespace lcp::companions {
 
 using Json = nlohmann::ordered_json;
 
-// Over the run store behind the reader: tables by name, each a list of rows with the same columns,
-// or a single row. A column's name ends in its unit, if it has one: "radius_m".
+// Uses the run store after reading. Returns tables by name; each is a list of rows with the same
+// columns, or a single row. A column name ends in its unit, if any: "radius_m".
 Json understood();
 
-// The same for the console, a table below the other.
+// The tables as text for the console, one below the other.
 std::string tablesAsText(const Json& tables);
 
 } // namespace lcp::companions

@@ -13,7 +13,7 @@ struct Spelling {
   std::string_view written, meant;
 };
 
-// Of what is left when blanks and the signs of a product and a power are out.
+// Compared after blanks and the signs of products and powers are removed.
 constexpr Spelling SPELLINGS[] = {
     {"ohms", "ohm"}, {"Ohms", "ohm"},  {"Ohm", "ohm"},   {"mhos", "S"},   {"mho", "S"},
     {"Mho", "S"},    {"Siemens", "S"}, {"siemens", "S"}, {"metres", "m"}, {"meters", "m"},

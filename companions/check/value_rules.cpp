@@ -16,7 +16,7 @@ bool isNumberKind(KeyKind kind) { return kind < KeyKind::Name; }
 bool isFlag(KeyKind kind) { return kind == KeyKind::SetBy1 || kind == KeyKind::IsIt1; }
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
-// What a line calls its key: of a list of positions the number belongs to it.
+// The key as written in a line; in a position list it includes the number.
 std::string_view nameOf(const TracedLine& line) {
   const std::string_view words = wordsOf(line);
   std::size_t end = line.key->text.size();
@@ -41,7 +41,7 @@ void lostCharacter(Findings& findings, const TracedLine& line) {
       withoutEnds(fieldOf(line)));
 }
 
-// False when there is nothing to look at.
+// Whether there is a value to check; otherwise adds a finding.
 bool hasValue(Findings& findings, const TracedLine& line) {
   const std::string_view field = withoutEnds(fieldOf(line));
   const bool items = line.key->kind != KeyKind::Text;
@@ -56,7 +56,7 @@ bool hasValue(Findings& findings, const TracedLine& line) {
   return false;
 }
 
-// Numbers at the beginning of a field.
+// Number of numbers at the start of a field.
 int countNumbers(std::string_view field) {
   ItemReader items(field);
   int n = 0;
@@ -91,7 +91,7 @@ void countItems(Findings& findings, const TracedLine& line) {
       std::to_string(there < takes ? takes : there));
 }
 
-// A decimal comma: the number ends at it.
+// Finds a decimal comma, at which a number ends.
 void cutNumber(Findings& findings, const TracedLine& line) {
   const std::string_view field = withoutEnds(fieldOf(line));
   const std::size_t end = field.find_first_of(" \t,/");
@@ -119,7 +119,7 @@ void otherUnit(Findings& findings, const TracedLine& line) {
 
 void valueRules(Findings& findings, const TracedLine& line) {
   const KeyKind kind = line.key->kind;
-  const bool columns = kind == KeyKind::Text && line.key->repeats; // fixed ones, and not used
+  const bool columns = kind == KeyKind::Text && line.key->repeats; // fixed columns, not used
   if (kind == KeyKind::Mark || columns) return;
   lostCharacter(findings, line);
   if (!hasValue(findings, line)) return;

@@ -1,4 +1,4 @@
-// Findings on the value of one key.
+// Findings on the value of a key.
 #pragma once
 
 #include "companions/check/finding.h"
@@ -6,7 +6,7 @@
 
 namespace lcp::companions {
 
-// Over a line that has a key.
+// The line must have a key.
 void valueRules(Findings& findings, const TracedLine& line);
 
 } // namespace lcp::companions

@@ -21,12 +21,12 @@ constexpr double SAMEFREQUENCY = 1e-6;          // difference of decimal logarit
 constexpr Room ROOM = {200000, 500};
 
 enum Names { MATRIX, MODES, GROUPS, PHASES };
-enum Columns { ALONE, PAIRED };  // computed values alone, or each with its fitted one
+enum Columns { ALONE, PAIRED };  // computed values alone, or each with its fitted value
 enum Numbers { PLAIN, SQUARES }; // the values, or their squares
 
-// A quantity and its files: magnitudes and angles, of some in one file side by side.
+// A quantity and its files: magnitudes and angles, in two files or side by side in one.
 struct CurveKind {
-  std::string_view magnitudes, angles; // endings of the file names; the second empty for one file
+  std::string_view magnitudes, angles; // endings of the file names; one file if the second is empty
   std::string_view section, id, title, kind, unit;
   double reference;
   Names names;
@@ -75,7 +75,7 @@ std::vector<double> numbersOf(const std::string& line) {
   return numbers;
 }
 
-// A line that begins with a frequency and its logarithm begins a row, any other goes on with one.
+// A line that starts with a frequency and its logarithm starts a row; any other line continues one.
 bool beginsRow(const std::vector<double>& n) {
   return n.size() > 1 && n[1] > 0 && std::fabs(std::log10(n[1]) - n[0]) < SAMEFREQUENCY;
 }
@@ -83,8 +83,7 @@ bool beginsRow(const std::vector<double>& n) {
 Rows rowsOf(const std::filesystem::path& file) {
   std::error_code none;
   Rows rows;
-  if (!std::filesystem::is_regular_file(file, none))
-    return rows; // a pipe would wait for its writer
+  if (!std::filesystem::is_regular_file(file, none)) return rows; // opening a pipe would block
   protectInput(file);
   std::ifstream in(file);
   std::string line;
@@ -107,7 +106,7 @@ std::string nameOf(Names names, std::size_t i, std::size_t count) {
   return fmt::format("{} {}", WORDS[names], i + 1);
 }
 
-// Values of a row: magnitudes and angles of one file in turn, or of two.
+// Complex values of a row; magnitudes and angles alternate in one file or come from two.
 std::vector<Complex> valuesOf(const CurveKind& kind, const std::vector<double>& first,
                               const std::vector<double>& second) {
   std::vector<Complex> values;
@@ -155,7 +154,7 @@ std::optional<Json> setOf(const CurveKind& kind, const std::filesystem::path& ba
   return packed(at, {F}, ROOM);
 }
 
-// Names of the lines whose files stand in a folder.
+// Names of the lines whose files are in a folder.
 std::set<std::string> linesIn(const std::string& folder) {
   std::set<std::string> lines;
   std::error_code none;

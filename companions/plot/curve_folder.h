@@ -1,4 +1,4 @@
-// Detail curve files of a run, as a page holds them.
+// Reads the detail curve files of a run into the data of a page.
 #pragma once
 
 #include "companions/plot/functions.h"
@@ -7,8 +7,8 @@
 
 namespace lcp::companions {
 
-// The data of a page from the detail curve files in a folder; null when there are none. Files that
-// hold a header alone are passed over, and so are the ones that say the same a second time.
+// The data of a page from the detail curve files in a folder; null if there are none. Files with
+// only a header are skipped, and so are files that repeat the data of others.
 Json curvesOfFolder(const std::string& folder);
 
 } // namespace lcp::companions

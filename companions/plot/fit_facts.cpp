@@ -14,7 +14,7 @@ namespace lcp::companions {
 
 namespace {
 
-constexpr std::size_t BUCKETS = 700; // of a scan: each keeps its smallest and its largest value
+constexpr std::size_t BUCKETS = 700; // of a scan; the smallest and largest value of each are kept
 constexpr std::size_t MOSTBANDS = 200;
 
 Json rounded(double value) { return Json::parse(fmt::format("{:.7g}", value)); }
@@ -30,14 +30,14 @@ void addPoles(Json& all, const std::string& name, const Rational& F) {
   all.push_back({{"name", name}, {"re", re}, {"im", im}, {"residue", residue}});
 }
 
-// In milliseconds; delays and travel times come in seconds.
+// One row in ms; delay and travel times are in s.
 Json delayRow(const std::string& name, double delay, const std::vector<double>& travel) {
   return {{"name", name},
           {"delay", rounded(delay / MILLI)},
           {"travel", rounded(nearestTo(delay, travel) / MILLI)}};
 }
 
-// The points of a scan that a screen can show: of each stretch the smallest and the largest value.
+// Reduces a scan to what a screen can show: the smallest and largest value in each bucket.
 std::vector<ScanPoint> thinned(const std::vector<ScanPoint>& points) {
   if (points.size() <= 2 * BUCKETS) return points;
   const double low = std::log(points.front().f), width = std::log(points.back().f) - low;

@@ -12,8 +12,8 @@ namespace lcp::companions {
 
 namespace {
 
-constexpr std::size_t MOSTELEMENTS = 150; // of one function
-constexpr std::size_t SHOWN = 3;          // curves that a page begins with
+constexpr std::size_t MOSTELEMENTS = 150; // per function
+constexpr std::size_t SHOWN = 3;          // curves that a page shows first
 
 std::string base64(std::span<const unsigned char> bytes) {
   constexpr std::string_view LETTERS =
@@ -43,7 +43,7 @@ double worst(const Element& e, double reference) {
   return most;
 }
 
-// Marks where a quantity of a curve is largest and smallest.
+// Marks the points where a quantity of a curve is largest and smallest.
 template <class Quantity>
 void keepExtremes(std::vector<bool>& kept, std::size_t count, Quantity quantity) {
   std::size_t low = 0, high = 0;
@@ -92,7 +92,7 @@ std::string packedCurve(const std::vector<Complex>& values, const std::vector<st
   return packedNumbers(parts);
 }
 
-// The elements that the page shows first: the first two and the one whose model is worst.
+// The elements shown first: the first two and the one whose model has the largest error.
 Json firstShown(const Functions& F) {
   const std::size_t n = F.elements.size();
   Json shown = Json::array();
@@ -105,7 +105,7 @@ Json firstShown(const Functions& F) {
   return shown;
 }
 
-// Of very many elements: on the diagonal, in the first row, then the worst.
+// If there are very many elements, keeps those on the diagonal, then those with the largest errors.
 void limitElements(Functions& F) {
   const std::size_t all = F.elements.size();
   if (all <= MOSTELEMENTS) return;

@@ -1,4 +1,4 @@
-// Facts of a body are pairs of words in the order in which they are read out: what, and how much.
+// The facts of a body are pairs of texts, name and value, in the order in which they are shown.
 #include "companions/plot/geometry.h"
 
 #include "base/constants.h"
@@ -150,8 +150,8 @@ Json pipe() {
             {"Overall radius", mm(P.radius())}}}};
 }
 
-// Four sectors whose metal reaches as far from the middle as a round conductor of their area is
-// wide, as the formulas take them.
+// Four sectors whose metal has an outer radius equal to the diameter of a round conductor of the
+// same area, as in the formulas.
 Json fourWire() {
   const FourWireRecord& F = RUNDATA.cable.fourWire;
   const Cable& C = RUNDATA.cable.CB[1];

@@ -1,13 +1,13 @@
-// The right-of-way as it is drawn: positions and sizes in metres, and what is told of each body.
+// Describes the right-of-way for drawing: positions and sizes in m, and facts on each body.
 #pragma once
 
 #include "companions/plot/functions.h"
 
 namespace lcp::companions {
 
-// Of the run store as the reader leaves it, before constants are computed:
-// {"wires": [...], "cables": [...], "pipe": {...}, "note":}; what the system does not have is left
-// out. Heights are positive, depths negative.
+// From the run store after reading, before constants are computed: {"wires": [...], "cables":
+// [...], "pipe": {...}, "note":}; parts that the system does not have are omitted. Heights are
+// positive, depths negative.
 Json geometryOf();
 
 } // namespace lcp::companions

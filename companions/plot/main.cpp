@@ -1,4 +1,4 @@
-// The entry of corvo-plot.
+// Entry point of corvo-plot.
 #include "companions/plot/plot.h"
 
 int main(int count, char** values) {

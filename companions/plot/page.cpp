@@ -19,7 +19,7 @@ std::string escaped(const std::string& json) {
 
 } // namespace
 
-// The data go last, so that no name in them is taken for a place.
+// The data are inserted last, so that no name in them is taken for a placeholder.
 std::string pageOf(const Json& data) {
   std::string page(PAGEFRAME);
   put(page, "/*CHARTSTYLE*/", CHARTSTYLE);

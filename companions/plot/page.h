@@ -1,4 +1,4 @@
-// One page that needs nothing beside it: style, scripts and data in one text.
+// Builds a self-contained page: style, scripts and data in one text.
 #pragma once
 
 #include "companions/plot/functions.h"
@@ -8,15 +8,15 @@
 
 namespace lcp::companions {
 
-// The page of these data. Bytes that are no UTF-8 show as replacement characters, and no name in
-// the data can end the block that it stands in.
+// The page for these data. Invalid UTF-8 is shown as replacement characters, and no name in the
+// data can end its script block.
 std::string pageOf(const Json& data);
 
-// Parts of the page as they were when the program was built.
-extern const std::string_view PAGEFRAME; // with a place for each of the others
+// Parts of the page, embedded when the program is built.
+extern const std::string_view PAGEFRAME; // with a placeholder for each of the others
 extern const std::string_view PAGESTYLE;
 extern const std::string_view PAGESCRIPT;
-extern const std::string_view CHARTSTYLE; // of the library that draws charts
+extern const std::string_view CHARTSTYLE; // of the chart library
 extern const std::string_view CHARTSCRIPT;
 
 } // namespace lcp::companions

@@ -32,13 +32,14 @@ constexpr Program PLOT = {"corvo-plot",
                           1,
                           OPTIONS};
 
-// What the run of the program leaves: its words, the model, and that before an enforcement.
+// Results of the run: console, model, and model before enforcement.
 struct Solved {
   std::string console;
   ModelFile model, before;
 };
 
-// Reads the description here as well, behind the child that the program refuses it in.
+// Solves in a child process, which ends if the program refuses the description, then reads it here
+// too.
 Solved solved(const std::string& description, double length) {
   Solved S;
   const CapturedRun run = solveInScratch(description, length);
@@ -118,7 +119,7 @@ int plotLine(std::span<char* const> arguments) {
   protectInput(source);
   refuseInput(name);
   const Json data = curves ? curvesOfFolder(source) : dataOf(source, length);
-  refuseInput(name); // the description names others
+  refuseInput(name); // again, since the description names further files
   if (data.is_null()) giveUp(PLOT.name, fmt::format("no detail curve files in {}", source));
   if (writeWhole(name, pageOf(data), false)) return 0;
   fmt::print(stderr, "{}: cannot write {}\n", PLOT.name, name);

@@ -19,7 +19,7 @@ namespace lcp::companions {
 
 namespace {
 
-constexpr double SAMESIZE = 1e-9; // relative difference of elements that are equal by symmetry
+constexpr double SAMESIZE = 1e-9; // relative difference of elements that count as symmetric
 constexpr Room ROOMOFLINE = {100000, 400};
 constexpr Room ROOMOFFIT = {450000, 500};
 
@@ -43,7 +43,7 @@ Frequencies frequenciesOf(const ModelFile& file) {
   return at;
 }
 
-// The order of modes that the page takes: that of the model file, else the one at the steady state
+// Reference order of the modes on the page: that of the model file, else that at the steady-state
 // frequency.
 std::pair<Matrix, double> orderOf(const ModelFile& file) {
   if (file.kind == ModelKind::Mode)
@@ -76,7 +76,7 @@ Functions gammas(const Survey& S, const ModelFile& file) {
     Element e{
         modeName(m), overFrequency(S, [&](std::size_t k) { return S.modes[k].gamma[m]; }), {}};
     if (file.kind == ModelKind::Bergeron) {
-      // Its resistance is lumped along a line without losses: R / (2 Zc) a length.
+      // Its resistance is lumped along a lossless line: R / (2 Zc) per length.
       const BergeronMode& B = file.bergeron.modes[m];
       e.model = overFrequency(
           S, [&](std::size_t k) { return B.R / (2 * B.Zc) + sOf(S, k) * MILLI * B.T / S.length; });
@@ -107,7 +107,7 @@ Functions transformation(const Survey& S) {
   return F;
 }
 
-// Largest magnitude at the points of the fit.
+// Largest magnitude at the fit points.
 double largestOf(const Survey& S, const std::vector<Matrix>& values) {
   double most = 0;
   for (std::size_t k = 0; k < values.size(); ++k) {
@@ -242,7 +242,7 @@ Json sequencesOf(double length) {
   const double f = RUNDATA.display.DISPFREQ;
   if (RUNDATA.run.fromTable()) return Json::array();
   const Restored bases(RUNDATA.display);
-  RUNDATA.display.VBASEDISP = RUNDATA.display.MVABASEDISP = 0; // ohm and siemens
+  RUNDATA.display.VBASEDISP = RUNDATA.display.MVABASEDISP = 0; // in ohm and siemens
   constantsOf(f);
   if (hasLoadFlowSection()) return sequenceRows(length);
   if (!hasCoreSequences()) return Json::array();

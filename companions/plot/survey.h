@@ -1,4 +1,4 @@
-// The line over the frequencies of a page, computed once for all of its pictures.
+// Computes the line over the frequencies of a page, once for all of its pictures.
 #pragma once
 
 #include "companions/plot/functions.h"
@@ -8,10 +8,10 @@
 namespace lcp::companions {
 
 struct Survey {
-  double length = 0;            // m
-  Frequencies at;               // the points of the fit, ten times finer, and those of the model
-  std::vector<LinePoint> line;  // one a frequency
-  std::vector<LineModes> modes; // followed, in the order of the model where it has one
+  double length = 0; // m
+  Frequencies at;    // the fit points, ten times as many between, and the frequencies of the model
+  std::vector<LinePoint> line;  // one per frequency
+  std::vector<LineModes> modes; // followed over frequency, in the order of the model if it has one
 };
 
 Survey surveyLine(const ModelFile& file, double length);
@@ -19,14 +19,15 @@ Survey surveyLine(const ModelFile& file, double length);
 // Z and Y per metre.
 Json constantsOf(const Survey& survey);
 
-// Propagation constants, surge impedances and transformation; of a Bergeron model beside its own.
+// Propagation constants, surge impedances and transformation; for a Bergeron model also its own
+// values.
 Json modesOf(const Survey& survey, const ModelFile& file);
 
-// The functions that the model file fits, beside those of the line; null for a model without fits.
+// The functions fitted in the model file, with those of the line; null for a model without fits.
 Json fitsOf(const Survey& survey, const ModelFile& file);
 
-// Sequence values of the whole line and per length, as the report has them but in ohm and siemens:
-// a list of rows; empty for a system without.
+// Sequence values of the whole line and per length, as in the report but in ohm and siemens: a list
+// of rows; empty for a system without sequences.
 Json sequencesOf(double length);
 
 } // namespace lcp::companions

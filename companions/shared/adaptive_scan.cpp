@@ -7,11 +7,11 @@ namespace lcp::companions {
 
 namespace {
 
-constexpr double NARROW = 1e-9; // ratio of two frequencies, less 1, that counts as resolved
+constexpr double NARROW = 1e-9; // smallest relative step between two frequencies
 
 double middleOf(double a, double b) { return std::sqrt(a * b); }
 
-// Whether the point in the middle of a stretch lies off the line between its ends.
+// Whether the middle point of an interval is off the straight line between its ends.
 bool bends(const ScanPoint& a, const ScanPoint& middle, const ScanPoint& b, double tolerance) {
   const double line = 0.5 * (a.value + b.value);
   return std::fabs(middle.value - line) > tolerance * middle.size;
@@ -23,7 +23,7 @@ Scan adaptiveScan(const ScanOptions& o, const std::function<ScanPoint(double f)>
   Scan scan;
   const double decades = std::log10(o.to / o.from);
   const int n = std::max(2, static_cast<int>(std::ceil(decades * o.perDecade)));
-  std::vector<ScanPoint> ahead; // ends of stretches not yet looked at, the nearest last
+  std::vector<ScanPoint> ahead; // ends of intervals not processed yet, the nearest last
   for (int k = n; k >= 0; --k) ahead.push_back(sample(o.from * std::pow(10.0, decades * k / n)));
   std::size_t taken = ahead.size();
   scan.points.push_back(ahead.back());

@@ -1,4 +1,4 @@
-// A function of frequency sampled where it bends.
+// Samples a function of frequency adaptively, with more points where it bends.
 #pragma once
 
 #include <functional>
@@ -9,27 +9,27 @@ namespace lcp::companions {
 struct ScanPoint {
   double f; // Hz
   double value;
-  double size; // what the value is measured by at this frequency
+  double size; // scale of the value at this frequency
 };
 
 struct ScanOptions {
   double from, to;         // Hz, 0 < from < to
-  int perDecade = 40;      // points of the first grid
-  double tolerance = 1e-3; // of the size: how far a straight line between points may be off
+  int perDecade = 40;      // points of the initial grid
+  double tolerance = 1e-3; // allowed deviation from straight lines, relative to the size
   std::size_t mostPoints = 50000;
 };
 
 struct Scan {
-  std::vector<ScanPoint> points; // rising
-  bool resolved = true;          // false when the points ran out before every bend was resolved
+  std::vector<ScanPoint> points; // ascending in frequency
+  bool resolved = true;          // false if the points ran out before every bend was resolved
 };
 
-// Samples on a logarithmic grid and bisects every stretch, in log f, whose middle is further from
-// the straight line between its ends than the tolerance times the size there. Values that are no
-// numbers end their stretch.
+// Samples on a logarithmic grid and bisects, in log f, every interval whose middle deviates from
+// the straight line between its ends by more than the tolerance times the size there. Intervals
+// with NaN are not refined.
 Scan adaptiveScan(const ScanOptions& options, const std::function<ScanPoint(double f)>& sample);
 
-// A stretch of a scan whose values lie below a limit.
+// An interval of a scan in which the values are below a limit.
 struct Band {
   double from, to; // Hz
   double worst;    // smallest value in it

@@ -37,7 +37,7 @@ std::string usageOf(const Program& p) {
   std::exit(0);
 }
 
-// An option of another spelling: "--lenght", or "/lenght" where no file of that name is.
+// Whether a word looks like a misspelt option: "--lenght", or "/lenght" if there is no such file.
 bool looksLikeOption(const std::string& text) {
   if (text.size() < 2) return false;
   if (text[0] == '-') return true;
@@ -76,7 +76,7 @@ Arguments parseArguments(const Program& program, std::span<char* const> argument
     } else if (looksLikeOption(std::string(text))) {
       refuse(program, fmt::format("unknown option {}", text));
     } else if (text.empty()) {
-      refuse(program, "an empty word"); // of a script's variable that is not set
+      refuse(program, "an empty word"); // e.g. an unset variable in a script
     } else {
       result.words.emplace_back(text);
     }
@@ -88,7 +88,7 @@ Arguments parseArguments(const Program& program, std::span<char* const> argument
   return result;
 }
 
-// Not by fmt::print, which throws where a device is full.
+// fmt::print would throw on a full device.
 void say(std::string_view text) { std::fwrite(text.data(), 1, text.size(), stdout); }
 
 bool saidAll() { return std::fflush(stdout) == 0 && std::ferror(stdout) == 0; }

@@ -34,11 +34,11 @@ void readDescription(const std::string& file, double length) {
   R.LINELEN = length;
   R.FNAME = file;
   chooseBaseName(R);
-  R.FILESREAD = 1; // whatever this process has left in the groups
+  R.FILESREAD = 1; // so that the reader resets the groups
   READTLDATA();
 }
 
-// The step that was read, in a child, whose end it is.
+// Solves the length step that was read and ends the process, which is a child.
 [[noreturn]] void solveInto(const std::string& model, const std::string& report) {
   RunControl& R = RUNDATA.run;
   R.FOUTM = model;
@@ -55,7 +55,7 @@ bool inCapturedRun() { return captured; }
 
 CapturedRun runCaptured(const std::function<void()>& work) {
   CapturedRun run;
-  // In memory: a pipe would have to be emptied while the child writes.
+  // Files in memory: a pipe would have to be emptied while the child writes.
   const int out = memfd_create("console", 0);
   const int errors = memfd_create("errors", 0);
   console::flush();

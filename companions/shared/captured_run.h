@@ -1,4 +1,4 @@
-// Parts of the program in a process of their own: what ends the run there ends the child alone.
+// Runs parts of the program in a child process, so that fatal errors end only the child.
 #pragma once
 
 #include <functional>
@@ -7,35 +7,34 @@
 namespace lcp::companions {
 
 struct CapturedRun {
-  int status = -1;     // exit status; 0 when the work returned, -1 when a signal ended it
+  int status = -1;     // exit status; 0 if the work returned, -1 if a signal ended it
   std::string console; // what it printed
   std::string errors;  // lines of the error stream
 };
 
-// Does the work in a forked child. Its stores, and what it writes to them, are the child's.
+// Runs `work` in a forked child. Changes to stores affect only the child.
 CapturedRun runCaptured(const std::function<void()>& work);
 
 // Whether this process is such a child.
 bool inCapturedRun();
 
-// The program up to the end of the reader, on a description file and for a length in metres. The
-// console ends with the message of a refusal, status 1.
+// Reads a description file for a length in m, in a child process. If the program refuses the file,
+// the console ends with its message and the status is 1.
 CapturedRun readInChild(const std::string& file, double length);
 
-// The reader here, in this process, its lines on the console dropped. Only for a file that the
-// child has read: what the reader refuses ends the process.
+// Reads the file in this process and discards its console output. Only for a file that readInChild
+// has accepted: a fatal error of the reader ends the process.
 void readHere(const std::string& file, double length);
 
-// The whole run for one length, in metres: model file and report under the names given. Detail
-// curve files and the component are not written.
+// Runs the program for one length, in m, in a child process, with the given names for model file
+// and report. Detail curve files and the component are not written.
 CapturedRun solveInChild(const std::string& file, double length, const std::string& model,
                          const std::string& report);
 
-// The same of what readHere has read, without enforcement and check of passivity.
+// The same for the description read by readHere, without passivity enforcement and check.
 CapturedRun solveFitInChild(const std::string& model, const std::string& report);
 
-// A part of the run store that this process changes for a while: it gets its values back at the end
-// of the block.
+// Saves a part of the run store and restores it at the end of the block.
 template <class Part> class Restored {
 public:
   explicit Restored(Part& place) : part(place), before(place) {}

@@ -57,7 +57,7 @@ Matrix scaled(Matrix A, const std::vector<Complex>& factors) {
 std::size_t lineOrder() { return static_cast<std::size_t>(RUNDATA.line.NC); }
 
 LinePoint constantsOf(double f) {
-  if (RUNDATA.run.DATAFMT == ROUTEMANUAL) { // of data entered by hand
+  if (RUNDATA.run.DATAFMT == ROUTEMANUAL) { // for data entered by hand
     MANLINE(SOLVEDATA.first.YMAT, SOLVEDATA.first.ZMAT, f, MANUALMATRICES);
   } else {
     constantsAt(f);
@@ -71,7 +71,7 @@ LineModes modesOf(const LinePoint& point) {
   const std::size_t n = point.Y.rows;
   LineModes M;
   Matrix YZ = product(point.Y, point.Z);
-  // Near 1 in size, as the library likes it.
+  // Scaled so that the largest element has magnitude 1.
   const double size = largest(YZ);
   for (Complex& e : YZ.elements) e /= size;
   M.TI = Matrix(n, n);

@@ -11,10 +11,10 @@ namespace lcp::companions {
 
 namespace {
 
-constexpr int BELOW = 5; // points of the grid below the band
+constexpr int BELOW = 5; // grid points below the band
 constexpr int FINER = 10;
 constexpr double ZERO = 1e-6; // Hz
-constexpr int OUTSIDE = 30;   // points of a decade outside the band
+constexpr int OUTSIDE = 30;   // points per decade outside the band
 
 std::vector<double> tableFrequencies() {
   std::vector<double> f;
@@ -57,7 +57,7 @@ std::vector<FrequencyRange> fitRanges() {
     ranges.push_back({"at the points of the fit", true, "",
                       ratios(F.FSTART * std::pow(step, -BELOW), F.FEND, F.NFINC + BELOW)});
   }
-  std::sort(ranges[0].f.begin(), ranges[0].f.end()); // the grid of a fit can fall
+  std::sort(ranges[0].f.begin(), ranges[0].f.end()); // the grid of a fit can be descending
   ranges.push_back({"between them", true, "", between(ranges[0].f)});
   if (RUNDATA.run.fromTable()) return ranges;
   const double low = ranges[0].f.front(), high = std::max(F.FEND, ranges[0].f.back());

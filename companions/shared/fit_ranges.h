@@ -1,4 +1,4 @@
-// Frequencies at which a fitted function and the line are compared.
+// Frequencies at which a fitted function is compared with the line.
 #pragma once
 
 #include <string>
@@ -9,20 +9,20 @@ namespace lcp::companions {
 
 struct FrequencyRange {
   std::string name;
-  bool inside;            // of the band: the quantity's own limit, and largest value, count
-  std::string_view limit; // outside it; empty where nothing is judged
+  bool inside;            // inside the band: uses the quantity's own limit and largest value
+  std::string_view limit; // limit used outside the band; empty for information only
   std::vector<double> f;  // Hz
 
   std::string_view limitOf(std::string_view own) const { return inside ? own : limit; }
 };
 
-// From a to b in so many equal ratios.
+// From a to b in `steps` equal ratios.
 std::vector<double> ratios(double a, double b, int steps);
 
-// The points of the fit that the description asks for, the same ten times finer, a decade below, a
-// decade above, and zero frequency: a microhertz, at which resistances and conductances are all
-// that is left. A line without conductances has no values there that could be met. Of a table of Y
-// and Z its rows and the points between them alone: it says nothing about what lies outside.
+// Ranges: the fit points of the description, points between them (ten times finer), a decade below,
+// a decade above, and zero frequency, which is a microhertz, where only resistances and
+// conductances remain. At zero frequency a line without conductances is not judged. For a table of
+// Y and Z only its rows and the points between them, since it says nothing about other frequencies.
 std::vector<FrequencyRange> fitRanges();
 
 } // namespace lcp::companions

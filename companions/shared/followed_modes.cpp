@@ -1,6 +1,6 @@
-// Modes are matched by their vectors: mode i of one frequency is the mode j of another whose share
-// |TI^-1 TI'|(i,j) is the largest, each taken once. A vector has unit length and is turned so that
-// its largest element is real; its surge impedance then is gamma / (TI^-1 Y TI^-T).
+// Modes are matched by their vectors: mode i at one frequency is the mode j at another with the
+// largest share |TI^-1 TI'|(i,j), each taken once. A vector has unit length and is rotated so that
+// its largest element is real; its surge impedance is then gamma / (TI^-1 Y TI^-T).
 #include "companions/shared/followed_modes.h"
 
 #include "base/constants.h"
@@ -13,10 +13,10 @@ namespace lcp::companions {
 namespace {
 
 constexpr double SAMESIZE = 1e-9; // relative; of elements that differ by less the first is taken
-constexpr double EQUAL = 1e-6;    // relative distance of squares of gamma that count as one
+constexpr double EQUAL = 1e-6;    // relative distance of gamma squared of equal modes
 
-// Where modes are equal any basis of their space will do: they take the one nearest to the
-// reference, the projections of its columns. TI^-1 and the surge impedances follow.
+// Equal modes may have any basis of their space; this selects the basis nearest to the reference,
+// the projections of its columns. TI^-1 and the surge impedances are updated.
 void takeBasis(LineModes& modes, const Matrix& reference, const LinePoint& point) {
   const std::size_t n = reference.columns;
   const auto same = [&](std::size_t i, std::size_t j) {
@@ -47,7 +47,8 @@ void takeBasis(LineModes& modes, const Matrix& reference, const LinePoint& point
   formSurgeImpedances(modes, point);
 }
 
-// This element of the vector of a mode becomes real; its surge impedance follows.
+// Rotates the vector of a mode so that its element `pivot` becomes real, and updates its surge
+// impedance.
 void turnColumn(LineModes& modes, std::size_t j, Complex pivot) {
   if (pivot == 0.0) return;
   const Complex factor = std::conj(pivot) / std::abs(pivot);
@@ -58,7 +59,7 @@ void turnColumn(LineModes& modes, std::size_t j, Complex pivot) {
   modes.Zc[j] *= factor * factor;
 }
 
-// The largest element of each vector becomes real.
+// Rotates each vector so that its largest element is real.
 void turn(LineModes& modes) {
   for (std::size_t j = 0; j < modes.TI.columns; ++j) {
     Complex pivot = 0;

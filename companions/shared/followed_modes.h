@@ -1,4 +1,4 @@
-// Modes over frequency, each in the order of the ones before.
+// Follows the modes of the line over frequency.
 #pragma once
 
 #include "companions/shared/direct_line.h"
@@ -8,25 +8,25 @@
 
 namespace lcp::companions {
 
-// Column j of the modes is that of the reference with which it shares most; in its order.
+// Reorders modes so that column j is the one with the largest share in column j of the reference.
 LineModes inOrderOf(const LineModes& modes, const Matrix& reference);
 
-// The modes at a point of the line, in order and basis of the reference.
+// Modes at a point of the line, in the order and basis of the reference.
 LineModes modesLike(const LinePoint& point, const Matrix& reference);
 
-// The transformation of a mode model at a frequency, conductor by mode: fitted, or constant.
+// Transformation of a mode model at a frequency, conductor by mode: fitted or constant.
 Matrix writtenTransformation(const ModelFile& file, double f);
 
-// Modes at points of rising frequency, each in the order of the one before, beginning at the point
-// nearest to a frequency, Hz, which takes the order of the reference.
+// Modes at points of ascending frequency, each in the order of its neighbour, starting from the
+// point nearest to frequency `from`, Hz, which takes the order of the reference.
 std::vector<LineModes> followed(const std::vector<LinePoint>& line, const Matrix& reference,
                                 double from);
 
-// The row of the largest element of each vector.
+// Row of the largest element of each vector.
 std::vector<std::size_t> largestRows(const Matrix& TI);
 
-// Each vector is turned so that its element in that row is real and positive, at all frequencies
-// the same row, as the program turns them; surge impedances follow.
+// Rotates each vector so that its element in the given row, the same at all frequencies, is real
+// and positive, as the program does, and updates the surge impedances.
 void holdRows(std::vector<LineModes>& modes, const std::vector<std::size_t>& rows);
 
 } // namespace lcp::companions

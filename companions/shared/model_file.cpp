@@ -15,8 +15,7 @@ namespace {
 constexpr std::size_t MOSTCONDUCTORS = 49;
 constexpr std::size_t MOSTPOLES = 5000;
 
-// The lines in turn. The first one that is not as it should be is remembered, and what follows it
-// reads as 0.
+// The lines of a file in order. The first error is kept; everything after it reads as 0.
 struct Lines {
   std::vector<std::string> all;
   std::size_t at = 0;
@@ -61,7 +60,7 @@ std::size_t countField(Lines& in, std::string_view line, std::size_t column, std
   return count(in, field(in, line, column, width), most);
 }
 
-// The values of a line, each in so many columns, from a column on.
+// The values of a line from a column on, each `width` columns wide.
 std::vector<double> values(Lines& in, std::string_view line, std::size_t column,
                            std::size_t width) {
   std::vector<double> found;
@@ -287,11 +286,11 @@ template <class Next> Matrix upperTriangle(std::size_t n, Next next) {
 void readMfdtd(Lines& in, ModelFile& f) {
   f.n = countField(in, in.next(), 7, 2, MOSTCONDUCTORS);
   skipFlags(in);
-  realLine(in); // largest voltage
+  realLine(in); // maximum voltage
   f.length = realLine(in);
   const auto real = [&in] { return Complex(realLine(in)); };
   for (Matrix* m : {&f.Z.D, &f.Z.E, &f.G, &f.C}) *m = upperTriangle(f.n, real);
-  // The first line has two columns for it, which a count of 100 fills with asterisks.
+  // The field is two columns wide, so a count of 100 is written as asterisks.
   const std::string_view line = in.next();
   const std::size_t N = line == "**" ? 100 : count(in, number(in, line), MOSTPOLES);
   for (std::size_t m = 0; m < N && in.good(); ++m) {
@@ -336,7 +335,7 @@ ModelFile parseModelFile(const std::string& text) {
 ModelFile readModelFile(const std::string& name) {
   std::error_code none;
   std::string text;
-  // A device may never end.
+  // Only regular files: a device may never end.
   if (std::filesystem::is_regular_file(name, none) && readWhole(name, text))
     return parseModelFile(text);
   ModelFile f;

@@ -1,4 +1,4 @@
-// Line model files, read back from their text: what the simulator will be given.
+// Reads line model files back from their text.
 #pragma once
 
 #include "companions/shared/rational.h"
@@ -10,7 +10,7 @@
 
 namespace lcp::companions {
 
-// Lumped pi circuit: half of the shunt admittance at each end as branches, the series matrix.
+// Lumped pi circuit: half of the shunt admittance as branches at each end, and the series matrix.
 struct PiFile {
   Matrix shuntC; // microfarad: element (i,j) between two conductors, (i,i) to ground
   Matrix shuntR; // ohm; 0 for no branch
@@ -20,7 +20,7 @@ struct PiFile {
 struct BergeronMode {
   double T;        // travel time, ms
   double Zc;       // surge impedance, ohm
-  double R, Rloss; // ohm/m, at the steady state frequency and at that of the losses
+  double R, Rloss; // ohm/m, at the steady-state frequency and at the loss frequency
 };
 
 struct BergeronFile {
@@ -31,12 +31,12 @@ struct BergeronFile {
 
 struct ModeFit {
   double delay = 0; // ms
-  Rational Zc, A;   // surge impedance (ohm), propagation function without its delay; 1 by 1
-  std::vector<Rational> row; // conductor m's elements of the transformation, one a mode; 1 by 1
+  Rational Zc, A;   // surge impedance (ohm) and propagation function without its delay; 1 by 1
+  std::vector<Rational> row; // row of the transformation, one element per mode; 1 by 1
 };
 
 struct ModelFile {
-  ModelKind kind = ModelKind::None; // None: no line model file
+  ModelKind kind = ModelKind::None; // None: not a line model file
   std::size_t n = 0;                // conductors
   PiFile pi;
   BergeronFile bergeron;
@@ -45,19 +45,20 @@ struct ModelFile {
   DelayedRational H;
   Rational Z;          // MFDTD model, ohm/m
   Matrix G, C;         // S/m, F/m
-  double length = 0;   // m, where the file tells it
-  std::string trouble; // empty when the file could be read to its end
+  double length = 0;   // m, if the file contains it
+  std::string trouble; // error message; empty if the whole file could be read
 };
 
-// Reads the text of a model file. Its kind shows in the first line that is no comment.
+// Parses the text of a model file. Its kind is determined from the first line that is not a
+// comment.
 ModelFile parseModelFile(const std::string& text);
 
-// The file of that name; trouble when it cannot be read.
+// Reads the file of that name; on failure `trouble` is set.
 ModelFile readModelFile(const std::string& name);
 
 std::string_view nameOf(ModelKind kind);
 
-// The fitted functions of a model: Yc or Z, H of the groups; Zc, H and row of T of each mode.
+// The fitted functions of a model: Yc or Z and the groups of H, or Zc, H and row of T of each mode.
 struct NamedFunction {
   std::string name;
   const Rational* function;

@@ -1,10 +1,10 @@
-// The two ends are alike, so the nodal admittance splits into the halves for ends driven alike and
-// against each other,
+// The two ends are alike, so the nodal admittance splits into one half for ends driven in phase and
+// one for ends driven in opposition,
 //
 //   Ya = (I + H)^-1 (I - H) Yc      Yb = (I - H)^-1 (I + H) Yc
 //
-// two matrices of order n instead of one of 2 n. The smallest eigenvalue of their Hermitian parts
-// is that of the whole.
+// two matrices of order n instead of one of order 2 n. The smallest eigenvalue of their Hermitian
+// parts is that of the whole matrix.
 #include "companions/shared/nodal_scan.h"
 
 #include "base/constants.h"
@@ -20,7 +20,7 @@ namespace lcp::companions {
 namespace {
 
 constexpr double BEYOND = 100; // two decades
-constexpr double WORK = 4e7;   // points times the cube of the order that a scan may cost
+constexpr double WORK = 4e7;   // limit of points times the cube of the order
 constexpr double LEASTPOINTS = 5000;
 
 ScanPoint nodalExtremes(const ModelFile& file, double f) {

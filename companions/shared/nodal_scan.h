@@ -1,4 +1,4 @@
-// The smallest eigenvalue of a phase model between its two ends, over frequency.
+// Scans the smallest eigenvalue of the nodal admittance of a phase model over frequency.
 #pragma once
 
 #include "companions/shared/adaptive_scan.h"
@@ -8,20 +8,21 @@
 
 namespace lcp::companions {
 
-// The halves of the nodal admittance of both ends, for ends driven alike and against each other.
+// Halves of the nodal admittance, for ends driven in phase and in opposition.
 struct NodalHalves {
   Matrix alike, against;
 };
 NodalHalves nodalHalves(const Matrix& Yc, const Matrix& H);
 
-// Smallest eigenvalue, and by magnitude the largest, of the Hermitian parts of some matrices.
+// Smallest eigenvalue of the Hermitian parts of some matrices, and the largest in magnitude as its
+// scale.
 ScanPoint extremes(double f, const std::vector<Matrix>& matrices);
 
-// Those of the nodal admittance of both ends, S, over the band of the fit and two decades beyond it
-// on both sides.
+// These for the nodal admittance of both ends, S, over the band of the fit and two decades beyond
+// it on both sides.
 Scan nodalScan(const ModelFile& file);
 
-// Where a value counts as negative: below the rounding of the largest.
+// The value below which an eigenvalue counts as negative: rounding errors of the largest one.
 double negativeBelow(const ScanPoint& p);
 
 } // namespace lcp::companions

@@ -1,4 +1,4 @@
-// Sums of partial fractions with matrices as residues, as model files hold them:
+// Sums of partial fractions with matrix residues, as contained in model files:
 //
 //   F(s) = D + s E + sum over m of R[m] / (s - p[m])
 #pragma once
@@ -11,7 +11,7 @@ namespace lcp::companions {
 
 using Complex = std::complex<double>;
 
-// A dense matrix, in column order.
+// A dense matrix in column order, with 0-based indices.
 struct Matrix {
   std::size_t rows = 0, columns = 0;
   std::vector<Complex> elements;
@@ -23,14 +23,14 @@ struct Matrix {
 };
 
 struct Rational {
-  Matrix D, E; // without rows where the function has none
+  Matrix D, E; // no rows if the function has no such term
   std::vector<Complex> poles;
-  std::vector<Matrix> residues; // one a pole
+  std::vector<Matrix> residues; // one per pole
 
   Matrix at(Complex s) const;
 };
 
-// H of a phase model: a rational function behind each delay.
+// H of a phase model: a rational function for each delay.
 struct DelayedRational {
   std::vector<double> delays; // s
   std::vector<Rational> groups;

@@ -23,18 +23,18 @@ namespace {
          fmt::format("no scratch files in {}: {}; set TMPDIR to another folder", folder, why));
 }
 
-// Not by the library's own search, which throws where there is no such folder.
+// The library's own search throws if there is no such folder.
 std::string temporaryFolder() {
   const char* name = std::getenv("TMPDIR");
   return name != nullptr && *name != '\0' ? name : "/tmp";
 }
 
-// Children of this process end without running destructors, so the folder goes with the parent.
+// Children of this process end without running destructors, so only the parent removes the folder.
 struct Folder {
   std::string path;
 
   Folder() {
-    constexpr std::size_t LONGESTNAME = 16; // of a file in it
+    constexpr std::size_t LONGESTNAME = 16; // of a file in the folder
     const std::string parent = temporaryFolder();
     path = parent + "/corvo-XXXXXX";
     if (path.size() + LONGESTNAME > static_cast<std::size_t>(FILENAMELEN))
@@ -54,14 +54,14 @@ const Folder& scratchFolder() {
   return folder;
 }
 
-// Whether the run could not open or write a file of the folder; of trouble with what is in it the
-// messages are others.
+// Whether the run could not open or write a file in the folder. Errors about the contents of a file
+// have other messages.
 bool lacksRoom(const std::string& console) {
   for (const std::string& line : linesOf(console)) {
     const bool output =
         line.starts_with(headOf(FILENOTWRITTEN)) || line.starts_with(headOf(CANNOTOPEN));
     if (output && line.find(scratchFolder().path) != std::string::npos) return true;
-    if (line == MANUALNOTOPENED) return true; // of data entered by hand
+    if (line == MANUALNOTOPENED) return true; // for data entered by hand
   }
   return false;
 }

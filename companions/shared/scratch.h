@@ -1,4 +1,4 @@
-// A folder for files that are gone when the program ends.
+// A temporary folder that is removed when the program ends.
 #pragma once
 
 #include "companions/shared/captured_run.h"
@@ -8,15 +8,15 @@
 
 namespace lcp::companions {
 
-// The path of a file in the scratch folder of this process, which is made at the first call. Where
-// none can be made the program ends with a message.
+// Path of a file in the scratch folder of this process, which is created at the first call. If that
+// fails, the program ends with a message.
 std::string scratchFile(std::string_view name);
 
-// The whole run for one length, in metres, its model file and report in the scratch folder as
+// Runs the program for one length, in m, with model file and report in the scratch folder, named
 // "model" and "report".
 CapturedRun solveInScratch(const std::string& description, double length);
 
-// A run that found no room for its files in the scratch folder ends the program with a message.
+// Ends the program with a message if a run had no room for its files in the scratch folder.
 void refuseFullScratch(const CapturedRun& run);
 
 } // namespace lcp::companions

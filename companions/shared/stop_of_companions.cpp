@@ -1,5 +1,6 @@
-// The one way out of the process, in the place of the program's own: what the library cannot go on
-// with is, for a companion, something that it cannot tell.
+// Ends the process of a companion, replacing the program's own stop.
+//
+// A fatal error in the library means that the companion cannot give an answer.
 #include "base/console.h"
 #include "base/open_files.h"
 #include "base/stop.h"

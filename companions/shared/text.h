@@ -1,4 +1,4 @@
-// Texts taken apart and put together.
+// Splits and joins texts.
 #pragma once
 
 #include <string>
@@ -7,13 +7,13 @@
 
 namespace lcp::companions {
 
-// Fields of a line parted by that character; an empty line has one empty field.
+// Fields of a line separated by a character; an empty line has one empty field.
 std::vector<std::string> fieldsOf(std::string_view line, char between);
-// The way back.
+// Joins fields, the inverse of fieldsOf.
 std::string joined(const std::vector<std::string>& fields, std::string_view between);
-// Lines without their ends, also those of CR LF.
+// Lines without their line ends, LF or CR LF.
 std::vector<std::string> linesOf(std::string_view text);
-// Items parted by blanks.
+// Items separated by blanks.
 std::vector<std::string> wordsOf(std::string_view text);
 
 } // namespace lcp::companions

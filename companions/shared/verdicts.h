@@ -1,4 +1,4 @@
-// What corvo-verify says: one line a quantity, with its worst place and a verdict.
+// Findings of corvo-verify: one line per quantity, with its worst case and a verdict.
 #pragma once
 
 #include <cstddef>
@@ -11,14 +11,14 @@
 namespace lcp::companions {
 
 enum class Verdict { GOOD, DOUBTFUL, BAD, TOLD }; // TOLD: information without a limit
-std::string_view wordOf(Verdict verdict);         // "good", "DOUBTFUL", "BAD"; empty for the last
+std::string_view wordOf(Verdict verdict);         // "good", "DOUBTFUL", "BAD"; empty for TOLD
 
-// A limit by name: above the first number a value is doubtful, above the second bad.
+// A named limit: a value above `doubtful` is doubtful, above `bad` bad.
 struct Limit {
   std::string_view name;
   double doubtful, bad;
   std::string_view unit;
-  std::string_view what; // for the help and the documents
+  std::string_view what; // for the help text and the documents
 };
 
 struct Finding {
@@ -27,31 +27,32 @@ struct Finding {
 
   std::string subject; // "Yc", "H", "passivity" ...
   std::string where;   // range, element, mode
-  double value = 0;    // in the unit
+  double value = 0;    // in `unit`
   std::string_view unit;
-  double rms = std::numeric_limits<double>::quiet_NaN(); // of the same unit, where there is one
-  double frequency = std::numeric_limits<double>::quiet_NaN(); // Hz, of the worst case
+  double rms = std::numeric_limits<double>::quiet_NaN(); // root mean square in the same unit, if
+                                                         // there is one
+  double frequency = std::numeric_limits<double>::quiet_NaN(); // frequency of the worst case, Hz
   Verdict verdict = Verdict::TOLD;
-  std::string words; // in plain words, where a number does not say it
+  std::string words; // explanation, if the number is not enough
 };
 
-// Deviations over some frequencies: the worst with its place, and the root of the mean square.
+// Deviations over several frequencies: the worst one with its position, and the root mean square.
 struct Deviation {
   double worst = 0, frequency = std::numeric_limits<double>::quiet_NaN(), squares = 0;
   std::size_t row = 0, column = 0, count = 0;
 
-  // A deviation as a fraction, at f in Hz, of an element where there are several. NaN stays worst.
+  // Adds a deviation, as a fraction, at frequency f in Hz, for element (i, j). NaN stays the worst.
   void take(double e, double f, std::size_t i = 0, std::size_t j = 0);
-  // In per cent.
+  // The finding in percent.
   Finding finding(std::string subject, std::string where, Verdict verdict = Verdict::TOLD) const;
 };
 
-// The limits as the user left or set them: "name=doubtful:bad" parted by commas.
+// The limits with the changes of the user, given as "name=doubtful:bad" separated by commas.
 class Limits {
 public:
-  // False for a name that does not exist and for numbers that are none.
+  // Returns false for an unknown name or an invalid number.
   bool set(std::string_view text);
-  // TOLD for an empty name.
+  // Returns TOLD for an empty name.
   Verdict judge(std::string_view name, double value) const;
 
 private:
@@ -59,15 +60,15 @@ private:
   const Limit& find(std::string_view name) const;
 };
 
-// All limits with their defaults.
+// All limits with default values.
 const std::vector<Limit>& defaultLimits();
 
-// The lines for a person, and the same as one JSON document.
+// The findings as lines of text, and as a JSON document.
 std::string asText(const std::vector<Finding>& findings);
 std::string asJson(const std::vector<Finding>& findings, std::string_view model, std::size_t n,
                    double length);
 
-// 1 when a finding is bad, else 0.
+// 1 if a finding is bad, else 0.
 int exitStatus(const std::vector<Finding>& findings);
 
 } // namespace lcp::companions

@@ -18,7 +18,7 @@ bool writeTo(const char* name, std::string_view text, bool synced) {
   const int descriptor = open(name, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
   if (descriptor < 0) return false;
   const bool good = writeAll(descriptor, text) && (!synced || fsync(descriptor) == 0);
-  return close(descriptor) == 0 && good; // network file systems tell a full device here only
+  return close(descriptor) == 0 && good; // network file systems report a full device only here
 }
 
 } // namespace

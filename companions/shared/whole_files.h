@@ -1,4 +1,4 @@
-// Files that are read and written as a whole.
+// Reads and writes whole files.
 #pragma once
 
 #include <filesystem>
@@ -7,16 +7,16 @@
 
 namespace lcp::companions {
 
-// False when the file cannot be read; text then holds what could be.
+// Returns false if the file cannot be read; text then holds what could be read.
 bool readWhole(const std::filesystem::path& file, std::string& text);
-bool readWhole(int descriptor, std::string& text); // from where it stands
+bool readWhole(int descriptor, std::string& text); // from its current position
 
-// Under another name first, on the device if it is to be synced, then under its own: the file is
-// whole or as it was before. What is no regular file takes the text itself. False when that fails;
-// errno tells why.
+// Writes a temporary file first, syncs it to the device if requested, and renames it, so that the
+// file is either complete or as it was before. A target that is not a regular file is written
+// directly. Returns false on failure, with errno set.
 bool writeWhole(const std::filesystem::path& file, std::string_view text, bool synced = true);
 
-// "cannot write NAME: " and what errno says.
+// "cannot write NAME: " and the text of errno.
 std::string cannotWrite(const std::filesystem::path& file);
 
 } // namespace lcp::companions

@@ -1,5 +1,5 @@
-// A cable system keeps the columns of order (role, circuit, transposition) behind the conductors of
-// its cables, and those of geometry in their old place.
+// In a cable system, role, circuit and transposition of overhead conductors are stored after the
+// entries of the cables' conductors; the geometry columns keep their places.
 #include "companions/shared/wires.h"
 
 #include "base/constants.h"

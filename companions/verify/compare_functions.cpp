@@ -12,7 +12,7 @@ namespace lcp::companions {
 
 namespace {
 
-// The elements of two matrices at a frequency, as fractions of a reference.
+// Adds the deviations of all matrix elements at a frequency, as fractions of a reference.
 void take(Deviation& d, const Matrix& model, const Matrix& line, double reference, double f) {
   for (std::size_t j = 0; j < line.columns; ++j) {
     for (std::size_t i = 0; i < line.rows; ++i)

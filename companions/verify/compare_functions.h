@@ -1,5 +1,4 @@
-// The functions of a fitted model against those of the line: at the points of the fit, between
-// them, and outside the band.
+// Compares the functions of a fitted model with those of the line.
 #pragma once
 
 #include "companions/shared/model_file.h"
@@ -9,10 +8,11 @@
 
 namespace lcp::companions {
 
-// Phase model: Yc (of its largest magnitude at the points of the fit) and H (of 1).
+// Phase model: Yc, relative to its largest magnitude at the fit points, and H, absolute; at the
+// points of the fit, between them, and outside the band.
 std::vector<Finding> comparePhase(const ModelFile& file, double length, const Limits& limits);
 
-// MFDTD model: Z, of its largest magnitude at the points of the fit.
+// MFDTD model: Z, relative to its largest magnitude at the fit points.
 std::vector<Finding> compareSeries(const ModelFile& file, const Limits& limits);
 
 } // namespace lcp::companions

@@ -1,6 +1,7 @@
-// Modes are matched by their vectors: mode i of one frequency is the mode j of another whose share
-// |TI^-1 TI'|(i,j) is the largest, each taken once. A vector has unit length and is turned so that
-// its largest element is real; its surge impedance then is gamma / (TI^-1 Y TI^-T).
+// Model and line are compared mode by mode: the modes of the line are computed directly and put
+// into the order of the transformation in the model file. Travel times, surge impedances and
+// resistances are compared relatively, propagation functions absolutely, vectors after a common
+// rotation.
 #include "companions/verify/compare_modes.h"
 
 #include "base/constants.h"
@@ -20,12 +21,12 @@ namespace lcp::companions {
 namespace {
 
 constexpr double MICRO = 1e-6;
-constexpr double ROUNDING = 1e-18; // of squares of unit vectors in a file of 15 digits
-constexpr double CLOSER = 1e-6;    // relative; distances that differ by less are one
+constexpr double ROUNDING = 1e-18; // of squares of unit vectors in a file with 15 digits
+constexpr double CLOSER = 1e-6;    // relative; distances closer than this are equal
 
-constexpr double SMALLTURN = 0.05; // of the largest element: too small to turn a vector by
-constexpr double MERGED = 1e-9; // of one, by which the cosine's square of two vectors falls short
-constexpr int AROUND = 10;      // points of a decade about the steady state frequency
+constexpr double SMALLTURN = 0.05; // of the largest element: too small to rotate a vector by
+constexpr double MERGED = 1e-9;    // 1 minus the squared cosine of two vectors that count as one
+constexpr int AROUND = 10;         // points per decade around the steady-state frequency
 
 Finding percent(std::string subject, std::string where, double e, double f, const Limits& limits) {
   Deviation d;
@@ -39,8 +40,8 @@ double offBy(const Matrix& model, const Matrix& line) {
   return largest(combined(model, -1, line)) / largest(line);
 }
 
-// A column of a transformation against the mode's vector, of unit length both; a vector may be
-// turned in the complex plane as a whole.
+// Compares a column of a transformation with the vector of the mode, both scaled to unit length; a
+// vector may be rotated as a whole in the complex plane.
 void takeVector(Deviation& d, const Matrix& T, const Matrix& line, std::size_t m, double f) {
   double length = 0;
   Complex turned = 0;
@@ -52,7 +53,7 @@ void takeVector(Deviation& d, const Matrix& T, const Matrix& line, std::size_t m
   for (std::size_t i = 0; i < T.rows; ++i) d.take(std::abs(factor * T(i, m) - line(i, m)), f, i, m);
 }
 
-// Pairs of vectors of a written transformation that are one: two modes on one solution.
+// Counts the pairs of identical vectors in a written transformation: two modes on one solution.
 Finding onOneSolution(const Matrix& T) {
   Finding f{"modes", "pairs that are on one solution"};
   for (std::size_t a = 0; a < T.columns; ++a) {
@@ -71,8 +72,9 @@ Finding onOneSolution(const Matrix& T) {
   return f;
 }
 
-// A vector in the file is the real part of one that was turned so that one of its elements became
-// real. Which one shows in the numbers; a small one turns the others at random.
+// A vector in the file is the real part of one that was rotated so that one of its elements is
+// real. Finds that element by comparison; rotating by a small one turns the other elements at
+// random.
 Finding turnOf(const ModelFile& file, const LineModes& at, std::size_t m) {
   const std::size_t n = file.n;
   double most = 0, best = std::numeric_limits<double>::infinity();
@@ -86,7 +88,7 @@ Finding turnOf(const ModelFile& file, const LineModes& at, std::size_t m) {
       alike += (e - w) * (e - w);
       against += (e + w) * (e + w);
     }
-    // Elements that turn to the same numbers are told apart by their size.
+    // Elements that rotate to the same numbers are distinguished by size.
     const double distance = std::min(alike, against);
     const bool larger = std::abs(at.TI(r, m)) > std::abs(at.TI(by, m));
     if (distance < best * (1 - CLOSER) - ROUNDING || (larger && distance < best + ROUNDING)) {
@@ -103,8 +105,8 @@ Finding turnOf(const ModelFile& file, const LineModes& at, std::size_t m) {
   return f;
 }
 
-// Models of one frequency are told about, not judged, a decade to both sides, where the line can be
-// computed there.
+// Models of a single frequency are also compared a decade below and above it, without a verdict, if
+// the line can be computed there.
 std::vector<std::pair<std::string, double>> aroundSteadyState(double f) {
   if (RUNDATA.run.DATAFMT != ROUTECONSTANTS) return {};
   return {{"a decade below", f / 10}, {"a decade above", 10 * f}};
@@ -146,7 +148,7 @@ std::vector<Finding> compareModeFits(const ModelFile& file, double length, const
     std::vector<LineModes> line = followed(points, written, RUNDATA.fit.FCT);
     const bool falls = RUNDATA.fit.FEND < RUNDATA.fit.FSTART;
     if (rows.empty())
-      rows = largestRows((falls ? line.back() : line[0]).TI); // where the grid begins
+      rows = largestRows((falls ? line.back() : line[0]).TI); // where the grid starts
     holdRows(line, rows);
     std::vector<Deviation> ofZc(file.n), ofA(file.n), ofT(file.n);
     for (std::size_t k = 0; k < range.f.size(); ++k) {

@@ -1,4 +1,4 @@
-// The entry of corvo-verify.
+// Entry point of corvo-verify.
 #include "companions/verify/verify.h"
 
 int main(int count, char** values) {

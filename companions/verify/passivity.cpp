@@ -13,10 +13,10 @@ namespace lcp::companions {
 
 namespace {
 
-constexpr double NOISE = 1e-12; // of the size: what rounding leaves
+constexpr double NOISE = 1e-12; // relative to the size: left by rounding
 constexpr std::size_t SHOWNBANDS = 10;
 
-// By how much of the largest eigenvalue the smallest is negative; 0 where there is nothing at all.
+// The smallest eigenvalue, if negative, relative to the largest; 0 if both are zero.
 double negativeShare(const ScanPoint& p) { return p.size == 0 ? 0 : -p.value / p.size; }
 
 std::string bandWords(const Band& b) {
@@ -41,7 +41,7 @@ void addBands(std::vector<Finding>& found, const std::vector<Band>& bands, const
 
 Finding worstOf(const Scan& scan, std::string_view subject, std::string_view where,
                 std::string_view unit, const Limits& limits) {
-  // Negative values by what they mean at their frequency, not by their size alone.
+  // Negative values are ordered by their share at their frequency, not by absolute size.
   const auto less = [](const ScanPoint& a, const ScanPoint& b) {
     if (a.value >= 0 || b.value >= 0) return a.value < b.value;
     return negativeShare(a) > negativeShare(b);
@@ -72,7 +72,7 @@ std::vector<Finding> phasePassivity(const ModelFile& file, const Limits& limits)
 
 namespace {
 
-// A conductance of nothing beside a capacitance is 0, whatever its rounding.
+// A conductance that is only rounding beside the capacitance counts as 0.
 ScanPoint realExtremes(double f, const Matrix& A) {
   ScanPoint p = extremes(f, {A});
   if (p.value < 0 && -p.value <= NOISE * largest(A)) p.value = 0;

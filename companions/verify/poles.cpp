@@ -12,11 +12,11 @@ namespace lcp::companions {
 
 namespace {
 
-constexpr double SAME = 1e-9; // relative difference of numbers that stand for one
+constexpr double SAME = 1e-9; // relative difference of numbers that count as equal
 
 bool conjugate(Complex a, Complex b) { return std::abs(a - std::conj(b)) <= SAME * std::abs(a); }
 
-// Residues of a pair whose elements are not conjugate; those of a real pole that are not real.
+// Number of residue elements of a pair that are not conjugate, or of a real pole that are not real.
 std::size_t brokenResidues(const Matrix& a, const Matrix& b) {
   const double size = std::max(largest(a), largest(b));
   std::size_t broken = 0;
@@ -60,7 +60,7 @@ Finding counted(std::string_view what, std::size_t n) {
   return f;
 }
 
-// A tenth of the shortest way along the line.
+// Longest simulation step: a tenth of the shortest delay of the line.
 Finding longestStep(double delay) {
   constexpr double STEPSOFADELAY = 10;
   Finding step{"step", "of the simulation, at most"};
@@ -69,7 +69,8 @@ Finding longestStep(double delay) {
   return step;
 }
 
-// A Bergeron file has travel times; a MFDTD file leaves them to light, which is never slower.
+// A Bergeron file has travel times; for an MFDTD file the speed of light gives the shortest
+// possible.
 std::vector<Finding> stepWithoutDelays(const ModelFile& file, double length) {
   if (file.kind == ModelKind::Pi) return {};
   double shortest = length / LIGHTSPEED;
@@ -88,7 +89,7 @@ std::vector<Finding> checkPoles(const ModelFile& file, const Limits& limits) {
   for (const NamedFunction& f : functions) count(f, c);
   Finding ratio{"poles", fmt::format("largest residue over pole, {}", c.ratioWhere)};
   ratio.value = c.ratio;
-  // Those of H are of the size of 1; others have the units of their functions.
+  // Residues of H are of order 1; those of other functions have units.
   ratio.verdict = file.kind == ModelKind::Phase ? limits.judge("ratio", c.ratio) : Verdict::TOLD;
   return {counted("with a positive real part", c.unstable),
           counted("without their conjugate", c.unpaired),
@@ -104,7 +105,8 @@ std::vector<Finding> checkDelays(const ModelFile& file, double length, const Lim
   std::vector<Finding> found;
   std::sort(delays.begin(), delays.end());
   for (std::size_t g = 0; g < delays.size(); ++g) {
-    // A group stands for the modes around it: it must not be slower than the slowest of them.
+    // A delay is compared with the nearest travel time and must not exceed it: a fitted function
+    // cannot advance a wave.
     const double nearest = nearestTo(delays[g], travel);
     const double late = 100 * (delays[g] / nearest - 1);
     Finding f{"delay", fmt::format("{} of {}, behind the travel time", g + 1, delays.size())};

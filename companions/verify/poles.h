@@ -1,4 +1,4 @@
-// Poles, residues and delays of a model file.
+// Checks poles, residues and delays of a model file.
 #pragma once
 
 #include "companions/shared/model_file.h"
@@ -8,11 +8,12 @@
 
 namespace lcp::companions {
 
-// Unstable and unpaired poles, residues that are not conjugate, the largest residue over its pole.
+// Counts unstable and unpaired poles and residues that are not conjugate, and finds the largest
+// ratio of residue to pole.
 std::vector<Finding> checkPoles(const ModelFile& file, const Limits& limits);
 
-// Delays of a phase or mode model against the travel times of the modes at the top of the band, and
-// against light.
+// Compares the delays of a phase or mode model with the travel times of the modes at the top of the
+// band and with the speed of light.
 std::vector<Finding> checkDelays(const ModelFile& file, double length, const Limits& limits);
 
 } // namespace lcp::companions

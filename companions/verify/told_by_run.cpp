@@ -13,7 +13,7 @@ namespace lcp::companions {
 
 namespace {
 
-constexpr double PRINTEDDIGIT = 1e-3; // %: differences below it are those of the digits printed
+constexpr double PRINTEDDIGIT = 1e-3; // %: smaller differences come from the digits printed
 
 Finding stepsGivenUp(std::string_view console) {
   Finding f{"modes", "steps given up in the search"};

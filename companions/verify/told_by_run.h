@@ -1,4 +1,4 @@
-// What the run that made the model said on its console, against what the file holds.
+// Compares the console of the run that made the model with the model file.
 #pragma once
 
 #include "companions/shared/verdicts.h"
@@ -8,8 +8,9 @@
 
 namespace lcp::companions {
 
-// Steps of the mode tracking that the search gave up; of a phase model the errors of Yc and H that
-// were printed last, against those of the file at the points of the fit, among the findings.
+// Counts the steps of the mode tracking that were given up. For a phase model, compares the last
+// printed errors of Yc and H with those of the file at the fit points, which are among the
+// findings.
 std::vector<Finding> compareConsole(const std::string& console, const std::vector<Finding>& found,
                                     const Limits& limits);
 

@@ -28,7 +28,7 @@ constexpr OptionRow OPTIONS[] = {{"/length", "METRES", "length of the line"},
                                  {"/increment", "METRES", "from one length to the next"},
                                  {"--limits", "NAME=A:B,...", "doubtful above A, bad above B"},
                                  {"--json", "", "the same as one JSON document"}};
-constexpr int MOSTSTEPS = 999; // as the program takes
+constexpr int MOSTSTEPS = 999; // the limit of the program
 constexpr Program VERIFY = {"corvo-verify",
                             "Compares the model in a model file with the line computed directly.",
                             "DESCRIPTION [MODEL]",
@@ -40,8 +40,8 @@ void add(std::vector<Finding>& all, const std::vector<Finding>& more) {
   all.insert(all.end(), more.begin(), more.end());
 }
 
-// The model file: the one that is given, or one that the program makes in a scratch folder, whose
-// console then tells more.
+// Reads the given model file, or makes one in the scratch folder, in which case the console of the
+// run is returned too.
 ModelFile modelOf(const std::string& description, const std::string& given, double length,
                   std::string& console) {
   if (!given.empty()) {
@@ -57,14 +57,14 @@ ModelFile modelOf(const std::string& description, const std::string& given, doub
   giveUp(VERIFY.name, "the program makes no model of this description");
 }
 
-// A file of another kind or with another number of conductors belongs to another description: there
-// is nothing to compare.
+// Refuses a model file of another kind or with another number of conductors: it belongs to another
+// description.
 void refuseStranger(const ModelFile& file) {
   const ModelKind wanted = RUNDATA.model.MODEL;
   if (file.kind != wanted)
     giveUp(VERIFY.name, fmt::format("the model file is {}, the description asks for {}",
                                     nameOf(file.kind), nameOf(wanted)));
-  // A cable system has its order behind its eliminations.
+  // The order of a cable system is known only after its eliminations.
   const double f = RUNDATA.model.fitted() ? fitRanges()[0].f.back() : RUNDATA.line.SSFREQ;
   const std::size_t order = constantsOf(f).Y.rows;
   if (file.n != order)
@@ -72,7 +72,7 @@ void refuseStranger(const ModelFile& file) {
            fmt::format("the model file has {} conductors, the line has {}", file.n, order));
 }
 
-// The length that the file tells, rounded to its digits there.
+// Compares the length in the model file, which is rounded to a few digits.
 std::vector<Finding> compareLength(const ModelFile& file, double length) {
   constexpr double DIGITS = 1e-4;
   const double off = std::fabs(file.length / length - 1);
@@ -104,7 +104,7 @@ std::vector<Finding> verified(const ModelFile& file, double length, const Limits
 
 namespace {
 
-// The model file of a length step, as the program names it: case_002.cvo.
+// Name of the model file of length step k, as the program names it: case_002.cvo.
 std::string nameOfStep(const std::string& model, int k, int steps) {
   if (steps == 1) return model;
   const std::filesystem::path path = model;
@@ -120,7 +120,7 @@ int stepsAsked(const Arguments& given) {
 }
 
 struct StepResult {
-  std::string text; // lines, or the document
+  std::string text; // lines of text, or the JSON document
   int status;
 };
 

@@ -1,4 +1,4 @@
-// corvo-verify: the line computed directly against the model as its file has it.
+// corvo-verify: compares the model in a model file with the line computed directly.
 #pragma once
 
 #include "companions/shared/model_file.h"
@@ -9,11 +9,10 @@
 
 namespace lcp::companions {
 
-// Everything that there is to say of a model file, for the length in metres, over the run that
-// readHere has read.
+// All findings on a model file for a length in m, using the description read by readHere.
 std::vector<Finding> verified(const ModelFile& file, double length, const Limits& limits);
 
-// Exit status: 0 all good, 1 something bad, 2 it cannot be told.
+// Entry point. Exit status: 0 all good, 1 something is bad, 2 no result.
 int verifyModel(std::span<char* const> arguments);
 
 } // namespace lcp::companions
