@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Builds the program when it is not up to date and runs it.
+# Builds the program if it is not up to date and runs it.
 #   ./run.sh                                  runs the example, a 500 kV line of 100 km
 #   ./run.sh /file case.cvi /length 100000    runs the program with these arguments, here
 # The exit status is that of the program.
@@ -15,7 +15,7 @@ if ! cmake -S "$top" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release \
   cat "$build/configure.log" >&2
   exit 1
 fi
-# Nothing is said when nothing is to be built.
+# Prints nothing if there is nothing to build.
 ninja -C "$build" corvo |
   { grep -vE '^ninja: Entering|^\[0/|^ninja: no work' || true; } >&2
 

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Builds the program and runs all tests, as released and under the sanitizers; checks the format.
+# Builds the program and runs all tests, in release and sanitizer builds; checks the format.
 set -euo pipefail
 
 cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")"

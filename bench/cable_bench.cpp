@@ -12,7 +12,7 @@ namespace {
 
 constexpr int STEPS = 107;
 
-// n single-core cables with sheath and jacket, the last one with its core alone.
+// n single-core cables with sheath and jacket; the last one has only its core.
 void setCables(int n) {
   RUNDATA = {};
   RUNDATA.run.ISCABLE = CABLESYSTEM;

@@ -1,8 +1,8 @@
 // Earth return of cable systems over the usual grid: 107 steps from 0.1 Hz to 1 MHz.
 //
-// Six cables, in two groups of three, or unevenly spaced so that no two pairs are alike; fourteen
-// conductors of two towers, each of six phases and a ground wire, no two heights alike but within a
-// tower. Denormals are flushed to zero as in a run of the program.
+// Six cables, in two groups of three or unevenly spaced so that no two pairs are equal; fourteen
+// conductors of two towers, each with six phases and a ground wire at different heights. Denormals
+// are flushed to zero as in the program.
 #include "cable/cable_earth.h"
 #include "cable/earth_integrals.h"
 #include "cable/numbering.h"

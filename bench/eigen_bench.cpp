@@ -1,5 +1,5 @@
-// Cost of the modal kernels: products, inversion, the solutions of a Newton step, decomposition,
-// and the tracking of all modes over a grid.
+// Cost of the modal kernels: products, inversion, Newton steps, decomposition, and tracking over a
+// grid.
 #include "../tests/support/line_matrices.h"
 #include "kernels/bordered_system.h"
 #include "kernels/eigen_package.h"
@@ -22,7 +22,7 @@ struct Walk {
   double s = 0.0;
 };
 
-// The decomposition of A.
+// Decomposition of A.
 void start(Walk& W, int n) {
   static LineMatrix copy;
   copy = W.A;
@@ -32,7 +32,7 @@ void start(Walk& W, int n) {
   PIVNORM(W.TI, W.TIINV, W.PIVOT, n);
 }
 
-// The modes of the next A from those of the last one.
+// Modes of the next A from those of the last one.
 bool step(Walk& W, int n) {
   static LineMatrix copy, XGUESS;
   ModeComplex LGUESS;
@@ -81,7 +81,8 @@ void Elimination(benchmark::State& state) {
 }
 BENCHMARK(Elimination)->Arg(4)->Arg(13)->Arg(49);
 
-// One Newton step of as many modes as there are lanes, and what is done once a frequency.
+// One Newton step for as many modes as there are lanes, and the preparation done once per
+// frequency.
 void BorderedStep(benchmark::State& state) {
   static LineMatrix A;
   static BorderedMatrix M;
@@ -126,7 +127,7 @@ void Decomposition(benchmark::State& state) {
 }
 BENCHMARK(Decomposition)->Arg(3)->Arg(12)->Arg(48)->Unit(benchmark::kMillisecond);
 
-// All steps of a grid, with the inversion of the vectors that accepting a step needs.
+// All steps of a grid, including the inversion of the vectors for accepting a step.
 void Tracking(benchmark::State& state) {
   static Walk W;
   static LineMatrix A[STEPS];

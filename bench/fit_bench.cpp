@@ -1,5 +1,5 @@
-// Cost of a vector fitting pass on a curve like those of a line: surge impedance of an earth mode,
-// 0.5 Hz to 1 MHz.
+// Cost of a vector fitting pass on a typical curve: surge impedance of a ground mode, 0.5 Hz to 1
+// MHz.
 #include "base/constants.h"
 #include "fit/vector_fit.h"
 
@@ -27,7 +27,7 @@ FitSamples surgeImpedance(int NS) {
   return {NS, 1, WFREQ, &F, WFIT, FLIPUNSTABLE, WITHCONSTANT};
 }
 
-// Each pass starts from the same poles: those of the third pass, as the fits call it last.
+// Every pass starts from the same poles: those of the third pass, the last one in a fit.
 PoleTable settledPoles(const FitSamples& Q, int N) {
   PoleTable P;
   startingPoles(P, N, Q.WFREQ[1], Q.WFREQ[Q.NS]);

@@ -1,5 +1,6 @@
-// Cost of the long-line correction: again of the line of the last call, as model, report and length
-// steps ask for it, and of another line each time.
+// Cost of the long-line correction, for the line of the previous call and for a new line each time.
+//
+// Model, report and length steps repeat it for the same line.
 #include "../tests/support/line_matrices.h"
 #include "modal/long_line.h"
 

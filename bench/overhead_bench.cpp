@@ -1,7 +1,7 @@
 // Overhead line constants over the usual grid: 107 steps from 0.25 Hz to 1 MHz.
 //
-// The arguments are the numbers of conductors; what stands behind the name of a case is the time of
-// the whole loop. Denormals are flushed to zero as in a run of the program.
+// The arguments are the numbers of conductors; the time printed is that of the whole loop.
+// Denormals are flushed to zero as in the program.
 #include "overhead/carson_integral.h"
 #include "overhead/earth_return.h"
 #include "overhead/overhead_zy.h"
@@ -18,8 +18,8 @@ namespace {
 
 constexpr int STEPS = 107;
 
-// A right-of-way of stranded, solid and tubular conductors in three layers, bundled by fours when
-// told so: the first quarter of the entries are main conductors then.
+// A right-of-way of stranded, solid and tubular conductors in three layers. If bundled by fours,
+// the first quarter of the entries are main conductors.
 void setLine(int n, bool bundled) {
   RUNDATA = {};
   ConductorTable& C = RUNDATA.cond;

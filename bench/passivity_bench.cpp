@@ -1,5 +1,7 @@
-// One main iteration of the passivity enforcement on a made-up model: 106 fit frequencies, a grid
-// of 1000 points. The arguments are the number of conductors and the poles of the two groups.
+// One main iteration of the passivity enforcement on an artificial model.
+//
+// 106 fit frequencies, a grid of 1000 points. The arguments are the number of conductors and the
+// poles of the two groups.
 #include "../tests/passivity/made_up_model.h"
 #include "../tests/support/console_capture.h"
 #include "passivity/enforcement.h"

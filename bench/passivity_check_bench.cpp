@@ -1,4 +1,5 @@
-// The passivity check of 100 points on a made-up model; the argument is the number of conductors.
+// The passivity check at 100 points of an artificial model; the argument is the number of
+// conductors.
 #include "../tests/passivity/made_up_model.h"
 #include "../tests/support/console_capture.h"
 #include "passivity/passivity_check.h"

@@ -1,7 +1,7 @@
 // Fit of the propagation function over the usual grid: 106 steps from 0.25 Hz to 1 MHz.
 //
 // The arguments are the number of conductors and the length in km. Denormals are flushed to zero as
-// in a run of the program.
+// in the program.
 #include "../tests/support/console_capture.h"
 #include "fit/phase_residues.h"
 #include "fit/propagation_fit.h"
@@ -20,7 +20,7 @@ using lcp::test::consoleOf;
 
 namespace {
 
-// Untransposed phases over each other at the sides of towers 40 m apart.
+// Untransposed phases above each other on the sides of towers 40 m apart.
 void setLine(int n) {
   ConductorTable& C = RUNDATA.cond;
   C.NCOND = n;
@@ -75,7 +75,7 @@ BENCHMARK(propagation)
     ->Args({20, 100})
     ->Unit(benchmark::kMillisecond);
 
-// The residues alone, over the poles of a finished fit.
+// Only the residues, over the poles of a finished fit.
 void residues(benchmark::State& state) {
   flushDenormals();
   const FitOptions& F = RUNDATA.fit;

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds the program as it is released and measures it: start, whole runs by kind and size, beside
-# floors of the same minute. Prints tables in markdown; docs/performance.md tells what they mean.
+# Builds the release program and measures it: start and whole runs by kind and size, beside floors
+# measured at the same time. Prints tables in markdown; docs/performance.md explains them.
 # usage: run.sh [--repeats N] [--only PATTERN]
 set -euo pipefail
 

@@ -1,5 +1,5 @@
-# Completion of corvo and its companions in bash. The options of a companion are those that its
-# --help tells: two blanks, the option, the name of its value in capitals.
+# Completion of corvo and its companions in bash. The options of a companion are taken from its
+# --help: two blanks, the option, the name of its value in capitals.
 
 _corvo_files() { # EXTENSIONS, as cvi|cbi; none for any file
   local wanted=${1:-} name
@@ -39,7 +39,7 @@ _corvo() {
   esac
 }
 
-# The programs are those under whose names this file is installed.
+# Registers the programs under whose names this file is installed.
 complete -F _corvo corvo
 for _corvo_name in "${BASH_SOURCE[0]%/*}"/corvo-*; do
   complete -F _corvo "${_corvo_name##*/}"

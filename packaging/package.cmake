@@ -16,7 +16,7 @@ Bergeron, frequency dependent in modes or in phases, or MFDTD.
 Programs beside it check a description, compare a model with the line, show
 both as a page of pictures, and run many lines on all cores or machines.")
 set(CPACK_STRIP_FILES ON)
-set(CPACK_PACKAGING_INSTALL_PREFIX /usr) # the module is found from /usr/bin in ../lib/corvo
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr) # the module is found in ../lib/corvo relative to /usr/bin
 set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_BINARY_DIR}/package_files.cmake)
 
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)

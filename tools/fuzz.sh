@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Fuzzes the reader of description files. Starts from the kept seeds, the whole-run cases and the
-# examples; what it learns stays in build/fuzz/corpus; inputs that break the reader are kept in
-# tests/fuzz/finds, to be committed together with what mends them.
+# Fuzzes the reader of description files. Starts from the seeds, the whole-run cases and the
+# examples. The corpus is kept in build/fuzz/corpus; inputs that break the reader are stored in
+# tests/fuzz/finds, to be committed with the correction.
 # usage: fuzz.sh [SECONDS, default 60]
 set -euo pipefail
 
@@ -26,7 +26,7 @@ seeds=("$inputs")
 dictionary=()
 [[ ! -e tests/fuzz/keys.dict ]] || dictionary=(-dict="$top/tests/fuzz/keys.dict")
 
-# Inputs may turn on the debug file, which is written here.
+# Inputs may turn on the debug file, which is then written here.
 cd build/fuzz/work
 ../tests/fuzz/reader_fuzz "${dictionary[@]}" -max_total_time="$seconds" -timeout=10 \
   -rss_limit_mb=4096 -max_len=16384 -artifact_prefix="$top/tests/fuzz/finds/" -print_final_stats=1 -close_fd_mask=2 \

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Installs the packages that are missing, on Debian 12, and nothing when all are there.
+# Installs the missing packages on Debian 12; does nothing if all are installed.
 # usage: install_packages.sh run|test|lint|fuzz
 set -euo pipefail
 

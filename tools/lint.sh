@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Runs clang-tidy over all sources, or over those given. Its build directory is configured for
-# clang, which does not know all flags of g++; nothing is built in it.
+# Runs clang-tidy on all sources, or on the given ones. Its build directory is configured for clang,
+# which does not know all flags of g++; nothing is built in it.
 # usage: lint.sh [FILES]
 set -euo pipefail
 
@@ -20,7 +20,7 @@ if [[ $# -gt 0 ]]; then
 else
   mapfile -t files < <(find src companions tests bench -name '*.cpp' | sort)
 fi
-# The count of warnings in system headers is of no interest.
+# Hides the count of warnings in system headers.
 printf '%s\0' "${files[@]}" |
   xargs -0 -n 1 -P 2 clang-tidy-14 -p "$top/build/lint" --quiet 2> >(grep -v ' generated\.$' >&2)
 echo "clang-tidy found nothing in ${#files[@]} files"

@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
-# Builds the Debian package, looks at it with lintian, and installs it in a bare Debian 12, runs every
+# Builds the Debian package, checks it with lintian, installs it in a minimal Debian 12, runs every
 # example through every program there, and removes it.
 # usage: try_package.sh
 #
-# Needs root, debootstrap, lintian and a package mirror, which is that of this machine's apt. The bare
-# system is kept as build/package/bare.tar for the next time.
+# Needs root, debootstrap, lintian and a package mirror (that of the host's apt). The minimal system
+# is kept as build/package/bare.tar for the next run.
 set -euo pipefail
 
 top=$(cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.." && pwd)
@@ -33,7 +33,7 @@ done
 say "package"
 mkdir -p "$out"
 rm -f "$out"/*.deb
-(umask 027 # permissions in the package do not hang on those of who builds it
+(umask 027 # permissions in the package must not depend on the umask
   cmake -S "$top" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DCORVO_TESTS=OFF \
     -DCORVO_WERROR=ON > "$out/configure.log"
   cmake --build "$build" > "$out/build.log" || { tail -20 "$out/build.log"; exit 1; }
@@ -64,7 +64,7 @@ cp /etc/resolv.conf "$root/etc/resolv.conf"
 
 inside() { chroot "$root" env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin LC_ALL=C DEBIAN_FRONTEND=noninteractive "$@"; }
 user() { chroot --userspec=nobody:nogroup "$root" env -i PATH=/usr/bin:/bin LC_ALL=C "$@"; }
-# Files of the system but those that apt and dpkg keep books in.
+# Lists the files of the system, except those in which apt and dpkg keep their records.
 files() { (cd "$root" && find . -xdev \( -path ./proc -o -path ./var/cache -o -path ./var/log -o -path ./var/lib/apt -o -path './var/lib/dpkg/*-old' \) -prune -o -print | sort); }
 
 inside apt-get -q update > "$out/apt.log" 2>&1 || { tail -5 "$out/apt.log"; exit 1; }
@@ -83,7 +83,7 @@ run() {
   user "${@:2}" > "$work/said" 2>&1 < /dev/null || status=$?
   [[ $status == "$1" ]] || { cat "$work/said"; fail "status $status in place of $1: ${*:2}"; }
 }
-examples() { # through every program, without and with /proc; files are those of the build
+examples() { # through every program, with and without /proc; compares the files with those of the build
   mkdir -p "$work/here" && cp "$top"/examples/* "$work/here"
   install -d -o nobody "$root/tmp/runs" && cp "$top"/examples/* "$root/tmp/runs"
   local description name count=0
@@ -92,7 +92,7 @@ examples() { # through every program, without and with /proc; files are those of
     run 0 corvo /file "/tmp/runs/$name" /length 10000
     (cd "$work/here" && "$build/corvo" /file "$name" /length 10000 > /dev/null)
     for made in "${name%i}o" "${name%.*}.out"; do
-      # The only difference is that the model names the file that it was made from.
+      # The only difference is that the model names the file it was made from.
       diff <(sed 's#/tmp/runs/##' "$root/tmp/runs/$made") "$work/here/$made" || fail "$made differs"
     done
     run 0 corvo-check "/tmp/runs/$name"
@@ -119,6 +119,6 @@ done
 
 say "removal"
 inside apt-get -q -y purge --autoremove corvo >> "$out/apt.log" 2>&1 || { tail -20 "$out/apt.log"; exit 1; }
-# The caches of libraries change, and no file more or less is there.
+# The caches of libraries change; no file may be added or missing.
 diff "$work/before" <(files) > "$work/left" || { cat "$work/left"; fail "files remain"; }
 echo "nothing remains"

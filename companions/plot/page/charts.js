@@ -1,8 +1,8 @@
-// One chart: dygraphs for the curves, and around it the legend, the cursor, and what is downloaded.
+// One chart: dygraphs draws the curves; legend, cursor and download buttons are added around it.
 
-const charts = new Map(); // plot element to its chart
+const charts = new Map(); // maps a plot element to its chart
 
-// An element with attributes and children; text is text, whatever stands in it.
+// An element with attributes and children; text is inserted as text, never as markup.
 function make(name, attributes = {}, ...children) {
   const element = document.createElement(name);
   for (const [key, value] of Object.entries(attributes)) {
@@ -33,7 +33,7 @@ function extent(spec, shown) {
   return [low - pad, high + pad];
 }
 
-// Dots where the fit looked, crosses where poles lie.
+// Dots at the points of the fit, crosses at poles.
 function drawMark(mark) {
   return (g, name, ctx, cx, cy, color, radius, k) => {
     if (mark !== "cross" && !mark.has(k)) return;
@@ -83,7 +83,7 @@ function underlay(spec) {
       ctx.fillRect(from, area.y, Math.max(to - from, 1.5), area.h);
     }
     ctx.font = "11px system-ui, sans-serif";
-    const named = []; // where a name stands, so that no other one is written over it
+    const named = []; // positions of the names, so that they do not overlap
     for (const line of spec.lines || []) {
       const y = Math.round(g.toDomYCoord(spec.y.to(line.at))) + 0.5;
       ctx.strokeStyle = ctx.fillStyle = styleOf("--soft");
@@ -121,7 +121,7 @@ function graphOptions(chart) {
   };
 }
 
-// The charts over the same frequencies in one place of the page have one cursor and one range.
+// Charts over the same frequencies in one part of the page share cursor and range.
 function together(chart, action) {
   for (const other of charts.values())
     if (other === chart || (chart.spec.group && other.spec.group === chart.spec.group)) action(other);
@@ -185,16 +185,16 @@ function asCsv(spec) {
   return [head, ...rows].join("\r\n") + "\r\n";
 }
 
-// Draws with so many dots a pixel; null: as many as the screen has.
+// Draws with this many dots per pixel; null: as many as the screen has.
 function sharpen(chart, dots) {
   chart.graph.updateOptions({ pixelRatio: dots }, true);
-  for (const height of [chart.plot.clientHeight - 1 + "px", ""]) { // it draws anew at another size alone
+  for (const height of [chart.plot.clientHeight - 1 + "px", ""]) { // it redraws only at another size
     chart.plot.style.height = height;
     chart.graph.resize();
   }
 }
 
-// The chart as it stands, with its title, axes and legend, twice as fine as the screen.
+// The chart as shown, with title, axes and legend, at twice the resolution of the screen.
 function asPicture(chart) {
   const { plot, spec } = chart, box = plot.getBoundingClientRect(), top = 44;
   const rows = Math.ceil(spec.series.length / 3), canvas = make("canvas");
@@ -279,11 +279,11 @@ function clearCharts(host) {
   host.replaceChildren();
 }
 
-// Colours and sizes of the medium: another scheme, or paper, which takes pictures in place of what
-// is drawn on the screen.
+// Colours and sizes of the medium: another colour scheme, or paper, where pictures replace what is
+// drawn on the screen.
 function redrawCharts(paper) {
   for (const { graph, plot, spec, shown } of charts.values()) {
-    // With the visibility in it, dygraphs takes the colours anew.
+    // Setting the visibility too makes dygraphs read the colours again.
     const looks = { visibility: shown, series: seriesOptions(spec), gridLineColor: styleOf("--grid"), axisLineColor: styleOf("--faint"), pixelRatio: paper ? 2 : null };
     const { width, height } = graph.size(), same = width === plot.clientWidth && height === plot.clientHeight;
     graph.updateOptions(looks, !same);

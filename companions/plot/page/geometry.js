@@ -1,4 +1,5 @@
-// The right-of-way to scale: one unit of the pictures is one metre, heights upward are negative y.
+// The right-of-way to scale: one unit of the pictures is one metre; heights above ground are
+// negative y.
 
 function svg(name, attributes = {}, ...children) {
   const element = document.createElementNS("http://www.w3.org/2000/svg", name);
@@ -9,7 +10,7 @@ function svg(name, attributes = {}, ...children) {
 
 const factsText = (facts) => Object.entries(facts).map(([k, v]) => `${k}: ${v}`).join(", ");
 
-// What lies under the pointer, or has the focus, is told beside it.
+// Facts of the body under the pointer, or with the focus, are shown beside the drawing.
 function tells(element, facts) {
   const tip = document.getElementById("tip");
   const show = (x, y) => {
@@ -32,7 +33,7 @@ function tells(element, facts) {
 
 const circuitClass = (wire) => (wire.ground ? "ground" : "circuit" + ((wire.circuit - 1 + 60) % 6));
 
-// Bounds that hold all bodies, the surface, and room around them.
+// Bounds that contain all bodies, the surface, and some space around them.
 function boundsOf(way, flat) {
   const xs = [], ys = [0];
   for (const w of way.wires || []) { xs.push(w.x - w.r, w.x + w.r); ys.push(w.y + w.r, w.y - w.sag); }
@@ -49,7 +50,7 @@ function boundsOf(way, flat) {
   return { left: middle - wide / 2, right: middle + wide / 2, low, high: low + tall };
 }
 
-// The middle of each bundle; a single wire is its own.
+// The centre of each bundle; a single wire is its own centre.
 function bundles(wires) {
   return [...new Set(wires.map((w) => w.bundle))].map((bundle) => {
     const own = wires.filter((w) => w.bundle === bundle), mean = (key) => own.reduce((sum, w) => sum + w[key], 0) / own.length;
@@ -57,7 +58,7 @@ function bundles(wires) {
   });
 }
 
-// Masts and crossarms, schematic: the wires are parted into as many towers at the widest gaps.
+// Masts and crossarms, schematic: the wires are divided into towers at the widest gaps.
 function towers(way) {
   const sorted = bundles(way.wires || []).sort((a, b) => a.x - b.x), group = svg("g", { "aria-hidden": "true" });
   const gaps = sorted.slice(1).map((w, i) => [w.x - sorted[i].x, i + 1]).sort((a, b) => b[0] - a[0]);
@@ -92,7 +93,7 @@ function text(x, y, words, pixel, attributes = {}) {
   return svg("text", { x, y, "font-size": (attributes.size || 12) * pixel, ...attributes }, words);
 }
 
-// Circles of the layers, the outer ones first; sectors of a four-wire cable in place of its core.
+// Circles of the layers, outermost first; sectors instead of a core for a four-wire cable.
 function rings(body, cx, cy) {
   const group = svg("g");
   for (const ring of [...body.rings].sort((a, b) => b.outer - a.outer)) {
@@ -126,7 +127,7 @@ function scales(b, pixel) {
   return group;
 }
 
-// How deep the bodies lie: one line from the surface for each depth.
+// Depth lines: one line from the surface for each depth.
 function depths(bodies, pixel) {
   const group = svg("g"), seen = new Set();
   for (const c of bodies) {
@@ -160,7 +161,7 @@ function drawWay(picture, way) {
   }
 }
 
-// A body enlarged: what stands around a point, in true proportion, with a length beside it.
+// An enlarged body: the surroundings of a point in true proportion, with a scale beside it.
 function lens(title, x, y, r, size, ...content) {
   const decade = 10 ** Math.floor(Math.log10(r)), bar = decade * [5, 2, 1].find((m) => m * decade <= r), pixel = (2.5 * r) / size, side = 1.25 * r;
   const picture = svg("svg", { class: "way lens", role: "group", "aria-label": title, viewBox: `${x - side} ${y - side} ${2 * side} ${2.22 * side}` },

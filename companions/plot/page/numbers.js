@@ -1,5 +1,5 @@
 "use strict";
-// Numbers: unpacked, looked at as the field looks at them, told, and put on axes.
+// Numbers: unpacking, quantities derived from them, texts, and axes.
 
 const DEGREES = 180 / Math.PI;
 
@@ -12,7 +12,7 @@ function unpacked(text) {
 const SUPERSCRIPT = "⁰¹²³⁴⁵⁶⁷⁸⁹";
 const raised = (n) => (n < 0 ? "⁻" : "") + String(Math.abs(n)).replace(/\d/g, (d) => SUPERSCRIPT[d]);
 
-// A value as it is told at a cursor: digits of its own size, or a power of ten.
+// The text of a value at a cursor: digits to suit its size, or a power of ten.
 function told(value, digits = 5) {
   if (value === null || !Number.isFinite(value)) return "–";
   if (value === 0) return "0";
@@ -30,7 +30,7 @@ function toldFrequency(f) {
   return told(f) + " Hz";
 }
 
-// ---- what is drawn of a complex function z over w (rad/s); c holds the length and the function
+// ---- quantities drawn of a complex function z over w (rad/s); c holds the length and the function
 
 function unwrapped(angles) {
   let turn = 0, before = NaN;
@@ -41,7 +41,7 @@ function unwrapped(angles) {
   });
 }
 
-// An angle, but none of what is nothing beside the size of its function.
+// An angle; none where the value is negligible against the size of its function.
 const NOTHING = 1e-9;
 const angleOf = (re, im, w, c) => (Math.hypot(re, im) < NOTHING * c.reference ? NaN : DEGREES * Math.atan2(im, re));
 
@@ -85,13 +85,13 @@ function deviations(line, model, f, c) {
   });
 }
 
-// ---- axes: dygraphs draws what a scale makes of the values, on straight axes
+// ---- axes: dygraphs draws scaled values on linear axes
 
 const SCALES = {
   linear: () => ({ to: (v) => v, from: (y) => y }),
   log: () => ({ to: (v) => (v === 0 ? NaN : Math.log10(Math.abs(v))), from: (y) => 10 ** y, decades: true }),
   frequency: () => ({ ...SCALES.log(), name: prefixed }),
-  // Straight near 0, within t of it, and decades beyond on both sides.
+  // Linear near 0, within t of it, and logarithmic beyond on both sides.
   signed: (t) => ({
     to: (v) => Math.sign(v) * Math.log10(1 + Math.abs(v) / t),
     from: (y) => Math.sign(y) * t * (10 ** Math.abs(y) - 1),
@@ -112,7 +112,7 @@ function power(k, sign = "") {
   return sign + plain;
 }
 
-// Frequencies by thousands.
+// Frequencies in steps of a thousand.
 function prefixed(k) {
   const group = Math.max(-1, Math.min(3, Math.floor(k / 3)));
   return group < 0 ? told(10 ** k, 3) : Number((10 ** (k - 3 * group)).toPrecision(3)) + ["", " k", " M", " G"][group];

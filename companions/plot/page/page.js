@@ -1,4 +1,4 @@
-// The page: its parts in turn, from the data that stand in it.
+// Builds the parts of the page in turn from its embedded data.
 
 const data = JSON.parse(document.getElementById("data").textContent);
 const main = document.getElementById("main");
@@ -23,7 +23,7 @@ function table(heads, rows, kind = "") {
     make("tbody", {}, ...rows.map((row) => make("tr", {}, ...row.map(cell("td")))))));
 }
 
-// One of several by radio buttons, some of many by check boxes.
+// Radio buttons select one of several, check boxes select any number.
 function choice(name, title, options, many, chosen, changed) {
   const boxes = options.map((option, i) => {
     const id = `${name}-${i}`;
@@ -46,7 +46,7 @@ function seriesOf(view, c, packed, i, colour) {
   const all = [];
   if (of.line) all.push({ name: element.name, colour, style: both ? "under" : "", marks: both ? marks : undefined, values: viewed(view, of.line, c.f, c) });
   if (of.model) all.push({ name: element.name + ", model", colour, style: "model", values: viewed(view, of.model, c.f, c) });
-  // The angles of both on the same turn.
+  // Both angles on the same turn.
   if (view.after && both) {
     const turn = 360 * Math.round((all[1].values[0] - all[0].values[0]) / 360);
     all[1].values = all[1].values.map((a) => a - turn);
@@ -104,14 +104,14 @@ function addFunctions(host, sets) {
   }
 }
 
-// ---- what stands beside the curves
+// ---- facts beside the curves
 
 function addPoles(host, poles) {
   const rows = poles.flatMap((p, s) => p.re.map((re, k) => ({ re, im: p.im[k], residue: p.residue[k], s }))).sort((a, b) => a.re - b.re || a.im - b.im);
   const sizes = rows.map((p) => Math.hypot(p.re, p.im)).filter((v) => v > 0), least = Math.min(...sizes);
   const scale = SCALES.signed(10 ** Math.floor(Math.log10(least) - 1));
   const tell = (s) => (row) => (rows[row].s === s ? `${told(rows[row].im, 4)}, residue ${told(rows[row].residue, 3)}` : "");
-  rows.push({ re: least, im: NaN, s: -1 }); // so that the imaginary axis is in sight
+  rows.push({ re: least, im: NaN, s: -1 }); // so that the imaginary axis is visible
   const box = make("div", { class: "charts" });
   host.append(make("div", { class: "function", id: "poles" }, make("h3", {}, "Poles in the s plane"), box));
   addChart(box, { id: "poles-plane", title: `${sizes.length} poles`, yAxis: "Im s (1/s)", xAxis: "Re s (1/s)", x: scale, y: scale, wide: true, marked: true,
@@ -132,7 +132,7 @@ function addPassivity(passivity) {
     .filter(([key]) => passivity[key]).map(([key, name, colour, shade]) => ({ name, colour, shade, f: unpacked(passivity[key].f), v: unpacked(passivity[key].value), bands: passivity[key].bands }));
   const f = [...new Set(curves.flatMap((c) => [...c.f]))].sort((a, b) => a - b);
   const series = curves.map((c) => {
-    // On the frequencies of both: straight between the points of its own.
+    // At the frequencies of both: linear between the points of its own.
     let k = 0;
     const values = f.map((at) => {
       while (k < c.f.length - 2 && c.f[k + 1] < at) k++;
