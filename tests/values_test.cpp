@@ -1,7 +1,9 @@
-// Functions of numbers against values that were found in other ways: each file
-// tests/values/SUBJECT.txt tells how ahead of its first blank line; then each line holds
+// Functions of numbers against values found in other ways.
+//
+// Each file tests/values/SUBJECT.txt explains how, before its first blank line; then each line
+// holds
 //   NAME LIMIT RE IM ARGUMENTS
-// the value of the function of that name, and how far from it, relatively, the program's may be.
+// the value of the function of that name, and the allowed relative difference.
 #include "base/constants.h"
 #include "cable/aerial_integral.h"
 #include "cable/coax_layers.h"
@@ -38,8 +40,8 @@ void setGround(double rho, double eps, double mu) {
   RUNDATA.ground.GEPSR = eps;
   RUNDATA.ground.GMUR = mu;
 }
-// Formula, w, ground as above; then place, distance from the surface and radius of one body, aerial
-// or not, and of another one, or not.
+// Formula, w, ground as above; then position, distance from the surface and radius of one body,
+// aerial or not, and optionally the same of another one.
 EarthValue earthOf(const Arguments& a) {
   setGround(a.at(2), a.at(3), a.at(4));
   const int formula = static_cast<int>(a[0]);
@@ -58,7 +60,7 @@ AerialSums aerialOf(const Arguments& a) {
   setGround(a.at(3), a.at(4), 1);
   return AERIALSUM(a[0], a[1], a[2]);
 }
-// The earth term of overhead conductors: formula, w, rho, mu; height and place of each.
+// The earth term of overhead conductors: formula, w, rho, mu; height and position of each.
 Complex overheadEarth(const Arguments& a) {
   RUNDATA = {};
   const int n = RUNDATA.cond.NCOND = RUNDATA.line.NC = a.size() > 6 ? 2 : 1;
@@ -81,8 +83,8 @@ Complex conductor(const Arguments& a) {
   C.CNOUT[1] = a.at(7);
   return ZINT(a[0], 1);
 }
-// An element of the series block, over j w mu0 / (2 pi), of a cable whose layers have data of their
-// own: w, layers, whether the core is solid, row, column.
+// An element of the series block, divided by j w mu0 / (2 pi), of a cable whose layers have
+// different data: w, layers, whether the core is solid, row, column.
 Complex layered(const Arguments& a) {
   static SquareStore<Complex, LDMAT> A;
   RUNDATA.resetInput();
@@ -96,8 +98,8 @@ Complex layered(const Arguments& a) {
   CBLAYZ(a[0], 7, 30, A);
   return A(31 + static_cast<int>(a.at(3)), 31 + static_cast<int>(a.at(4)));
 }
-// Of the cable with four conductors: series impedance or shunt admittance at f of conductors so far
-// apart on the square; resistivity.
+// The four-wire cable: series impedance or shunt admittance at f of two conductors so far apart on
+// the square; resistivity.
 Complex fourWire(const Arguments& a, bool series) {
   RUNDATA = {};
   const double rho = a.size() > 2 ? a[2] : 1.7241e-8;

@@ -1,4 +1,4 @@
-// Text that is read, and text that is written.
+// Text files: reading, writing, and failures of both.
 #include "base/console.h"
 #include "base/stop.h"
 #include "base/text_file.h"
@@ -30,9 +30,9 @@ struct Write {
   EarlyEnd end = EarlyEnd::REMOVE;
   int lines = 0;                    // of eleven characters
   bool closes = true;               // or the run ends first
-  bool lost = false;                // the descriptor is gone ahead of the end
+  bool lost = false;                // the descriptor is closed before the end
   rlim_t mostBytes = RLIM_INFINITY; // file size limit
-  double last = 0;                  // a number behind the lines
+  double last = 0;                  // a number after the lines
 };
 
 ChildResult writeRun(const std::string& name, const Write& w) {
@@ -54,7 +54,7 @@ ChildResult writeRun(const std::string& name, const Write& w) {
 
 enum Console { SOUND, FULL, BROKENPIPE, CLOSED };
 
-// A run with such a console that prints so many lines and ends with the status given.
+// A run with such a console that prints `printed` lines and ends with the given status.
 ChildResult runOf(Console kind, int printed, int status) {
   return runChild([&] {
     std::signal(SIGPIPE, SIG_DFL);
@@ -76,7 +76,7 @@ using Result = TextSource::Result;
 
 namespace {
 
-// The records to the end of the file, each cut one with a bar behind.
+// The records up to the end of the file; a truncated one is followed by a bar.
 std::vector<std::string> readAll(const std::string& name, std::size_t columns) {
   std::vector<std::string> records;
   TextSource source;
@@ -158,7 +158,8 @@ TEST(TextFile, WritesWhenClosedAndReplacesWhatStood) {
   }
 }
 
-// Whole, or what its early end says: after a failed write, a failed close, and where the run stops.
+// A file is complete or as its early end says: after a failed write, a failed close, and where the
+// run stops.
 TEST(TextFile, EarlyEnds) {
   const Scratch scratch;
   const std::string name = scratch.file("a.out"),
@@ -193,7 +194,7 @@ TEST(TextFile, EarlyEnds) {
   }
 }
 
-// What is no regular file is neither waited for nor removed.
+// A file that is not regular is neither waited for nor removed.
 TEST(TextFile, DevicesAndPipes) {
   const Scratch scratch;
   const std::string name = scratch.file("fifo");

@@ -1,5 +1,4 @@
-// Earth terms of cable systems, and what their integrals say and keep; tests/values holds what they
-// are.
+// Earth terms of cable systems: blocks, messages and caching; tests/values holds their values.
 #include "cable/aerial_integral.h"
 #include "cable/cable_earth.h"
 #include "cable/earth_integrals.h"
@@ -16,7 +15,8 @@ using namespace lcp;
 
 namespace {
 
-// A buried cable of two conductors, two of one in a pipe or beside it, two aerial ones.
+// A buried cable of two conductors, two single-conductor cables in a pipe or next to it, two aerial
+// ones.
 void setSystem(bool inside) {
   RUNDATA.resetInput();
   CableTable& T = RUNDATA.cable;
@@ -38,8 +38,7 @@ void setSystem(bool inside) {
 
 } // namespace
 
-// Every element is the value of the two bodies that its conductors belong to, the later one of the
-// walk first.
+// Every element has the value of the two bodies of its conductors, with the later body first.
 TEST(CableEarth, BodiesFillTheBlocksOfTheirConductors) {
   const double w = 300.0;
   LastKexpone last;
@@ -79,9 +78,9 @@ TEST(EarthIntegrals, SayWhatDoesNotConverge) {
                 " on exponential step loopfor R=    0.000000E+00 CBMUT " + on);
 }
 
-// Pairs are new at the first frequency and summed together at the others, and over the second soil
-// at the last one again. The two pairs far apart are too many panels to be kept both; they come
-// last, so that a store that turns them out shows.
+// Pairs are new at the first frequency, summed together at the others, and summed again for the
+// second soil at the last one. The two distant pairs have too many panels for both to be kept; they
+// come last, so that a store that evicts them is noticed.
 TEST(AerialIntegral, IsTheSameKeptAndAnew) {
   const double pairs[][2] = {{0.01, 20}, {4, 20}, {4, 22}, {3000, 20}, {20e5, 20}, {21e5, 21}};
   const auto same = [&](int k, double w, bool anew) {

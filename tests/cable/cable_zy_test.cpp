@@ -24,7 +24,7 @@ void layCables(int n) {
 
 constexpr double FAR = 1e6; // m
 
-// Overhead conductors whose shapes the conversion to cables keeps apart by the wall alone.
+// Overhead conductors whose shapes remain distinct in the conversion to cables only by the wall.
 void makeConvertibleLine(std::uint64_t seed) {
   makeLine(seed, {.mostKept = 8, .mostBundle = 3, .mostEliminated = 2});
   ConductorTable& C = RUNDATA.cond;
@@ -33,8 +33,8 @@ void makeConvertibleLine(std::uint64_t seed) {
   }
 }
 
-// The same line as the aerial cables of a system with n single-core cables far away from it, and
-// with an insulated pipe when asked for; their sheaths are grounded.
+// The same line as aerial cables of a system with n single-core cables far away and, on request, an
+// insulated pipe; their sheaths are grounded.
 void convertLine(int n, bool pipe) {
   RUNDATA.run.ISCABLE = CABLESYSTEM;
   CableTable& T = RUNDATA.cable;
@@ -49,8 +49,8 @@ void convertLine(int n, bool pipe) {
   convertOverheadConductors();
 }
 
-// The chain core, insulator, sheath, ... of an aerial cable, the air last, solved by elimination of
-// the surface of its outermost insulator.
+// The chain core, insulator, sheath, ... of an aerial cable with the air last, solved by
+// eliminating the surface of its outermost insulator.
 Dense chain(int layers, double g, double air) {
   const auto conductors = static_cast<std::size_t>((layers + 1) / 2);
   const std::size_t nodes = conductors + (layers % 2 == 1 ? 0 : 1);
@@ -67,7 +67,7 @@ TEST(CableZY, PropertiesOfGeneratedSystems) {
   for (std::uint64_t seed = 1; seed <= 200; ++seed) {
     makeCables(seed);
     const double f = std::pow(10.0, static_cast<double>(seed % 7) - 1);
-    // From 10 kHz on the closed form between buried cables is no more passive.
+    // From 10 kHz the closed form between buried cables is not passive.
     if (f > 1e3) RUNDATA.ground.EARTHFU = EARTHINTEGRAL;
     const LineResult r = solveCables(f);
     EXPECT_EQ(unsound(r, f), "") << seed;
@@ -75,7 +75,7 @@ TEST(CableZY, PropertiesOfGeneratedSystems) {
   }
 }
 
-// Grounded conductors have the voltage 0 and carry the current that keeps it there.
+// Grounded conductors have zero voltage and carry the current that keeps it at zero.
 TEST(CableZY, GroundingIsEliminationOfCurrents) {
   layCables(3);
   cable(2).CBNLAY = 6;
@@ -108,7 +108,7 @@ TEST(CableZY, BareConductors) {
   EXPECT_LT(std::abs(r.Y[1][1] / Wide(0, TWOPI * 50 * C0) - Wide(1)), 1e-15L);
   EXPECT_EQ(r.Y[0][1], Wide(0));
   EXPECT_GT(std::abs(r.Y[2][3]), 0);
-  RUNDATA.cable.NPIPE = 1; // and a pipe beside it, by the others not seen
+  RUNDATA.cable.NPIPE = 1; // and a separate pipe that does not affect the others
   RUNDATA.cable.pipe = {1, 9, 1, 0, 0, 0, 0.2, 0.21, 0, 2e-7, 1};
   const Dense Y = solveCables(50.0).Y;
   EXPECT_EQ(block(Y, 0, 0, 4), r.Y);
@@ -122,8 +122,8 @@ TEST(CableZY, BareConductors) {
 }
 
 // Towers in a cable file: bundles, ground wires and transposition as on an overhead line. Sheaths
-// and a pipe that leave or stay in front of them do not move the overhead conductors; high
-// frequency and low resistivity keep far cables from mattering.
+// and a pipe before them, grounded or not, do not shift the overhead conductors; high frequency and
+// low resistivity make distant cables negligible.
 TEST(CableZY, OverheadConductorsAsCablesAreTheOverheadLine) {
   for (std::uint64_t seed = 1; seed <= 100; ++seed) {
     const int cables = seed <= 60 ? 0 : 3, pipe = seed > 80;
@@ -144,8 +144,8 @@ TEST(CableZY, OverheadConductorsAsCablesAreTheOverheadLine) {
   }
 }
 
-// Inverse of the capacitances: a pipe in the air is a wire of its radius, the cable in it shares
-// its potential, and what it holds is screened from a wire outside.
+// Inverse of the capacitances: a pipe in air acts like a wire of its radius, the cable in it shares
+// its potential, and its contents are screened from a wire outside.
 TEST(CableZY, PipeInTheAir) {
   for (const int kind : {0, 1, 2}) { // empty, a cable in it marked as aerial, not marked
     const int inside = kind > 0;
@@ -174,7 +174,7 @@ TEST(CableZY, PipeInTheAir) {
 TEST(CableZY, ConductanceOfAerialCables) {
   for (int n = 0; n < 48; ++n) {
     const double air = n < 16 || n >= 32 ? 5e-11 : 0.0;
-    const bool corrected = n % 2 == 0, tangents = n >= 32; // these are all losses
+    const bool corrected = n % 2 == 0, tangents = n >= 32; // all losses
     const double g = tangents ? 0.0 : 3e-10;
     const int layers = 1 + n / 2 % 8;
     layCables(1);
@@ -190,7 +190,7 @@ TEST(CableZY, ConductanceOfAerialCables) {
     RUNDATA.fit.CSHUNTG = 3e-10;
     RUNDATA.fit.DCCORRF = corrected;
     Dense wanted = chain(layers, g, air);
-    if (!corrected) { // without insulators the air is what is left
+    if (!corrected) { // without insulators only the air remains
       wanted = times(0, wanted);
       wanted.back().back() = air;
     }

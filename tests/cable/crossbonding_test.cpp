@@ -34,7 +34,7 @@ void setSystem(int mark, int group) {
 } // namespace
 
 TEST(Crossbonding, AveragesThePlacesOfTheSheaths) {
-  // who is in the places of the nine conductors, by section: sheaths 2, 6, 8 rotate
+  // conductors at the nine positions, by section: sheaths 2, 6, 8 rotate
   const int places[3][9] = {
       {1, 2, 3, 4, 5, 6, 7, 8, 9}, {1, 8, 3, 4, 5, 2, 7, 6, 9}, {1, 6, 3, 4, 5, 8, 7, 2, 9}};
   SOLVEDATA.first.ISTATUS = true;

@@ -17,8 +17,8 @@ namespace {
 CableNumbering& N = CABLE.numbering;
 const Complex U[] = {0.0, 0.9, std::polar(0.89, 0.4)}, UU = U[1] * U[2];
 
-// A cable of one conductor, and a pipe with cables of two: U and 0.2, of their positions and radii,
-// are in units of the inner radius of the pipe.
+// A cable of one conductor, and a pipe with cables of two. Their positions U and radii 0.2 are in
+// units of the inner radius of the pipe.
 void setPipe(double mu) {
   CableTable& T = RUNDATA.cable = {};
   T.NPIPE = 1;
@@ -41,14 +41,15 @@ const CableMatrix& blockOf(void (*block)(double, const CableNumbering&, CView), 
   return CABLE.ZT;
 }
 
-// Two conductors at U[1] and U[2] in a perfect wall; a series that stops early lacks its end.
+// Two conductors at U[1] and U[2] in a perfect wall; `lacking` terms at the end of the series are
+// left out.
 double imageOfPair(int lacking) {
   double image = std::log(std::abs(1.0 - UU) / std::abs(U[1] - U[2]));
   for (int n = lacking; n < 400; ++n) image += std::real(std::pow(UU, n)) / n;
   return image;
 }
 
-// Cable 7, its layers with data of their own.
+// Cable 7, with different data in each layer.
 Cable& setCable(int layers, bool solid = false) {
   RUNDATA.resetInput();
   Cable& C = RUNDATA.cable.CB[7];
@@ -64,9 +65,9 @@ Cable& setCable(int layers, bool solid = false) {
 
 } // namespace
 
-// With g = -r f'/f of the field f = K_n(m r) in the wall, B_r and H_th continuous at r = a, a
-// harmonic c^n / n of the flux comes back (n mu - g) / (n mu + g) times, by 1 more than from a
-// perfect wall.
+// With g = -r f'/f for the field f = K_n(m r) in the wall, and B_r and H_th continuous at r = a, a
+// harmonic c^n / n of the flux is reflected by the factor (n mu - g) / (n mu + g), 1 more than for
+// a perfect wall.
 TEST(PipeBlocks, ImpedanceMeetsTheFieldOfTheWall) {
   const struct {
     double mu, size;    // |m a|
@@ -98,7 +99,7 @@ TEST(PipeBlocks, ImpedanceMeetsTheFieldOfTheWall) {
   }
 }
 
-// A wall without resistance lets no field in: what is left of its 49 terms is the image.
+// No field enters a wall without resistance: the rest of its 49 terms is the image.
 TEST(PipeBlocks, PotentialAndPerfectWallOfImages) {
   setPipe(1.0);
   RUNDATA.cable.pipe.PIPERHO = 1e-40;
@@ -123,7 +124,7 @@ TEST(CoaxLayers, DcResistanceOfStrands) {
   EXPECT_NEAR(-A(1, 1).imag() * 1e-4 * L0, 1.7e-8 / (PI * 0.002 * 0.002 * 61), 1e-12);
 }
 
-// Charge on conductor c alone: each insulator from there on carries it whole, those further in
+// Charge on conductor c only: each insulator from there outwards carries all of it, those inside
 // none.
 TEST(CoaxLayers, PotentialBlockInvertsTheInsulators) {
   static CableMatrix P;

@@ -30,8 +30,8 @@ ChildResult check(std::string file, bool json) {
   });
 }
 
-// An example with pieces of text replaced, each where it stands first, and what is found in it:
-// line number and kind.
+// An example with texts replaced at their first occurrence, and the expected findings: line number
+// and kind.
 struct Case {
   std::string example;
   std::vector<std::pair<std::string, std::string>> changes;
@@ -47,7 +47,7 @@ const std::string CONDUCTORS = "Conductors: 3\nTransposed: 0\n",
                   BUNDLE = "Sub-ConductorsPerBundle: 4\n", SPACING = "BundleSpacing: 0.45 [m]\n",
                   WEIGHTS = "Weighting Factor 1: 1.0\n";
 
-// Changes keep the line numbers of the example where they can.
+// Where possible, changes keep the line numbers of the example.
 const std::vector<Case> CASES = {
     // lines without effect
     {LINE, {{"Sag: 13.0", "! Sag: 13.0"}}, {"28 comment-key"}},
@@ -56,7 +56,7 @@ const std::vector<Case> CASES = {
     {LINE, {{"Sag: 9.0", "sag: 9.0"}}, {"42 unknown-line"}},
     {LINE, {{"Sag: 13.0", "Sag: 13.0" + std::string(120, ' ') + "x"}}, {"28 long-line"}},
     {LINE, {{"END", std::string(20000, '\n')}}, {"0 long-file"}},
-    // values that are not what they say
+    // values that differ from what they say
     {LINE, {{"P1 : -8.0", "P1: -8.5"}}, {"43 lost-character"}},
     {LINE, {{"GroundResistivity: ", "GroundResistivity:"}}, {"50 lost-character", "50 soil"}},
     {LINE, {{"Sag: 9.0", "Sag: , 9.0"}}, {"42 early-end"}},
@@ -74,7 +74,7 @@ const std::vector<Case> CASES = {
      {{"0.01407 [m]", "0.01407 [cm]"}, {"2.865 [ohm/km]", "2.865 [Ohms / km]"}},
      {"24 other-unit"}},
     {LINE, {{"Weighting Factor 1: 1.0", "Weighting Factor 1: 1.0 [%]"}}, {"60 other-unit"}},
-    // keys among each other
+    // keys compared with each other
     {LINE, {{CONDUCTORS, "Transposed: 0\nConductors: 3\n"}}, {}},
     {LINE,
      {{RADII, "Inner Radius: 0.00518 [m]\nRadius: 0.01407 [m]\n"}},
@@ -188,8 +188,8 @@ Strings kindsIn(const nlohmann::json& document) {
 
 } // namespace
 
-// What is shown on the console is what the document holds, every kind is found somewhere, and
-// nothing is found in the examples.
+// The console shows what the document contains, every kind is found somewhere, and the examples
+// give no findings.
 TEST(Check, FindsWhatHadNoEffectOrIsHardlyMeant) {
   const Scratch scratch;
   Strings seen;

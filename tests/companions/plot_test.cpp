@@ -1,4 +1,4 @@
-// What a page of corvo-plot keeps of its curves; the pages themselves are looked at in a browser.
+// The curve data of a corvo-plot page; the pages themselves are tested in a browser.
 #include "base/constants.h"
 #include "companions/plot/fit_facts.h"
 #include "companions/plot/functions.h"
@@ -33,7 +33,7 @@ TEST(Page, NumbersArePackedInSinglePrecision) {
   EXPECT_EQ(packedNumbers(odd), "AAAAAP//f38AAMB/");
 }
 
-// A spike of one point, a point of the fit and a deviation of one point outlast the thinning.
+// A spike of one point, a point of the fit and a deviation of one point survive the thinning.
 TEST(Page, ThinningKeepsWhatStandsOut) {
   Frequencies at;
   Functions F{"F", "", "fit", "", 1};
@@ -70,7 +70,7 @@ TEST(Page, IsNoFileThatItIsMadeFrom) {
     return runChild([&] {
              std::vector<char*> values;
              for (std::string& w : words) values.push_back(w.data());
-             std::atexit([] { std::_Exit(2); }); // nothing of this process is to be destroyed
+             std::atexit([] { std::_Exit(2); }); // nothing of this process must be destroyed
              std::_Exit(plotLine(values));
            })
         .status;
@@ -110,7 +110,7 @@ TEST(Page, NamesEndNoBlock) {
 
 namespace {
 
-// The numbers of a packed text: six bits a letter, four bytes a number.
+// The numbers of a packed text: six bits per letter, four bytes per number.
 std::vector<double> unpacked(const std::string& text) {
   const std::string letters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
   std::vector<double> numbers;
@@ -140,7 +140,7 @@ Rational fraction(double D, double pole, double residue) {
 
 constexpr double LENGTH = 3e4, DELAY = 1.05e-4; // m, s
 
-// A model file of one conductor; its functions have little to do with the line.
+// A model file of one conductor; its functions are unrelated to the line.
 ModelFile fileOf(ModelKind kind) {
   ModelFile file;
   file.kind = kind;
@@ -218,7 +218,7 @@ TEST(Page, CurvesAreThoseOfTheLineAndItsModel) {
   }
 }
 
-// Yc (1 - H) / (1 + H) and its inverse, of a wave that comes back half as large: thousands of
+// Yc (1 - H) / (1 + H) and its inverse, for a wave that returns with half its size: thousands of
 // turns.
 TEST(Page, EigenvaluesRiseInFrequencyAndAreThoseOfTheFile) {
   readOneConductor(phaseModel());

@@ -1,5 +1,6 @@
-// What the companions share: readers, matrices, modes, frequencies, verdicts and command lines,
-// each against values worked out by hand.
+// Shared parts of the companions against values computed by hand.
+//
+// Readers, matrices, modes, frequencies, verdicts and command lines.
 #include "base/constants.h"
 #include "companions/shared/adaptive_scan.h"
 #include "companions/shared/arguments.h"
@@ -37,7 +38,7 @@ Matrix matrixOf(std::size_t n, const std::vector<Complex>& rows) {
 
 double distance(const Matrix& A, const Matrix& B) { return largest(combined(A, -1, B)); }
 
-// A file is read to its end, and no part of it is.
+// A complete file is accepted, every part of it is rejected.
 ModelFile readWhole(const std::string& text) {
   const auto lines = splitLines(text);
   std::string part;
@@ -151,7 +152,7 @@ TEST(SharedLine, ModesAreFollowedFromTheirReferenceBothWays) {
     const Matrix D = matrixOf(2, {Complex(0, f), 0, 0, Complex(0, 2 * f)});
     return LinePoint{f, product(product(T, D), inverse(T)), identity(2)};
   };
-  // turned by a quarter over the grid: the largest element alone would exchange the modes
+  // rotated by a quarter turn over the grid: the largest element alone would exchange the modes
   std::vector<LinePoint> line;
   for (int k = 0; k <= 12; ++k) line.push_back(at(std::pow(2, k), k * TWOPI / 48));
   auto modes = followed(line, matrixOf(2, {0, 1, 1, 0}), 5);
@@ -197,7 +198,7 @@ TEST(SharedLine, FrequenciesAreThoseOfTheFitAndTheDecadesAroundIt) {
   }
 }
 
-// Just below the way of light over the length, and just above it.
+// Just below and just above the time that light takes over the length.
 TEST(SharedLine, ADelayFasterThanLightIsDoubtful) {
   const std::string text = test::description(singleCircuit(phaseModel()));
   companions::readHere(test::scratchFile("line", text), 3e4);

@@ -1,6 +1,7 @@
-// The companion that compares a model file with the line: its readers against the files of the
-// whole runs, its scans and its passivity against closed forms, its errors against those that the
-// program prints.
+// The companion that compares a model file with the line.
+//
+// Its readers are tested on the files of the whole runs, its scans and its passivity against closed
+// forms, its errors against those that the program prints.
 #include "base/constants.h"
 #include "companions/shared/adaptive_scan.h"
 #include "companions/shared/captured_run.h"
@@ -33,8 +34,8 @@ Matrix oneByOne(Complex z) {
   return m;
 }
 
-// Conductance D beside R / (s + a) at both ends of a line that passes nothing: the nodal admittance
-// is that network, whose real part at w is D + R a / (w^2 + a^2).
+// Conductance D in parallel with R / (s + a) at both ends of a line that transmits nothing: the
+// nodal admittance is that network, whose real part at w is D + R a / (w^2 + a^2).
 ModelFile networkOf(double D, double R, double a) {
   ModelFile file;
   file.kind = lcp::ModelKind::Phase;
@@ -46,7 +47,7 @@ ModelFile networkOf(double D, double R, double a) {
 
 } // namespace
 
-// What the file of a whole run begins with is read to its end, and no part of it is.
+// A complete file from a whole run is accepted, every part of it is rejected.
 TEST(ModelFiles, OfAllKindsAreReadToTheirEnds) {
   std::map<lcp::ModelKind, int> kinds;
   for (const auto& entry :
@@ -80,7 +81,7 @@ TEST(ModelFiles, OfAllKindsAreReadToTheirEnds) {
 }
 
 TEST(Scan, FindsBandsByTheirEdges) {
-  // Below 0 between 995 and 1005 Hz, a tenth of a point of the first grid.
+  // Negative between 995 and 1005 Hz, a tenth of the spacing of the first grid.
   const auto notch = [](double f) {
     return ScanPoint{f, 1 - 2 * std::exp(-std::log(2) * std::pow((f - 1000) / 5, 2)), 1};
   };
@@ -97,11 +98,11 @@ TEST(Scan, FindsBandsByTheirEdges) {
   EXPECT_FALSE(adaptiveScan({10, 1e5, 40, 1e-9, 300}, wide).resolved);
 }
 
-// Turned over, the residue makes the real part negative up to w^2 = R a / D - a^2.
+// With the opposite sign, the residue makes the real part negative up to w^2 = R a / D - a^2.
 TEST(Passivity, OfALumpedNetworkIsKnown) {
   auto& F = lcp::RUNDATA.fit;
   lcp::RUNDATA.resetInput();
-  lcp::RUNDATA.run = {}; // whatever was read before
+  lcp::RUNDATA.run = {}; // independent of earlier tests
   lcp::RUNDATA.run.DATAFMT = lcp::ROUTECONSTANTS;
   F.FSTART = 1;
   F.FEND = 1e5;
@@ -135,7 +136,7 @@ TEST(Poles, ThatNoRealNetworkHasAreCounted) {
 
 namespace {
 
-// What the program says, and how it ends.
+// What the program prints, and its exit status.
 std::pair<int, std::string> verify(const std::string& words, const std::string& before = "") {
   FILE* pipe = popen((before + CORVO_VERIFY " " + words).c_str(), "r");
   std::string text;
@@ -156,7 +157,7 @@ const Json& findingOf(const Json& all, const std::string& subject, const std::st
 
 } // namespace
 
-// Lines whose runs end in success and whose models are not good; the number is told here.
+// Lines whose runs succeed although their models are not good; the expected status is given.
 TEST(Verify, FindsWhatARunDoesNotTell) {
   struct Fault {
     const char *file, *length, *subject, *where;
@@ -193,11 +194,11 @@ TEST(Verify, FindsWhatARunDoesNotTell) {
 TEST(Verify, AgreesWithThePrintedErrors) {
   const std::string file = CORVO_EXAMPLES "/line500kv_phase.cvi /length 100000 --json";
   const auto [status, text] = verify(file);
-  EXPECT_EQ(status, 1) << text; // its slowest delay is behind its mode
+  EXPECT_EQ(status, 1) << text; // its slowest delay exceeds that of its mode
   const Json all = Json::parse(text)["findings"];
   EXPECT_NEAR(findingOf(all, "Yc", "at the points")["value"].get<double>(), 0.0773, 6e-5);
   EXPECT_NEAR(findingOf(all, "H", "at the points")["value"].get<double>(), 0.1300, 6e-5);
-  // At zero frequency the line's own values: conductance and resistance alone.
+  // At zero frequency, the values of the line itself: only conductance and resistance.
   EXPECT_EQ(findingOf(all, "Yc", "at zero")["frequency"], 1e-6);
   EXPECT_EQ(verify(file + " --limits delay=2:3").first, 0);
 }
@@ -218,7 +219,7 @@ TEST(Verify, LooksAtEachLengthOfARun) {
   EXPECT_EQ(verify(file + " " + model + " /length 1e4 /steps 3 /increment 5e3 2>&1").first, 2);
 }
 
-// In capacitance the wire at the height h alone: 2 pi e0 / ln(2 h / r).
+// The capacitance of the wire at height h alone: 2 pi e0 / ln(2 h / r).
 TEST(DirectLine, FollowsTheDescriptionReadLast) {
   const Scratch scratch;
   for (const double h : {20.0, 12.0, 20.0}) {

@@ -14,8 +14,8 @@ using namespace lcp::test;
 
 namespace {
 
-// Of which routines up to a date ran. Decompositions of other tests in the same process have left
-// their dates.
+// The version line for routines up to a date. Decompositions of other tests in the same process
+// have left their dates.
 std::string versionLine(int date) {
   return fmt::format(" *** Version {} ***", std::max(date, NVDATE(800101, EIGENSTAMP)));
 }

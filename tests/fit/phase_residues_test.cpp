@@ -1,4 +1,4 @@
-// Residues over given poles and delays, and poles that go since their residues are large.
+// Residues over given poles and delays, and removal of poles with large residues.
 #include "fit/phase_residues.h"
 
 #include "base/constants.h"
@@ -15,13 +15,13 @@ namespace {
 
 const Complex J(0, 1);
 
-// Functions that no such model meets: magnitudes and delays of their own for each element.
+// Functions that no such model can represent: each element has its own magnitude and delay.
 Complex strange(int r, int c, Complex s) {
   const double tau = 3e-4 + 4e-5 * r + 3e-5 * c;
   return std::exp(-s * tau - std::sqrt(s * (1e-4 * r))) / (1.0 + s / (3e4 * c));
 }
 
-// Fits strange functions, and compares the errors told with those of the model.
+// Fits such functions and compares the reported errors with those of the model.
 void fitStrange(int DCTYPE, int NC, const std::vector<GroupPoles>& groups) {
   RealMatrix HDC{};
   for (int r = 1; r <= 3; ++r) {
@@ -74,7 +74,7 @@ TEST(PhaseResidues, RecoverAModelWithTwoDelays) {
   }
 }
 
-// The first pole closes when it is real, else one more does, for which a full group has room.
+// The first pole closes if it is real; otherwise one is added, for which a full group has room.
 TEST(PhaseResidues, MeetTheDcValues) {
   const std::vector<Complex> real = {-30.0, -900.0, -7e4};
   const std::vector<Complex> pair = {-30.0 + 20.0 * J, -30.0 - 20.0 * J, -7e4};
@@ -97,7 +97,7 @@ TEST(PhaseResidues, PolesWithoutAResidueAreDropped) {
   laySampleGrid(60, 0.01, 100);
   setGroups(2, {{0.1, {-0.5, -2.0, -9.0}}, {0.3, {-1.0 + J, -1.0 - J, -4.0}}});
   sampleH([](int r, int c, Complex s) {
-    const double size = r == 1 && c == 1 ? 1e-12 : 1; // element (1, 1) is the one that tells
+    const double size = r == 1 && c == 1 ? 1e-12 : 1; // element (1, 1) decides
     return size * (std::exp(-0.1 * s) * (1.0 / (s + 0.5) + 3.0 / (s + 9.0)) +
                    std::exp(-0.3 * s) / (s + 4.0));
   });
@@ -117,11 +117,11 @@ TEST(OrderReduction, PrunesTheLastLeaderOfEachGroup) {
   } cases[] = {
       {5, {4, 10}, {3}, {-1, -2}, {-1}, true},  // at the limit
       {4.9, {4, 10}, {3}, {-1}, {-1}, false},   // the second of the first group
-      {4.9, {6, 10}, {6.7}, {-2}, {}, false},   // 6.7 leads 6 by more than 10 per cent
+      {4.9, {6, 10}, {6.7}, {-2}, {}, false},   // 6.7 exceeds 6 by more than 10 percent
       {4.9, {6, 10}, {6.5}, {-2}, {-1}, false}, // 6.5 does not
       {0.1, {1, 4, 16, 8}, {1, 0.5}, {-1, -2, -8}, {-1, -2}, false},
       {100, {99}, {101, 500, 404}, {}, {-1, -4}, false}, // 99 leads at its time, then 250
-      {-1, {0}, {0, 0}, {-1}, {-1, -2}, true},           // nothing to take out
+      {-1, {0}, {0, 0}, {-1}, {-1, -2}, true},           // nothing to remove
   };
   for (const auto& C : cases) {
     const std::vector<Complex> poles = {-1.0, -2.0, -4.0, -8.0};

@@ -1,5 +1,6 @@
-// Delays by the gain-phase relation of functions whose magnitude is known; delay groups and the fit
-// of the propagation function, on modes that are rational functions with delays.
+// Delays from the gain-phase relation, delay groups and the fit of the propagation function.
+//
+// The magnitudes are known, and the modes are rational functions with delays.
 #include "base/constants.h"
 #include "fit/bode_delay.h"
 #include "fit/delay_groups.h"
@@ -24,7 +25,7 @@ struct Taken {
   double turn; // CORR w0
 };
 
-// A travel time of its own at every step tells the step at which the delay was taken.
+// A different travel time at every step identifies the step at which the delay was taken.
 Taken taken(const SampleGrid& grid, const ComplexCurve& HM) {
   FreqCurve V;
   for (int k = 1; k <= grid.NS; ++k) V[k] = 1e5 * k;
@@ -48,7 +49,7 @@ struct TestMode {
   }
 };
 
-// Samples of the modes and the velocities that go with them.
+// Sets samples of the modes and the corresponding velocities.
 void poseModes(const std::vector<TestMode>& modes) {
   laySampleGrid(100, 1, 1e6);
   RUNDATA.run.LINELEN = LENGTH;

@@ -1,5 +1,5 @@
-// Vector fitting: functions that are partial fractions come back exactly; on others only responses
-// count, since their poles are not unique.
+// Vector fitting: partial fractions are recovered exactly; for other functions only the response is
+// tested.
 #include "fit/vector_fit.h"
 
 #include "fit/delay_search.h"
@@ -16,7 +16,7 @@ namespace {
 
 constexpr double TIGHT = 1e-9;
 
-// Curves and results of one fit; large, so they live in static store.
+// Curves and results of one fit; large, hence static.
 struct Problem {
   SampleGrid G{1, 10, 2};
   ComplexCurve F;
@@ -33,7 +33,7 @@ struct Problem {
     return {G.NS, 1, G.w, &F, G.weight, STABLE, ASYMP};
   }
   void start(int N) { startingPoles(P, N, G.w[1], G.w[G.NS]); }
-  // From starting poles, so many passes.
+  // Runs a number of passes from the starting poles.
   void run(int N, int ASYMP, int passes = 1, int STABLE = FLIPUNSTABLE) {
     start(N);
     VFITPASSES(passes, samples(ASYMP, STABLE), N, P, &fit, errors);
@@ -46,7 +46,7 @@ void expectModel(const Rational& model, const FunctionFit& fit) {
   for (int m = 1; m <= model.N(); ++m) {
     const Complex p = model.poles[static_cast<std::size_t>(m - 1)];
     const Complex r = model.residues[static_cast<std::size_t>(m - 1)];
-    // The two of a pair may stand in either order.
+    // The poles of a pair may be in either order.
     const bool swapped = p.imag() * T.P[m].imag() < 0;
     EXPECT_LT(std::abs(T.P[m] - (swapped ? std::conj(p) : p)), TIGHT * std::abs(p)) << m;
     EXPECT_LT(std::abs(fit.R[m] - (swapped ? std::conj(r) : r)), TIGHT * std::abs(r)) << m;
@@ -73,8 +73,8 @@ const Rational PAIR{{-2, {-30, 400}, {-30, -400}, -5e3}, {4, {20, -90}, {20, 90}
 
 } // namespace
 
-// From whatever poles it starts, one pass is enough: sigma F is linear in the unknowns. Eleven
-// decades need the columns scaled, and three.
+// One pass is enough from any starting poles, since sigma F is linear in the unknowns. Eleven
+// decades need scaled columns, and three passes.
 TEST(VectorFit, PartialFractionsComeBackInOnePass) {
   const Rational wide{{-1e-2, -1e2, {-2e5, 3e6}, {-2e5, -3e6}, -1e9},
                       {3e-2, 50, {4e5, 1e6}, {4e5, -1e6}, 2e9},
@@ -122,7 +122,8 @@ TEST(VectorFit, UnstablePolesAreMirroredWhenAsked) {
     EXPECT_EQ(T.P[m], Complex(-std::abs(kept[m].real()), kept[m].imag())) << m;
 }
 
-// More poles than the function has, more unknowns than rows, equal poles: the response is right.
+// More poles than the function has, more unknowns than rows, equal poles: the response is still
+// right.
 TEST(VectorFit, RankDeficientPassesEndWell) {
   for (const auto& [N, NS] : {std::pair(6, 61), {25, 61}, {20, 15}}) {
     T.sample(PAIR, NS);
@@ -134,7 +135,7 @@ TEST(VectorFit, RankDeficientPassesEndWell) {
   }
 }
 
-// A row of the problem holds its weight on both sides.
+// The weight of a row applies to both of its sides.
 TEST(VectorFit, WeightsCountByTheirMagnitude) {
   T.sample([](Complex s) { return std::exp(-1e-2 * std::sqrt(s)); });
   for (int k = 1; k <= T.G.NS; ++k) T.G.weight[k] = 1.0 + k % 3;

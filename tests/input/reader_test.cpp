@@ -22,7 +22,7 @@ namespace {
 template <class T> using Fields = std::vector<std::pair<const char*, T>>;
 template <class T> using Read = Got (*)(std::string_view, T&);
 
-// How each field is read into a target that held `old`.
+// Reads each field into a target that held `old`.
 template <class T>
 void check(T old, Read<T> read, const Fields<T>& good, const std::vector<const char*>& none,
            const std::vector<const char*>& malformed) {
@@ -36,7 +36,7 @@ void check(T old, Read<T> read, const Fields<T>& good, const std::vector<const c
   for (const char* text : malformed) expect(text, Got::Malformed, old);
 }
 
-// Reads a line of n conductors, with the key that names a file of that text; a slash would end an
+// Reads a line of n conductors with the key that names a file of this text; a slash would end an
 // unquoted name.
 void read(const std::string& format, const std::string& file, int n = 2) {
   const std::string name = scratchFile("yz.txt", file);
@@ -45,7 +45,7 @@ void read(const std::string& format, const std::string& file, int n = 2) {
   readHere(description(manualLineOf(n, keys, "")));
 }
 
-// What opens each state in which lines are looked up.
+// Openings of the states in which lines are looked up.
 const std::string TOWER = "Line Constants Tower\n{\n", CIRCUIT = TOWER + "Circuit\n{\n",
                   PIPE = "Pipe-Type Cable\n{\n";
 const std::string OPENINGS[] = {"",
@@ -143,7 +143,7 @@ TEST(Reader, SetsOptionsAndTheirDefaults) {
   EXPECT_EQ(values(RUNDATA.model.fitsPhases(), RUNDATA.model.MODHALO, RUNDATA.fit.DCCORRF,
                    RUNDATA.passivity.PFLOSET),
             values(1, 1, 1, 1));
-  EXPECT_EQ(values(D.GPARLIM, F.INTTT), values(1.0e-5, 1)); // nothing is left of the file before
+  EXPECT_EQ(values(D.GPARLIM, F.INTTT), values(1.0e-5, 1)); // nothing is left of the previous file
   readHere(description("Line Summary\n{\nLine Name: My Line\nSteady State Frequency: 0\n}\n"
                        "Line Constants Ground Data\n{\nGround Resistivity Type: 1\n"
                        "Ground Resistivity Type: 0\nGroundResistivity: 50,ohm\n}\n"));
@@ -158,7 +158,7 @@ TEST(Reader, EndsAtAMarkInEveryState) {
   for (const char* mark : {"END-OF-CORVO-INPUT-DATA", "  DATADSO1"}) {
     for (const std::string& opening : OPENINGS)
       EXPECT_EQ(consoleOf(opening + mark + "\nrubbish\n"), consoleOf(opening)) << opening;
-    // not where a line is taken as it comes
+    // not where every line is accepted
     const std::string line = std::string(mark) + "\n";
     EXPECT_NE(consoleOf("PI Model Options\n" + line).find(": " + line), std::string::npos);
     EXPECT_NE(consoleOf(CIRCUIT + "Conductors: 2\nP1 : 0 9\n" + line).find(": " + line),
@@ -168,8 +168,8 @@ TEST(Reader, EndsAtAMarkInEveryState) {
   }
 }
 
-// Every key of every section, without a value: nothing is said, and nothing but what the key says
-// by standing there is changed.
+// Every key of every section without a value: nothing is printed, and only keys that act without a
+// value change anything.
 TEST(Reader, KeysWithoutAValueDoNothing) {
   for (const std::string& opening : OPENINGS) {
     ASSERT_TRUE(startTrace());
@@ -217,7 +217,7 @@ TEST(ManualSection, TakesAPairInAnyOrderOfItsBlocks) {
   const std::string Z = " Z:impedance\n1 2 3\n3,\n4" + std::string(20000, ' ') +
                         "dropped\n\n5 6\n7 8\n",
                     Y = "Y:\n0 1\n0 2\n0 3\n0 4\n";
-  // ahead of the first tag Z is selected, and a block that repeats overwrites
+  // before the first tag Z is selected, and a repeated block overwrites
   const std::string others = "X\n9 9\n9 9\n9 9\n9 9\n";
   for (const std::string& file : {Z + Y, Y + Z, others + Y + Z, others + Y + Y + "\n\n" + Z}) {
     read("Y and Z", file);
@@ -231,7 +231,7 @@ TEST(ManualSection, TakesAPairInAnyOrderOfItsBlocks) {
 TEST(ManualSection, TakesATableAndItsNumbersInEveryForm) {
   const char* const forms[] = {"{}",   "{} ohm",   "  {},1",   "+{}/",
                                "'{}'", "\n\t\n{}", "{}.0D+00", "0.{}E1\r"};
-  std::string file = "1\n2\n2\n"; // the first record is not looked at
+  std::string file = "1\n2\n2\n"; // the first record is ignored
   for (int value = 1; value <= 34; ++value) {
     const bool plain = value % 17 == 1 || value > 9;
     file += fmt::format(fmt::runtime(plain ? "{}" : forms[value - 2]), value) + "\n";

@@ -1,4 +1,4 @@
-// The conductor table that towers, bundles, ground wires and external files leave.
+// The conductor table that results from towers, bundles, ground wires and external files.
 #include "input/bundles.h"
 #include "store/rundata.h"
 #include "support/description.h"
@@ -17,7 +17,7 @@ const std::string OPENTOWER = "Line Constants Tower\n{\n";
 
 std::vector<int> maps() { return {C.CMAP.entries.begin(), C.CMAP.entries.begin() + C.NCOND}; }
 
-// 49 numbers; the first ones given, the rest 0.
+// 49 numbers; the given ones first, the rest 0.
 std::string externalRecord(std::string_view numbers, int given) {
   return fmt::format("{} {}*0\n", numbers, 49 - given);
 }
@@ -63,13 +63,13 @@ TEST(Tower, GroundWiresTakeTheirData) {
   const std::string data = "DCResistance: 3\nRadius: 0.005\nGW2 DCResistance: 1\n"
                            "GW2 Radius: 0.007\nSag: 3\nP1 : -5 30\n";
   const std::string unique = "Unique Ground Wires: 0\n", second = "P2 : 5 30\n";
-  read("2\n{\n" + data + second); // eliminated by default, all alike
+  read("2\n{\n" + data + second); // eliminated by default, all equal
   EXPECT_EQ(maps(), (std::vector<int>{0, 0, 0, -1, -1}));
   EXPECT_EQ(values(C.CRAD[5], C.CSHUNT[4], C.CYAVG[5], C.NCIRC), values(0.005, 0, 28, 1));
   read("2\n{\n" + unique + data + second);
   EXPECT_EQ(values(C.CRAD[4], C.CRAD[5]), values(0.005, 0.007));
   EXPECT_NEAR(C.CRDC[5], 1e-3, 1e-18);
-  read("1\n{\n" + unique + data); // the second wire's data go nowhere
+  read("1\n{\n" + unique + data); // the second wire's data are ignored
   EXPECT_EQ(values(C.CRAD[4], C.CRAD[5]), values(0.005, 0));
   read("2\n{\nEliminate Ground Wires: 0\nGround Wire Phase Information: 4 5\n" + data + second, 5);
   EXPECT_EQ(maps(), (std::vector<int>{0, 0, 0, -2, -2}));
@@ -78,7 +78,7 @@ TEST(Tower, GroundWiresTakeTheirData) {
 
 TEST(Tower, ConductorShapes) {
   const std::string none = "Circuit\n{\nConductors: 0\nRadius: 9\nStrand Radius: 9\n"
-                           "Conductor Relative Permeability: 9\n}\n"; // leaves nothing behind
+                           "Conductor Relative Permeability: 9\n}\n"; // leaves no values behind
   readHere(description(summary(3) + OPENTOWER + none + "}\n" + threePhaseTower()));
   EXPECT_EQ(values(C.NCOND, C.CMUR[1], C.CSTRND[1], C.ALL3PH), values(3, 1, 0, 0));
   readTower("Inner Radius: 0.010\nStrand Radius: 0.002\nNumber of Outer Strands: 18\n"
@@ -117,7 +117,7 @@ TEST(Library, RowsOfBothFormats) {
   readTower("Library : " + old + "\nName: five\n");
   expectNear(values(C.CTUBE[2], C.CTHICK[2]), values(1, 0.01));
   const std::string holes = scratchFile("holes.lib", "none 0.02 , , 0.03\nmu 0.02 0.2 , 0.004\n");
-  readTower("Library : " + holes + "\nName: none\n"); // separators leave what was there
+  readTower("Library : " + holes + "\nName: none\n"); // separators keep the old values
   expectNear(values(C.CRAD[2], C.CRDC[2], C.CMUR[2], C.CTUBE[2]), values(0.02, 0.05e-3, 1, 0));
   readTower("Library : " + holes + "\nName: mu\n");
   expectNear(values(C.CRDC[2], C.CMUR[2], C.CTHICK[2]), values(0.2e-3, 1, 0.016));
@@ -128,7 +128,7 @@ TEST(Library, RowsOfBothFormats) {
 
 TEST(Conductors, BundleMembersAndKeptWiresFollowTheirNodes) {
   // Circuit 1 at nodes 5 1 3 with bundles of two, an eliminated wire, a kept wire at node 2,
-  // circuit 2 of one conductor at node 4; node p stands at 10 p.
+  // circuit 2 of one conductor at node 4; node p is at x = 10 p.
   readHere(description(
       summary(5) + "Line Constants Tower\n{\nCircuit\n{\nConductors: 3\n" +
       "Conductor Phase Information: 5 1 3\nRadius: 0.01\nP1 : 50 20\nP2 : 10 20\nP3 : 30 20\n" +

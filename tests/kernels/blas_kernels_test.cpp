@@ -33,7 +33,7 @@ void draw(std::complex<double>& z) {
   z = {parts[0], parts[1]};
 }
 
-// n elements, and NaN in all that stands beside them. A column of a matrix when the stride is 1.
+// n elements with NaN between them; a column of a matrix if the stride is 1.
 template <class T> struct Strided {
   T memory[20];
   std::ptrdiff_t n;
@@ -49,7 +49,7 @@ using Reals = Strided<double>;
 using Complexes = Strided<std::complex<double>>;
 template <class T> constexpr int LDA = sizeof(Strided<T>) / sizeof(T);
 
-// The same bits; to rounding over kernels of another make.
+// Equal bits; equal to rounding for other kernels.
 bool same(double is, double wanted) {
   static const bool own = dlsym(RTLD_DEFAULT, "openblas_get_config") == nullptr;
   if (std::isnan(wanted)) return std::isnan(is);
@@ -65,7 +65,7 @@ template <class T> bool same(const Strided<T>& is, const Strided<T>& wanted) {
                     [](T a, T b) { return same(a, b); });
 }
 
-// A sum of products: of contiguous numbers as four sums, then what is left behind them.
+// A sum of products: contiguous numbers as four sums, followed by the rest.
 double product(Reals& a, Reals& x) {
   double sums[4] = {};
   const int n = static_cast<int>(x.n), whole = x.stride == 1 ? n / 4 * 4 : 0;
@@ -77,8 +77,8 @@ double product(Reals& a, Reals& x) {
 
 } // namespace
 
-// y = beta y + alpha A x or alpha A^T x column by column, A = A + alpha x y^T, |x|. An alpha that
-// is a power of 2 leaves the bits to the order of the sums.
+// y = beta y + alpha A x or alpha A^T x column by column, A = A + alpha x y^T, |x|. With alpha a
+// power of 2 the bits depend only on the order of the sums.
 TEST(BlasKernels, AreThePlainLoops) {
   const double factors[][2] = {{1.0, 0.0}, {-0.5, 1.0}, {2.0, 0.3}, {0.0, 0.3}};
   for (int t = 0; t < 9 * 9 * 3 * 3 * 8; ++t) {
@@ -108,10 +108,10 @@ TEST(BlasKernels, AreThePlainLoops) {
       for (int i = 0; i < rows; ++i) A[j][i] += alpha * y[j] * x[i];
       EXPECT_TRUE(same(B[j], A[j])) << t;
     }
-    if (x.stride < 0) continue; // of which others make no length
+    if (x.stride < 0) continue; // which have no length
     const double length = std::sqrt(product(x, x));
     EXPECT_TRUE(same(dnrm2_(&rows, x.memory, &x.stride), length)) << t;
-    for (const double size : {1e-170, 1e170}) { // squares leave the range of numbers
+    for (const double size : {1e-170, 1e170}) { // squares overflow or underflow
       Reals far = x;
       for (double& e : far.memory) e *= size;
       EXPECT_NEAR(dnrm2_(&rows, far.memory, &x.stride) / size / length, 1.0, 1e-14) << t;
@@ -119,7 +119,7 @@ TEST(BlasKernels, AreThePlainLoops) {
   }
 }
 
-// The same of complex numbers, with A^T and A^H; sums run in plain order.
+// The same for complex numbers, with A^T and A^H; sums run in order.
 TEST(BlasKernels, AreThePlainComplexLoops) {
   using Complex = std::complex<double>;
   const Complex factors[][2] = {{1.0, 0.0}, {{-0.5, 0.25}, 1.0}, {{0.0, 2.0}, {0.3, -0.1}}};

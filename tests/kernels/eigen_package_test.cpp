@@ -12,9 +12,9 @@ using namespace lcp::test;
 
 namespace {
 
-// The squaring ends when a power and its square agree to 1e-6. Two eigenvalues so close that a
-// squaring does not part them any more give vectors in the plane of the pair, and a residual of
-// the size of their distance; all others come out to rounding.
+// Squaring ends when a power and its square agree to 1e-6. Two eigenvalues that are too close to be
+// separated give vectors in the plane of the pair, and a residual of the size of their distance;
+// all others are exact to rounding.
 constexpr double CLOSEPAIR = 1e-8;
 constexpr double ROUNDING = 1e-13;
 

@@ -14,13 +14,13 @@ using namespace lcp;
 
 namespace {
 
-// A matrix with eigenvalues at 1 and 1 + apart, solved at the first of them with the system written
-// out beside it. Returns whether it was found singular.
+// A matrix with eigenvalues at 1 and 1 + apart, solved at the first of them, and the same system
+// written out. Returns whether it was found singular.
 bool solveNearPair(int n, double apart, std::mt19937& random) {
   static SquareStore<Complex, BORDERED> J;
   static LineMatrix A, X, XI;
   static BorderedMatrix M;
-  static BorderedSystems S; // beside the one in question others of other vectors
+  static BorderedSystems S; // other vectors in the other lanes
   static LaneVectors lanes;
   bool solved[LANES];
   ModeComplex x;
@@ -55,7 +55,7 @@ bool solveNearPair(int n, double apart, std::mt19937& random) {
   lanes.getLane(c, d.data(), n + 1);
   EXPECT_NE(singular, SOLVEJD(full.data(), J, r.data(), n + 1)) << n << ' ' << apart;
   const Dense j = corner(J, n + 1);
-  for (std::size_t i = 0; i < j.size() && apart > 1e-7; ++i) { // the residual is of rounding
+  for (std::size_t i = 0; i < j.size() && apart > 1e-7; ++i) { // residual at rounding level
     Wide left = -r[int(i) + 1];
     long double size = 0;
     for (std::size_t k = 0; k < j.size(); ++k) {
@@ -117,7 +117,7 @@ TEST(BorderedSystem, VerdictIsThatOfTheFullElimination) {
   }
 }
 
-// A lane has the bits of a vector alone, whatever stands in the others.
+// A lane has the bits of a single vector, whatever the other lanes hold.
 TEST(LaneVectors, HaveTheBitsOfOneVector) {
   static SquareStore<Complex, MAXINV> A, X;
   static LeftFactor F;

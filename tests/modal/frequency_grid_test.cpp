@@ -54,7 +54,7 @@ TEST(FrequencyGrid, LaysTheFitRangeWithFivePointsBelow) {
   storeFrequency(3, 50.0);
   EXPECT_NEAR(SOLVEDATA.grid.WFREQ[3], 314.159265358979, 1e-11);
   EXPECT_NEAR(SOLVEDATA.grid.LOGF[3], 1.69897000433602, 1e-14);
-  RUNDATA.fit.NFINC = 1012; // the most
+  RUNDATA.fit.NFINC = 1012; // the maximum
   layGrid();
   EXPECT_EQ(SOLVEDATA.grid.NFREQ, 1019);
 }
@@ -64,15 +64,15 @@ TEST(YzInterp, GivesRowsAndTheWayBetweenThem) {
   LineMatrix Y, Z, P;
   const auto reactance = [&](double f, int flag, int k) {
     YZINTERP(f, Y, Z, P, flag, k);
-    EXPECT_NEAR(Y(1, 1).imag() / Z(1, 1).imag(), 1e-5, 1e-17); // Y and Z are at one frequency
+    EXPECT_NEAR(Y(1, 1).imag() / Z(1, 1).imag(), 1e-5, 1e-17); // Y and Z are at the same frequency
     return Z(1, 1).imag() / (TWOPI * 1e-6);
   };
-  EXPECT_EQ(reactance(60, 0, 2), 20); // row 2, whatever the frequency
+  EXPECT_EQ(reactance(60, 0, 2), 20); // row 2 at any frequency
   EXPECT_EQ(reactance(20, 1, 2), 20);
   EXPECT_NEAR(reactance(12.5, 1, 2), 12.5, 1e-13);
   EXPECT_EQ(reactance(20, 1, 3), 20);          // between equal frequencies
   EXPECT_EQ(reactance(1, 1, 1), 10);           // there is no row before the first
-  EXPECT_NEAR(reactance(35, 1, 2), 35, 1e-13); // beyond them as well
+  EXPECT_NEAR(reactance(35, 1, 2), 35, 1e-13); // outside the rows as well
   for (const bool falling : {false, true}) {
     if (falling) readHere(description(tableLine(1, smallTable({20, 10}), "")));
     for (const auto& [f, at] : {std::pair{5.0, 10.0}, {10.0, 10.0}, {17.5, 17.5}, {1e6, 20.0}}) {
@@ -83,8 +83,8 @@ TEST(YzInterp, GivesRowsAndTheWayBetweenThem) {
 }
 
 TEST(FrequencyGrid, TheWayToARowIsThatOfALogarithmicGrid) {
-  // The first mode is none at first, so no search helps: it gives up at 0.00001, 0.10001 and so on
-  // to 0.90001 of each step, and the constants are those of the last one. Z(2, 2) shows where.
+  // The first mode is missing at first, so no search helps: it gives up at 0.00001, 0.10001 and so
+  // on to 0.90001 of each step, and the constants are those of the last one. Z(2, 2) shows where.
   std::string text = "\n3\n2\n";
   for (const double f : {10.0, 20.0, 1000.0}) {
     const double w = TWOPI * f, L = f == 10 ? 0 : 1e-6;

@@ -1,4 +1,4 @@
-// The frequency loops over whole grids. Whole runs hold the searches of the first one.
+// The frequency loops over whole grids; whole runs cover the searches of the first loop.
 #include "modal/first_loop.h"
 
 #include "modal/line_constants.h"
@@ -19,8 +19,8 @@ namespace {
 
 Dense vectors(int k) { return stepOf(SOLVEDATA.at.MTI, k); }
 
-// Residual of A x = l x over all modes of step k, A over the mean magnitude of its diagonal, the
-// largest element of x at 1.
+// Residual of A x = l x over all modes of step k, with A divided by the mean magnitude of its
+// diagonal and the largest element of x equal to 1.
 double newtonResidual(int k) {
   constantsAt(SOLVEDATA.grid.FREQ[k]);
   const Dense A = corner(SOLVEDATA.first.PMAT, RUNDATA.line.NC), T = vectors(k);
@@ -32,7 +32,7 @@ double newtonResidual(int k) {
   return largest(sum(product(A, T), TL, -1)) / static_cast<double>(s);
 }
 
-// How far a mode's vector turns between two steps: 1 - |cosine| of their angle.
+// Rotation of a mode's vector between two steps: 1 - |cosine| of their angle.
 double turn(int k, std::size_t mode) {
   const Dense X = vectors(k), Y = vectors(k - 1);
   Wide dot;
@@ -45,7 +45,7 @@ double turn(int k, std::size_t mode) {
   return static_cast<double>(1 - std::abs(dot) / std::sqrt(a * b));
 }
 
-// Vectors are of length one, their pivots real and positive.
+// Vectors have unit length, their pivots are real and positive.
 void expectTurnedVectors(int k) {
   for (int m = 1; m <= RUNDATA.line.NC; ++m) {
     double column = 0;
@@ -66,13 +66,13 @@ TEST(FirstLoop, ModesOfADoubleCircuitAreSolvedAndContinuous) {
   EXPECT_FALSE(SOLVEDATA.first.IDEALT);
   for (int k = 2; k <= SOLVEDATA.grid.NFREQ; ++k) {
     EXPECT_LE(newtonResidual(k), 1.1e-8) << k;
-    if (k == SOLVEDATA.grid.NFREQ) continue; // of the constant transform
+    if (k == SOLVEDATA.grid.NFREQ) continue; // of the constant transformation
     for (std::size_t m = 0; m < 6; ++m) EXPECT_LT(turn(k, m), 0.05) << k << ' ' << m;
   }
 }
 
 TEST(FirstLoop, TwoModesOnOneSolutionAreTold) {
-  // With twenty wires a step from grid point to grid point leads two modes to one eigenvalue.
+  // With twenty wires, a direct step between grid points leads two modes to the same eigenvalue.
   const std::string line =
       manyCircuits(20, modeModel("Maximum # of Poles for Surge Impedance Fit: 1\n"
                                  "Maximum # of Poles for Attenuation Constant "
@@ -103,7 +103,7 @@ TEST(SecondLoop, PhaseFunctionsAreThoseOfTheMatrices) {
         const Dense Y = stepOf(SOLVEDATA.at.YSTORE, k), YC = stepOf(SOLVEDATA.second.YCST, k);
         const Dense gamma = squareRoot(product(Y, stepOf(SOLVEDATA.at.ZSTORE, k)));
         const Dense H = exponential(times(-length, gamma));
-        // the eigenvalues are solved to 1e-8, an error that the length multiplies
+        // the eigenvalues are solved to 1e-8; the length multiplies this error
         EXPECT_LT(distance(stepOf(SOLVEDATA.second.HST, k), H), 2e-6) << k;
         EXPECT_LT(distance(YC, product(inverse(gamma), Y)), 1e-6) << k;
         if (!SOLVEDATA.first.IDEALT) expectTurnedVectors(k);

@@ -1,4 +1,4 @@
-// Entered data against matrices built of the sequences, and against lines computed from geometry.
+// Entered data against matrices built from the sequences, and against lines computed from geometry.
 #include "modal/manual_modes.h"
 
 #include "base/constants.h"
@@ -39,7 +39,7 @@ struct Mode {
 constexpr Mode POSITIVE{2e-5, 0.9e-6, 12e-12}, ZERO{25e-5, 3.1e-6, 8e-12},
     MUTUAL{18e-5, 0.5e-6, 2e-12};
 
-// Keys of one sequence in the form MANFMT, at 60 Hz.
+// Keys of one sequence in the format MANFMT, at 60 Hz.
 std::string keysOf(const char* name, const Mode& m, int MANFMT) {
   if (MANFMT == MANSURGE) {
     return fmt::format("{0}Resistance: {1}\n{0}Travel Time: {2}\n{0}Surge Impedance: {3}\n", name,
@@ -52,8 +52,8 @@ std::string keysOf(const char* name, const Mode& m, int MANFMT) {
                      name, m.R / Zb, w * m.L / Zb, XC);
 }
 
-// The phase matrix of n conductors with a positive sequence value and zero sequence values of the
-// sum and of the difference of two circuits.
+// The phase matrix of n conductors from a positive-sequence value and zero-sequence values of the
+// sum and the difference of two circuits.
 Dense phases(std::size_t n, Wide positive, Wide sum, Wide difference) {
   if (n == 1) return {{positive}};
   const Wide zero = n == 6 ? (sum + difference) / 2.0L : sum;
@@ -75,7 +75,7 @@ void checkSequences(int MANFMT, int n, int ESTZERO) {
                        zeroKeys, keysOf("0 Sequence Mutual ", MUTUAL, MANFMT)));
   Mode zero = ESTZERO == ZEROENTERED ? ZERO : POSITIVE;
   if (ESTZERO == ZERORATIOS) zero = {9 * zero.R, 2.5 * 1.4 * zero.L, 1.4 / 2.5 * zero.C};
-  // the sum of the circuits takes the mutual values as entered reactances only
+  // the sum of the circuits includes the mutual values only for entered reactances
   const bool sums = n == 6 && ESTZERO == ZEROENTERED && MANFMT != MANSURGE;
   const Mode sum = zero.added(MUTUAL, sums ? 1 : 0), difference = zero.added(MUTUAL, -1);
   const double w = TWOPI * 170;
@@ -103,8 +103,8 @@ TEST(ManualModes, TakesTheLongLineCorrectionOut) {
     const Mode corrected{ZLC(1, 1).real(), ZLC(1, 1).imag() / w, YLC(1, 1).imag() / w};
     const std::string keys = keysOf("+ve Sequence ", corrected, MANOHMS);
     enter(1, "Data Entry Format:  ohms/m\nLong Line Corrected: 1\n" + keys, length);
-    // u^2 of the corrected values is off by u^2 / 12 of itself, and so are the factors of Z and Y,
-    // 1 + u^2 / 6 and 1 - u^2 / 12, by u^4 / 72 and u^4 / 144
+    // u^2 of the corrected values has a relative error of u^2 / 12, which changes the factors of Z
+    // and Y, 1 + u^2 / 6 and 1 - u^2 / 12, by u^4 / 72 and u^4 / 144
     const double u4 = std::pow(length * std::abs(std::sqrt(y * z)), 4);
     const double offX = Z(1, 1).imag() / 170 * 60 / z.imag() - 1;
     const double offB = Y(1, 1).imag() / 170 * 60 / y.imag() - 1;

@@ -1,4 +1,4 @@
-// Newton steps of single modes, and the order of modes; whole walks are those of the first loop.
+// Newton steps of single modes, and the order of modes; whole walks are tested with the first loop.
 #include "modal/newton.h"
 
 #include "support/line_matrices.h"
@@ -13,7 +13,7 @@ namespace {
 int updates(int k) { return SOLVEDATA.first.NRITER[k]; }
 Complex& LSTEP(int k) { return SOLVEDATA.first.LSTEP[k]; }
 
-// A diagonal matrix, mode k guessed as L(k) with column k of X, element k of it held.
+// A diagonal matrix; mode k is guessed as L(k) and column k of X, with element k fixed.
 struct Single {
   LineMatrix A, TI, X;
   ModeComplex EIG, L;
@@ -38,13 +38,13 @@ struct Single {
 
 TEST(Newton, StepsAreLimited) {
   Single S;
-  // Eigenvalue 1 from 1.2 by 5 % each: 1.14, 1.083, 1.02885, 1.
+  // Eigenvalue 1 from 1.2 in steps of 5 %: 1.14, 1.083, 1.02885, 1.
   S.L[1] = 1.2;
   EXPECT_TRUE(S.solve({7.0}));
   EXPECT_EQ(updates(1), 4);
   EXPECT_NEAR(S.EIG[1].real(), 7.0, 1e-12);
   EXPECT_EQ(S.s, 7.0);
-  // An element of the vector from 0.11 to 0 by 0.025 each: the fifth step is a full one.
+  // An element of the vector from 0.11 to 0 in steps of 0.025: the fifth step is a full one.
   S.L[1] = 0.5;
   S.X(2, 1) = {0.0, 0.11};
   S.L[2] = 1.5;
@@ -54,7 +54,7 @@ TEST(Newton, StepsAreLimited) {
   EXPECT_EQ(LSTEP(1), 0.5);
 }
 
-// A zero vector has a singular Jacobian at any eigenvalue, which is moved.
+// A zero vector has a singular Jacobian at any eigenvalue, so only the eigenvalue moves.
 TEST(Newton, ASingularStepMovesTheEigenvalue) {
   Single S;
   S.X(1, 1) = 0.0;
@@ -87,7 +87,7 @@ TEST(ModeTracking, RestoresOrderAndSigns) {
     EXPECT_EQ(EIG[k], 10.0 * k);
     for (int i = 1; i <= n; ++i) EXPECT_LT(std::abs(TI(i, k) - V(i, k)), 6e-3) << k;
   }
-  // Among equally near vectors the first one counts; it is reversed, and turned.
+  // Among equally near vectors the first one is taken; it is reversed, and is negated.
   for (int i = 1; i <= n; ++i) TI(i, 1) = TI(i, 2) = -V(i, 1);
   EIG[2] = 99.0;
   MTRACK(TI, TIINV, V, EIG, 2);

@@ -1,5 +1,7 @@
-// Load flow values, sequences of cable cores, and the long-line correction of lines of one
-// conductor. The pi file of a line is tested for the exact circuit.
+// Load-flow values, sequences of cable cores, and the long-line correction of single-conductor
+// lines.
+//
+// The pi file of a line is tested against the exact circuit elsewhere.
 #include "cable/four_wire.h"
 #include "modal/core_sequence.h"
 #include "modal/long_line.h"
@@ -20,7 +22,8 @@ namespace {
 
 LineMatrix Y, Z;
 
-// Circuits of three, of a value of their own within, mutual ones and one value between the two.
+// Circuits of three conductors with one self value, one mutual value, and one value between the
+// circuits.
 void balanced(LineMatrix& M, Complex self, Complex mutual, Complex between) {
   for (int i = 1; i <= 6; ++i) {
     for (int j = 1; j <= 6; ++j)
@@ -53,7 +56,7 @@ void ground(int pipe, int even, int odd) {
   for (int c = 1; c <= 6; ++c) RUNDATA.cable.CB[c].CBGLAST = c % 2 == 0 ? even : odd;
 }
 
-// Element (i, j) of a matrix of circuits that are transposed by themselves and against each other.
+// Element (i, j) of a matrix of circuits that are transposed individually and against each other.
 Wide transposed(const Dense& M, std::size_t i, std::size_t j) {
   if (M.size() == 2) return M[i][j];
   Wide sum, count;
@@ -108,7 +111,7 @@ TEST(Sequence, LoadFlowBlocksOfADoubleCircuit) {
   EXPECT_NEAR(data.blocks[5].values.Zc, KZ * std::sqrt(40 / 7e-3), 1e-12);
   EXPECT_NEAR(data.blocks[9].values.B, 6e-4 / KZ, 1e-12); // a mutual susceptance by magnitude
   EXPECT_EQ(data.circuits, 2);
-  EXPECT_NEAR(data.simulator[1].X, 40, 1e-12); // the simulator is told ohms
+  EXPECT_NEAR(data.simulator[1].X, 40, 1e-12); // the simulator gets ohms
 }
 
 TEST(LongLine, CorrectsEachLineByItselfAndShowsPositiveParts) {
@@ -125,7 +128,7 @@ TEST(LongLine, CorrectsEachLineByItselfAndShowsPositiveParts) {
                {{1e-11, 0}, z, 1e4, false},
                {y, {0, 5e-4}, 1e4, false},
                {y, {1e-3, -5e-4}, 1e4, false},
-               {y, z, 1e9, false}}; // no wave comes back: Z fades
+               {y, z, 1e9, false}}; // no reflection: Z fades
   for (const auto& c : cases) {
     bool shown = !c.shown;
     Y(1, 1) = c.y;

@@ -1,5 +1,4 @@
-// Detail curve files read back: sampled values against the line, fitted ones against the model,
-// both formed here.
+// Detail curve files read back: sampled values against the line, fitted ones against the model.
 #include "output/curve_files.h"
 
 #include "base/constants.h"
@@ -37,7 +36,7 @@ const std::string& textOf(const Files& files, const std::string& curve) {
   return files.at("x_" + curve + ".out");
 }
 
-// A line of other length than whole values have goes on with the row before it.
+// A line whose length differs from that of whole values continues the previous row.
 Rows rowsOf(const Files& files, const std::string& curve) {
   Rows rows;
   std::istringstream in(textOf(files, curve));
@@ -50,7 +49,7 @@ Rows rowsOf(const Files& files, const std::string& curve) {
   return rows;
 }
 
-// What a child that has this process's stores writes.
+// Files written by a child that has this process's stores.
 Files written(const std::function<void()>& code, int status = 0, const std::string& console = "") {
   const Scratch scratch;
   RUNDATA.line.LNAME = "x";
@@ -67,11 +66,11 @@ Files written(const std::function<void()>& code, int status = 0, const std::stri
 }
 
 using Row = std::vector<Complex>;
-using RowOf = std::function<Row(int step)>; // empty: of no interest
+using RowOf = std::function<Row(int step)>; // empty: not checked
 
-// The complex values of the 101 steps of the fit range: magnitudes stand in one file and angles in
-// another, or both beside each other in one, or real and imaginary parts do (no other file). Fitted
-// ones stand behind the sampled ones, so near to these, measured by the largest.
+// The complex values of the 101 steps of the fit range: magnitudes and angles in two files, or side
+// by side in one, or real and imaginary parts (no second file). Fitted values follow the sampled
+// ones and must be near them, relative to the largest.
 void expectCurve(const Files& files, const std::string& a, const std::string& b,
                  const RowOf& expected, double tolerance = 1.2e-7, double fitted = 0) {
   const Rows first = rowsOf(files, a), second = rowsOf(files, b.empty() ? a : b);
@@ -123,10 +122,10 @@ template <class Value> RowOf ofModes(Value value) {
   };
 }
 
-// What each phase sees of three alike at the sending end, the far end shorted or open.
+// Sending-end voltages of three equal phases with the far end shorted or open.
 Row sentOf(int k, bool shorted) {
   static LineMatrix Y, Z;
-  if (k > 66 || k % 6 != 0) return {}; // beyond the exact circuit has lost its digits
+  if (k > 66 || k % 6 != 0) return {}; // beyond, the exact circuit has lost its digits
   SOLVEDATA.at.YSTORE.load(k, Y, 3);
   SOLVEDATA.at.ZSTORE.load(k, Z, 3);
   const PiCircuit pi = exactPi(corner(Y, 3), corner(Z, 3), LENGTH);
@@ -155,7 +154,7 @@ TEST(CurveFiles, OfThePhaseModelAreTheLine) {
   }
 }
 
-// The ends are those of the exact line.
+// The end curves are those of the exact line.
 TEST(CurveFiles, OfTheModeModelAreItsModesAndEnds) {
   const std::string body =
       singleCircuit(modeModel("Write Detailed Output Files: 1\n"), "ShuntConductance: 1e-11\n");
@@ -200,7 +199,7 @@ TEST(CurveFiles, HalfTurnsArePositiveAndNoNumbersStayOut) {
   EXPECT_TRUE(rowsOf(files, "ym").empty());
   const auto cut = [] {
     console::prepare();
-    const rlimit limit{900, 900}; // the header and less than the rows
+    const rlimit limit{900, 900}; // the heading and less than the rows
     setrlimit(RLIMIT_FSIZE, &limit);
     SOLVEDATA.grid.NFUSE = 106;
     headCurves(), writeLineCurvesBefore();
@@ -208,7 +207,7 @@ TEST(CurveFiles, HalfTurnsArePositiveAndNoNumbersStayOut) {
   EXPECT_EQ(textOf(written(cut, 1, "Error in Writing Output File: x_zm.out\n"), "zm"), "");
 }
 
-// A run that ends in its second loop leaves headers, and the rows of the steps behind it.
+// A run that ends in its second loop leaves headings, and the rows of the steps before its end.
 TEST(CurveFiles, KeepTheirRowsWhereTheRunEnds) {
   solveBothLoops(singleCircuit(modeModel("Write Detailed Output Files: 1\n")), LENGTH);
   const Files files = written([] {
@@ -221,7 +220,7 @@ TEST(CurveFiles, KeepTheirRowsWhereTheRunEnds) {
   EXPECT_EQ(textOf(files, "zm"), "   LOG10(FN) FN  Calc. Mag.: Z11, Z12 ... Z21, Z22 ... [ohms]\n");
 }
 
-// Trouble is told and changes nothing else. Names stay in the directory.
+// Trouble is reported and changes nothing else. Names stay in the directory.
 TEST(CurveFiles, TroubleIsToldAndTheRunGoesOn) {
   ProgramRun runs[2];
   for (const std::size_t detail : {0U, 1U}) {
@@ -231,7 +230,7 @@ TEST(CurveFiles, TroubleIsToldAndTheRunGoesOn) {
     std::filesystem::create_directory(scratch.file(".._a_b_zm.out"));
     std::filesystem::create_symlink("missing/x", scratch.file(".._a_b_gdio.out"));
     const int other = open(scratch.file(".._a_b_yp.out").c_str(), O_CREAT | O_RDONLY, 0600);
-    EXPECT_EQ(flock(other, LOCK_EX), 0); // as another run in the folder has it
+    EXPECT_EQ(flock(other, LOCK_EX), 0); // as another run in the folder holds it
     runs[detail] = runProgram({"/file", "a.cvi", "/length", "1e5"}, scratch.path());
     close(other);
   }

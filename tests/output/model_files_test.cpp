@@ -1,5 +1,4 @@
-// Model files of runs read back, and compared with the line and with the errors that the console
-// shows.
+// Model files of runs read back and compared with the line and with the printed errors.
 #include "fit/dc_values.h"
 #include "fit/fit_driver.h"
 #include "fit/mode_model.h"
@@ -35,7 +34,7 @@ std::vector<std::string> modelFileOf(const std::string& body, const std::string&
   return splitLines(runLine(body, length).files.at("a.cvo"));
 }
 
-// The branches of a PI file as matrices; of the shunts those of one end.
+// The branches of a PI file as matrices; shunt branches of one end.
 PiCircuit circuitOf(const companions::PiFile& pi, double w) {
   PiCircuit circuit{sum(denseOf(pi.R), denseOf(pi.L), Wide(0, w)), denseOf(pi.R)};
   circuit.Y = times(0, circuit.Y);
@@ -62,7 +61,7 @@ ModeRun runModes(const std::string& body) {
   return {run.console, readModel(run.files.at("a.cvo"))};
 }
 
-// The error and the count printed behind the title are those of the function behind its delay.
+// The error and the count printed after the title belong to the function without its delay.
 void expectFit(const ModeRun& run, const std::string& title, const companions::Rational& f,
                double delay, const Curve<Complex, MAXFREQ>& F) {
   double deviation = 0, peak = 0, error = -1;
@@ -86,12 +85,12 @@ void expectModes(const ModeRun& run) {
               SOLVEDATA.second.ZSURGST.curve(m));
     expectFit(run, fmt::format("Mode {:2} Attenuation Constant:", m), mode.A, 1e-3 * mode.delay,
               SOLVEDATA.second.HMODE.curve(m));
-    // all modes travel about as fast as light, the more the loss is taken out
+    // all modes travel at about the speed of light, especially with the loss removed
     EXPECT_NEAR(1e-3 * mode.delay, LENGTH / 2.99792458e8, 1e-4 * mode.delay);
   }
 }
 
-// The number at the start of the third line behind the last one with the words.
+// The number at the start of the third line after the last occurrence of the words.
 double numberBehind(const std::string& console, const std::string& words) {
   std::size_t at = console.rfind(words);
   if (at == std::string::npos) return -1;
@@ -124,7 +123,7 @@ TEST(ModelFile, ThePiFileIsTheExactPiCircuit) {
     const PiCircuit exact =
         exactPi(corner(SOLVEDATA.first.YMAT, n), corner(SOLVEDATA.first.ZMAT, n), 8e4L);
     EXPECT_LT(distance(pi.Z, exact.Z), 1e-7);
-    // couplings stand in the file as capacitances, without their small negative conductance
+    // the file contains couplings as capacitances, without their small negative conductance
     EXPECT_LT(distance(susceptance(pi.Y), susceptance(times(0.5L, exact.Y))), 1e-7);
   }
 }
@@ -147,7 +146,7 @@ TEST(ModelFile, BergeronModesAreThoseOfTheLine) {
     for (const auto& row : TI) square += std::norm(row[static_cast<std::size_t>(m) - 1]);
     EXPECT_NEAR(static_cast<double>(square), 1.0, 1e-12);
   }
-  const ChildResult noted = runChild([] { // by magnitude in the file, one of rounding in silence
+  const ChildResult noted = runChild([] { // by magnitude in the file; rounding gets no note
     dup2(STDOUT_FILENO, STDERR_FILENO);
     SOLVEDATA.second.RLOSS1.fill(1e-4);
     SOLVEDATA.second.RLOSS2.fill(1e-4);
@@ -176,7 +175,7 @@ TEST(ModelFile, LongRowsGoOnInANewLine) {
   }
 }
 
-// Without a target of the error the counts of poles are the limits.
+// Without an error target the numbers of poles reach the limits.
 TEST(ModeModelFile, FunctionsAreTheModesOfTheLine) {
   const std::string limits = "Maximum Fitting Error (%) for Surge Impedance: 0\n"
                              "Maximum Fitting Error (%) for Attenuation Constant: 0\n"
@@ -274,7 +273,7 @@ TEST(PhaseModel, AtZeroFrequencyTheModelIsTheCorrectedOne) {
 }
 
 // At zero frequency: gamma = sqrt(G R), Yc = gamma^-1 G, H = exp(-l gamma). The wires couple by
-// 2e-8 of their own resistance, which is below what the eigen package tells apart.
+// 2e-8 of their own resistance, which is below the resolution of the eigen package.
 TEST(PhaseModel, DcValuesAreThoseOfTheResistances) {
   static RealMatrix Y, H;
   solveBothLoops(doubleCircuit(phaseModel()), 1e5);
@@ -285,7 +284,7 @@ TEST(PhaseModel, DcValuesAreThoseOfTheResistances) {
   EXPECT_LT(largest(sum(dense(H), exponential(times(-1e5L, gamma)), -1)), 2e-8);
 }
 
-// One value that is no number in what is fitted.
+// One value of the fitted functions is not finite.
 TEST(PhaseModel, FitsWithoutFiniteNumbersAreRefused) {
   solveBothLoops(singleCircuit(phaseModel(EVENWEIGHTS)));
   formFitWeights();
@@ -305,7 +304,7 @@ TEST(PhaseModel, FitsWithoutFiniteNumbersAreRefused) {
   }
 }
 
-// A record of a report has room for 25 elements.
+// A record of a report holds 25 elements.
 TEST(Report, LongRowsGoOnInANewRecord) {
   RUNDATA.resetInput();
   for (const int n : {25, 26, 49}) {

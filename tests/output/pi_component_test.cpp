@@ -1,4 +1,4 @@
-// Component files against texts composed by hand; whole runs hold those of lines.
+// Component files against texts composed by hand; whole runs cover those of lines.
 #include "output/pi_component.h"
 
 #include "base/constants.h"
@@ -17,7 +17,7 @@ namespace {
 
 LineMatrix Y, Z;
 
-// The component of Y and Z of a line with that name, or what the run says instead.
+// The component of Y and Z of a line with that name, or the error message.
 std::string component(int n, const std::string& name) {
   const Scratch scratch;
   RUNDATA.line.LNAME = name;
@@ -54,7 +54,7 @@ TEST(PiComponent, ToTheCharacter) {
   Z(2, 2) = {2e-4, w * 1.6e-6};
   EXPECT_EQ(component(2, "Two"), contentOf(data / "pi_two.cmp"));
   Y(1, 1).real(0);
-  // no blank behind it: a name for the file alone
+  // no blank after it: a name only for the file
   EXPECT_EQ(component(1, std::string(30, 'n')), contentOf(data / "pi_one.cmp"));
   EXPECT_TRUE(has(component(1, "../b"), R"(     Def = "../b")"));
   EXPECT_EQ(component(1, "").find(" Component(\"_u\")\n"), 0U);

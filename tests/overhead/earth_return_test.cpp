@@ -1,4 +1,4 @@
-// The sums of Carson's integral; tests/values holds what it is.
+// The sums of Carson's integral; tests/values holds its values.
 #include "overhead/carson_integral.h"
 
 #include "base/constants.h"
@@ -34,6 +34,6 @@ TEST(CarsonIntegral, SaysWhenAStageRunsOut) {
   EXPECT_EQ(told(1e-3, 0.4), "");
   EXPECT_EQ(told(1e-100, 0.0), hyperbolic + "1.000000-100" + going);
   EXPECT_EQ(told(0.0, 0.0), hyperbolic + "0.000000E+00" + going + linear + "0.000000E+00" + going);
-  // A conductor below ground by its average height: the integrand grows without limit.
+  // A conductor whose average height is below ground: the integrand grows without limit.
   EXPECT_EQ(told({3.0, 4.0}, 2.0), linear + "5.000000E+00" + going);
 }

@@ -14,7 +14,7 @@ namespace {
 
 std::size_t at(int i) { return static_cast<std::size_t>(i); }
 
-// Solution at f with the entries of the table all taken for kept conductors.
+// Solution at f with all entries of the table treated as kept conductors.
 LineResult solveUnreduced(double f) {
   const RunData whole = RUNDATA;
   RUNDATA.cond.CMAP.fill(MAPMAIN);
@@ -45,14 +45,14 @@ Dense joined(const Dense& admittance, int nc) {
   return A;
 }
 
-// Conductor a stands in the place of i over part of the line; both from 0.
+// Whether conductor a takes the position of i over part of the line; both 0-based.
 bool alike(std::size_t i, std::size_t a) {
   const ConductorTable& C = RUNDATA.cond;
   const int k = static_cast<int>(i) + 1, l = static_cast<int>(a) + 1;
   return l == k || (C.CTRANSP[k] == 1 && C.CTRANSP[l] == 1 && C.CCIRC[k] == C.CCIRC[l]);
 }
 
-// Mean over the elements that transposition lets stand in each other's place.
+// Mean over the elements that transposition exchanges.
 Dense averaged(const Dense& A) {
   return formed(A.size(), [&](std::size_t i, std::size_t j) {
     Wide sum = 0, count = 0;
@@ -74,7 +74,7 @@ TEST(OverheadZY, PropertiesOfGeneratedLines) {
   for (std::uint64_t seed = 1; seed <= 200; ++seed) {
     makeLine(seed);
     if (seed % 25 == 0) RUNDATA.ground.EARTHF = EARTHINTEGRAL;
-    // Of frequency-dependent soil the closed form is not passive, near 100 kHz on wide lines.
+    // With frequency-dependent soil the closed form is not passive near 100 kHz on wide lines.
     const bool approximate = RUNDATA.ground.GRTYPE && RUNDATA.ground.EARTHF == EARTHCLOSED;
     const LineResult r = solveLine(frequencyOf(seed));
     EXPECT_EQ(unsound(r, frequencyOf(seed), !approximate), "") << seed;

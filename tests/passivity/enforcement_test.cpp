@@ -1,5 +1,7 @@
-// The steps of the enforcement: variables, sensitivities to them against central differences, peaks
-// of the violation over the grid, constraint frequencies.
+// The steps of the enforcement.
+//
+// Variables, their sensitivities against central differences, peaks of the violation over the grid,
+// constraint frequencies.
 #include "made_up_model.h"
 
 #include "passivity/nodal_admittance.h"
@@ -20,15 +22,15 @@ using namespace lcp::test;
 
 namespace {
 
-// The linearisation around the residues as they are; returns what is printed.
+// Linearises around the current residues; returns the printed text.
 std::string linearise() {
   RESCLASS();
   decomposeResidues();
   return consoleOf(RESMASK);
 }
 
-// One variable moved by so many of its step, all others 0: a power of two, which survives the
-// rounding to single precision.
+// Moves one variable by a number of its steps, all others being 0: a power of two, which survives
+// the rounding to single precision.
 void move(int k, double step) {
   Table<double, MAXVARIABLES> x{};
   x[k] = step;
@@ -76,7 +78,7 @@ TEST(ResidueModel, ChoosesTheSmallestEigenvaluesWithinTheLimit) {
   }
 }
 
-// Of H, and of the eigenvalues of the nodal admittance.
+// Sensitivities of H and of the eigenvalues of the nodal admittance.
 TEST(ResidueModel, SensitivitiesAreCentralDifferences) {
   static ResidueList before;
   for (const int n : {1, 3}) {
@@ -130,9 +132,9 @@ TEST(ViolationScan, PeaksAreInnerMaximaOrTheFirstLargestValue) {
   } cases[] = {
       {{}, {}},
       {{1e-21, 1e-21, 1e-21}, {}},
-      {{0, 1, 0, 2, 1, 3}, {2, 4}}, // the rise to the last point is no peak beside others
-      {{0, 1, 1, 0}, {2}},          // a plateau is no peak: its first point, as the largest
-      {{0, 1, 1, 0, 0.5, 0}, {5}},  // ... and nothing beside one
+      {{0, 1, 0, 2, 1, 3}, {2, 4}}, // the rise to the last point is not a peak if there are others
+      {{0, 1, 1, 0}, {2}},          // a plateau is not a peak: its first point, as the largest
+      {{0, 1, 1, 0, 0.5, 0}, {5}},  // ... and it is ignored if there is a peak
       {{0, 1, 2, 3}, {4}},
       {{3, 2, 1}, {1}},
       {{4}, {1}},

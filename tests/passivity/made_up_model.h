@@ -1,5 +1,7 @@
-// A made-up fitted model in the enforcement store: two delay groups, real poles and conjugate
-// pairs, residues that are no symmetric matrices, numbers of one size.
+// An artificial fitted model in the enforcement store.
+//
+// Two delay groups, real poles and conjugate pairs, residues that are not symmetric, numbers of
+// similar size.
 #pragma once
 
 #include "base/matrix.h"
@@ -11,8 +13,8 @@
 
 namespace lcp::test {
 
-// n conductors; so many poles in each of the two groups, the first third of them real. With a
-// larger share of the own elements the model is not passive.
+// n conductors; the given number of poles in each of the two groups, the first third of them real.
+// With larger diagonal elements the model is not passive.
 inline void setMadeUpModel(int n, int first, int second, double own = 0.3) {
   std::mt19937 random(static_cast<unsigned>(n + first));
   const auto between = [&](double lo, double hi) {

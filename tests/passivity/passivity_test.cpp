@@ -1,6 +1,8 @@
-// The grid and the check against a closed form; and lines whose fits are not passive, mended by the
-// program, and looked at from the model file alone: the whole spectrum of the nodal admittance at
-// ten times as many frequencies as the enforcement's.
+// The passivity grid, the check against a closed form, and enforcement on lines whose fits are not
+// passive.
+//
+// The enforced model is examined from its file alone: the whole spectrum of the nodal admittance at
+// ten times as many frequencies as in the enforcement.
 #include "base/constants.h"
 #include "base/number_forms.h"
 #include "kernels/lapack.h"
@@ -25,7 +27,7 @@ using namespace lcp::test;
 
 namespace {
 
-using Options = PassivityOptions; // lowest frequency, asked for, highest, count, distribution
+using Options = PassivityOptions; // lowest frequency, check enabled, highest, count, distribution
 using Bands = std::vector<std::string>;
 
 std::string three(double v) { return scientificField(v, 10, 3); }
@@ -34,7 +36,7 @@ std::string band(double from, double to, double worst) {
   return " From " + three(from) + " Hz to " + three(to) + " Hz         " + three(worst);
 }
 
-// The bands in what the check prints; the table around them is held by whole runs.
+// The bands printed by the check; whole runs cover the table around them.
 Bands bandsIn(const std::string& console) {
   Bands bands;
   for (const std::string& l : splitLines(console)) {
@@ -64,7 +66,7 @@ struct Worst {
   double all = 1, seen = 1; // smallest eigenvalue: of all, of the half of smallest magnitude, S
 };
 
-// Eigenvalues of the ends driven alike and against each other, together those of both ends.
+// Eigenvalues for ends driven in phase and in opposition, together those of both ends.
 Worst scan(const ModelFile& file, double low, double high, int n) {
   const auto smaller = [](double a, double b) { return std::fabs(a) < std::fabs(b); };
   Worst worst;
@@ -85,7 +87,7 @@ Worst scan(const ModelFile& file, double low, double high, int n) {
   return worst;
 }
 
-// Model section of a fit to that error, in per cent.
+// Model section of a fit with that error limit, in percent.
 std::string fitOf(double error, const std::string& more = "") {
   return phaseModel(EVENWEIGHTS + more +
                     fmt::format("Maximum Fitting Error (%) for Attenuation Constant: {}\n", error));
@@ -130,10 +132,10 @@ TEST(PassivityGrid, Distributions) {
       {{1, true, 100, 4, 3}, {1, 5.5, 10, 55}},
       {{1, true, 40, 6, 3}, {1, 4, 7, 10}},        // the last part is too short for a point
       {{1, true, 70, 6, 3}, {1, 4, 7, 10, 40}},    // ... holds two
-      {{1, true, 2000, 2, 3}, {1, 10, 100, 1000}}, // less than a point a decade
+      {{1, true, 2000, 2, 3}, {1, 10, 100, 1000}}, // less than one point per decade
       {{1, true, 100, 5, 0}, {}},
       {{-1, true, -5, -5, 4}, {}},
-      // falling; and counts below 1
+      // descending; and counts below 1
       {{1000, true, 0.1, 5, 1}, {1000, 100, 10, 1, 0.1}},
       {{10, true, -5, 4, 2}, {10, 5, 0, -5}},
       {{7, true, 7, 3, 2}, {7, 7, 7}},
@@ -213,9 +215,9 @@ TEST(EnforcedLines, ArePassiveBetweenThePointsOfTheGrid) {
 TEST(EnforcedLines, KeepTheFitWhenItIsNotImproved) {
   const std::string fitted = runSingle(fitOf(5)).files.at("a.cvo");
   const std::string notMended[] = {
-      mendedFit(5, 0.5, 1e6, 8, 0.01),     // the change that mends it is larger
+      mendedFit(5, 0.5, 1e6, 8, 0.01),     // the necessary change is larger
       mendedFit(5, 0.5, 1e6, 0),           // no iteration
-      mendedFit(5, 0.5, 1e6, 8, 5, -1e-9), // lifts to less than the scan asks for
+      mendedFit(5, 0.5, 1e6, 8, 5, -1e-9), // raises them to less than the scan requires
       mendedFit(5, 1e4, 1e6),              // no violation is found ...
       mendedFit(5, 760, 900),              // ... or seen
   };
@@ -226,14 +228,14 @@ TEST(EnforcedLines, KeepTheFitWhenItIsNotImproved) {
     EXPECT_FALSE(tells(run, "Checking for Passivity"));
     EXPECT_EQ(tells(run, "There are no passivity violations  \n"), i >= 3);
   }
-  // There the half of the eigenvalues that the enforcement looks at is positive, and the largest of
-  // the other half is not.
+  // There the half of the eigenvalues that the enforcement considers is positive, and the largest
+  // of the other half is not.
   const Worst worst = scan(readModel(fitted), 760, 900, 50);
   EXPECT_GT(worst.seen, 1e-6);
   EXPECT_NEAR(worst.all, -1.31e-4, 1e-6);
 }
 
-// The grid of the options misses what is negative; the scan looks everywhere.
+// The grid of the options misses negative eigenvalues; the scan covers all frequencies.
 TEST(EnforcedLines, ImprovedPassivityMendsAllFrequencies) {
   const std::string improved = "Numerical Options\n{\nImproved Passivity: 1\n}\n";
   const std::pair<double, std::string> cases[] = {{5, ""}, {0.5, "DC Correction Type: 1\n"}};

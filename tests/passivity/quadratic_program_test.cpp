@@ -1,4 +1,4 @@
-// Quadratic programs against solutions by hand.
+// Quadratic programs with solutions known by hand.
 #include "passivity/quadratic_program.h"
 
 #include <gtest/gtest.h>
@@ -17,7 +17,7 @@ struct Problem {
   Reals b;
 };
 
-// Solves it out of stores wider than the matrices, with NaN around them.
+// Solves the program in stores wider than the matrices, with NaN around them.
 bool solve(const Problem& P, Reals& x) {
   SquareStore<double, 9> G, A;
   const std::size_t N = P.g.size(), M = P.b.size();
@@ -53,9 +53,9 @@ TEST(QuadraticProgram, SolutionsByHand) {
       {{{{1}}, {0}, {{1}}, {-2 * TINY}}, true, {-2 * TINY}},
       {{unit, {0, 0}, {{1, 0}, {-1, 0}}, {-1, 0}}, false, {0, 0}}, // no point meets both
       {{unit, {0, 0}, {{0, 0}}, {-1}}, false, {0, 0}},
-      // The quotients of all pairs make a step too short: feasible, but the least is (-2, 1/2).
+      // The quotients of all pairs make a step too short: feasible, but the minimum is (-2, 1/2).
       {{{{2, 0}, {0, 1}}, {0, 0}, {{0, -2}, {1, 0}, {3, 1}}, {-1, -2, -4}}, true, {-2, 0.75}},
-      // A constraint is dropped and comes in again.
+      // A constraint is dropped and added again.
       {{{{1, 0, 0}, {0, 1, 0}, {0, 0, 3}},
         {0, 0, 0},
         {{0, 1, -2}, {-1, 3, -2}, {-1, 0, 3}, {3, -1, 2}},

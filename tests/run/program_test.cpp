@@ -1,4 +1,4 @@
-// The program as its user starts it: steps of the length, files that cannot be written.
+// The program as started by a user: length steps, and files that cannot be written.
 #include "support/compare_text.h"
 #include "support/description.h"
 #include "support/scratch.h"
@@ -25,15 +25,15 @@ char stateOf(const std::filesystem::path& file) {
 } // namespace
 
 TEST(Program, LengthStepsAreRunsOfTheirOwn) {
-  // with bases of its own: without them both become 1 for the rest of a run
+  // with both bases: otherwise they become 1 for the rest of a run
   const std::string bases =
       "Line Summary\n{\nLine Name: x\n}\nOutput File Display Options\n{\nCreate PI-Section: 1\n"
       "Base Voltage for Display : 230\nBase MVA for Display : 100\n}\n";
-  std::string component; // of the last length, at the same frequency whatever the model
+  std::string component; // for the last length, at the same frequency for every model
   for (const std::string& model : {bergeronModel("Frequency for Loss Approximation: 2000\n"),
                                    modeModel(), phaseModel(EVENWEIGHTS + "DC Correction Type: 2\n"),
                                    "MFDTD Model Options\n{\n" + EVENWEIGHTS + "}\n"}) {
-    // MFDTD keeps the pivots of the length before, which shows in the last digits
+    // MFDTD keeps the pivots of the previous length, which affects the last digits
     const double within = model.starts_with("MFDTD") ? 1e-12 : 0.0;
     const std::string body = doubleCircuit(model) + bases;
     const ProgramRun steps = runLine(body, "1e4", {"/increment", "5e4", "/steps", "3"});
@@ -52,10 +52,10 @@ TEST(Program, LengthStepsAreRunsOfTheirOwn) {
   }
 }
 
-// Of a run that ends early: refusals ahead of the files leave the old ones; a model file is whole
-// or absent, and no report goes without it; a report keeps what tells why; a curve file its header
-// and the rows so far. An output file that cannot be opened leaves the solve, a pipe without a
-// reader too.
+// Early ends of a run: errors before the files are opened leave the old ones. A model file is
+// complete or absent, and there is no report without it; a report keeps the reason; a curve file
+// keeps its heading and the rows so far. An output file that cannot be opened ends the solve, and
+// so does a pipe without a reader.
 TEST(Program, EarlyEndsLeaveFilesInOrder) {
   const std::string surge = "Data Entry Format:  Surge Impedance and Travel Time\n"
                             "+ve Sequence Resistance: 2e-5\n+ve Sequence Travel Time: 3.4e-9\n"
@@ -69,7 +69,7 @@ TEST(Program, EarlyEndsLeaveFilesInOrder) {
       "\n\n ****** corvo.exe: ERROR *****\nCannot Open Output file ! ******";
   const struct {
     std::string body, console;
-    const char* left; // of each file, as stateOf tells it
+    const char* left; // of each file, as stateOf returns it
     int status = 1;
   } cases[] = {
       {manualLineOf(3, surge + "0\n", bergeronModel()), "Mode 1 of", "oooo"},

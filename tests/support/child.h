@@ -1,5 +1,4 @@
-// Runs a piece of code in a forked child and keeps what it printed and how it ended: for paths
-// that end the process.
+// Runs code in a forked child and keeps its output and status, for paths that end the process.
 #pragma once
 
 #include "support/console_capture.h"
@@ -23,7 +22,7 @@ struct ChildResult {
 inline ChildResult runChild(const std::function<void()>& code) {
   const int file = memfd_create("console", 0);
   console::flush();
-  std::fflush(stdout); // else the child writes what is waiting once more
+  std::fflush(stdout); // otherwise the child writes the buffer again
   const pid_t child = fork();
   if (child == 0) {
     dup2(file, STDOUT_FILENO);
@@ -37,7 +36,7 @@ inline ChildResult runChild(const std::function<void()>& code) {
   return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, takeText(file)};
 }
 
-// The text between two lines is as printed: joins lines with line ends behind each.
+// Joins lines, with a line end after each.
 inline std::string lines(std::initializer_list<std::string> texts) {
   std::string all;
   for (const std::string& t : texts) all += t + "\n";

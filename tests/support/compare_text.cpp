@@ -12,7 +12,7 @@ namespace lcp::test {
 namespace {
 
 struct Line {
-  std::string mask; // the line with what two close values may write differently blotted out
+  std::string mask; // the line with parts that close values may write differently blanked
   std::vector<double> values, units;
   double largest = 0.0;
   bool matrix = false; // numbers and commas alone
@@ -26,18 +26,18 @@ std::size_t afterDigits(const std::string& text, std::size_t at) {
   return at;
 }
 
-// Behind the exponent that stands here, or here: a letter, a sign and digits.
+// Position after an exponent that starts here: a letter, a sign and digits.
 std::size_t afterExponent(const std::string& text, std::size_t at, const char* letters) {
   if (at + 2 >= text.size() || std::string(letters).find(text[at]) == std::string::npos) return at;
   return isSign(text[at + 1]) && isDigit(text[at + 2]) ? afterDigits(text, at + 2) : at;
 }
 
-// A real number of the text: [sign][digits].digits[E sign digits], by the places in it.
+// A real number of the text: [sign][digits].digits[E sign digits], by positions.
 struct Place {
   std::size_t start, point, exponent, end; // without an exponent it is the end
 };
 
-// The first number from a place on, or an empty one at the end.
+// The first number from a position on, or an empty one at the end.
 Place numberFrom(const std::string& text, std::size_t from) {
   for (std::size_t at = text.find('.', from); at < text.size(); at = text.find('.', at + 1)) {
     const std::size_t exponent = afterDigits(text, at + 1);
@@ -57,7 +57,7 @@ Line taken(const std::string& text) {
     line.values.push_back(std::stod(text.substr(p.start, p.end - p.start)));
     line.units.push_back(std::pow(10.0, exponent - static_cast<int>(p.exponent - p.point - 1)));
     line.largest = std::max(line.largest, std::fabs(line.values.back()));
-    for (std::size_t i = p.start; i < p.end; ++i) { // digits and signs behind the point keep a mark
+    for (std::size_t i = p.start; i < p.end; ++i) { // digits and signs after the point stay marked
       char& c = line.mask[i];
       if (i < p.point) c = ' ';
       if (isSign(c)) c = '+';
@@ -69,7 +69,7 @@ Line taken(const std::string& text) {
   return line;
 }
 
-// The largest number of the matrix that begins with a line.
+// The largest number of the matrix that starts at a line.
 double matrixScale(const std::vector<std::string>& lines, std::size_t at) {
   double largest = 0.0;
   for (Line line = taken(lines[at]); line.matrix; line = taken(lines[++at]))
@@ -77,7 +77,7 @@ double matrixScale(const std::vector<std::string>& lines, std::size_t at) {
   return largest;
 }
 
-// The text with each number, [-]digits[.digits][e sign digits], as one sign.
+// The text with each number, [-]digits[.digits][e sign digits], replaced by one sign.
 std::string wordsOf(const std::string& text) {
   std::string words;
   for (std::size_t at = 0; at < text.size();) {
@@ -124,7 +124,7 @@ bool agree(const Line& expected, const Line& actual, double scale, const Toleran
 
 std::string textDifferences(const std::string& expected, const std::string& actual,
                             const Tolerances& t) {
-  // what stands behind the last line end is a line
+  // text after the last line end counts as a line
   const auto wanted = splitLines(expected + "."), got = splitLines(actual + ".");
   double scale = 0.0;
   bool inMatrix = false;

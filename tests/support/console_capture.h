@@ -1,5 +1,4 @@
-// What a piece of code prints on the console, in this process: keeps the output of a test quiet and
-// the results of the code at hand.
+// Captures what code prints on the console in this process, to keep the output of a test quiet.
 #pragma once
 
 #include "base/console.h"

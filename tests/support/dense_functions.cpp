@@ -5,7 +5,7 @@
 
 namespace lcp::test {
 
-// On the rows of [A 1].
+// Gauss-Jordan elimination on the rows of [A 1].
 Dense inverse(Dense A) {
   const std::size_t n = A.size();
   for (std::size_t i = 0; i < n; ++i) {
@@ -60,7 +60,7 @@ Dense times(Wide factor, const Dense& A) {
 
 namespace {
 
-// exp(A) - 1 without cancellation at small A.
+// exp(A) - 1 without cancellation for small A.
 Dense exponentialLessOne(const Dense& A) {
   const double norm = static_cast<double>(A.size()) * largest(A);
   const int squarings = std::max(0, static_cast<int>(std::ceil(std::log2(norm + 1e-30))) + 4);
@@ -105,7 +105,7 @@ void join(Dense& Y, std::size_t i, std::size_t j, Wide y) {
   if (i > 0 && j > 0) Y[i - 1][j - 1] = Y[j - 1][i - 1] -= y;
 }
 
-// By the signs of the pivots.
+// Determined from the signs of the pivots.
 bool hasPositiveRealPart(Dense A) {
   for (std::size_t k = 0; k < A.size(); ++k) {
     if (!(A[k][k].real() > 0)) return false;
@@ -137,7 +137,7 @@ PiCircuit exactPi(const Dense& Y, const Dense& Z, long double length) {
   const Dense chain = exponentialLessOne(formed(2 * n, [&](std::size_t i, std::size_t j) {
     if ((i < n) == (j < n)) return Wide(0);
     return length * (i < n ? Z[i][j - n] : Y[i - n][j]);
-  })); // A - 1 and B stand in its upper half
+  })); // A - 1 and B are in its upper half
   PiCircuit pi{block(chain, 0, n, n), {}};
   pi.Y = times(2, product(inverse(pi.Z), block(chain, 0, 0, n)));
   return pi;

@@ -1,4 +1,4 @@
-// Dense matrices and functions of them, by ways of their own: what results are checked against.
+// Dense matrices and functions of them, independent of the program, to check results against.
 #pragma once
 
 #include "base/matrix.h"
@@ -36,7 +36,7 @@ Dense block(const Dense& A, std::size_t row, std::size_t column, std::size_t n);
 void join(Dense& Y, std::size_t i, std::size_t j, Wide y);
 
 // Whether the real part is positive definite; whether it is a matrix of capacitances (positive
-// diagonal, nothing positive beside it, no row that sums below 0).
+// diagonal, no positive off-diagonal element, no negative row sum).
 bool hasPositiveRealPart(Dense A);
 bool isOfCapacitances(const Dense& A);
 

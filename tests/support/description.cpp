@@ -33,7 +33,7 @@ void readHere(const std::string& text, int iscable) {
   RUNDATA.run.FNAME = scratchFile("case", text);
   RUNDATA.run.ISCABLE = iscable;
   RUNDATA.run.LINELEN = 1000.0;
-  RUNDATA.run.FILESREAD = 1; // whatever a test has left
+  RUNDATA.run.FILESREAD = 1; // independent of earlier tests
   READTLDATA();
 }
 

@@ -47,7 +47,7 @@ std::string nearest(const Exact& x, int decimals) {
   text.resize(static_cast<std::size_t>(kept) + 1);
   const bool tie = rest[0] == '5' && rest.find_first_not_of('0', 1) == std::string::npos;
   if (tie ? text.back() % 2 == 1 : rest[0] >= '5') {
-    const std::size_t last = text.find_last_not_of('9'); // the digit in front is 0
+    const std::size_t last = text.find_last_not_of('9'); // the digit before it is 0
     ++text[last];
     std::fill(text.begin() + static_cast<std::ptrdiff_t>(last) + 1, text.end(), '0');
   }
@@ -75,7 +75,7 @@ std::string exponentText(int e) {
          (size.size() < 2 ? "0" : "") + size;
 }
 
-// Right-aligned; the zero before the point goes where it has no room, where it may.
+// Right-aligned; the zero before the point is dropped where there is no room, if allowed.
 std::string field(double value, std::string text, int width, bool spareZero = true) {
   const auto w = static_cast<std::size_t>(width);
   const std::string sign = std::signbit(value) ? "-" : "";

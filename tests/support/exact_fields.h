@@ -1,9 +1,10 @@
-// A second writer of number fields (base/number_forms.h), from exact decimals: a double is m 2^e,
-// so its digits are those of m doubled e times, or, for e < 0, of m times 5^-e with the point -e
-// places from the end. They are rounded to nearest, ties to even, by hand.
+// A second writer of number fields (base/number_forms.h), based on exact decimals.
 //
-// The one edge that it leaves out: a Fortran write chooses between the forms of the general field
-// in floating point, so a value one rounding error below a power of ten can count as that power.
+// A double is m 2^e, so its digits are those of m doubled e times or, for e < 0, of m times 5^-e
+// with the point -e places from the end. They are rounded to nearest, ties to even.
+//
+// One edge is excluded: a Fortran write selects the form of a general field in floating point, so a
+// value one rounding error below a power of ten can count as that power.
 #pragma once
 
 #include <string>

@@ -1,5 +1,5 @@
-// Matrices for tests and benchmarks of the modal kernels: random ones, and the normalised product
-// Yn Zn of towers side by side.
+// Matrices for tests and benchmarks of the modal kernels: random ones, and Yn Zn of adjacent
+// towers.
 #pragma once
 
 #include "base/constants.h"
@@ -14,7 +14,7 @@
 
 namespace lcp::test {
 
-// A store all of whose elements are no numbers: what a kernel leaves of them tells where it was.
+// Fills a store with NaN, which shows where a kernel has written.
 inline void fillNaN(LineMatrix& A) {
   for (Complex& z : A.elements) z = {std::nan(""), std::nan("")};
 }
@@ -51,7 +51,7 @@ struct Wire {
   double h; // height, m
 };
 
-// n wires of towers 40 m apart: flat three-phase levels at rising heights, no two of them alike.
+// n wires of towers 40 m apart: flat three-phase levels at increasing heights, all different.
 inline std::vector<Wire> towers(int n) {
   std::vector<Wire> wires;
   for (int i = 0; i < n; ++i) {
@@ -62,7 +62,7 @@ inline std::vector<Wire> towers(int n) {
 }
 
 // A = Yn Zn at a frequency over ground of 100 ohm m: Maxwell's potential coefficients, images at
-// the complex depth, and a resistance of 0.05 ohm/km in each wire of 1.5 cm.
+// the complex depth, and a resistance of 0.05 ohm/km in each wire of radius 1.5 cm.
 inline void lineProduct(CView A, double f, const std::vector<Wire>& wires) {
   static LineMatrix Pn, Zn;
   const int n = static_cast<int>(wires.size());

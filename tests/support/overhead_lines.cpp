@@ -21,7 +21,7 @@ void giveShape(int i, LineNumbers& r) {
   C.CSTRAD[i] = C.CRAD[i] / 7.0;
 }
 
-// One more conductor of the kind of another one.
+// Appends a conductor of the same kind as `main`.
 void addBehind(int main, int role, double dx, double dy) {
   using T = ConductorTable;
   T& C = RUNDATA.cond;

@@ -1,5 +1,5 @@
-// Overhead lines for tests: a deterministic generator of conductor tables in solve order, and a
-// solve at one frequency.
+// Overhead lines for tests: a generator of conductor tables in solve order, and a solve at one
+// frequency.
 #pragma once
 
 #include "store/rundata.h"
@@ -10,7 +10,7 @@
 
 namespace lcp::test {
 
-// Numbers without an operating system or library behind them: the same lines everywhere.
+// Pseudo-random numbers that do not depend on system or library: the same lines everywhere.
 class LineNumbers {
 public:
   explicit LineNumbers(std::uint64_t seed) : state(seed * 2654435761U + 1) {}
@@ -26,7 +26,7 @@ private:
   std::uint64_t state;
 };
 
-// What a generated line may hold.
+// Limits of a generated line.
 struct LineWish {
   int mostKept = 48;      // equivalent conductors
   int mostBundle = 4;     // sub-conductors of a bundle
@@ -48,10 +48,10 @@ struct LineResult {
 // What a routine of line constants gives at the frequency f.
 using LineConstants = void (*)(double f, CView YMAT, CView ZMAT, CView PMAT);
 LineResult solveWith(LineConstants routine, double f, bool first = true);
-// What does not hold of a result at f: reciprocity, a positive real part of Z and
+// Returns which of these properties a result at f lacks: reciprocity, a positive real part of Z and
 // of Y over j w, P = Yn Zn.
 std::string unsound(const LineResult& r, double f, bool passive = true);
-// OHZY at the frequency f, with ISTATUS set unless told otherwise.
+// OHZY at frequency f; ISTATUS is set unless `first` is false.
 LineResult solveLine(double f, bool first = true);
 
 } // namespace lcp::test

@@ -1,5 +1,5 @@
-// Propagation functions made up for tests: samples in the solve store, and the fitted model
-// evaluated on its own.
+// Artificial propagation functions: samples in the solve store, and independent evaluation of the
+// model.
 #pragma once
 
 #include "store/fitmodel.h"
@@ -18,19 +18,19 @@ struct GroupPoles {
   std::vector<Complex> poles;
 };
 
-// Poles and delays of FITMODEL; no residues.
+// Sets poles and delays of FITMODEL; no residues.
 void setGroups(int NC, const std::vector<GroupPoles>& groups);
 
-// Residues of all elements, below the magnitude of their poles; those of pairs are conjugates.
+// Sets residues of all elements, below the magnitude of their poles; those of pairs are conjugates.
 void setRandomResidues(LineNumbers& numbers);
 
 using ElementFunction = std::function<Complex(int r, int c, Complex s)>;
 
-// Samples of H, by the order in FITMODEL.
+// Sets samples of H, of the order in FITMODEL.
 void sampleH(const ElementFunction& H);
-void sampleModelOfH(); // of the model as it stands
+void sampleModelOfH(); // samples of the current model
 
-// The model of H.
+// The model of H, evaluated independently.
 Wide modelOfH(int r, int c, Wide s);
 
 struct MeasuredFit {

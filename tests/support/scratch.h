@@ -1,4 +1,4 @@
-// A directory of its own under the system's directory for temporary files, gone with the object.
+// A temporary directory that is removed with its object.
 #pragma once
 
 #include <cstdlib>
@@ -12,7 +12,7 @@
 
 namespace lcp::test {
 
-// The whole content of a file; fails the test when it cannot be read.
+// The whole content of a file; the test fails if it cannot be read.
 inline std::string contentOf(const std::filesystem::path& file) {
   std::ifstream in(file, std::ios::binary);
   EXPECT_TRUE(in.good()) << "cannot read " << file;
@@ -31,7 +31,7 @@ public:
     directory = name;
   }
   ~Scratch() {
-    if (getpid() != owner) return; // a child that ends leaves it to its parent
+    if (getpid() != owner) return; // a child that ends leaves the directory to its parent
     std::error_code ignored;
     std::filesystem::remove_all(directory, ignored);
   }

@@ -20,7 +20,7 @@ namespace {
 
 const std::string TOWER = "Line Constants Tower\n{\n";
 
-// A circuit whose first conductor has that number, and its places.
+// A circuit whose first conductor has this number, and the positions of its conductors.
 std::string circuit(int first, const std::vector<std::pair<double, double>>& places) {
   std::string phases, positions;
   int k = 0;

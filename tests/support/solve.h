@@ -1,4 +1,4 @@
-// Solves of described lines, in stages, without the program around them.
+// Solves described lines stage by stage, without the rest of the program.
 #pragma once
 
 #include "store/rundata.h"
@@ -25,7 +25,7 @@ std::string bergeronModel(const std::string& keys = "");
 inline const std::string EVENWEIGHTS =
     "Weighting Factor 1: 1\nWeighting Factor 2: 1\nWeighting Factor 3: 1\n";
 
-// Reads the description, lays the grid and runs the loops.
+// Reads the description, sets up the grid and runs the loops.
 void solveFirstLoop(const std::string& body, double length = 1e5);
 void solveBothLoops(const std::string& body, double length = 1e5);
 

@@ -1,5 +1,6 @@
-// Model files of runs, read back by the readers of the companions, which evaluate them on their
-// own. Words and columns are held by the whole runs.
+// Model files of runs, read back and evaluated by the readers of the companions.
+//
+// Words and columns are tested by the whole runs.
 #pragma once
 
 #include "companions/shared/model_file.h"
@@ -16,7 +17,7 @@ inline Dense denseOf(const companions::Matrix& A) {
   return formed(A.rows, [&](std::size_t i, std::size_t j) { return Wide(A(i, j)); });
 }
 
-// The file as it was read: to its end, its poles stable and beside their conjugates.
+// Reads a file completely; its poles must be stable and next to their conjugates.
 inline ModelFile readModel(const std::string& text) {
   const ModelFile file = companions::parseModelFile(text);
   EXPECT_EQ(file.trouble, "") << text;

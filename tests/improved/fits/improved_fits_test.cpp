@@ -1,5 +1,7 @@
-// The fits of the option "Improved Fits": what they hold that the default ones do not, on lines and
-// on functions made up for it. Models are evaluated here, from their poles and residues.
+// Fits of the option "Improved Fits", on lines and on artificial functions.
+//
+// They must meet what the default fits miss. Models are evaluated here from their poles and
+// residues.
 #include "base/constants.h"
 #include "fit/dc_pole.h"
 #include "fit/dc_values.h"
@@ -44,7 +46,7 @@ bool has(const std::string& text, const std::string& words) {
   return text.find(words) != std::string::npos;
 }
 
-// The first number behind the last of these words.
+// The first number after the last occurrence of these words.
 double numberBehind(const std::string& text, const std::string& words) {
   const std::size_t at = text.rfind(words) + words.size();
   return std::stod(text.substr(text.find_first_of("0123456789", at)));
@@ -56,7 +58,7 @@ Complex partial(const PoleTable& P, const PoleTable& R, int N, Complex s) {
   return sum;
 }
 
-// Per cent by which the model of Yc misses its samples at the points and between them.
+// Deviation of the model of Yc from its samples, in percent, at the points and between them.
 double measuredYc() {
   double most = 0, peak = 0;
   const auto look = [&](double w, const CurveMatrix<Complex, MAXFREQ>& F, int k) {
@@ -106,7 +108,7 @@ struct TestFunction {
 TEST(ImprovedFits, ReductionTakesOutNoPoleThatHNeeds) {
   const std::string keys = "Maximum Residue/Pole Ratio Tolerance: 0.3\n" + EVENWEIGHTS;
   phaseFitOf(singleCircuit(phaseModel(keys)), 1e5);
-  EXPECT_GT(measureFit().largest, 0.1); // of 2 % asked for
+  EXPECT_GT(measureFit().largest, 0.1); // although 2 % was requested
   const std::string console = phaseFitOf(singleCircuit(phaseModel(keys) + IMPROVED), 1e5);
   EXPECT_LE(measureFit().largest, 0.02);
   EXPECT_GT(measureFit().ratio, 0.3);
@@ -122,7 +124,7 @@ TEST(ImprovedFits, PrintedErrorIsThatOfTheModelWithItsCorrection) {
                            EVENWEIGHTS;
   const std::string heading = "--------------   --------\n";
   std::string console = phaseFitOf(singleCircuit(phaseModel(keys), LEAK), 1e4);
-  BETWEEN.NB = 0; // at the points alone the default is above what it prints and was asked
+  BETWEEN.NB = 0; // at the points alone the default exceeds what it prints and what was requested
   EXPECT_GT(measuredYc(), 0.23);
   EXPECT_LT(numberBehind(console, heading), 0.2);
   console = phaseFitOf(singleCircuit(phaseModel(keys) + IMPROVED, LEAK), 1e4);
@@ -140,7 +142,7 @@ TEST(ImprovedFits, PrintedErrorIsThatOfTheModelWithItsCorrection) {
   EXPECT_TRUE(RUNDATA.run.WARNFLAG);
 }
 
-// A band that begins far above the frequencies at which Yc nears its DC value.
+// A band that starts far above the frequencies at which Yc approaches its DC value.
 TEST(ImprovedFits, ACorrectionThatSpoilsYcIsRefused) {
   const std::string keys = "DC Correction Type: 2\nCurve Fitting Start Frequency: 1000\n"
                            "Maximum Fitting Error (%) for Surge Admittance: 0.2\n" +
@@ -173,7 +175,7 @@ TEST(ImprovedFits, ThePoleOfTheCorrectionLiesBelowTheFit) {
     EXPECT_NEAR(dcPole(slowest), pole, 1e-6);
 }
 
-// A resonance of 1 % width between two points shows as 5 % at them.
+// A resonance of 1 % width between two points causes a deviation of 5 % at them.
 TEST(ImprovedFits, FitsGoodOnlyAtTheirPointsGrowOn) {
   const double b = std::sqrt(std::pow(10.0, 6 * 19.0 / 39) * std::pow(10.0, 6 * 20.0 / 39));
   const Complex p(-0.01 * b, b);
@@ -216,14 +218,14 @@ TEST(ImprovedFits, PointsOfLostModesAreSampledAnew) {
   SecondLoopStore& T = SOLVEDATA.second;
   const Complex H = T.HST(70, 2, 1), YC = T.YCST(70, 2, 1);
   EXPECT_EQ(samplePhasesBetween().lost, 0);
-  T.HST(70, 2, 1) += 0.1; // as two modes on one solution leave it
+  T.HST(70, 2, 1) += 0.1; // as if two modes had converged to one solution
   T.YCST(70, 2, 1) *= 2.0;
   EXPECT_EQ(samplePhasesBetween().lost, 1);
   EXPECT_LT(std::abs(T.HST(70, 2, 1) - H), 1e-6);
   EXPECT_LT(std::abs(T.YCST(70, 2, 1) - YC), 1e-6 * std::abs(YC));
 }
 
-// A jump of Z at one point moves nothing that is sampled there or next to it.
+// A jump of Z at one point affects no sample there or next to it.
 TEST(ImprovedFits, ConstantsBetweenAreSmoothAlsoWhereZJumps) {
   solveBothLoops(singleCircuit(phaseModel(EVENWEIGHTS)), 1e5);
   formFitWeights();
@@ -263,7 +265,7 @@ TEST(ImprovedFits, ModesThatMissAreToldAndNumbersHoldWhatIsPrinted) {
     EXPECT_TRUE(has(console, std::string("*WARNING*: The ") + what + " misses")) << what;
   EXPECT_TRUE(RUNDATA.run.WARNFLAG);
 
-  // p^2 / (s + p)^2 is a difference of two fractions without end
+  // p^2 / (s + p)^2 is the limit of a difference of two growing fractions
   const TestFunction F(100, [](Complex s) { return 1.0 / ((1.0 + s / 1e3) * (1.0 + s / 1e3)); });
   const RationalFit fit = F.grown(0.01, true);
   EXPECT_LE(fit.ERR, 0.01);

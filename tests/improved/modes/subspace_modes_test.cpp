@@ -54,7 +54,7 @@ TEST(Assignment, IsTheBestOfAllPermutations) {
   }
 }
 
-// P = Y Z with two equal modes, in a plane that the reference spans by vectors of its own.
+// P = Y Z with two equal modes, in a plane for which the reference has another basis.
 TEST(SubspaceModes, EqualModesKeepTheBasisOfTheReference) {
   static ModeFrame frame;
   FirstLoopStore& S = SOLVEDATA.first;
@@ -98,7 +98,7 @@ TEST(SubspaceModes, ReportAgreesWithABergeronLineOfTwoFrequencies) {
   for (int i = 1; i <= RUNDATA.line.NC; ++i) EXPECT_NEAR(report[i] / model[i], 1, 1e-9) << i;
 }
 
-// Many modes lie close together all over the grid.
+// Many modes are close together over the whole grid.
 TEST(SubspaceModes, OfManyCircuitsAreAllThereAtTheEndOfTheGrid) {
   const std::string console =
       consoleOf([] { solveFirstLoop(manyCircuits(12, phaseModel()) + IMPROVED); });
@@ -111,10 +111,10 @@ TEST(SubspaceModes, OfManyCircuitsAreAllThereAtTheEndOfTheGrid) {
     trace += SOLVEDATA.first.PMAT(i, i);
     sum += SOLVEDATA.at.MEIG(last, i);
   }
-  EXPECT_LT(std::abs(trace - sum), 1e-11 * std::abs(trace)); // a doubled mode stands for another
+  EXPECT_LT(std::abs(trace - sum), 1e-11 * std::abs(trace)); // a doubled mode would replace another
 }
 
-// The largest steps of vectors, surge impedances and eigenvalues from one frequency to the next.
+// The largest changes of vectors, surge impedances and eigenvalues between frequencies.
 struct LargestSteps {
   double vector = 0, impedance = 0, eigenvalue = 0;
 };
@@ -124,7 +124,7 @@ LargestSteps stepsWith(const std::string& body, int increments) {
   solveBothLoops(body + phaseModel(keys + "\n") + IMPROVED);
   const SecondLoopStore& T = SOLVEDATA.second;
   LargestSteps steps;
-  for (int k = 2; k < SOLVEDATA.grid.NFREQ; ++k) { // the last one stands out of order
+  for (int k = 2; k < SOLVEDATA.grid.NFREQ; ++k) { // the last one is out of order
     const double scale = std::pow(SOLVEDATA.grid.FREQ[k] / SOLVEDATA.grid.FREQ[k - 1], 2);
     for (int j = 1; j <= RUNDATA.line.NC; ++j) {
       const Complex z = T.ZSURGST(k, j), l = SOLVEDATA.at.MEIG(k, j);
@@ -139,7 +139,7 @@ LargestSteps stepsWith(const std::string& body, int increments) {
   return steps;
 }
 
-// Two circuits that are nearly mirror images: some surge impedances turn past the imaginary axis.
+// Two circuits that are nearly mirror images: some surge impedances cross the imaginary axis.
 std::string nearlyMirrored() {
   const auto circuit = [](const char* phases, const std::string& places) {
     return std::string("Circuit\n{\nConductors: 3\nConductor Phase Information: ") + phases +
@@ -154,8 +154,8 @@ std::string nearlyMirrored() {
          "}\n" + "Line Constants Ground Data\n{\nGroundResistivity: 10\n}\n";
 }
 
-// A jump stays as high when the grid becomes denser. And Yc = TI / Zs TI^T, of which the surge
-// impedances have no part otherwise, tells their sign.
+// A jump keeps its height when the grid becomes denser. Yc = TI / Zs TI^T, which does not use the
+// surge impedances otherwise, shows their sign.
 TEST(SubspaceModes, CurvesOfModesAreContinuousAndOfOneSign) {
   for (const std::string& body : {singleCircuit(""), doubleCircuit(""), nearlyMirrored()}) {
     const LargestSteps coarse = stepsWith(body, 200), fine = stepsWith(body, 400);
@@ -176,7 +176,7 @@ TEST(SubspaceModes, CurvesOfModesAreContinuousAndOfOneSign) {
   }
 }
 
-// Modes that cross between there and the end of the grid keep the order of the neighbour.
+// Modes that cross between that frequency and the end of the grid keep the order of the neighbour.
 TEST(SubspaceModes, TheConstantTransformStepContinuesItsNeighbour) {
   for (const double f : {0.6, 1.0, 100.0, 3e4}) {
     const std::string key = fmt::format("Frequency to Calculate Constant Transform: {}\n", f);

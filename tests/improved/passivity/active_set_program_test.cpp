@@ -27,8 +27,8 @@ LeastVectorProgram programOf(const std::vector<Reals>& A, const Reals& b, int eq
 
 } // namespace
 
-// Feasible, y = A^T u, no bound with a negative multiplier, none with one that is not met exactly:
-// what holds at the minimum of a convex program and nowhere else.
+// Conditions that hold only at the minimum of a convex program: feasible, y = A^T u, no bound with
+// a negative multiplier, none with a multiplier that is not met exactly.
 TEST(ActiveSetProgram, RandomProgramsEndAtTheirMinimum) {
   LineNumbers numbers(11);
   const auto random = [&](std::size_t n) {
