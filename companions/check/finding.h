@@ -56,6 +56,7 @@ struct KindRow {
   std::string_view text;     // the sentence, with up to three places for words
 };
 
+// The table row of a kind.
 const KindRow& rowOf(Kind kind);
 
 struct CheckFinding {

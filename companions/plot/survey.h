@@ -14,6 +14,7 @@ struct Survey {
   std::vector<LineModes> modes; // followed over frequency, in the order of the model if it has one
 };
 
+// Surveys the line that readHere has read, of a length in m, at the frequencies for its model.
 Survey surveyLine(const ModelFile& file, double length);
 
 // Z and Y per metre.

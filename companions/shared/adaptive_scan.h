@@ -36,6 +36,7 @@ struct Band {
   double at;       // its frequency, Hz
 };
 
+// All such intervals, ascending; from and to are the first and last point below the limit.
 std::vector<Band> bandsBelow(const Scan& scan,
                              const std::function<double(const ScanPoint&)>& limit);
 

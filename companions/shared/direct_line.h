@@ -37,6 +37,7 @@ std::size_t lineOrder();
 // program at this frequency ends the process.
 LinePoint constantsOf(double f);
 
+// Modes of Y Z at a point, in the order of LAPACK.
 LineModes modesOf(const LinePoint& point);
 
 // Computes the surge impedances of the vectors TI: gamma / (TI^-1 Y TI^-T).
@@ -47,6 +48,7 @@ void formSurgeImpedances(LineModes& modes, const LinePoint& point);
 std::vector<double> travelTimes(const LineModes& modes, double f, double length);
 double nearestTo(double delay, const std::vector<double>& times);
 
+// Yc and H at a point, for a length in m.
 PhaseFunctions phaseFunctionsOf(const LinePoint& point, const LineModes& modes, double length);
 
 // ---- small dense matrices

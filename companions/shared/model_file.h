@@ -56,6 +56,7 @@ ModelFile parseModelFile(const std::string& text);
 // Reads the file of that name; on failure `trouble` is set.
 ModelFile readModelFile(const std::string& name);
 
+// Name of a model kind in messages.
 std::string_view nameOf(ModelKind kind);
 
 // The fitted functions of a model: Yc or Z and the groups of H, or Zc, H and row of T of each mode.

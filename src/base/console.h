@@ -11,7 +11,8 @@
 
 namespace lcp::console {
 
-void text(std::string_view words); // without a line end
+// Prints a text without a line end, a line, or a formatted line.
+void text(std::string_view words);
 void line(std::string_view words = {});
 
 template <class... Args> void print(fmt::format_string<Args...> form, Args&&... args) {

@@ -11,6 +11,7 @@
 
 namespace lcp {
 
+// Integer Iw, right-aligned.
 std::string integerField(long long value, int width);
 
 // Fixed form Fw.d with d decimals.

@@ -14,6 +14,7 @@ namespace lcp {
 // Whether the square of x, and products with other such numbers, neither overflow nor underflow.
 inline bool isPlain(double x) { return x > 1e-130 && x < 1e130; }
 
+// Replaces x by its square root.
 inline void takeRoot(double& x) { x = std::sqrt(x); }
 inline void takeRoot(Lanes& x) {
   for (int c = 0; c < LANES; ++c) x[c] = std::sqrt(x[c]);

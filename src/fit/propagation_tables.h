@@ -15,6 +15,7 @@ constexpr std::string_view HPHASEHEADING = " Hphase:      Maximum           Maxi
 constexpr std::string_view FINALHEADING =
     " Final Fit:   Maximum        Maximum      Number      Adjusted";
 
+// Heading of all tables with the requested error and the limit of poles; heading of one attempt.
 void printPropagationHeading(double percentRequested, int limit);
 void printAttempt(int attempt, double TARGET);
 
@@ -22,11 +23,14 @@ void printAttempt(int attempt, double TARGET);
 void printModeHeading();
 void printModeRow(int g, double ERRG, int NH, double TAU);
 
+// Errors of a phase fit and its largest ratio of residue to pole.
 void printPhaseFit(const PhaseFit& fit);
 
+// Order reduction.
 void printReductionHeading();
 void printReducedGroups(); // poles of each group of FITMODEL
 
+// DC correction.
 void printCorrectionHeading();
 void printFinalFit(const PhaseFit& fit); // with the poles and delays of FITMODEL
 void printFitEnd();                      // printed instead if there is no correction

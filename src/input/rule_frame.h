@@ -4,6 +4,7 @@
 
 namespace lcp {
 
+// Print the lines before and after the message.
 void openRules();
 void closeRules();
 

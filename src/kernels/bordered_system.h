@@ -21,6 +21,7 @@ struct BorderedMatrix {
   Complex H[LDMAT][LDMAT];        // stored by rows
 };
 
+// Reduces A of order n and prepares M for all systems with this matrix.
 void reduce(BorderedMatrix& M, CConstView A, int n);
 
 // Each lane in use holds a system

@@ -62,6 +62,6 @@ struct NegativeBand {
   double worst;    // smallest eigenvalue, S
 };
 
-[[nodiscard]] std::vector<NegativeBand> negativeBands(const Spectrum& spectrum);
+[[nodiscard]] std::vector<NegativeBand> negativeBands(const Spectrum& spectrum); // ascending
 
 } // namespace lcp
