@@ -1,10 +1,10 @@
 // Evaluates each pair of bodies of a cable system once; the earth-return value of a pair fills the
 // elements of all conductors of the two bodies.
 //
-// The number of panels of an integral grows with the horizontal distance x relative to H = y_i +
-// y_j. The aerial integral takes 11 x / H panels. In the buried one the cosine limits the width of
-// a panel to 200 / sin theta, and the integrand extends to t = (D / H) (23 + sqrt(65 |m| H)) in a
-// soil without displacement currents; from |m| H = 1060 the factor in front of the integral
+// The number of panels of an integral grows with the horizontal distance x over H, the sum of y_i
+// and y_j. The aerial integral takes 11 x / H panels. In the buried one the cosine limits the width
+// of a panel to 200 / sin theta, and the integrand extends to t = (D / H) (23 + sqrt(65 |m| H)) in
+// a soil without displacement currents; from |m| H = 1060 the factor in front of the integral
 // underflows, and it is not computed. For x up to 1e5 H both need about 1e5 panels. Beyond that,
 // and in any other soil, the buried integrals stop at their limit of 1e7 panels with a message. The
 // aerial integral has no limit, so such pairs are refused.

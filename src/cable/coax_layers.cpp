@@ -17,8 +17,7 @@
 //
 //   i_k = mu_r log(b / a)                          insulator k, divided by j w L0
 //   p_k = log(b / a) / eps_r / (1 - j T / w)       potential; T = w tan delta at the frequency of
-//   the
-//                                                  loss tangent, i.e. a constant conductance
+//                                                  the loss tangent: a constant conductance
 //
 // With T_k the impedance of conductor k whose current returns outside the cable:
 //

@@ -1,25 +1,23 @@
 // The integrals of buried cables are computed by panels. With A = 0.05 |z|:
 //
-//   growing stage   from 0; the first panel is A wide, each next one 2 % wider (KEXPINT and CBMUT,
-//   whose
-//                   integrands bend at t = |z|)
+//   growing stage   from 0; the first panel is A wide, each next one 2 % wider
+//                   (KEXPINT and CBMUT, whose integrands bend at t = |z|)
 //   graded stage    panel ends at x_i^2 = 0.000625 i^2 + A i: 0.025 apart for small |z|, to suit
-//   exp(-t);
-//                   at equal steps of t^2 for large |z|, to suit exp(-t^2 / 2 z). For CBMUT, whose
-//                   decay is slower by c = cos theta: x_i^2 = (0.000625 i / c + A) i / c
+//                   exp(-t); at equal steps of t^2 for large |z|, to suit exp(-t^2 / 2 z). For
+//                   CBMUT, whose decay is slower by c = cos theta:
+//                   x_i^2 = (0.000625 i / c + A) i / c
 //
 // The integral ends at a panel below 1e-10 of the sum. KEXPONE leaves that panel out, the other two
 // include it.
 //
 //   Simpson, KEXPINT and KEXPONE, panel from u to v:  (v - u) / 6 [f(u) + 4 f((u + v) / 2) + f(v)]
 //
-//   Filon, CBMUT, panel from x - h to x + h: the parabola f0 + A1 y + B y^2, y = t - x, through the
-//   three values of g, times cos(e + s y), integrated exactly, with e = s x, v = s h, s = sin
+//   Filon, CBMUT, panel from x - h to x + h: the parabola f0 + A1 y + B y^2 through the three
+//   values of g, y = t - x, times cos(e + s y), integrated exactly, e = s x, v = s h, s = sin
 //   theta:
 //     (2 / s) { cos v [2 B h / s cos e + h A1 sin e]
 //             + sin v [cos e (f0 - 2 B / s^2 + h^2 B) - A1 / s sin e] }
 //     and for small v, where this cancels,
-//     and for small v, where that cancels,
 //     2 h { f0 cos e + h^2 / 3 [B cos e - s^2 / 2 f0 cos e - s A1 sin e] },  Simpson when s = 0
 //
 // The accuracy is that of the panels: 4e-4 at small |z|, where the graded stage starts with panels

@@ -8,8 +8,7 @@
 // Buried bodies, times GMUR. For thin bodies (Pollaczek), with the modified Bessel functions K0 and
 // K1 and J = twice the integral over t of exp(-H sqrt(t^2 + m^2)) cos(x t) / (t + sqrt(t^2 + m^2)):
 //
-//   integrals   [K0(m d) - K0(m D) + J] / (a K1(a)),  exact, with exponentials factored out of each
-//   term:
+//   integrals   [K0(m d) - K0(m D) + J] / (a K1(a)),  exact, each term without its exponential:
 //               [exp(a - m d) KEXPINT(m d) - exp(a - m D) KEXPINT(m D)
 //                + exp(a - m D cos theta) CBMUT(m D, theta)] / KEXPONE(a),  tan theta = |x| / H
 //   series      K0(m d) + 2 exp(-m H) / (4 + m^2 x^2)

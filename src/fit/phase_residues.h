@@ -28,10 +28,8 @@ struct PhaseSamples {
 // TAU of FITMODEL, and fills HRES and H of FITTED; NC, NGROUP and NH give the sizes in use.
 // Deviations are unweighted and absolute. HDC is H at zero frequency, used only with these DCTYPEs:
 //   1  the fit is constrained to meet HDC by the residue of a real pole: the first of group 1 or,
-//   if that
-//      is complex, an additional one at -pi rad/s after its last;
-//   2  the residue of an additional pole at -pi rad/s takes up the remaining difference after the
-//   fit.
+//      if that is complex, an additional one at -pi rad/s after its last;
+//   2  after the fit, the residue of an additional pole at -pi rad/s takes up the difference.
 // SVDFLAG: removes directions with negligible singular values from the problem before solving it,
 // and poles without a residue from the model.
 PhaseFit HPHASEFIT(int DCTYPE, const RealMatrix* HDC, bool SVDFLAG);

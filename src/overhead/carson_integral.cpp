@@ -10,8 +10,6 @@
 // The accuracy is that of the panels. For small |z| f falls as 1 / (2 t) just above t = 0.05, where
 // a panel of the linear stage is as wide as its distance from 0. This adds up to 1.5e-3 to J, at
 // most 3e-4 of J.
-// a panel of the linear stage is as wide as its distance from 0: that adds up to 1.5e-3 to J, which
-// is 3e-4 of it or less.
 //
 // The same sum is evaluated in two ways. The plain one follows the formulas for any z. The fast one
 // uses the following, with s = -cos theta + j sin theta:
@@ -24,8 +22,7 @@
 //     1 / |z| / (u + sqrt(u^2 + (z / |z|)^2)), which depends only on the direction of z. The stage
 //     is then the polynomial applied to moments that are summed once for each direction of z
 //   linear stage: W by real square roots, in loops that the compiler vectorises; the exponentials
-//   of an
-//     angle are kept and used at every frequency
+//     of an angle are kept and used at every frequency
 #include "overhead/carson_integral.h"
 
 #include "base/big_store.h"

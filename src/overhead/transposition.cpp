@@ -2,8 +2,7 @@
 //
 //   self     mean of M(i, i) over the transposed conductors of a group
 //   mutual   mean of M(a, b) over all ordered pairs of different conductors of two groups, or of
-//   one
-//            group; it replaces every pair with at least one transposed conductor
+//            one group; it replaces every pair with at least one transposed conductor
 //
 // The sums of a group are stored at the number of its first conductor.
 #include "overhead/transposition.h"

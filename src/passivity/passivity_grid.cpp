@@ -3,9 +3,8 @@
 //   logarithmic  f_i = 10^(log10 a + (i - 1) (log10 c - log10 a) / (N - 1)),  i = 1..N
 //   linear       f_i = a + (i - 1) (c - a) / (N - 1)
 //   by decades   m = floor(N / (log10 c - log10 a)) points in each full decade a .. 10 a, evenly
-//   spaced
-//                from a; in the last one floor(m (c - a) / (9 a)) up to c. A decade whose count is
-//                0 gets the single point a.
+//                spaced from a; in the last one floor(m (c - a) / (9 a)) up to c. A decade whose
+//                count is 0 gets the single point a.
 //
 // The formulas also hold for descending bounds: the first two run from a down to c; by decades the
 // decade of a is the last one, and N and m have opposite signs. A decade with a negative count gets

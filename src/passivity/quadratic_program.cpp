@@ -10,8 +10,7 @@
 //   r = -R^-1 d1      change of the multipliers of the active constraints
 //   t2 = (b_j - n^T x) / (z^T n)    step to the constraint; none if |z| < TINY
 //   t1 = min of -U / r over r < 0   step at which a multiplier becomes negative; the quotients of
-//   all
-//                                   pairs of multiplier and change are formed
+//                                   all pairs of multiplier and change are formed
 //
 // The shorter step is taken. At t2 a Householder reflection of J2 reduces d2 to one element and
 // makes d a column of R; at t1 a constraint is dropped, and Givens rotations make R triangular

@@ -19,7 +19,6 @@
 // Cached results give the same bits when reused: the modes of a product Y Z (modal/long_line),
 // pairs of the aerial integral, moments and exponentials of the Carson integral. The date stamps of
 // the message package appear only in a fatal message. Everything else is written before it is read.
-// message alone. All else is written before it is read.
 #pragma once
 
 #include "base/big_store.h"

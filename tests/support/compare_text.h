@@ -4,12 +4,10 @@
 // points must be in the same columns with the same number of decimals, and the values may differ by
 // the tolerance of their kind:
 //   - lines of complex pairs "re,im" and nothing else: a matrix of consecutive lines of this kind,
-//   each number
-//     relative to the largest in it;
+//     each number relative to the largest in it;
 //   - any other real number: relative to itself, or to the largest number of its line times the
-//   tolerance
-//     `line`, where rounding noise occurs together with proper numbers (a vector that is 0 by
-//     symmetry).
+//     tolerance `line`, where rounding noise occurs together with proper numbers (a vector that is
+//     0 by symmetry).
 // A difference of one unit in the last digit written passes, since two close values can round to
 // neighbours. NaN never passes, not even against NaN.
 //

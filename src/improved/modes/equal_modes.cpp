@@ -1,6 +1,6 @@
-// For symmetric Y and Z, eigenvectors x_a, x_b of Y Z with different eigenvalues satisfy x_a^T Z
-// x_b = 0. Equal modes can be chosen to satisfy it too, and only then are the modal matrices
-// diagonal and their quotients surge impedances.
+// For symmetric Y and Z, eigenvectors x_a, x_b of Y Z with different eigenvalues satisfy
+// x_a^T Z x_b = 0. Equal modes can be chosen to satisfy it too, and only then are the modal
+// matrices diagonal and their quotients surge impedances.
 //
 // Nearest basis (Procrustes problem in the bilinear form): with M = V^T Z V and D its diagonal,
 //

@@ -1,6 +1,6 @@
 // Dual active-set method of Goldfarb and Idnani in terms of the scalar products M = A A^T. With the
-// active constraints A and the Cholesky factor L L^T = M_AA, a constraint p that y misses by s =
-// b_p - a_p y is added using
+// active constraints A and the Cholesky factor L L^T = M_AA, a constraint p that y misses by
+// s = b_p - a_p y is added using
 //
 //   r = M_AA^-1 M_Ap               change of the active multipliers, with opposite sign
 //   h = M_pp - M_pA r              squared part of a_p orthogonal to the active constraints
