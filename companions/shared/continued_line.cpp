@@ -1,7 +1,7 @@
 // One support a turn, where the deviation is largest, and all weights anew: those that make the
-// linearised deviation least over the samples, the last right singular vector of the Loewner matrix.
-// Of its many rows, one for each sample and element, a few random sums serve: all elements share
-// their singularities.
+// linearised deviation least over the samples, the last right singular vector of the Loewner
+// matrix. Of its many rows, one for each sample and element, a few random sums serve: all elements
+// share their singularities.
 #include "companions/shared/continued_line.h"
 
 #include "base/constants.h"
@@ -15,8 +15,8 @@ namespace lcp::companions {
 
 namespace {
 
-constexpr double PERDECADE = 30;      // samples
-constexpr double GOODENOUGH = 1e-9;   // relative deviation at which no more supports are taken
+constexpr double PERDECADE = 30;    // samples
+constexpr double GOODENOUGH = 1e-9; // relative deviation at which no more supports are taken
 constexpr std::size_t MOSTSUPPORTS = 60;
 constexpr std::size_t SUMS = 4; // of the elements of Y and of those of Z
 constexpr int PATIENCE = 6;     // supports in a row that may bring nothing

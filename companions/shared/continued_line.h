@@ -13,7 +13,8 @@ namespace lcp::companions {
 //   F(s) = sum a_i F_i / (s - j w_i) + conj, over the same sum without the F_i
 //
 // Y and Z share supports and weights. Both are analytic in the right half plane and real on the
-// positive real axis, so that a deviation there is no larger than the largest on the imaginary axis.
+// positive real axis, so that a deviation there is no larger than the largest on the imaginary
+// axis.
 struct ContinuedLine {
   std::size_t n = 0;
   std::vector<double> w; // supports, rad/s

@@ -1,11 +1,12 @@
-// A wave of current a arrives at an end, b leaves it: Yc V = a + b, and the current into the line is
-// b - a. Ends of the conductance G reflect b = K a with
+// A wave of current a arrives at an end, b leaves it: Yc V = a + b, and the current into the line
+// is b - a. Ends of the conductance G reflect b = K a with
 //
 //   K = (I + G Yc^-1)^-1 (I - G Yc^-1)
 //
 // and once around the line a becomes M a, M = K H K H. What grows has det(I - M) = 0 at a Re s > 0.
-// Where all eigenvalues of M lie within the unit circle the argument of the determinant is the sum of
-// the principal ones of 1 - l; so it has to be followed step by step only where one lies outside.
+// Where all eigenvalues of M lie within the unit circle the argument of the determinant is the sum
+// of the principal ones of 1 - l; so it has to be followed step by step only where one lies
+// outside.
 #include "companions/shared/growth.h"
 
 #include "base/constants.h"
@@ -22,8 +23,8 @@ namespace {
 constexpr double SHORTED = 1e-6; // ohm, of an end that is called shorted
 constexpr double LOWEST = 1e-4;  // rad/s, and 1/s on the real axis
 constexpr double PERDECADE = 60;
-constexpr double FASTEST = 1e5;        // 1/s, on the real axis
-constexpr double PERTURN = 16;         // points of a turn of the delay around the line
+constexpr double FASTEST = 1e5;           // 1/s, on the real axis
+constexpr double PERTURN = 16;            // points of a turn of the delay around the line
 constexpr std::size_t MOSTPOINTS = 20000; // of a stretch that is followed
 constexpr int NEWTONSTEPS = 40;
 
@@ -114,8 +115,8 @@ double followedTurn(const Search& S, const AxisPoint& a, const AxisPoint& b, con
   Complex before = loopAt(S, a, ends).determinant;
   for (std::size_t k = 1; k <= steps; ++k) {
     const double w = a.w * std::pow(ratio, static_cast<double>(k) / static_cast<double>(steps));
-    const Complex at = k == steps ? loopAt(S, b, ends).determinant
-                                  : determinantAt(S, Complex(0, w), ends);
+    const Complex at =
+        k == steps ? loopAt(S, b, ends).determinant : determinantAt(S, Complex(0, w), ends);
     turn += std::arg(at / before);
     before = at;
   }

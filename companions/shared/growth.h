@@ -28,10 +28,10 @@ struct Growth {
 // also phases and others apart.
 std::vector<Ends> usualEnds(const std::vector<bool>& phase);
 
-// Of a model with Yc and H, up to a frequency in Hz at which nothing comes back, or of its stepping.
-// Zeros are counted along the imaginary axis (argument principle, of a stepped model along the unit
-// circle), real ones found by their change of sign, others from where the loop around the line comes
-// nearest to 1.
+// Of a model with Yc and H, up to a frequency in Hz at which nothing comes back, or of its
+// stepping. Zeros are counted along the imaginary axis (argument principle, of a stepped model
+// along the unit circle), real ones found by their change of sign, others from where the loop
+// around the line comes nearest to 1.
 std::vector<Growth> growthOf(const ModelFile& file, double length, const std::vector<bool>& phase,
                              const std::vector<Ends>& ends, double highest, Stepping how);
 

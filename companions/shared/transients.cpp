@@ -3,9 +3,10 @@
 //   v(t) = exp(c t) / pi Re integral of V(c + j w) exp(j w t) dw,
 //
 // as a sum over equal steps of w that a fast Fourier transform evaluates at equal steps of t, over
-// twice the time that is wanted. The sum repeats itself after that time, damped by exp(-2 c t): c is
-// chosen for 1e-8. What is cut off above pi / step is rounded by a window that ends there (Lanczos).
-// Of a stepped model the same sum over one circle of z is complete, and no window is needed.
+// twice the time that is wanted. The sum repeats itself after that time, damped by exp(-2 c t): c
+// is chosen for 1e-8. What is cut off above pi / step is small, as a front along a cosine has a
+// spectrum that falls with the cube of the frequency. Of a stepped model the same sum over one
+// circle of z is complete.
 #include "companions/shared/transients.h"
 
 #include "base/constants.h"
@@ -32,7 +33,8 @@ void fourier(std::vector<Complex>& x) {
   }
   for (std::size_t half = 1; half < N; half *= 2) {
     for (std::size_t m = 0; m < half; ++m) {
-      const Complex turn = std::polar(1.0, -PI * static_cast<double>(m) / static_cast<double>(half));
+      const Complex turn =
+          std::polar(1.0, -PI * static_cast<double>(m) / static_cast<double>(half));
       for (std::size_t k = m; k < N; k += 2 * half) {
         const Complex t = turn * x[k + half];
         x[k + half] = x[k] - t;
@@ -75,10 +77,9 @@ bool driven(const Drive& d) { return alternating(d.which) || d.phase == 0; }
 
 double voltage(const Drive& d, const TransientSetup& setup, double t) {
   if (!driven(d)) return 0;
-  const double wave =
-      alternating(d.which)
-          ? std::cos(TWOPI * setup.frequency * t + angleOf(d.phase, d.phases))
-          : 1.0;
+  const double wave = alternating(d.which)
+                          ? std::cos(TWOPI * setup.frequency * t + angleOf(d.phase, d.phases))
+                          : 1.0;
   return wave * front(t, setup.front);
 }
 
@@ -137,7 +138,8 @@ void observe(const Circuit& C, const NodalHalves& Y, const std::vector<Complex>&
   if (m == 0) {
     for (std::size_t q = 0; q < quantities(C); ++q) {
       Complex I;
-      for (std::size_t p = 0; p < C.phases.size(); ++p) I -= across(C.phases[q], C.phases[p]) * V[p];
+      for (std::size_t p = 0; p < C.phases.size(); ++p)
+        I -= across(C.phases[q], C.phases[p]) * V[p];
       to.push_back(I);
     }
     return;
@@ -159,19 +161,9 @@ NodalHalves halvesOf(const TransientRequest& ask, Source of, Complex s) {
   return modelHalves(ask.model, s, ask.length, {of == Source::Stepped ? ask.setup.step : 0.0});
 }
 
-// Lanczos's factor of step m of so many up to the end of the band.
-double window(std::size_t m, std::size_t end) {
-  const double x = PI * static_cast<double>(m) / static_cast<double>(end);
-  return m == 0 ? 1 : std::sin(x) / x;
-}
-
-// Spectra of the sources at c + j w_m: closed, or of their values at the steps.
-struct Spectra {
-  std::vector<std::vector<Complex>> stepped; // of each phase, for a stepped model
-};
-
-std::vector<Complex> steppedSpectrum(const Drive& d, const TransientSetup& setup, double dt, double c,
-                                     std::size_t N) {
+// Lines of the spectrum of a source's values at the steps, on a circle of z.
+std::vector<Complex> steppedSpectrum(const Drive& d, const TransientSetup& setup, double dt,
+                                     double c, std::size_t N) {
   std::vector<Complex> u(N);
   for (std::size_t k = 0; k < N; ++k) {
     const double t = dt * static_cast<double>(k);
@@ -181,7 +173,8 @@ std::vector<Complex> steppedSpectrum(const Drive& d, const TransientSetup& setup
   return u;
 }
 
-// The values at N steps of a spectrum with N / 2 + 1 lines, of which those above are the conjugates.
+// The values at N steps of a spectrum with N / 2 + 1 lines, of which those above are the
+// conjugates.
 std::vector<double> valuesOf(const std::vector<Complex>& lines, double dt, double c, bool sum,
                              std::size_t kept) {
   const std::size_t N = 2 * (lines.size() - 1);
@@ -209,7 +202,8 @@ std::vector<Response> transients(const TransientRequest& ask, Source of,
   const auto kept = static_cast<std::size_t>(std::floor(setup.until / dt + 1e-9)) + 1;
   std::size_t N = 2;
   while (N < 2 * kept) N *= 2;
-  const double period = dt * static_cast<double>(N), c = DAMPING / period + (of == Source::Line ? 0 : setup.growth);
+  const double period = dt * static_cast<double>(N),
+               c = DAMPING / period + (of == Source::Line ? 0 : setup.growth);
   std::vector<Circuit> circuits;
   std::vector<std::vector<std::vector<Complex>>> lines, drives; // by case, quantity, line
   for (const TransientCase which : cases) {
@@ -230,8 +224,7 @@ std::vector<Response> transients(const TransientRequest& ask, Source of,
       for (std::size_t p = 0; p < C.phases.size(); ++p)
         V.push_back(stepped ? drives[k][p][m] : voltage({cases[k], p, C.phases.size()}, setup, s));
       observe(C, Y, V, seen);
-      const double factor = stepped ? 1 : window(m, N / 2);
-      for (std::size_t q = 0; q < seen.size(); ++q) lines[k][q][m] = factor * seen[q];
+      for (std::size_t q = 0; q < seen.size(); ++q) lines[k][q][m] = seen[q];
     }
   }
   std::vector<Response> found;

@@ -21,7 +21,8 @@ constexpr std::array<CaseRow, 5> TRANSIENTCASES = {{
     {TransientCase::Energise, "energise", "sources on all phases, far end open: its voltages"},
     {TransientCase::Step, "step", "a step on the first phase, far end open: its voltages"},
     {TransientCase::Short, "short", "sources on all phases into a short: its currents"},
-    {TransientCase::Ground, "ground", "the same, first phase to ground, others open: their voltages"},
+    {TransientCase::Ground, "ground",
+     "the same, first phase to ground, others open: their voltages"},
     {TransientCase::Dc, "dc", "direct voltage on the first phase into a short: its current"},
 }};
 
@@ -29,17 +30,17 @@ constexpr std::array<CaseRow, 5> TRANSIENTCASES = {{
 // ends.
 struct TransientSetup {
   std::vector<bool> phase;
-  double frequency = 50;  // of the sources, Hz
-  double front = 50e-6;   // s: a voltage rises along half a cosine
-  double until = 0.02;    // s
-  double step = 0;        // s, of the simulator
-  double growth = 0;      // 1/s, of what grows in the model; 0 for nothing
+  double frequency = 50; // of the sources, Hz
+  double front = 50e-6;  // s: a voltage rises along half a cosine
+  double until = 0.02;   // s
+  double step = 0;       // s, of the simulator
+  double growth = 0;     // 1/s, of what grows in the model; 0 for nothing
 };
 
 // One of the observed quantities of a case at equal steps of time from 0 on, V or A for sources of
 // 1 V.
 struct Response {
-  double step = 0; // s
+  double step = 0;                         // s
   std::vector<std::vector<double>> values; // by quantity
 };
 

@@ -8,8 +8,9 @@
 // MFDTD: waves of Y Z = G + s C times Z(s). Stepped on N cells of the length x, voltages at whole
 // steps and currents half a step beside them:
 //
-//   Yx = (2 / step sinh(a) C + cosh(a) G) x,  Zx = (2 / step sinh(a) E + cosh(a) Z') x,  a = s step / 2
-//   4 sinh(g / 2)^2 an eigenvalue of Yx Zx:  Yc = T (coth(g / 2) / 2) T^-1 Yx,  H = T exp(-g N) T^-1
+//   Yx = (2 / step sinh(a) C + cosh(a) G) x,  Zx = (2 / step sinh(a) E + cosh(a) Z') x,  a = s step
+//   / 2 4 sinh(g / 2)^2 an eigenvalue of Yx Zx:  Yc = T (coth(g / 2) / 2) T^-1 Yx,  H = T exp(-g N)
+//   T^-1
 //
 // Z' is the rest of Z, with its partial fractions by the trapezoidal rule.
 #include "companions/shared/two_port.h"
@@ -93,7 +94,8 @@ PhaseFunctions waves(const LinePoint& point, double length, bool cells) {
           similar(modes.TI, wave, modes.TIINV)};
 }
 
-// Cells that the fastest wave, of the constant inductance and capacitance, crosses in a step or more.
+// Cells that the fastest wave, of the constant inductance and capacitance, crosses in a step or
+// more.
 double cellsOf(const ModelFile& file, double length, double step) {
   double fastest = 0;
   const LinePoint lossless{0, file.C, file.Z.E};
