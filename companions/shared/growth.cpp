@@ -97,13 +97,29 @@ Complex determinantAt(const Search& S, Complex s, const Ends& ends) {
   return loopAt(S, pointAt(S, s), ends).determinant;
 }
 
+// A logarithmic grid, and points about each resonance, which can be narrow.
+std::vector<double> axisOf(const Search& S, double end) {
+  std::vector<double> w;
+  const auto count = static_cast<std::size_t>(PERDECADE * std::log10(end / LOWEST));
+  for (std::size_t k = 0; k <= count; ++k)
+    w.push_back(LOWEST *
+                std::pow(end / LOWEST, static_cast<double>(k) / static_cast<double>(count)));
+  for (const NamedFunction& f : functionsOf(S.file)) {
+    for (const Complex& p : f.function->poles) {
+      for (const double part : {-2.0, -1.0, -0.5, 0.0, 0.5, 1.0, 2.0}) {
+        const double near = p.imag() + part * p.real();
+        if (p.imag() > 0 && near > LOWEST && near < end) w.push_back(near);
+      }
+    }
+  }
+  std::sort(w.begin(), w.end());
+  w.erase(std::unique(w.begin(), w.end()), w.end());
+  return w;
+}
+
 void layAxis(Search& S) {
   const double end = S.how.step > 0 ? std::min(S.highest, PI / S.how.step) : S.highest;
-  const auto count = static_cast<std::size_t>(PERDECADE * std::log10(end / LOWEST));
-  for (std::size_t k = 0; k <= count; ++k) {
-    const double part = static_cast<double>(k) / static_cast<double>(count);
-    S.axis.push_back(pointAt(S, Complex(0, LOWEST * std::pow(end / LOWEST, part))));
-  }
+  for (const double w : axisOf(S, end)) S.axis.push_back(pointAt(S, Complex(0, w)));
 }
 
 // By how much the argument turns from a to b, followed in steps small against the delay.
