@@ -93,7 +93,7 @@ Json dataOf(const std::string& description, double length) {
   data["passivity"] = passivityOf(S.model, S.before);
   const std::vector<Finding> findings = verified(S.model, length, {});
   data["verdicts"] =
-      Json::parse(asJson(findings, nameOf(S.model.kind), S.model.n, length))["findings"];
+      Json::parse(asJson(findings, nameOf(S.model.kind), S.model.n, length, {}))["findings"];
   data["reported"] = RUNDATA.display.DISPFREQ;
   data["sequences"] = sequencesOf(length);
   return data;

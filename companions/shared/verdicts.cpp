@@ -63,6 +63,8 @@ const std::vector<Limit>& defaultLimits() {
       {"printed", 1.5, 4, "", "error of the file over the error that the run prints"},
       {"ratio", 100, 1000, "", "residue over pole"},
       {"condition", 100, 1e4, "", "of the transformation"},
+      {"time", 2, 10, "%", "a model's voltage or current in a simulation, of the line's largest"},
+      {"step", 2, 5, "%", "what the step of the simulation adds to that"},
       {"delay", 0.1, 1, "%", "by which a delay exceeds the travel time at the top of the band"},
   };
   return LIMITS;
@@ -109,7 +111,7 @@ std::string asText(const std::vector<Finding>& findings) {
 }
 
 std::string asJson(const std::vector<Finding>& findings, std::string_view model, std::size_t n,
-                   double length) {
+                   double length, const nlohmann::ordered_json& inTime) {
   nlohmann::ordered_json document = {{"model", model}, {"conductors", n}, {"length", length}};
   document["findings"] = nlohmann::ordered_json::array();
   for (const Finding& f : findings) {
@@ -127,6 +129,7 @@ std::string asJson(const std::vector<Finding>& findings, std::string_view model,
     }
     document["findings"].push_back(one);
   }
+  if (!inTime.empty()) document["in_time"] = inTime;
   return document.dump(1) + "\n";
 }
 

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <limits>
+#include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -54,6 +55,7 @@ public:
   bool set(std::string_view text);
   // Returns TOLD for an empty name.
   Verdict judge(std::string_view name, double value) const;
+  double doubtfulAbove(std::string_view name) const { return find(name).doubtful; }
 
 private:
   std::vector<Limit> changed;
@@ -66,7 +68,7 @@ const std::vector<Limit>& defaultLimits();
 // The findings as lines of text, and as a JSON document.
 std::string asText(const std::vector<Finding>& findings);
 std::string asJson(const std::vector<Finding>& findings, std::string_view model, std::size_t n,
-                   double length);
+                   double length, const nlohmann::ordered_json& inTime);
 
 // 1 if a finding is bad, else 0.
 int exitStatus(const std::vector<Finding>& findings);

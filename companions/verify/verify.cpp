@@ -9,6 +9,7 @@
 #include "companions/shared/verdicts.h"
 #include "companions/verify/compare_functions.h"
 #include "companions/verify/compare_modes.h"
+#include "companions/verify/in_time.h"
 #include "companions/verify/passivity.h"
 #include "companions/verify/poles.h"
 #include "companions/verify/told_by_run.h"
@@ -23,11 +24,17 @@ namespace lcp::companions {
 
 namespace {
 
-constexpr OptionRow OPTIONS[] = {{"/length", "METRES", "length of the line"},
-                                 {"/steps", "N", "lengths, each with its model file"},
-                                 {"/increment", "METRES", "from one length to the next"},
-                                 {"--limits", "NAME=A:B,...", "doubtful above A, bad above B"},
-                                 {"--json", "", "the same as one JSON document"}};
+constexpr OptionRow OPTIONS[] = {
+    {"/length", "METRES", "length of the line"},
+    {"/steps", "N", "lengths, each with its model file"},
+    {"/increment", "METRES", "from one length to the next"},
+    {"--time", "", "the model in simulations as well"},
+    {"--case", "NAME", "one of them: energise, step, short, ground, dc"},
+    {"--step", "SECONDS", "step of the simulation"},
+    {"--front", "SECONDS", "time in which a voltage rises, 50e-6"},
+    {"--until", "SECONDS", "time that is simulated"},
+    {"--limits", "NAME=A:B,...", "doubtful above A, bad above B"},
+    {"--json", "", "the same as one JSON document"}};
 constexpr int MOSTSTEPS = 999; // the limit of the program
 constexpr Program VERIFY = {"corvo-verify",
                             "Compares the model in a model file with the line computed directly.",
@@ -119,6 +126,28 @@ int stepsAsked(const Arguments& given) {
   return static_cast<int>(steps);
 }
 
+// The cases that are asked for, by name; all of them without a name.
+TimeOptions timeOptions(const Arguments& given) {
+  TimeOptions options;
+  const std::string_view name = given.valueOr("--case", "");
+  for (const CaseRow& row : TRANSIENTCASES) {
+    if (name.empty() || name == row.name) options.cases.push_back(row.which);
+  }
+  if (options.cases.empty())
+    giveUp(VERIFY.name, "--case energise, step, short, ground or dc expected");
+  for (const auto& [option, value] : {std::pair{"--step", &options.step},
+                                      {"--front", &options.front},
+                                      {"--until", &options.until}}) {
+    *value = given.numberOr(option, 0);
+    if (given.has(option) && !(*value > 0))
+      giveUp(VERIFY.name, fmt::format("{} SECONDS expected, above 0", option));
+  }
+  return options;
+}
+
+// A table says nothing at complex frequencies.
+bool inTimePossible() { return !RUNDATA.run.fromTable(); }
+
 struct StepResult {
   std::string text; // lines of text, or the JSON document
   int status;
@@ -135,8 +164,17 @@ StepResult verifyStep(const Arguments& given, const std::string& model, double l
   std::vector<Finding> findings = verified(file, length, limits);
   if (!console.empty() && RUNDATA.model.fitted())
     add(findings, compareConsole(console, findings, limits));
-  return {given.has("--json") ? asJson(findings, nameOf(file.kind), file.n, length)
-                              : asText(findings),
+  InTime inTime;
+  if (given.has("--time") && inTimePossible()) {
+    inTime = checkInTime(file, length, timeOptions(given), limits);
+    add(findings, inTime.findings);
+  } else if (given.has("--time")) {
+    Finding none{"in time", "not of a table of Y and Z"};
+    none.words = "it says nothing at complex frequencies";
+    findings.push_back(none);
+  }
+  if (!given.has("--json")) return {asText(findings), exitStatus(findings)};
+  return {asJson(findings, nameOf(file.kind), file.n, length, asJson(inTime.curves)),
           exitStatus(findings)};
 }
 
