@@ -1,6 +1,7 @@
 #include "companions/shared/direct_line.h"
 
 #include "base/constants.h"
+#include "cable/cable_store.h"
 #include "kernels/lapack.h"
 #include "modal/line_constants.h"
 #include "run/manual_driver.h"
@@ -64,6 +65,18 @@ LinePoint constantsOf(double f) {
   }
   return {f, cornerOf(SOLVEDATA.first.YMAT, lineOrder()),
           cornerOf(SOLVEDATA.first.ZMAT, lineOrder())};
+}
+
+std::vector<bool> phaseConductors(std::size_t n) {
+  std::vector<bool> phase(n, true);
+  if (RUNDATA.run.ISCABLE != CABLESYSTEM || RUNDATA.run.fromTable()) return phase;
+  for (std::size_t i = 0; i < n; ++i) {
+    const int row = CABLE.order.order[static_cast<int>(i) + 1];
+    bool core = false;
+    for (int c = 1; c <= RUNDATA.cable.NCABLE; ++c) core = core || CABLE.numbering.first(c) == row;
+    phase[i] = core;
+  }
+  return phase;
 }
 
 LineModes modesOf(const LinePoint& point) {

@@ -38,6 +38,10 @@ std::size_t lineOrder();
 LinePoint constantsOf(double f);
 
 // Modes of Y Z at a point, in the order of LAPACK.
+// Which of the n conductors are phases: the cores of a cable system, all conductors of another one.
+// Only after the constants were computed once.
+std::vector<bool> phaseConductors(std::size_t n);
+
 LineModes modesOf(const LinePoint& point);
 
 // Computes the surge impedances of the vectors TI: gamma / (TI^-1 Y TI^-T).

@@ -24,6 +24,7 @@ std::string lineOf(const Finding& f) {
   if (f.words.empty()) line += fmt::format(" {:>14}", numberOf(f.value, f.unit));
   if (!std::isnan(f.rms)) line += fmt::format(", rms {}", numberOf(f.rms, f.unit));
   if (!std::isnan(f.frequency)) line += fmt::format(" at {:.4g} Hz", f.frequency);
+  if (!f.remedy.empty()) line += "; try " + f.remedy;
   return line + "\n";
 }
 
@@ -65,7 +66,7 @@ const std::vector<Limit>& defaultLimits() {
       {"condition", 100, 1e4, "", "of the transformation"},
       {"time", 2, 10, "%", "a model's voltage or current in a simulation, of the line's largest"},
       {"step", 2, 5, "%", "what the step of the simulation adds to that"},
-      {"delay", 0.1, 1, "%", "by which a delay exceeds the travel time at the top of the band"},
+      {"terminal", 1, 5, "%", "impedance, resistance and susceptance between the ends"},
   };
   return LIMITS;
 }
@@ -121,6 +122,7 @@ std::string asJson(const std::vector<Finding>& findings, std::string_view model,
     if (!std::isnan(f.rms)) one["rms"] = f.rms;
     if (!std::isnan(f.frequency)) one["frequency"] = f.frequency;
     if (!f.words.empty()) one["words"] = f.words;
+    if (!f.remedy.empty()) one["remedy"] = f.remedy;
     if (f.verdict != Verdict::TOLD) {
       std::string verdict(wordOf(f.verdict));
       std::transform(verdict.begin(), verdict.end(), verdict.begin(),

@@ -34,7 +34,8 @@ struct Finding {
                                                          // there is one
   double frequency = std::numeric_limits<double>::quiet_NaN(); // frequency of the worst case, Hz
   Verdict verdict = Verdict::TOLD;
-  std::string words; // explanation, if the number is not enough
+  std::string remedy; // of a bad one: what mends it
+  std::string words;  // explanation, if the number is not enough
 };
 
 // Deviations over several frequencies: the worst one with its position, and the root mean square.

@@ -3,7 +3,6 @@
 #include "companions/verify/in_time.h"
 
 #include "base/constants.h"
-#include "cable/cable_store.h"
 #include "companions/shared/direct_line.h"
 #include "companions/shared/growth.h"
 #include "store/rundata.h"
@@ -42,19 +41,6 @@ private:
   std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
 };
 
-// Cores of a cable system, all conductors of another one. After its constants were computed once.
-std::vector<bool> phasesOf(std::size_t n) {
-  std::vector<bool> phase(n, true);
-  if (RUNDATA.run.ISCABLE != CABLESYSTEM) return phase;
-  for (std::size_t i = 0; i < n; ++i) {
-    const int row = CABLE.order.order[static_cast<int>(i) + 1];
-    bool core = false;
-    for (int c = 1; c <= RUNDATA.cable.NCABLE; ++c) core = core || CABLE.numbering.first(c) == row;
-    phase[i] = core;
-  }
-  return phase;
-}
-
 double shortestDelay(const ModelFile& file, double length) {
   std::vector<double> delays = file.H.delays;
   for (const ModeFit& m : file.modes) delays.push_back(MILLI * m.delay);
@@ -64,7 +50,7 @@ double shortestDelay(const ModelFile& file, double length) {
 
 TransientSetup setupOf(const ModelFile& file, double length, const TimeOptions& options) {
   TransientSetup S;
-  S.phase = phasesOf(file.n);
+  S.phase = phaseConductors(file.n);
   S.frequency = RUNDATA.line.SSFREQ;
   S.front = options.front > 0 ? options.front : FRONT;
   S.step = options.step > 0 ? options.step : recommendedStep(file, length);

@@ -33,20 +33,16 @@ void addBands(std::vector<Finding>& found, const std::vector<Band>& bands, const
     f.value = b.worst;
     f.unit = "S";
     f.frequency = b.at;
-    f.words = bandWords(b);
     f.verdict = limits.judge("passive", negativeShare(*at));
+    f.words = bandWords(b);
+    if (f.verdict == Verdict::GOOD)
+      f.words += fmt::format(", only {:.2g} of the largest", negativeShare(*at));
     found.push_back(f);
   }
 }
 
-Finding worstOf(const Scan& scan, std::string_view subject, std::string_view where,
-                std::string_view unit, const Limits& limits) {
-  // Negative values are ordered by their share at their frequency, not by absolute size.
-  const auto less = [](const ScanPoint& a, const ScanPoint& b) {
-    if (a.value >= 0 || b.value >= 0) return a.value < b.value;
-    return negativeShare(a) > negativeShare(b);
-  };
-  const ScanPoint& p = *std::min_element(scan.points.begin(), scan.points.end(), less);
+Finding findingAt(const ScanPoint& p, std::string_view subject, std::string_view where,
+                  std::string_view unit, const Limits& limits) {
   Finding f{std::string(subject), std::string(where)};
   f.value = p.value;
   f.unit = unit;
@@ -55,12 +51,44 @@ Finding worstOf(const Scan& scan, std::string_view subject, std::string_view whe
   return f;
 }
 
+const ScanPoint& smallestOf(const Scan& scan) {
+  const auto less = [](const ScanPoint& a, const ScanPoint& b) { return a.value < b.value; };
+  return *std::min_element(scan.points.begin(), scan.points.end(), less);
+}
+
+// Negative values ordered by their share at their frequency.
+const ScanPoint& deepestOf(const Scan& scan) {
+  const auto less = [](const ScanPoint& a, const ScanPoint& b) {
+    if (a.value >= 0 || b.value >= 0) return a.value < b.value;
+    return negativeShare(a) > negativeShare(b);
+  };
+  return *std::min_element(scan.points.begin(), scan.points.end(), less);
+}
+
+Finding worstOf(const Scan& scan, std::string_view subject, std::string_view where,
+                std::string_view unit, const Limits& limits) {
+  return findingAt(deepestOf(scan), subject, where, unit, limits);
+}
+
+// The smallest eigenvalue, and where it is another one, the most negative of its frequency's
+// largest.
+std::vector<Finding> smallestEigenvalues(const Scan& scan, const Limits& limits) {
+  const ScanPoint &smallest = smallestOf(scan), &deepest = deepestOf(scan);
+  std::vector<Finding> found = {
+      findingAt(smallest, "passivity", "smallest eigenvalue, both ends", "S", limits)};
+  if (smallest.value >= 0 || smallest.f == deepest.f) return found;
+  Finding f = findingAt(deepest, "passivity", "most negative of its frequency", "S", limits);
+  f.words =
+      fmt::format("{:.4g} S, {:.3g} % of the largest", deepest.value, 100 * negativeShare(deepest));
+  found.push_back(f);
+  return found;
+}
+
 } // namespace
 
 std::vector<Finding> phasePassivity(const ModelFile& file, const Limits& limits) {
   const Scan scan = nodalScan(file);
-  std::vector<Finding> found = {
-      worstOf(scan, "passivity", "smallest eigenvalue, both ends", "S", limits)};
+  std::vector<Finding> found = smallestEigenvalues(scan, limits);
   addBands(found, bandsBelow(scan, negativeBelow), limits, scan);
   if (scan.resolved) return found;
   Finding f{"passivity", "resolution"};

@@ -96,7 +96,7 @@ std::vector<Finding> checkPoles(const ModelFile& file, const Limits& limits) {
           counted("residues that are not conjugate", c.broken), ratio};
 }
 
-std::vector<Finding> checkDelays(const ModelFile& file, double length, const Limits& limits) {
+std::vector<Finding> checkDelays(const ModelFile& file, double length) {
   std::vector<double> delays = file.H.delays; // s
   for (const ModeFit& m : file.modes) delays.push_back(1e-3 * m.delay);
   if (delays.empty()) return stepWithoutDelays(file, length);
@@ -114,10 +114,9 @@ std::vector<Finding> checkDelays(const ModelFile& file, double length, const Lim
         fmt::format("{:.6g} ms, nearest travel time {:.6g} ms", 1e3 * delays[g], 1e3 * nearest);
     f.value = late;
     f.unit = "%";
-    f.verdict = limits.judge("delay", std::max(late, 0.0));
     if (delays[g] < length / LIGHTSPEED * (1 - SAME)) {
       f.words.append(", faster than light");
-      f.verdict = std::max(f.verdict, Verdict::DOUBTFUL);
+      f.verdict = Verdict::DOUBTFUL;
     }
     found.push_back(f);
   }

@@ -14,6 +14,6 @@ std::vector<Finding> checkPoles(const ModelFile& file, const Limits& limits);
 
 // Compares the delays of a phase or mode model with the travel times of the modes at the top of the
 // band and with the speed of light.
-std::vector<Finding> checkDelays(const ModelFile& file, double length, const Limits& limits);
+std::vector<Finding> checkDelays(const ModelFile& file, double length);
 
 } // namespace lcp::companions

@@ -4,6 +4,7 @@
 #include "fit/admittance_fit.h"
 #include "fit/propagation_tables.h"
 #include "modal/tracked_step.h"
+#include "passivity/enforcement.h"
 
 #include <algorithm>
 #include <cmath>
@@ -30,6 +31,21 @@ Finding stepsGivenUp(std::string_view console) {
   return f;
 }
 
+// A run that ended its enforcement with success, and a file that is negative all the same.
+std::vector<Finding> enforcedOnlyByWord(std::string_view console,
+                                        const std::vector<Finding>& found) {
+  if (console.find(ENFORCEDLINE) == std::string_view::npos) return {};
+  const auto negative = [](const Finding& f) {
+    return f.subject == "passivity" && f.value < 0 && f.verdict != Verdict::GOOD;
+  };
+  const auto worst = std::find_if(found.begin(), found.end(), negative);
+  if (worst == found.end()) return {};
+  Finding f{"passivity", "called enforced by the run"};
+  f.words = fmt::format("the file has {:.4g} S at {:.4g} Hz", worst->value, worst->frequency);
+  f.verdict = Verdict::BAD;
+  return {f};
+}
+
 } // namespace
 
 std::vector<Finding> compareConsole(const std::string& console, const std::vector<Finding>& found,
@@ -47,6 +63,8 @@ std::vector<Finding> compareConsole(const std::string& console, const std::vecto
     f.verdict = limits.judge("printed", f.value);
     told.push_back(f);
   }
+  const std::vector<Finding> enforced = enforcedOnlyByWord(console, found);
+  told.insert(told.end(), enforced.begin(), enforced.end());
   return told;
 }
 

@@ -12,6 +12,8 @@
 #include "companions/verify/in_time.h"
 #include "companions/verify/passivity.h"
 #include "companions/verify/poles.h"
+#include "companions/verify/remedies.h"
+#include "companions/verify/terminals.h"
 #include "companions/verify/told_by_run.h"
 #include "store/rundata.h"
 
@@ -64,13 +66,8 @@ ModelFile modelOf(const std::string& description, const std::string& given, doub
   giveUp(VERIFY.name, "the program makes no model of this description");
 }
 
-// Refuses a model file of another kind or with another number of conductors: it belongs to another
-// description.
+// Refuses a model file with another number of conductors: it belongs to another description.
 void refuseStranger(const ModelFile& file) {
-  const ModelKind wanted = RUNDATA.model.MODEL;
-  if (file.kind != wanted)
-    giveUp(VERIFY.name, fmt::format("the model file is {}, the description asks for {}",
-                                    nameOf(file.kind), nameOf(wanted)));
   // The order of a cable system is known only after its eliminations.
   const double f = RUNDATA.model.fitted() ? fitRanges()[0].f.back() : RUNDATA.line.SSFREQ;
   const std::size_t order = constantsOf(f).Y.rows;
@@ -79,15 +76,38 @@ void refuseStranger(const ModelFile& file) {
            fmt::format("the model file has {} conductors, the line has {}", file.n, order));
 }
 
-// Compares the length in the model file, which is rounded to a few digits.
-std::vector<Finding> compareLength(const ModelFile& file, double length) {
+// What the file says of itself, rounded to its digits there.
+std::vector<Finding> compareHead(const ModelFile& file, double length) {
   constexpr double DIGITS = 1e-4;
-  const double off = std::fabs(file.length / length - 1);
+  const BergeronFile& B = file.bergeron;
   const bool totals = RUNDATA.run.DATAFMT == ROUTEMANUAL && RUNDATA.manual.YZFMT == 1;
-  if (file.length == 0 || totals || off <= DIGITS) return {};
-  Finding f{"length", "of the model file"};
-  f.value = file.length;
-  f.unit = "m";
+  const bool entered = RUNDATA.run.DATAFMT == ROUTEMANUAL; // has one frequency, twice
+  const struct {
+    std::string_view subject, where, unit;
+    double file, wanted;
+  } all[] = {
+      {"length", "of the model file", "m", totals ? 0 : file.length, length},
+      {"file", "steady state frequency", "Hz", B.SSFREQ, RUNDATA.line.SSFREQ},
+      {"file", "frequency of the losses", "Hz", entered ? 0 : B.FLOSS, RUNDATA.bergeron.FLOSS}};
+  std::vector<Finding> found;
+  for (const auto& one : all) {
+    if (one.file == 0 || std::fabs(one.file / one.wanted - 1) <= DIGITS) continue;
+    Finding f{std::string(one.subject), std::string(one.where)};
+    f.value = one.file;
+    f.unit = one.unit;
+    f.words = fmt::format("{:.6g} {}, the description has {:.6g} {}", one.file, one.unit,
+                          one.wanted, one.unit);
+    f.verdict = Verdict::BAD;
+    found.push_back(f);
+  }
+  return found;
+}
+
+// A file of another kind than the description has: nothing else of it is compared.
+std::vector<Finding> compareKind(const ModelFile& file) {
+  Finding f{"file", "kind of the model"};
+  f.words =
+      fmt::format("{}, the description has {}", nameOf(file.kind), nameOf(RUNDATA.model.MODEL));
   f.verdict = Verdict::BAD;
   return {f};
 }
@@ -95,15 +115,19 @@ std::vector<Finding> compareLength(const ModelFile& file, double length) {
 } // namespace
 
 std::vector<Finding> verified(const ModelFile& file, double length, const Limits& limits) {
-  std::vector<Finding> all = compareLength(file, length);
+  std::vector<Finding> all = compareHead(file, length);
   if (file.kind == ModelKind::Phase) add(all, comparePhase(file, length, limits));
   if (file.kind == ModelKind::Mfdtd) add(all, compareSeries(file, limits));
-  if (file.kind == ModelKind::Mode) add(all, compareModeFits(file, length, limits));
+  if (file.kind == ModelKind::Mode) {
+    add(all, compareModesInPhases(file, length, limits));
+    add(all, compareModeFits(file, length, limits));
+  }
   if (file.kind == ModelKind::Bergeron) add(all, compareBergeron(file, length, limits));
   if (file.kind == ModelKind::Pi) add(all, comparePi(file, length, limits));
+  add(all, compareTerminals(file, length, limits));
   if (RUNDATA.model.fitted()) add(all, checkTransformation(limits));
   add(all, checkPoles(file, limits));
-  add(all, checkDelays(file, length, limits));
+  add(all, checkDelays(file, length));
   if (file.kind == ModelKind::Phase) add(all, phasePassivity(file, limits));
   add(all, linePassivity(limits));
   return all;
@@ -161,18 +185,20 @@ StepResult verifyStep(const Arguments& given, const std::string& model, double l
   if (!file.trouble.empty()) giveUp(VERIFY.name, "the model file: " + file.trouble);
   readHere(given.words[0], length);
   refuseStranger(file);
-  std::vector<Finding> findings = verified(file, length, limits);
+  const bool sameKind = file.kind == RUNDATA.model.MODEL;
+  std::vector<Finding> findings = sameKind ? verified(file, length, limits) : compareKind(file);
   if (!console.empty() && RUNDATA.model.fitted())
     add(findings, compareConsole(console, findings, limits));
   InTime inTime;
-  if (given.has("--time") && inTimePossible()) {
+  if (given.has("--time") && sameKind && inTimePossible()) {
     inTime = checkInTime(file, length, timeOptions(given), limits);
     add(findings, inTime.findings);
-  } else if (given.has("--time")) {
+  } else if (given.has("--time") && sameKind) {
     Finding none{"in time", "not of a table of Y and Z"};
     none.words = "it says nothing at complex frequencies";
     findings.push_back(none);
   }
+  addRemedies(findings);
   if (!given.has("--json")) return {asText(findings), exitStatus(findings)};
   return {asJson(findings, nameOf(file.kind), file.n, length, asJson(inTime.curves)),
           exitStatus(findings)};
