@@ -44,15 +44,12 @@ std::string remedyOf(const Finding& f) {
   if (s == "length" || s == "file" || s == "shunt" || s == "series")
     return "solve this description again";
   if (s == "modes" || s == "T" || s == "vector") return betterModes();
-  if (s == "passivity" || s == "line")
+  if (s == "growth" && !RUNDATA.model.fitsPhases()) return ofBand({"growth", "below"});
+  if (s == "passivity" || s == "growth")
     return RUNDATA.numerics.IMPROVEDPASSIVITY
                ? "more poles, or a larger error for passivity"
                : "Maximum iterations for passivity : 20 with Improved Passivity : 1";
-  if (s == "growth" && !RUNDATA.model.fitsPhases()) return ofBand({"growth", "below"});
-  if (s == "growth")
-    return RUNDATA.fit.DCCORR == 2
-               ? "Maximum iterations for passivity : 20 with Improved Passivity : 1"
-               : "DC Correction Type : 2, or Improved Passivity : 1";
+  if (s == "line") return "the materials, which generate power";
   if (s == "in time") return has(f, "of the step") ? "" : otherModel();
   if (s == "terminals") {
     if (!RUNDATA.model.fitted() || RUNDATA.model.fitsSeries()) return otherModel();
