@@ -19,6 +19,7 @@
 
 #include "base/console.h"
 #include "base/finite.h"
+#include "base/register_widths.h"
 #include "fit/scaled_columns.h"
 #include "kernels/lapack.h"
 
@@ -75,6 +76,7 @@ void asymptoteRows(const FitSamples& Q, int offs, int i, RView A, int last) {
   if (offs == 2) proportionalColumn(Q.WFREQ, Q.WFIT, Q.NS, rowsOf(Q, i, A.column(last + 2)));
 }
 
+LCP_WIDTHS("avx2")
 void relocationProblem(const FitSamples& Q, int offs, int N, const PoleTable& P) {
   const RView A = LSQ.matrix();
   const int block = N + offs;
@@ -152,7 +154,7 @@ void relocateOnce(const FitSamples& Q, int offs, int N, PoleTable& POLES) {
   if (Q.STABLE == FLIPUNSTABLE) flipUnstable(POLES, N);
 }
 
-void residueProblem(const FitSamples& Q, int offs, int N, const PoleTable& P) {
+LCP_WIDTHS("avx2") void residueProblem(const FitSamples& Q, int offs, int N, const PoleTable& P) {
   const RView A = LSQ.matrix();
   for (int m = 1; m <= N; ++m) {
     weightedBasis(Q, P, m);

@@ -4,6 +4,8 @@
 //   DGEMV   y = beta y + alpha A x  or  y = beta y + alpha A^T x
 //   DGER    A = A + alpha x y^T
 //   DNRM2   |x|
+//   DSCAL   x = alpha x
+//   DSWAP   x and y exchanged
 //
 // A is m by n in column order with leading dimension lda. The loops run over contiguous columns. A
 // sum runs over LANES partial sums in a fixed order and nothing is fused, so the result does not
@@ -179,6 +181,26 @@ void dger_(const int* m, const int* n, const double* alpha, const double* x, con
     else
       for (int i = 0; i < *m; ++i) a[i] += c * column[static_cast<std::ptrdiff_t>(i) * *incx];
   }
+}
+
+LCP_WIDTHS("avx2")
+void dscal_(const int* n, const double* alpha, double* x, const int* incx) {
+  if (*incx == 1) {
+    for (int i = 0; i < *n; ++i) x[i] = *alpha * x[i];
+  } else if (*incx > 0) {
+    for (int i = 0; i < *n; ++i) x[static_cast<std::ptrdiff_t>(i) * *incx] *= *alpha;
+  }
+}
+
+LCP_WIDTHS("avx2")
+void dswap_(const int* n, double* x, const int* incx, double* y, const int* incy) {
+  double* a = start(x, *n, *incx);
+  double* b = start(y, *n, *incy);
+  if (*incx == 1 && *incy == 1) {
+    std::swap_ranges(a, a + std::max(*n, 0), b);
+    return;
+  }
+  for (int i = 0; i < *n; ++i, a += *incx, b += *incy) std::swap(*a, *b);
 }
 
 LCP_WIDTHS("avx2") double dnrm2_(const int* n, const double* x, const int* incx) {

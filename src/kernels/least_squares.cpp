@@ -44,25 +44,31 @@ double work[WORKSIZE];
 constexpr double LEASTUNSCALED = 1e-290;
 constexpr double MOSTUNSCALED = 1e290;
 
+struct Extent {
+  Lanes most{}, least{};
+  Lanes sum{}; // a NaN shows in it
+
+  void take(const Lanes& a) {
+    most = a > most ? a : most;
+    least = a < least ? a : least;
+    sum += 0.0 * a;
+  }
+};
+
 LCP_WIDTHS("avx2") bool needsNoScaling(RView A, int m, int n) {
-  constexpr int LANES = 4;
-  double largest[LANES] = {};
-  double sum[LANES] = {}; // NaN if an element is NaN
-  const auto take = [&](double element, int lane) {
-    const double e = std::fabs(element);
-    largest[lane] = e > largest[lane] ? e : largest[lane];
-    sum[lane] += 0 * e;
-  };
+  Extent x;
   for (int c = 1; c <= n; ++c) {
     const double* a = A.column(c);
     int r = 0;
-    for (; r + LANES <= m; r += LANES) {
-      for (int lane = 0; lane < LANES; ++lane) take(a[r + lane], lane);
-    }
-    for (; r < m; ++r) take(a[r], 0);
+    for (; r + LANES <= m; r += LANES) x.take(Lanes{a[r], a[r + 1], a[r + 2], a[r + 3]});
+    for (; r < m; ++r) x.take(a[r] - Lanes{});
   }
-  const double most = *std::max_element(largest, largest + LANES);
-  return sum[0] + sum[1] + sum[2] + sum[3] == 0 && most > LEASTUNSCALED && most < MOSTUNSCALED;
+  double largest = 0, sum = 0;
+  for (int c = 0; c < LANES; ++c) {
+    largest = std::max({largest, x.most[c], -x.least[c]});
+    sum += x.sum[c];
+  }
+  return sum == 0 && largest > LEASTUNSCALED && largest < MOSTUNSCALED;
 }
 
 // The steps of LAPACK's driver on a problem that needs no scaling. The driver itself searches

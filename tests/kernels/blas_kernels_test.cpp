@@ -13,6 +13,8 @@ void dgemv_(const char* trans, const int* m, const int* n, const double* alpha, 
 void dger_(const int* m, const int* n, const double* alpha, const double* x, const int* incx,
            const double* y, const int* incy, double* a, const int* lda);
 double dnrm2_(const int* n, const double* x, const int* incx);
+void dscal_(const int* n, const double* alpha, double* x, const int* incx);
+void dswap_(const int* n, double* x, const int* incx, double* y, const int* incy);
 void zgemv_(const char* trans, const int* m, const int* n, const std::complex<double>* alpha,
             const std::complex<double>* a, const int* lda, const std::complex<double>* x,
             const int* incx, const std::complex<double>* beta, std::complex<double>* y,
@@ -100,6 +102,12 @@ TEST(BlasKernels, AreThePlainLoops) {
     dgemv_(across ? "T" : "N", &rows, &columns, &alpha, A[0].memory, &LDA<double>, x.memory,
            &x.stride, &beta, into.memory, &y.stride, 1);
     EXPECT_TRUE(same(into, sum)) << t;
+    Reals other(rows, y.stride), first = A[0], second = other, scaled = other;
+    dswap_(&rows, first.memory, &first.stride, second.memory, &second.stride);
+    for (int i = 0; i < rows; ++i) EXPECT_TRUE(first[i] == other[i] && second[i] == A[0][i]) << t;
+    dscal_(&rows, &alpha, scaled.memory, &scaled.stride);
+    for (int i = 0; i < rows && y.stride > 0; ++i) other[i] *= alpha;
+    EXPECT_TRUE(same(scaled, other)) << t;
     if (!across) continue;
     std::vector<Reals> B = A;
     dger_(&rows, &columns, &alpha, x.memory, &x.stride, y.memory, &y.stride, B[0].memory,
