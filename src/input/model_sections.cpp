@@ -99,10 +99,14 @@ constexpr KeyRow haloRows[] = {
 };
 static_assert(noRowHidden(haloRows));
 
+enum NumericsRule { ALLIMPROVED = 1 };
+
 constexpr KeyRow numericsRows[] = {
     isIt1Key("Improved Modes", &RUNDATA.numerics.IMPROVEDMODES),
     isIt1Key("Improved Fits", &RUNDATA.numerics.IMPROVEDFITS),
     isIt1Key("Improved Passivity", &RUNDATA.numerics.IMPROVEDPASSIVITY),
+    isIt1Key("Improved Earth", &RUNDATA.numerics.IMPROVEDEARTH),
+    isIt1Key("Improved", &RUNDATA.numerics.IMPROVED).then(ALLIMPROVED),
 };
 static_assert(noRowHidden(numericsRows));
 
@@ -119,7 +123,14 @@ bool bergeronLine() { return plainLine(bergeronRows); }
 
 bool haloLine() { return plainLine(haloRows); }
 
-bool numericsLine() { return plainLine(numericsRows); }
+bool numericsLine() {
+  const KeyRow* key = findKey(numericsRows, READER.LINE);
+  if (key == nullptr) return false;
+  const Got got = readKey(*key, READER.LINE);
+  if (key->rule == ALLIMPROVED && got == Got::Value)
+    RUNDATA.numerics.setAll(RUNDATA.numerics.IMPROVED);
+  return true;
+}
 
 bool fittedModelLine() {
   const KeyRow* key = findKey(fitRows, READER.LINE);

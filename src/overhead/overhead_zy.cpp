@@ -1,6 +1,6 @@
 // Overhead line constants in normalised form, in which geometry enters as plain logarithms:
 //   Zn = Z / (j w L0)          Zn(i, i) = log(2 h / r) + GMUR E_ii + Zi / (j w L0)
-//                              Zn(i, j) = 1/2 log(D2 / d2) + GMUR E_ij
+//                              Zn(i, j) = 1/2 log(D2 / d2) + GMUR E_ij, or the exact earth term
 //   Pn = inverse of Y / (j w C0), the same logarithms alone (Maxwell's potential coefficients)
 //
 // Here h is the average height, r the radius, D2 and d2 are the squared distances from conductor i
@@ -15,6 +15,7 @@
 #include "kernels/matrix_kernels.h"
 #include "overhead/bundle_reduction.h"
 #include "overhead/earth_return.h"
+#include "overhead/exact_earth.h"
 #include "overhead/internal_impedance.h"
 #include "overhead/overhead_store.h"
 #include "overhead/transposition.h"
@@ -84,16 +85,22 @@ void prepareAdmittance(int n, int nc) {
   SYMINV(S.PINV, nc);
 }
 
+// What the earth adds to Zn.
+Complex earthOf(int i, int j) {
+  if (RUNDATA.numerics.IMPROVEDEARTH) return EXACTTERM(i, j);
+  return RUNDATA.ground.GMUR * EARTHTERM(i, j);
+}
+
 void fillImpedance(double w, int n) {
   OverheadStore& S = OVERHEAD;
-  const double GMUR = RUNDATA.ground.GMUR;
   S.DEPTH = GRDDEPTH(w);
   S.DEPTHINV = 1.0 / S.DEPTH;
+  if (RUNDATA.numerics.IMPROVEDEARTH) SOLVEEXACT(w);
   const Complex normalise(0.0, -TWOPI / (w * MU0));
   for (int i = 1; i <= n; ++i) {
-    S.ZWORK(i, i) = S.PGEO(i, i) + GMUR * EARTHTERM(i, i) + ZINT(w, i) * normalise;
+    S.ZWORK(i, i) = S.PGEO(i, i) + earthOf(i, i) + ZINT(w, i) * normalise;
     for (int j = i + 1; j <= n; ++j) {
-      S.ZWORK(j, i) = S.ZWORK(i, j) = S.PGEO(j, i) + GMUR * EARTHTERM(i, j);
+      S.ZWORK(j, i) = S.ZWORK(i, j) = S.PGEO(j, i) + earthOf(i, j);
     }
   }
 }
@@ -146,6 +153,7 @@ void OHZY(double f, CView YMAT, CView ZMAT, CView PMAT) {
     for (int i = 1; i <= n; ++i) checkConductor(i);
     mapMatrices(std::max(n, nc));
     prepareGeometry(n);
+    if (RUNDATA.numerics.IMPROVEDEARTH) PREPAREEXACT(n);
     SPLITCIRC(S.groups, nc);
   }
   fillImpedance(w, n);

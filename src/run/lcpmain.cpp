@@ -40,9 +40,10 @@ void checkLength(double length) {
 void printNumericalOptions() {
   const NumericalOptions& N = RUNDATA.numerics;
   if (!N.any()) return;
-  console::print(" Numerical Options:{}{}{}", N.IMPROVEDMODES ? " Improved Modes" : "",
+  console::print(" Numerical Options:{}{}{}{}", N.IMPROVEDMODES ? " Improved Modes" : "",
                  N.IMPROVEDFITS ? " Improved Fits" : "",
-                 N.IMPROVEDPASSIVITY ? " Improved Passivity" : "");
+                 N.IMPROVEDPASSIVITY ? " Improved Passivity" : "",
+                 N.IMPROVEDEARTH ? " Improved Earth" : "");
 }
 
 [[noreturn]] void unknownRoute() {

@@ -96,7 +96,11 @@ struct NumericalOptions {
   bool IMPROVEDFITS = false;      // fits with error control between the grid points
   bool IMPROVEDPASSIVITY = false; // enforcement over the whole spectrum and all frequencies
 
-  bool any() const { return IMPROVEDMODES || IMPROVEDFITS || IMPROVEDPASSIVITY; }
+  bool IMPROVEDEARTH = false; // exact integrals of the earth return
+  bool IMPROVED = false;      // the last word on all four together
+
+  bool any() const { return IMPROVEDMODES || IMPROVEDFITS || IMPROVEDPASSIVITY || IMPROVEDEARTH; }
+  void setAll(bool on) { IMPROVEDMODES = IMPROVEDFITS = IMPROVEDPASSIVITY = IMPROVEDEARTH = on; }
 };
 
 // Options of field, corona and noise calculations: accepted but not used.

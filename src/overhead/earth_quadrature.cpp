@@ -1,0 +1,377 @@
+// Gauss-Legendre panels with v = e^eta, straight in the plane of v. From the place v_a of a panel
+// to v_a (1 + k), with v = v_a (1 + k t) and r = 1 / (1 + k t):
+//
+//   E - E_a = P v_a k t - Q / v_a k t r,  d eta = k r dt,  e^-eta = r / v_a
+//
+// so a node costs one exponential, and the exponent is exact however large E is itself.
+//
+// or, where E hardly changes, v_a 64^t with real numbers that are formed once.
+//
+// The end of a panel is taken where Re E has grown. With the real part of eta held, Re E is
+// greatest at the crest, Im eta = -arg(P |v| + conj(Q) / |v|), and it grows along the crest:
+//
+//   - where E changes little the panel heads for the crest, up to four times as far from 0
+//   - else it follows the line on which E grows by a real number T, the root of
+//     P v'^2 - (E_a + T) v' + Q = 0 that is further out
+//   - else, where that line runs towards smaller |v|, it turns round 0 towards the crest
+//
+// What a panel is off is estimated from its Legendre coefficients. Its rule integrates 16 more of
+// them exactly than it shows, and they fall on as they have fallen over the last four.
+#include "overhead/earth_quadrature.h"
+
+#include "base/constants.h"
+#include "base/register_widths.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cmath>
+#include <cstdint>
+
+namespace lcp {
+
+namespace {
+
+constexpr int NODES = 16;
+using NodeValues = std::array<double, NODES>;
+
+constexpr double SPENT = 38.0;        // decay in which nothing is left
+constexpr double LARGESTCHANGE = 8.0; // of E over the first panels
+constexpr double LARGESTTURN = 1.05;  // of the direction of v, radians
+constexpr double LARGESTGROWTH = 4.0; // of |v|
+constexpr double LEASTEXCESS = 1e-4;  // ... and how close to no growth at all
+constexpr double FLATGROWTH = 64.0;   // ... where E hardly changes
+constexpr int MOSTPANELS = 100000;
+
+// ---- Rule
+
+struct Rule {
+  NodeValues t;       // nodes in (0, 1)
+  NodeValues w;       // weights
+  NodeValues high[2]; // Legendre coefficients: the last two,
+  NodeValues low[2];  // ... and those four before them
+  NodeValues growth;  // 64^t
+};
+
+struct Legendre {
+  double p, before, slope;
+};
+
+Legendre legendre(int n, double x) {
+  double p = 1.0, before = 0.0;
+  for (int k = 1; k <= n; ++k) {
+    const double next = ((2.0 * k - 1.0) * x * p - (k - 1.0) * before) / k;
+    before = p;
+    p = next;
+  }
+  return {p, before, n * (x * p - before) / (x * x - 1.0)};
+}
+
+Rule gaussRule() {
+  Rule R{};
+  for (std::size_t i = 0; i < NODES; ++i) {
+    double x = -std::cos(PI * (static_cast<double>(i) + 0.75) / (NODES + 0.5));
+    for (int step = 0; step < 8; ++step) {
+      const Legendre at = legendre(NODES, x);
+      x -= at.p / at.slope;
+    }
+    const double slope = legendre(NODES, x).slope;
+    R.t[i] = 0.5 * (1.0 + x);
+    R.w[i] = 1.0 / ((1.0 - x * x) * slope * slope);
+    for (int k = 0; k < 2; ++k) {
+      const int high = NODES - 1 - k, low = high - 4;
+      R.high[k][i] = (2 * high + 1) * R.w[i] * legendre(high, x).p;
+      R.low[k][i] = (2 * low + 1) * R.w[i] * legendre(low, x).p;
+    }
+    R.growth[i] = std::pow(FLATGROWTH, R.t[i]);
+  }
+  return R;
+}
+
+const Rule& rule() {
+  static const Rule R = gaussRule();
+  return R;
+}
+
+// ---- Exponential, in loops that the compiler turns into vectors
+
+constexpr double TOINTEGER = 0x1.8p52; // added and taken off, it rounds
+constexpr double LEASTEXPONENT = -700.0;
+
+// exp(x), x from -700 to 700.
+inline double exponential(double x) {
+  constexpr double LOG2HIGH = 0x1.62e42feep-1, LOG2LOW = 0x1.a39ef35793c76p-33;
+  const double shifted = x * 1.4426950408889634 + TOINTEGER;
+  const double n = shifted - TOINTEGER;
+  const double r = (x - n * LOG2HIGH) - n * LOG2LOW;
+  double p = 1.0 / 6227020800;
+  for (const double c : {1.0 / 479001600, 1.0 / 39916800, 1.0 / 3628800, 1.0 / 362880, 1.0 / 40320,
+                         1.0 / 5040, 1.0 / 720, 1.0 / 120, 1.0 / 24, 1.0 / 6, 0.5, 1.0, 1.0})
+    p = p * r + c;
+  const std::uint64_t power = (std::bit_cast<std::uint64_t>(shifted) + 1023) << 52;
+  return p * std::bit_cast<double>(power);
+}
+
+// cos(x) and sin(x), |x| up to 1e5.
+inline void turn(double x, double& cosine, double& sine) {
+  constexpr double HIGH = 0x1.921fb544p0, MIDDLE = 0x1.0b4611a6p-34, LOW = 0x1.3198a2e037073p-69;
+  const double shifted = x * 0.6366197723675814 + TOINTEGER;
+  const double n = shifted - TOINTEGER;
+  const double r = ((x - n * HIGH) - n * MIDDLE) - n * LOW;
+  const double r2 = r * r;
+  double s = 1.0 / 355687428096000.0;
+  for (const double c : {-1.0 / 1307674368000, 1.0 / 6227020800, -1.0 / 39916800, 1.0 / 362880,
+                         -1.0 / 5040, 1.0 / 120, -1.0 / 6})
+    s = s * r2 + c;
+  s = r + r * r2 * s;
+  double k = 1.0 / 20922789888000;
+  for (const double c : {-1.0 / 87178291200, 1.0 / 479001600, -1.0 / 3628800, 1.0 / 40320,
+                         -1.0 / 720, 1.0 / 24, -0.5})
+    k = k * r2 + c;
+  k = 1.0 + r2 * k;
+  const std::uint64_t quarter = std::bit_cast<std::uint64_t>(shifted);
+  const bool odd = (quarter & 1) != 0;
+  const double c = odd ? s : k, o = odd ? k : s;
+  // The sign bits: of the cosine in quarters 1 and 2, of the sine in 2 and 3.
+  const std::uint64_t flipCosine = ((quarter + 1) & 2) << 62, flipSine = (quarter & 2) << 62;
+  cosine = std::bit_cast<double>(std::bit_cast<std::uint64_t>(c) ^ flipCosine);
+  sine = std::bit_cast<double>(std::bit_cast<std::uint64_t>(o) ^ flipSine);
+}
+
+// ---- A panel
+
+struct Parts {
+  double re, im;
+};
+
+inline Parts product(Parts x, Parts y) {
+  return {x.re * y.re - x.im * y.im, x.re * y.im + x.im * y.re};
+}
+inline Parts plus(Parts x, Parts y) { return {x.re + y.re, x.im + y.im}; }
+inline Parts times(double x, Parts y) { return {x * y.re, x * y.im}; }
+inline Parts parts(Complex z) { return {z.real(), z.imag()}; }
+
+// What stands still over a panel; the weight in e^-eta over its value at the start.
+struct Panel {
+  Parts k;    // v_end / v_a - 1
+  Parts P, Q; // P v_a and Q / v_a
+  Parts n, a, b, c;
+};
+
+struct PanelSums {
+  Parts value;
+  double high, low; // Legendre coefficients
+  double size;      // of the integrand
+};
+
+// The integrand where v = v_a (1 + kt), r = 1 / (1 + kt) and d eta = d dt.
+inline Parts integrand(const Panel& at, Parts kt, Parts r, Parts d) {
+  const Parts e = product(at.P, kt), f = product(product(at.Q, kt), r);
+  double cosine = 0, sine = 0;
+  turn(f.im - e.im, cosine, sine);
+  const double size = exponential(std::max(f.re - e.re, LEASTEXPONENT));
+  const Parts r2 = product(r, r);
+  const Parts over = plus(at.a, plus(product(at.b, r), product(at.c, r2)));
+  const double scale = size / (over.re * over.re + over.im * over.im);
+  const Parts w = product(plus({1.0, 0.0}, product(at.n, r2)), {over.re, -over.im});
+  return times(scale, product(product(w, d), {cosine, sine}));
+}
+
+using NodeParts = Parts[NODES];
+
+double largerOf(const NodeValues (&coefficient)[2], const NodeValues& re, const NodeValues& im) {
+  double largest = 0.0;
+  for (const NodeValues& c : coefficient) {
+    Parts sum{};
+    for (std::size_t i = 0; i < NODES; ++i) sum = plus(sum, {c[i] * re[i], c[i] * im[i]});
+    largest = std::max(largest, std::fabs(sum.re) + std::fabs(sum.im));
+  }
+  return largest;
+}
+
+inline void sumUp(const Rule& R, const NodeValues& re, const NodeValues& im, PanelSums& S) {
+  S = {};
+  for (std::size_t i = 0; i < NODES; ++i) {
+    S.value = plus(S.value, {R.w[i] * re[i], R.w[i] * im[i]});
+    S.size += R.w[i] * (std::fabs(re[i]) + std::fabs(im[i]));
+  }
+  S.high = largerOf(R.high, re, im);
+  S.low = largerOf(R.low, re, im);
+}
+
+LCP_WIDTHS("avx512f", "avx2") void straightPanel(const Panel& at, const Rule& R, PanelSums& S) {
+  NodeValues re, im;
+  for (std::size_t i = 0; i < NODES; ++i) {
+    const Parts kt = times(R.t[i], at.k);
+    const double x = 1.0 + kt.re;
+    const Parts r = times(1.0 / (x * x + kt.im * kt.im), {x, -kt.im});
+    const Parts f = integrand(at, kt, r, product(at.k, r));
+    re[i] = f.re;
+    im[i] = f.im;
+  }
+  sumUp(R, re, im, S);
+}
+
+LCP_WIDTHS("avx512f", "avx2") void flatPanel(const Panel& at, const Rule& R, PanelSums& S) {
+  NodeValues re, im;
+  const double d = std::log(FLATGROWTH);
+  for (std::size_t i = 0; i < NODES; ++i) {
+    const double g = R.growth[i];
+    const Parts f = integrand(at, {g - 1.0, 0.0}, {1.0 / g, 0.0}, {d, 0.0});
+    re[i] = f.re;
+    im[i] = f.im;
+  }
+  sumUp(R, re, im, S);
+}
+
+// ---- The path
+
+struct Place {
+  Complex P, Q; // P v and Q / v
+  Complex v;
+  const PathWeight& w;
+  bool ends; // before it could reach the saddle: each descent will do
+
+  Complex E() const { return P + Q; }
+};
+
+double sizeOf(Complex z) { return std::sqrt(std::norm(z)); }
+
+// How E changes from a place to k times it further.
+Complex changeOf(const Place& at, Complex k) { return at.P * k - at.Q * k / (1.0 + k); }
+
+// A singularity at v = p lies outside the ellipse round the panel whose half axes sum to three
+// times half of it, which the nodes need. It is wider for the essential one at 0, by Q / v.
+bool farFrom(const Place& at, Complex k, Complex p, double wider) {
+  return sizeOf(p - at.v * (1.0 + k)) + sizeOf(p - at.v) >= 5.0 / 3.0 * wider * sizeOf(k * at.v);
+}
+
+bool clear(const Place& at, Complex k) {
+  constexpr double PERQ = 0.15, MOSTWIDER = 2.0;
+  if (!farFrom(at, k, 0.0, std::min(1.0 + PERQ * sizeOf(at.Q), MOSTWIDER))) return false;
+  for (const Complex p : at.w.pole) {
+    if (p != 0.0 && !farFrom(at, k, p, 1.0)) return false;
+  }
+  return true;
+}
+
+bool fits(const Place& at, Complex k, double largest) {
+  constexpr double RISE = -1.0; // of the integrand, in its logarithm
+  constexpr double BEND = 0.25;
+  const Complex middle = changeOf(at, 0.5 * k), end = changeOf(at, k);
+  return sizeOf(end) <= largest && sizeOf(middle - 0.5 * end) <= BEND * largest &&
+         middle.real() >= RISE && end.real() >= RISE && clear(at, k);
+}
+
+// By which v has to turn to the crest, |v| grown.
+double angleToCrest(const Place& at, double growth, double most) {
+  const double angle = -std::arg(at.P * growth + std::conj(at.Q) / growth);
+  return std::clamp(angle, -most, most);
+}
+
+bool flat(const Place& at) {
+  constexpr double LITTLE = 1.0 / FLATGROWTH;
+  if (sizeOf(at.P) > LITTLE || sizeOf(at.Q) > LITTLE) return false;
+  for (const Complex p : at.w.pole) {
+    if (sizeOf(at.v) < 4.0 * sizeOf(p)) return false;
+  }
+  return true;
+}
+
+// Towards the crest, further out.
+bool alongCrest(const Place& at, double largest, Complex& k) {
+  for (double excess = LARGESTGROWTH - 1.0; excess > LEASTEXCESS; excess *= 0.5) {
+    const double growth = 1.0 + excess;
+    k = std::polar(growth, angleToCrest(at, growth, std::min(LARGESTTURN, excess))) - 1.0;
+    if (fits(at, k, largest)) return true;
+  }
+  return false;
+}
+
+// Where E has grown by T: P k^2 + S k - T = 0.
+bool alongDescent(const Place& at, double T, Complex& k) {
+  const Complex slope = at.P - at.Q, S = slope - T;
+  Complex R = std::sqrt(slope * slope + 2.0 * T * at.E() + T * T);
+  if (S.real() * R.real() + S.imag() * R.imag() < 0.0) R = -R;
+  const Complex near = 2.0 * T / (S + R), far = -0.5 * (S + R) / at.P;
+  const bool nearer = at.ends || std::norm(1.0 + near) >= std::norm(1.0 + far);
+  k = nearer ? near : far;
+  return (at.ends || std::norm(1.0 + k) >= 1.0) && fits(at, k, 1.01 * T);
+}
+
+// Round 0 towards the crest, or out where the crest is reached.
+Complex stepAside(const Place& at) {
+  const Complex slope = at.P - at.Q;
+  const double steep = sizeOf(slope);
+  double size = std::min({4.0 / steep, 2.0 / std::sqrt(sizeOf(at.E())), 0.5});
+  for (;; size *= 0.5) {
+    Complex k = size * std::conj(slope) / steep;
+    if (!(k.real() > 0.0)) k = std::polar(1.0, angleToCrest(at, 1.0, size)) - 1.0;
+    if (clear(at, k)) return k;
+  }
+}
+
+Complex nextStep(const Place& at, double spent) {
+  const double largest = LARGESTCHANGE + 0.4 * spent;
+  const bool little = (LARGESTGROWTH - 1.0) * sizeOf(at.P) < largest;
+  Complex k;
+  if (little && alongCrest(at, largest, k)) return k;
+  for (const double T : {1.0, 0.5, 0.25}) {
+    if (alongDescent(at, T * largest, k)) return k;
+  }
+  if (!little && alongCrest(at, largest, k)) return k;
+  return stepAside(at);
+}
+
+void addPanel(const Place& at, bool isFlat, Complex k, Complex factor, PathIntegral& I) {
+  constexpr double ROUNDING = 4e-16;
+  const Complex z = 1.0 / at.v;
+  const PathWeight& w = at.w;
+  const Panel panel{parts(k),   parts(at.P),    parts(at.Q),         parts(w.n * z * z),
+                    parts(w.a), parts(w.b * z), parts(w.c * (z * z))};
+  PanelSums S;
+  isFlat ? flatPanel(panel, rule(), S) : straightPanel(panel, rule(), S);
+  const double fall = std::min(1.0, S.high / std::max(S.low, 1e-300));
+  I.value += factor * Complex(S.value.re, S.value.im);
+  I.error += sizeOf(factor) * (S.high * (fall * fall) * (fall * fall) + ROUNDING * S.size);
+  ++I.panels;
+}
+
+// Whether nothing is left of the integrand at the saddle, and the descent from the start takes no
+// pole along.
+bool endsEarly(Complex P, Complex Q, const PathWeight& w) {
+  constexpr double SAFE = 4.0;
+  if (!((2.0 * std::sqrt(P * Q) - P - Q).real() > SPENT)) return false;
+  const double reach = SAFE * SPENT / sizeOf(P - Q);
+  return sizeOf(1.0 - w.pole[0]) > reach && sizeOf(1.0 - w.pole[1]) > reach;
+}
+
+} // namespace
+
+PathIntegral PATHINTEGRAL(Complex P, Complex Q, const PathWeight& w) {
+  Place at{P, Q, 1.0, w, endsEarly(P, Q, w)};
+  Complex spent = 0.0; // E less what it was at the start
+  PathIntegral I{0.0, 0.0, 0};
+  while (spent.real() < SPENT && I.panels < MOSTPANELS) {
+    const bool isFlat = flat(at);
+    const Complex k = isFlat ? FLATGROWTH - 1.0 : nextStep(at, std::max(0.0, spent.real()));
+    addPanel(at, isFlat, k, std::exp(-spent), I);
+    spent += changeOf(at, k);
+    at.v *= 1.0 + k;
+    at.P = P * at.v;
+    at.Q = Q / at.v;
+  }
+  return I;
+}
+
+PathWeight weightOfRatio(Complex ratio) {
+  const Complex p = std::sqrt((ratio - 1.0) / (ratio + 1.0));
+  return {1.0, 1.0 + ratio, 0.0, 1.0 - ratio, {p, -p}};
+}
+
+PathWeight weightBeside(Complex k) {
+  const Complex R = std::sqrt(k * k - 1.0);
+  return {1.0, 1.0, 2.0 * k, 1.0, {-k + R, -k - R}};
+}
+
+} // namespace lcp

@@ -1,0 +1,157 @@
+// Pairs of conductors share their integral when sum of heights and distance are the same to 1.5e-11
+// m, as bundles and symmetric towers make them in numbers. They are found by hashing, once a solve.
+#include "overhead/exact_earth.h"
+
+#include "base/big_store.h"
+#include "base/console.h"
+#include "base/constants.h"
+#include "overhead/earth_quadrature.h"
+#include "overhead/earth_return.h"
+#include "store/capacities.h"
+#include "store/rundata.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <cstdint>
+
+namespace lcp {
+
+namespace {
+
+constexpr double MICRO = 1e-6;
+
+// One sign of x.
+PathIntegral oneSide(Complex m, const PathWeight& w, double h, double y, double x) {
+  return PATHINTEGRAL(0.5 * m * Complex(h + y, -x), 0.5 * m * Complex(y - h, x), w);
+}
+
+// ---- Pairs
+
+struct PairGeometry {
+  double H; // sum of heights, m
+  double x; // horizontal distance, not negative, m
+};
+
+constexpr int MOSTPAIRS = MAXCOND * (MAXCOND + 1) / 2;
+constexpr int MOSTPLACES = 1 << 20;
+static_assert(MOSTPAIRS < MOSTPLACES / 2);
+
+struct ExactStore {
+  int pairs; // that differ
+  bool told;
+  MappedMatrix<int> number; // of conductors i and j: their pair
+  Table<PairGeometry, MOSTPAIRS> of;
+  Table<Complex, MOSTPAIRS> value;
+  int places;            // a power of 2, twice the pairs that there could be
+  int place[MOSTPLACES]; // of a pair by its hash, 0 at an empty one
+};
+
+// Mapped when a line first asks for it.
+ExactStore* EXACT = nullptr;
+
+ExactStore& exact() {
+  if (EXACT == nullptr) EXACT = &bigStore<ExactStore>();
+  return *EXACT;
+}
+
+constexpr double GRIDS = 0x1p36; // a metre, counted in steps in which pairs are the same
+
+bool same(const PairGeometry& a, const PairGeometry& b) {
+  return std::round(a.H * GRIDS) == std::round(b.H * GRIDS) &&
+         std::round(a.x * GRIDS) == std::round(b.x * GRIDS);
+}
+
+// Where a pair stands, or the empty place where it would.
+int& placeOf(const PairGeometry& pair) {
+  constexpr std::uint64_t MIX = 0x9E3779B97F4A7C15; // 2^64 over the golden ratio
+  ExactStore& S = exact();
+  const auto H = std::bit_cast<std::uint64_t>(std::round(pair.H * GRIDS));
+  const auto x = std::bit_cast<std::uint64_t>(std::round(pair.x * GRIDS));
+  const std::uint64_t mixed = ((H * MIX) ^ std::rotl(x, 32)) * MIX;
+  int p = static_cast<int>((mixed >> 40) & static_cast<std::uint64_t>(S.places - 1));
+  while (S.place[p] != 0 && !same(S.of[S.place[p]], pair)) p = (p + 1) & (S.places - 1);
+  return S.place[p];
+}
+
+int numberOf(const PairGeometry& pair) {
+  ExactStore& S = exact();
+  int& number = placeOf(pair);
+  if (number == 0) {
+    number = ++S.pairs;
+    S.of[number] = pair;
+  }
+  return number;
+}
+
+void forgetPairs(int n) {
+  ExactStore& S = exact();
+  S.places = static_cast<int>(std::bit_ceil(static_cast<unsigned>(n * (n + 1))));
+  std::fill_n(S.place, S.places, 0);
+  S.pairs = 0;
+  S.told = false;
+}
+
+void tell(const PairGeometry& pair, double w, double off) {
+  console::note(fmt::format("the exact earth return at {:.4g} Hz of conductors {:.4g} m apart, "
+                            "{:.4g} m above ground together, is good to {:.1e} only",
+                            w / TWOPI, pair.x, pair.H, off));
+  exact().told = true;
+}
+
+} // namespace
+
+Complex complexAdmittivity(Complex p) {
+  const Ground& G = RUNDATA.ground;
+  if (p.real() == 0.0 && p.imag() > 0.0) return soilAdmittivity(p.imag());
+  // (j w)^a / sin(pi a / 2) is w^a (j + 1 / tan(pi a / 2)).
+  const Complex power = std::pow(p * (MICRO / TWOPI), G.GFDFAC);
+  return G.GSIGLF + G.GFDSIG * power / std::sin(HALFPI14 * G.GFDFAC);
+}
+
+Complex exactReciprocalDepth(Complex p) {
+  const Ground& G = RUNDATA.ground;
+  const Complex pmu = p * (G.GMUR * MU0);
+  return std::sqrt(G.GRTYPE ? pmu * complexAdmittivity(p) : pmu / G.GRHO);
+}
+
+Estimated EARTHPATH(Complex m, Complex c, double h, double y, double x) {
+  const PathWeight w = weightOfRatio(c);
+  const PathIntegral one = oneSide(m, w, h, y, x);
+  if (x == 0.0) return {2.0 * one.value, 2.0 * one.error};
+  const PathIntegral other = oneSide(m, w, h, y, -x);
+  return {one.value + other.value, one.error + other.error};
+}
+
+Estimated EXACTCARSON(Complex p, double H, double x) {
+  const double mur = RUNDATA.ground.GMUR;
+  const Estimated E = EARTHPATH(exactReciprocalDepth(p), mur, H, 0.0, x);
+  return {mur * E.value, mur * E.error};
+}
+
+void PREPAREEXACT(int n) {
+  const ConductorTable& C = RUNDATA.cond;
+  ExactStore& S = exact();
+  forgetPairs(n);
+  S.number.map(n);
+  for (int j = 1; j <= n; ++j) {
+    for (int i = 1; i <= j; ++i) {
+      const double x = i == j ? 0.0 : std::fabs(C.CX[i] - C.CX[j]);
+      S.number(i, j) = S.number(j, i) = numberOf({C.CYAVG[i] + C.CYAVG[j], x});
+    }
+  }
+}
+
+void SOLVEEXACT(double w) {
+  ExactStore& S = exact();
+  for (int k = 1; k <= S.pairs; ++k) {
+    const Estimated E = EXACTCARSON({0.0, w}, S.of[k].H, S.of[k].x);
+    S.value[k] = E.value;
+    const double off = E.error / std::abs(E.value);
+    if (!S.told && !(off < EXACTLIMIT)) tell(S.of[k], w, off);
+  }
+}
+
+Complex EXACTTERM(int i, int j) { return EXACT->value[EXACT->number(i, j)]; }
+
+} // namespace lcp
