@@ -11,10 +11,12 @@
 #include "cable/cable_earth.h"
 
 #include "base/console.h"
+#include "base/constants.h"
 #include "base/solve_error.h"
 #include "cable/aerial_integral.h"
 #include "cable/body.h"
 #include "cable/earth_pairs.h"
+#include "cable/exact_earth.h"
 #include "overhead/earth_return.h"
 #include "store/rundata.h"
 #include "store/solvedata.h"
@@ -57,9 +59,11 @@ BodyRows rowsOf(int number, const CableNumbering& N) {
 // ---- Checks
 
 // In air log(2 y / r) exists if y and r have the same sign. In the ground the closed form and the
-// integrals divide by m y and m r; the series does not.
+// integrals divide by m y and m r; the series does not. The exact
+// integrals need a body below the surface.
 bool hasEarthReturn(const Body& b) {
   if (b.aerial) return b.y * b.r > 0.0;
+  if (RUNDATA.numerics.IMPROVEDEARTH) return b.y > 0.0 && b.r > 0.0;
   return RUNDATA.ground.EARTHFU == EARTHSERIES || b.y * b.r != 0.0;
 }
 
@@ -120,6 +124,7 @@ struct PairKey {
   double yi;
   double yj; // 0 for a single body
   bool aerial;
+  bool toAerial;
 };
 
 constexpr int MOSTKEPT = 128; // further pairs are computed individually
@@ -133,14 +138,43 @@ struct EarthCall {
   Table<EarthValue, MOSTKEPT> values;
 };
 
+// The exact integrals, whatever the numbers of the formulas. What they miss is told once a solve.
+bool TOLD = false;
+
+void tellMissed(double w, const Body& i, const Body& j, const Estimated& E) {
+  const double off = E.error / std::abs(E.value);
+  if (TOLD || off < EXACTLIMIT) return;
+  TOLD = true;
+  console::note(fmt::format("the exact earth return at {:.4g} Hz between X = {:.4g} m and X = "
+                            "{:.4g} m is good to {:.1e} only",
+                            w / TWOPI, i.x, j.x, off));
+}
+
+EarthValue exactValue(double w, const Body& i, const Body& j, bool self) {
+  const Complex p(0.0, w);
+  const BodyPair g = self ? pairOf(i) : pairOf(i, j);
+  ExactAerial value{{0.0, 0.0}, {0.0, 0.0}};
+  if (i.aerial && j.aerial) {
+    value = EXACTAERIAL(p, g);
+  } else if (!i.aerial && !j.aerial) {
+    value.Z = EXACTBURIED(p, g);
+  } else {
+    value.Z = i.aerial ? EXACTMIXED(p, i.y, j.y, g.x) : EXACTMIXED(p, j.y, i.y, g.x);
+  }
+  tellMissed(w, i, j, value.Z);
+  return {value.Z.value, value.P.value};
+}
+
 EarthValue selfValue(EarthCall& call, const Body& b) {
   const Ground& G = RUNDATA.ground;
+  if (RUNDATA.numerics.IMPROVEDEARTH) return exactValue(call.w, b, b, true);
   if (b.aerial) return EASELF(G.EARTHF, b, call.m, call.w);
   return {EBSELF(G.EARTHFU, b, call.m, call.kexpone), 0.0};
 }
 
 EarthValue mutualValue(EarthCall& call, const Body& i, const Body& j) {
   const Ground& G = RUNDATA.ground;
+  if (RUNDATA.numerics.IMPROVEDEARTH) return exactValue(call.w, i, j, false);
   if (i.aerial != j.aerial) return {EMIX(G.EARTHFM, i, j, call.m), 0.0};
   if (i.aerial) return EAMUT(G.EARTHF, i, j, call.m, call.w);
   return {EBMUT(G.EARTHFU, i, j, call.m, call.kexpone), 0.0};
@@ -148,6 +182,7 @@ EarthValue mutualValue(EarthCall& call, const Body& i, const Body& j) {
 
 bool integrated(const Body& i, const Body& j) {
   const Ground& G = RUNDATA.ground;
+  if (RUNDATA.numerics.IMPROVEDEARTH) return true;
   return i.aerial == j.aerial && (i.aerial ? G.EARTHF : G.EARTHFU) == EARTHINTEGRAL;
 }
 
@@ -158,10 +193,11 @@ EarthValue valueOf(EarthCall& call, int i, int j) {
   const bool self = i == j;
   const double x = std::fabs(bi.x - bj.x);
   const bool keep = integrated(bi, bj);
-  const PairKey key{bi.r, x, bi.y, self ? 0.0 : bj.y, bi.aerial};
+  const PairKey key{bi.r, x, bi.y, self ? 0.0 : bj.y, bi.aerial, bj.aerial};
+  const bool panels = keep && !RUNDATA.numerics.IMPROVEDEARTH;
+  if (panels && bi.aerial) checkBeside(i, j, self ? bi.r : x, bi.y + bj.y);
+  if (panels && !bi.aerial && !self) noteFarBeside(i, j, x, bi.y + bj.y);
   if (keep) {
-    if (bi.aerial) checkBeside(i, j, self ? bi.r : x, bi.y + bj.y);
-    if (!bi.aerial && !self) noteFarBeside(i, j, x, bi.y + bj.y);
     for (int k = 1; k <= call.kept; ++k) {
       if (call.keys[k] == key) return call.values[k];
     }
@@ -207,6 +243,7 @@ void CBEARTH(double w, const CableNumbering& N, CView D, CView Q) {
   if (SOLVEDATA.first.ISTATUS) {
     checkBodies(N);
     FORGETAERIAL();
+    TOLD = false;
   }
   const int n = RUNDATA.cable.NCABLE;
   const Target to{N, D, Q};

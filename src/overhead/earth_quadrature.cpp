@@ -45,12 +45,14 @@ constexpr int MOSTPANELS = 100000;
 
 // ---- Rule
 
+// What is summed over the nodes: the integral, and Legendre coefficients, the last two and those
+// four before them.
+enum Column { INTEGRAL, LAST, SECOND, LASTLOW, SECONDLOW, COLUMNS = 8 };
+
 struct Rule {
-  NodeValues t;       // nodes in (0, 1)
-  NodeValues w;       // weights
-  NodeValues high[2]; // Legendre coefficients: the last two,
-  NodeValues low[2];  // ... and those four before them
-  NodeValues growth;  // 64^t
+  NodeValues t;      // nodes in (0, 1)
+  NodeValues growth; // 64^t
+  double weights[NODES][COLUMNS];
 };
 
 struct Legendre {
@@ -77,11 +79,12 @@ Rule gaussRule() {
     }
     const double slope = legendre(NODES, x).slope;
     R.t[i] = 0.5 * (1.0 + x);
-    R.w[i] = 1.0 / ((1.0 - x * x) * slope * slope);
+    double(&w)[COLUMNS] = R.weights[i];
+    w[INTEGRAL] = 1.0 / ((1.0 - x * x) * slope * slope);
     for (int k = 0; k < 2; ++k) {
       const int high = NODES - 1 - k, low = high - 4;
-      R.high[k][i] = (2 * high + 1) * R.w[i] * legendre(high, x).p;
-      R.low[k][i] = (2 * low + 1) * R.w[i] * legendre(low, x).p;
+      w[LAST + k] = (2 * high + 1) * w[INTEGRAL] * legendre(high, x).p;
+      w[LASTLOW + k] = (2 * low + 1) * w[INTEGRAL] * legendre(low, x).p;
     }
     R.growth[i] = std::pow(FLATGROWTH, R.t[i]);
   }
@@ -177,26 +180,19 @@ inline Parts integrand(const Panel& at, Parts kt, Parts r, Parts d) {
   return times(scale, product(product(w, d), {cosine, sine}));
 }
 
-using NodeParts = Parts[NODES];
-
-double largerOf(const NodeValues (&coefficient)[2], const NodeValues& re, const NodeValues& im) {
-  double largest = 0.0;
-  for (const NodeValues& c : coefficient) {
-    Parts sum{};
-    for (std::size_t i = 0; i < NODES; ++i) sum = plus(sum, {c[i] * re[i], c[i] * im[i]});
-    largest = std::max(largest, std::fabs(sum.re) + std::fabs(sum.im));
-  }
-  return largest;
-}
-
+// Column by column side by side.
 inline void sumUp(const Rule& R, const NodeValues& re, const NodeValues& im, PanelSums& S) {
-  S = {};
+  double sumRe[COLUMNS] = {}, sumIm[COLUMNS] = {}, size = 0.0;
   for (std::size_t i = 0; i < NODES; ++i) {
-    S.value = plus(S.value, {R.w[i] * re[i], R.w[i] * im[i]});
-    S.size += R.w[i] * (std::fabs(re[i]) + std::fabs(im[i]));
+    for (int c = 0; c < COLUMNS; ++c) sumRe[c] += R.weights[i][c] * re[i];
+    for (int c = 0; c < COLUMNS; ++c) sumIm[c] += R.weights[i][c] * im[i];
+    size += R.weights[i][INTEGRAL] * (std::fabs(re[i]) + std::fabs(im[i]));
   }
-  S.high = largerOf(R.high, re, im);
-  S.low = largerOf(R.low, re, im);
+  const auto of = [&](int c) { return std::fabs(sumRe[c]) + std::fabs(sumIm[c]); };
+  S = {{sumRe[INTEGRAL], sumIm[INTEGRAL]},
+       std::max(of(LAST), of(SECOND)),
+       std::max(of(LASTLOW), of(SECONDLOW)),
+       size};
 }
 
 LCP_WIDTHS("avx512f", "avx2") void straightPanel(const Panel& at, const Rule& R, PanelSums& S) {
@@ -301,14 +297,17 @@ bool alongDescent(const Place& at, double T, Complex& k) {
 
 // Round 0 towards the crest, or out where the crest is reached.
 Complex stepAside(const Place& at) {
+  constexpr int HALVINGS = 60;
   const Complex slope = at.P - at.Q;
   const double steep = sizeOf(slope);
   double size = std::min({4.0 / steep, 2.0 / std::sqrt(sizeOf(at.E())), 0.5});
-  for (;; size *= 0.5) {
-    Complex k = size * std::conj(slope) / steep;
+  Complex k;
+  for (int n = 0; n < HALVINGS; ++n, size *= 0.5) {
+    k = size * std::conj(slope) / steep;
     if (!(k.real() > 0.0)) k = std::polar(1.0, angleToCrest(at, 1.0, size)) - 1.0;
-    if (clear(at, k)) return k;
+    if (clear(at, k)) break;
   }
+  return k;
 }
 
 Complex nextStep(const Place& at, double spent) {
@@ -324,7 +323,7 @@ Complex nextStep(const Place& at, double spent) {
 }
 
 void addPanel(const Place& at, bool isFlat, Complex k, Complex factor, PathIntegral& I) {
-  constexpr double ROUNDING = 4e-16;
+  constexpr double ROUNDING = 1e-15;
   const Complex z = 1.0 / at.v;
   const PathWeight& w = at.w;
   const Panel panel{parts(k),   parts(at.P),    parts(at.Q),         parts(w.n * z * z),

@@ -21,9 +21,15 @@ namespace {
 
 constexpr double MICRO = 1e-6;
 
-// One sign of x.
-PathIntegral oneSide(Complex m, const PathWeight& w, double h, double y, double x) {
-  return PATHINTEGRAL(0.5 * m * Complex(h + y, -x), 0.5 * m * Complex(y - h, x), w);
+// The sum over both signs of x.
+Estimated bothSides(Complex m, const PathWeight& w, double h, double y, double x) {
+  const auto side = [&](double X) {
+    return PATHINTEGRAL(0.5 * m * Complex(h + y, -X), 0.5 * m * Complex(y - h, X), w);
+  };
+  const PathIntegral one = side(x);
+  if (x == 0.0) return {2.0 * one.value, 2.0 * one.error};
+  const PathIntegral other = side(-x);
+  return {one.value + other.value, one.error + other.error};
 }
 
 // ---- Pairs
@@ -116,11 +122,11 @@ Complex exactReciprocalDepth(Complex p) {
 }
 
 Estimated EARTHPATH(Complex m, Complex c, double h, double y, double x) {
-  const PathWeight w = weightOfRatio(c);
-  const PathIntegral one = oneSide(m, w, h, y, x);
-  if (x == 0.0) return {2.0 * one.value, 2.0 * one.error};
-  const PathIntegral other = oneSide(m, w, h, y, -x);
-  return {one.value + other.value, one.error + other.error};
+  return bothSides(m, weightOfRatio(c), h, y, x);
+}
+
+Estimated EARTHPATHBESIDE(Complex m, Complex k, double h, double x) {
+  return bothSides(m, weightBeside(k), h, 0.0, x);
 }
 
 Estimated EXACTCARSON(Complex p, double H, double x) {

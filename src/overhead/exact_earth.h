@@ -29,6 +29,9 @@ Complex complexAdmittivity(Complex p); // of the frequency-dependent soil, S/m
 // beside, m; Re c >= 0. Dimensionless; exp(-y m) is left to the caller.
 Estimated EARTHPATH(Complex m, Complex c, double h, double y, double x);
 
+// 2 * integral of exp(-h u) cos(x u) / (s + k m).
+Estimated EARTHPATHBESIDE(Complex m, Complex k, double h, double x);
+
 // E of two conductors by the sum of their heights H > 0 and their horizontal distance x, m; x = 0
 // for one by itself. The impedance is p L0 E on top of that over ideal ground, ohm/m.
 Estimated EXACTCARSON(Complex p, double H, double x);
