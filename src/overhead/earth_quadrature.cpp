@@ -226,7 +226,8 @@ struct Place {
   Complex P, Q; // P v and Q / v
   Complex v;
   const PathWeight& w;
-  bool ends; // before it could reach the saddle: each descent will do
+  bool ends;           // before it could reach the saddle: each descent will do
+  double gained = 0.0; // by Re E since the start
 
   Complex E() const { return P + Q; }
 };
@@ -252,11 +253,13 @@ bool clear(const Place& at, Complex k) {
 }
 
 bool fits(const Place& at, Complex k, double largest) {
-  constexpr double RISE = -1.0; // of the integrand, in its logarithm
+  constexpr double RISE =
+      -1.0; // of the integrand over a panel and over its start, in its logarithm
   constexpr double BEND = 0.25;
   const Complex middle = changeOf(at, 0.5 * k), end = changeOf(at, k);
+  const double least = std::max(RISE, RISE - at.gained);
   return sizeOf(end) <= largest && sizeOf(middle - 0.5 * end) <= BEND * largest &&
-         middle.real() >= RISE && end.real() >= RISE && clear(at, k);
+         middle.real() >= least && end.real() >= least && clear(at, k);
 }
 
 // By which v has to turn to the crest, |v| grown.
@@ -295,31 +298,34 @@ bool alongDescent(const Place& at, double T, Complex& k) {
   return (at.ends || std::norm(1.0 + k) >= 1.0) && fits(at, k, 1.01 * T);
 }
 
-// Round 0 towards the crest, or out where the crest is reached.
-Complex stepAside(const Place& at) {
-  constexpr int HALVINGS = 60;
+// Downhill, or round 0 towards the crest where downhill leads to smaller |v|.
+bool stepAside(const Place& at, double largest, Complex& k) {
+  constexpr int HALVINGS = 4;
+  constexpr double REACHED = 0.02; // radians from the crest
   const Complex slope = at.P - at.Q;
   const double steep = sizeOf(slope);
-  double size = std::min({4.0 / steep, 2.0 / std::sqrt(sizeOf(at.E())), 0.5});
-  Complex k;
-  for (int n = 0; n < HALVINGS; ++n, size *= 0.5) {
-    k = size * std::conj(slope) / steep;
-    if (!(k.real() > 0.0)) k = std::polar(1.0, angleToCrest(at, 1.0, size)) - 1.0;
-    if (clear(at, k)) break;
+  const Complex downhill = std::conj(slope) / steep;
+  const bool out = downhill.real() > 0.0;
+  if (!out && std::fabs(angleToCrest(at, 1.0, 1.0)) < REACHED) return false;
+  double size = std::min(largest / steep, 0.5);
+  for (int n = 0; n <= HALVINGS; ++n, size *= 0.5) {
+    k = out ? size * downhill : std::polar(1.0, angleToCrest(at, 1.0, size)) - 1.0;
+    if (fits(at, k, 1.2 * largest)) return true;
   }
-  return k;
+  return false;
 }
 
-Complex nextStep(const Place& at, double spent) {
-  const double largest = LARGESTCHANGE + 0.4 * spent;
+Complex nextStep(const Place& at) {
+  const double largest = LARGESTCHANGE + 0.4 * std::max(0.0, at.gained);
   const bool little = (LARGESTGROWTH - 1.0) * sizeOf(at.P) < largest;
   Complex k;
   if (little && alongCrest(at, largest, k)) return k;
   for (const double T : {1.0, 0.5, 0.25}) {
     if (alongDescent(at, T * largest, k)) return k;
   }
-  if (!little && alongCrest(at, largest, k)) return k;
-  return stepAside(at);
+  if (stepAside(at, largest, k)) return k;
+  alongCrest(at, largest, k);
+  return k;
 }
 
 void addPanel(const Place& at, bool isFlat, Complex k, Complex factor, PathIntegral& I) {
@@ -353,12 +359,13 @@ PathIntegral PATHINTEGRAL(Complex P, Complex Q, const PathWeight& w) {
   PathIntegral I{0.0, 0.0, 0};
   while (spent.real() < SPENT && I.panels < MOSTPANELS) {
     const bool isFlat = flat(at);
-    const Complex k = isFlat ? FLATGROWTH - 1.0 : nextStep(at, std::max(0.0, spent.real()));
+    const Complex k = isFlat ? FLATGROWTH - 1.0 : nextStep(at);
     addPanel(at, isFlat, k, std::exp(-spent), I);
     spent += changeOf(at, k);
     at.v *= 1.0 + k;
     at.P = P * at.v;
     at.Q = Q / at.v;
+    at.gained = spent.real();
   }
   return I;
 }
