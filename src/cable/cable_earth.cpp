@@ -142,9 +142,9 @@ struct EarthCall {
 bool TOLD = false;
 
 void tellMissed(double w, const Body& i, const Body& j, const Estimated& E) {
-  const double off = E.error / std::abs(E.value);
-  if (TOLD || off < EXACTLIMIT) return;
+  if (TOLD || !missesLimit(E)) return;
   TOLD = true;
+  const double off = E.error / std::abs(E.value);
   console::note(fmt::format("the exact earth return at {:.4g} Hz between X = {:.4g} m and X = "
                             "{:.4g} m is good to {:.1e} only",
                             w / TWOPI, i.x, j.x, off));

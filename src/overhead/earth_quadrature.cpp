@@ -16,7 +16,8 @@
 //   - else, where that line runs towards smaller |v|, it turns round 0 towards the crest
 //
 // What a panel is off is estimated from its Legendre coefficients. Its rule integrates 16 more of
-// them exactly than it shows, and they fall on as they have fallen over the last four.
+// them exactly than it shows. They fall on as they have fallen over the last four, or once more as
+// from the first to the last, whichever is less.
 #include "overhead/earth_quadrature.h"
 
 #include "base/constants.h"
@@ -330,15 +331,17 @@ Complex nextStep(const Place& at) {
 
 void addPanel(const Place& at, bool isFlat, Complex k, Complex factor, PathIntegral& I) {
   constexpr double ROUNDING = 1e-15;
+  constexpr double LEASTSIZE = 1e-300;
   const Complex z = 1.0 / at.v;
   const PathWeight& w = at.w;
   const Panel panel{parts(k),   parts(at.P),    parts(at.Q),         parts(w.n * z * z),
                     parts(w.a), parts(w.b * z), parts(w.c * (z * z))};
   PanelSums S;
   isFlat ? flatPanel(panel, rule(), S) : straightPanel(panel, rule(), S);
-  const double fall = std::min(1.0, S.high / std::max(S.low, 1e-300));
+  const double fall = std::min(1.0, S.high / std::max(S.low, LEASTSIZE));
+  const double rest = std::min(fall * fall * fall * fall, S.high / std::max(S.size, LEASTSIZE));
   I.value += factor * Complex(S.value.re, S.value.im);
-  I.error += sizeOf(factor) * (S.high * (fall * fall) * (fall * fall) + ROUNDING * S.size);
+  I.error += sizeOf(factor) * (S.high * rest + ROUNDING * S.size);
   ++I.panels;
 }
 

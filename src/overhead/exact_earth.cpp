@@ -1,3 +1,6 @@
+// Without permeability the integral has a closed form, which is taken where its series are short;
+// between them, and with permeability, the integral is taken along a path.
+//
 // Pairs of conductors share their integral when sum of heights and distance are the same to 1.5e-11
 // m, as bundles and symmetric towers make them in numbers. They are found by hashing, once a solve.
 #include "overhead/exact_earth.h"
@@ -7,6 +10,7 @@
 #include "base/constants.h"
 #include "overhead/earth_quadrature.h"
 #include "overhead/earth_return.h"
+#include "overhead/struve_form.h"
 #include "store/capacities.h"
 #include "store/rundata.h"
 
@@ -21,15 +25,27 @@ namespace {
 
 constexpr double MICRO = 1e-6;
 
-// The sum over both signs of x.
+// One sign of x, and the sum over both.
+Estimated oneSide(Complex m, const PathWeight& w, double h, double y, double x) {
+  const PathIntegral I = PATHINTEGRAL(0.5 * m * Complex(h + y, -x), 0.5 * m * Complex(y - h, x), w);
+  return {I.value, I.error};
+}
+
+Estimated sum(const Estimated& a, const Estimated& b) {
+  return {a.value + b.value, a.error + b.error};
+}
+
 Estimated bothSides(Complex m, const PathWeight& w, double h, double y, double x) {
-  const auto side = [&](double X) {
-    return PATHINTEGRAL(0.5 * m * Complex(h + y, -X), 0.5 * m * Complex(y - h, X), w);
-  };
-  const PathIntegral one = side(x);
-  if (x == 0.0) return {2.0 * one.value, 2.0 * one.error};
-  const PathIntegral other = side(-x);
-  return {one.value + other.value, one.error + other.error};
+  const Estimated one = oneSide(m, w, h, y, x);
+  return sum(one, x == 0.0 ? one : oneSide(m, w, h, y, -x));
+}
+
+// Carson's integral without permeability.
+Estimated carsonSide(Complex m, double H, double x) {
+  constexpr double CLOSEDERROR = 2e-14;
+  const StruveForm closed = STRUVE(m * Complex(H, -x));
+  if (closed.taken) return {closed.value, CLOSEDERROR * std::abs(closed.value)};
+  return oneSide(m, weightOfRatio(1.0), H, 0.0, x);
 }
 
 // ---- Pairs
@@ -131,7 +147,12 @@ Estimated EARTHPATHBESIDE(Complex m, Complex k, double h, double x) {
 
 Estimated EXACTCARSON(Complex p, double H, double x) {
   const double mur = RUNDATA.ground.GMUR;
-  const Estimated E = EARTHPATH(exactReciprocalDepth(p), mur, H, 0.0, x);
+  const Complex m = exactReciprocalDepth(p);
+  if (mur == 1.0) {
+    const Estimated one = carsonSide(m, H, x);
+    return sum(one, x == 0.0 ? one : carsonSide(m, H, -x));
+  }
+  const Estimated E = EARTHPATH(m, mur, H, 0.0, x);
   return {mur * E.value, mur * E.error};
 }
 
@@ -153,10 +174,11 @@ void SOLVEEXACT(double w) {
   for (int k = 1; k <= S.pairs; ++k) {
     const Estimated E = EXACTCARSON({0.0, w}, S.of[k].H, S.of[k].x);
     S.value[k] = E.value;
-    const double off = E.error / std::abs(E.value);
-    if (!S.told && !(off < EXACTLIMIT)) tell(S.of[k], w, off);
+    if (!S.told && missesLimit(E)) tell(S.of[k], w, E.error / std::abs(E.value));
   }
 }
+
+bool missesLimit(const Estimated& E) { return !(E.error <= EXACTLIMIT * std::abs(E.value)); }
 
 Complex EXACTTERM(int i, int j) { return EXACT->value[EXACT->number(i, j)]; }
 

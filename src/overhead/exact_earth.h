@@ -18,6 +18,7 @@ struct Estimated {
 };
 
 constexpr double EXACTLIMIT = 1e-9; // of a value: an exact integral that is further off is told
+bool missesLimit(const Estimated& E);
 
 // What the ground is at the complex frequency p, rad/s, Re p >= 0 (p = j w for the steady state),
 // from the run store; 1 / m^2 and m, Re m > 0. By the constant soil without displacement currents,
