@@ -1,5 +1,6 @@
 #include "companions/check/check.h"
 
+#include "companions/check/earth_rules.h"
 #include "companions/check/finding.h"
 #include "companions/check/geometry_rules.h"
 #include "companions/check/line_rules.h"
@@ -57,6 +58,7 @@ Findings findAll(const CapturedRun& read) {
     soilRules(findings);
   }
   optionRules(findings);
+  earthRules(findings);
   sortFindings(findings);
   return findings;
 }

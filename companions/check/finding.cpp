@@ -75,10 +75,12 @@ constexpr KindRow KINDS[] = {
     {Kind::BuriedClosedForm, "buried-closed-form", WARNING,
      "formula 0 between buried cables is used up to {} Hz; above 10000 Hz it can give modes a "
      "gain, "
-     "formula 2 does not"},
+     "formula 2 and Improved Earth : 1 do not"},
     {Kind::AerialLowFrequency, "aerial-low-frequency", WARNING,
      "formula 2 of aerial cables is used down to {} Hz; below 0.01 Hz it has too little of the "
-     "resistance of the earth"},
+     "resistance of the earth, Improved Earth : 1 has all of it"},
+    {Kind::EarthError, "earth-error", WARNING,
+     "formula {} is up to {} off (at {}); Improved Earth : 1 takes the exact integral"},
 };
 
 } // namespace

@@ -46,7 +46,8 @@ enum class Kind {
   InnerCables,
   AbsentLayer,
   BuriedClosedForm,
-  AerialLowFrequency
+  AerialLowFrequency,
+  EarthError
 };
 
 struct KindRow {

@@ -13,11 +13,6 @@ namespace lcp::companions {
 
 namespace {
 
-constexpr double CLOSEDFORMLIMIT = 1e4; // Hz: closed form between buried cables
-constexpr double AERIALLEAST = 0.01;    // Hz: formula 2 for aerial bodies
-constexpr double DCFREQUENCY = 1e-6;    // Hz, at which the DC correction evaluates the line
-constexpr int STEPSBELOW = 5;           // grid points below the fit range
-
 // Line of a key, or else heading of the model section.
 int optionLine(const void* target) {
   const int line = lineOf(target);
@@ -100,81 +95,6 @@ void passivity(Findings& findings) {
   if (P.PEIGTOL <= 0) add(findings, optionLine(&P.PEIGTOL), Kind::ZeroTolerance);
 }
 
-// --- formulas
-
-// First frequency of the fit grid, which starts below the fit range.
-double gridBegin() {
-  const FitOptions& F = RUNDATA.fit;
-  return F.FSTART * std::pow(F.FEND / F.FSTART, -STEPSBELOW / double(F.NFINC));
-}
-
-double highestFrequency() {
-  const double fixed = std::max(RUNDATA.bergeron.FLOSS, RUNDATA.line.SSFREQ);
-  if (RUNDATA.model.atTwoFrequencies()) return fixed;
-  return RUNDATA.model.fitted() ? std::max(gridBegin(), RUNDATA.fit.FEND) : RUNDATA.line.SSFREQ;
-}
-
-double lowestFrequency() {
-  const FitOptions& F = RUNDATA.fit;
-  if (!RUNDATA.model.fitted()) return RUNDATA.line.SSFREQ;
-  const double grid = std::min(gridBegin(), F.FEND);
-  return RUNDATA.model.fitsPhases() && F.DCCORR > 0 ? std::min(grid, DCFREQUENCY) : grid;
-}
-
-// Number of cables and pipes side by side, aerial or buried.
-int bodies(bool aerial) {
-  const CableTable& T = RUNDATA.cable;
-  int n = T.PIPEF && T.pipe.PIPEOVHD == aerial ? 1 : 0;
-  for (int i = 1; i <= T.NCABLE; ++i) n += T.CB[i].CBPIPE == 0 && T.CB[i].CBOVHD == aerial ? 1 : 0;
-  return n;
-}
-
-int formulaLine(const int* own) { return std::max(lineOf(own), lineOf(&RUNDATA.ground.EARTHF)); }
-
-// Whether any body with an earth return is aerial, or buried.
-bool anyBody(bool aerial) {
-  const CableTable& T = RUNDATA.cable;
-  if (RUNDATA.run.ISCABLE == OVERHEADLINE) return aerial;
-  for (int i = 1; i <= T.NCABLE; ++i) {
-    if (T.CB[i].CBOVHD == aerial) return true;
-  }
-  return T.PIPEF && T.pipe.PIPEOVHD == aerial;
-}
-
-void illegalFormulas(Findings& findings) {
-  const Ground& G = RUNDATA.ground;
-  const bool air = anyBody(true), earth = anyBody(false);
-  const struct {
-    bool needed;
-    const int& formula;
-    bool series;
-    std::string_view key, bodies;
-  } choices[] = {
-      {air, G.EARTHF, false, "EarthImpedanceFormula", "aerial conductors"},
-      {earth, G.EARTHFU, true, "EarthUImpedanceFormula", "buried cables"},
-      {air && earth, G.EARTHFM, false, "EarthMImpedanceFormula", "an aerial and a buried cable"},
-  };
-  for (const auto& c : choices) {
-    const bool known = c.formula == EARTHCLOSED || c.formula == EARTHINTEGRAL ||
-                       (c.series && c.formula == EARTHSERIES);
-    if (c.needed && !known) {
-      add(findings, formulaLine(&c.formula), Kind::EarthFormula, c.key, std::to_string(c.formula),
-          c.bodies);
-    }
-  }
-}
-
-void formulas(Findings& findings) {
-  const Ground& G = RUNDATA.ground;
-  illegalFormulas(findings);
-  if (RUNDATA.run.ISCABLE == OVERHEADLINE) return;
-  const double high = highestFrequency(), low = lowestFrequency();
-  if (G.EARTHFU == EARTHCLOSED && bodies(false) > 1 && high > CLOSEDFORMLIMIT)
-    add(findings, formulaLine(&G.EARTHFU), Kind::BuriedClosedForm, fmt::format("{:.6g}", high));
-  if (G.EARTHF == EARTHINTEGRAL && bodies(true) > 0 && low < AERIALLEAST)
-    add(findings, lineOf(&G.EARTHF), Kind::AerialLowFrequency, fmt::format("{:.2g}", low));
-}
-
 } // namespace
 
 void optionRules(Findings& findings) {
@@ -184,8 +104,6 @@ void optionRules(Findings& findings) {
   if (M.fitted() && RUNDATA.run.DATAFMT == ROUTECONSTANTS) fitRange(findings);
   if (M.fitsPhases()) dcCorrection(findings);
   if (M.fitsPhases()) passivity(findings);
-  if (RUNDATA.run.ISCABLE != FOURWIRECABLE && RUNDATA.run.DATAFMT == ROUTECONSTANTS)
-    formulas(findings);
 }
 
 } // namespace lcp::companions

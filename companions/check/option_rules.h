@@ -1,4 +1,4 @@
-// Findings on options: values that make a result useless, and formulas outside their range.
+// Findings on options: values that make a result useless.
 #pragma once
 
 #include "companions/check/finding.h"

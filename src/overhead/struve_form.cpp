@@ -3,8 +3,8 @@
 //   g = w/3 - w^3 / 45 + ...                               from the Struve function
 //     + sum_k (-q)^k / (k! (k+1)!) [(psi(k+1) + psi(k+2)) / 4 - log(w/2) / 2]
 //
-// In the first sum a term is the one before times -w^2 / ((2k+1) (2k+3)). For |w| below 3 the terms
-// cancel to a tenth at most.
+// In the first sum a term is the one before times -w^2 / ((2k+1) (2k+3)). For |w| below 5 the terms
+// cancel to a hundredth at most.
 //
 // Asymptotic series, from the powers of v under the root:
 //
@@ -20,7 +20,7 @@ namespace lcp {
 namespace {
 
 constexpr double EULER = 0.5772156649015329;
-constexpr double SMALL = 3.0;
+constexpr double SMALL = 5.0;
 constexpr double LARGE = 38.0; // exp(-38) is below rounding
 constexpr int TERMS = 30;
 
