@@ -11,8 +11,10 @@
 #include "cable/earth_functions.h"
 #include "cable/earth_integrals.h"
 #include "cable/earth_pairs.h"
+#include "cable/exact_earth.h"
 #include "cable/four_wire.h"
 #include "kernels/bessel_k.h"
+#include "kernels/exponential_integral.h"
 #include "kernels/hyperbolic.h"
 #include "overhead/carson_integral.h"
 #include "overhead/earth_return.h"
@@ -116,6 +118,19 @@ Complex soil(const Arguments& a) {
   RUNDATA.ground = {.GRTYPE = true, .GSIGLF = a.at(1), .GFDSIG = a.at(2), .GFDFAC = a.at(3)};
   return soilAdmittivity(a[0]);
 }
+// Complex frequency, resistivity, permittivity and permeability of the soil, whether it depends on
+// frequency; then the geometry.
+Complex exactSoil(const Arguments& a) {
+  setGround(a.at(2), a.at(3), a.at(4));
+  RUNDATA.ground.GRTYPE = a.at(5) == 1;
+  RUNDATA.ground.GSIGLF = 1.0 / a[2];
+  return {a[0], a[1]};
+}
+// Distances from the surface (the second below 0 for one body by itself), radius, distance.
+BodyPair exactPair(const Arguments& a) {
+  const Body b{0, a.at(6), a.at(8), false};
+  return a[7] < 0 ? pairOf(b) : pairOf(b, {a.at(9), a[7], a[8], false});
+}
 using Tube = Complex (*)(double w, double q, double r, double rho, double mur);
 Function ofTube(Tube f) {
   return [f](const Arguments& a) { return f(a.at(0), a.at(1), a.at(2), a.at(3), a.at(4)); };
@@ -146,6 +161,13 @@ const std::map<std::string, Function> FUNCTIONS = {
     {"cableP", [](auto& a) { return earthOf(a).P; }},
     {"aerialZ", [](auto& a) { return aerialOf(a).SZ; }},
     {"aerialP", [](auto& a) { return aerialOf(a).SQ; }},
+    {"exactCarson", [](auto& a) { return EXACTCARSON(exactSoil(a), a.at(6), a.at(7)).value; }},
+    {"exactMixed",
+     [](auto& a) { return EXACTMIXED(exactSoil(a), a.at(6), a.at(7), a.at(8)).value; }},
+    {"exactBuried", [](auto& a) { return EXACTBURIED(exactSoil(a), exactPair(a)).value; }},
+    {"exactAerialZ", [](auto& a) { return EXACTAERIAL(exactSoil(a), exactPair(a)).Z.value; }},
+    {"exactAerialP", [](auto& a) { return EXACTAERIAL(exactSoil(a), exactPair(a)).P.value; }},
+    {"expE1", [](auto& a) { return EXPE1(a.at(0), a.at(1)); }},
     {"conductor", conductor},
     {"tubeOut", ofTube(tubeImpedance)},
     {"tubeIn", ofTube(tubeInnerImpedance)},

@@ -101,7 +101,7 @@ void fixedLimits(Findings& findings) {
 // --- errors
 
 constexpr double LARGEERROR = 0.03;   // of an element of the series impedance
-constexpr double SMALLELEMENT = 1e-3; // ... which counts from here on, of the largest one
+constexpr double SMALLELEMENT = 1e-2; // ... which counts from here on, of the largest one
 constexpr int FREQUENCIES = 5;
 constexpr int MOSTBODIES = 30; // pairs grow with the square
 

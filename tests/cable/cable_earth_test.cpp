@@ -3,6 +3,7 @@
 #include "cable/cable_earth.h"
 #include "cable/earth_integrals.h"
 #include "cable/earth_pairs.h"
+#include "cable/exact_earth.h"
 #include "cable/numbering.h"
 #include "overhead/earth_return.h"
 #include "store/rundata.h"
@@ -59,6 +60,34 @@ TEST(CableEarth, BodiesFillTheBlocksOfTheirConductors) {
       EXPECT_EQ(CABLE.Q(k / 7 + 1, k % 7 + 1), value.P) << inside << k;
     }
   }
+}
+
+// The same walk over exact values: bodies in the air and in the ground at the same numbers, and no
+// formula that counts.
+TEST(CableEarth, ExactValuesFillTheBlocks) {
+  const double w = 300.0;
+  const Complex p(0.0, w);
+  setSystem(false);
+  CableTable& T = RUNDATA.cable;
+  T.CB[5].CBY = T.CB[4].CBY = T.CB[3].CBY = T.CB[2].CBY = 2.0;
+  T.CB[5].CBX = T.CB[2].CBX = 0.5;
+  T.CB[4].CBX = T.CB[3].CBX = 1.5;
+  RUNDATA.ground.EARTHF = RUNDATA.ground.EARTHFU = RUNDATA.ground.EARTHFM = 1;
+  RUNDATA.numerics.IMPROVEDEARTH = true;
+  CBEARTH(w, CABLE.numbering, CABLE.D, CABLE.Q);
+  for (int i = 2; i <= 5; ++i) {
+    for (int j = 2; j <= i; ++j) {
+      const Body I = cableBody(i), J = cableBody(j);
+      const BodyPair g = i == j ? pairOf(I) : pairOf(I, J);
+      ExactAerial value{{0.0, 0.0}, {0.0, 0.0}};
+      if (I.aerial && J.aerial) value = EXACTAERIAL(p, g);
+      if (I.aerial != J.aerial) value.Z = EXACTMIXED(p, I.y, J.y, g.x);
+      if (!I.aerial && !J.aerial) value.Z = EXACTBURIED(p, g);
+      EXPECT_EQ(CABLE.D(i + 1, j + 1), value.Z.value) << i << j;
+      EXPECT_EQ(CABLE.Q(j + 1, i + 1), value.P.value) << i << j;
+    }
+  }
+  RUNDATA.numerics.IMPROVEDEARTH = false;
 }
 
 TEST(EarthIntegrals, SayWhatDoesNotConverge) {

@@ -103,12 +103,12 @@ const std::vector<Case> CASES = {
      {{"Cable Number: 3", "Cable Number: 3\nOverhead Cable: 1"},
       {"EarthUImpedanceFormula", "EarthImpedanceFormula"},
       {"Start Frequency: 0.5", "Start Frequency: 0.0224"}}, // below 0.01 Hz by its five steps
-     {"98 aerial-low-frequency"}},
+     {"98 aerial-low-frequency", "98 earth-error"}},
     {CABLES,
      {{"Cable Number: 3", "Cable Number: 3\nOverhead Cable: 1"},
       {"EarthUImpedanceFormula", "EarthImpedanceFormula"},
       {"Start Frequency: 0.5", "Start Frequency: 0.0252"}},
-     {}},
+     {"98 earth-error"}},
     // options
     {LINE,
      {{WEIGHTS, "\n"}, {"Factor 3: 1.0", "Factor 3: 0"}},
@@ -144,7 +144,7 @@ const std::vector<Case> CASES = {
     {LINE, {{"0.45", "0.02"}}, {"34 tight-bundle"}},
     {LINE,
      {{"-8.0 37.5", "-8.0 7.5"}, {"8.0 37.5", "8.0 7.5"}},
-     {"0 no-wire-above", "42 sag-above-height"}},
+     {"0 no-wire-above", "42 sag-above-height", "52 earth-error"}},
     {CABLES,
      {{"Insulator 2 Relative Permeability: 1.0\n", "\n"}, {"P1: 0.0 1.3", "P1: 0.0 -1.3"}},
      {"20 permeability", "45 depth"}},
@@ -161,6 +161,15 @@ const std::vector<Case> CASES = {
     {CABLES,
      {{"EarthUImpedanceFormula: 2", "EarthUImpedanceFormula: 0"}},
      {"97 buried-closed-form"}},
+    {CABLES,
+     {{"EarthUImpedanceFormula: 2", "EarthUImpedanceFormula: 3"}, {"-0.3 1.3", "-10.3 1.3"}},
+     {"97 earth-error"}},
+    {CABLES,
+     {{"EarthUImpedanceFormula: 2", "EarthUImpedanceFormula: 12"},
+      {"-0.3 1.3", "-10.3 1.3"},
+      {"\nFrequency Dep.", "\nNumerical Options\n{\nImproved Earth : 1\n}\nFrequency Dep."}},
+     {}},
+    {LINE, {{"GroundPermeability: 1.0", "GroundPermeability: 4.0"}}, {"52 earth-error"}},
     // what ends the reader
     {LINE, {{"P1 : -11.0", "P1: -11.0"}}, {"29 lost-character"}, 2},
     {LINE,
@@ -205,7 +214,7 @@ TEST(Check, FindsWhatHadNoEffectOrIsHardlyMeant) {
       EXPECT_NE(told.console.find(f["text"]), std::string::npos) << f;
     }
   }
-  for (Kind k = Kind::CommentKey; k <= Kind::AerialLowFrequency; k = Kind(int(k) + 1))
+  for (Kind k = Kind::CommentKey; k <= Kind::EarthError; k = Kind(int(k) + 1))
     EXPECT_TRUE(seen.contains(std::string(rowOf(k).id))) << rowOf(k).id;
   for (const std::string& example : {LINE, CABLES, PIPE, HAND, FOURWIRE})
     EXPECT_EQ(check(EXAMPLES + example, false).status, 0) << example;
