@@ -42,7 +42,7 @@ constexpr double LARGESTTURN = 1.05;  // of the direction of v, radians
 constexpr double LARGESTGROWTH = 4.0; // of |v|
 constexpr double LEASTEXCESS = 1e-4;  // ... and how close to no growth at all
 constexpr double FLATGROWTH = 64.0;   // ... where E hardly changes
-constexpr int MOSTPANELS = 100000;
+constexpr int MOSTPANELS = 50000;
 
 // ---- Rule
 

@@ -18,6 +18,7 @@
 #include <bit>
 #include <cmath>
 #include <cstdint>
+#include <limits>
 
 namespace lcp {
 
@@ -138,6 +139,8 @@ Complex exactReciprocalDepth(Complex p) {
 }
 
 Estimated EARTHPATH(Complex m, Complex c, double h, double y, double x) {
+  // Ground of a permeability below 0 has poles on the path.
+  if (!(c.real() >= 0.0)) return {std::numeric_limits<double>::quiet_NaN(), 0.0};
   return bothSides(m, weightOfRatio(c), h, y, x);
 }
 

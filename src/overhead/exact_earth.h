@@ -27,7 +27,7 @@ Complex exactReciprocalDepth(Complex p);
 Complex complexAdmittivity(Complex p); // of the frequency-dependent soil, S/m
 
 // 2 * integral of exp(-h u - y (s - m)) cos(x u) / (s + c u): h in the air, y in the ground, x
-// beside, m; Re c >= 0. Dimensionless; exp(-y m) is left to the caller.
+// beside, m; no number for Re c < 0. Dimensionless; exp(-y m) is left to the caller.
 Estimated EARTHPATH(Complex m, Complex c, double h, double y, double x);
 
 // 2 * integral of exp(-h u) cos(x u) / (s + k m).

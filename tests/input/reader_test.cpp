@@ -105,6 +105,19 @@ TEST(FreeForm, ListsLeaveWhatIsMissingUnchanged) {
   for (const char* malformed : {"1 2 words", "1 '2'"}) EXPECT_FALSE(readReals(malformed, t));
 }
 
+// The last line holds, for one method or for all.
+TEST(NumericalOptions, ImprovedStandsForAllFour) {
+  const auto chosen = [](const std::string& keys) {
+    readHere(description("PI Model Options\n{\n}\nNumerical Options\n{\n" + keys + "}\n"));
+    const NumericalOptions& N = RUNDATA.numerics;
+    return values(N.IMPROVEDMODES, N.IMPROVEDFITS, N.IMPROVEDPASSIVITY, N.IMPROVEDEARTH);
+  };
+  EXPECT_EQ(chosen("\n"), values(0, 0, 0, 0));
+  EXPECT_EQ(chosen("Improved Earth : 1\n"), values(0, 0, 0, 1));
+  EXPECT_EQ(chosen("Improved : 1\nImproved Fits : 0\n"), values(1, 0, 1, 1));
+  EXPECT_EQ(chosen("Improved Fits : 1\nImproved : 0\n"), values(0, 0, 0, 0));
+}
+
 TEST(Reader, SurvivesAnyBytes) {
   std::string binary;
   unsigned state = 1;
