@@ -18,6 +18,7 @@ using namespace lcp;
 namespace {
 
 constexpr int STEPS = 107;
+constexpr int EXACT = -1; // the exact integrals in place of a formula
 
 void setCables(bool aerial, bool even) {
   RUNDATA = {};
@@ -62,12 +63,15 @@ void sweep() {
 void earthReturn(benchmark::State& state, bool aerial, bool even, int formula) {
   flushDenormals();
   setCables(aerial, even);
-  RUNDATA.ground.EARTHF = RUNDATA.ground.EARTHFU = formula;
+  RUNDATA.numerics.IMPROVEDEARTH = formula == EXACT;
+  if (formula != EXACT) RUNDATA.ground.EARTHF = RUNDATA.ground.EARTHFU = formula;
   while (state.KeepRunning()) sweep();
 }
 BENCHMARK_CAPTURE(earthReturn, buriedClosed, false, false, 0)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(earthReturn, buriedIntegral, false, false, 2)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(earthReturn, buriedIntegralEven, false, true, 2)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(earthReturn, buriedExact, false, false, EXACT)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(earthReturn, aerialExact, true, false, EXACT)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(earthReturn, aerialIntegral, true, false, 2)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(earthReturn, aerialIntegralEven, true, true, 2)->Unit(benchmark::kMillisecond);
 

@@ -87,6 +87,14 @@ void integral(benchmark::State& state) {
 }
 BENCHMARK(integral)->Arg(12)->Arg(60)->Unit(benchmark::kMillisecond);
 
+void exact(benchmark::State& state) {
+  flushDenormals();
+  setLine(static_cast<int>(state.range(0)), true);
+  RUNDATA.numerics.IMPROVEDEARTH = true;
+  while (state.KeepRunning()) solve();
+}
+BENCHMARK(exact)->Arg(12)->Arg(60)->Unit(benchmark::kMillisecond);
+
 void integralVaryingSoil(benchmark::State& state) {
   flushDenormals();
   setLine(static_cast<int>(state.range(0)), true);
