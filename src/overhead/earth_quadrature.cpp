@@ -40,7 +40,6 @@ constexpr double SPENT = 38.0;        // decay in which nothing is left
 constexpr double LARGESTCHANGE = 8.0; // of E over the first panels
 constexpr double LARGESTTURN = 1.05;  // of the direction of v, radians
 constexpr double LARGESTGROWTH = 4.0; // of |v|
-constexpr double LEASTEXCESS = 1e-4;  // ... and how close to no growth at all
 constexpr double FLATGROWTH = 64.0;   // ... where E hardly changes
 constexpr int MOSTPANELS = 50000;
 
@@ -280,7 +279,9 @@ bool flat(const Place& at) {
 
 // Towards the crest, further out.
 bool alongCrest(const Place& at, double largest, Complex& k) {
-  for (double excess = LARGESTGROWTH - 1.0; excess > LEASTEXCESS; excess *= 0.5) {
+  constexpr int HALVINGS = 15;
+  double excess = LARGESTGROWTH - 1.0;
+  for (int n = 0; n <= HALVINGS; ++n, excess *= 0.5) {
     const double growth = 1.0 + excess;
     k = std::polar(growth, angleToCrest(at, growth, std::min(LARGESTTURN, excess))) - 1.0;
     if (fits(at, k, largest)) return true;

@@ -62,8 +62,8 @@ void setSoil(int k) {
 TEST(ExactEarth, ClosedFormIsTheIntegral) {
   int taken = 0;
   for (const double r : {1e-9, 1e-3, 1.0, 4.9, 38.5, 60.0, 1e4}) {
-    for (double angle = -1.55; angle < 3.1; angle += 0.05) {
-      const Complex w = std::polar(r, angle);
+    for (int step = -31; step < 62; ++step) {
+      const Complex w = std::polar(r, 0.05 * step);
       const StruveForm closed = STRUVE(w);
       if (!closed.taken) continue;
       ++taken;
@@ -106,7 +106,8 @@ TEST(ExactEarth, IsSmoothOverFrequency) {
   for (int soil = 0; soil < SOILS; ++soil) {
     setSoil(soil);
     for (const Named& n : VALUES) {
-      for (double start = -5.9; start < 8; start += 0.37) {
+      for (int step = -16; step < 22; ++step) {
+        const double start = 0.37 * step;
         Complex z[40];
         for (int k = 0; k < 40; ++k)
           z[k] = n.value({0, TWOPI * std::pow(10, start) * std::pow(1.0001, k)});
