@@ -137,13 +137,16 @@ Json fourWire() {
 
 Json soil() {
   const Ground& G = RUNDATA.ground;
+  const auto formula = [](int number) {
+    return RUNDATA.numerics.IMPROVEDEARTH ? Json("exact") : Json(number);
+  };
   Json row = {{"resistivity_ohm_m", G.GRTYPE ? 1 / G.GSIGLF : G.GRHO},
               {"frequency_dependent", G.GRTYPE ? "yes" : "no"},
               {"permeability", G.GMUR},
               {"permittivity", G.GEPSR},
-              {"formula_air", G.EARTHF},
-              {"formula_ground", G.EARTHFU},
-              {"formula_mixed", G.EARTHFM}};
+              {"formula_air", formula(G.EARTHF)},
+              {"formula_ground", formula(G.EARTHFU)},
+              {"formula_mixed", formula(G.EARTHFM)}};
   if (RUNDATA.run.ISCABLE == OVERHEADLINE) {
     for (const char* cablesOnly : {"permittivity", "formula_ground", "formula_mixed"})
       row.erase(cablesOnly);
