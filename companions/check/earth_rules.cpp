@@ -1,5 +1,5 @@
-// The error of a formula is measured: pairs of the description at five frequencies of its range,
-// against the exact integrals.
+// The error of a formula is measured against the exact integrals, for pairs of the description at
+// five frequencies of its range.
 #include "companions/check/earth_rules.h"
 
 #include "base/constants.h"
@@ -100,10 +100,10 @@ void fixedLimits(Findings& findings) {
 
 // --- errors
 
-constexpr double LARGEERROR = 0.03;   // of an element of the series impedance
-constexpr double SMALLELEMENT = 1e-2; // ... which counts from here on, of the largest one
+constexpr double LARGEERROR = 0.03;   // relative, of an element of the series impedance
+constexpr double SMALLELEMENT = 1e-2; // relative to the largest one; smaller ones do not count
 constexpr int FREQUENCIES = 5;
-constexpr int MOSTBODIES = 30; // pairs grow with the square
+constexpr int MOSTBODIES = 30; // further ones are left out
 
 struct Named {
   Body body;
@@ -140,7 +140,7 @@ Complex exactElement(double w, const Body& i, const Body& j, bool self) {
   return std::log(std::hypot(x, g.H) / g.d) + EXACTCARSON(p, g.H, x).value;
 }
 
-// By its formula; the closed form of an overhead conductor is that of an aerial cable.
+// The element by the formula chosen. Overhead conductors have the closed form of aerial cables.
 Complex element(double w, const Body& i, const Body& j, bool self) {
   const Ground& G = RUNDATA.ground;
   const Complex m = 1.0 / GRDDEPTH(w);
@@ -152,11 +152,11 @@ Complex element(double w, const Body& i, const Body& j, bool self) {
 
 struct Choice {
   const int& formula;
-  bool series; // whether formula 3 is one
+  bool series; // formula 3 exists
   std::string_view words;
 };
 
-// Of a pair, -1 where the formula is not one or is the exact integral by panels.
+// Which choice a pair falls under; -1 if the formula does not exist or integrates well enough.
 int choiceOf(const Choice (&choices)[3], const Body& i, const Body& j) {
   const int n = i.aerial != j.aerial ? 2 : i.aerial ? 0 : 1;
   const int formula = choices[n].formula;

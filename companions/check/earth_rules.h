@@ -1,5 +1,4 @@
-// Findings on the formulas of the earth return: numbers that there are not, and formulas outside of
-// what they are good for.
+// Findings on earth return formulas: numbers that do not exist, and formulas outside their range.
 #pragma once
 
 #include "companions/check/finding.h"

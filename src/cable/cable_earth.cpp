@@ -59,8 +59,8 @@ BodyRows rowsOf(int number, const CableNumbering& N) {
 // ---- Checks
 
 // In air log(2 y / r) exists if y and r have the same sign. In the ground the closed form and the
-// integrals divide by m y and m r; the series does not. The exact
-// integrals need a body below the surface.
+// integrals divide by m y and m r; the series does not. The exact integrals need a body below the
+// surface.
 bool hasEarthReturn(const Body& b) {
   if (b.aerial) return b.y * b.r > 0.0;
   if (RUNDATA.numerics.IMPROVEDEARTH) return b.y > 0.0 && b.r > 0.0;
@@ -138,7 +138,7 @@ struct EarthCall {
   Table<EarthValue, MOSTKEPT> values;
 };
 
-// The exact integrals, whatever the numbers of the formulas. What they miss is told once a solve.
+// The exact integrals, used in place of any formula. A missed accuracy is reported once a solve.
 bool TOLD = false;
 
 void tellMissed(double w, const Body& i, const Body& j, const Estimated& E) {
@@ -146,7 +146,7 @@ void tellMissed(double w, const Body& i, const Body& j, const Estimated& E) {
   TOLD = true;
   const double off = E.error / std::abs(E.value);
   console::note(fmt::format("the exact earth return at {:.4g} Hz between X = {:.4g} m and X = "
-                            "{:.4g} m is good to {:.1e} only",
+                            "{:.4g} m is accurate to {:.1e} only",
                             w / TWOPI, i.x, j.x, off));
 }
 

@@ -7,15 +7,16 @@
 //            P = mu_r A F(mu_r) + B F(n^2 / mu_r),  n^2 = g^2 / g0^2,
 //                A = (1 - mu_r^2) / (n^2 - mu_r^2),  B = mu_r (n^2 - 1) / (n^2 - mu_r^2)
 //
-// g and g0 the propagation constants of soil and air. In the air m^2 = g^2 - g0^2, as the wave
-// along the body has that of the air; below ground m = g. P is the field of the scalar potential,
+// g and g0 are the propagation constants of soil and air. Waves along aerial bodies travel as in
+// air, so m^2 = g^2 - g0^2 there; for the others m = g. P comes from the integrand of the scalar
+// potential,
 //
 //   2 mu_r (mu_r s + u) / ((mu_r u + s) (mu_r s + n^2 u)),
 //
-// in partial fractions; it is 2 / (s + n^2 u) for mu_r = 1.
+// in partial fractions; for mu_r = 1 it is 2 / (s + n^2 u).
 //
-// For large c the integrand of F has a pole close to u = 0. It is taken out in closed form, k = 1 /
-// sqrt(1 - 1 / c^2):
+// For large c the integrand of F has a pole close to u = 0, which is split off and integrated in
+// closed form. With k = 1 / sqrt(1 - 1 / c^2):
 //
 //   1 / (s + c u) = [c / (u + k m / c) - 1 / (s + k m)] / (c^2 - 1)
 //   integral of exp(-z u) / (u + b) = exp(z b) E1(z b),  z = H +- j x
@@ -37,7 +38,7 @@ Estimated operator+(const Estimated& a, const Estimated& b) {
   return {a.value + b.value, a.error + b.error};
 }
 
-// exp(z) K0(z), exp(z) z K1(z).
+// exp(z) K0(z) and exp(z) z K1(z).
 Estimated expK0(Complex z) {
   const PathIntegral I = PATHINTEGRAL(0.5 * z, 0.5 * z, WEIGHTK0);
   return {I.value, I.error};
@@ -51,7 +52,7 @@ Estimated expZK1(Complex z) {
 
 struct Air {
   Complex m;
-  Complex n2; // square of the ratio of the propagation constants, soil over air
+  Complex n2; // (g / g0)^2
 };
 
 Air airOver(Complex p) {
@@ -62,10 +63,10 @@ Air airOver(Complex p) {
   return {std::sqrt(g2 - g02), g2 / g02};
 }
 
-// Of exp(-z u) / (u + k m / c) + the same with the other sign of x.
+// Integral of exp(-z u) / (u + k m / c), summed over both signs of x.
 Complex poleOf(Complex m, Complex c, Complex k, double H, double x) {
   const Complex b = k * m / c;
-  const double angle = std::arg(k) + std::arg(m) - std::arg(c); // whole, not wrapped
+  const double angle = std::arg(k) + std::arg(m) - std::arg(c); // not reduced to one turn
   const double size = std::abs(b) * std::hypot(H, x), beside = std::atan2(x, H);
   return EXPE1(size, angle + beside) + EXPE1(size, angle - beside);
 }

@@ -10,10 +10,10 @@
 
 namespace lcp {
 
-// Two bodies, or one by itself.
+// Geometry of two bodies, or of one with itself.
 struct BodyPair {
-  double x; // horizontal distance, not negative; of a body by itself its radius, m
-  double d; // distance of the centres, of a body by itself its radius, m
+  double x; // horizontal distance, not negative; for a self term the radius, m
+  double d; // distance of the centres, for a self term the radius, m
   double H; // sum of the distances from the surface, m
   double r; // radius of the first, m
   bool self;
@@ -21,14 +21,14 @@ struct BodyPair {
 BodyPair pairOf(const Body& b);
 BodyPair pairOf(const Body& i, const Body& j);
 
-// Buried bodies, above 0 deep (Pollaczek), over a K1(a) for the radius of the first.
+// Buried bodies (Pollaczek), depths above 0; the radius of the first enters as 1 / (a K1(a)).
 Estimated EXACTBURIED(Complex p, const BodyPair& g);
 
-// A body h above ground and one y below, x beside.
+// A body at the height h and one at the depth y, a horizontal distance x apart.
 Estimated EXACTMIXED(Complex p, double h, double y, double x);
 
-// Aerial bodies, the logarithm of the geometry included, with displacement currents in the soil and
-// waves that travel as in the air; and the potential term.
+// Impedance of aerial bodies, including the logarithm of the geometry, and the potential term. With
+// displacement currents in the soil, for waves that travel at the speed of light.
 struct ExactAerial {
   Estimated Z, P;
 };

@@ -1,12 +1,12 @@
 // Three forms of f(z) = exp(z) E1(z), |arg z| <= pi:
 //
-//   large |z|   f = 1/z (1 - 1!/z + 2!/z^2 - ...), up to the smallest term
+//   asymptotic  f = 1/z (1 - 1!/z + 2!/z^2 - ...), for large |z|
 //   fraction    f = 1 / (z + 1 - 1 / (z + 3 - 4 / (z + 5 - 9 / (...)))), from the inside out;
-//               n steps leave exp(-4 sqrt(n |z|) cos(arg z / 2))
-//   series      E1 = -C - log z - sum_k (-z)^k / (k k!), where the fraction would be long: at small
-//               |z|, and near the negative axis, where its terms hardly cancel
+//               the error after n steps is exp(-4 sqrt(n |z|) cos(arg z / 2))
+//   series      E1 = -C - log z - sum_k (-z)^k / (k k!), where the fraction would be long: for
+//               small |z|, and near the negative axis, where its terms hardly cancel
 //
-// and across the cut E1(z exp(2 pi j)) = E1(z) - 2 pi j.
+// Across the cut, E1(z exp(2 pi j)) = E1(z) - 2 pi j.
 #include "kernels/exponential_integral.h"
 
 #include "base/constants.h"
@@ -19,7 +19,7 @@ namespace {
 
 constexpr double EULER = 0.5772156649015329;
 constexpr double LARGE = 38.0;
-constexpr double LONGEST = 120.0; // fraction
+constexpr double LONGEST = 120.0; // steps of the fraction
 
 Complex largeArgument(Complex z) {
   const Complex q = -1.0 / z;

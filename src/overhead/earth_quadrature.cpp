@@ -1,23 +1,22 @@
-// Gauss-Legendre panels with v = e^eta, straight in the plane of v. From the place v_a of a panel
-// to v_a (1 + k), with v = v_a (1 + k t) and r = 1 / (1 + k t):
+// Gauss-Legendre panels that are straight in the plane of v = e^eta. On a panel from v_a to
+// v_a (1 + k), with v = v_a (1 + k t) and r = 1 / (1 + k t):
 //
 //   E - E_a = P v_a k t - Q / v_a k t r,  d eta = k r dt,  e^-eta = r / v_a
 //
-// so a node costs one exponential, and the exponent is exact however large E is itself.
+// A node costs one exponential, and its exponent keeps all digits however large E is. Where E
+// hardly changes, a panel covers v_a to 64 v_a at the fixed places v_a 64^t.
 //
-// or, where E hardly changes, v_a 64^t with real numbers that are formed once.
+// Every panel must end where Re E has grown. For a given |v|, Re E is greatest on the crest,
+// arg v = -arg(P |v| + conj(Q) / |v|), and it grows along the crest. The next panel
 //
-// The end of a panel is taken where Re E has grown. With the real part of eta held, Re E is
-// greatest at the crest, Im eta = -arg(P |v| + conj(Q) / |v|), and it grows along the crest:
+//   - heads for the crest, up to four times as far from 0, where E changes little
+//   - otherwise follows the line on which E grows by a real number T, to the outer root of
+//     P v'^2 - (E_a + T) v' + Q = 0
+//   - otherwise, where that line leads to smaller |v|, turns round 0 towards the crest
 //
-//   - where E changes little the panel heads for the crest, up to four times as far from 0
-//   - else it follows the line on which E grows by a real number T, the root of
-//     P v'^2 - (E_a + T) v' + Q = 0 that is further out
-//   - else, where that line runs towards smaller |v|, it turns round 0 towards the crest
-//
-// What a panel is off is estimated from its Legendre coefficients. Its rule integrates 16 more of
-// them exactly than it shows. They fall on as they have fallen over the last four, or once more as
-// from the first to the last, whichever is less.
+// The error of a panel is estimated from the decay of its Legendre coefficients. The nodes show 16
+// of them and integrate 32 exactly; the remainder is extrapolated from the decay over the last
+// four, and from that over all, and the smaller one counts.
 #include "overhead/earth_quadrature.h"
 
 #include "base/constants.h"
@@ -36,7 +35,7 @@ namespace {
 constexpr int NODES = 16;
 using NodeValues = std::array<double, NODES>;
 
-constexpr double SPENT = 38.0;        // decay in which nothing is left
+constexpr double SPENT = 38.0;        // growth of Re E after which the integral ends
 constexpr double LARGESTCHANGE = 8.0; // of E over the first panels
 constexpr double LARGESTTURN = 1.05;  // of the direction of v, radians
 constexpr double LARGESTGROWTH = 4.0; // of |v|
@@ -45,8 +44,8 @@ constexpr int MOSTPANELS = 50000;
 
 // ---- Rule
 
-// What is summed over the nodes: the integral, and Legendre coefficients, the last two and those
-// four before them.
+// Sums over the nodes: the integral and four Legendre coefficients, the last two and the ones four
+// degrees lower.
 enum Column { INTEGRAL, LAST, SECOND, LASTLOW, SECONDLOW, COLUMNS = 8 };
 
 struct Rule {
@@ -96,9 +95,9 @@ const Rule& rule() {
   return R;
 }
 
-// ---- Exponential, in loops that the compiler turns into vectors
+// ---- Exponential for loops that the compiler vectorises
 
-constexpr double TOINTEGER = 0x1.8p52; // added and taken off, it rounds
+constexpr double TOINTEGER = 0x1.8p52; // adding and subtracting it rounds to an integer
 constexpr double LEASTEXPONENT = -700.0;
 
 // exp(x), x from -700 to 700.
@@ -154,7 +153,7 @@ inline Parts plus(Parts x, Parts y) { return {x.re + y.re, x.im + y.im}; }
 inline Parts times(double x, Parts y) { return {x * y.re, x * y.im}; }
 inline Parts parts(Complex z) { return {z.real(), z.imag()}; }
 
-// What stands still over a panel; the weight in e^-eta over its value at the start.
+// Constants of a panel; those of the weight are scaled with v_a.
 struct Panel {
   Parts k;    // v_end / v_a - 1
   Parts P, Q; // P v_a and Q / v_a
@@ -180,7 +179,7 @@ inline Parts integrand(const Panel& at, Parts kt, Parts r, Parts d) {
   return times(scale, product(product(w, d), {cosine, sine}));
 }
 
-// Column by column side by side.
+// All columns at once.
 inline void sumUp(const Rule& R, const NodeValues& re, const NodeValues& im, PanelSums& S) {
   double sumRe[COLUMNS] = {}, sumIm[COLUMNS] = {}, size = 0.0;
   for (std::size_t i = 0; i < NODES; ++i) {
@@ -226,19 +225,20 @@ struct Place {
   Complex P, Q; // P v and Q / v
   Complex v;
   const PathWeight& w;
-  bool ends;           // before it could reach the saddle: each descent will do
-  double gained = 0.0; // by Re E since the start
+  bool ends;           // Re E reaches SPENT before the saddle: any descent will do
+  double gained = 0.0; // growth of Re E since the start
 
   Complex E() const { return P + Q; }
 };
 
 double sizeOf(Complex z) { return std::sqrt(std::norm(z)); }
 
-// How E changes from a place to k times it further.
+// Change of E from v to v (1 + k).
 Complex changeOf(const Place& at, Complex k) { return at.P * k - at.Q * k / (1.0 + k); }
 
-// A singularity at v = p lies outside the ellipse round the panel whose half axes sum to three
-// times half of it, which the nodes need. It is wider for the essential one at 0, by Q / v.
+// Whether a singularity at v = p is outside an ellipse with its foci at the ends of the panel. With
+// wider = 1 its half axes sum to three times half the panel, which leaves 1e-15 with 16 nodes. The
+// essential singularity at 0 needs a wider one, the more so the larger Q / v is.
 bool farFrom(const Place& at, Complex k, Complex p, double wider) {
   return sizeOf(p - at.v * (1.0 + k)) + sizeOf(p - at.v) >= 5.0 / 3.0 * wider * sizeOf(k * at.v);
 }
@@ -254,7 +254,7 @@ bool clear(const Place& at, Complex k) {
 
 bool fits(const Place& at, Complex k, double largest) {
   constexpr double RISE =
-      -1.0; // of the integrand over a panel and over its start, in its logarithm
+      -1.0; // least change of Re E over a panel, and of its growth since the start
   constexpr double BEND = 0.25;
   const Complex middle = changeOf(at, 0.5 * k), end = changeOf(at, k);
   const double least = std::max(RISE, RISE - at.gained);
@@ -262,7 +262,7 @@ bool fits(const Place& at, Complex k, double largest) {
          middle.real() >= least && end.real() >= least && clear(at, k);
 }
 
-// By which v has to turn to the crest, |v| grown.
+// Angle from v to the crest where |v| has grown by a factor.
 double angleToCrest(const Place& at, double growth, double most) {
   const double angle = -std::arg(at.P * growth + std::conj(at.Q) / growth);
   return std::clamp(angle, -most, most);
@@ -277,7 +277,7 @@ bool flat(const Place& at) {
   return true;
 }
 
-// Towards the crest, further out.
+// A panel towards the crest and away from 0.
 bool alongCrest(const Place& at, double largest, Complex& k) {
   constexpr int HALVINGS = 15;
   double excess = LARGESTGROWTH - 1.0;
@@ -289,7 +289,7 @@ bool alongCrest(const Place& at, double largest, Complex& k) {
   return false;
 }
 
-// Where E has grown by T: P k^2 + S k - T = 0.
+// A panel along which E grows by T: P k^2 + S k - T = 0.
 bool alongDescent(const Place& at, double T, Complex& k) {
   const Complex slope = at.P - at.Q, S = slope - T;
   Complex R = std::sqrt(slope * slope + 2.0 * T * at.E() + T * T);
@@ -300,7 +300,8 @@ bool alongDescent(const Place& at, double T, Complex& k) {
   return (at.ends || std::norm(1.0 + k) >= 1.0) && fits(at, k, 1.01 * T);
 }
 
-// Downhill, or round 0 towards the crest where downhill leads to smaller |v|.
+// A short panel along the gradient of Re E, or round 0 towards the crest if that leads to smaller
+// |v|.
 bool stepAside(const Place& at, double largest, Complex& k) {
   constexpr int HALVINGS = 4;
   constexpr double REACHED = 0.02; // radians from the crest
@@ -346,8 +347,8 @@ void addPanel(const Place& at, bool isFlat, Complex k, Complex factor, PathInteg
   ++I.panels;
 }
 
-// Whether nothing is left of the integrand at the saddle, and the descent from the start takes no
-// pole along.
+// Whether the integrand has vanished before the saddle, and the poles of the weight lie beyond the
+// reach of the path.
 bool endsEarly(Complex P, Complex Q, const PathWeight& w) {
   constexpr double SAFE = 4.0;
   if (!((2.0 * std::sqrt(P * Q) - P - Q).real() > SPENT)) return false;
@@ -359,7 +360,7 @@ bool endsEarly(Complex P, Complex Q, const PathWeight& w) {
 
 PathIntegral PATHINTEGRAL(Complex P, Complex Q, const PathWeight& w) {
   Place at{P, Q, 1.0, w, endsEarly(P, Q, w)};
-  Complex spent = 0.0; // E less what it was at the start
+  Complex spent = 0.0; // change of E since the start
   PathIntegral I{0.0, 0.0, 0};
   while (spent.real() < SPENT && I.panels < MOSTPANELS) {
     const bool isFlat = flat(at);

@@ -1,8 +1,9 @@
-// Without permeability the integral has a closed form, which is taken where its series are short;
-// between them, and with permeability, the integral is taken along a path.
+// For mu_r = 1 the integral has a closed form, used where its series are short. Elsewhere it is
+// computed along a path.
 //
-// Pairs of conductors share their integral when sum of heights and distance are the same to 1.5e-11
-// m, as bundles and symmetric towers make them in numbers. They are found by hashing, once a solve.
+// Pairs of conductors share one integral if their sums of heights and their distances agree to
+// 1.5e-11 m, which is common with bundles and symmetric towers. A hash table, built once a solve,
+// finds them.
 #include "overhead/exact_earth.h"
 
 #include "base/big_store.h"
@@ -61,16 +62,16 @@ constexpr int MOSTPLACES = 1 << 20;
 static_assert(MOSTPAIRS < MOSTPLACES / 2);
 
 struct ExactStore {
-  int pairs; // that differ
+  int pairs; // distinct ones
   bool told;
-  MappedMatrix<int> number; // of conductors i and j: their pair
+  MappedMatrix<int> number; // pair of the conductors i and j
   Table<PairGeometry, MOSTPAIRS> of;
   Table<Complex, MOSTPAIRS> value;
-  int places;            // a power of 2, twice the pairs that there could be
-  int place[MOSTPLACES]; // of a pair by its hash, 0 at an empty one
+  int places;            // a power of 2, at least twice the number of pairs
+  int place[MOSTPLACES]; // hash table of pair numbers, 0: empty
 };
 
-// Mapped when a line first asks for it.
+// Mapped at the first use.
 ExactStore* EXACT = nullptr;
 
 ExactStore& exact() {
@@ -78,14 +79,14 @@ ExactStore& exact() {
   return *EXACT;
 }
 
-constexpr double GRIDS = 0x1p36; // a metre, counted in steps in which pairs are the same
+constexpr double GRIDS = 0x1p36; // steps in a metre; geometry is compared in whole steps
 
 bool same(const PairGeometry& a, const PairGeometry& b) {
   return std::round(a.H * GRIDS) == std::round(b.H * GRIDS) &&
          std::round(a.x * GRIDS) == std::round(b.x * GRIDS);
 }
 
-// Where a pair stands, or the empty place where it would.
+// The entry of a pair, or the empty one where it belongs.
 int& placeOf(const PairGeometry& pair) {
   constexpr std::uint64_t MIX = 0x9E3779B97F4A7C15; // 2^64 over the golden ratio
   ExactStore& S = exact();
@@ -116,8 +117,8 @@ void forgetPairs(int n) {
 }
 
 void tell(const PairGeometry& pair, double w, double off) {
-  console::note(fmt::format("the exact earth return at {:.4g} Hz of conductors {:.4g} m apart, "
-                            "{:.4g} m above ground together, is good to {:.1e} only",
+  console::note(fmt::format("the exact earth return at {:.4g} Hz of conductors {:.4g} m apart with "
+                            "heights of {:.4g} m in sum is accurate to {:.1e} only",
                             w / TWOPI, pair.x, pair.H, off));
   exact().told = true;
 }
@@ -139,7 +140,7 @@ Complex exactReciprocalDepth(Complex p) {
 }
 
 Estimated EARTHPATH(Complex m, Complex c, double h, double y, double x) {
-  // Ground of a permeability below 0 has poles on the path.
+  // A negative permeability puts poles on the path.
   if (!(c.real() >= 0.0)) return {std::numeric_limits<double>::quiet_NaN(), 0.0};
   return bothSides(m, weightOfRatio(c), h, y, x);
 }

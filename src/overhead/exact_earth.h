@@ -3,44 +3,45 @@
 //   E = 2 mu_r * integral over u from 0 to infinity of exp(-H u) cos(x u) / (s + mu_r u),
 //   s = sqrt(u^2 + m^2),  1 / m the complex depth
 //
-// mu_r the relative permeability of the ground, which stands beside u as the boundary asks, not
-// only ahead of the integral.
+// mu_r is the relative permeability of the ground. The boundary condition at the surface puts it in
+// the denominator too, not only in front of the integral.
 #pragma once
 
 #include "base/matrix.h"
 
 namespace lcp {
 
-// A value, and an estimate of what it is off, both of the same dimension.
+// A value and an estimate of its absolute error.
 struct Estimated {
   Complex value;
   double error;
 };
 
-constexpr double EXACTLIMIT = 1e-9; // of a value: an exact integral that is further off is told
+constexpr double EXACTLIMIT = 1e-9; // relative error above which an exact integral is reported
 bool missesLimit(const Estimated& E);
 
-// What the ground is at the complex frequency p, rad/s, Re p >= 0 (p = j w for the steady state),
-// from the run store; 1 / m^2 and m, Re m > 0. By the constant soil without displacement currents,
-// or by the frequency-dependent soil, whose powers of the frequency continue into the plane.
+// Reciprocal complex depth m of the ground in the run store, 1/m, Re m > 0, at the complex
+// frequency p, rad/s, Re p >= 0 (p = j w in the steady state). A constant soil has no displacement
+// currents here. The powers of the frequency in the frequency-dependent soil extend to complex p.
 Complex exactReciprocalDepth(Complex p);
 Complex complexAdmittivity(Complex p); // of the frequency-dependent soil, S/m
 
-// 2 * integral of exp(-h u - y (s - m)) cos(x u) / (s + c u): h in the air, y in the ground, x
-// beside, m; no number for Re c < 0. Dimensionless; exp(-y m) is left to the caller.
+// 2 * integral of exp(-h u - y (s - m)) cos(x u) / (s + c u), dimensionless, with the height h, the
+// depth y and the horizontal distance x in m. NaN for Re c < 0. The factor exp(-y m) is left to the
+// caller.
 Estimated EARTHPATH(Complex m, Complex c, double h, double y, double x);
 
 // 2 * integral of exp(-h u) cos(x u) / (s + k m).
 Estimated EARTHPATHBESIDE(Complex m, Complex k, double h, double x);
 
-// E of two conductors by the sum of their heights H > 0 and their horizontal distance x, m; x = 0
-// for one by itself. The impedance is p L0 E on top of that over ideal ground, ohm/m.
+// E of two conductors from the sum of their heights H > 0 and their horizontal distance x, m; x = 0
+// for the self term. The earth adds the impedance p L0 E, ohm/m, to that over ideal ground.
 Estimated EXACTCARSON(Complex p, double H, double x);
 
-// All pairs of a line, each geometry once. At the first frequency of a solve, n conductors:
+// All pairs of a line of n conductors; each distinct geometry is solved once. PREPAREEXACT runs at
+// the first frequency of a solve, SOLVEEXACT at every frequency; EXACTTERM then returns the term of
+// a pair. The first integral that misses EXACTLIMIT is reported on the error stream, once a solve.
 void PREPAREEXACT(int n);
-// ... then at each frequency all values, and the one of a pair. Integrals further off than
-// EXACTLIMIT are told on the error stream, once a solve.
 void SOLVEEXACT(double w);
 Complex EXACTTERM(int i, int j);
 

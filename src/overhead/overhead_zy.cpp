@@ -85,7 +85,7 @@ void prepareAdmittance(int n, int nc) {
   SYMINV(S.PINV, nc);
 }
 
-// What the earth adds to Zn.
+// Earth term of Zn.
 Complex earthOf(int i, int j) {
   if (RUNDATA.numerics.IMPROVEDEARTH) return EXACTTERM(i, j);
   return RUNDATA.ground.GMUR * EARTHTERM(i, j);

@@ -3,14 +3,15 @@
 //   g = w/3 - w^3 / 45 + ...                               from the Struve function
 //     + sum_k (-q)^k / (k! (k+1)!) [(psi(k+1) + psi(k+2)) / 4 - log(w/2) / 2]
 //
-// In the first sum a term is the one before times -w^2 / ((2k+1) (2k+3)). For |w| below 5 the terms
-// cancel to a hundredth at most.
+// Each term of the first sum is the previous one times -w^2 / ((2k+1) (2k+3)). For |w| below 5
+// cancellation costs two digits at most.
 //
-// Asymptotic series, from the powers of v under the root:
+// Asymptotic series, from the expansion of the root in powers of v:
 //
-//   g = 1/w - 1/w^2 + 1/w^3 - 3/w^5 + ...,  a term the one before times -(2k-1) (2k-3) / w^2
+//   g = 1/w - 1/w^2 + 1/w^3 - 3/w^5 + ...,  each term from the third on the previous one times
+//                                    -(2k-1) (2k-3) / w^2
 //
-// It leaves out exp(j w), which comes with Im w > 0 behind arg w = pi / 2, and its like below.
+// It omits a part exp(+-j w), which appears beyond |arg w| = pi / 2 and decays with |Im w|.
 #include "overhead/struve_form.h"
 
 #include <cmath>
@@ -27,7 +28,7 @@ constexpr int TERMS = 30;
 Complex powerSeries(Complex w) {
   const Complex w2 = w * w, q = 0.25 * w2, logarithm = -0.5 * std::log(0.5 * w);
   Complex odd = w / 3.0, even = 1.0, sum = 0.0;
-  double psi = -EULER; // of k + 1
+  double psi = -EULER; // psi(k + 1)
   for (int k = 0; k < TERMS; ++k) {
     const double next = psi + 1.0 / (k + 1.0);
     const Complex term = odd + even * (logarithm + 0.25 * (psi + next));

@@ -10,9 +10,9 @@ namespace lcp {
 //   g(w) = integral over v from 0 to infinity of exp(-w v) (sqrt(1 + v^2) - v)
 //        = pi / (2 w) (H1(w) - Y1(w)) - 1 / w^2,
 //
-// w = m (H +- j x); E = g(m (H + j x)) + g(m (H - j x)). By power series at small |w| and by
-// asymptotic series at large |w|, to 2e-14 of its magnitude. In between, and where |w| is large but
-// exp(j w) is not yet spent, there is no form of it, and the second value is false.
+// w = m (H +- j x); E = g(m (H + j x)) + g(m (H - j x)). Computed by power series for small |w| and
+// by asymptotic series for large |w|, to 2e-14 of its magnitude. In between, and for large |w|
+// where exp(j w) still counts, taken is false.
 struct StruveForm {
   Complex value;
   bool taken;

@@ -97,7 +97,7 @@ struct NumericalOptions {
   bool IMPROVEDPASSIVITY = false; // enforcement over the whole spectrum and all frequencies
 
   bool IMPROVEDEARTH = false; // exact integrals of the earth return
-  bool IMPROVED = false;      // the last word on all four together
+  bool IMPROVED = false;      // last value of the key for all four
 
   bool any() const { return IMPROVEDMODES || IMPROVEDFITS || IMPROVEDPASSIVITY || IMPROVEDEARTH; }
   void setAll(bool on) { IMPROVEDMODES = IMPROVEDFITS = IMPROVEDPASSIVITY = IMPROVEDEARTH = on; }
