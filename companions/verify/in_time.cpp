@@ -3,6 +3,7 @@
 #include "companions/verify/in_time.h"
 
 #include "base/constants.h"
+#include "companions/shared/captured_run.h"
 #include "companions/shared/direct_line.h"
 #include "companions/shared/growth.h"
 #include "store/rundata.h"
@@ -232,11 +233,28 @@ std::vector<CaseCurves> curvesOf(const TransientRequest& ask,
   return found;
 }
 
-std::vector<Finding> lineFindings(const ContinuedLine& line) {
+// An integral that is summed in steps at real frequencies has no value at complex ones.
+bool summedEarthReturn() {
+  const Ground& G = RUNDATA.ground;
+  if (RUNDATA.numerics.IMPROVEDEARTH || RUNDATA.run.DATAFMT != ROUTECONSTANTS) return false;
+  if (RUNDATA.run.ISCABLE == OVERHEADLINE) return G.EARTHF == EARTHINTEGRAL;
+  const bool aerial = RUNDATA.cable.ANYOVHD && G.EARTHF == EARTHINTEGRAL;
+  return RUNDATA.run.ISCABLE == CABLESYSTEM && (aerial || G.EARTHFU == EARTHINTEGRAL);
+}
+
+ContinuedLine exactLine(double low, double high, bool exactEarth) {
+  const Restored numerics(RUNDATA.numerics);
+  RUNDATA.numerics.IMPROVEDEARTH = RUNDATA.numerics.IMPROVEDEARTH || exactEarth;
+  return continueLine(low, high);
+}
+
+std::vector<Finding> lineFindings(const ContinuedLine& line, bool exactEarth) {
   constexpr double SEEN = 1e-4;
   Finding f{"in time", "of the line, at complex frequencies"};
   f.value = 100 * line.error;
   f.unit = "%";
+  if (exactEarth)
+    f.words = fmt::format("{:.4g} %, with the exact earth return for formula 2", f.value);
   if (line.error > SEEN) f.verdict = Verdict::DOUBTFUL;
   return {f};
 }
@@ -254,8 +272,9 @@ InTime checkInTime(const ModelFile& file, double length, const TimeOptions& opti
   const TransientSetup setup = setupOf(file, length, options);
   const TransientSetup direct = directSetup(setup, options);
   const double top = PI * static_cast<double>(pointsOfAStep(setup)) / setup.step;
-  const ContinuedLine line = continueLine(1 / (BEYOND * direct.until), BEYOND * top);
-  all.findings = lineFindings(line);
+  const bool exactEarth = summedEarthReturn();
+  const ContinuedLine line = exactLine(1 / (BEYOND * direct.until), BEYOND * top, exactEarth);
+  all.findings = lineFindings(line, exactEarth);
   double growth = 0;
   if (hasFunctions(file)) {
     progress.note("looking for what grows");
