@@ -7,6 +7,7 @@
 #include "base/constants.h"
 #include "base/finite.h"
 #include "improved/fits/smooth_constants.h"
+#include "improved/modes/forward_waves.h"
 #include "kernels/inversion.h"
 #include "kernels/lapack.h"
 #include "kernels/matrix_kernels.h"
@@ -225,7 +226,9 @@ void storeModes(int b, int k, int n) {
   formModalMatrices(YM, ZM, S.YMAT, S.ZMAT, vectors, inverse, n);
   for (int i = 1; i <= n; ++i) {
     const Complex gamma = decaying(squares[i]);
-    BETWEEN.ZSURGE(b, i) = likeNeighbour(surgeImpedance(YM(i, i), ZM(i, i)), T.ZSURGST(k, i));
+    BETWEEN.ZSURGE(b, i) = RUNDATA.numerics.IMPROVEDMODES
+                               ? forwardSurgeImpedance(YM(i, i), ZM(i, i), squares[i], gamma)
+                               : likeNeighbour(surgeImpedance(YM(i, i), ZM(i, i)), T.ZSURGST(k, i));
     BETWEEN.HMODE(b, i) = std::exp(-gamma * RUNDATA.run.LINELEN);
   }
   BETWEEN.TI.store(b, vectors, n);
