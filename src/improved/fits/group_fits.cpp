@@ -15,7 +15,6 @@ namespace {
 
 struct GroupFit {
   double tau, error; // s, largest deviation
-  bool refined;      // whether the delay has been refined by small steps
   PoleTable P;
 };
 
@@ -43,17 +42,7 @@ void addFit(int g) {
   const int N = ++H.made;
   GroupFit& fit = H.fits[N];
   fit.tau = N > 1 ? H.fits[N - 1].tau : FITMODEL.TAU[g];
-  fit.error = ROUGHDELAY(samplesOf(g), noMiddles(), N, 0.0, H.range, fit.tau, fit.P, settled);
-  fit.refined = false;
-}
-
-void refineFit(int g, int N) {
-  GroupFits& H = HISTORY[g];
-  GroupFit& fit = H.fits[N];
-  if (fit.refined) return;
-  fit.error =
-      REFINEDELAY(samplesOf(g), noMiddles(), N, 0.0, fit.error, H.range, fit.tau, fit.P, settled);
-  fit.refined = true;
+  fit.error = SETTLEDELAY(samplesOf(g), noMiddles(), N, 0.0, H.range, fit.tau, fit.P, settled);
 }
 
 // The smallest number of poles, from n on, that meets TARGET, or else the best number.
@@ -62,7 +51,6 @@ int countFor(int g, double TARGET, int limit, int n) {
   int best = std::max(n, 1);
   for (int N = best; N <= limit; ++N) {
     if (N > H.made) addFit(g);
-    if (worthRefining(H.fits[N].error, TARGET)) refineFit(g, N);
     if (H.fits[N].error < H.fits[best].error) best = N;
     if (H.fits[N].error <= TARGET) return N;
   }
@@ -74,7 +62,7 @@ int countFor(int g, double TARGET, int limit, int n) {
 void startGroupFits() {
   for (int g = 1; g <= FITMODEL.NGROUP; ++g) {
     HISTORY[g].made = 0;
-    HISTORY[g].range = delayRange(FITMODEL.TAU[g], groupCorrection(g));
+    HISTORY[g].range = delayRange(FITMODEL.TAU[g]);
   }
 }
 
@@ -114,8 +102,9 @@ double groupError(int g, int n) { return HISTORY[g].fits[n].error; }
 void takeGroupFits(const GroupInts& NH, PoleSet& S) {
   for (int g = 1; g <= FITMODEL.NGROUP; ++g) {
     const GroupFit& fit = HISTORY[g].fits[NH[g]];
+    S.groups = FITMODEL.NGROUP;
     S.NH[g] = NH[g];
-    FITMODEL.TAU[g] = fit.tau;
+    S.TAU[g] = fit.tau;
     std::copy_n(fit.P.data(), NH[g], S.HPOLE[g].data());
   }
 }

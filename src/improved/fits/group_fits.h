@@ -2,16 +2,11 @@
 #pragma once
 
 #include "fit/propagation_fit.h"
+#include "improved/fits/moved_poles.h"
 
 namespace lcp {
 
-// Poles of all groups, the basis of a phase fit.
-struct PoleSet {
-  GroupInts NH;
-  Table<PoleTable, NGMAX> HPOLE; // rad/s
-};
-
-// Call after FORMGROUPS: discards the fits of the previous solve.
+// Behind FORMGROUPS: forgets the fits of the line before.
 void startGroupFits();
 
 // Raises the number of poles NH[g] of each group to the smallest that fits the group's function
@@ -27,7 +22,7 @@ bool canImprove(int limit, const GroupInts& NH);
 // Largest deviation of the fit of group g with n poles, which must have been made.
 double groupError(int g, int n);
 
-// Copies the fits with these numbers of poles to the set and their delays to FITMODEL.
+// Lays the fits with these numbers of poles and their delays into the set.
 void takeGroupFits(const GroupInts& NH, PoleSet& S);
 
 // Fills the curves of the groups in FITTED.

@@ -104,7 +104,6 @@ MatrixFitResult growMatrix(const MatrixFit& Q, const Samples& between, int limit
   const FitSamples samples = traceSamples(Q, formTrace(Q));
   best.fit = {};
   for (int N = 1; best.fit.N == 0 || (best.fit.ERR > TARGET && N <= limit); ++N) {
-    startingPoles(Q.P, N, G.WFREQ[1], G.WFREQ[G.NFUSE]);
     SETTLE(samples, {0, G.WFREQ, nullptr}, N, 0.0, Q.P, fit);
     tryPoles(Q, between, N, best);
     if (best.fit.ERR <= TARGET) break;

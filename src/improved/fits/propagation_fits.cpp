@@ -30,6 +30,9 @@ constexpr double TARGETFACTOR = 0.5; // from one attempt to the next
 constexpr int IDLEATTEMPTS = 4;      // successive attempts without improvement that end the search
 constexpr double GAIN = 0.95; // error relative to the best so far that counts as an improvement
 
+constexpr PoleFrame DELAYED{false, false, false, true};
+constexpr int STEPS = 15; // of the poles
+
 struct HStore {
   PoleSet set, trial;
 
@@ -37,6 +40,7 @@ struct HStore {
   int NS;
   FreqCurve WFREQ, WFIT;
   CurveMatrix<Complex, MAXFREQ> H, FIT;
+  PoleTargets targets;
 };
 HStore& STORE = bigStore<HStore>();
 
@@ -58,6 +62,10 @@ void gatherSamples() {
         STORE.H(k, r, c) = between ? BETWEEN.H(k - G.NFUSE, r, c) : SOLVEDATA.second.HST(k, r, c);
     }
   }
+  const int n = FITMODEL.NC;
+  beginTargets(STORE.targets, STORE.NS, STORE.WFREQ, STORE.WFIT, n * n);
+  for (int i = 0; i < n * n; ++i)
+    addTarget(STORE.targets, i + 1, STORE.H.curve(i / n + 1, i % n + 1).steps);
 }
 
 // Adds pole m of group g to the model at the samples.
@@ -97,6 +105,7 @@ void storeFittedCurves() {
 PhaseFit fitPhases(const PoleSet& S, const PropagationWish& wish) {
   for (int g = 1; g <= FITMODEL.NGROUP; ++g) {
     FITMODEL.NH[g] = S.NH[g];
+    FITMODEL.TAU[g] = S.TAU[g];
     std::copy_n(S.HPOLE[g].data(), S.NH[g], FITMODEL.HPOLE[g].data());
   }
   const int DCTYPE = wish.DCCORR == DCCONSTRAINED ? DCCONSTRAINED : DCNONE;
@@ -109,6 +118,7 @@ PhaseFit fitPhases(const PoleSet& S, const PropagationWish& wish) {
 
 PhaseFit fitCounts(const GroupInts& NH, const PropagationWish& wish) {
   takeGroupFits(NH, STORE.set);
+  MOVEPOLES(STORE.targets, DELAYED, STEPS, STORE.set);
   return fitPhases(STORE.set, wish);
 }
 
