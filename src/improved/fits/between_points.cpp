@@ -24,11 +24,11 @@ namespace lcp {
 
 namespace {
 
-constexpr int MOSTBETWEEN = 7;      // frequencies between two points
-constexpr double SEENTURN = PI / 4; // allowed relative rotation of modes between frequencies
-constexpr double FADED = 1e-3;      // modal propagation below which a mode is ignored
-constexpr double LOSTMODES = 1e-4;  // deviation of H at a point that indicates lost modes
-constexpr double SAMEVECTOR = 0.9;  // smallest cosine between a mode and the mean of its neighbours
+constexpr double SEENTURN = PI / 4; // of modes against each other, from one frequency to the next
+constexpr double COARSER = 1.1;     // factor by which it rises until there is room
+constexpr double FADED = 3e-4;      // modal propagation below which a mode does not count
+constexpr double LOSTMODES = 1e-4;  // deviation of H at a point that tells of them
+constexpr double SAMEVECTOR = 0.9;  // least cosine between a mode and its neighbours' mean
 
 LineMatrix product, vectors, inverse, phases, waves;
 ModeComplex squares; // gamma^2, 1/m^2
@@ -57,13 +57,19 @@ double turnBehind(int k) {
   return most - least;
 }
 
-// Number of frequencies up to the next point: one, or more where H rotates too fast for that, as
-// long as the store has room for them.
-int frequenciesBehind(int k) {
-  int points = 1;
-  while (points < MOSTBETWEEN && turnBehind(k) > SEENTURN * (points + 1)) points += 2;
-  const int needed = BETWEEN.NB + points + 2 * SOLVEDATA.grid.NFUSE - k;
-  return needed <= MAXFREQ ? points : 1;
+// One frequency half way; more where H turns faster than that.
+int frequenciesBehind(int k, double turn) {
+  return std::max(1, static_cast<int>(std::min(turnBehind(k) / turn, 1.0 * MAXFREQ)));
+}
+
+// The turn from one frequency to the next for which there is room beside the points.
+double finestTurn() {
+  const int NS = SOLVEDATA.grid.NFUSE, room = std::max(MAXFREQ - NS, NS - 1);
+  for (double turn = SEENTURN;; turn *= COARSER) {
+    int all = 0;
+    for (int k = 1; k < NS; ++k) all += frequenciesBehind(k, turn);
+    if (all <= room) return turn;
+  }
 }
 
 Complex decaying(Complex square) {
@@ -246,8 +252,9 @@ PhaseSampling samplePhasesBetween() {
   PhaseSampling found{laySmoothConstants()};
   found.moved = found.jumps.largest * sensitivity(n);
   for (int k = 1; k <= SOLVEDATA.grid.NFUSE; ++k) found.lost += mendedPoint(k, n) ? 1 : 0;
+  const double turn = finestTurn();
   for (int k = 1; k < SOLVEDATA.grid.NFUSE; ++k) {
-    const int points = frequenciesBehind(k);
+    const int points = frequenciesBehind(k, turn);
     for (int p = 1; p <= points; ++p) {
       const double part = p / (points + 1.0);
       const double w = W[k] * std::pow(W[k + 1] / W[k], part);

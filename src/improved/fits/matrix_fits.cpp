@@ -1,7 +1,8 @@
-// The poles are those of the trace, relocated until its error stops decreasing. If no number of
-// poles meets the target, the best one tried is used.
+// The poles are those that fit all elements best. Of all numbers of poles tried the best counts
+// when none meets the target.
 #include "improved/fits/matrix_fits.h"
 
+#include "base/big_store.h"
 #include "base/constants.h"
 #include "base/finite.h"
 #include "fit/dc_pole.h"
@@ -11,8 +12,9 @@
 #include "fit/fit_store.h"
 #include "fit/matrix_fit.h"
 #include "fit/series_fit.h"
+#include "fit/vector_fit.h"
 #include "improved/fits/between_points.h"
-#include "improved/fits/settled_fit.h"
+#include "improved/fits/relaxed_fit.h"
 #include "store/rundata.h"
 
 #include <algorithm>
@@ -23,8 +25,12 @@ namespace lcp {
 
 namespace {
 
-constexpr int FEWPASSES = 3;
-constexpr double SEENJUMP = 0.2; // a jump to warn of, relative to the largest allowed error of H
+constexpr int PASSES = 4;        // of relaxed vector fitting
+constexpr int STEPS = 15;        // of the poles
+constexpr double SEENJUMP = 0.2; // of the largest error of H that is allowed: a jump to warn of
+
+PoleTargets& TARGETS = bigStore<PoleTargets>();
+PoleSet& SET = bigStore<PoleSet>();
 
 using Samples = CurveMatrix<Complex, MAXFREQ>;
 
@@ -76,10 +82,18 @@ double fitElements(const MatrixFit& Q, const Samples& between, int N) {
   return wholeError(Q, between, N);
 }
 
-FitSamples traceSamples(const MatrixFit& Q, const ComplexCurve& trace) {
+// What the poles are found for: the elements that count.
+void takeTargets(const MatrixFit& Q) {
   const FrequencyGrid& G = SOLVEDATA.grid;
-  const int ASYMP = Q.E == nullptr ? WITHCONSTANT : WITHPROPORTION;
-  return {G.NFUSE, 1, G.WFREQ, &trace, G.WFIT, FLIPUNSTABLE, ASYMP};
+  const int n = RUNDATA.line.NC;
+  int element = 0;
+  beginTargets(TARGETS, G.NFUSE, G.WFREQ, G.WFIT, n * (n + 1) / 2);
+  for (int c = 1; c <= n; ++c) {
+    for (int r = c; r <= n; ++r) {
+      const double atZero = Q.DC == nullptr ? 0.0 : (*Q.DC)(r, c);
+      addTarget(TARGETS, ++element, Q.F.curve(r, c).steps, atZero);
+    }
+  }
 }
 
 struct BestFit {
@@ -95,21 +109,34 @@ void tryPoles(const MatrixFit& Q, const Samples& between, int N, BestFit& best) 
   std::copy_n(Q.P.data(), N, best.poles.data());
 }
 
-// The poles that fit the trace best need not fit the elements best, especially with prescribed
-// values at zero frequency, so poles after only a few passes are tried too.
-MatrixFitResult growMatrix(const MatrixFit& Q, const Samples& between, int limit, double TARGET) {
-  static SettledFit fit;
-  static BestFit best;
+// N poles for all elements together, from poles spread over the logarithm.
+void findPoles(const MatrixFit& Q, int N, bool complexStart) {
   const FrequencyGrid& G = SOLVEDATA.grid;
-  const FitSamples samples = traceSamples(Q, formTrace(Q));
+  const PoleFrame frame{true, Q.E != nullptr, Q.DC != nullptr, false};
+  SET.groups = 1;
+  SET.NH[1] = N;
+  SET.TAU[1] = 0;
+  if (complexStart) {
+    spreadPoles(SET.HPOLE[1], N, G.WFREQ[1], G.WFREQ[G.NFUSE]);
+  } else {
+    startingPoles(SET.HPOLE[1], N, G.WFREQ[1], G.WFREQ[G.NFUSE]);
+  }
+  for (int pass = 1; pass <= PASSES; ++pass) RELOCATERELAXED(TARGETS, frame, 0, N, SET.HPOLE[1]);
+  MOVEPOLES(TARGETS, frame, STEPS, SET);
+  std::copy_n(SET.HPOLE[1].data(), N, Q.P.data());
+}
+
+// From complex starting poles, and from real ones where those do not lead to the target.
+MatrixFitResult growMatrix(const MatrixFit& Q, const Samples& between, int limit, double TARGET) {
+  static BestFit best;
+  takeTargets(Q);
   best.fit = {};
   for (int N = 1; best.fit.N == 0 || (best.fit.ERR > TARGET && N <= limit); ++N) {
-    SETTLE(samples, {0, G.WFREQ, nullptr}, N, 0.0, Q.P, fit);
-    tryPoles(Q, between, N, best);
-    if (best.fit.ERR <= TARGET) break;
-    startingPoles(Q.P, N, G.WFREQ[1], G.WFREQ[G.NFUSE]);
-    RELOCATE(FEWPASSES, samples, N, Q.P);
-    tryPoles(Q, between, N, best);
+    for (const bool complexStart : {true, false}) {
+      findPoles(Q, N, complexStart);
+      tryPoles(Q, between, N, best);
+      if (best.fit.ERR <= TARGET) break;
+    }
   }
   std::copy_n(best.poles.data(), best.fit.N, Q.P.data());
   best.fit.ERR = fitElements(Q, between, best.fit.N);
