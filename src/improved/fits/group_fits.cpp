@@ -76,29 +76,6 @@ bool growGroups(double TARGET, int limit, GroupInts& NH) {
   return changed;
 }
 
-bool addPoles(int limit, GroupInts& NH) {
-  bool changed = false;
-  for (int g = 1; g <= FITMODEL.NGROUP; ++g) {
-    if (NH[g] >= limit) continue;
-    if (++NH[g] > HISTORY[g].made) addFit(g);
-    changed = true;
-  }
-  return changed;
-}
-
-bool canImprove(int limit, const GroupInts& NH) {
-  for (int g = 1; g <= FITMODEL.NGROUP; ++g) {
-    const GroupFits& H = HISTORY[g];
-    if (H.made < limit && H.fits[NH[g]].error > 0) return true;
-    for (int N = NH[g] + 1; N <= H.made; ++N) {
-      if (H.fits[N].error < H.fits[NH[g]].error) return true;
-    }
-  }
-  return false;
-}
-
-double groupError(int g, int n) { return HISTORY[g].fits[n].error; }
-
 void takeGroupFits(const GroupInts& NH, PoleSet& S) {
   for (int g = 1; g <= FITMODEL.NGROUP; ++g) {
     const GroupFit& fit = HISTORY[g].fits[NH[g]];
@@ -109,17 +86,16 @@ void takeGroupFits(const GroupInts& NH, PoleSet& S) {
   }
 }
 
-void storeGroupCurves(const GroupInts& NH) {
+double groupError(int g, const PoleSet& S) {
   const FrequencyGrid& G = SOLVEDATA.grid;
-  for (int g = 1; g <= FITMODEL.NGROUP; ++g) {
-    ComplexCurve& bare = FITTED.GROUP.curve(g);
-    PoleTable poles = HISTORY[g].fits[NH[g]].P;
-    takeDelayOut(groupCurve(g), FITMODEL.TAU[g], G.WFREQ, G.NFUSE, bare);
-    FitSamples Q = samplesOf(g);
-    Q.F = &bare;
-    VFITPASSES(0, Q, NH[g], poles, &settled.model, settled.errors);
-    std::copy_n(settled.model.FIT.steps, G.NFUSE, FITTED.GROUPFIT.curve(g).steps);
-  }
+  ComplexCurve& bare = FITTED.GROUP.curve(g);
+  PoleTable poles = S.HPOLE[g];
+  takeDelayOut(groupCurve(g), S.TAU[g], G.WFREQ, G.NFUSE, bare);
+  FitSamples Q = samplesOf(g);
+  Q.F = &bare;
+  VFITPASSES(0, Q, S.NH[g], poles, &settled.model, settled.errors);
+  std::copy_n(settled.model.FIT.steps, G.NFUSE, FITTED.GROUPFIT.curve(g).steps);
+  return settled.errors.ERRMAX;
 }
 
 } // namespace lcp

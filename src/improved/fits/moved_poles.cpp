@@ -70,12 +70,15 @@ void formLag(const PoleTargets& T, double tau) {
   }
 }
 
-void layColumns(const PoleTargets& T, const PoleFrame& frame, const PoleSet& S) {
+// Room for the columns of the set, and behind them for so many others where those of derivatives
+// are not wanted.
+void layColumns(const PoleTargets& T, const PoleFrame& frame, const PoleSet& S, int others) {
   WORK.basis = (frame.constant && !frame.fixedAtZero ? 1 : 0) + (frame.proportion ? 1 : 0);
   WORK.derivatives = 0;
   for (int g = 1; g <= S.groups; ++g) WORK.derivatives += S.NH[g] + (frame.delays ? 1 : 0);
   for (int g = 1; g <= S.groups; ++g) WORK.basis += S.NH[g];
   WORK.targets = T.count;
+  WORK.derivatives = std::max(WORK.derivatives, others);
   WORK.A.lay(T.NS, WORK.basis + WORK.targets + WORK.derivatives);
 }
 
@@ -108,8 +111,8 @@ void formBasis(const PoleTargets& T, const PoleFrame& frame, const PoleSet& S) {
 }
 
 // What is left of the targets, squared, over the set.
-double leaveOver(const PoleTargets& T, const PoleFrame& frame, const PoleSet& S) {
-  layColumns(T, frame, S);
+double leaveOver(const PoleTargets& T, const PoleFrame& frame, const PoleSet& S, int others = 0) {
+  layColumns(T, frame, S, others);
   formBasis(T, frame, S);
   for (int i = 1; i <= T.count; ++i)
     std::copy_n(const_cast<PoleTargets&>(T).F.column(i), WORK.A.ld, WORK.A.column(WORK.basis + i));
@@ -288,7 +291,137 @@ void takeStep(const PoleTargets& T, const PoleSet& from, PoleSet& to) {
   }
 }
 
+// --- poles that come and go
+
+constexpr int PLACES = 16;    // where a pole is tried
+constexpr double WIDTH = 0.3; // real over imaginary part of a pair that is tried
+
+double placeOf(const PoleTargets& T, int i) {
+  return T.WFREQ[1] * std::pow(T.WFREQ[T.NS] / T.WFREQ[1], (i - 0.5) / PLACES);
+}
+
+// Three columns for each place and group: a real pole, and both of a pair.
+void formTrials(const PoleTargets& T, const PoleFrame& frame, const PoleSet& S) {
+  static PoleTable P;
+  int c = WORK.basis + WORK.targets;
+  for (int g = 1; g <= S.groups; ++g) {
+    formLag(T, S.TAU[g]);
+    for (int i = 1; i <= PLACES; ++i) {
+      const double w = placeOf(T, i);
+      P[1] = -w;
+      P[2] = Complex(-WIDTH * w, w);
+      P[3] = std::conj(P[2]);
+      classifyPoles(P, 3, CINDEX);
+      for (int m = 1; m <= 3; ++m) {
+        basisCurve(P, CINDEX, m, T.WFREQ, T.NS, curve);
+        putColumn(T, frame, basisFunction(P, CINDEX, m, 0.0), ++c);
+      }
+    }
+  }
+}
+
+// Squares that the columns c and, of a pair, c + 1 of the trials take off.
+double squaresOff(const PoleTargets& T, int c, bool pair, RConstView G) {
+  double D[4];
+  const int first = WORK.basis + WORK.targets + c;
+  formProducts(WORK.A, first, first + (pair ? 1 : 0), first, first + (pair ? 1 : 0), {D, 2});
+  double sum = 0;
+  const double det = pair ? D[0] * D[3] - D[1] * D[1] : D[0];
+  if (!(det > 0)) return 0;
+  for (int i = 1; i <= T.count; ++i) {
+    const double a = G(c, i), b = pair ? G(c + 1, i) : 0;
+    sum += pair ? (a * a * D[3] - 2 * a * b * D[1] + b * b * D[0]) / det : a * a / det;
+  }
+  return sum;
+}
+
+// Inverse of the triangle, a row an unknown.
+RView inverseTriangle(RConstView R) {
+  const RView V = matrix(WORK.S, WORK.basis, WORK.basis);
+  for (int j = 1; j <= WORK.basis; ++j) {
+    for (int i = WORK.basis; i >= 1; --i) {
+      double sum = i == j ? 1 : 0;
+      for (int m = i + 1; m <= j; ++m) sum -= R(m, i) * V(m, j);
+      V(i, j) = i > j || R(i, i) == 0 ? 0 : sum / R(i, i);
+    }
+  }
+  return V;
+}
+
+double lossOf(RConstView V, RConstView X, int q, bool pair) {
+  double a = 0, b = 0, c = 0, sum = 0;
+  for (int j = q; j <= WORK.basis; ++j) {
+    a += V(q, j) * V(q, j);
+    if (!pair) continue;
+    b += V(q, j) * V(q + 1, j);
+    c += V(q + 1, j) * V(q + 1, j);
+  }
+  const double det = pair ? a * c - b * b : a;
+  if (!(det > 0)) return 0;
+  for (int i = 1; i <= WORK.targets; ++i) {
+    const double x = X(q, i), y = pair ? X(q + 1, i) : 0;
+    sum += pair ? (x * x * c - 2 * x * y * b + y * y * a) / det : x * x / det;
+  }
+  return pair ? sum / 2 : sum;
+}
+
 } // namespace
+
+bool ADDPOLE(const PoleTargets& T, const PoleFrame& frame, int limit, PoleSet& S) {
+  const int trials = 3 * PLACES * S.groups;
+  leaveOver(T, frame, S, trials);
+  formTrials(T, frame, S);
+  const int first = WORK.basis + WORK.targets + 1;
+  takePivotsOut(WORK.A, WORK.basis, first, first + trials - 1,
+                matrix(WORK.R, WORK.basis + WORK.targets + WORK.derivatives, WORK.basis));
+  const RView G = matrix(WORK.G, trials, WORK.targets);
+  formProducts(WORK.A, first, first + trials - 1, WORK.basis + 1, WORK.basis + WORK.targets, G);
+  double most = 0;
+  int group = 0, place = 0;
+  bool pair = false;
+  for (int g = 1; g <= S.groups; ++g) {
+    for (int i = 1; i <= PLACES; ++i) {
+      const int c = 3 * ((g - 1) * PLACES + i - 1) + 1;
+      for (const bool two : {false, true}) {
+        if (S.NH[g] + (two ? 2 : 1) > limit) continue;
+        const double off = squaresOff(T, two ? c + 1 : c, two, G) / (two ? 2 : 1);
+        if (!(off > most)) continue;
+        most = off;
+        group = g;
+        place = i;
+        pair = two;
+      }
+    }
+  }
+  if (group == 0) return false;
+  const double w = placeOf(T, place);
+  PoleTable& P = S.HPOLE[group];
+  int& N = S.NH[group];
+  P[++N] = pair ? Complex(-WIDTH * w, w) : Complex(-w);
+  if (!pair) return true;
+  P[N + 1] = std::conj(P[N]);
+  ++N;
+  return true;
+}
+
+int RANKPOLES(const PoleTargets& T, const PoleFrame& frame, const PoleSet& S, PoleLosses& losses) {
+  leaveOver(T, frame, S);
+  const RView X = formUnknowns(S);
+  const RView V =
+      inverseTriangle(matrix(WORK.R, WORK.basis + WORK.targets + WORK.derivatives, WORK.basis));
+  int count = 0, q = 0;
+  for (int g = 1; g <= S.groups; ++g) {
+    classifyPoles(S.HPOLE[g], S.NH[g], CINDEX);
+    for (int m = 1; m <= S.NH[g]; ++m) {
+      ++q;
+      if (CINDEX[m] == PAIRSECOND) continue;
+      losses[++count] = {g, m, lossOf(V, X, q, CINDEX[m] == PAIRFIRST)};
+    }
+  }
+  std::stable_sort(losses.data(), losses.data() + count,
+                   [](const PoleLoss& a, const PoleLoss& b) { return a.loss < b.loss; });
+  return count;
+}
 
 void beginTargets(PoleTargets& T, int NS, const FreqCurve& WFREQ, const FreqCurve& WFIT,
                   int elements) {

@@ -45,4 +45,19 @@ void addTarget(PoleTargets& T, int element, const Complex* F, double atZero = 0)
 // root of the mean square that is left, over samples and elements.
 double MOVEPOLES(const PoleTargets& T, const PoleFrame& frame, int steps, PoleSet& S);
 
+// Adds the real pole or the pair to one of the groups that takes most off the squares per pole, of
+// some spread over the frequencies; false when all groups have limit poles.
+bool ADDPOLE(const PoleTargets& T, const PoleFrame& frame, int limit, PoleSet& S);
+
+// A pole or the first of a pair, and the squares that the model without it would have more, per
+// pole.
+struct PoleLoss {
+  int g, m;
+  double loss;
+};
+using PoleLosses = Table<PoleLoss, MAXCOLUMNS>;
+
+// All of the set, by rising loss; returns how many.
+int RANKPOLES(const PoleTargets& T, const PoleFrame& frame, const PoleSet& S, PoleLosses& losses);
+
 } // namespace lcp

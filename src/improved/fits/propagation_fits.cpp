@@ -24,17 +24,16 @@ namespace lcp {
 
 namespace {
 
-constexpr double FIRSTTARGET = 0.25;
-constexpr double FARTARGET = 4;      // target over the requested error at which no attempt meets it
-constexpr double TARGETFACTOR = 0.5; // from one attempt to the next
-constexpr int IDLEATTEMPTS = 4;      // successive attempts without improvement that end the search
-constexpr double GAIN = 0.95; // error relative to the best so far that counts as an improvement
-
+constexpr double FIRSTTARGET = 3; // error of the groups by themselves over the wish
+constexpr int IDLEADDITIONS = 6;  // of poles in a row without a gain that end the search
+constexpr double GAIN = 0.95;     // error over the best so far that counts as a gain
+constexpr int MOSTGIVEN = 4;      // poles that are tried in vain before all count as needed
+constexpr int MOSTSAMPLES = 320;  // that poles are moved by
 constexpr PoleFrame DELAYED{false, false, false, true};
 constexpr int STEPS = 15; // of the poles
 
 struct HStore {
-  PoleSet set, trial;
+  PoleSet set, trial, best;
 
   // H at the fit points followed by those between: all count in residues and errors.
   int NS;
@@ -45,6 +44,24 @@ struct HStore {
 HStore& STORE = bigStore<HStore>();
 
 // --- samples and errors of the model in FITMODEL
+
+// Every so many of the samples serve to move poles.
+void gatherTargets() {
+  static FreqCurve W, weight;
+  static ComplexCurve F;
+  const int n = FITMODEL.NC, stride = (STORE.NS - 1) / MOSTSAMPLES + 1;
+  int count = 0;
+  for (int k = 1; k <= STORE.NS; k += stride) {
+    W[++count] = STORE.WFREQ[k];
+    weight[count] = STORE.WFIT[k];
+  }
+  beginTargets(STORE.targets, count, W, weight, n * n);
+  for (int i = 0; i < n * n; ++i) {
+    const ComplexCurve& H = STORE.H.curve(i / n + 1, i % n + 1);
+    for (int k = 1; k <= count; ++k) F[k] = H[1 + (k - 1) * stride];
+    addTarget(STORE.targets, i + 1, F.steps);
+  }
+}
 
 void gatherSamples() {
   const FrequencyGrid& G = SOLVEDATA.grid;
@@ -62,10 +79,7 @@ void gatherSamples() {
         STORE.H(k, r, c) = between ? BETWEEN.H(k - G.NFUSE, r, c) : SOLVEDATA.second.HST(k, r, c);
     }
   }
-  const int n = FITMODEL.NC;
-  beginTargets(STORE.targets, STORE.NS, STORE.WFREQ, STORE.WFIT, n * n);
-  for (int i = 0; i < n * n; ++i)
-    addTarget(STORE.targets, i + 1, STORE.H.curve(i / n + 1, i % n + 1).steps);
+  gatherTargets();
 }
 
 // Adds pole m of group g to the model at the samples.
@@ -116,98 +130,95 @@ PhaseFit fitPhases(const PoleSet& S, const PropagationWish& wish) {
   return fit;
 }
 
-PhaseFit fitCounts(const GroupInts& NH, const PropagationWish& wish) {
-  takeGroupFits(NH, STORE.set);
-  MOVEPOLES(STORE.targets, DELAYED, STEPS, STORE.set);
-  return fitPhases(STORE.set, wish);
-}
-
 // --- attempts
 
-void printGroupAttempt(int attempt, double TARGET, const GroupInts& NH, const PhaseFit& fit) {
+void printGroupAttempt(int attempt, double TARGET, const PhaseFit& fit) {
   printAttempt(attempt, TARGET);
   printModeHeading();
-  for (int g = 1; g <= FITMODEL.NGROUP; ++g)
-    printModeRow(g, groupError(g, NH[g]), NH[g], FITMODEL.TAU[g]);
+  for (int g = 1; g <= STORE.set.groups; ++g)
+    printModeRow(g, groupError(g, STORE.set), STORE.set.NH[g], STORE.set.TAU[g]);
   printPhaseFit(fit);
 }
 
-// Removes poles from the groups in turn, as long as the requested error is met.
-PhaseFit giveUpPoles(GroupInts& NH, const PropagationWish& wish) {
-  Table<bool, NGMAX> needed{}; // all remaining poles of the group are needed
+int countOf(const PoleSet& S) {
+  int poles = 0;
+  for (int g = 1; g <= S.groups; ++g) poles += S.NH[g];
+  return poles;
+}
+
+// Poles where the deviation is least, and the error of their fit.
+PhaseFit moveAndFit(PoleSet& S, int steps, const PropagationWish& wish) {
+  MOVEPOLES(STORE.targets, DELAYED, steps, S);
+  return fitPhases(S, wish);
+}
+
+void takeOut(PoleSet& S, int g, int m) {
+  PoleTable& P = S.HPOLE[g];
+  std::copy(P.data() + m, P.data() + S.NH[g], P.data() + m - 1);
+  --S.NH[g];
+}
+
+// The set without a pole, or with a real one in the place of a pair; false when a group would be
+// left without.
+bool lessOne(const PoleLoss& loss, PoleSet& S) {
+  if (S.NH[loss.g] < 2) return false;
+  const Complex p = S.HPOLE[loss.g][loss.m];
+  if (p.imag() != 0) S.HPOLE[loss.g][loss.m + 1] = -std::abs(p);
+  takeOut(S, loss.g, loss.m);
+  return true;
+}
+
+// Gives up poles as long as the wish stays met: those of least loss first.
+PhaseFit giveUpPoles(PhaseFit fit, const PropagationWish& wish) {
+  static PoleLosses losses;
   for (bool given = true; given;) {
     given = false;
-    for (int g = 1; g <= FITMODEL.NGROUP; ++g) {
-      if (NH[g] == 1 || needed[g]) continue;
-      --NH[g];
-      if (fitCounts(NH, wish).MAXERR <= wish.ERRA * PERCENT) {
-        given = true;
-      } else {
-        ++NH[g];
-        needed[g] = true;
-      }
+    const int count = std::min(RANKPOLES(STORE.targets, DELAYED, STORE.set, losses), MOSTGIVEN);
+    for (int i = 1; i <= count && !given; ++i) {
+      STORE.trial = STORE.set;
+      if (!lessOne(losses[i], STORE.trial)) continue;
+      const PhaseFit without = moveAndFit(STORE.trial, STEPS, wish);
+      given = without.MAXERR <= wish.ERRA * PERCENT;
+      if (!given) continue;
+      STORE.set = STORE.trial;
+      fit = without;
     }
   }
-  return fitCounts(NH, wish);
+  return fit;
 }
 
-struct Attempts {
-  int attempt = 0;
-  int idle = 0;
-  GroupInts NH{};   // of the current attempt
-  GroupInts best{}; // of the best attempt
-  PhaseFit fit{}, bestFit{};
-  double bestTarget = 0;
-};
-
-// Records an attempt. It counts as idle only if the target of the groups is within the requested
-// error.
-void noteAttempt(Attempts& A, double TARGET, double wish) {
-  const bool first = A.attempt == 1;
-  const bool gained = first || A.fit.MAXERR < GAIN * A.bestFit.MAXERR;
-  A.idle = gained || TARGET > wish ? 0 : A.idle + 1;
-  if (!first && !(A.fit.MAXERR < A.bestFit.MAXERR)) return;
-  A.best = A.NH;
-  A.bestFit = A.fit;
-  A.bestTarget = TARGET;
-}
-
-// Makes the best attempt the model, printed last.
-PhaseFit takeBest(Attempts& A, const PropagationWish& wish) {
-  if (std::equal(A.NH.data(), A.NH.data() + FITMODEL.NGROUP, A.best.data())) return A.fit;
-  A.fit = fitCounts(A.best, wish);
-  printGroupAttempt(A.attempt + 1, A.bestTarget, A.best, A.fit);
-  return A.fit;
-}
-
-// Makes an attempt with the current numbers of poles; returns true if it ends the search.
-bool makeAttempt(Attempts& A, double TARGET, const PropagationWish& wish) {
-  ++A.attempt;
-  A.fit = fitCounts(A.NH, wish);
-  const bool met = A.fit.MAXERR <= wish.ERRA * PERCENT;
-  if (met) A.fit = giveUpPoles(A.NH, wish);
-  printGroupAttempt(A.attempt, TARGET, A.NH, A.fit);
-  noteAttempt(A, TARGET, wish.ERRA * PERCENT);
-  return met || A.idle == IDLEATTEMPTS;
-}
-
-// First lowers the targets. If the groups have no better fits of their own, the requested error may
-// still be missed, because a group is fitted to the mean of its modes: then each group gets one
-// more pole.
-PhaseFit runAttempts(const PropagationWish& wish, GroupInts& NH) {
+// From what the groups need by themselves on, a pole or a pair more at a time where most is left.
+PhaseFit addPoles(PhaseFit fit, const PropagationWish& wish) {
   const int limit = std::min(wish.MAXPA, NPMAX);
-  Attempts A;
-  double TARGET = FIRSTTARGET;
+  PhaseFit best = fit;
+  STORE.best = STORE.set;
+  for (int idle = 0; best.MAXERR > wish.ERRA * PERCENT && idle < IDLEADDITIONS;) {
+    if (!ADDPOLE(STORE.targets, DELAYED, limit, STORE.set)) break;
+    fit = moveAndFit(STORE.set, STEPS, wish);
+    idle = fit.MAXERR < GAIN * best.MAXERR ? 0 : idle + 1;
+    if (!(fit.MAXERR < best.MAXERR)) continue;
+    best = fit;
+    STORE.best = STORE.set;
+  }
+  STORE.set = STORE.best;
+  return best;
+}
+
+PhaseFit runAttempts(const PropagationWish& wish) {
+  const double target = FIRSTTARGET * wish.ERRA * PERCENT;
+  GroupInts NH{};
   FORMGROUPS();
   startGroupFits();
-  while (TARGET > FARTARGET * wish.ERRA * PERCENT && wish.ERRA > 0) TARGET *= TARGETFACTOR;
-  bool done = false;
-  for (; !done && (A.attempt == 0 || canImprove(limit, A.NH)); TARGET *= TARGETFACTOR) {
-    if (growGroups(TARGET, limit, A.NH)) done = makeAttempt(A, TARGET, wish);
-  }
-  while (!done && addPoles(limit, A.NH)) done = makeAttempt(A, TARGET, wish);
-  NH = A.best;
-  return takeBest(A, wish);
+  growGroups(target, std::min(wish.MAXPA, NPMAX), NH);
+  takeGroupFits(NH, STORE.set);
+  PhaseFit fit = moveAndFit(STORE.set, STEPS, wish);
+  printGroupAttempt(1, target, fit);
+  const int first = countOf(STORE.set);
+  fit = addPoles(fit, wish);
+  if (fit.MAXERR <= wish.ERRA * PERCENT) fit = giveUpPoles(fit, wish);
+  fit = fitPhases(STORE.set, wish);
+  if (countOf(STORE.set) != first) printGroupAttempt(2, wish.ERRA * PERCENT, fit);
+  return fit;
 }
 
 // --- order reduction
@@ -246,13 +257,7 @@ RealPole worstPole(const PoleSet& S, const PoleMarks& kept, const GroupInts& mar
   return worst;
 }
 
-void takeOut(PoleSet& S, int g, int m) {
-  PoleTable& P = S.HPOLE[g];
-  std::copy(P.data() + m, P.data() + S.NH[g], P.data() + m - 1);
-  --S.NH[g];
-}
-
-// Removes real poles as long as the error allows. Returns how many remain above the limit.
+// Takes real poles out as long as the error allows. Returns how many above the limit stay.
 int reduceOrder(const PropagationWish& wish, PhaseFit& fit) {
   static PoleMarks kept;
   GroupInts marks{};
@@ -327,12 +332,10 @@ double closeAtZero(const PropagationWish& wish, PhaseFit& fit) {
 } // namespace
 
 void settlePropagation(const PropagationWish& wish) {
-  GroupInts NH;
   FITMODEL.NC = RUNDATA.line.NC;
   printPropagationHeading(wish.ERRA, wish.MAXPA);
   gatherSamples();
-  PhaseFit fit = runAttempts(wish, NH);
-  storeGroupCurves(NH);
+  PhaseFit fit = runAttempts(wish);
   const int stay = fit.RATIO > wish.RPRATIO ? reduceOrder(wish, fit) : 0;
   const double refused = wish.DCCORR == DCEXTRAPOLE ? closeAtZero(wish, fit) : 0.0;
   storeFittedCurves();
