@@ -25,8 +25,7 @@ namespace lcp {
 namespace {
 
 constexpr double SEENTURN = PI / 4; // of modes against each other, from one frequency to the next
-constexpr double COARSER = 1.1;     // factor by which it rises until there is room
-constexpr double FADED = 3e-4;      // modal propagation below which a mode does not count
+constexpr double FADED = 0.1;       // modal propagation over the wish that does not count
 constexpr double LOSTMODES = 1e-4;  // deviation of H at a point that tells of them
 constexpr double SAMEVECTOR = 0.9;  // least cosine between a mode and its neighbours' mean
 
@@ -45,10 +44,11 @@ double constantsBehind(int k) {
 // other up to the next point.
 double turnBehind(int k) {
   const SecondLoopStore& T = SOLVEDATA.second;
+  const double faded = FADED * PERCENT * RUNDATA.fit.ERRA;
   double least = 0, most = 0;
   bool any = false;
   for (int i = 1; i <= RUNDATA.line.NC; ++i) {
-    if (T.HMAG(k, i) < FADED) continue;
+    if (T.HMAG(k, i) < faded) continue;
     const double turn = T.GAMLEN(k + 1, i).imag() - T.GAMLEN(k, i).imag();
     least = any ? std::min(least, turn) : turn;
     most = any ? std::max(most, turn) : turn;
@@ -58,18 +58,20 @@ double turnBehind(int k) {
 }
 
 // One frequency half way; more where H turns faster than that.
-int frequenciesBehind(int k, double turn) {
-  return std::max(1, static_cast<int>(std::min(turnBehind(k) / turn, 1.0 * MAXFREQ)));
+int frequenciesBehind(int k, int most) {
+  return std::clamp(static_cast<int>(std::min(turnBehind(k) / SEENTURN, 1.0 * most)), 1, most);
 }
 
-// The turn from one frequency to the next for which there is room beside the points.
-double finestTurn() {
-  const int NS = SOLVEDATA.grid.NFUSE, room = std::max(MAXFREQ - NS, NS - 1);
-  for (double turn = SEENTURN;; turn *= COARSER) {
+// The most frequencies between two points that there is room for beside the points. Where many are
+// wanted some of them show as well how far the sum of waves can swing.
+int roomBehind() {
+  const int NS = SOLVEDATA.grid.NFUSE, room = MAXFREQ - NS;
+  for (int most = room; most > 1; most = most * 4 / 5) {
     int all = 0;
-    for (int k = 1; k < NS; ++k) all += frequenciesBehind(k, turn);
-    if (all <= room) return turn;
+    for (int k = 1; k < NS; ++k) all += frequenciesBehind(k, most);
+    if (all <= room) return most;
   }
+  return 1;
 }
 
 Complex decaying(Complex square) {
@@ -252,9 +254,9 @@ PhaseSampling samplePhasesBetween() {
   PhaseSampling found{laySmoothConstants()};
   found.moved = found.jumps.largest * sensitivity(n);
   for (int k = 1; k <= SOLVEDATA.grid.NFUSE; ++k) found.lost += mendedPoint(k, n) ? 1 : 0;
-  const double turn = finestTurn();
+  const int most = roomBehind();
   for (int k = 1; k < SOLVEDATA.grid.NFUSE; ++k) {
-    const int points = frequenciesBehind(k, turn);
+    const int points = frequenciesBehind(k, most);
     for (int p = 1; p <= points; ++p) {
       const double part = p / (points + 1.0);
       const double w = W[k] * std::pow(W[k + 1] / W[k], part);

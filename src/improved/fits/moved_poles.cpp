@@ -30,7 +30,8 @@ constexpr double ENOUGH = 2e-3; // relative gain of a step that is not worth ano
 constexpr int IDLE = 2;         // such steps in a row
 constexpr double FARBELOW = 0.05,
                  FARABOVE = 20; // of the frequencies of the samples: bounds of poles
-constexpr double THIN = 1e-4;   // real over imaginary part of a pole, at least
+constexpr double THIN = 1e-3;   // real over imaginary part of a pair, at least
+constexpr double DOUBLE = 0.1;  // imaginary over real part
 
 // A derivative column times an unknown of the basis times a factor: a part of dB/dt x.
 struct Term {
@@ -262,10 +263,12 @@ bool solveStep(double lambda) {
 
 double limited(double step) { return std::clamp(step, -LONGEST, LONGEST); }
 
+// A pair that is thin swings between the samples, one that is nearly double has huge residues.
 void bound(Complex& p, double low, double high) {
-  const double size = std::clamp(std::abs(p), low, high) / std::abs(p);
-  p *= size;
-  if (-p.real() < THIN * std::fabs(p.imag())) p.real(-THIN * std::fabs(p.imag()));
+  p *= std::clamp(std::abs(p), low, high) / std::abs(p);
+  if (p.imag() == 0) return;
+  const double a = std::max(-p.real(), THIN * std::fabs(p.imag()));
+  p = Complex(-a, std::copysign(std::max(std::fabs(p.imag()), DOUBLE * a), p.imag()));
 }
 
 void takeStep(const PoleTargets& T, const PoleSet& from, PoleSet& to) {
@@ -293,6 +296,8 @@ void takeStep(const PoleTargets& T, const PoleSet& from, PoleSet& to) {
 
 // --- poles that come and go
 
+constexpr double NEAR = 1.6;  // quotient of two real poles that may be a pair
+constexpr double BROAD = 0.4; // imaginary over real part of what becomes of them
 constexpr int PLACES = 16;    // where a pole is tried
 constexpr double WIDTH = 0.3; // real over imaginary part of a pair that is tried
 
@@ -402,6 +407,34 @@ bool ADDPOLE(const PoleTargets& T, const PoleFrame& frame, int limit, PoleSet& S
   P[N + 1] = std::conj(P[N]);
   ++N;
   return true;
+}
+
+void TAKEPOLEOUT(PoleSet& S, int g, int m) {
+  PoleTable& P = S.HPOLE[g];
+  std::copy(P.data() + m, P.data() + S.NH[g], P.data() + m - 1);
+  --S.NH[g];
+}
+
+bool PAIRUP(PoleSet& S) {
+  bool any = false;
+  for (int g = 1; g <= S.groups; ++g) {
+    PoleTable& P = S.HPOLE[g];
+    for (int j = S.NH[g]; j > 1; --j) {
+      int i = P[j].imag() != 0 ? 0 : j - 1;
+      while (i > 0 && !(P[i].imag() == 0 && P[i].real() / P[j].real() < NEAR &&
+                        P[j].real() / P[i].real() < NEAR))
+        --i;
+      if (i == 0) continue;
+      const double a = std::sqrt(P[i].real() * P[j].real());
+      TAKEPOLEOUT(S, g, j);
+      TAKEPOLEOUT(S, g, i);
+      P[++S.NH[g]] = Complex(-a, BROAD * a);
+      P[++S.NH[g]] = Complex(-a, -BROAD * a);
+      j = std::min(j, S.NH[g] - 1);
+      any = true;
+    }
+  }
+  return any;
 }
 
 int RANKPOLES(const PoleTargets& T, const PoleFrame& frame, const PoleSet& S, PoleLosses& losses) {

@@ -49,6 +49,13 @@ double MOVEPOLES(const PoleTargets& T, const PoleFrame& frame, int steps, PoleSe
 // some spread over the frequencies; false when all groups have limit poles.
 bool ADDPOLE(const PoleTargets& T, const PoleFrame& frame, int limit, PoleSet& S);
 
+// Makes pairs of real poles of a group that lie close together, as two poles do that would rather
+// be a pair: their residues are huge and of opposite sign. False when there are none.
+bool PAIRUP(PoleSet& S);
+
+// Takes pole m out of group g.
+void TAKEPOLEOUT(PoleSet& S, int g, int m);
+
 // A pole or the first of a pair, and the squares that the model without it would have more, per
 // pole.
 struct PoleLoss {

@@ -33,7 +33,7 @@ constexpr PoleFrame DELAYED{false, false, false, true};
 constexpr int STEPS = 15; // of the poles
 
 struct HStore {
-  PoleSet set, trial, best;
+  PoleSet set, trial, best, pairs;
 
   // H at the fit points followed by those between: all count in residues and errors.
   int NS;
@@ -146,16 +146,20 @@ int countOf(const PoleSet& S) {
   return poles;
 }
 
-// Poles where the deviation is least, and the error of their fit.
+// Poles where the deviation is least, and the error of their fit. Where ratios are large pairs are
+// tried in the place of real poles.
 PhaseFit moveAndFit(PoleSet& S, int steps, const PropagationWish& wish) {
   MOVEPOLES(STORE.targets, DELAYED, steps, S);
-  return fitPhases(S, wish);
-}
-
-void takeOut(PoleSet& S, int g, int m) {
-  PoleTable& P = S.HPOLE[g];
-  std::copy(P.data() + m, P.data() + S.NH[g], P.data() + m - 1);
-  --S.NH[g];
+  const PhaseFit fit = fitPhases(S, wish);
+  STORE.pairs = S;
+  if (!(fit.RATIO > wish.RPRATIO) || !PAIRUP(STORE.pairs)) return fit;
+  MOVEPOLES(STORE.targets, DELAYED, steps, STORE.pairs);
+  const PhaseFit other = fitPhases(STORE.pairs, wish);
+  const bool better =
+      other.RATIO < fit.RATIO && other.MAXERR <= std::max(wish.ERRA * PERCENT, fit.MAXERR);
+  if (!better) return fit;
+  S = STORE.pairs;
+  return other;
 }
 
 // The set without a pole, or with a real one in the place of a pair; false when a group would be
@@ -164,7 +168,7 @@ bool lessOne(const PoleLoss& loss, PoleSet& S) {
   if (S.NH[loss.g] < 2) return false;
   const Complex p = S.HPOLE[loss.g][loss.m];
   if (p.imag() != 0) S.HPOLE[loss.g][loss.m + 1] = -std::abs(p);
-  takeOut(S, loss.g, loss.m);
+  TAKEPOLEOUT(S, loss.g, loss.m);
   return true;
 }
 
@@ -178,7 +182,8 @@ PhaseFit giveUpPoles(PhaseFit fit, const PropagationWish& wish) {
       STORE.trial = STORE.set;
       if (!lessOne(losses[i], STORE.trial)) continue;
       const PhaseFit without = moveAndFit(STORE.trial, STEPS, wish);
-      given = without.MAXERR <= wish.ERRA * PERCENT;
+      given = without.MAXERR <= wish.ERRA * PERCENT &&
+              without.RATIO <= std::max(wish.RPRATIO, fit.RATIO);
       if (!given) continue;
       STORE.set = STORE.trial;
       fit = without;
@@ -268,7 +273,7 @@ int reduceOrder(const PropagationWish& wish, PhaseFit& fit) {
     const RealPole worst = worstPole(STORE.set, kept, marks);
     if (!(worst.ratio > wish.RPRATIO)) break;
     STORE.trial = STORE.set;
-    takeOut(STORE.trial, worst.g, worst.m);
+    TAKEPOLEOUT(STORE.trial, worst.g, worst.m);
     const PhaseFit without = fitPhases(STORE.trial, wish);
     if (without.MAXERR <= allowed) {
       STORE.set = STORE.trial;
