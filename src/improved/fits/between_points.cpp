@@ -27,7 +27,9 @@ namespace {
 constexpr double SEENTURN = PI / 4; // of modes against each other, from one frequency to the next
 constexpr double FADED = 0.1;       // modal propagation over the wish that does not count
 constexpr double LOSTMODES = 1e-4;  // deviation of H at a point that tells of them
-constexpr double SAMEVECTOR = 0.9;  // least cosine between a mode and its neighbours' mean
+constexpr int MOSTBELOW = 4;        // frequencies below the band
+constexpr double DECADE = 0.1;
+constexpr double SAMEVECTOR = 0.9; // least cosine between a mode and its neighbours' mean
 
 LineMatrix product, vectors, inverse, phases, waves;
 ModeComplex squares; // gamma^2, 1/m^2
@@ -65,7 +67,7 @@ int frequenciesBehind(int k, int most) {
 // The most frequencies between two points that there is room for beside the points. Where many are
 // wanted some of them show as well how far the sum of waves can swing.
 int roomBehind() {
-  const int NS = SOLVEDATA.grid.NFUSE, room = MAXFREQ - NS;
+  const int NS = SOLVEDATA.grid.NFUSE, room = MAXFREQ - NS - MOSTBELOW;
   for (int most = room; most > 1; most = most * 4 / 5) {
     int all = 0;
     for (int k = 1; k < NS; ++k) all += frequenciesBehind(k, most);
@@ -222,7 +224,22 @@ bool modesBetween(int k, double w, int n) {
   return true;
 }
 
-// The root whose sign agrees with the root at the grid point below.
+// The decade below the fit range: the lowest points of the grid reach into it.
+void samplePhasesBelow(int n) {
+  const FrequencyGrid& G = SOLVEDATA.grid;
+  const double first = std::min(G.FREQ[1], G.FREQ[G.NFUSE]);
+  const double last = DECADE * std::min(RUNDATA.fit.FSTART, RUNDATA.fit.FEND);
+  for (int i = 1; i <= MOSTBELOW && BETWEEN.NB + i <= MAXFREQ && last < first; ++i) {
+    const double f = first * std::pow(last / first, 1.0 * i / MOSTBELOW);
+    constantsAt(f);
+    anyModes(n);
+    BETWEEN.BELOW = i;
+    BETWEEN.WFREQ[BETWEEN.NB + i] = TWOPI * f;
+    storePhases(BETWEEN.NB + i, n);
+  }
+}
+
+// The root that has the sign of the one at the grid point below.
 Complex likeNeighbour(Complex root, Complex below) {
   return (root * std::conj(below)).real() < 0.0 ? -root : root;
 }
@@ -247,7 +264,7 @@ void storeModes(int b, int k, int n) {
 PhaseSampling samplePhasesBetween() {
   const int n = RUNDATA.line.NC;
   const FreqCurve& W = SOLVEDATA.grid.WFREQ;
-  BETWEEN.NB = 0;
+  BETWEEN.NB = BETWEEN.BELOW = 0;
   BETWEEN.YC.map(n);
   BETWEEN.H.map(n);
   if (RUNDATA.run.fromTable()) return {};
@@ -266,12 +283,13 @@ PhaseSampling samplePhasesBetween() {
       storePhases(BETWEEN.NB, n);
     }
   }
+  samplePhasesBelow(n);
   return found;
 }
 
 void sampleModesBetween() {
   const int n = RUNDATA.line.NC;
-  BETWEEN.NB = 0;
+  BETWEEN.NB = BETWEEN.BELOW = 0;
   BETWEEN.TI.map(n);
   for (int k = 1; k < SOLVEDATA.grid.NFUSE && !RUNDATA.run.fromTable(); ++k) {
     const double w = constantsBehind(k);
@@ -283,7 +301,7 @@ void sampleModesBetween() {
 
 void sampleSeriesBetween() {
   const int n = RUNDATA.line.NC;
-  BETWEEN.NB = 0;
+  BETWEEN.NB = BETWEEN.BELOW = 0;
   BETWEEN.Z.map(n);
   for (int k = 1; k < SOLVEDATA.grid.NFUSE && !RUNDATA.run.fromTable(); ++k) {
     BETWEEN.WFREQ[++BETWEEN.NB] = constantsBehind(k);

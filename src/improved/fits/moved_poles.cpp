@@ -372,6 +372,11 @@ double lossOf(RConstView V, RConstView X, int q, bool pair) {
 
 } // namespace
 
+RView FINDRESIDUES(const PoleTargets& T, const PoleFrame& frame, const PoleSet& S) {
+  leaveOver(T, frame, S);
+  return formUnknowns(S);
+}
+
 bool ADDPOLE(const PoleTargets& T, const PoleFrame& frame, int limit, PoleSet& S) {
   const int trials = 3 * PLACES * S.groups;
   leaveOver(T, frame, S, trials);

@@ -45,6 +45,10 @@ void addTarget(PoleTargets& T, int element, const Complex* F, double atZero = 0)
 // root of the mean square that is left, over samples and elements.
 double MOVEPOLES(const PoleTargets& T, const PoleFrame& frame, int steps, PoleSet& S);
 
+// The unknowns of the targets, a column each: those of the poles in the real form of the basis,
+// group by group, then D and E. They stand until the next call of a routine of this file.
+RView FINDRESIDUES(const PoleTargets& T, const PoleFrame& frame, const PoleSet& S);
+
 // Adds the real pole or the pair to one of the groups that takes most off the squares per pole, of
 // some spread over the frequencies; false when all groups have limit poles.
 bool ADDPOLE(const PoleTargets& T, const PoleFrame& frame, int limit, PoleSet& S);

@@ -29,6 +29,9 @@ constexpr int IDLEADDITIONS = 6;  // of poles in a row without a gain that end t
 constexpr double GAIN = 0.95;     // error over the best so far that counts as a gain
 constexpr int MOSTGIVEN = 4;      // poles that are tried in vain before all count as needed
 constexpr int MOSTSAMPLES = 320;  // that poles are moved by
+constexpr double FARBELOW = 1e-6; // of the lowest frequency: as good as zero
+constexpr double HEAVY = 30;      // weight of a value that has to be met
+constexpr double BELOWWEIGHT = 5; // of a frequency below the band
 constexpr PoleFrame DELAYED{false, false, false, true};
 constexpr int STEPS = 15; // of the poles
 
@@ -45,41 +48,55 @@ HStore& STORE = bigStore<HStore>();
 
 // --- samples and errors of the model in FITMODEL
 
-// Every so many of the samples serve to move poles.
-void gatherTargets() {
+// The samples that serve to move poles: all below the band, every so many of the others, and as one
+// of much weight, at a frequency far below, the value at zero frequency that the fit has to meet:
+// 0.
+int pickSamples(Table<int, MAXFREQ + 1>& pick, bool withZero) {
+  const int NS = STORE.NS - BETWEEN.BELOW, stride = (NS - 1) / MOSTSAMPLES + 1;
+  int count = 0;
+  pick[++count] = 1;
+  if (withZero) pick[++count] = 0;
+  for (int k = NS + 1; k <= STORE.NS; ++k) pick[++count] = k;
+  for (int k = 1 + stride; k <= NS; k += stride) pick[++count] = k;
+  return count;
+}
+
+void gatherTargets(const RealMatrix* HDC) {
+  static Table<int, MAXFREQ + 1> pick;
   static FreqCurve W, weight;
   static ComplexCurve F;
-  const int n = FITMODEL.NC, stride = (STORE.NS - 1) / MOSTSAMPLES + 1;
-  int count = 0;
-  for (int k = 1; k <= STORE.NS; k += stride) {
-    W[++count] = STORE.WFREQ[k];
-    weight[count] = STORE.WFIT[k];
+  const int n = FITMODEL.NC, count = pickSamples(pick, HDC != nullptr);
+  for (int i = 1; i <= count; ++i) {
+    const int k = pick[i];
+    W[i] = k > 0 ? STORE.WFREQ[k] : FARBELOW * STORE.WFREQ[1];
+    weight[i] = k > 0 ? STORE.WFIT[k] : HEAVY * STORE.WFIT[1];
   }
   beginTargets(STORE.targets, count, W, weight, n * n);
-  for (int i = 0; i < n * n; ++i) {
-    const ComplexCurve& H = STORE.H.curve(i / n + 1, i % n + 1);
-    for (int k = 1; k <= count; ++k) F[k] = H[1 + (k - 1) * stride];
-    addTarget(STORE.targets, i + 1, F.steps);
+  for (int e = 0; e < n * n; ++e) {
+    const int r = e / n + 1, c = e % n + 1;
+    for (int i = 1; i <= count; ++i) F[i] = pick[i] > 0 ? STORE.H(pick[i], r, c) : (*HDC)(r, c);
+    addTarget(STORE.targets, e + 1, F.steps);
   }
 }
 
-void gatherSamples() {
+void gatherSamples(const PropagationWish& wish) {
   const FrequencyGrid& G = SOLVEDATA.grid;
   STORE.H.map(FITMODEL.NC);
   STORE.FIT.map(FITMODEL.NC);
-  STORE.NS = std::min(G.NFUSE + BETWEEN.NB, MAXFREQ);
-  const double way = G.WFREQ[G.NFUSE] - G.WFREQ[1]; // negative on a descending grid
+  STORE.NS = std::min(G.NFUSE + BETWEEN.NB + BETWEEN.BELOW, MAXFREQ);
+  const double way = G.WFREQ[G.NFUSE] - G.WFREQ[1]; // below 0 on a grid that falls
   for (int k = 1, below = 1; k <= STORE.NS; ++k) {
     const bool between = k > G.NFUSE;
     STORE.WFREQ[k] = between ? BETWEEN.WFREQ[k - G.NFUSE] : G.WFREQ[k];
     while (between && below < G.NFUSE && (STORE.WFREQ[k] - G.WFREQ[below + 1]) * way > 0) ++below;
     STORE.WFIT[k] = G.WFIT[between ? below : k];
+    if (k > G.NFUSE + BETWEEN.NB) STORE.WFIT[k] = BELOWWEIGHT * G.WFIT[1];
     for (int c = 1; c <= FITMODEL.NC; ++c) {
       for (int r = 1; r <= FITMODEL.NC; ++r)
         STORE.H(k, r, c) = between ? BETWEEN.H(k - G.NFUSE, r, c) : SOLVEDATA.second.HST(k, r, c);
     }
   }
-  gatherTargets();
+  gatherTargets(wish.DCCORR == DCCONSTRAINED ? wish.HDC : nullptr);
 }
 
 // Adds pole m of group g to the model at the samples.
@@ -115,8 +132,20 @@ void storeFittedCurves() {
   }
 }
 
-// Fits the residues over the poles of the set, including a DC correction of type 1.
-PhaseFit fitPhases(const PoleSet& S, const PropagationWish& wish) {
+// A real pole to the front of the first group, if it has one: the slowest, whose residue meets the
+// value at zero frequency.
+void leadByRealPole(PoleSet& S) {
+  PoleTable& P = S.HPOLE[1];
+  int first = 0;
+  for (int m = 1; m <= S.NH[1]; ++m) {
+    if (P[m].imag() == 0 && (first == 0 || P[m].real() > P[first].real())) first = m;
+  }
+  if (first > 1) std::rotate(P.data(), P.data() + first - 1, P.data() + first);
+}
+
+// Residues over the poles of the set; a DC correction of type 1 is part of it.
+PhaseFit fitPhases(PoleSet& S, const PropagationWish& wish) {
+  if (wish.DCCORR == DCCONSTRAINED) leadByRealPole(S);
   for (int g = 1; g <= FITMODEL.NGROUP; ++g) {
     FITMODEL.NH[g] = S.NH[g];
     FITMODEL.TAU[g] = S.TAU[g];
@@ -339,7 +368,7 @@ double closeAtZero(const PropagationWish& wish, PhaseFit& fit) {
 void settlePropagation(const PropagationWish& wish) {
   FITMODEL.NC = RUNDATA.line.NC;
   printPropagationHeading(wish.ERRA, wish.MAXPA);
-  gatherSamples();
+  gatherSamples(wish);
   PhaseFit fit = runAttempts(wish);
   const int stay = fit.RATIO > wish.RPRATIO ? reduceOrder(wish, fit) : 0;
   const double refused = wish.DCCORR == DCEXTRAPOLE ? closeAtZero(wish, fit) : 0.0;
