@@ -24,8 +24,7 @@ namespace lcp {
 
 namespace {
 
-constexpr double SEENTURN = PI / 4; // of modes against each other, from one frequency to the next
-constexpr double FADED = 0.1;       // modal propagation over the wish that does not count
+constexpr double SEENTURN = PI / 6; // of modes against each other, from one frequency to the next
 constexpr double LOSTMODES = 1e-4;  // deviation of H at a point that tells of them
 constexpr int MOSTBELOW = 4;        // frequencies below the band
 constexpr double DECADE = 0.1;
@@ -42,19 +41,15 @@ double constantsBehind(int k) {
   return TWOPI * f;
 }
 
-// Largest phase difference, rad, by which modes that reach the other end rotate relative to each
-// other up to the next point.
+// How far the modes turn against each other up to the next point, rad. Those that do not arrive
+// count as well: the fit of their group is as large as its error all the same, and turns like them.
 double turnBehind(int k) {
   const SecondLoopStore& T = SOLVEDATA.second;
-  const double faded = FADED * PERCENT * RUNDATA.fit.ERRA;
-  double least = 0, most = 0;
-  bool any = false;
-  for (int i = 1; i <= RUNDATA.line.NC; ++i) {
-    if (T.HMAG(k, i) < faded) continue;
+  double least = T.GAMLEN(k + 1, 1).imag() - T.GAMLEN(k, 1).imag(), most = least;
+  for (int i = 2; i <= RUNDATA.line.NC; ++i) {
     const double turn = T.GAMLEN(k + 1, i).imag() - T.GAMLEN(k, i).imag();
-    least = any ? std::min(least, turn) : turn;
-    most = any ? std::max(most, turn) : turn;
-    any = true;
+    least = std::min(least, turn);
+    most = std::max(most, turn);
   }
   return most - least;
 }

@@ -23,7 +23,7 @@ constexpr int FLATTENINGS = 4;      // of the deviations
 constexpr int FLATSTEPS = 3;        // of the poles behind each
 constexpr double WITHINREACH = 1.6; // error over the target that flattening may mend
 constexpr double LEASTPART = 0.25;  // of the mean deviation that counts
-constexpr double BELOWWEIGHT = 1;   // of the frequencies below the band
+constexpr double BELOWWEIGHT = 8;   // of the frequencies below the band
 
 struct Store {
   PoleTargets targets, batch;

@@ -24,14 +24,15 @@ namespace lcp {
 
 namespace {
 
-constexpr double FIRSTTARGET = 3; // error of the groups by themselves over the wish
-constexpr int IDLEADDITIONS = 6;  // of poles in a row without a gain that end the search
-constexpr double GAIN = 0.95;     // error over the best so far that counts as a gain
-constexpr int MOSTGIVEN = 4;      // poles that are tried in vain before all count as needed
-constexpr int MOSTSAMPLES = 320;  // that poles are moved by
-constexpr double FARBELOW = 1e-6; // of the lowest frequency: as good as zero
-constexpr double HEAVY = 30;      // weight of a value that has to be met
-constexpr double BELOWWEIGHT = 5; // of a frequency below the band
+constexpr double FIRSTTARGET = 3;   // error of the groups by themselves over the wish
+constexpr int IDLEADDITIONS = 6;    // of poles in a row without a gain that end the search
+constexpr double GAIN = 0.95;       // error over the best so far that counts as a gain
+constexpr int MOSTGIVEN = 4;        // poles that are tried in vain before all count as needed
+constexpr int MOSTSAMPLES = 320;    // that poles are moved by
+constexpr double FARBELOW = 1e-6;   // of the lowest frequency: as good as zero
+constexpr double HEAVY = 30;        // weight of a value that has to be met
+constexpr double BELOWWEIGHT = 100; // of a frequency below the band
+constexpr double AIM = 0.97;        // of the error asked for
 constexpr PoleFrame DELAYED{false, false, false, true};
 constexpr int STEPS = 15; // of the poles
 
@@ -175,6 +176,9 @@ int countOf(const PoleSet& S) {
   return poles;
 }
 
+// Deviations swing a little further between the samples.
+double aimOf(const PropagationWish& wish) { return AIM * wish.ERRA * PERCENT; }
+
 // Poles where the deviation is least, and the error of their fit. Where ratios are large pairs are
 // tried in the place of real poles.
 PhaseFit moveAndFit(PoleSet& S, int steps, const PropagationWish& wish) {
@@ -184,8 +188,7 @@ PhaseFit moveAndFit(PoleSet& S, int steps, const PropagationWish& wish) {
   if (!(fit.RATIO > wish.RPRATIO) || !PAIRUP(STORE.pairs)) return fit;
   MOVEPOLES(STORE.targets, DELAYED, steps, STORE.pairs);
   const PhaseFit other = fitPhases(STORE.pairs, wish);
-  const bool better =
-      other.RATIO < fit.RATIO && other.MAXERR <= std::max(wish.ERRA * PERCENT, fit.MAXERR);
+  const bool better = other.RATIO < fit.RATIO && other.MAXERR <= std::max(aimOf(wish), fit.MAXERR);
   if (!better) return fit;
   S = STORE.pairs;
   return other;
@@ -211,8 +214,7 @@ PhaseFit giveUpPoles(PhaseFit fit, const PropagationWish& wish) {
       STORE.trial = STORE.set;
       if (!lessOne(losses[i], STORE.trial)) continue;
       const PhaseFit without = moveAndFit(STORE.trial, STEPS, wish);
-      given = without.MAXERR <= wish.ERRA * PERCENT &&
-              without.RATIO <= std::max(wish.RPRATIO, fit.RATIO);
+      given = without.MAXERR <= aimOf(wish) && without.RATIO <= std::max(wish.RPRATIO, fit.RATIO);
       if (!given) continue;
       STORE.set = STORE.trial;
       fit = without;
@@ -226,7 +228,7 @@ PhaseFit addPoles(PhaseFit fit, const PropagationWish& wish) {
   const int limit = std::min(wish.MAXPA, NPMAX);
   PhaseFit best = fit;
   STORE.best = STORE.set;
-  for (int idle = 0; best.MAXERR > wish.ERRA * PERCENT && idle < IDLEADDITIONS;) {
+  for (int idle = 0; best.MAXERR > aimOf(wish) && idle < IDLEADDITIONS;) {
     if (!ADDPOLE(STORE.targets, DELAYED, limit, STORE.set)) break;
     fit = moveAndFit(STORE.set, STEPS, wish);
     idle = fit.MAXERR < GAIN * best.MAXERR ? 0 : idle + 1;
@@ -249,7 +251,7 @@ PhaseFit runAttempts(const PropagationWish& wish) {
   printGroupAttempt(1, target, fit);
   const int first = countOf(STORE.set);
   fit = addPoles(fit, wish);
-  if (fit.MAXERR <= wish.ERRA * PERCENT) fit = giveUpPoles(fit, wish);
+  if (fit.MAXERR <= aimOf(wish)) fit = giveUpPoles(fit, wish);
   fit = fitPhases(STORE.set, wish);
   if (countOf(STORE.set) != first) printGroupAttempt(2, wish.ERRA * PERCENT, fit);
   return fit;
