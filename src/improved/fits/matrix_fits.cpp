@@ -27,9 +27,9 @@ namespace {
 
 constexpr double SEENJUMP = 0.2; // of the largest error of H that is allowed: a jump to warn of
 
-// Adds the real pole that takes up the difference to the DC values. When that lifts the error above
-// the one asked for the model stays as it was, and that error is returned; else 0.
-double closeAtZero(const MatrixFit& Q, const RealMatrix& DC, double TARGET, MatrixFitResult& fit) {
+// Adds the real pole that takes up the difference to the DC values. False when that lifts the error
+// above the one asked for.
+bool closeAtZero(const MatrixFit& Q, const RealMatrix& DC, double TARGET, MatrixFitResult& fit) {
   const double a = dcPole(slowestOf(Q.P, fit.N));
   const int N = fit.N + 1;
   Q.P[N] = a;
@@ -41,12 +41,9 @@ double closeAtZero(const MatrixFit& Q, const RealMatrix& DC, double TARGET, Matr
   }
   mirrorLower(Q, N);
   const double ERR = wholeError(Q, BETWEEN.YC, N);
-  if (ERR <= std::max(TARGET, fit.ERR)) {
-    fit = {N, ERR};
-    return 0.0;
-  }
-  fit.ERR = wholeError(Q, BETWEEN.YC, fit.N);
-  return ERR;
+  if (!(ERR <= std::max(TARGET, fit.ERR))) return false;
+  fit = {N, ERR};
+  return true;
 }
 
 void warnOfSamples(const PhaseSampling& found, double target) {
@@ -62,25 +59,40 @@ void warnOfSamples(const PhaseSampling& found, double target) {
   }
 }
 
+MatrixFit admittance(const RealMatrix* DC) {
+  return {SOLVEDATA.second.YCST,
+          0,
+          FITMODEL.YPOLE,
+          FITMODEL.YRES,
+          FITMODEL.YD,
+          nullptr,
+          FITTED.YC,
+          DC,
+          nullptr};
+}
+
+// Where a pole of its own spoils the fit behind it, the fit has to know of the DC values; the error
+// of one that spoils it as well, and is left out.
+double correctAdmittance(const AdmittanceWish& wish, const RealMatrix& YDC, MatrixFitResult& fit) {
+  const int limit = std::min(wish.limit, NPMAX);
+  if (closeAtZero(admittance(nullptr), YDC, wish.target, fit)) return 0.0;
+  const double allowed = std::max(wish.target, fit.ERR);
+  fit = GROWMATRIX(admittance(&YDC), BETWEEN.YC, limit, wish.target);
+  if (fit.ERR <= allowed) return 0.0;
+  const double refused = fit.ERR;
+  fit = GROWMATRIX(admittance(nullptr), BETWEEN.YC, limit, wish.target);
+  return refused;
+}
+
 void settleAdmittance(const AdmittanceWish& wish) {
   static RealMatrix YDC, HDC;
-  const int limit = std::min(wish.limit, NPMAX);
-  const bool constrained = wish.dcType == DCCONSTRAINED;
   if (wish.dcType >= DCCONSTRAINED) DCVALUES(YDC, HDC);
-  const MatrixFit Q{SOLVEDATA.second.YCST,
-                    0,
-                    FITMODEL.YPOLE,
-                    FITMODEL.YRES,
-                    FITMODEL.YD,
-                    nullptr,
-                    FITTED.YC,
-                    constrained ? &YDC : nullptr,
-                    nullptr};
-  MatrixFitResult fit = GROWMATRIX(Q, BETWEEN.YC, limit, wish.target);
+  MatrixFitResult fit = GROWMATRIX(admittance(wish.dcType == DCCONSTRAINED ? &YDC : nullptr),
+                                   BETWEEN.YC, std::min(wish.limit, NPMAX), wish.target);
   if (!std::isfinite(fit.ERR)) {
     refuseFit("The Fit of the Characteristic Admittance gives no Finite Numbers!");
   }
-  const double refused = wish.dcType == DCEXTRAPOLE ? closeAtZero(Q, YDC, wish.target, fit) : 0.0;
+  const double refused = wish.dcType == DCEXTRAPOLE ? correctAdmittance(wish, YDC, fit) : 0.0;
   FITMODEL.NPY = fit.N;
   reportAdmittance(wish, fit.ERR, fit.N);
   if (refused > 0) warnOfRefusedCorrection("Yc", refused);

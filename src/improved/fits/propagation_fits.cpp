@@ -37,7 +37,7 @@ constexpr PoleFrame DELAYED{false, false, false, true};
 constexpr int STEPS = 15; // of the poles
 
 struct HStore {
-  PoleSet set, trial, best, pairs;
+  PoleSet set, trial, best, pairs, plain;
 
   // H at the fit points followed by those between: all count in residues and errors.
   int NS;
@@ -344,9 +344,8 @@ double valueAtZero(int r, int c) {
   return sum;
 }
 
-// Adds the pole to group 1 and returns 0. If this raises the error above the requested one, the
-// model is left unchanged and that error is returned.
-double closeAtZero(const PropagationWish& wish, PhaseFit& fit) {
+// Adds the pole to group 1. False when that lifts the error above the one asked for.
+bool closeAtZero(const PropagationWish& wish, PhaseFit& fit) {
   const double a = dcPole(slowestPole());
   const int m = FITMODEL.NH[1] + 1;
   for (int c = 1; c <= FITMODEL.NC; ++c) {
@@ -357,12 +356,37 @@ double closeAtZero(const PropagationWish& wish, PhaseFit& fit) {
   FITMODEL.NH[1] = m;
   addPole(1, m);
   const PhaseFit corrected = deviations();
-  if (corrected.MAXERR <= std::max(wish.ERRA * PERCENT, fit.MAXERR)) {
-    fit = corrected;
+  if (!(corrected.MAXERR <= std::max(wish.ERRA * PERCENT, fit.MAXERR))) return false;
+  fit = corrected;
+  return true;
+}
+
+// Attempts and order reduction; stay: real poles above the limit that remain.
+PhaseFit fitPropagation(const PropagationWish& wish, int& stay) {
+  gatherSamples(wish);
+  PhaseFit fit = runAttempts(wish);
+  stay = fit.RATIO > wish.RPRATIO ? reduceOrder(wish, fit) : 0;
+  return fit;
+}
+
+// Where a pole of its own spoils the fit behind it, the fit has to know of the DC values; the error
+// of one that spoils it as well, and is left out.
+double correctPropagation(const PropagationWish& wish, int& stay, PhaseFit& fit) {
+  const double allowed = std::max(wish.ERRA * PERCENT, fit.MAXERR);
+  if (closeAtZero(wish, fit)) return 0.0;
+  STORE.plain = STORE.set;
+  PropagationWish held = wish;
+  held.DCCORR = DCCONSTRAINED;
+  int stayHeld = 0;
+  const PhaseFit other = fitPropagation(held, stayHeld);
+  if (other.MAXERR <= allowed) {
+    stay = stayHeld;
+    fit = other;
     return 0.0;
   }
+  STORE.set = STORE.plain;
   fit = fitPhases(STORE.set, wish);
-  return corrected.MAXERR;
+  return other.MAXERR;
 }
 
 } // namespace
@@ -370,10 +394,9 @@ double closeAtZero(const PropagationWish& wish, PhaseFit& fit) {
 void settlePropagation(const PropagationWish& wish) {
   FITMODEL.NC = RUNDATA.line.NC;
   printPropagationHeading(wish.ERRA, wish.MAXPA);
-  gatherSamples(wish);
-  PhaseFit fit = runAttempts(wish);
-  const int stay = fit.RATIO > wish.RPRATIO ? reduceOrder(wish, fit) : 0;
-  const double refused = wish.DCCORR == DCEXTRAPOLE ? closeAtZero(wish, fit) : 0.0;
+  int stay = 0;
+  PhaseFit fit = fitPropagation(wish, stay);
+  const double refused = wish.DCCORR == DCEXTRAPOLE ? correctPropagation(wish, stay, fit) : 0.0;
   storeFittedCurves();
   if (wish.DCCORR >= DCCONSTRAINED) {
     printCorrectionHeading();
