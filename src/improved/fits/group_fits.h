@@ -2,7 +2,7 @@
 #pragma once
 
 #include "fit/propagation_fit.h"
-#include "improved/fits/moved_poles.h"
+#include "improved/fits/projection.h"
 
 namespace lcp {
 

@@ -7,6 +7,7 @@
 #include "base/finite.h"
 #include "fit/vector_fit.h"
 #include "improved/fits/between_points.h"
+#include "improved/fits/moved_poles.h"
 #include "improved/fits/relaxed_fit.h"
 #include "store/rundata.h"
 

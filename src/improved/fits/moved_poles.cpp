@@ -14,8 +14,6 @@
 // A step solves (J^T J + lambda diag) d = J^T r. Poles stay stable as logarithms.
 #include "improved/fits/moved_poles.h"
 
-#include "fit/partial_fractions.h"
-
 #include <algorithm>
 #include <cmath>
 
@@ -48,84 +46,21 @@ struct Parameter {
 };
 
 struct Work {
-  SampleColumns A;
-  MappedArray<double> R, X, S, C, J, G, step, diagonal;
+  MappedArray<double> S, C, J, G, step, diagonal;
   MappedArray<Parameter> parameter;
-  int basis, targets, derivatives, parameters;
+  int parameters;
   double unit; // of a delay, s
 };
 Work& WORK = bigStore<Work>();
 PoleSet& TRIAL = bigStore<PoleSet>();
 
-ComplexCurve lag, curve;
+ComplexCurve curve;
 PoleClasses CINDEX;
 
-RView matrix(MappedArray<double>& store, int rows, int columns) {
-  return {store.room(static_cast<std::size_t>(rows) * static_cast<std::size_t>(columns)), rows};
-}
-
-void formLag(const PoleTargets& T, double tau) {
-  for (int k = 1; k <= T.NS; ++k) {
-    const double turn = T.WFREQ[k] * tau;
-    lag[k] = T.WFIT[k] * Complex(std::cos(turn), -std::sin(turn));
-  }
-}
-
-// Room for the columns of the set, and behind them for so many others where those of derivatives
-// are not wanted.
-void layColumns(const PoleTargets& T, const PoleFrame& frame, const PoleSet& S, int others) {
-  WORK.basis = (frame.constant && !frame.fixedAtZero ? 1 : 0) + (frame.proportion ? 1 : 0);
-  WORK.derivatives = 0;
-  for (int g = 1; g <= S.groups; ++g) WORK.derivatives += S.NH[g] + (frame.delays ? 1 : 0);
-  for (int g = 1; g <= S.groups; ++g) WORK.basis += S.NH[g];
-  WORK.targets = T.count;
-  WORK.derivatives = std::max(WORK.derivatives, others);
-  WORK.A.lay(T.NS, WORK.basis + WORK.targets + WORK.derivatives);
-}
-
-// curve times the lag into column c, less its value at zero when the model is tied there.
-void putColumn(const PoleTargets& T, const PoleFrame& frame, Complex atZero, int c) {
-  Complex* a = WORK.A.samples(c);
-  if (!frame.fixedAtZero) atZero = 0;
-  for (int k = 1; k <= T.NS; ++k) a[k - 1] = (curve[k] - atZero) * lag[k];
-}
-
-void formBasis(const PoleTargets& T, const PoleFrame& frame, const PoleSet& S) {
-  int c = 0;
-  for (int g = 1; g <= S.groups; ++g) {
-    classifyPoles(S.HPOLE[g], S.NH[g], CINDEX);
-    formLag(T, S.TAU[g]);
-    for (int m = 1; m <= S.NH[g]; ++m) {
-      basisCurve(S.HPOLE[g], CINDEX, m, T.WFREQ, T.NS, curve);
-      putColumn(T, frame, basisFunction(S.HPOLE[g], CINDEX, m, 0.0), ++c);
-    }
-  }
-  formLag(T, 0);
-  if (frame.constant && !frame.fixedAtZero) {
-    for (int k = 1; k <= T.NS; ++k) curve[k] = 1;
-    putColumn(T, frame, 0, ++c);
-  }
-  if (frame.proportion) {
-    for (int k = 1; k <= T.NS; ++k) curve[k] = Complex(0, T.WFREQ[k]);
-    putColumn(T, frame, 0, ++c);
-  }
-}
-
-// What is left of the targets, squared, over the set.
-double leaveOver(const PoleTargets& T, const PoleFrame& frame, const PoleSet& S, int others = 0) {
-  layColumns(T, frame, S, others);
-  formBasis(T, frame, S);
-  for (int i = 1; i <= T.count; ++i)
-    std::copy_n(const_cast<PoleTargets&>(T).F.column(i), WORK.A.ld, WORK.A.column(WORK.basis + i));
-  const int all = WORK.basis + WORK.targets;
-  bringToRightAngles(WORK.A, WORK.basis, all, matrix(WORK.R, all + WORK.derivatives, WORK.basis));
-  double sum = 0;
-  for (int i = WORK.basis + 1; i <= all; ++i) {
-    double square = 0;
-    formProducts(WORK.A, i, i, i, i, {&square, 1});
-    sum += square;
-  }
-  return sum;
+int derivativesOf(const PoleFrame& frame, const PoleSet& S) {
+  int columns = 0;
+  for (int g = 1; g <= S.groups; ++g) columns += S.NH[g] + (frame.delays ? 1 : 0);
+  return columns;
 }
 
 // Second powers: 1 / (s - p)^2 and its like with p*, or times j and -j.
@@ -148,16 +83,16 @@ void addPole(const PoleTargets& T, const PoleFrame& frame, const PoleSet& S, int
   const double a = p.real(), b = p.imag();
   Complex atZero;
   squaredCurve(T, CINDEX[m] == PAIRSECOND ? std::conj(p) : p, CINDEX[m], atZero);
-  putColumn(T, frame, atZero, WORK.basis + WORK.targets + q);
+  putOther(T, frame, S.TAU[g], curve, atZero, q);
   if (CINDEX[m] == REALPOLE) addParameter({1, {{q, q, 1}, {}}, g, m, false});
   if (CINDEX[m] != PAIRFIRST) return;
   addParameter({2, {{q, q, a}, {q + 1, q + 1, a}}, g, m, false});
   addParameter({2, {{q + 1, q, b}, {q, q + 1, -b}}, g, m, true});
 }
 
-void addDelay(const PoleTargets& T, int g, int column, int groupUnknown) {
+void addDelay(const PoleTargets& T, const PoleSet& S, int g, int column, int groupUnknown) {
   for (int k = 1; k <= T.NS; ++k) curve[k] = 1;
-  putColumn(T, {}, 0, WORK.basis + WORK.targets + column);
+  putOther(T, {}, S.TAU[g], curve, 0, column);
   addParameter({1, {{column, groupUnknown, -WORK.unit}, {}}, g, 0, false});
 }
 
@@ -169,35 +104,14 @@ void formDerivatives(const PoleTargets& T, const PoleFrame& frame, const PoleSet
   WORK.unit = 1 / std::max(T.WFREQ[1], T.WFREQ[T.NS]);
   for (int g = 1; g <= S.groups; ++g) {
     classifyPoles(S.HPOLE[g], S.NH[g], CINDEX);
-    formLag(T, S.TAU[g]);
     for (int m = 1; m <= S.NH[g]; ++m) addPole(T, frame, S, g, m, ++q);
-    if (frame.delays) addDelay(T, g, poles + g, WORK.basis + g);
+    if (frame.delays) addDelay(T, S, g, poles + g, PROJECTION.basis + g);
   }
-  const int first = WORK.basis + WORK.targets + 1, last = first + WORK.derivatives - 1;
-  takePivotsOut(WORK.A, WORK.basis, first, last,
-                matrix(WORK.R, WORK.basis + WORK.targets + WORK.derivatives, WORK.basis));
-}
-
-// Unknowns of the basis for all targets, behind them what the delay of each group multiplies.
-RView formUnknowns(const PoleSet& S) {
-  const RView R = matrix(WORK.R, WORK.basis + WORK.targets + WORK.derivatives, WORK.basis);
-  const RView X = matrix(WORK.X, WORK.basis + S.groups, WORK.targets);
-  for (int i = 1; i <= WORK.targets; ++i) solveTriangle(R, WORK.basis, WORK.basis + i, X.column(i));
-  int q = 0;
-  for (int g = 1; g <= S.groups; ++g) {
-    classifyPoles(S.HPOLE[g], S.NH[g], CINDEX);
-    for (int i = 1; i <= WORK.targets; ++i) X(WORK.basis + g, i) = 0;
-    for (int m = 1; m <= S.NH[g]; ++m) {
-      ++q;
-      const double s = CINDEX[m] == REALPOLE ? 1 : CINDEX[m] == PAIRFIRST ? 2 : 0;
-      for (int i = 1; i <= WORK.targets; ++i) X(WORK.basis + g, i) += s * X(q, i);
-    }
-  }
-  return X;
+  takeBasisOutOfOthers();
 }
 
 RView productsOfRows(RView X, int rows, int columns) {
-  const RView C = matrix(WORK.C, rows, rows);
+  const RView C = Projection::matrix(WORK.C, rows, rows);
   for (int b = 1; b <= rows; ++b) {
     for (int a = 1; a <= rows; ++a) C(a, b) = 0;
   }
@@ -213,34 +127,37 @@ RView productsOfRows(RView X, int rows, int columns) {
   return C;
 }
 
+double product(const Parameter& a, const Parameter& b, RConstView D, RConstView C) {
+  double sum = 0;
+  for (int s = 0; s < a.terms; ++s) {
+    for (int t = 0; t < b.terms; ++t) {
+      const Term &u = a.term[s], &v = b.term[t];
+      sum += u.factor * v.factor * D(u.column, v.column) * C(u.unknown, v.unknown);
+    }
+  }
+  return sum;
+}
+
 // J^T J and J^T r of the set whose basis and targets stand at right angles.
 void formNormal(const PoleTargets& T, const PoleFrame& frame, const PoleSet& S) {
   formDerivatives(T, frame, S);
-  const int first = WORK.basis + WORK.targets + 1, nd = WORK.derivatives, n = WORK.parameters;
+  Projection& P = PROJECTION;
+  const int first = P.firstOther(), nd = P.others, n = WORK.parameters;
   const RView X = formUnknowns(S);
-  const RView C = productsOfRows(X, WORK.basis + S.groups, WORK.targets);
-  const RView D = matrix(WORK.S, nd, nd), G = matrix(WORK.G, nd, WORK.targets);
-  formProducts(WORK.A, first, first + nd - 1, first, first + nd - 1, D);
-  formProducts(WORK.A, first, first + nd - 1, WORK.basis + 1, WORK.basis + WORK.targets, G);
-  const RView J = matrix(WORK.J, n, n + 1);
-  const Parameter* p = WORK.parameter.numbers;
+  const RView C = productsOfRows(X, P.basis + S.groups, P.targets);
+  const RView D = Projection::matrix(WORK.S, nd, nd), G = Projection::matrix(WORK.G, nd, P.targets);
+  formProducts(P.A, first, first + nd - 1, first, first + nd - 1, D);
+  formProducts(P.A, first, first + nd - 1, P.basis + 1, P.basis + P.targets, G);
+  const RView J = Projection::matrix(WORK.J, n, n + 1);
   for (int k = 1; k <= n; ++k) {
-    for (int j = 1; j <= n; ++j) {
-      double sum = 0;
-      for (int s = 0; s < p[j - 1].terms; ++s) {
-        for (int t = 0; t < p[k - 1].terms; ++t) {
-          const Term &a = p[j - 1].term[s], &b = p[k - 1].term[t];
-          sum += a.factor * b.factor * D(a.column, b.column) * C(a.unknown, b.unknown);
-        }
-      }
-      J(j, k) = sum;
+    const Parameter& b = WORK.parameter.numbers[k - 1];
+    for (int j = 1; j <= n; ++j) J(j, k) = product(WORK.parameter.numbers[j - 1], b, D, C);
+    J(k, n + 1) = 0;
+    for (int t = 0; t < b.terms; ++t) {
+      const Term& u = b.term[t];
+      for (int i = 1; i <= P.targets; ++i)
+        J(k, n + 1) += u.factor * G(u.column, i) * X(u.unknown, i);
     }
-    double sum = 0;
-    for (int t = 0; t < p[k - 1].terms; ++t) {
-      const Term& a = p[k - 1].term[t];
-      for (int i = 1; i <= WORK.targets; ++i) sum += a.factor * G(a.column, i) * X(a.unknown, i);
-    }
-    J(k, n + 1) = sum;
   }
 }
 
@@ -248,7 +165,7 @@ void formNormal(const PoleTargets& T, const PoleFrame& frame, const PoleSet& S) 
 bool solveStep(double lambda) {
   static MappedArray<double>& copy = bigStore<MappedArray<double>>();
   const int n = WORK.parameters;
-  const RView J = matrix(WORK.J, n, n + 1), M = matrix(copy, n, n);
+  const RView J = Projection::matrix(WORK.J, n, n + 1), M = Projection::matrix(copy, n, n);
   double* d = WORK.diagonal.room(static_cast<std::size_t>(n));
   double* x = WORK.step.room(static_cast<std::size_t>(n));
   double most = 0;
@@ -294,217 +211,34 @@ void takeStep(const PoleTargets& T, const PoleSet& from, PoleSet& to) {
   }
 }
 
-// --- poles that come and go
-
-constexpr double NEAR = 1.6;  // quotient of two real poles that may be a pair
-constexpr double BROAD = 0.4; // imaginary over real part of what becomes of them
-constexpr int PLACES = 16;    // where a pole is tried
-constexpr double WIDTH = 0.3; // real over imaginary part of a pair that is tried
-
-double placeOf(const PoleTargets& T, int i) {
-  return T.WFREQ[1] * std::pow(T.WFREQ[T.NS] / T.WFREQ[1], (i - 0.5) / PLACES);
-}
-
-// Three columns for each place and group: a real pole, and both of a pair.
-void formTrials(const PoleTargets& T, const PoleFrame& frame, const PoleSet& S) {
-  static PoleTable P;
-  int c = WORK.basis + WORK.targets;
-  for (int g = 1; g <= S.groups; ++g) {
-    formLag(T, S.TAU[g]);
-    for (int i = 1; i <= PLACES; ++i) {
-      const double w = placeOf(T, i);
-      P[1] = -w;
-      P[2] = Complex(-WIDTH * w, w);
-      P[3] = std::conj(P[2]);
-      classifyPoles(P, 3, CINDEX);
-      for (int m = 1; m <= 3; ++m) {
-        basisCurve(P, CINDEX, m, T.WFREQ, T.NS, curve);
-        putColumn(T, frame, basisFunction(P, CINDEX, m, 0.0), ++c);
-      }
-    }
+// One step that lowers the squares that are left; false when there is none. The columns of the set
+// stand projected before and behind it.
+bool stepOn(const PoleTargets& T, const PoleFrame& frame, PoleSet& S, double& left,
+            double& lambda) {
+  formNormal(T, frame, S);
+  for (; lambda < MOSTLAMBDA; lambda *= MORELAMBDA) {
+    if (!solveStep(lambda)) continue;
+    takeStep(T, S, TRIAL);
+    const double trial = leaveOver(T, frame, TRIAL, derivativesOf(frame, TRIAL));
+    if (!(trial < left)) continue;
+    left = trial;
+    S = TRIAL;
+    lambda *= LESSLAMBDA;
+    return true;
   }
-}
-
-// Squares that the columns c and, of a pair, c + 1 of the trials take off.
-double squaresOff(const PoleTargets& T, int c, bool pair, RConstView G) {
-  double D[4];
-  const int first = WORK.basis + WORK.targets + c;
-  formProducts(WORK.A, first, first + (pair ? 1 : 0), first, first + (pair ? 1 : 0), {D, 2});
-  double sum = 0;
-  const double det = pair ? D[0] * D[3] - D[1] * D[1] : D[0];
-  if (!(det > 0)) return 0;
-  for (int i = 1; i <= T.count; ++i) {
-    const double a = G(c, i), b = pair ? G(c + 1, i) : 0;
-    sum += pair ? (a * a * D[3] - 2 * a * b * D[1] + b * b * D[0]) / det : a * a / det;
-  }
-  return sum;
-}
-
-// Inverse of the triangle, a row an unknown.
-RView inverseTriangle(RConstView R) {
-  const RView V = matrix(WORK.S, WORK.basis, WORK.basis);
-  for (int j = 1; j <= WORK.basis; ++j) {
-    for (int i = WORK.basis; i >= 1; --i) {
-      double sum = i == j ? 1 : 0;
-      for (int m = i + 1; m <= j; ++m) sum -= R(m, i) * V(m, j);
-      V(i, j) = i > j || R(i, i) == 0 ? 0 : sum / R(i, i);
-    }
-  }
-  return V;
-}
-
-double lossOf(RConstView V, RConstView X, int q, bool pair) {
-  double a = 0, b = 0, c = 0, sum = 0;
-  for (int j = q; j <= WORK.basis; ++j) {
-    a += V(q, j) * V(q, j);
-    if (!pair) continue;
-    b += V(q, j) * V(q + 1, j);
-    c += V(q + 1, j) * V(q + 1, j);
-  }
-  const double det = pair ? a * c - b * b : a;
-  if (!(det > 0)) return 0;
-  for (int i = 1; i <= WORK.targets; ++i) {
-    const double x = X(q, i), y = pair ? X(q + 1, i) : 0;
-    sum += pair ? (x * x * c - 2 * x * y * b + y * y * a) / det : x * x / det;
-  }
-  return pair ? sum / 2 : sum;
+  return false;
 }
 
 } // namespace
 
-RView FINDRESIDUES(const PoleTargets& T, const PoleFrame& frame, const PoleSet& S) {
-  leaveOver(T, frame, S);
-  return formUnknowns(S);
-}
-
-bool ADDPOLE(const PoleTargets& T, const PoleFrame& frame, int limit, PoleSet& S) {
-  const int trials = 3 * PLACES * S.groups;
-  leaveOver(T, frame, S, trials);
-  formTrials(T, frame, S);
-  const int first = WORK.basis + WORK.targets + 1;
-  takePivotsOut(WORK.A, WORK.basis, first, first + trials - 1,
-                matrix(WORK.R, WORK.basis + WORK.targets + WORK.derivatives, WORK.basis));
-  const RView G = matrix(WORK.G, trials, WORK.targets);
-  formProducts(WORK.A, first, first + trials - 1, WORK.basis + 1, WORK.basis + WORK.targets, G);
-  double most = 0;
-  int group = 0, place = 0;
-  bool pair = false;
-  for (int g = 1; g <= S.groups; ++g) {
-    for (int i = 1; i <= PLACES; ++i) {
-      const int c = 3 * ((g - 1) * PLACES + i - 1) + 1;
-      for (const bool two : {false, true}) {
-        if (S.NH[g] + (two ? 2 : 1) > limit) continue;
-        const double off = squaresOff(T, two ? c + 1 : c, two, G) / (two ? 2 : 1);
-        if (!(off > most)) continue;
-        most = off;
-        group = g;
-        place = i;
-        pair = two;
-      }
-    }
-  }
-  if (group == 0) return false;
-  const double w = placeOf(T, place);
-  PoleTable& P = S.HPOLE[group];
-  int& N = S.NH[group];
-  P[++N] = pair ? Complex(-WIDTH * w, w) : Complex(-w);
-  if (!pair) return true;
-  P[N + 1] = std::conj(P[N]);
-  ++N;
-  return true;
-}
-
-void TAKEPOLEOUT(PoleSet& S, int g, int m) {
-  PoleTable& P = S.HPOLE[g];
-  std::copy(P.data() + m, P.data() + S.NH[g], P.data() + m - 1);
-  --S.NH[g];
-}
-
-bool PAIRUP(PoleSet& S) {
-  bool any = false;
-  for (int g = 1; g <= S.groups; ++g) {
-    PoleTable& P = S.HPOLE[g];
-    for (int j = S.NH[g]; j > 1; --j) {
-      int i = P[j].imag() != 0 ? 0 : j - 1;
-      while (i > 0 && !(P[i].imag() == 0 && P[i].real() / P[j].real() < NEAR &&
-                        P[j].real() / P[i].real() < NEAR))
-        --i;
-      if (i == 0) continue;
-      const double a = std::sqrt(P[i].real() * P[j].real());
-      TAKEPOLEOUT(S, g, j);
-      TAKEPOLEOUT(S, g, i);
-      P[++S.NH[g]] = Complex(-a, BROAD * a);
-      P[++S.NH[g]] = Complex(-a, -BROAD * a);
-      j = std::min(j, S.NH[g] - 1);
-      any = true;
-    }
-  }
-  return any;
-}
-
-int RANKPOLES(const PoleTargets& T, const PoleFrame& frame, const PoleSet& S, PoleLosses& losses) {
-  leaveOver(T, frame, S);
-  const RView X = formUnknowns(S);
-  const RView V =
-      inverseTriangle(matrix(WORK.R, WORK.basis + WORK.targets + WORK.derivatives, WORK.basis));
-  int count = 0, q = 0;
-  for (int g = 1; g <= S.groups; ++g) {
-    classifyPoles(S.HPOLE[g], S.NH[g], CINDEX);
-    for (int m = 1; m <= S.NH[g]; ++m) {
-      ++q;
-      if (CINDEX[m] == PAIRSECOND) continue;
-      losses[++count] = {g, m, lossOf(V, X, q, CINDEX[m] == PAIRFIRST)};
-    }
-  }
-  std::stable_sort(losses.data(), losses.data() + count,
-                   [](const PoleLoss& a, const PoleLoss& b) { return a.loss < b.loss; });
-  return count;
-}
-
-void beginTargets(PoleTargets& T, int NS, const FreqCurve& WFREQ, const FreqCurve& WFIT,
-                  int elements) {
-  T.NS = NS;
-  T.count = std::min(elements, MOSTTARGETS);
-  std::copy_n(WFREQ.steps, NS, T.WFREQ.steps);
-  std::copy_n(WFIT.steps, NS, T.WFIT.steps);
-  T.F.lay(NS, T.count);
-  for (int i = 1; i <= T.count; ++i) std::fill_n(T.F.column(i), T.F.ld, 0.0);
-}
-
-void addTarget(PoleTargets& T, int element, const Complex* F, double atZero) {
-  const int turn = (element - 1) / T.count;
-  const int i = (element - 1 + 7 * turn) % T.count + 1;
-  const double sign = (element * 2654435761u >> 16 & 1) != 0 && turn > 0 ? -1 : 1;
-  Complex* to = T.F.samples(i);
-  for (int k = 1; k <= T.NS; ++k) to[k - 1] += sign * T.WFIT[k] * (F[k - 1] - atZero);
-}
-
 double MOVEPOLES(const PoleTargets& T, const PoleFrame& frame, int steps, PoleSet& S) {
-  double best = leaveOver(T, frame, S), lambda = FIRSTLAMBDA;
-  int idle = 0;
-  for (int step = 1; step <= steps && idle < IDLE && best > 0; ++step) {
-    formNormal(T, frame, S);
-    bool gained = false;
-    for (; !gained && lambda < MOSTLAMBDA;) {
-      if (!solveStep(lambda)) {
-        lambda *= MORELAMBDA;
-        continue;
-      }
-      takeStep(T, S, TRIAL);
-      const double left = leaveOver(T, frame, TRIAL);
-      gained = left < best;
-      if (!gained) {
-        lambda *= MORELAMBDA;
-        continue;
-      }
-      idle = left > (1 - ENOUGH) * best ? idle + 1 : 0;
-      best = left;
-      S = TRIAL;
-      lambda *= LESSLAMBDA;
-    }
-    if (!gained) break;
+  double left = leaveOver(T, frame, S, derivativesOf(frame, S)), lambda = FIRSTLAMBDA;
+  for (int step = 1, idle = 0; step <= steps && idle < IDLE && left > 0; ++step) {
+    const double before = left;
+    if (!stepOn(T, frame, S, left, lambda)) break;
+    idle = left > (1 - ENOUGH) * before ? idle + 1 : 0;
   }
-  return std::sqrt(best / (static_cast<double>(T.NS) * std::max(T.count, 1)));
+  return std::sqrt(left / (static_cast<double>(T.NS) * std::max(T.count, 1)));
 }
 
 } // namespace lcp

@@ -14,6 +14,8 @@
 #include "fit/propagation_tables.h"
 #include "improved/fits/between_points.h"
 #include "improved/fits/group_fits.h"
+#include "improved/fits/moved_poles.h"
+#include "improved/fits/pole_choice.h"
 #include "store/rundata.h"
 
 #include <algorithm>

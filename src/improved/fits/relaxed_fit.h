@@ -1,7 +1,7 @@
 // Vector fitting in its relaxed form, with complex starting poles.
 #pragma once
 
-#include "improved/fits/moved_poles.h"
+#include "improved/fits/projection.h"
 
 namespace lcp {
 

@@ -15,6 +15,7 @@
 #include "base/number_forms.h"
 #include "fit/delay_search.h"
 #include "fit/fit_console.h"
+#include "improved/fits/moved_poles.h"
 #include "improved/fits/relaxed_fit.h"
 
 #include <algorithm>
