@@ -35,6 +35,7 @@ constexpr double FARBELOW = 1e-6;   // of the lowest frequency: as good as zero
 constexpr double HEAVY = 30;        // weight of a value that has to be met
 constexpr double BELOWWEIGHT = 100; // of a frequency below the band
 constexpr double AIM = 0.97;        // of the error asked for
+constexpr double AIMENFORCED = 0.75; // before an enforcement
 constexpr PoleFrame DELAYED{false, false, false, true};
 constexpr int STEPS = 15; // of the poles
 
@@ -178,8 +179,10 @@ int countOf(const PoleSet& S) {
   return poles;
 }
 
-// Deviations swing a little further between the samples.
-double aimOf(const PropagationWish& wish) { return AIM * wish.ERRA * PERCENT; }
+// Deviations swing a little further between the samples, and an enforcement adds to them.
+double aimOf(const PropagationWish& wish) {
+  return (RUNDATA.passivity.PITERSET ? AIMENFORCED : AIM) * wish.ERRA * PERCENT;
+}
 
 // Poles where the deviation is least, and the error of their fit. Where ratios are large pairs are
 // tried in the place of real poles.
