@@ -26,16 +26,18 @@ namespace lcp {
 
 namespace {
 
-constexpr double FIRSTTARGET = 3;   // error of the groups by themselves over the wish
-constexpr int IDLEADDITIONS = 6;    // of poles in a row without a gain that end the search
-constexpr double GAIN = 0.95;       // error over the best so far that counts as a gain
-constexpr int MOSTGIVEN = 4;        // poles that are tried in vain before all count as needed
-constexpr int MOSTSAMPLES = 320;    // that poles are moved by
-constexpr double FARBELOW = 1e-6;   // of the lowest frequency: as good as zero
-constexpr double HEAVY = 30;        // weight of a value that has to be met
-constexpr double BELOWWEIGHT = 100; // of a frequency below the band
-constexpr double AIM = 0.97;        // of the error asked for
+constexpr double FIRSTTARGET = 3;    // error of the groups by themselves over the wish
+constexpr int IDLEADDITIONS = 6;     // of poles in a row without a gain that end the search
+constexpr double GAIN = 0.95;        // error over the best so far that counts as a gain
+constexpr int MOSTGIVEN = 4;         // poles that are tried in vain before all count as needed
+constexpr int MOSTSAMPLES = 320;     // that poles are moved by
+constexpr double FARBELOW = 1e-6;    // of the lowest frequency: as good as zero
+constexpr double HEAVY = 30;         // weight of a value that has to be met
+constexpr double BELOWWEIGHT = 100;  // of a frequency below the band
+constexpr double AIM = 0.97;         // of the error asked for
 constexpr double AIMENFORCED = 0.75; // before an enforcement
+constexpr double NEARUNIT = 0.3;     // distance of H from the unit matrix that counts as near
+constexpr double MOSTNEAR = 8;       // weight of a point by it
 constexpr PoleFrame DELAYED{false, false, false, true};
 constexpr int STEPS = 15; // of the poles
 
@@ -83,6 +85,15 @@ void gatherTargets(const RealMatrix* HDC) {
   }
 }
 
+// Weight of point k by how near the unit matrix H is: what a line loses there is a small part of
+// it, and a model is passive only when it has that part right.
+double nearness(int k) {
+  double least = NEARUNIT;
+  for (int i = 1; i <= FITMODEL.NC; ++i)
+    least = std::min(least, std::abs(1.0 - SOLVEDATA.second.HMODE(k, i)));
+  return std::min(NEARUNIT / least, MOSTNEAR);
+}
+
 void gatherSamples(const PropagationWish& wish) {
   const FrequencyGrid& G = SOLVEDATA.grid;
   STORE.H.map(FITMODEL.NC);
@@ -93,7 +104,8 @@ void gatherSamples(const PropagationWish& wish) {
     const bool between = k > G.NFUSE;
     STORE.WFREQ[k] = between ? BETWEEN.WFREQ[k - G.NFUSE] : G.WFREQ[k];
     while (between && below < G.NFUSE && (STORE.WFREQ[k] - G.WFREQ[below + 1]) * way > 0) ++below;
-    STORE.WFIT[k] = G.WFIT[between ? below : k];
+    const int point = between ? below : k;
+    STORE.WFIT[k] = G.WFIT[point] * nearness(point);
     if (k > G.NFUSE + BETWEEN.NB) STORE.WFIT[k] = BELOWWEIGHT * G.WFIT[1];
     for (int c = 1; c <= FITMODEL.NC; ++c) {
       for (int r = 1; r <= FITMODEL.NC; ++r)
