@@ -134,7 +134,7 @@ TEST(ImprovedFits, PrintedErrorIsThatOfTheModelWithItsCorrection) {
   DCVALUES(YDC, HDC);
   EXPECT_LT(dcDeviation(HDC), 1e-9);
   EXPECT_FALSE(RUNDATA.run.WARNFLAG);
-  for (int i = 1; i <= 3; ++i) HDC(i, i) = 1e4; // no pole below the band can lead there
+  for (int i = 1; i <= 3; ++i) HDC(i, i) = 1e10; // no pole below the band can lead there
   PropagationWish wish{0.2, 20, 100.0, DCEXTRAPOLE, &HDC};
   console = consoleOf([&] { settlePropagation(wish); });
   EXPECT_TRUE(has(console, "H stays without its DC Correction"));
