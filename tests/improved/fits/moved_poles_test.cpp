@@ -3,7 +3,6 @@
 
 #include "base/constants.h"
 #include "improved/fits/pole_choice.h"
-#include "improved/fits/relaxed_fit.h"
 
 #include <algorithm>
 #include <cmath>
@@ -15,7 +14,6 @@ namespace {
 
 constexpr int SAMPLES = 120;
 const PoleFrame DELAYED{false, false, false, true};
-const PoleFrame PLAIN{true, false, false, false};
 
 // Two groups: real poles, a pair and a pole that both have nearly alike.
 const PoleSet& knownSet() {
@@ -31,9 +29,8 @@ const PoleSet& knownSet() {
   return S;
 }
 
-// Elements of the model of the set, with residues that differ from one to the other, and a constant
-// where there is one.
-PoleTargets& targetsOf(const PoleSet& S, double constant) {
+// Elements of the model of the set, with residues that differ from one to the other.
+PoleTargets& targetsOf(const PoleSet& S) {
   static PoleTargets T;
   static FreqCurve W, weight;
   static ComplexCurve F;
@@ -45,7 +42,7 @@ PoleTargets& targetsOf(const PoleSet& S, double constant) {
   for (int e = 1; e <= 3; ++e) {
     for (int k = 1; k <= SAMPLES; ++k) {
       const Complex s(0, W[k]);
-      F[k] = constant * e;
+      F[k] = 0;
       for (int g = 1; g <= S.groups; ++g) {
         Complex sum = 0;
         for (int m = 1; m <= S.NH[g]; ++m) {
@@ -62,7 +59,7 @@ PoleTargets& targetsOf(const PoleSet& S, double constant) {
 }
 
 TEST(MovedPoles, ComeBackToWhereTheyWere) {
-  const PoleTargets& T = targetsOf(knownSet(), 0);
+  const PoleTargets& T = targetsOf(knownSet());
   PoleSet S = knownSet();
   for (int g = 1; g <= 2; ++g) {
     for (int m = 1; m <= S.NH[g]; ++m) S.HPOLE[g][m] *= m % 2 == 1 ? 1.3 : 0.8;
@@ -81,7 +78,7 @@ TEST(MovedPoles, ComeBackToWhereTheyWere) {
 // A pole that is missing is added to the group that misses it, and one too many has least loss.
 TEST(MovedPoles, AreAddedAndGivenUpWhereTheyShould) {
   static PoleLosses losses;
-  const PoleTargets& T = targetsOf(knownSet(), 0);
+  const PoleTargets& T = targetsOf(knownSet());
   PoleSet S = knownSet();
   TAKEPOLEOUT(S, 2, 2);
   ASSERT_TRUE(ADDPOLE(T, DELAYED, 10, S));
@@ -114,23 +111,6 @@ TEST(MovedPoles, RealOnesThatLieCloseBecomeAPair) {
   EXPECT_EQ(S.HPOLE[1][1], Complex(-4e4, 3e4));
   EXPECT_EQ(S.HPOLE[1][3], std::conj(S.HPOLE[1][4]));
   EXPECT_NEAR(S.HPOLE[1][3].real(), -std::sqrt(500.0), 1e-9);
-}
-
-// Relaxed passes alone, from complex poles: one group, three elements, a constant.
-TEST(MovedPoles, RelaxedPassesFindThemFromComplexOnes) {
-  PoleSet one = knownSet();
-  one.groups = 1;
-  one.TAU[1] = 0;
-  const PoleTargets& T = targetsOf(one, 2.0);
-  PoleTable P;
-  spreadPoles(P, 4, 1, 1e6);
-  EXPECT_EQ(P[1], std::conj(P[2]));
-  for (int pass = 1; pass <= 8; ++pass) RELOCATERELAXED(T, PLAIN, 0, 4, P);
-  for (int m = 1; m <= 4; ++m) {
-    double least = 1;
-    for (int i = 1; i <= 4; ++i) least = std::min(least, std::abs(P[i] / one.HPOLE[1][m] - 1.0));
-    EXPECT_LT(least, 1e-6) << m;
-  }
 }
 
 // More elements than columns: the squares that are left stay about the same.
