@@ -182,7 +182,8 @@ double limited(double step) { return std::clamp(step, -LONGEST, LONGEST); }
 
 // A pair that is thin swings between the samples, one that is nearly double has huge residues.
 void bound(Complex& p, double low, double high) {
-  p *= std::clamp(std::abs(p), low, high) / std::abs(p);
+  const double size = std::abs(p);
+  p = size > 0 ? p * (std::clamp(size, low, high) / size) : -low;
   if (p.imag() == 0) return;
   const double a = std::max(-p.real(), THIN * std::fabs(p.imag()));
   p = Complex(-a, std::copysign(std::max(std::fabs(p.imag()), DOUBLE * a), p.imag()));

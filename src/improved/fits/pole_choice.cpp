@@ -16,7 +16,6 @@ MappedArray<double>& PRODUCTS = bigStore<MappedArray<double>>();
 ComplexCurve curve;
 PoleClasses CINDEX;
 
-constexpr double NEAR = 1.6;  // quotient of two real poles that may be a pair
 constexpr double BROAD = 0.4; // imaginary over real part of what becomes of them
 constexpr int PLACES = 16;    // where a pole is tried
 constexpr double WIDTH = 0.3; // real over imaginary part of a pair that is tried
@@ -134,14 +133,14 @@ void TAKEPOLEOUT(PoleSet& S, int g, int m) {
   --S.NH[g];
 }
 
-bool PAIRUP(PoleSet& S) {
+bool PAIRUP(PoleSet& S, double near) {
   bool any = false;
   for (int g = 1; g <= S.groups; ++g) {
     PoleTable& P = S.HPOLE[g];
     for (int j = S.NH[g]; j > 1; --j) {
       int i = P[j].imag() != 0 ? 0 : j - 1;
-      while (i > 0 && !(P[i].imag() == 0 && P[i].real() / P[j].real() < NEAR &&
-                        P[j].real() / P[i].real() < NEAR))
+      while (i > 0 && !(P[i].imag() == 0 && P[i].real() / P[j].real() < near &&
+                        P[j].real() / P[i].real() < near))
         --i;
       if (i == 0) continue;
       const double a = std::sqrt(P[i].real() * P[j].real());

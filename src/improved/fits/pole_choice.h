@@ -9,9 +9,9 @@ namespace lcp {
 // some spread over the frequencies; false when all groups have limit poles.
 bool ADDPOLE(const PoleTargets& T, const PoleFrame& frame, int limit, PoleSet& S);
 
-// Makes pairs of real poles of a group that lie close together, as two poles do that would rather
-// be a pair: their residues are huge and of opposite sign. False when there are none.
-bool PAIRUP(PoleSet& S);
+// Makes pairs of real poles of a group whose quotient is less than near, as of two poles that would
+// rather be a pair: their residues are huge and of opposite sign. False when there are none.
+bool PAIRUP(PoleSet& S, double near);
 
 // Takes pole m out of group g.
 void TAKEPOLEOUT(PoleSet& S, int g, int m);

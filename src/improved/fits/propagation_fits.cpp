@@ -38,6 +38,7 @@ constexpr double AIM = 0.97;         // of the error asked for
 constexpr double AIMENFORCED = 0.75; // before an enforcement
 constexpr double NEARUNIT = 0.3;     // distance of H from the unit matrix that counts as near
 constexpr double MOSTNEAR = 8;       // weight of a point by it
+constexpr double NEAR = 1.6;         // quotient of two real poles that may be a pair
 constexpr PoleFrame DELAYED{false, false, false, true};
 constexpr int STEPS = 15; // of the poles
 
@@ -202,7 +203,7 @@ PhaseFit moveAndFit(PoleSet& S, int steps, const PropagationWish& wish) {
   MOVEPOLES(STORE.targets, DELAYED, steps, S);
   const PhaseFit fit = fitPhases(S, wish);
   STORE.pairs = S;
-  if (!(fit.RATIO > wish.RPRATIO) || !PAIRUP(STORE.pairs)) return fit;
+  if (!(fit.RATIO > wish.RPRATIO) || !PAIRUP(STORE.pairs, NEAR)) return fit;
   MOVEPOLES(STORE.targets, DELAYED, steps, STORE.pairs);
   const PhaseFit other = fitPhases(STORE.pairs, wish);
   const bool better = other.RATIO < fit.RATIO && other.MAXERR <= std::max(aimOf(wish), fit.MAXERR);

@@ -21,6 +21,7 @@ namespace {
 
 constexpr double DAMPING = 0.01; // real over imaginary part of a starting pole
 constexpr double LEASTD = 1e-8;
+constexpr double LEASTPOLE = 1e-3; // of the lowest frequency
 
 struct Work {
   SampleColumns A, B, C;
@@ -130,6 +131,10 @@ void RELOCATERELAXED(const PoleTargets& T, const PoleFrame& frame, double tau, i
   if (!(std::fabs(d) > LEASTD)) d = d < 0 ? -LEASTD : LEASTD;
   for (int m = 1; m <= N; ++m) x[m] /= d;
   TAKEZEROS(N, x.data(), FLIPUNSTABLE, P);
+  const double least = LEASTPOLE * std::min(T.WFREQ[1], T.WFREQ[T.NS]);
+  for (int m = 1; m <= N; ++m) {
+    if (!(std::abs(P[m]) > least)) P[m] = -least; // a pole at zero has no value there
+  }
 }
 
 } // namespace lcp

@@ -16,6 +16,7 @@
 #include "fit/delay_search.h"
 #include "fit/fit_console.h"
 #include "improved/fits/moved_poles.h"
+#include "improved/fits/pole_choice.h"
 #include "improved/fits/relaxed_fit.h"
 
 #include <algorithm>
@@ -32,9 +33,10 @@ constexpr int PASSES = 5;       // of relaxed vector fitting
 constexpr int STEPS = 15;       // of poles and delay
 constexpr double DELAYUP = 1.2; // bounds of a delay over the first one
 constexpr double DELAYLOW = 0.8;
-constexpr double CLOSE = 1e-2;   // distance of two poles over their size
-constexpr double HUGE = 1e3;     // residue over pole and the largest magnitude of the function
-constexpr double OPPOSITE = 0.1; // sum of two residues over one of them
+constexpr double NEARLYONE = 1.1; // quotient of two real poles that are a pair rather
+constexpr double CLOSE = 1e-2;    // distance of two poles over their size
+constexpr double HUGE = 1e3;      // residue over pole and the largest magnitude of the function
+constexpr double OPPOSITE = 0.1;  // sum of two residues over one of them
 constexpr double NOFIT = std::numeric_limits<double>::infinity();
 constexpr int DIGITS = 12; // of a number in a mode model file
 constexpr int FIELD = 40;  // characters, more than a number needs
@@ -167,6 +169,7 @@ void settleSet(const PoleFrame& frame, int N, const DelayRange& range) {
   for (int pass = 1; pass <= PASSES; ++pass)
     RELOCATERELAXED(TARGETS, frame, SET.TAU[1], N, SET.HPOLE[1]);
   MOVEPOLES(TARGETS, frame, STEPS, SET);
+  if (PAIRUP(SET, NEARLYONE)) MOVEPOLES(TARGETS, frame, STEPS, SET);
   SET.TAU[1] = std::clamp(SET.TAU[1], range.low, range.up);
 }
 

@@ -104,9 +104,9 @@ TEST(MovedPoles, AreAddedAndGivenUpWhereTheyShould) {
 
 TEST(MovedPoles, RealOnesThatLieCloseBecomeAPair) {
   PoleSet S = knownSet();
-  EXPECT_FALSE(PAIRUP(S));
+  EXPECT_FALSE(PAIRUP(S, 1.6));
   S.HPOLE[1][2] = -25.0;
-  ASSERT_TRUE(PAIRUP(S));
+  ASSERT_TRUE(PAIRUP(S, 1.6));
   EXPECT_EQ(S.NH[1], 4);
   EXPECT_EQ(S.HPOLE[1][1], Complex(-4e4, 3e4));
   EXPECT_EQ(S.HPOLE[1][3], std::conj(S.HPOLE[1][4]));
