@@ -1,8 +1,9 @@
-// The line's functions at frequencies between the points of the fits, computed directly: half way
-// in the logarithm between each two neighbours, so that errors are seen on a grid twice as dense.
-// For phase functions there are up to seven where modes turn fast against each other from one point
-// to the next: a sum of delayed modes can be right at the points alone there. And at a few
-// frequencies in the decade below the band, where nothing else holds a fit.
+// Functions of the line at frequencies between the points of the fits, computed directly.
+//
+// They lie half way, in the logarithm, between neighbouring points, so that errors are seen on a
+// grid twice as dense. For phase functions there are more where modes rotate fast relative to each
+// other, as a sum of delayed modes can fit at the points alone there, and a few in the decade below
+// the band, where nothing else holds a fit.
 #pragma once
 
 #include "improved/fits/between_store.h"
@@ -10,24 +11,7 @@
 
 namespace lcp {
 
-struct BetweenStore {
-  int NB;          // frequencies between points
-  int BELOW;       // behind them, of phase functions, frequencies below the points
-  FreqCurve WFREQ; // rad/s
-
-  // Which of these are filled says the routine that sampled last.
-  CurveMatrix<Complex, MAXFREQ> YC;            // characteristic admittance of the phases, S
-  CurveMatrix<Complex, MAXFREQ> H;             // propagation matrix of the phases
-  CurveMatrix<Complex, MAXFREQ> Z;             // series impedance, ohm/m
-  CurveMatrix<Complex, MAXFREQ> TI;            // transformation, unit columns
-  CurveVector<Complex, LDMAT, MAXFREQ> ZSURGE; // surge impedance of mode i, ohm
-  CurveVector<Complex, LDMAT, MAXFREQ> HMODE;  // its propagation function
-};
-
-// Mapped before anything of a file that includes this is initialised.
-inline BetweenStore& BETWEEN = bigStore<BetweenStore>();
-
-// What sampling found on the way.
+// Findings of the sampling.
 struct PhaseSampling {
   JumpsOfZ jumps;
   double moved = 0; // largest change of a mode's propagation function by a jump of the largest size
