@@ -149,9 +149,7 @@ void relocateOnce(const FitSamples& Q, int offs, int N, PoleTable& POLES) {
   classifyPoles(POLES, N, CINDEX);
   relocationProblem(Q, offs, N, POLES);
   solveScaled(2 * Q.NS * Q.NF, columns, 1);
-  zerosOfSigma(N, LSQ.B + (columns - N), POLES);
-  sortPoles(POLES, N);
-  if (Q.STABLE == FLIPUNSTABLE) flipUnstable(POLES, N);
+  TAKEZEROS(N, LSQ.B + (columns - N), Q.STABLE, POLES);
 }
 
 LCP_WIDTHS("avx2") void residueProblem(const FitSamples& Q, int offs, int N, const PoleTable& P) {
@@ -220,6 +218,13 @@ double LOGPOLE(int I, double WLO, double WHI, int N) {
 
 void startingPoles(PoleTable& P, int N, double WLO, double WHI) {
   for (int i = 1; i <= N; ++i) P[i] = Complex(-LOGPOLE(i, WLO, WHI, N), 0.0);
+}
+
+void TAKEZEROS(int N, const double* c, int STABLE, PoleTable& POLES) {
+  classifyPoles(POLES, N, CINDEX);
+  zerosOfSigma(N, c, POLES);
+  sortPoles(POLES, N);
+  if (STABLE == FLIPUNSTABLE) flipUnstable(POLES, N);
 }
 
 void RELOCATE(int passes, const FitSamples& Q, int N, PoleTable& POLES) {

@@ -55,7 +55,11 @@ void startingPoles(PoleTable& P, int N, double WLO, double WHI);
 // modulus on exit. Uses the least-squares store and keeps nothing between calls.
 void VFIT(const FitSamples& Q, int N, PoleTable& POLES, FunctionFit* FITS, FitErrors& ERRORS);
 
-// Only the first half, `passes` times: for fits that find the residues by a problem of their own.
+// The step in which poles move: POLES become the zeros of sigma = 1 + sum c_m phi_m over them, c in
+// the real form of the basis.
+void TAKEZEROS(int N, const double* c, int STABLE, PoleTable& POLES);
+
+// The first half, so many times: for fits that find the residues by a problem of their own.
 void RELOCATE(int passes, const FitSamples& Q, int N, PoleTable& POLES);
 
 // Several passes, each from the poles of the previous one; the residues belong to the last pass.

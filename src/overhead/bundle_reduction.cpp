@@ -10,38 +10,72 @@
 // M is symmetric, so the elimination works on the lower triangle, column by column.
 #include "overhead/bundle_reduction.h"
 
+#include "base/register_widths.h"
 #include "store/rundata.h"
 
 namespace lcp {
 
 namespace {
 
-// Column q of a step, and the same times j, both as real numbers. The product with a complex factor
-// is then two real sums, which the compiler can vectorise since no parts are exchanged.
-struct EliminationColumn {
+// Row q of a step up to its diagonal, as it stands and times j, both as plain reals: the product
+// with a complex factor is then two sums over reals, without the exchange of parts that keeps it
+// from vectors. And the factors M(q, i) / M(q, q) of the columns.
+struct EliminationRow {
   double plain[2 * MAXCOND];
   double turned[2 * MAXCOND];
+  Complex factor[MAXCOND];
 };
 
-// Subtracts t times elements i to n of the eliminated column from elements i to n of column i.
-void subtract(Complex* column, const EliminationColumn& e, Complex t, int i, int n) {
+// Steps that share a sweep over the matrix, which does not stay in the cache.
+constexpr int STEPS = 4;
+EliminationRow rows[STEPS];
+
+// Elements first to last of column i minus those of the rows times the factors of the column, row
+// by row: each element as if the steps were taken one after the other.
+template <int C> void subtract(Complex* column, int i, int first, int last) {
   double* m = reinterpret_cast<double*>(column);
-  const double re = t.real();
-  const double im = t.imag();
-  for (int k = 2 * (i - 1); k < 2 * n; ++k) m[k] -= re * e.plain[k] + im * e.turned[k];
+  double re[C], im[C];
+  for (int s = 0; s < C; ++s) {
+    re[s] = rows[s].factor[i - 1].real();
+    im[s] = rows[s].factor[i - 1].imag();
+  }
+  for (int k = 2 * (first - 1); k < 2 * last; ++k) {
+    double x = m[k];
+    for (int s = 0; s < C; ++s) x -= re[s] * rows[s].plain[k] + im[s] * rows[s].turned[k];
+    m[k] = x;
+  }
 }
 
-void eliminate(CView M, int q) {
-  EliminationColumn e;
+void takeRow(EliminationRow& e, CView M, int q) {
+  const Complex v = 1.0 / M(q, q);
   for (int i = 1; i < q; ++i) {
     const Complex m = M(q, i);
     e.plain[2 * i - 2] = m.real();
     e.plain[2 * i - 1] = m.imag();
     e.turned[2 * i - 2] = -m.imag();
     e.turned[2 * i - 1] = m.real();
+    e.factor[i - 1] = m * v;
   }
-  const Complex v = 1.0 / M(q, q);
-  for (int i = 1; i < q; ++i) subtract(M.column(i), e, M(q, i) * v, i, q - 1);
+}
+
+LCP_WIDTHS("avx2") void eliminateOne(CView M, int q) {
+  takeRow(rows[0], M, q);
+  for (int i = 1; i < q; ++i) subtract<1>(M.column(i), i, i, q - 1);
+}
+
+// The steps q, q - 1 and so on. Each row is brought up to date by the steps before it.
+LCP_WIDTHS("avx2") void eliminateTogether(CView M, int q) {
+  const int last = q - STEPS;
+  for (int s = 0; s < STEPS; ++s) {
+    const int r = q - s;
+    for (int i = 1; i <= r && s > 0; ++i) {
+      if (s == 1) subtract<1>(M.column(i), i, r, r);
+      if (s == 2) subtract<2>(M.column(i), i, r, r);
+      if (s == 3) subtract<3>(M.column(i), i, r, r);
+    }
+    takeRow(rows[s], M, r);
+  }
+  for (int i = 1; i <= last; ++i) subtract<STEPS>(M.column(i), i, i, last);
 }
 
 // The same step on both triangles. Column q above the diagonal is left multiplied by 1 / M(q, q).
@@ -69,7 +103,9 @@ void foldMember(CView M, int n, int k, int r) {
 }
 
 void CBKRON(CView M, int kept, int n) {
-  for (int q = n; q > kept; --q) eliminate(M, q);
+  int q = n;
+  for (; q - STEPS >= kept; q -= STEPS) eliminateTogether(M, q);
+  for (; q > kept; --q) eliminateOne(M, q);
   if (kept < n) mirror(M, kept);
 }
 

@@ -7,6 +7,7 @@
 #include "base/constants.h"
 #include "base/finite.h"
 #include "improved/fits/smooth_constants.h"
+#include "improved/modes/forward_waves.h"
 #include "kernels/inversion.h"
 #include "kernels/lapack.h"
 #include "kernels/matrix_kernels.h"
@@ -23,11 +24,11 @@ namespace lcp {
 
 namespace {
 
-constexpr int MOSTBETWEEN = 7;      // frequencies between two points
-constexpr double SEENTURN = PI / 4; // allowed relative rotation of modes between frequencies
-constexpr double FADED = 1e-3;      // modal propagation below which a mode is ignored
-constexpr double LOSTMODES = 1e-4;  // deviation of H at a point that indicates lost modes
-constexpr double SAMEVECTOR = 0.9;  // smallest cosine between a mode and the mean of its neighbours
+constexpr double SEENTURN = PI / 6; // of modes against each other, from one frequency to the next
+constexpr double LOSTMODES = 1e-4;  // deviation of H at a point that tells of them
+constexpr int MOSTBELOW = 4;        // frequencies below the band
+constexpr double DECADE = 0.1;
+constexpr double SAMEVECTOR = 0.9; // least cosine between a mode and its neighbours' mean
 
 LineMatrix product, vectors, inverse, phases, waves;
 ModeComplex squares; // gamma^2, 1/m^2
@@ -40,29 +41,34 @@ double constantsBehind(int k) {
   return TWOPI * f;
 }
 
-// Largest phase difference, rad, by which modes that reach the other end rotate relative to each
-// other up to the next point.
+// How far the modes turn against each other up to the next point, rad. Those that do not arrive
+// count as well: the fit of their group is as large as its error all the same, and turns like them.
 double turnBehind(int k) {
   const SecondLoopStore& T = SOLVEDATA.second;
-  double least = 0, most = 0;
-  bool any = false;
-  for (int i = 1; i <= RUNDATA.line.NC; ++i) {
-    if (T.HMAG(k, i) < FADED) continue;
+  double least = T.GAMLEN(k + 1, 1).imag() - T.GAMLEN(k, 1).imag(), most = least;
+  for (int i = 2; i <= RUNDATA.line.NC; ++i) {
     const double turn = T.GAMLEN(k + 1, i).imag() - T.GAMLEN(k, i).imag();
-    least = any ? std::min(least, turn) : turn;
-    most = any ? std::max(most, turn) : turn;
-    any = true;
+    least = std::min(least, turn);
+    most = std::max(most, turn);
   }
   return most - least;
 }
 
-// Number of frequencies up to the next point: one, or more where H rotates too fast for that, as
-// long as the store has room for them.
-int frequenciesBehind(int k) {
-  int points = 1;
-  while (points < MOSTBETWEEN && turnBehind(k) > SEENTURN * (points + 1)) points += 2;
-  const int needed = BETWEEN.NB + points + 2 * SOLVEDATA.grid.NFUSE - k;
-  return needed <= MAXFREQ ? points : 1;
+// One frequency half way; more where H turns faster than that.
+int frequenciesBehind(int k, int most) {
+  return std::clamp(static_cast<int>(std::min(turnBehind(k) / SEENTURN, 1.0 * most)), 1, most);
+}
+
+// The most frequencies between two points that there is room for beside the points. Where many are
+// wanted some of them show as well how far the sum of waves can swing.
+int roomBehind() {
+  const int NS = SOLVEDATA.grid.NFUSE, room = MAXFREQ - NS - MOSTBELOW;
+  for (int most = room; most > 1; most = most * 4 / 5) {
+    int all = 0;
+    for (int k = 1; k < NS; ++k) all += frequenciesBehind(k, most);
+    if (all <= room) return most;
+  }
+  return 1;
 }
 
 Complex decaying(Complex square) {
@@ -213,7 +219,22 @@ bool modesBetween(int k, double w, int n) {
   return true;
 }
 
-// The root whose sign agrees with the root at the grid point below.
+// The decade below the fit range: the lowest points of the grid reach into it.
+void samplePhasesBelow(int n) {
+  const FrequencyGrid& G = SOLVEDATA.grid;
+  const double first = std::min(G.FREQ[1], G.FREQ[G.NFUSE]);
+  const double last = DECADE * std::min(RUNDATA.fit.FSTART, RUNDATA.fit.FEND);
+  for (int i = 1; i <= MOSTBELOW && BETWEEN.NB + i <= MAXFREQ && last < first; ++i) {
+    const double f = first * std::pow(last / first, 1.0 * i / MOSTBELOW);
+    constantsAt(f);
+    anyModes(n);
+    BETWEEN.BELOW = i;
+    BETWEEN.WFREQ[BETWEEN.NB + i] = TWOPI * f;
+    storePhases(BETWEEN.NB + i, n);
+  }
+}
+
+// The root that has the sign of the one at the grid point below.
 Complex likeNeighbour(Complex root, Complex below) {
   return (root * std::conj(below)).real() < 0.0 ? -root : root;
 }
@@ -225,7 +246,9 @@ void storeModes(int b, int k, int n) {
   formModalMatrices(YM, ZM, S.YMAT, S.ZMAT, vectors, inverse, n);
   for (int i = 1; i <= n; ++i) {
     const Complex gamma = decaying(squares[i]);
-    BETWEEN.ZSURGE(b, i) = likeNeighbour(surgeImpedance(YM(i, i), ZM(i, i)), T.ZSURGST(k, i));
+    BETWEEN.ZSURGE(b, i) = RUNDATA.numerics.IMPROVEDMODES
+                               ? forwardSurgeImpedance(YM(i, i), ZM(i, i), squares[i], gamma)
+                               : likeNeighbour(surgeImpedance(YM(i, i), ZM(i, i)), T.ZSURGST(k, i));
     BETWEEN.HMODE(b, i) = std::exp(-gamma * RUNDATA.run.LINELEN);
   }
   BETWEEN.TI.store(b, vectors, n);
@@ -236,15 +259,16 @@ void storeModes(int b, int k, int n) {
 PhaseSampling samplePhasesBetween() {
   const int n = RUNDATA.line.NC;
   const FreqCurve& W = SOLVEDATA.grid.WFREQ;
-  BETWEEN.NB = 0;
+  BETWEEN.NB = BETWEEN.BELOW = 0;
   BETWEEN.YC.map(n);
   BETWEEN.H.map(n);
   if (RUNDATA.run.fromTable()) return {};
   PhaseSampling found{laySmoothConstants()};
   found.moved = found.jumps.largest * sensitivity(n);
   for (int k = 1; k <= SOLVEDATA.grid.NFUSE; ++k) found.lost += mendedPoint(k, n) ? 1 : 0;
+  const int most = roomBehind();
   for (int k = 1; k < SOLVEDATA.grid.NFUSE; ++k) {
-    const int points = frequenciesBehind(k);
+    const int points = frequenciesBehind(k, most);
     for (int p = 1; p <= points; ++p) {
       const double part = p / (points + 1.0);
       const double w = W[k] * std::pow(W[k + 1] / W[k], part);
@@ -254,12 +278,13 @@ PhaseSampling samplePhasesBetween() {
       storePhases(BETWEEN.NB, n);
     }
   }
+  samplePhasesBelow(n);
   return found;
 }
 
 void sampleModesBetween() {
   const int n = RUNDATA.line.NC;
-  BETWEEN.NB = 0;
+  BETWEEN.NB = BETWEEN.BELOW = 0;
   BETWEEN.TI.map(n);
   for (int k = 1; k < SOLVEDATA.grid.NFUSE && !RUNDATA.run.fromTable(); ++k) {
     const double w = constantsBehind(k);
@@ -271,7 +296,7 @@ void sampleModesBetween() {
 
 void sampleSeriesBetween() {
   const int n = RUNDATA.line.NC;
-  BETWEEN.NB = 0;
+  BETWEEN.NB = BETWEEN.BELOW = 0;
   BETWEEN.Z.map(n);
   for (int k = 1; k < SOLVEDATA.grid.NFUSE && !RUNDATA.run.fromTable(); ++k) {
     BETWEEN.WFREQ[++BETWEEN.NB] = constantsBehind(k);

@@ -1,8 +1,9 @@
 // Functions of the line at frequencies between the points of the fits, computed directly.
 //
 // They lie half way, in the logarithm, between neighbouring points, so that errors are seen on a
-// grid twice as dense. For phase functions there are up to seven where modes rotate fast relative
-// to each other: a sum of delayed modes can fit at the points alone there.
+// grid twice as dense. For phase functions there are more where modes rotate fast relative to each
+// other, as a sum of delayed modes can fit at the points alone there, and a few in the decade below
+// the band, where nothing else holds a fit.
 #pragma once
 
 #include "improved/fits/between_store.h"

@@ -7,7 +7,8 @@
 namespace lcp {
 
 struct BetweenStore {
-  int NB;          // frequencies
+  int NB;          // frequencies between points
+  int BELOW;       // behind them, of phase functions, frequencies below the points
   FreqCurve WFREQ; // rad/s
 
   // The sampling routine called last determines which of these are filled.

@@ -15,7 +15,6 @@ namespace {
 
 struct GroupFit {
   double tau, error; // s, largest deviation
-  bool refined;      // whether the delay has been refined by small steps
   PoleTable P;
 };
 
@@ -43,17 +42,7 @@ void addFit(int g) {
   const int N = ++H.made;
   GroupFit& fit = H.fits[N];
   fit.tau = N > 1 ? H.fits[N - 1].tau : FITMODEL.TAU[g];
-  fit.error = ROUGHDELAY(samplesOf(g), noMiddles(), N, 0.0, H.range, fit.tau, fit.P, settled);
-  fit.refined = false;
-}
-
-void refineFit(int g, int N) {
-  GroupFits& H = HISTORY[g];
-  GroupFit& fit = H.fits[N];
-  if (fit.refined) return;
-  fit.error =
-      REFINEDELAY(samplesOf(g), noMiddles(), N, 0.0, fit.error, H.range, fit.tau, fit.P, settled);
-  fit.refined = true;
+  fit.error = SETTLEDELAY(samplesOf(g), noMiddles(), N, 0.0, H.range, fit.tau, fit.P, settled);
 }
 
 // The smallest number of poles, from n on, that meets TARGET, or else the best number.
@@ -62,7 +51,6 @@ int countFor(int g, double TARGET, int limit, int n) {
   int best = std::max(n, 1);
   for (int N = best; N <= limit; ++N) {
     if (N > H.made) addFit(g);
-    if (worthRefining(H.fits[N].error, TARGET)) refineFit(g, N);
     if (H.fits[N].error < H.fits[best].error) best = N;
     if (H.fits[N].error <= TARGET) return N;
   }
@@ -74,7 +62,7 @@ int countFor(int g, double TARGET, int limit, int n) {
 void startGroupFits() {
   for (int g = 1; g <= FITMODEL.NGROUP; ++g) {
     HISTORY[g].made = 0;
-    HISTORY[g].range = delayRange(FITMODEL.TAU[g], groupCorrection(g));
+    HISTORY[g].range = delayRange(FITMODEL.TAU[g]);
   }
 }
 
@@ -88,49 +76,26 @@ bool growGroups(double TARGET, int limit, GroupInts& NH) {
   return changed;
 }
 
-bool addPoles(int limit, GroupInts& NH) {
-  bool changed = false;
-  for (int g = 1; g <= FITMODEL.NGROUP; ++g) {
-    if (NH[g] >= limit) continue;
-    if (++NH[g] > HISTORY[g].made) addFit(g);
-    changed = true;
-  }
-  return changed;
-}
-
-bool canImprove(int limit, const GroupInts& NH) {
-  for (int g = 1; g <= FITMODEL.NGROUP; ++g) {
-    const GroupFits& H = HISTORY[g];
-    if (H.made < limit && H.fits[NH[g]].error > 0) return true;
-    for (int N = NH[g] + 1; N <= H.made; ++N) {
-      if (H.fits[N].error < H.fits[NH[g]].error) return true;
-    }
-  }
-  return false;
-}
-
-double groupError(int g, int n) { return HISTORY[g].fits[n].error; }
-
 void takeGroupFits(const GroupInts& NH, PoleSet& S) {
   for (int g = 1; g <= FITMODEL.NGROUP; ++g) {
     const GroupFit& fit = HISTORY[g].fits[NH[g]];
+    S.groups = FITMODEL.NGROUP;
     S.NH[g] = NH[g];
-    FITMODEL.TAU[g] = fit.tau;
+    S.TAU[g] = fit.tau;
     std::copy_n(fit.P.data(), NH[g], S.HPOLE[g].data());
   }
 }
 
-void storeGroupCurves(const GroupInts& NH) {
+double groupError(int g, const PoleSet& S) {
   const FrequencyGrid& G = SOLVEDATA.grid;
-  for (int g = 1; g <= FITMODEL.NGROUP; ++g) {
-    ComplexCurve& bare = FITTED.GROUP.curve(g);
-    PoleTable poles = HISTORY[g].fits[NH[g]].P;
-    takeDelayOut(groupCurve(g), FITMODEL.TAU[g], G.WFREQ, G.NFUSE, bare);
-    FitSamples Q = samplesOf(g);
-    Q.F = &bare;
-    VFITPASSES(0, Q, NH[g], poles, &settled.model, settled.errors);
-    std::copy_n(settled.model.FIT.steps, G.NFUSE, FITTED.GROUPFIT.curve(g).steps);
-  }
+  ComplexCurve& bare = FITTED.GROUP.curve(g);
+  PoleTable poles = S.HPOLE[g];
+  takeDelayOut(groupCurve(g), S.TAU[g], G.WFREQ, G.NFUSE, bare);
+  FitSamples Q = samplesOf(g);
+  Q.F = &bare;
+  VFITPASSES(0, Q, S.NH[g], poles, &settled.model, settled.errors);
+  std::copy_n(settled.model.FIT.steps, G.NFUSE, FITTED.GROUPFIT.curve(g).steps);
+  return settled.errors.ERRMAX;
 }
 
 } // namespace lcp

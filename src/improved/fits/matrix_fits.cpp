@@ -1,7 +1,8 @@
-// The poles are those of the trace, relocated until its error stops decreasing. If no number of
-// poles meets the target, the best one tried is used.
+// The poles are those that fit all elements best. Of all numbers of poles tried the best counts
+// when none meets the target.
 #include "improved/fits/matrix_fits.h"
 
+#include "base/big_store.h"
 #include "base/constants.h"
 #include "base/finite.h"
 #include "fit/dc_pole.h"
@@ -11,8 +12,9 @@
 #include "fit/fit_store.h"
 #include "fit/matrix_fit.h"
 #include "fit/series_fit.h"
+#include "fit/vector_fit.h"
 #include "improved/fits/between_points.h"
-#include "improved/fits/settled_fit.h"
+#include "improved/fits/grown_matrix.h"
 #include "store/rundata.h"
 
 #include <algorithm>
@@ -23,103 +25,11 @@ namespace lcp {
 
 namespace {
 
-constexpr int FEWPASSES = 3;
-constexpr double SEENJUMP = 0.2; // a jump to warn of, relative to the largest allowed error of H
+constexpr double SEENJUMP = 0.2; // of the largest error of H that is allowed: a jump to warn of
 
-using Samples = CurveMatrix<Complex, MAXFREQ>;
-
-double peakOf(const Samples& F, int NS) {
-  LargestModulus peak;
-  for (int j = 1; j <= RUNDATA.line.NC; ++j) {
-    for (int i = 1; i <= RUNDATA.line.NC; ++i) {
-      for (int k = 1; k <= NS; ++k) peak.take(F(k, i, j));
-    }
-  }
-  return peak;
-}
-
-// Largest deviation between the points, relative to the largest magnitude at the points.
-double errorBetween(const MatrixFit& Q, const Samples& F, int N) {
-  static ComplexCurve model;
-  static PoleCurves u;
-  poleCurves(Q.P, N, BETWEEN.WFREQ, BETWEEN.NB, u);
-  LargestModulus most;
-  for (int j = 1; j <= RUNDATA.line.NC; ++j) {
-    for (int i = 1; i <= RUNDATA.line.NC; ++i) {
-      const double E = Q.E == nullptr ? 0.0 : (*Q.E)(i, j);
-      partialFractionCurve(u, Q.R(i, j), N, Q.D(i, j), E, BETWEEN.WFREQ, BETWEEN.NB, model);
-      for (int k = 1; k <= BETWEEN.NB; ++k) most.take(model[k] - F(k, i, j));
-    }
-  }
-  const double peak = peakOf(Q.F, SOLVEDATA.grid.NFUSE);
-  return peak > 0 ? most / peak : most;
-}
-
-double wholeError(const MatrixFit& Q, const Samples& between, int N) {
-  return larger(modelError(Q, N), errorBetween(Q, between, N));
-}
-
-// Copies the elements below the diagonal to those above, as in the model file.
-void mirrorLower(const MatrixFit& Q, int N) {
-  for (int c = 1; c <= RUNDATA.line.NC; ++c) {
-    for (int r = c + 1; r <= RUNDATA.line.NC; ++r) {
-      std::copy_n(Q.R(r, c).data(), N, Q.R(c, r).data());
-      Q.D(c, r) = Q.D(r, c);
-    }
-  }
-}
-
-// Fits the residues over N given poles and returns the error.
-double fitElements(const MatrixFit& Q, const Samples& between, int N) {
-  fitResidues(Q, N);
-  if (Q.E == nullptr) mirrorLower(Q, N);
-  return wholeError(Q, between, N);
-}
-
-FitSamples traceSamples(const MatrixFit& Q, const ComplexCurve& trace) {
-  const FrequencyGrid& G = SOLVEDATA.grid;
-  const int ASYMP = Q.E == nullptr ? WITHCONSTANT : WITHPROPORTION;
-  return {G.NFUSE, 1, G.WFREQ, &trace, G.WFIT, FLIPUNSTABLE, ASYMP};
-}
-
-struct BestFit {
-  MatrixFitResult fit{};
-  PoleTable poles;
-};
-
-// Fits the elements over the current N poles and keeps them if they are better.
-void tryPoles(const MatrixFit& Q, const Samples& between, int N, BestFit& best) {
-  const double ERR = fitElements(Q, between, N);
-  if (best.fit.N != 0 && !(ERR < best.fit.ERR)) return;
-  best.fit = {N, ERR};
-  std::copy_n(Q.P.data(), N, best.poles.data());
-}
-
-// The poles that fit the trace best need not fit the elements best, especially with prescribed
-// values at zero frequency, so poles after only a few passes are tried too.
-MatrixFitResult growMatrix(const MatrixFit& Q, const Samples& between, int limit, double TARGET) {
-  static SettledFit fit;
-  static BestFit best;
-  const FrequencyGrid& G = SOLVEDATA.grid;
-  const FitSamples samples = traceSamples(Q, formTrace(Q));
-  best.fit = {};
-  for (int N = 1; best.fit.N == 0 || (best.fit.ERR > TARGET && N <= limit); ++N) {
-    startingPoles(Q.P, N, G.WFREQ[1], G.WFREQ[G.NFUSE]);
-    SETTLE(samples, {0, G.WFREQ, nullptr}, N, 0.0, Q.P, fit);
-    tryPoles(Q, between, N, best);
-    if (best.fit.ERR <= TARGET) break;
-    startingPoles(Q.P, N, G.WFREQ[1], G.WFREQ[G.NFUSE]);
-    RELOCATE(FEWPASSES, samples, N, Q.P);
-    tryPoles(Q, between, N, best);
-  }
-  std::copy_n(best.poles.data(), best.fit.N, Q.P.data());
-  best.fit.ERR = fitElements(Q, between, best.fit.N);
-  return best.fit;
-}
-
-// Adds the real pole that takes up the difference to the DC values and returns 0. If this raises
-// the error above the target, the model is left unchanged and that error is returned.
-double closeAtZero(const MatrixFit& Q, const RealMatrix& DC, double TARGET, MatrixFitResult& fit) {
+// Adds the real pole that takes up the difference to the DC values. False when that lifts the error
+// above the one asked for.
+bool closeAtZero(const MatrixFit& Q, const RealMatrix& DC, double TARGET, MatrixFitResult& fit) {
   const double a = dcPole(slowestOf(Q.P, fit.N));
   const int N = fit.N + 1;
   Q.P[N] = a;
@@ -131,12 +41,9 @@ double closeAtZero(const MatrixFit& Q, const RealMatrix& DC, double TARGET, Matr
   }
   mirrorLower(Q, N);
   const double ERR = wholeError(Q, BETWEEN.YC, N);
-  if (ERR <= std::max(TARGET, fit.ERR)) {
-    fit = {N, ERR};
-    return 0.0;
-  }
-  fit.ERR = wholeError(Q, BETWEEN.YC, fit.N);
-  return ERR;
+  if (!(ERR <= std::max(TARGET, fit.ERR))) return false;
+  fit = {N, ERR};
+  return true;
 }
 
 void warnOfSamples(const PhaseSampling& found, double target) {
@@ -152,25 +59,40 @@ void warnOfSamples(const PhaseSampling& found, double target) {
   }
 }
 
+MatrixFit admittance(const RealMatrix* DC) {
+  return {SOLVEDATA.second.YCST,
+          0,
+          FITMODEL.YPOLE,
+          FITMODEL.YRES,
+          FITMODEL.YD,
+          nullptr,
+          FITTED.YC,
+          DC,
+          nullptr};
+}
+
+// Where a pole of its own spoils the fit behind it, the fit has to know of the DC values; the error
+// of one that spoils it as well, and is left out.
+double correctAdmittance(const AdmittanceWish& wish, const RealMatrix& YDC, MatrixFitResult& fit) {
+  const int limit = std::min(wish.limit, NPMAX);
+  if (closeAtZero(admittance(nullptr), YDC, wish.target, fit)) return 0.0;
+  const double allowed = std::max(wish.target, fit.ERR);
+  fit = GROWMATRIX(admittance(&YDC), BETWEEN.YC, limit, wish.target);
+  if (fit.ERR <= allowed) return 0.0;
+  const double refused = fit.ERR;
+  fit = GROWMATRIX(admittance(nullptr), BETWEEN.YC, limit, wish.target);
+  return refused;
+}
+
 void settleAdmittance(const AdmittanceWish& wish) {
   static RealMatrix YDC, HDC;
-  const int limit = std::min(wish.limit, NPMAX);
-  const bool constrained = wish.dcType == DCCONSTRAINED;
   if (wish.dcType >= DCCONSTRAINED) DCVALUES(YDC, HDC);
-  const MatrixFit Q{SOLVEDATA.second.YCST,
-                    0,
-                    FITMODEL.YPOLE,
-                    FITMODEL.YRES,
-                    FITMODEL.YD,
-                    nullptr,
-                    FITTED.YC,
-                    constrained ? &YDC : nullptr,
-                    nullptr};
-  MatrixFitResult fit = growMatrix(Q, BETWEEN.YC, limit, wish.target);
+  MatrixFitResult fit = GROWMATRIX(admittance(wish.dcType == DCCONSTRAINED ? &YDC : nullptr),
+                                   BETWEEN.YC, std::min(wish.limit, NPMAX), wish.target);
   if (!std::isfinite(fit.ERR)) {
     refuseFit("The Fit of the Characteristic Admittance gives no Finite Numbers!");
   }
-  const double refused = wish.dcType == DCEXTRAPOLE ? closeAtZero(Q, YDC, wish.target, fit) : 0.0;
+  const double refused = wish.dcType == DCEXTRAPOLE ? correctAdmittance(wish, YDC, fit) : 0.0;
   FITMODEL.NPY = fit.N;
   reportAdmittance(wish, fit.ERR, fit.N);
   if (refused > 0) warnOfRefusedCorrection("Yc", refused);
@@ -196,7 +118,7 @@ void fitSeriesImproved() {
   sampleSeriesBetween();
   JPVT.fill(0);
   const MatrixFitResult fit =
-      growMatrix({SOLVEDATA.at.ZSTORE, 0, M.ZFP, M.ZFR, M.ZFD, &M.ZFE, M.ZFIT, nullptr, &JPVT},
+      GROWMATRIX({SOLVEDATA.at.ZSTORE, 0, M.ZFP, M.ZFR, M.ZFD, &M.ZFE, M.ZFIT, nullptr, &JPVT},
                  BETWEEN.Z, limit, TARGET);
   M.NPZ = fit.N;
   reportSeries(limit, TARGET, fit.ERR, fit.N);

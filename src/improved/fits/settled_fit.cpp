@@ -1,18 +1,23 @@
-// Each number of poles starts from poles evenly spaced in the logarithm. A pass that is not the
-// best so far may still lead to a better one, so relocation ends after several passes without
-// improvement.
+// Each number of poles starts from complex poles spread over the logarithm, and once more from real
+// ones where those do not lead to the target: a few passes of relaxed vector fitting find out how
+// many pairs there are and where, steps of MOVEPOLES bring poles and delay to the least sum of
+// squares, which relocation need not end at.
 //
 // Two adjacent poles with huge opposite residues represent a single one: their sum is a difference
 // of large numbers, which neither 12 digits nor the simulator's time step can represent. They are
 // merged, and the residues are computed again.
 #include "improved/fits/settled_fit.h"
 
+#include "base/big_store.h"
 #include "base/console.h"
 #include "base/constants.h"
 #include "base/finite.h"
 #include "base/number_forms.h"
 #include "fit/delay_search.h"
 #include "fit/fit_console.h"
+#include "improved/fits/moved_poles.h"
+#include "improved/fits/pole_choice.h"
+#include "improved/fits/relaxed_fit.h"
 
 #include <algorithm>
 #include <cmath>
@@ -24,28 +29,21 @@ namespace lcp {
 
 namespace {
 
-constexpr int MOSTPASSES = 20; // of a relocation
-constexpr int IDLEPASSES = 3;  // successive passes without improvement that end it
-constexpr int IDLETRIAL = 2;   // ... when trying another delay
-constexpr double GAIN = 0.98;  // error relative to the best so far that counts as an improvement
-constexpr int MOSTDELAYS = 12; // tried around the rough delay
-constexpr double LEASTPHASE = 0.2; // rotation by a delay step at the highest frequency, degrees
-constexpr double DELAYUP = 1.2;    // bounds of a search relative to the first delay
+constexpr int PASSES = 5;       // of relaxed vector fitting
+constexpr int STEPS = 15;       // of poles and delay
+constexpr double DELAYUP = 1.2; // bounds of a delay over the first one
 constexpr double DELAYLOW = 0.8;
-constexpr double FIRSTSTEP = -0.5;  // of a search, relative to the correction of the delay
-constexpr double REFINING = 0.0625; // first step around the rough delay, relative to the rough step
-constexpr double CLOSE = 1e-2;      // distance of two poles relative to their size
-constexpr double HUGE = 1e3;        // residue over pole and largest magnitude of the function
-constexpr double OPPOSITE = 0.1;    // sum of two residues relative to one of them
-constexpr double REFINABLE = 2.5;   // error over its target that small delay steps can correct
-constexpr double HOPELESS = 1.5; // error of a delay relative to the best so far, after a few passes
-constexpr int FEWPASSES = 2;
-constexpr int ROUGHPASSES = 3; // per iteration of the rough search
+constexpr double NEARLYONE = 1.1; // quotient of two real poles that are a pair rather
+constexpr double CLOSE = 1e-2;    // distance of two poles over their size
+constexpr double HUGE = 1e3;      // residue over pole and the largest magnitude of the function
+constexpr double OPPOSITE = 0.1;  // sum of two residues over one of them
 constexpr double NOFIT = std::numeric_limits<double>::infinity();
 constexpr int DIGITS = 12; // of a number in a mode model file
 constexpr int FIELD = 40;  // characters, more than a number needs
 
 ComplexCurve curve;
+PoleTargets& TARGETS = bigStore<PoleTargets>();
+PoleSet& SET = bigStore<PoleSet>();
 
 double largestOf(const ComplexCurve& F, int n) {
   LargestModulus most;
@@ -65,35 +63,15 @@ double betweenError(const BetweenCurve& B, const PoleTable& P, const FunctionFit
   return B.NB == 0 ? 0.0 : deviation(B.WFREQ, *B.F, B.NB, P, M.R, N, M.D);
 }
 
-// Runs the given number of passes, or only the residue fit for 0, and returns the error.
-double fitOnce(int passes, const FitSamples& Q, const BetweenCurve& between, int N,
-               PoleTable& POLES, SettledFit& FIT) {
-  VFITPASSES(passes, Q, N, POLES, &FIT.model, FIT.errors);
+// Residues over the poles; the error.
+double fitOver(const FitSamples& Q, const BetweenCurve& between, int N, PoleTable& POLES,
+               SettledFit& FIT) {
+  VFITPASSES(0, Q, N, POLES, &FIT.model, FIT.errors);
   FIT.ERR = larger(FIT.errors.ERRMAX, betweenError(between, POLES, FIT.model, N));
   return FIT.ERR;
 }
 
-// Like SETTLE, but ends early if the error stays above HOPELESS times another one, `beaten`.
-double settle(const FitSamples& Q, const BetweenCurve& between, int N, double TARGET, double beaten,
-              PoleTable& POLES, SettledFit& FIT) {
-  const int most = beaten < NOFIT ? IDLETRIAL : IDLEPASSES;
-  PoleTable poles = POLES;
-  double best = NOFIT;
-  bool last = false; // whether the last pass is the best one
-  for (int pass = 1, idle = 0; pass <= MOSTPASSES && idle < most && !(best <= TARGET); ++pass) {
-    const double ERR = fitOnce(1, Q, between, N, poles, FIT);
-    idle = ERR < GAIN * best ? 0 : idle + 1;
-    last = ERR < best;
-    if (last) {
-      best = ERR;
-      std::copy_n(poles.data(), N, POLES.data());
-    }
-    if (pass >= FEWPASSES && best > HOPELESS * beaten) break;
-  }
-  return last ? best : fitOnce(0, Q, between, N, POLES, FIT);
-}
-
-// Position of the second of two poles that represent one; 0 if there are none.
+// Where the second of two poles stands that should be one; 0 when there are none.
 int closePair(const PoleTable& P, const PoleTable& R, int N, double peak) {
   for (int m = 2; m <= N; ++m) {
     const bool close = std::abs(P[m] - P[m - 1]) <= CLOSE * std::abs(P[m]);
@@ -114,7 +92,7 @@ double mergePairs(const FitSamples& Q, const BetweenCurve& between, int& N, Pole
   const double peak = largestOf(*Q.F, Q.NS);
   while (const int m = closePair(POLES, FIT.model.R, N, peak)) {
     mergeAt(m, POLES, N);
-    fitOnce(0, Q, between, N, POLES, FIT);
+    fitOver(Q, between, N, POLES, FIT);
   }
   return FIT.ERR;
 }
@@ -145,7 +123,7 @@ void finish(const RationalFit& FIT) {
 void takeMerged(const FitSamples& Q, const BetweenCurve& between, int N, PoleTable& POLES,
                 SettledFit& fit, RationalFit& FIT) {
   FIT.N = N;
-  fitOnce(0, Q, between, N, POLES, fit);
+  fitOver(Q, between, N, POLES, fit);
   mergePairs(Q, between, FIT.N, POLES, fit);
   takeAsWritten(Q, between, POLES, fit.model, FIT);
 }
@@ -175,42 +153,52 @@ BetweenCurve bareBetween(const BetweenCurve& B, double tau) {
   return {B.NB, B.WFREQ, &bareMiddles};
 }
 
-struct DelayTrial {
-  const FitSamples& Q;
-  const BetweenCurve& between;
-  int N;
-  double TARGET;
-  double best; // error
-  double& tau; // its delay, s
-  PoleTable& POLES;
-  SettledFit& FIT;
-};
-
-// Fits with delay t from the best poles so far; returns true if the fit becomes the best.
-bool tryDelay(DelayTrial& T, double t) {
-  static SettledFit fit;
-  if (t == T.tau && T.best < NOFIT) return false;
-  PoleTable poles = T.POLES;
-  const double ERR =
-      settle(bareSamples(T.Q, t), bareBetween(T.between, t), T.N, T.TARGET, T.best, poles, fit);
-  if (!(ERR < T.best)) return false;
-  T.best = ERR;
-  T.tau = t;
-  std::copy_n(poles.data(), T.N, T.POLES.data());
-  T.FIT = fit;
-  return true;
+PoleFrame frameOf(const FitSamples& Q) {
+  return {Q.ASYMP != NOASYMPTOTE, Q.ASYMP == WITHPROPORTION, false, false};
 }
 
-// The delay with the least root mean square error, searched from tau on, and poles for it.
-void roughDelay(const FitSamples& Q, int N, const DelayRange& range, double& tau,
-                PoleTable& POLES) {
-  static FunctionFit model;
-  FitErrors errors{};
-  DelayTable tried{};
-  DelaySearch search{tau, range.step, NOFIT, range.up, range.low};
-  startingPoles(POLES, N, Q.WFREQ[1], Q.WFREQ[Q.NS]);
-  SEARCHDELAY(search, tried, Q, N, POLES, model, errors, ROUGHPASSES);
-  tau = search.tau;
+void takeTarget(const FitSamples& Q) {
+  beginTargets(TARGETS, Q.NS, Q.WFREQ, Q.WFIT, 1);
+  addTarget(TARGETS, 1, Q.F->steps);
+}
+
+// Poles of the target from those of the set, with a delay that may move within the range.
+void settleSet(const PoleFrame& frame, int N, const DelayRange& range) {
+  SET.groups = 1;
+  SET.NH[1] = N;
+  for (int pass = 1; pass <= PASSES; ++pass)
+    RELOCATERELAXED(TARGETS, frame, SET.TAU[1], N, SET.HPOLE[1]);
+  MOVEPOLES(TARGETS, frame, STEPS, SET);
+  if (PAIRUP(SET, NEARLYONE)) MOVEPOLES(TARGETS, frame, STEPS, SET);
+  SET.TAU[1] = std::clamp(SET.TAU[1], range.low, range.up);
+}
+
+enum class Start { Complex, Real };
+
+// Settles N poles and, where the range is one, the delay; keeps what is better than the error at
+// hand.
+double trySettling(const FitSamples& Q, const BetweenCurve& between, int N, Start start,
+                   const DelayRange& range, double ERR, double& tau, PoleTable& POLES,
+                   SettledFit& FIT) {
+  static SettledFit fit;
+  PoleFrame frame = frameOf(Q);
+  frame.delays = range.up > range.low;
+  if (start == Start::Complex) {
+    spreadPoles(SET.HPOLE[1], N, Q.WFREQ[1], Q.WFREQ[Q.NS]);
+  } else {
+    startingPoles(SET.HPOLE[1], N, Q.WFREQ[1], Q.WFREQ[Q.NS]);
+  }
+  SET.TAU[1] = tau;
+  settleSet(frame, N, range);
+  const double t = SET.TAU[1];
+  const double error =
+      frame.delays ? fitOver(bareSamples(Q, t), bareBetween(between, t), N, SET.HPOLE[1], fit)
+                   : fitOver(Q, between, N, SET.HPOLE[1], fit);
+  if (!(error < ERR) && ERR < NOFIT) return ERR;
+  FIT = fit;
+  tau = t;
+  std::copy_n(SET.HPOLE[1].data(), N, POLES.data());
+  return error;
 }
 
 } // namespace
@@ -221,12 +209,25 @@ double asWritten(double x) {
   return std::strtod(field, nullptr);
 }
 
-bool worthRefining(double ERR, double TARGET) { return ERR > 0 && ERR <= REFINABLE * TARGET; }
-
 double SETTLE(const FitSamples& Q, const BetweenCurve& between, int N, double TARGET,
               PoleTable& POLES, SettledFit& FIT) {
-  return settle(Q, between, N, TARGET, NOFIT, POLES, FIT);
+  double tau = 0;
+  return SETTLEDELAY(Q, between, N, TARGET, {0, 0}, tau, POLES, FIT);
 }
+
+double SETTLEDELAY(const FitSamples& Q, const BetweenCurve& between, int N, double TARGET,
+                   const DelayRange& range, double& tau, PoleTable& POLES, SettledFit& FIT) {
+  const double first = tau;
+  takeTarget(Q);
+  const double ERR = trySettling(Q, between, N, Start::Complex, range, NOFIT, tau, POLES, FIT);
+  if (ERR <= TARGET || N == 1) return ERR;
+  double other = first;
+  const double least = trySettling(Q, between, N, Start::Real, range, ERR, other, POLES, FIT);
+  if (least < ERR) tau = other;
+  return least;
+}
+
+DelayRange delayRange(double tau) { return {DELAYLOW * tau, DELAYUP * tau}; }
 
 void GROWSETTLED(const FitSamples& Q, const BetweenCurve& between, int NMAX, double TARGET,
                  RationalFit& FIT) {
@@ -236,7 +237,6 @@ void GROWSETTLED(const FitSamples& Q, const BetweenCurve& between, int NMAX, dou
   PoleTable poles;
   FIT.N = 0;
   for (int N = 1; FIT.N == 0 || (FIT.ERR > TARGET && N <= std::min(NMAX, NPMAX)); ++N) {
-    startingPoles(poles, N, Q.WFREQ[1], Q.WFREQ[Q.NS]);
     SETTLE(Q, between, N, aim, poles, fit);
     takeMerged(Q, between, N, poles, fit, candidate);
     takeBetter(candidate, FIT);
@@ -244,49 +244,17 @@ void GROWSETTLED(const FitSamples& Q, const BetweenCurve& between, int NMAX, dou
   finish(FIT);
 }
 
-double ROUGHDELAY(const FitSamples& Q, const BetweenCurve& between, int N, double TARGET,
-                  const DelayRange& range, double& tau, PoleTable& POLES, SettledFit& FIT) {
-  DelayTrial trial{Q, between, N, TARGET, NOFIT, tau, POLES, FIT};
-  roughDelay(Q, N, range, tau, POLES);
-  tryDelay(trial, tau);
-  return trial.best;
-}
-
-double REFINEDELAY(const FitSamples& Q, const BetweenCurve& between, int N, double TARGET,
-                   double ERR, const DelayRange& range, double& tau, PoleTable& POLES,
-                   SettledFit& FIT) {
-  const double least = LEASTPHASE * PI / 180.0 / std::max(Q.WFREQ[1], Q.WFREQ[Q.NS]);
-  DelayTrial trial{Q, between, N, TARGET, ERR, tau, POLES, FIT};
-  double step = REFINING * range.step;
-  for (int tried = 1; tried < MOSTDELAYS && trial.best > TARGET && std::fabs(step) > least;) {
-    const double centre = tau;
-    ++tried;
-    if (tryDelay(trial, std::clamp(centre + step, range.low, range.up))) continue;
-    ++tried;
-    step = -step;
-    if (tryDelay(trial, std::clamp(centre + step, range.low, range.up))) continue;
-    step *= 0.5;
-  }
-  return trial.best;
-}
-
-DelayRange delayRange(double tau, double correction) {
-  return {DELAYLOW * tau, DELAYUP * tau, FIRSTSTEP * correction};
-}
-
 double DELAYSETTLED(const FitSamples& Q, const BetweenCurve& between, const BodeDelay& first,
                     int NMAX, double TARGET, RationalFit& FIT) {
   static SettledFit fit;
   static RationalFit candidate;
   const double aim = TARGET * largestOf(*Q.F, Q.NS);
-  const DelayRange range = delayRange(first.TAU, first.CORR);
-  double tau = first.TAU, best = tau;
+  double best = first.TAU;
   PoleTable poles;
   FIT.N = 0;
   for (int N = 1; FIT.N == 0 || (FIT.ERR > TARGET && N <= std::min(NMAX, NPMAX)); ++N) {
-    tau = first.TAU;
-    const double ERR = ROUGHDELAY(Q, between, N, aim, range, tau, poles, fit);
-    if (worthRefining(ERR, aim)) REFINEDELAY(Q, between, N, aim, ERR, range, tau, poles, fit);
+    double tau = first.TAU;
+    SETTLEDELAY(Q, between, N, aim, delayRange(tau), tau, poles, fit);
     const double written = asWritten(INMILLI * tau) / INMILLI;
     takeMerged(bareSamples(Q, written), bareBetween(between, written), N, poles, fit, candidate);
     if (takeBetter(candidate, FIT)) best = written;

@@ -21,33 +21,22 @@ struct SettledFit {
   double ERR;       // largest deviation, at the fit points and between them
 };
 
-// Relocates the N poles POLES of one function Q until the error stops decreasing or is at most
-// TARGET. POLES and FIT are the best poles found and their fit. Returns the error.
+// Finds N poles of one function Q and the fit over them. Goes on looking where the error, which is
+// returned, is above TARGET.
 double SETTLE(const FitSamples& Q, const BetweenCurve& between, int N, double TARGET,
               PoleTable& POLES, SettledFit& FIT);
 
 // Search range of a delay, s.
 struct DelayRange {
-  double low, up, step; // step: first step, signed
+  double low, up;
 };
 
-// The usual range around a first delay with its minimum-phase part.
-DelayRange delayRange(double tau, double correction);
+// The usual one, around a first delay.
+DelayRange delayRange(double tau);
 
-// Searches the delay of the function Q, whose curves still include it, that N poles fit best, like
-// SEARCHDELAY starting from tau, and settles its poles. Sets delay, poles and fit; returns the
-// error.
-double ROUGHDELAY(const FitSamples& Q, const BetweenCurve& between, int N, double TARGET,
-                  const DelayRange& range, double& tau, PoleTable& POLES, SettledFit& FIT);
-
-// Continues from the results of ROUGHDELAY and its error ERR: small delay steps in both directions,
-// halved if neither is better, each with settled poles, until the error is at most TARGET.
-double REFINEDELAY(const FitSamples& Q, const BetweenCurve& between, int N, double TARGET,
-                   double ERR, const DelayRange& range, double& tau, PoleTable& POLES,
-                   SettledFit& FIT);
-
-// Whether small steps of the delay can bring an error down to the target.
-bool worthRefining(double ERR, double TARGET);
+// The same of a function with the delay still in its curves, from the delay tau on, which is moved.
+double SETTLEDELAY(const FitSamples& Q, const BetweenCurve& between, int N, double TARGET,
+                   const DelayRange& range, double& tau, PoleTable& POLES, SettledFit& FIT);
 
 // Finds the smallest number of poles, from 1 on, that meets TARGET with the numbers as written to a
 // mode model file; if none up to NMAX does, the best fit found. Arguments and console line are

@@ -1,7 +1,8 @@
 // The way from one step to the next runs over the logarithm of the frequency, x from 0 to 1. A part
-// that does not give an unambiguous assignment is halved. At the shortest part the best assignment
-// is accepted: two modes then exchange their vectors within less than 1 % of the frequency, and
-// each continues as before.
+// of it that does not lead to a clear assignment is halved, and so is one that is long: over
+// decades two modes can turn into each other, and what looks clear is the exchange. At the least
+// way the best assignment is taken: there two modes exchange their vectors within less than 1 % of
+// the frequency, and each goes on as the one it was before.
 #include "improved/modes/subspace_walk.h"
 
 #include "base/big_store.h"
@@ -13,6 +14,7 @@
 #include "modal/report_modes.h"
 #include "store/rundata.h"
 #include "store/solvedata.h"
+#include "store/yz_table.h"
 
 #include <algorithm>
 #include <cmath>
@@ -22,8 +24,9 @@ namespace lcp {
 
 namespace {
 
-constexpr double LEASTWAY = 0.004; // decades of frequency, 0.9 %
-constexpr double SAMESIZE = 1e-9;  // elements closer than this count as equally large
+constexpr double LEASTWAY = 0.004; // decades of the frequency, 0.9 %
+constexpr double MOSTWAY = 0.125;  // decades that are gone at once: a decade in eight parts
+constexpr double SAMESIZE = 1e-9;  // elements that differ by less are equally large
 constexpr double LARGEENOUGH = 0.5;
 
 constexpr double STRAIGHT = 0.1; // decades up to which line constants are interpolated linearly
@@ -117,7 +120,7 @@ void walkTo(int k, const Way& way, int n) {
     const Station& next = WAY.ahead[left];
     standAt(next, n);
     const bool clearly = followSubspaces(frame, next.modes, n);
-    if (!clearly && way.decades(next.x - WAY.behind.x) > LEASTWAY) {
+    if (way.decades(next.x - WAY.behind.x) > (clearly ? MOSTWAY : LEASTWAY)) {
       Station& middle = WAY.ahead[++left];
       halfWay(middle, WAY.behind, next, k, way, n);
       findModes(middle.modes, n);
@@ -202,6 +205,14 @@ int nearestStep(double f) {
   return best;
 }
 
+// Rows of a table stand at frequencies of their own, whatever those of a Bergeron line are.
+Way wayTo(int k, int from) {
+  const FrequencyGrid& G = SOLVEDATA.grid;
+  const auto& F = YZTABLE.FTABLE;
+  if (!RUNDATA.run.fromTable() || !(F[from] > 0 && F[k] > 0)) return {G.LOGF[from], G.LOGF[k]};
+  return {std::log10(F[from]), std::log10(F[k])};
+}
+
 void takeStep(int k) {
   beginStep(k);
   const int& n = RUNDATA.line.NC; // set with the constants of the first step
@@ -215,7 +226,7 @@ void takeStep(int k) {
       loadFrame(from, n);
       constantsAtStep(from, SOLVEDATA.grid.FREQ[from], Place::AtTheStep);
     }
-    walkTo(k, {SOLVEDATA.grid.LOGF[from], SOLVEDATA.grid.LOGF[k]}, n);
+    walkTo(k, wayTo(k, from), n);
   }
   storeStep(k, n);
   if (k == SOLVEDATA.grid.NFREQ) chooseTurningRows(n);

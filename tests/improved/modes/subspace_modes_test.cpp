@@ -2,13 +2,17 @@
 #include "improved/modes/subspace_modes.h"
 
 #include "improved/modes/assignment.h"
+#include "improved/modes/forward_waves.h"
+#include "improved/modes/subspace_walk.h"
 #include "kernels/matrix_kernels.h"
 #include "modal/first_loop.h"
+#include "modal/frequency_grid.h"
 #include "modal/line_constants.h"
 #include "modal/report_modes.h"
 #include "modal/second_loop.h"
 #include "run/methods.h"
 #include "store/rundata.h"
+#include "store/yz_table.h"
 #include "support/console_capture.h"
 #include "support/description.h"
 #include "support/overhead_lines.h"
@@ -186,6 +190,79 @@ TEST(SubspaceModes, TheConstantTransformStepContinuesItsNeighbour) {
     const Dense share = product(inverse(X), Y);
     for (std::size_t m = 0; m < X.size(); ++m)
       EXPECT_GT(std::abs(share[m][m]), 0.9) << f << ' ' << m;
+  }
+}
+
+// The number of the mode at step k that has this eigenvalue.
+int modeWith(Complex eigenvalue, int k) {
+  int best = 1;
+  for (int i = 2; i <= RUNDATA.line.NC; ++i) {
+    if (std::abs(SOLVEDATA.at.MEIG(k, i) - eigenvalue) <
+        std::abs(SOLVEDATA.at.MEIG(k, best) - eigenvalue))
+      best = i;
+  }
+  return best;
+}
+
+// Modes that turn into each other over three decades are the same as over a hundred steps.
+TEST(SubspaceModes, FollowALongWayAsAFineGrid) {
+  const std::string range = "Curve Fitting Start Frequency: 10\nCurve Fitting End Frequency: 1E4\n";
+  solveFirstLoop(nearlyMirrored() + bergeronModel("Frequency for Loss Approximation: 10\n") +
+                 IMPROVED);
+  RUNDATA.line.SSFREQ = 1e4;
+  layGrid();
+  firstFrequencyLoopImproved();
+  ModeComplex low, high;
+  for (int i = 1; i <= 6; ++i) {
+    low[i] = SOLVEDATA.at.MEIG(1, i);
+    high[i] = SOLVEDATA.at.MEIG(2, i);
+  }
+  solveFirstLoop(nearlyMirrored() + phaseModel(range) + IMPROVED);
+  for (int i = 1; i <= 6; ++i) {
+    const int mode = modeWith(low[i], 6); // behind five points below the range
+    EXPECT_LT(std::abs(SOLVEDATA.at.MEIG(106, mode) / high[i] - 1.0), 1e-9) << i;
+  }
+}
+
+// The rows of a table stand where they stand, whatever the frequencies of the Bergeron line are.
+TEST(SubspaceModes, TheWayBetweenRowsOfATableLeadsFromOneToTheOther) {
+  const auto solve = [](double loss, double steady) {
+    RUNDATA.bergeron.FLOSS = loss;
+    RUNDATA.line.SSFREQ = steady;
+    layGrid();
+    firstFrequencyLoopImproved();
+  };
+  solveFirstLoop(nearlyMirrored() + bergeronModel() + IMPROVED);
+  solve(10, 1000);
+  static LineMatrix Y, Z;
+  YZTABLE.order = 6;
+  YZTABLE.rows = 2;
+  YZTABLE.YTABLE.map(6);
+  YZTABLE.ZTABLE.map(6);
+  for (int k = 1; k <= 2; ++k) {
+    YZTABLE.FTABLE[k] = SOLVEDATA.grid.FREQ[k];
+    SOLVEDATA.at.YSTORE.load(k, Y, 6);
+    SOLVEDATA.at.ZSTORE.load(k, Z, 6);
+    YZTABLE.YTABLE.store(k, Y, 6);
+    YZTABLE.ZTABLE.store(k, Z, 6);
+  }
+  RUNDATA.run.DATAFMT = ROUTEMULTIPLE;
+  solve(10, 1000);
+  const Dense own = stepOf(SOLVEDATA.at.MTI, 2);
+  solve(5000, 5e4);
+  EXPECT_LT(distance(own, stepOf(SOLVEDATA.at.MTI, 2)), 1e-9);
+}
+
+// What a mode gains the model has it lose: its surge impedance is that of the line that does.
+TEST(SubspaceModes, AModeWithGainHasTheSurgeImpedanceOfOneThatLosesAsMuch) {
+  const Complex YM(0, 3e-9);
+  for (const double r : {1e-6, 1e-4, 5e-4}) {
+    const Complex losing = Complex(r, 8e-4) * YM, gamma = std::sqrt(losing);
+    const Complex Zs = forwardSurgeImpedance(YM, Complex(r, 8e-4), losing, gamma);
+    EXPECT_LT(std::abs(Zs - std::sqrt(Complex(r, 8e-4) / YM)), 1e-9 * std::abs(Zs));
+    const Complex gain =
+        forwardSurgeImpedance(YM, Complex(-r, 8e-4), Complex(-r, 8e-4) * YM, gamma);
+    EXPECT_LT(std::abs(gain - Zs), 1e-9 * std::abs(Zs)) << r;
   }
 }
 
