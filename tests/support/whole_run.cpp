@@ -123,9 +123,10 @@ bool rewriteCase(const fs::path& directory) {
     const bool beside = name == "console" || name == "status";
     const fs::path file = (beside ? directory : directory / "expected") / name;
     fs::create_directories(file.parent_path());
-    writeContent(file, isUnread(before[name])
-                           ? before[name]
-                           : blocksCut(text, tolerancesOf(directory / "tolerance", name)));
+    writeContent(file,
+                 isUnread(before[name])
+                     ? before[name]
+                     : blocksCut(text, before[name], tolerancesOf(directory / "tolerance", name)));
   }
   return true;
 }
