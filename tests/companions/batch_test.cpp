@@ -74,10 +74,6 @@ TEST(Batch, FactsAreThoseOfTheConsole) {
       {"console_series",
        "B=0.792439768388E-04 R=0.130149021050E+01 X=0.131442344565E+02 Z=0.1246 warnings=1",
        "WARNING*: The relative fitting error exc"},
-      {"console_enforced",
-       "B=0.316975907355E-03 H=0.9416 R=0.520596084200E+01 X=0.525769378259E+02 Yc=1.934 "
-       "passivity=told: enforced warnings=0",
-       ""},
       {"console_enforced_slowly",
        "B=0.316975907355E-03 H=4.116 R=0.520596084200E+01 X=0.525769378259E+02 Yc=1.934 "
        "passivity=told: enforced warnings=0",
