@@ -9,10 +9,8 @@ top=$(cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.." && pwd)
 cd "$top"
 tools/install_packages.sh lint
 
-fuzz=OFF
-[[ ! -e tests/fuzz/CMakeLists.txt ]] || fuzz=ON
 cmake -S . -B build/lint -G Ninja -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_COMPILER=clang++-14 \
-  -DCORVO_BENCH=ON -DCORVO_FUZZ=$fuzz > /dev/null
+  -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON -DCORVO_BENCH=ON -DCORVO_FUZZ=ON > /dev/null
 
 if [[ $# -gt 0 ]]; then
   cd "$start"
@@ -22,5 +20,5 @@ else
 fi
 # Hides the count of warnings in system headers.
 printf '%s\0' "${files[@]}" |
-  xargs -0 -n 1 -P 2 clang-tidy-14 -p "$top/build/lint" --quiet 2> >(grep -v ' generated\.$' >&2)
+  xargs -0 -n 1 -P "$(nproc)" clang-tidy-14 -p "$top/build/lint" --quiet 2> >(grep -v ' generated\.$' >&2)
 echo "clang-tidy found nothing in ${#files[@]} files"
