@@ -104,6 +104,11 @@ TEST(Inversion, StatusOfWhatIsNoInverse) {
                "Verify Transmission line data", stars, "QUENT Ending!"});
     EXPECT_EQ(r.console, last < 1e-50 ? told : "");
   }
+  Complex x[2];
+  for (double last : {1.01e-20, 0.99e-20}) { // a solve wants larger pivots
+    A(2, 2) = last;
+    EXPECT_EQ(SOLVEJD(x, A, std::array<Complex, 2>{1.0, 1.0}.data(), 2), last > 1e-20);
+  }
 }
 
 TEST(BorderedSystem, VerdictIsThatOfTheFullElimination) {
