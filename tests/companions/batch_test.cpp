@@ -52,9 +52,10 @@ struct Folder {
 
 std::string listed(const CaseList& list) {
   std::string words = list.trouble;
-  for (const BatchCase& c : list.cases)
+  for (const BatchCase& c : list.cases) {
     words += fmt::format("{} {} {} [{}];", c.source.filename().string(), c.length,
                          c.folder.filename().string(), c.arguments);
+  }
   return words;
 }
 

@@ -48,7 +48,7 @@ ModelFile readWhole(const std::string& text) {
     part += lines[k] + "\n";
   }
   EXPECT_NE(parseModelFile(text + " 1.0\n").trouble, "");
-  const ModelFile file = parseModelFile(text);
+  ModelFile file = parseModelFile(text);
   EXPECT_EQ(file.trouble, "");
   return file;
 }

@@ -87,7 +87,10 @@ TEST(Inversion, RandomMatricesOfAnyOrderAndInPlace) {
 TEST(Inversion, StatusOfWhatIsNoInverse) {
   static LineMatrix A, R;
   for (int n : {3, 14}) { // Hilbert's matrix, condition 5e2 and 6e17
-    for (int e = 0; e < n * n; ++e) A(1 + e / n, 1 + e % n) = 1.0 / (e / n + e % n + 1);
+    for (int e = 0; e < n * n; ++e) {
+      const int i = e / n, j = e % n;
+      A(1 + i, 1 + j) = 1.0 / (i + j + 1);
+    }
     EXPECT_EQ(INVCHECKED(R, A, n), n == 3);
   }
   A(1, 1) = std::nan("");
@@ -115,7 +118,8 @@ TEST(BorderedSystem, VerdictIsThatOfTheFullElimination) {
   std::mt19937 random(31);
   for (int n : {1, 2, 3, 7, 20, 49}) {
     int singular = 0;
-    for (double apart = 0.1; apart > 1e-19; apart /= 10.0) {
+    for (int digits = 1; digits <= 18; ++digits) {
+      const double apart = std::pow(10.0, -digits);
       for (int trial = 0; trial < 5; ++trial) singular += solveNearPair(n, apart, random);
     }
     EXPECT_TRUE(singular > 0 || n <= 2) << n;

@@ -165,17 +165,19 @@ std::string blocksFilled(const std::string& expected, const std::string& actual,
     }
     const Lines block(&got[first], count);
     for (const std::string& l : block) {
-      if (read && wrong.empty() && !sameShape(filled[first - 1], l))
+      if (read && wrong.empty() && !sameShape(filled[first - 1], l)) {
         wrong = fmt::format("line {}: |{}| is not like |{}|\n", filled.size() + 1, l,
                             filled[first - 1]);
+      }
       filled.push_back(l);
     }
     if (!wrong.empty()) return expected;
     if (!read) continue;
     const Sum is = sumOf(block, t);
-    if (!(std::fabs(is.value - sum) <= is.slack))
+    if (!(std::fabs(is.value - sum) <= is.slack)) {
       wrong = fmt::format("lines {} to {}: |{}|, expected |{}|\n", first + 1, first + count,
                           sumLine(block, t), line);
+    }
   }
   return joined(filled, expected);
 }

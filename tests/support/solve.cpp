@@ -55,11 +55,12 @@ std::string doubleCircuit(const std::string& model, const std::string& circuitLi
 std::string manyCircuits(int n, const std::string& model) {
   std::string body = summary(n);
   for (int node = 1; node <= n; node += 3) {
-    const int circuits = node / 3, level = circuits % 4 / 2, side = circuits % 2 == 0 ? -1 : 1;
+    const int circuits = node / 3, tower = circuits / 4, level = circuits % 4 / 2,
+              side = circuits % 2 == 0 ? -1 : 1;
     if (circuits % 4 == 0) body += circuits == 0 ? TOWER : "}\n" + TOWER;
     std::vector<std::pair<double, double>> places;
     for (int phase = 0; phase < std::min(3, n + 1 - node); ++phase) {
-      places.emplace_back(45 * (circuits / 4) + 8 * side + 2.1 * side * (phase - 1) + 0.13 * node,
+      places.emplace_back(45 * tower + 8 * side + 2.1 * side * (phase - 1) + 0.13 * node,
                           16 + 7 * level + 2.3 * phase + std::fmod(0.17 * node, 3));
     }
     body += circuit(node, places);

@@ -79,8 +79,10 @@ std::string testsIn(const std::string& folders) {
 } // namespace lcp::test
 
 extern "C" {
+// NOLINTBEGIN(bugprone-reserved-identifier): the names that the linker gives them
 [[noreturn]] void __real__ZN3lcp4stopEi(int status);
 [[noreturn]] void __wrap__ZN3lcp4stopEi(int status) {
+  // NOLINTEND(bugprone-reserved-identifier)
   if (getpid() != lcp::test::TESTS) __real__ZN3lcp4stopEi(status);
   lcp::console::flush();
   throw std::runtime_error("the run ended with status " + std::to_string(status));

@@ -32,9 +32,10 @@ std::map<std::string, std::string> filesUnder(const fs::path& directory) {
 // The files of a run, with its console and status as two more.
 std::map<std::string, std::string> runCase(const fs::path& directory) {
   const Scratch scratch;
-  for (const fs::path& from : {fs::path(CORVO_EXAMPLES), directory})
+  for (const fs::path& from : {fs::path(CORVO_EXAMPLES), directory}) {
     fs::copy(from, scratch.path(),
              fs::copy_options::recursive | fs::copy_options::overwrite_existing);
+  }
   ProgramRun run = runProgram(splitLines(contentOf(directory / "arguments")), scratch.path());
   run.files["console"] = run.errors + run.console;
   run.files["status"] = fmt::format("{}\n", run.status);
