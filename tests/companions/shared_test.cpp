@@ -96,7 +96,8 @@ TEST(SharedModelFile, BranchesOfAPiSectionAreTakenBySideAndPlace) {
   text += " TRANSFORMERS:\n";
   for (const int i : {1, 2}) {
     text += fmt::format(" S {:5}   R{:5}   ", i, i);
-    for (int j = 1; j <= i; ++j) text += fmt::format("     {:16.8f} {:16.8f}", 1.0 * i + j, 10.0 * i + j);
+    for (int j = 1; j <= i; ++j)
+      text += fmt::format("     {:16.8f} {:16.8f}", 1.0 * i + j, 10.0 * i + j);
     text += "\n";
   }
   const PiFile pi = readWhole(text).pi;
