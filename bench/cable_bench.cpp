@@ -32,7 +32,7 @@ void setCables(int n) {
 
 void cableSystem(benchmark::State& state) {
   FirstLoopStore& S = SOLVEDATA.first;
-  for (auto _ : state) {
+  while (state.KeepRunning()) {
     setCables(static_cast<int>(state.range(0)));
     S.ISTATUS = true;
     for (int k = 0; k < STEPS; ++k) {

@@ -62,8 +62,8 @@ int polesOfAll() {
 
 void propagation(benchmark::State& state) {
   flushDenormals();
-  const FitOptions& F = RUNDATA.fit;
   consoleOf([&] {
+    const FitOptions& F = RUNDATA.fit;
     solveLine(static_cast<int>(state.range(0)), 1000.0 * static_cast<double>(state.range(1)));
     while (state.KeepRunning()) HFIT({F.ERRA, F.MAXPA, F.RPRATIO, 0});
   });
@@ -78,8 +78,8 @@ BENCHMARK(propagation)
 // Only the residues, over the poles of a finished fit.
 void residues(benchmark::State& state) {
   flushDenormals();
-  const FitOptions& F = RUNDATA.fit;
   consoleOf([&] {
+    const FitOptions& F = RUNDATA.fit;
     solveLine(static_cast<int>(state.range(0)), 1e5);
     HFIT({F.ERRA, F.MAXPA, F.RPRATIO, 0});
     while (state.KeepRunning())

@@ -19,7 +19,8 @@
 //   --- console         then what is printed behind the banner and the echo of the arguments, line
 //                       by line; a line "..." stands for any number of lines. "--- console in
 //                       NAME" stands in a text, where @file and @last are the name of the
-//                       description and the last line of the input
+//                       description and the last line of the input. When not given, nothing, or
+//                       what a good end prints last when the status is 0
 //   --- errors          then the lines of the error stream; when not given, none but the one on the
 //                       line that an error exit of the reader shows
 //   --- ends NAME       then the last lines of that file behind the run
@@ -86,6 +87,8 @@ void spellOut(Refusal& r, const Texts& texts) {
   const auto lines = splitLines(r.parts.contains("input") ? r.parts["input"] : "");
   if (r.parts.contains("input"))
     r.parts["input"] = spelled(around(texts.at(r.keys["in"]), r.parts["input"]), texts);
+  if (!r.parts.contains("console") && r.keys["status"] == "0")
+    r.parts["console"] = spelled("@done\n", texts);
   if (!r.keys.contains("frame")) return;
   std::string& console = r.parts["console"];
   console = around(texts.at(r.keys["frame"]), console);

@@ -23,11 +23,15 @@ for file in tests/cases/*/*.{cvi,cbi,dta} examples/*.{cvi,cbi,dta}; do
 done
 seeds=("$inputs")
 [[ ! -d tests/fuzz/seeds ]] || seeds+=("$top/tests/fuzz/seeds")
-dictionary=()
-[[ ! -e tests/fuzz/keys.dict ]] || dictionary=(-dict="$top/tests/fuzz/keys.dict")
+# Keys and headings as the reader has them, and numbers at its limits.
+dictionary=$top/build/fuzz/keys.dict
+{
+  grep -hv '^#include' src/input/*.cpp | grep -oE '"[[:alnum:]+#][^"\\{}]*"'
+  cat tests/fuzz/limits.dict
+} | sort -u > "$dictionary"
 
 # Inputs may turn on the debug file, which is then written here.
 cd build/fuzz/work
-../tests/fuzz/reader_fuzz "${dictionary[@]}" -max_total_time="$seconds" -timeout=10 \
+../tests/fuzz/reader_fuzz -dict="$dictionary" -max_total_time="$seconds" -timeout=10 \
   -rss_limit_mb=4096 -max_len=16384 -artifact_prefix="$top/tests/fuzz/finds/" -print_final_stats=1 -close_fd_mask=2 \
   "$corpus" "${seeds[@]}"

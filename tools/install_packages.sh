@@ -4,9 +4,9 @@
 set -euo pipefail
 
 run=(g++ cmake ninja-build liblapack-dev libblas-dev libfmt-dev libflint-arb-dev)
-test=("${run[@]}" nlohmann-json3-dev libopenblas-serial-dev libgtest-dev libbenchmark-dev python3 clang-format-14
+test=("${run[@]}" nlohmann-json3-dev libopenblas-serial-dev libgtest-dev python3 clang-format-14
   libjs-dygraphs chromium chromium-driver parallel slurm-wlm munge procps)
-lint=("${test[@]}" clang-14 clang-tidy-14)
+lint=("${test[@]}" libbenchmark-dev clang-14 clang-tidy-14)
 fuzz=("${run[@]}" clang-14 libclang-rt-14-dev)
 
 case "${1:-}" in

@@ -86,17 +86,19 @@ CaseList casesOf(const Arguments& given, const fs::path& list, const fs::path& w
   for (const auto& [option, value] : given.given)
     if (option == "--vary") variations.push_back(variationOf(value));
   if (variations.empty()) {
-    for (const std::string_view option : {"/length", "/steps", "/increment"})
+    for (const std::string_view option : {"/length", "/steps", "/increment"}) {
       if (given.has(option))
         refuse(fmt::format("{} goes with --vary; a list has its own columns", option));
+    }
     return readList(list, work);
   }
   Template base{list, std::string(given.valueOr("/length", "")), ""};
-  for (const std::string_view option : {"/steps", "/increment"})
+  for (const std::string_view option : {"/steps", "/increment"}) {
     if (given.has(option))
       base.arguments += fmt::format("{} {} ", option, given.valueOr(option, ""));
+  }
   std::vector<std::string> notes;
-  const CaseList cases = makeCases(base, variations, work, notes);
+  CaseList cases = makeCases(base, variations, work, notes);
   for (const std::string& note : notes) tell(note);
   return cases;
 }
@@ -136,9 +138,10 @@ std::vector<fs::path> filesOfBatch(const std::vector<BatchCase>& cases, const fs
 void refuseInputs(const std::vector<BatchCase>& cases, const fs::path& work, bool varied,
                   bool plots) {
   if (!varied) std::for_each(cases.begin(), cases.end(), protectInputs);
-  for (const fs::path& file : filesOfBatch(cases, work, plots))
+  for (const fs::path& file : filesOfBatch(cases, work, plots)) {
     if (isInput(file))
       refuse(fmt::format("{} would be overwritten: it is an input", file.string()));
+  }
 }
 
 [[noreturn]] void refuseFolder(const fs::path& work) {
@@ -181,11 +184,12 @@ Parts partsOf(const Arguments& given, const std::vector<std::size_t>& open, std:
 // it.
 std::vector<std::string> machinesOf(const Arguments& given, std::size_t& jobs) {
   std::vector<std::string> words;
-  for (const auto& [option, value] : given.given)
+  for (const auto& [option, value] : given.given) {
     if (option == "--sshlogin" || option == "--sshloginfile") {
       words.push_back(option);
       words.push_back(value);
     }
+  }
   jobs = countOf(given, "--jobs");
   if (jobs == 0 && words.empty()) jobs = cores();
   if (jobs > 0) words.insert(words.end(), {"--jobs", std::to_string(jobs)});

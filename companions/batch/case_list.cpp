@@ -37,10 +37,11 @@ std::string_view refusedWord(std::string_view arguments) {
 }
 
 std::string troubleOf(const std::vector<std::string>& row) {
-  if (row.size() > MOSTCOLUMNS)
+  if (row.size() > MOSTCOLUMNS) {
     return fmt::format("{} columns, 2 to 4 expected (file, length, arguments, folder); no name may "
                        "hold a tab",
                        row.size());
+  }
   if (row.size() < LEASTCOLUMNS || trimmed(row[0]).empty() || trimmed(row[1]).empty())
     return "file and length expected, parted by a tab";
   if (row.size() > 2 && !refusedWord(row[2]).empty())
@@ -107,18 +108,20 @@ std::string troubleAmong(const std::vector<BatchCase>& cases) {
     std::error_code none;
     const fs::path folder = fs::weakly_canonical(c.folder, none);
     const auto [other, fresh] = taken.emplace(none ? c.folder : folder, c.name);
-    if (!fresh)
+    if (!fresh) {
       return fmt::format("{} and {} are one folder: each case needs one of its own", other->second,
                          c.name);
+    }
   }
   return {};
 }
 
 std::string tableOf(const std::vector<BatchCase>& cases) {
   std::string text;
-  for (const BatchCase& c : cases)
+  for (const BatchCase& c : cases) {
     text += fmt::format("{}\t{}\t{}\t{}\t{}\t{}\n", c.source.string(), c.length, c.arguments,
                         c.folder.string(), c.beside.string(), c.name);
+  }
   return text;
 }
 

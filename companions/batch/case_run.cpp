@@ -309,9 +309,10 @@ std::string verdictOnFiles(const std::string& description, double length,
   for (const std::string& name : models) {
     const ModelFile model = readModelFile(name);
     if (model.kind != ModelKind::Phase || !model.trouble.empty()) continue;
-    for (const Finding& f : phasePassivity(model, {}))
+    for (const Finding& f : phasePassivity(model, {})) {
       if (f.verdict != Verdict::TOLD && (worst == Verdict::TOLD || f.verdict > worst))
         worst = f.verdict;
+    }
   }
   return std::string(wordOf(worst));
 }

@@ -85,9 +85,10 @@ void addNumber(Facts& facts, std::string_view column, double value) {
 void addModeErrors(Facts& facts, const std::vector<std::string>& lines, std::string_view title,
                    std::string_view column) {
   double worst = std::nan("");
-  for (std::size_t k = 0; k + 1 < lines.size(); ++k)
+  for (std::size_t k = 0; k + 1 < lines.size(); ++k) {
     if (lines[k].starts_with(headOf(title)) && lines[k].ends_with(tailOf(title)))
       worst = std::fmax(worst, std::strtod(lines[k + 1].c_str(), nullptr));
+  }
   addNumber(facts, column, INPERCENT * worst);
 }
 

@@ -4,6 +4,7 @@
 #include "companions/shared/whole_files.h"
 
 #include <cerrno>
+#include <cmath>
 #include <csignal>
 #include <cstdio>
 #include <cstring>
@@ -57,7 +58,7 @@ void Progress::show(bool last) {
       done == 0 ? 0 : (now() - start) / static_cast<double>(done) * static_cast<double>(all - done);
   std::string bar(done * WIDTH / all, '=');
   bar.resize(WIDTH, ' ');
-  const auto seconds = static_cast<long>(left + 0.5);
+  const auto seconds = std::lround(left);
   const std::string time = done == 0 ? ""
                                      : fmt::format(", {}:{:02}:{:02} left", seconds / 3600,
                                                    seconds / 60 % 60, seconds % 60);

@@ -51,16 +51,17 @@ std::vector<std::string> rowOf(const BatchCase& c, const Facts& facts) {
 std::string escaped(std::string_view text) {
   std::string safe;
   for (const char c : text) {
-    if (c == '&')
+    if (c == '&') {
       safe += "&amp;";
-    else if (c == '<')
+    } else if (c == '<') {
       safe += "&lt;";
-    else if (c == '>')
+    } else if (c == '>') {
       safe += "&gt;";
-    else if (c == '"')
+    } else if (c == '"') {
       safe += "&quot;";
-    else
+    } else {
       safe += c;
+    }
   }
   return safe;
 }
@@ -70,10 +71,11 @@ std::string address(std::string_view path) {
   std::string safe;
   for (const char c : path) {
     const bool letter = (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-    if (letter || std::string_view("/._-~").find(c) != std::string_view::npos)
+    if (letter || std::string_view("/._-~").find(c) != std::string_view::npos) {
       safe += c;
-    else
+    } else {
       safe += fmt::format("%{:02X}", static_cast<unsigned char>(c));
+    }
   }
   return safe;
 }
@@ -135,10 +137,11 @@ int exitStatus(const std::vector<Facts>& facts) {
   constexpr int FAILED = 1, WARNED = 2;
   int status = 0;
   for (const Facts& f : facts) {
-    if (statusOf(f) == "warning")
+    if (statusOf(f) == "warning") {
       status = WARNED;
-    else if (statusOf(f) != "ok")
+    } else if (statusOf(f) != "ok") {
       return FAILED;
+    }
   }
   return status;
 }

@@ -25,9 +25,10 @@ constexpr std::size_t BEHINDKEY = 2; // a colon and a blank
 // A text without blanks, in lower case.
 std::string plain(std::string_view text) {
   std::string letters;
-  for (const char c : text)
+  for (const char c : text) {
     if (c != ' ' && c != '\t')
       letters += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  }
   return letters;
 }
 
@@ -45,7 +46,7 @@ bool findPlace(const TracedLine& line, const Variation& v, Place& place) {
   if (line.key == nullptr || line.key->kind == KeyKind::Mark) return false;
   if (v.line != 0 && v.line != line.number) return false;
   std::string_view words = line.text.text();
-  words.remove_prefix(std::min(words.find_first_not_of(" "), words.size()));
+  words.remove_prefix(std::min(words.find_first_not_of(' '), words.size()));
   const std::size_t colon = std::min(words.find(':'), words.size());
   const std::string_view row = line.key->text;
   const bool whole = plain(row) == plain(v.key);
@@ -110,16 +111,18 @@ Keys readKeys(const fs::path& description, const std::vector<Variation>& variati
       Place place{};
       if (findPlace(line, v, place)) K.places.back().push_back(place);
     }
-    if (K.places.back().empty())
+    if (K.places.back().empty()) {
       K.trouble = fmt::format("no {} of {} has the key {}",
                               v.line == 0 ? "line" : fmt::format("line {}", v.line),
                               description.string(), v.key);
+    }
   }
   return K;
 }
 
 std::string noteOn(const Variation& v, const std::vector<Place>& places) {
   std::vector<std::string> numbers;
+  numbers.reserve(places.size());
   for (const Place& p : places) numbers.push_back(std::to_string(p.line + 1));
   return fmt::format("{} is changed in lines {}; {}@{}=... changes the first alone", v.key,
                      joined(numbers, ", "), v.key, numbers[0]);
@@ -138,9 +141,10 @@ std::string troubleOf(const Template& base, const std::vector<Variation>& variat
     const Variation& v = variations[k];
     if (!v.trouble.empty()) return v.trouble;
     length = length || isLength(v);
-    for (std::size_t other = 0; other < k; ++other)
+    for (std::size_t other = 0; other < k; ++other) {
       if (plain(variations[other].key) == plain(v.key) && variations[other].line == v.line)
         return fmt::format("{} varies twice", v.key);
+    }
   }
   if (combinationsOf(variations) > MOSTCASES) return fmt::format("more than {} cases", MOSTCASES);
   return length ? "" : "/length METRES or --vary length=... expected";
@@ -149,9 +153,10 @@ std::string troubleOf(const Template& base, const std::vector<Variation>& variat
 // The description of one case with the given values.
 std::string describe(const Keys& keys, const std::vector<std::string>& values) {
   std::vector<std::string> lines = keys.lines;
-  for (std::size_t k = 0; k < values.size(); ++k)
+  for (std::size_t k = 0; k < values.size(); ++k) {
     for (const Place& place : keys.places[k])
       lines[place.line] = withValue(lines[place.line], place, values[k]);
+  }
   return joined(lines, "\n");
 }
 
@@ -160,10 +165,12 @@ std::string writeDescription(CaseList& list, const BatchCase& c, const Keys& key
                              const std::vector<std::string>& values) {
   const std::string text = describe(keys, values);
   const std::vector<std::string> lines = linesOf(text);
-  for (const std::vector<Place>& places : keys.places)
-    for (const Place& place : places)
+  for (const std::vector<Place>& places : keys.places) {
+    for (const Place& place : places) {
       if (lines[place.line].size() > LINELENGTH)
         return fmt::format("line {} would exceed {} columns", place.line + 1, LINELENGTH);
+    }
+  }
   std::string old;
   std::error_code none;
   if (isInput(c.source))
@@ -235,10 +242,11 @@ CaseList makeCases(const Template& base, const std::vector<Variation>& variation
     std::vector<std::string> values = valuesOf(variations, number);
     list.trouble = writeDescription(list, c, keys, values);
     for (std::size_t k = 0; k < variations.size(); ++k) {
-      if (isLength(variations[k]))
+      if (isLength(variations[k])) {
         c.length = values[k];
-      else
+      } else {
         c.varied.push_back(values[k]);
+      }
     }
     list.cases.push_back(std::move(c));
   }

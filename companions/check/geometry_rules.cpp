@@ -163,9 +163,10 @@ void overruled(Findings& findings) {
     add(findings, std::max(lineOf(&said), headingLine("Pipe-Type Cable")), Kind::InnerCables,
         std::to_string(said), std::to_string(there));
   }
-  for (const LayerFlag& flag : flagsWithoutLayer())
+  for (const LayerFlag& flag : flagsWithoutLayer()) {
     add(findings, cableLine(flag.target, flag.cable), Kind::AbsentLayer, flag.key,
         std::to_string(flag.cable));
+  }
 }
 
 } // namespace

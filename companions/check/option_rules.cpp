@@ -35,9 +35,10 @@ void weights(Findings& findings) {
 
 void fitRange(Findings& findings) {
   const FitOptions& F = RUNDATA.fit;
-  if (F.FEND < F.FSTART)
+  if (F.FEND < F.FSTART) {
     add(findings, optionLine(&F.FEND), Kind::FallingGrid, fmt::format("{:.4g}", F.FEND),
         fmt::format("{:.4g}", F.FSTART));
+  }
 }
 
 // --- DC correction

@@ -96,10 +96,11 @@ Json layersOf(const Cable& C) {
   for (int layer = 0; layer < C.CBNLAY; ++layer) {
     const auto l = static_cast<std::size_t>(layer), k = l / 2;
     const double inner = C.CBRAD[l], outer = C.CBRAD[l + 1];
-    if (layer % 2 == 0)
+    if (layer % 2 == 0) {
       rings.push_back(metalRing(inner, outer, METALS[k], C.CBRHO[k], C.CBMU[l]));
-    else
+    } else {
       addInsulator(rings, C, k);
+    }
   }
   return rings;
 }
@@ -136,9 +137,10 @@ Json pipe() {
   Json rings = {
       ring(0, P.PIPERI, "filling", "inside of the pipe", dielectric(P.PIPEEPSI, P.PIPEMUI)),
       metalRing(P.PIPERI, P.PIPERC, "pipe wall", P.PIPERHO, P.PIPEMU)};
-  if (P.PIPEOUTL == 1)
+  if (P.PIPEOUTL == 1) {
     rings.push_back(ring(P.PIPERC, P.PIPERO, "insulator", "coating of the pipe",
                          dielectric(P.PIPEEPSO, P.PIPEMUO)));
+  }
   return {{"x", P.PIPEX},
           {"y", y},
           {"r", P.radius()},

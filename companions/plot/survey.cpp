@@ -247,7 +247,7 @@ Json sequencesOf(double length) {
   if (hasLoadFlowSection()) return sequenceRows(length);
   if (!hasCoreSequences()) return Json::array();
   const Grounding own = groundSheaths(f);
-  const Json rows = sequenceRows(length);
+  Json rows = sequenceRows(length);
   restoreSheaths(own, f);
   return rows;
 }

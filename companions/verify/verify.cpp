@@ -71,9 +71,10 @@ void refuseStranger(const ModelFile& file) {
   // The order of a cable system is known only after its eliminations.
   const double f = RUNDATA.model.fitted() ? fitRanges()[0].f.back() : RUNDATA.line.SSFREQ;
   const std::size_t order = constantsOf(f).Y.rows;
-  if (file.n != order)
+  if (file.n != order) {
     giveUp(VERIFY.name,
            fmt::format("the model file has {} conductors, the line has {}", file.n, order));
+  }
 }
 
 // What the file says of itself, rounded to its digits there.

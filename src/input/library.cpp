@@ -147,9 +147,10 @@ void takeNewRow(Library& library, int i) {
   store(C.CMUR[i], library.real(6));
   C.CSHUNT[i] = 0;
   C.CNOUT[i] = outerStrands(C.CSTRAD[i], C.CRAD[i]);
-  if (!(C.CNOUT[i] >= 1))
+  if (!(C.CNOUT[i] >= 1)) {
     noteLine(fmt::format("{}: the strands of {} do not fit round it", READER.LIBPATH.text(),
                          library.LIBNAME.text()));
+  }
 }
 
 void searchNewFormat(Library& library) {

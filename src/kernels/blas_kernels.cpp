@@ -139,10 +139,11 @@ void stridedProduct(bool transposed, int m, int n, double alpha, const double* a
   for (int j = 0; j < n; ++j) {
     for (int i = 0; i < m; ++i) {
       const double e = alpha * a[j * lda + i];
-      if (transposed)
+      if (transposed) {
         y[static_cast<std::ptrdiff_t>(j) * incy] += e * x[static_cast<std::ptrdiff_t>(i) * incx];
-      else
+      } else {
         y[static_cast<std::ptrdiff_t>(i) * incy] += e * x[static_cast<std::ptrdiff_t>(j) * incx];
+      }
     }
   }
 }
@@ -161,12 +162,13 @@ void dgemv_(const char* trans, const int* m, const int* n, const double* alpha, 
   double* to = start(y, transposed ? *n : *m, *incy);
   if (*beta != 1) scale(*beta, to, transposed ? *n : *m, *incy);
   if (*alpha == 0) return;
-  if (transposed && *incx == 1)
+  if (transposed && *incx == 1) {
     productsInto(*m, *n, *alpha, a, *lda, from, to, *incy);
-  else if (!transposed && *incy == 1)
+  } else if (!transposed && *incy == 1) {
     columnsInto(*m, *n, *alpha, a, *lda, from, *incx, to);
-  else
+  } else {
     stridedProduct(transposed, *m, *n, *alpha, a, *lda, from, *incx, to, *incy);
+  }
 }
 
 LCP_WIDTHS("avx2")
@@ -176,10 +178,11 @@ void dger_(const int* m, const int* n, const double* alpha, const double* x, con
   const double* row = start(y, *n, *incy);
   for (int j = 0; j < *n; ++j, a += *lda, row += *incy) {
     const double c = *alpha * *row;
-    if (*incx == 1)
+    if (*incx == 1) {
       addColumn(column, c, a, *m);
-    else
+    } else {
       for (int i = 0; i < *m; ++i) a[i] += c * column[static_cast<std::ptrdiff_t>(i) * *incx];
+    }
   }
 }
 

@@ -163,16 +163,17 @@ void zgemv_(const char* trans, const int* m, const int* n, const Complex* alpha,
   Complex* to = start(y, transposed ? *n : *m, *incy);
   if (*beta != 1.0) scale(*beta, to, transposed ? *n : *m, *incy);
   if (*alpha == 0.0) return;
-  if (conjugate && *incx == 1)
+  if (conjugate && *incx == 1) {
     productsInto<true>(*m, *n, *alpha, a, *lda, from, to, *incy);
-  else if (transposed && *incx == 1)
+  } else if (transposed && *incx == 1) {
     productsInto<false>(*m, *n, *alpha, a, *lda, from, to, *incy);
-  else if (transposed)
+  } else if (transposed) {
     stridedProducts(*m, *n, *alpha, a, *lda, from, *incx, conjugate, to, *incy);
-  else if (*incy == 1)
+  } else if (*incy == 1) {
     columnsInto(*m, *n, *alpha, a, *lda, from, *incx, to);
-  else
+  } else {
     stridedColumns(*m, *n, *alpha, a, *lda, from, *incx, to, *incy);
+  }
 }
 
 LCP_WIDTHS("avx2")
@@ -184,10 +185,11 @@ void zgerc_(const int* m, const int* n, const Complex* alpha, const Complex* x, 
   for (int j = 0; j < *n; ++j, a += *lda, row += *incy) {
     if (*row == 0.0) continue;
     const Complex t = *alpha * std::conj(*row);
-    if (*incx == 1)
+    if (*incx == 1) {
       addColumns<1>(column, 0, &t, a, *m);
-    else
+    } else {
       for (int i = 0; i < *m; ++i) a[i] += column[static_cast<std::ptrdiff_t>(i) * *incx] * t;
+    }
   }
 }
 }

@@ -135,9 +135,10 @@ bool anyNaN(RConstView A, int n) {
 void DGEEV(RView A, int n, Table<double, NPMAX>& WR, Table<double, NPMAX>& WI) {
   double none = 0;                 // eigenvectors, not computed
   int info = anyNaN(A, n) ? 1 : 0; // LAPACK may end the process on a NaN
-  if (info == 0)
+  if (info == 0) {
     dgeev_("N", "N", &n, A.first, &A.ld, WR.data(), WI.data(), &none, &ONE, &none, &ONE, realWork,
            &LSWORK, &info, 1, 1);
+  }
   if (info == 0) return;
   std::fill_n(WR.data(), n, NaN);
   std::fill_n(WI.data(), n, 0.0);

@@ -38,7 +38,7 @@ double logOfRange(double f) {
 void layLogGrid() {
   const FitOptions& F = RUNDATA.fit;
   FrequencyGrid& G = SOLVEDATA.grid;
-  if (F.NFINC + SLOTSBEYOND > MAXFREQ) {
+  if (F.NFINC > MAXFREQ - SLOTSBEYOND) {
     refuseGrid(fmt::format("Too Many Frequency Increments ({}), Maximum of {} Allowed!", F.NFINC,
                            MAXFREQ - SLOTSBEYOND));
   }

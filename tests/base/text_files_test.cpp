@@ -52,7 +52,7 @@ ChildResult writeRun(const std::string& name, const Write& w) {
   });
 }
 
-enum Console { SOUND, FULL, BROKENPIPE, CLOSED };
+enum Console { SOUND, FULL, BROKENPIPE, CLOSED, MENDED }; // full until the run ends
 
 // A run with such a console that prints `printed` lines and ends with the given status.
 ChildResult runOf(Console kind, int printed, int status) {
@@ -61,11 +61,13 @@ ChildResult runOf(Console kind, int printed, int status) {
     int ends[2];
     if (pipe(ends) != 0) stop(99);
     close(ends[0]);
-    if (kind == FULL) dup2(open("/dev/full", O_WRONLY), STDOUT_FILENO);
+    const int sound = dup(STDOUT_FILENO);
+    if (kind == FULL || kind == MENDED) dup2(open("/dev/full", O_WRONLY), STDOUT_FILENO);
     if (kind == BROKENPIPE) dup2(ends[1], STDOUT_FILENO);
     if (kind == CLOSED) close(STDOUT_FILENO);
     if (printed > 0) console::prepare();
     for (int i = 0; i < printed; ++i) console::print("line {}", i);
+    if (kind == MENDED) dup2(sound, STDOUT_FILENO);
     stop(status);
   });
 }
@@ -226,5 +228,6 @@ TEST(Stop, KeepsTheStatusWhenTheConsoleTakesItAll) {
         EXPECT_EQ(runOf(kind, printed, status).status, 1) << kind << printed << status;
     }
   }
-  EXPECT_EQ(runOf(CLOSED, 0, 0).status, 1); // nothing to write: only the close reports it
+  EXPECT_EQ(runOf(MENDED, 20000, 0).status, 1); // what was lost stays lost
+  EXPECT_EQ(runOf(CLOSED, 0, 0).status, 1);     // nothing to write: only the close reports it
 }

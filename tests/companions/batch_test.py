@@ -164,6 +164,12 @@ class Batch(unittest.TestCase):
         self.assertIn("package slurm", self.batch(3, "--slurm", "list.tsv", **missing)[1])
         self.assertFalse(self.starts())
 
+    def test_a_run_without_a_model_has_failed(self):
+        words = ("-o", "it's", "--vary", "length=1e4", "base.cvi")
+        self.assertEqual([r["status"] for r in self.batch(0, *words)[0].values()], ["ok"])
+        told = self.batch(1, "--corvo", "/bin/true", *words)[0]
+        self.assertEqual([r["status"] for r in told.values()], ["failed"])
+
     def test_a_library_with_the_name_of_a_result_is_no_result(self):
         os.mkdir(self.path("x"))
         self.write("x/a.cvi", self.line.replace("Radius: 0.01407 [m]\n", "Library : a.out\nName : ACSR\n"))

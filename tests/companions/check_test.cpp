@@ -1,6 +1,7 @@
 #include "base/stop.h"
 #include "companions/check/check.h"
 #include "companions/check/finding.h"
+#include "companions/check/near_key.h"
 #include "support/child.h"
 #include "support/scratch.h"
 
@@ -66,6 +67,7 @@ const std::vector<Case> CASES = {
      {{"P3 : 11.0 28.0", "P3 : 11.0"}},
      {"24 radius-above-height", "28 sag-above-height", "31 few-items"}},
     {LINE, {{"P3 : 11.0 28.0", "P3 : 11.0, 28.0, 5"}}, {"31 more-items"}},
+    {LINE, {{"P3 : 11.0 28.0", "P3 : 2*28.0"}}, {}},
     {CABLES, {{"P1: -0.3 1.3", "P1: -0.3 1.3 0.2 0"}}, {"20 more-items"}},
     {PIPE, {{"P1: 0.0 -0.05 0.05 -90.0", "P1: 0.0 -0.05"}}, {"36 few-items"}},
     {LINE, {{"Sag: 9.0", "Sag: 9,5"}}, {"42 cut-number"}},
@@ -74,6 +76,7 @@ const std::vector<Case> CASES = {
      {{"0.01407 [m]", "0.01407 [cm]"}, {"2.865 [ohm/km]", "2.865 [Ohms / km]"}},
      {"24 other-unit"}},
     {LINE, {{"Weighting Factor 1: 1.0", "Weighting Factor 1: 1.0 [%]"}}, {"60 other-unit"}},
+    {LINE, {{"1.0E-11 [mho/m]", "1.0E-11 [mhos/metre]"}}, {}},
     // keys compared with each other
     {LINE, {{CONDUCTORS, "Transposed: 0\nConductors: 3\n"}}, {}},
     {LINE,
@@ -125,6 +128,10 @@ const std::vector<Case> CASES = {
     {LINE,
      {{WEIGHTS, WEIGHTS + "Lower frequency for passivity check: 1\n"}},
      {"55 no-passivity-grid"}},
+    {LINE,
+     {{WEIGHTS, WEIGHTS + "Lower frequency for passivity check: 1\n"
+                          "Frequency distribution for passivity check: 3\n"}},
+     {}}, // which needs no increments
     {HAND, {{BERGERON, ""}, {" : ohms/m", " : Y and Z"}}, {"0 no-model", "0 reader-warning"}, 2},
     // geometry and materials
     {LINE,
@@ -170,6 +177,10 @@ const std::vector<Case> CASES = {
       {"\nFrequency Dep.", "\nNumerical Options\n{\nImproved Earth : 1\n}\nFrequency Dep."}},
      {}},
     {LINE, {{"GroundPermeability: 1.0", "GroundPermeability: 4.0"}}, {"52 earth-error"}},
+    {CABLES,
+     {{"Cable Number: 3", "Cable Number: 3\nOverhead Cable: 1"},
+      {"EarthUImpedanceFormula: 2", "EarthUImpedanceFormula: 0"}},
+     {"98 buried-closed-form"}}, // two are left in the ground
     // what ends the reader
     {LINE, {{"P1 : -11.0", "P1: -11.0"}}, {"29 lost-character"}, 2},
     {LINE,
@@ -218,6 +229,15 @@ TEST(Check, FindsWhatHadNoEffectOrIsHardlyMeant) {
     EXPECT_TRUE(seen.contains(std::string(rowOf(k).id))) << rowOf(k).id;
   for (const std::string& example : {LINE, CABLES, PIPE, HAND, FOURWIRE})
     EXPECT_EQ(check(EXAMPLES + example, false).status, 0) << example;
+}
+
+TEST(Check, NamesAKeyThatIsNearAndEachFindingOnce) {
+  const std::string_view keys[] = {"P", "Radius"};
+  EXPECT_EQ(nearestKey("x", keys, 3, 1), ""); // all of P would change
+  EXPECT_EQ(nearestKey("radiu", keys, 3, 1), "Radius");
+  Findings findings;
+  for (const char* name : {"Sag", "Radius", "Sag"}) add(findings, 5, Kind::NoValue, name);
+  EXPECT_EQ(findings.size(), 2U);
 }
 
 } // namespace lcp::companions

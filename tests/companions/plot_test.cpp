@@ -2,11 +2,13 @@
 #include "base/constants.h"
 #include "companions/plot/fit_facts.h"
 #include "companions/plot/functions.h"
+#include "companions/plot/geometry.h"
 #include "companions/plot/page.h"
 #include "companions/plot/plot.h"
 #include "companions/plot/survey.h"
 #include "companions/shared/captured_run.h"
 #include "companions/shared/direct_line.h"
+#include "companions/shared/fit_ranges.h"
 #include "store/rundata.h"
 #include "store/solvedata.h"
 #include "support/child.h"
@@ -51,6 +53,15 @@ TEST(Page, ThinningKeepsWhatStandsOut) {
   }
   EXPECT_EQ(set["f"], packedNumbers(f));
   EXPECT_EQ(set["fit"], Json::array({17}));
+}
+
+TEST(Page, WiresHangAndMatricesAreShownOnce) {
+  readHere(CORVO_TEST_DATA "/../examples/line500kv_phase.cvi", 1e4);
+  EXPECT_EQ(geometryOf()["wires"][0]["facts"]["At mid-span"],
+            "y = 15.225 m"); // 28 m, half a bundle more, 13 m of sag less
+  const Matrix Z = constantsOf(50).Z;
+  EXPECT_EQ(elementsOf({Z}, {Z}, true).size(), 6U);
+  EXPECT_EQ(elementsOf({Z}, {Z}, false).size(), 9U);
 }
 
 TEST(Page, IsNoFileThatItIsMadeFrom) {
@@ -168,6 +179,7 @@ void readOneConductor(const std::string& model) {
 
 TEST(Page, CurvesAreThoseOfTheLineAndItsModel) {
   readOneConductor(phaseModel());
+  RUNDATA.line.SSFREQ = fitRanges()[0].f[20]; // which is shown once
   using Curve = std::function<Complex(Complex s, Complex Y, Complex Z)>;
   const auto ahead = [](Complex s) { return std::exp(s * DELAY); };
   const auto wave = [&](Complex s, Complex Y, Complex Z) {
@@ -199,6 +211,7 @@ TEST(Page, CurvesAreThoseOfTheLineAndItsModel) {
     const Json page = c.kind == ModelKind::Bergeron ? modesOf(survey, file) : fitsOf(survey, file);
     const std::vector<double> f = unpacked(page["f"]);
     ASSERT_GT(f.size(), 100U);
+    EXPECT_EQ(std::adjacent_find(f.begin(), f.end(), std::greater_equal<>()), f.end());
     for (const Json& F : page["functions"]) {
       if (F["id"] != c.id) continue;
       const Json& element = F["elements"][0];

@@ -5,6 +5,7 @@
 #include "companions/shared/adaptive_scan.h"
 #include "companions/shared/arguments.h"
 #include "companions/shared/captured_run.h"
+#include "companions/shared/console_text.h"
 #include "companions/shared/direct_line.h"
 #include "companions/shared/fit_ranges.h"
 #include "companions/shared/followed_modes.h"
@@ -47,7 +48,7 @@ ModelFile readWhole(const std::string& text) {
     part += lines[k] + "\n";
   }
   EXPECT_NE(parseModelFile(text + " 1.0\n").trouble, "");
-  const ModelFile file = parseModelFile(text);
+  ModelFile file = parseModelFile(text);
   EXPECT_EQ(file.trouble, "");
   return file;
 }
@@ -86,6 +87,24 @@ TEST(SharedModelFile, APhaseModelIsTheSumOfItsFractions) {
   const Complex H = 4.0 / (s + 5.0) * std::exp(-0.1 * s) +
                     Complex(6, 1) / (s - Complex(-8, 3)) * std::exp(-0.2 * s);
   EXPECT_LT(std::abs(file.H.at(s)(0, 0) - H), 1e-14);
+}
+
+TEST(SharedModelFile, BranchesOfAPiSectionAreTakenBySideAndPlace) {
+  std::string text = " BRANCHES:\n";
+  for (const auto& [i, j, c] : {std::tuple{1, 2, 0.5}, {1, 0, 0.25}, {2, 0, 0.125}})
+    text += fmt::format(" S {:5}   S{:5}  C     {:16.8f}\n", i, j, c);
+  text += " TRANSFORMERS:\n";
+  for (const int i : {1, 2}) {
+    text += fmt::format(" S {:5}   R{:5}   ", i, i);
+    for (int j = 1; j <= i; ++j)
+      text += fmt::format("     {:16.8f} {:16.8f}", 1.0 * i + j, 10.0 * i + j);
+    text += "\n";
+  }
+  const PiFile pi = readWhole(text).pi;
+  EXPECT_EQ(distance(pi.shuntC, matrixOf(2, {0.25, 0.5, 0.5, 0.125})), 0);
+  EXPECT_EQ(distance(pi.R, matrixOf(2, {2, 3, 3, 4})), 0);
+  EXPECT_EQ(distance(pi.L, matrixOf(2, {11, 21, 21, 22})), 0);
+  EXPECT_EQ(numberBehind("\nstep 7: 5.5 %", "step 7"), 5.5);
 }
 
 TEST(SharedVerdicts, DeviationsKeepTheWorstAndLimitsJudge) {
@@ -154,18 +173,38 @@ TEST(SharedLine, ModesAreFollowedFromTheirReferenceBothWays) {
   };
   // rotated by a quarter turn over the grid: the largest element alone would exchange the modes
   std::vector<LinePoint> line;
+  std::vector<LineModes> modes;
   for (int k = 0; k <= 12; ++k) line.push_back(at(std::pow(2, k), k * TWOPI / 48));
-  auto modes = followed(line, matrixOf(2, {0, 1, 1, 0}), 5);
-  for (std::size_t k = 0; k < line.size(); ++k) {
-    const double angle = static_cast<double>(k) * TWOPI / 48;
-    EXPECT_NEAR(std::abs(modes[k].TI(0, 1)), std::cos(angle), 1e-9) << k;
-    EXPECT_NEAR(std::pow(std::abs(modes[k].gamma[1]), 2), line[k].f, 1e-9 * line[k].f) << k;
+  for (const auto& [from, reference] :
+       {std::pair{4096.0, identity(2)}, {5.0, matrixOf(2, {0, 1, 1, 0})}}) {
+    modes = followed(line, reference, from);
+    for (std::size_t k = 0; k < line.size(); ++k) {
+      const double angle = static_cast<double>(k) * TWOPI / 48;
+      EXPECT_NEAR(std::abs(modes[k].TI(0, 1)), std::cos(angle), 1e-9) << k;
+      EXPECT_NEAR(std::pow(std::abs(modes[k].gamma[1]), 2), line[k].f, 1e-9 * line[k].f) << k;
+    }
   }
   EXPECT_EQ(largestRows(matrixOf(2, {1, 1, 1 + 1e-12, 2})), (std::vector<std::size_t>{0, 1}));
   holdRows(modes, {1, 0});
   for (const LineModes& M : modes) {
     EXPECT_GE(M.TI(1, 0).real(), 0);
     EXPECT_LT(distance(product(M.TIINV, M.TI), identity(2)), 1e-9);
+  }
+}
+
+// Turned by complex factors, vectors and surge impedances still belong together.
+TEST(SharedLine, HeldRowsAreRealAndKeepTheirImpedances) {
+  const Complex y(1e-10, 3e-9), ym(0, -1e-9), z(2e-4, 4e-4), zm(1e-5, 2e-4);
+  const LinePoint point{50, matrixOf(2, {y, ym, ym, 2.0 * y}), matrixOf(2, {z, zm, zm, 0.3 * z})};
+  std::vector<LineModes> held{modesLike(point, identity(2))};
+  holdRows(held, {1, 0});
+  const LineModes& M = held[0];
+  for (std::size_t m = 0; m < 2; ++m) {
+    Complex Y = 0;
+    for (std::size_t e = 0; e < 4; ++e)
+      Y += M.TIINV(m, e / 2) * point.Y(e / 2, e % 2) * M.TIINV(m, e % 2);
+    EXPECT_NEAR(M.TI(1 - m, m).imag(), 0, 1e-12);
+    EXPECT_LT(std::abs(M.Zc[m] * Y - M.gamma[m]), 1e-9 * std::abs(M.gamma[m]));
   }
 }
 

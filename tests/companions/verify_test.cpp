@@ -322,8 +322,9 @@ TEST(Verify, ComparesNothingWithAStranger) {
     EXPECT_EQ(verify(examples + words + of).first, 2) << words;
   for (const char* length : {"0", "-1", "text", "nan"})
     EXPECT_EQ(verify(examples + "line500kv.cvi /length " + length + " 2>/dev/null").first, 2);
-  for (const char* json : {"", " --json"})
+  for (const char* json : {"", " --json"}) {
     EXPECT_EQ(verify(examples + "line500kv_phase.cvi /length 1000 2>&1 >/dev/full" + json).first,
               2);
+  }
   EXPECT_EQ(verify(examples + "line500kv.cvi " + model + " /length 50000").first, 1);
 }

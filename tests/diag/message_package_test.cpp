@@ -67,10 +67,11 @@ TEST(MessagePackage, FatalEnds) {
       {[] { BAKTRC("X", "Y", 2); }, "BAKTRC: Bad value for CODE", trace(0)},
       {[] { ERRMSG("X", "Y", 4); }, "ERRMSG: Variable ACTION out of range.", ""},
   };
-  for (const auto& c : cases)
+  for (const auto& c : cases) {
     expectEnd(c.code, 12,
               "-*** ERROR: " + c.message + "--Execution terminating. ***\n" + c.trace +
                   versionLine(901120) + "\n");
+  }
 }
 
 TEST(MessagePackage, StopLevelsAndDates) {

@@ -4,6 +4,7 @@
 #include "base/constants.h"
 #include "fit/bode_delay.h"
 #include "fit/delay_groups.h"
+#include "fit/fit_driver.h"
 #include "fit/propagation_fit.h"
 #include "store/rundata.h"
 #include "store/solvedata.h"
@@ -109,4 +110,13 @@ TEST(DelayGroups, ModesWithinTenDegreesShareTheSmallestDelay) {
         BODEDLY(T.VELOC.curve(i), T.HMODE.curve(i), G.NFUSE, G.WFREQ, LENGTH, 0.01).TAU;
     EXPECT_EQ(FITMODEL.TAU[g], g <= 3 ? first : 0.0);
   }
+}
+
+TEST(PropagationFit, DelaysAboveASecondAreTold) {
+  FITMODEL.NGROUP = 2;
+  FITMODEL.TAU[1] = 0.99;
+  FITMODEL.TAU[2] = 1.01;
+  const std::string told = consoleOf([] { CHECKDELAYS(); });
+  EXPECT_EQ(told.find("(0.99 s"), std::string::npos);
+  EXPECT_NE(told.find("*WARNING*: The travel time (1.01 s )"), std::string::npos) << told;
 }

@@ -4,6 +4,9 @@
 
 #include "fit/delay_search.h"
 #include "fit/scaled_columns.h"
+#include "fit/series_fit.h"
+#include "support/console_capture.h"
+#include "support/description.h"
 #include "support/sampled_functions.h"
 
 #include <algorithm>
@@ -165,5 +168,21 @@ TEST(DelaySearch, StaysBetweenItsBounds) {
       EXPECT_GE(tried.tau[i], c.low * TAU) << i;
       EXPECT_LE(tried.tau[i], c.up * TAU) << i;
     }
+  }
+}
+
+TEST(ScaledColumns, SquaresBeyondTheLargestNumber) {
+  double a[] = {3e200, 4e200, 0, 0};
+  ColumnReals lengths;
+  scaleColumns({a, 2}, 2, 2, lengths);
+  EXPECT_NEAR(lengths[1], 5e200, 1e185);
+  EXPECT_NEAR(a[1], 0.8, 1e-15);
+  EXPECT_EQ(lengths[2], 1); // a column of zeros
+}
+
+TEST(SeriesFit, ColumnsOfItsTableStandBelowEachOther) {
+  for (const double err : {4.9e-6, 1e-5, 1e-3, 0.1}) { // the first with an exponent
+    const auto rows = splitLines(consoleOf([&] { reportSeries(20, 0.01, err, 5); }));
+    EXPECT_EQ(rows.at(3).rfind("Actual"), rows.at(2).rfind("Maximum") + 1) << rows.at(3);
   }
 }

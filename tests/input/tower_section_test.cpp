@@ -83,9 +83,10 @@ TEST(Tower, ConductorShapes) {
   EXPECT_EQ(values(C.NCOND, C.CMUR[1], C.CSTRND[1], C.ALL3PH), values(3, 1, 0, 0));
   readTower("Inner Radius: 0.010\nStrand Radius: 0.002\nNumber of Outer Strands: 18\n"
             "Total Number of Strands: 37\nConductor Relative Permeability: 1.5\n");
-  for (int i = 1; i <= 3; ++i)
+  for (int i = 1; i <= 3; ++i) {
     expectNear(values(C.CTUBE[i], C.CSTRND[i], C.CTHICK[i], C.CNOUT[i], C.CNTOT[i], C.CMUR[i]),
                values(1, 1, 0.005, 18, 37, 1.5));
+  }
 }
 
 TEST(Tower, ExternalFileMakesEntriesBundleByBundle) {

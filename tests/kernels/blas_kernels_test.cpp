@@ -145,10 +145,11 @@ TEST(BlasKernels, AreThePlainComplexLoops) {
       Complex product = 0.0;
       for (int i = 0; i < rows; ++i) {
         const Complex a = kind == 2 ? std::conj(A[j][i]) : A[j][i];
-        if (kind > 0)
+        if (kind > 0) {
           product += a * x[i];
-        else
+        } else {
           sum[i] += (alpha * x[j]) * a;
+        }
       }
       if (kind > 0) sum[j] += alpha * product;
     }

@@ -87,7 +87,10 @@ TEST(Inversion, RandomMatricesOfAnyOrderAndInPlace) {
 TEST(Inversion, StatusOfWhatIsNoInverse) {
   static LineMatrix A, R;
   for (int n : {3, 14}) { // Hilbert's matrix, condition 5e2 and 6e17
-    for (int e = 0; e < n * n; ++e) A(1 + e / n, 1 + e % n) = 1.0 / (e / n + e % n + 1);
+    for (int e = 0; e < n * n; ++e) {
+      const int i = e / n, j = e % n;
+      A(1 + i, 1 + j) = 1.0 / (i + j + 1);
+    }
     EXPECT_EQ(INVCHECKED(R, A, n), n == 3);
   }
   A(1, 1) = std::nan("");
@@ -104,13 +107,19 @@ TEST(Inversion, StatusOfWhatIsNoInverse) {
                "Verify Transmission line data", stars, "QUENT Ending!"});
     EXPECT_EQ(r.console, last < 1e-50 ? told : "");
   }
+  Complex x[2];
+  for (double last : {1.01e-20, 0.99e-20}) { // a solve wants larger pivots
+    A(2, 2) = last;
+    EXPECT_EQ(SOLVEJD(x, A, std::array<Complex, 2>{1.0, 1.0}.data(), 2), last > 1e-20);
+  }
 }
 
 TEST(BorderedSystem, VerdictIsThatOfTheFullElimination) {
   std::mt19937 random(31);
   for (int n : {1, 2, 3, 7, 20, 49}) {
     int singular = 0;
-    for (double apart = 0.1; apart > 1e-19; apart /= 10.0) {
+    for (int digits = 1; digits <= 18; ++digits) {
+      const double apart = std::pow(10.0, -digits);
       for (int trial = 0; trial < 5; ++trial) singular += solveNearPair(n, apart, random);
     }
     EXPECT_TRUE(singular > 0 || n <= 2) << n;

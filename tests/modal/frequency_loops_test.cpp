@@ -2,15 +2,20 @@
 #include "modal/first_loop.h"
 
 #include "modal/line_constants.h"
+#include "modal/lost_modes.h"
 #include "modal/second_loop.h"
+#include "modal/tracked_step.h"
 #include "store/rundata.h"
 #include "store/solvedata.h"
+#include "support/child.h"
+#include "support/console_capture.h"
 #include "support/dense_functions.h"
 #include "support/solve.h"
 #include "support/whole_run.h"
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 using namespace lcp;
 using namespace lcp::test;
@@ -82,11 +87,27 @@ TEST(FirstLoop, TwoModesOnOneSolutionAreTold) {
   EXPECT_EQ(runLine(line + "Numerical Options\n{\nImproved Modes : 1\n}\n", "1e5").errors, "");
 }
 
+TEST(FirstLoop, TheTwoModesThatAreHardlyApartAreNamed) {
+  const ChildResult child = runChild([] {
+    FirstLoopStore& S = SOLVEDATA.first;
+    RUNDATA.line.NC = 4;
+    const double rows[] = {1, 3e10, 1, 2e10};
+    for (int i = 1; i <= 4; ++i) S.TIINV(i, i) = rows[i - 1];
+    for (int i = 1; i <= 4; ++i) S.TI(i, i) = S.EIG[i] = i;
+    LostModes lost;
+    lost.look(1);
+    dup2(STDOUT_FILENO, STDERR_FILENO);
+    lost.warn();
+  });
+  EXPECT_NE(child.console.find("modes 2 and 4 can hardly be told apart"), std::string::npos);
+}
+
 TEST(FirstLoop, TheConstantTransformStepContinuesItsNeighbour) {
   // grid of 100 increments from 0.5 Hz to 1 MHz
   for (const auto& [f, start] : {std::pair{2000.0, 63}, {2e6, 106}, {0.01, 1}}) {
     const std::string key = fmt::format("Frequency to Calculate Constant Transform: {}\n", f);
-    solveFirstLoop(doubleCircuit(phaseModel(key)));
+    const std::string told = consoleOf([&] { solveFirstLoop(doubleCircuit(phaseModel(key))); });
+    EXPECT_EQ(told.find(NEWTONTITLE), std::string::npos) << f; // it starts from its pivots
     EXPECT_EQ(SOLVEDATA.first.KCT, start) << f;
     EXPECT_LE(newtonResidual(107), 1.1e-8) << f;
   }
@@ -95,7 +116,8 @@ TEST(FirstLoop, TheConstantTransformStepContinuesItsNeighbour) {
 TEST(SecondLoop, PhaseFunctionsAreThoseOfTheMatrices) {
   // H = exp(-l sqrt(Y Z)), Yc = sqrt(Y Z)^-1 Y
   for (const std::string& body :
-       {doubleCircuit(phaseModel()), singleCircuit(phaseModel(), "Transposed: 1\n")}) {
+       {doubleCircuit(phaseModel()), doubleCircuit(phaseModel(), "Transposed: 1\n"),
+        singleCircuit(phaseModel(), "Transposed: 1\n")}) {
     for (const double length : {1e3, 1e5}) {
       solveBothLoops(body, length);
       EXPECT_EQ(SOLVEDATA.first.IDEALT, RUNDATA.line.NC == 3);

@@ -156,8 +156,9 @@ TEST(CoreSequence, CircuitsAreGroundedAndTransposedAndTheSystemComesBack) {
     const Grounding saved = groundSheaths(F);
     for (const auto& [M, all] :
          {std::pair{&SOLVEDATA.first.ZMAT, &plain.Z}, {&SOLVEDATA.first.YMAT, &plain.Y}}) {
-      const Dense expected =
-          formed(all->size(), [&](std::size_t i, std::size_t j) { return transposed(*all, i, j); });
+      const Dense expected = formed(all->size(), [whole = all](std::size_t i, std::size_t j) {
+        return transposed(*whole, i, j);
+      });
       EXPECT_LT(distance(corner(*M, n), expected), 1e-13) << n << piped;
     }
     restoreSheaths(saved, F);

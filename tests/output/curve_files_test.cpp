@@ -159,31 +159,33 @@ TEST(CurveFiles, OfTheModeModelAreItsModesAndEnds) {
   const std::string body =
       singleCircuit(modeModel("Write Detailed Output Files: 1\n"), "ShuntConductance: 1e-11\n");
   solveBothLoops(body, LENGTH);
-  const ProgramRun run = runLine("Line Summary\n{\nLine Name: x\n}\n" + body, "1e5");
-  const Files& files = run.files;
+  const std::string named = "Line Summary\n{\nLine Name: x\n}\n" + body;
   const SecondLoopStore& T = SOLVEDATA.second;
-  const auto modes = readModel(files.at("a.cvo")).modes;
-  expectCurve(files, "zcmm", "zcpm", ofModes([&](int k, int i) { return T.ZSURGST(k, i); }), 1.2e-7,
-              0.1);
-  const auto undelayed = [&](int k, int i) {
-    const double delay = 1e-3 * modes[static_cast<std::size_t>(i) - 1].delay;
-    return T.HMODE(k, i) * std::polar(1.0, SOLVEDATA.grid.WFREQ[k] * delay);
-  };
-  expectCurve(files, "amm", "apm", ofModes(undelayed), 1.2e-7, 0.02);
-  for (const std::vector<double>& row : rowsOf(files, "apm")) {
-    for (std::size_t c = 2; c < 8; ++c) EXPECT_TRUE(row[c] <= 0 && row[c] > -360) << row[c];
-  }
-  expectCurve(files, "timm", "tipm", elementsOf(T.TIST), 1.2e-7, 0.3);
-  expectCurve(files, "zs", "", upperOf(SOLVEDATA.at.ZSTORE));
-  expectCurve(files, "ys", "", upperOf(SOLVEDATA.at.YSTORE));
-  for (const bool shorted : {true, false}) {
-    const std::string input = shorted ? "short" : "open", sent = shorted ? "gdis" : "gdio";
-    expectCurve(files, input, input, ofModes([&](int k, int i) {
-                  const Complex tanh = std::tanh(T.GAMLEN(k, i));
-                  return T.ZSURGST(k, i) * (shorted ? tanh : 1.0 / tanh);
-                }));
-    expectCurve(
-        files, sent, sent, [&](int k) { return sentOf(k, shorted); }, 1e-6);
+  for (const char* options : {"", "Numerical Options\n{\nImproved Fits : 1\n}\n"}) {
+    const Files files = runLine(named + options, "1e5").files;
+    const auto modes = readModel(files.at("a.cvo")).modes;
+    expectCurve(files, "zcmm", "zcpm", ofModes([&](int k, int i) { return T.ZSURGST(k, i); }),
+                1.2e-7, 0.1);
+    const auto undelayed = [&](int k, int i) {
+      const double delay = 1e-3 * modes[static_cast<std::size_t>(i) - 1].delay;
+      return T.HMODE(k, i) * std::polar(1.0, SOLVEDATA.grid.WFREQ[k] * delay);
+    };
+    expectCurve(files, "amm", "apm", ofModes(undelayed), 1.2e-7, 0.02);
+    for (const std::vector<double>& row : rowsOf(files, "apm")) {
+      for (std::size_t c = 2; c < 8; ++c) EXPECT_TRUE(row[c] <= 0 && row[c] > -360) << row[c];
+    }
+    expectCurve(files, "timm", "tipm", elementsOf(T.TIST), 1.2e-7, 0.3);
+    expectCurve(files, "zs", "", upperOf(SOLVEDATA.at.ZSTORE));
+    expectCurve(files, "ys", "", upperOf(SOLVEDATA.at.YSTORE));
+    for (const bool shorted : {true, false}) {
+      const std::string input = shorted ? "short" : "open", sent = shorted ? "gdis" : "gdio";
+      expectCurve(files, input, input, ofModes([&](int k, int i) {
+                    const Complex tanh = std::tanh(T.GAMLEN(k, i));
+                    return T.ZSURGST(k, i) * (shorted ? tanh : 1.0 / tanh);
+                  }));
+      expectCurve(
+          files, sent, sent, [&](int k) { return sentOf(k, shorted); }, 1e-6);
+    }
   }
 }
 

@@ -18,6 +18,7 @@
 #include "support/written_model.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <fmt/format.h>
 #include <gtest/gtest.h>
@@ -326,4 +327,32 @@ TEST(Report, LongRowsGoOnInANewRecord) {
     EXPECT_EQ(first[1].size(), n == 25 ? 1 + 25 * 34 : (n - 25) * 34) << n;
     EXPECT_EQ(first[1].starts_with("   0.260000000E+02,0.000000000E+00"), n > 25);
   }
+}
+
+TEST(Report, TheMinimumDelayIsInMilliseconds) {
+  for (const auto& [milliseconds, shown] :
+       {std::pair{false, " 0.200000000"}, {true, " 0.000200000"}}) {
+    const Scratch scratch;
+    TextFile file;
+    ASSERT_TRUE(file.open(scratch.file("report"), EarlyEnd::REMOVE));
+    MINDELAY(file, std::array{3e-4, 2e-4}, milliseconds);
+    file.close();
+    EXPECT_NE(contentOf(scratch.file("report")).find(shown), std::string::npos);
+  }
+}
+
+TEST(Report, PartsBelowTheToleranceAreZeroInAllMatrices) {
+  const std::string display =
+      "Output File Display Options\n{\nZero Tolerance for Display : 1e9\n}\n";
+  const auto rows = splitLines(
+      runLine(singleCircuit(bergeronModel(), "ShuntConductance: 1e-11\n") + display, "1e5")
+          .files.at("a.out"));
+  int matrices = 0;
+  for (std::size_t k = 0; k + 1 < rows.size(); ++k) {
+    if (rows[k].find(" MATRIX ") == std::string::npos || rows[k].starts_with(" SEQUENCE T"))
+      continue;
+    ++matrices;
+    EXPECT_EQ(rows[k + 1].find_first_of("123456789"), std::string::npos) << rows[k];
+  }
+  EXPECT_EQ(matrices, 9);
 }

@@ -196,6 +196,14 @@ TEST(EnforcedLines, CurvesShowTheFitBeforeIt) {
     EXPECT_EQ(fit.files.at(file), mended.files.at(file)) << file;
 }
 
+TEST(EnforcedLines, CurvesOfTheImprovedMethodShowTheMendedModel) {
+  const std::string detail = "Write Detailed Output Files: 1\n";
+  std::string model = mendedFit(0.2) + "Numerical Options\n{\nImproved Passivity : 1\n}\n";
+  model.insert(model.find("Maximum iterations"), detail);
+  EXPECT_NE(runSingle(fitOf(0.2, detail)).files.at("_hmp.out"),
+            runSingle(model).files.at("_hmp.out"));
+}
+
 TEST(EnforcedLines, ArePassiveBetweenThePointsOfTheGrid) {
   const struct {
     ProgramRun run;

@@ -1,4 +1,5 @@
 // The program as started by a user: length steps, and files that cannot be written.
+#include "run/output_names.h"
 #include "support/compare_text.h"
 #include "support/description.h"
 #include "support/scratch.h"
@@ -30,9 +31,11 @@ TEST(Program, LengthStepsAreRunsOfTheirOwn) {
       "Line Summary\n{\nLine Name: x\n}\nOutput File Display Options\n{\nCreate PI-Section: 1\n"
       "Base Voltage for Display : 230\nBase MVA for Display : 100\n}\n";
   std::string component; // for the last length, at the same frequency for every model
-  for (const std::string& model : {bergeronModel("Frequency for Loss Approximation: 2000\n"),
-                                   modeModel(), phaseModel(EVENWEIGHTS + "DC Correction Type: 2\n"),
-                                   "MFDTD Model Options\n{\n" + EVENWEIGHTS + "}\n"}) {
+  const std::string shown = "Output File Display Options\n{\nFrequency for Calculation : 1000\n}\n";
+  for (const std::string& model :
+       {bergeronModel("Frequency for Loss Approximation: 2000\n") + shown, modeModel(),
+        phaseModel(EVENWEIGHTS + "DC Correction Type: 2\n"),
+        "MFDTD Model Options\n{\n" + EVENWEIGHTS + "}\n"}) {
     // MFDTD keeps the pivots of the previous length, which affects the last digits
     const double within = model.starts_with("MFDTD") ? 1e-12 : 0.0;
     const std::string body = doubleCircuit(model) + bases;
@@ -100,5 +103,16 @@ TEST(Program, EarlyEndsLeaveFilesInOrder) {
     std::string left;
     for (const char* name : names) left += stateOf(scratch.path() / name);
     EXPECT_EQ(left, c.left) << c.console;
+  }
+}
+
+TEST(Program, WhatStandsBehindTheExtensionStaysBehindTheNames) {
+  lcp::RunControl run;
+  run.FNAME = "a.cvi-long-name";
+  const lcp::BaseName base = lcp::chooseBaseName(run);
+  for (const auto& [steps, name] : {std::pair{1, "a.cvo long-name"}, {3, "a_002.cvo -name"}}) {
+    run.FOUTM = run.FNAME;
+    lcp::nameOutputs(run, base, 2, steps);
+    EXPECT_EQ(run.FOUTM.text(), name);
   }
 }

@@ -104,10 +104,31 @@ std::string joined(const std::vector<std::string>& lines, const std::string& lik
   return text;
 }
 
+// How many lines are not read where this one stands, or 0.
+std::size_t unreadAt(const std::string& line) {
+  std::size_t count = 0;
+  if (!line.ends_with(" lines, not read")) return 0;
+  return std::sscanf(line.c_str(), "@@ %zu", &count) == 1 ? count : 0;
+}
+
+std::vector<std::string> withoutUnread(const std::vector<std::string>& lines,
+                                       const std::vector<std::string>& before) {
+  std::vector<std::string> kept;
+  std::size_t at = 0;
+  for (const std::string& line : before) {
+    const std::size_t count = unreadAt(line);
+    if (count > 0 || at < lines.size()) kept.push_back(count > 0 ? line : lines[at]);
+    at += std::max<std::size_t>(count, 1);
+  }
+  for (; at < lines.size(); ++at) kept.push_back(lines[at]);
+  return kept;
+}
+
 } // namespace
 
-std::string blocksCut(const std::string& text, const Tolerances& t) {
-  const auto lines = splitLines(text);
+std::string blocksCut(const std::string& text, const std::string& before, const Tolerances& t) {
+  const auto lines = splitLines(text), old = splitLines(before);
+  if (std::any_of(old.begin(), old.end(), unreadAt)) return joined(withoutUnread(lines, old), text);
   std::vector<std::string> kept;
   for (std::size_t i = 0, end = 0; i < lines.size(); i = end) {
     end = i + 1;
@@ -130,29 +151,33 @@ std::string blocksFilled(const std::string& expected, const std::string& actual,
   const auto got = splitLines(actual);
   std::vector<std::string> filled;
   for (const std::string& line : splitLines(expected)) {
-    std::size_t count = 0;
+    std::size_t count = unreadAt(line);
     double sum = 0.0;
-    if (std::sscanf(line.c_str(), "@@ %zu lines, sum %lf", &count, &sum) != 2) {
+    const bool read = count == 0;
+    if (read && std::sscanf(line.c_str(), "@@ %zu lines, sum %lf", &count, &sum) != 2) {
       filled.push_back(line);
       continue;
     }
     const std::size_t first = filled.size();
-    if (first == 0 || count == 0 || got.size() < first + count) {
+    if ((read && first == 0) || count == 0 || got.size() < first + count) {
       wrong = fmt::format("line {}: the text ends before |{}| does\n", first + 1, line);
       return expected;
     }
     const Lines block(&got[first], count);
     for (const std::string& l : block) {
-      if (wrong.empty() && !sameShape(filled[first - 1], l))
+      if (read && wrong.empty() && !sameShape(filled[first - 1], l)) {
         wrong = fmt::format("line {}: |{}| is not like |{}|\n", filled.size() + 1, l,
                             filled[first - 1]);
+      }
       filled.push_back(l);
     }
     if (!wrong.empty()) return expected;
+    if (!read) continue;
     const Sum is = sumOf(block, t);
-    if (!(std::fabs(is.value - sum) <= is.slack))
+    if (!(std::fabs(is.value - sum) <= is.slack)) {
       wrong = fmt::format("lines {} to {}: |{}|, expected |{}|\n", first + 1, first + count,
                           sumLine(block, t), line);
+    }
   }
   return joined(filled, expected);
 }

@@ -10,6 +10,10 @@
 // itself, down to line / scalar of the largest number of its column. The weights w, from 1 to 2,
 // tell two exchanged numbers. The sum may be off by the tolerances of two numbers, so it holds over
 // every sound linear algebra and not with one number that is wrong.
+//
+// In place of lines that another case holds stands
+//
+//     @@ 61 lines, not read
 #pragma once
 
 #include "support/compare_text.h"
@@ -18,8 +22,9 @@
 
 namespace lcp::test {
 
-// The text with its long blocks cut, but for lines that are free.
-std::string blocksCut(const std::string& text, const Tolerances& t);
+// The text with its long blocks cut, but for lines that are free. Where the text before it left
+// lines unread, those and no others are left out again.
+std::string blocksCut(const std::string& text, const std::string& before, const Tolerances& t);
 
 // The expected text with the lines of the actual one in place of its sums; `wrong` says which sum
 // does not fit, and stays empty otherwise.

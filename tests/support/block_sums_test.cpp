@@ -35,7 +35,7 @@ TEST(BlockSums, TellOneWrongNumber) {
     };
     std::vector<std::string> lines{"A head"};
     for (int i = 0; i < 24; ++i) lines.push_back(row(i, 1));
-    const std::string cut = blocksCut(joined(lines), t);
+    const std::string cut = blocksCut(joined(lines), "", t);
     EXPECT_EQ(splitLines(cut).size(), 5U) << cut;
     EXPECT_EQ(difference(cut, joined(lines), t), "");
     for (std::size_t at = 3; at < 24; ++at) {
@@ -67,8 +67,19 @@ TEST(BlockSums, LeaveWhatIsShortFreeOrNoNumbers) {
   const Tolerances t{1e-9, 1e-9, 1e-12}, freed{1e-9, 1e-9, 1e-12, {{3, 3, Free::SIGNS}}};
   for (const std::string& text :
        {nine, nine + " 0.60\n", nine + " x.6\n", nine + "\n" + nine, std::string("\n\n")})
-    EXPECT_EQ(blocksCut(text, t), text);
-  EXPECT_EQ(blocksCut(ten, freed), ten);
-  EXPECT_NE(blocksCut(ten, t), ten);
-  EXPECT_NE(difference(blocksCut(ten, t), " 0.1\n 0.2\n", t), "");
+    EXPECT_EQ(blocksCut(text, "", t), text);
+  EXPECT_EQ(blocksCut(ten, "", freed), ten);
+  EXPECT_NE(blocksCut(ten, "", t), ten);
+  EXPECT_NE(difference(blocksCut(ten, "", t), " 0.1\n 0.2\n", t), "");
+}
+
+TEST(BlockSums, LinesThatAreNotReadStayOut) {
+  const Tolerances t{1e-9, 1e-9, 1e-12};
+  const std::string text = "a\nb\nc\nd\ne\n", cut = "@@ 3 lines, not read\nd\ne\n";
+  EXPECT_EQ(blocksCut(text, cut, t), cut);
+  EXPECT_EQ(blocksCut(text + "f\n", cut, t), cut + "f\n");
+  EXPECT_EQ(difference(cut, text, t), "");
+  EXPECT_EQ(difference(cut, "a\nx\ny\nd\ne\n", t), "");
+  for (const char* other : {"a\nb\nc\nx\ne\n", "a\nb\nd\ne\n", "a\nb\n"})
+    EXPECT_NE(difference(cut, other, t), "") << other;
 }

@@ -21,7 +21,8 @@ namespace {
 const std::string TOWER = "Line Constants Tower\n{\n";
 
 // A circuit whose first conductor has this number, and the positions of its conductors.
-std::string circuit(int first, const std::vector<std::pair<double, double>>& places) {
+std::string circuit(int first, const std::vector<std::pair<double, double>>& places,
+                    const std::string& lines = "") {
   std::string phases, positions;
   int k = 0;
   for (const auto& [x, y] : places) {
@@ -29,8 +30,8 @@ std::string circuit(int first, const std::vector<std::pair<double, double>>& pla
     positions += fmt::format("P{} : {:.6f} {:.6f}\n", k, x, y);
   }
   return fmt::format("Circuit\n{{\nConductors: {}\nConductor Phase Information:{}\nRadius: 0.0153\n"
-                     "DCResistance: 0.0587\nSag: 7\nShuntConductance: 1e-11\n{}}}\n",
-                     places.size(), phases, positions);
+                     "DCResistance: 0.0587\nSag: 7\nShuntConductance: 1e-11\n{}{}}}\n",
+                     places.size(), phases, positions, lines);
 }
 
 std::string groundWire(double x, double y) {
@@ -45,19 +46,21 @@ std::string singleCircuit(const std::string& model, const std::string& circuitLi
   return summary(3) + threePhaseTower(circuitLines, groundWire(0.5, 28)) + model;
 }
 
-std::string doubleCircuit(const std::string& model) {
-  return summary(6) + TOWER + circuit(1, {{-5.5, 17.5}, {-7.15, 24}, {-4.95, 30.5}}) +
-         circuit(4, {{5.5, 17.5}, {7.15, 24}, {4.95, 30.5}}) + groundWire(0, 40) + "}\n" + model;
+std::string doubleCircuit(const std::string& model, const std::string& circuitLines) {
+  return summary(6) + TOWER + circuit(1, {{-5.5, 17.5}, {-7.15, 24}, {-4.95, 30.5}}, circuitLines) +
+         circuit(4, {{5.5, 17.5}, {7.15, 24}, {4.95, 30.5}}, circuitLines) + groundWire(0, 40) +
+         "}\n" + model;
 }
 
 std::string manyCircuits(int n, const std::string& model) {
   std::string body = summary(n);
   for (int node = 1; node <= n; node += 3) {
-    const int circuits = node / 3, level = circuits % 4 / 2, side = circuits % 2 == 0 ? -1 : 1;
+    const int circuits = node / 3, tower = circuits / 4, level = circuits % 4 / 2,
+              side = circuits % 2 == 0 ? -1 : 1;
     if (circuits % 4 == 0) body += circuits == 0 ? TOWER : "}\n" + TOWER;
     std::vector<std::pair<double, double>> places;
     for (int phase = 0; phase < std::min(3, n + 1 - node); ++phase) {
-      places.emplace_back(45 * (circuits / 4) + 8 * side + 2.1 * side * (phase - 1) + 0.13 * node,
+      places.emplace_back(45 * tower + 8 * side + 2.1 * side * (phase - 1) + 0.13 * node,
                           16 + 7 * level + 2.3 * phase + std::fmod(0.17 * node, 3));
     }
     body += circuit(node, places);

@@ -11,7 +11,8 @@ namespace lcp::test {
 
 // Descriptions of lines, with the lines of a model section at the end.
 std::string singleCircuit(const std::string& model, const std::string& circuitLines = "");
-std::string doubleCircuit(const std::string& model); // two untransposed circuits on one tower
+// Two circuits on one tower, untransposed if these lines of both do not say otherwise.
+std::string doubleCircuit(const std::string& model, const std::string& circuitLines = "");
 
 std::string manyCircuits(int n, const std::string& model); // n wires in circuits of three, four to
                                                            // a tower, no two alike

@@ -4,9 +4,10 @@
 //   arguments   one argument of the command line a line; paths are relative to the directory of
 //               the run, a scratch directory with a copy of the case
 //   console     what the run prints, lines of the error stream first
-//   status      its exit status
+//   status      its exit status, 0 when not given
 //   expected/   the files it writes, all of them; absent when it writes none
-//   tolerance   how close numbers must be: matrix, scalar and line (see compare_text.h); then lines
+//   tolerance   how close numbers must be: matrix, scalar and line (see compare_text.h), 1e-9, 1e-9
+//               and 1e-12 when not given; then lines
 //               "signs FILE FIRST LAST" and "basis FILE FIRST LAST": eigenvectors whose signs,
 //               whose basis is free (or any numbers whose columns alone count), and
 //               "width FILE FIRST LAST": numbers of any width

@@ -19,7 +19,7 @@ inline Dense denseOf(const companions::Matrix& A) {
 
 // Reads a file completely; its poles must be stable and next to their conjugates.
 inline ModelFile readModel(const std::string& text) {
-  const ModelFile file = companions::parseModelFile(text);
+  ModelFile file = companions::parseModelFile(text);
   EXPECT_EQ(file.trouble, "") << text;
   for (const companions::Finding& f : companions::checkPoles(file, {}))
     EXPECT_NE(f.verdict, companions::Verdict::BAD) << f.subject << f.where;

@@ -134,10 +134,14 @@ class CheckStructure(unittest.TestCase):
         for path, text, lines in (("tests/x.cpp", code, 6), ("tests/x.py", "# no\n\nx = 1  # yes\n", 3),
                                   ("tests/x.sh", "#!/bin/sh\n  # no\nls\n", 3), ("tests/x.txt", "a\n" * 9, 2)):
             self.assertIn(f"code of the tests: {lines} to 8 of", self.run_check({path: text})[0][0])
-        for tests, rest, right in ((24, 100, False), (25, 100, True), (33, 100, True), (34, 100, False)):
+        for tests, rest, right in ((24, 100, False), (25, 100, True), (30, 100, True), (31, 100, False)):
             files = {"tests/a_test.cpp": "x\n" * tests, "python/a.py": "x\n" * (rest - 9), "tools/a.js": "x\n"}
             wrong = self.run_check(files)[0][2:]
-            self.assertEqual(wrong, [] if right else [f"code of the tests: {tests}.0 %, not in 25 to 33 %\n"])
+            self.assertEqual(wrong, [] if right else [f"code of the tests: {tests}.0 %, not in 25 to 30 %\n"])
+        files = {"tests/a_test.cpp": "x\n" * 25, "python/a.py": "x\n" * 91, "tools/a.js": "x\n"}
+        for data, told in ((25, []), (35, ["all lines of tests/: "])):
+            lines = self.run_check({**files, "tests/data.txt": "x\n" * data})[0][2:]
+            self.assertEqual([line[:21] for line in lines], told)
 
 
 if __name__ == "__main__":
