@@ -6,7 +6,7 @@
 
 namespace lcp::companions {
 
-// Exit status: 0 nothing found, 1 findings, 2 the program would refuse the file.
+// Exit status: 0 nothing found or notes alone, 1 findings, 2 the program would refuse the file.
 int checkDescription(std::span<char* const> arguments);
 
 } // namespace lcp::companions

@@ -1,8 +1,10 @@
 #include "companions/check/geometry_rules.h"
 
+#include "base/constants.h"
+#include "companions/check/materials.h"
+#include "companions/check/strand_rules.h"
 #include "companions/check/traced.h"
 #include "companions/shared/wires.h"
-#include "input/cable_hints.h"
 #include "store/rundata.h"
 
 #include <algorithm>
@@ -13,159 +15,209 @@ namespace lcp::companions {
 
 namespace {
 
-constexpr double LEASTGAP = 1e-3; // m, between two phases
-
-// Usual resistivities, ohm m.
-struct Range {
-  double least, most;
-  bool holds(double x) const { return x >= least && x <= most; }
-};
-constexpr Range COPPERALUMINIUM = {1e-8, 1.5e-7}; // cores and phase conductors
-constexpr Range METALS = {1e-8, 2e-6};            // sheaths of lead, armours and wires of steel
+constexpr double LEASTGAP = 1e-3;        // m, between two phases
+constexpr double THINRADIUS = 8.5e-3;    // m: a phase conductor up to this can be of steel
+constexpr double LOWEST = 1.5;           // m above the ground, at mid-span
+constexpr double HIGHEST = 250;          // m, at a river crossing
+constexpr double WIDEST = 70;            // m, from phase to phase of a circuit
+constexpr double MOSTCONDUCTANCE = 5e-9; // S/m: the susceptance at 60 Hz
+constexpr double MOSTBUNDLE = 2;         // m, between sub-conductors
+constexpr double TOUCHINGPAIR = 1.3, OPENPAIR = 4; // diameters: twisted pair, smallest spacers
+constexpr double TOUCHING = 1 - 1e-6;              // diameters, rounded
+constexpr double NEEDSWIRE = 20; // m: a line as high as this usually has a ground wire
 constexpr Range SOILS = {0.1, 1e5};
+constexpr Range STEELWIRES = {5e-8, 1e-6};
+constexpr Range ANYWIRE = {0, 1};           // strands of steel and aluminium side by side
+constexpr double MOSTSOILPERMITTIVITY = 85; // of water
 
-std::string number(double x) { return fmt::format("{:.4g}", x); }
+// --- one conductor
 
-// Properties shared by a group are reported once.
-void addOnce(Findings& findings, int line, Kind kind, std::string_view a, std::string_view b,
-             std::string_view c = {}) {
-  const bool there = std::any_of(findings.begin(), findings.end(), [&](const CheckFinding& f) {
-    return f.line == line && f.kind == kind;
-  });
-  if (!there) add(findings, line, kind, a, b, c);
+struct Slip {
+  double factor; // of the resistivity, where this explains it
+  std::string better;
+};
+
+// Sub-conductors of the bundle of conductor i.
+int bundleSize(int i) {
+  int n = 0;
+  for (int j = 1; j <= RUNDATA.cond.NCOND; ++j) n += mainOfWire(j) == mainOfWire(i) ? 1 : 0;
+  return n;
 }
 
-void resistivity(Findings& findings, int line, std::string_view name, double rho, Range range) {
-  if (range.holds(rho)) return;
-  addOnce(findings, line, Kind::Resistivity, name, number(rho),
-          fmt::format("{:.1e} to {:.1e}", range.least, range.most));
+// What gives the metal a usual resistivity: a resistance or radii with another unit or meaning.
+std::string betterMetal(int i, double rho) {
+  const ConductorTable& C = RUNDATA.cond;
+  const double R = C.CRDC[i] * KM, r = C.CRAD[i];
+  const int n = bundleSize(i);
+  const bool byRadius = C.CTUBE[i] || !C.CSTRND[i];
+  const Range usual = isGroundWire(i) ? Range{2.5e-8, 3.5e-7} : Range{1.6e-8, 6.5e-8};
+  const auto resistance = [&](double factor) {
+    return fmt::format("; DCResistance: {:.4g} would be", R * factor);
+  };
+  const auto radius = [&](double factor, std::string_view why) {
+    return fmt::format("; Radius: {:.4g} would be, {}", r * factor, why);
+  };
+  const Slip slips[] = {
+      {double(n > 1 ? n : 0), resistance(n) + ", of one sub-conductor"},
+      {byRadius ? 0.25 : 0, radius(0.5, "if this is the diameter")},
+      {byRadius ? 4.0 : 0, radius(2, "if this is half of it")},
+      {-1, resistance(-1)},
+      {10, resistance(10)},
+      {0.1, resistance(0.1)},
+      {1000, resistance(1000) + ", if this is ohm/m"},
+      {byRadius ? 1e-6 : 0, radius(1e-3, "if this is in mm")},
+      {byRadius ? 1e-4 : 0, radius(1e-2, "if this is in cm")},
+      {byRadius ? 100.0 : 0, radius(10, "ten times as much")},
+      {1e-3, resistance(1e-3)},
+  };
+  for (const Slip& s : slips) {
+    if (usual.holds(rho * s.factor)) return s.better;
+  }
+  return R == 0 ? "; DCResistance must be given" : r == 0 ? "; Radius must be given" : "";
 }
 
-void permittivity(Findings& findings, int line, std::string_view name, double eps) {
-  if (eps < 1) add(findings, line, Kind::Permittivity, name, number(eps));
+void metal(Findings& findings, int i, int section, const std::string& name) {
+  const ConductorTable& C = RUNDATA.cond;
+  const double rho = resistivityOfWire(i), hole = C.CRAD[i] - C.CTHICK[i];
+  if (C.CTUBE[i] && (hole < 0 || C.CTHICK[i] <= 0)) {
+    addOnce(findings, std::max(lineOrHeading(&C.CRAD, section), innerRadiusLine(section)),
+            Kind::Hole, name, number(hole), number(C.CRAD[i]));
+    return;
+  }
+  Range usual = isGroundWire(i) ? GROUNDWIRES : COPPERALUMINIUM;
+  if (!isGroundWire(i) && C.CRAD[i] <= THINRADIUS) usual = THINWIRES;
+  resistivity(findings, lineOrHeading(&C.CRDC, section), name, rho, usual, betterMetal(i, rho));
+  metalPermeability(findings, lineOrHeading(&C.CMUR, section), name, C.CMUR[i], rho,
+                    isGroundWire(i) ? ANYWIRE : STEELWIRES);
 }
 
-void permeability(Findings& findings, int line, std::string_view name, double mu) {
-  if (!(mu > 0)) add(findings, line, Kind::Permeability, name, number(mu));
+void height(Findings& findings, int i, int section, const std::string& name) {
+  const ConductorTable& C = RUNDATA.cond;
+  const double lowest = C.CY[i] - C.CSAG[i];
+  if (C.CRAD[i] >= C.CYAVG[i]) {
+    addOnce(findings, lineOrHeading(&C.CRAD, section), Kind::RadiusAboveHeight, name,
+            number(C.CRAD[i]), number(C.CYAVG[i]));
+  }
+  const int sagLine = lineOrHeading(&C.CSAG, section);
+  if (C.CSAG[i] > 0 && lowest <= 0) {
+    addOnce(findings, sagLine, Kind::SagAboveHeight, name, number(C.CSAG[i]), number(C.CY[i]));
+  } else if (C.CSAG[i] < 0) {
+    addOnce(findings, sagLine, Kind::UnusualNumber, "Sag", number(C.CSAG[i]),
+            fmt::format("values above 0; {:.4g} would be", -C.CSAG[i]));
+  } else if (C.CY[i] > HIGHEST || (C.CY[i] > 0 && lowest < LOWEST)) {
+    const bool sag = C.CY[i] <= HIGHEST && C.CSAG[i] > 0;
+    addOnce(findings, sag ? sagLine : positionLine(section), Kind::Clearance, name, number(C.CY[i]),
+            number(lowest) + " m; usual are 1.5 to 250" + powerOfTen(C.CY[i], 5, 100));
+  }
 }
 
-void depth(Findings& findings, int line, std::string_view name, bool aerial, double y) {
-  if (!(y > 0)) add(findings, line, Kind::Depth, aerial ? "height" : "depth", name, number(y));
+void conductance(Findings& findings, int i, int section, const std::string& name) {
+  const double G = RUNDATA.cond.CSHUNT[i];
+  const std::string_view why = G < 0 ? ", below 0" : ", above the susceptance at 60 Hz";
+  if (G < 0 || G > MOSTCONDUCTANCE) {
+    addOnce(findings, lineOrHeading(&RUNDATA.cond.CSHUNT, section), Kind::Conductance, name,
+            number(G), why);
+  }
 }
-
-// --- overhead conductors
 
 void oneWire(Findings& findings, int i) {
   const ConductorTable& C = RUNDATA.cond;
   const int section = sectionOfConductor(C.CX[i], C.CY[i]);
   const std::string name = nameOfWire(i);
-  if (C.CRAD[i] >= C.CYAVG[i]) {
-    addOnce(findings, lineOrHeading(&C.CRAD, section), Kind::RadiusAboveHeight, name,
-            number(C.CRAD[i]), number(C.CYAVG[i]));
+  height(findings, i, section, name);
+  metal(findings, i, section, name);
+  conductance(findings, i, section, name);
+  if (C.CSTRND[i]) strandRules(findings, i, section, name);
+}
+
+// --- two conductors
+
+void bundled(Findings& findings, int i, int section, double d) {
+  const double diameter = 2 * RUNDATA.cond.CRAD[i];
+  if (d < diameter * TOUCHING) {
+    addOnce(findings, bundleLine(section), Kind::TightBundle, nameOfWire(mainOfWire(i)), number(d),
+            number(diameter));
   }
-  if (C.CSAG[i] > 0 && C.CSAG[i] >= C.CY[i]) {
-    addOnce(findings, lineOrHeading(&C.CSAG, section), Kind::SagAboveHeight, name,
-            number(C.CSAG[i]), number(C.CY[i]));
+}
+
+// The nearest sub-conductor of the same bundle: it touches, or spacers hold it.
+void bundleSpacing(Findings& findings, int i) {
+  const ConductorTable& C = RUNDATA.cond;
+  double d = INFINITY;
+  for (int j = 1; j <= C.NCOND; ++j) {
+    if (j != i && mainOfWire(j) == mainOfWire(i))
+      d = std::min(d, std::hypot(C.CX[i] - C.CX[j], C.CY[i] - C.CY[j]));
   }
-  resistivity(findings, lineOrHeading(&C.CRDC, section), name, resistivityOfWire(i),
-              isGroundWire(i) ? METALS : COPPERALUMINIUM);
+  const double diameter = 2 * C.CRAD[i];
+  const bool wide = std::isfinite(d) && d > MOSTBUNDLE;
+  if (!wide && (d < diameter * TOUCHINGPAIR || d > diameter * OPENPAIR)) return;
+  addOnce(findings, bundleLine(sectionOfConductor(C.CX[i], C.CY[i])), Kind::Spacing,
+          "two sub-conductors of " + nameOfWire(mainOfWire(i)), number(d),
+          fmt::format(", usual are 0.2 to 0.6{}", powerOfTen(d, 0.2, 0.6)));
 }
 
 void twoWires(Findings& findings, int i, int j) {
   const ConductorTable& C = RUNDATA.cond;
   const double d = std::hypot(C.CX[i] - C.CX[j], C.CY[i] - C.CY[j]);
   const double radii = C.CRAD[i] + C.CRAD[j];
-  if (d >= std::max(radii, LEASTGAP)) return;
   const int section = sectionOfConductor(C.CX[j], C.CY[j]);
+  const bool oneCircuit =
+      circuitOfWire(i) == circuitOfWire(j) && !isGroundWire(i) && !isGroundWire(j);
   if (mainOfWire(i) == mainOfWire(j)) {
-    if (d < radii) {
-      addOnce(findings, bundleLine(section), Kind::TightBundle, nameOfWire(mainOfWire(i)),
-              number(d), number(radii));
-    }
-  } else {
+    bundled(findings, i, section, d);
+  } else if (d < std::max(radii, LEASTGAP)) {
     addOnce(findings, positionLine(section), Kind::Touching, nameOfWire(i), nameOfWire(j),
             number(d));
+  } else if (oneCircuit && std::fabs(C.CX[i] - C.CX[j]) > WIDEST) {
+    addOnce(findings, positionLine(section), Kind::Spacing, nameOfWire(i) + " and " + nameOfWire(j),
+            number(d), ", in one circuit usual are up to 30" + powerOfTen(d, 3, 30));
   }
 }
 
 void wireAbove(Findings& findings) {
   const ConductorTable& C = RUNDATA.cond;
   double phases = 0, wires = 0;
+  bool any = false;
+  int line = 0;
   for (int i = 1; i <= C.NCOND; ++i) {
-    double& highest = isGroundWire(i) ? wires : phases;
+    const bool wire = isGroundWire(i);
+    double& highest = wire ? wires : phases;
     highest = std::max(highest, C.CY[i]);
+    any = any || wire;
+    if (wire) line = positionLine(sectionOfConductor(C.CX[i], C.CY[i]));
   }
-  if (phases > 0 && wires <= phases) add(findings, 0, Kind::NoWireAbove);
+  if ((any || phases >= NEEDSWIRE) && wires <= phases) add(findings, line, Kind::NoWireAbove);
 }
 
-// --- cables
+// --- nodes
 
-struct LayerNames {
-  std::string_view conductor, insulator;
-};
-constexpr LayerNames LAYERS[] = {{"the core", "insulator 1"},
-                                 {"the sheath", "insulator 2"},
-                                 {"the armour", "insulator 3"},
-                                 {"the outside conductor", "insulator 4"}};
-
-// Line of a key of cable n, or else of its position.
-int cableLine(const void* target, int n) {
-  const int line = lineOf(target, -1, n);
-  return line != 0 ? line : cablePositionLine(n);
+int mains(int role) {
+  int n = 0;
+  for (int i = 1; i <= RUNDATA.cond.NCOND; ++i) n += roleOfWire(i) == role ? 1 : 0;
+  return n;
 }
 
-void oneCable(Findings& findings, int n) {
-  const Cable& C = RUNDATA.cable.CB[n];
-  const Cable& key = READER.openCable; // the targets of the keys
-  for (std::size_t k = 0; k < std::size(LAYERS); ++k) {
-    const int layer = 2 * static_cast<int>(k) + 1;
-    const auto name = [&](std::string_view of) { return fmt::format("{} of cable {}", of, n); };
-    const std::size_t metal = 2 * k, insulator = metal + 1;
-    if (C.CBNLAY >= layer) {
-      permeability(findings, cableLine(&key.CBMU[metal], n), name(LAYERS[k].conductor),
-                   C.CBMU[metal]);
-      resistivity(findings, cableLine(&key.CBRHO[k], n), name(LAYERS[k].conductor), C.CBRHO[k],
-                  k == 0 ? COPPERALUMINIUM : METALS);
-    }
-    if (C.CBNLAY > layer) {
-      permittivity(findings, cableLine(&key.CBEPS[k], n), name(LAYERS[k].insulator), C.CBEPS[k]);
-      permeability(findings, cableLine(&key.CBMU[insulator], n), name(LAYERS[k].insulator),
-                   C.CBMU[insulator]);
-    }
+void oneNode(Findings& findings, int i) {
+  const ConductorTable& C = RUNDATA.cond;
+  const int NC = RUNDATA.line.NC, node = C.CPHASE[i];
+  const int line = phaseLine(sectionOfConductor(C.CX[i], C.CY[i]));
+  int twin = 0, absent = 0;
+  for (int j = 1; j < i; ++j) {
+    const bool connected = roleOfWire(j) == MAPMAIN || roleOfWire(j) == MAPKEPT;
+    if (connected && C.CPHASE[j] == node) twin = j;
   }
-}
-
-void pipe(Findings& findings) {
-  const PipeRecord& P = RUNDATA.cable.pipe;
-  depth(findings, headingLine("Pipe-Type Cable"), "the pipe", P.PIPEOVHD, P.PIPEY);
-  permeability(findings, lineOf(&P.PIPEMU), "the pipe", P.PIPEMU);
-  resistivity(findings, lineOf(&P.PIPERHO), "the pipe", P.PIPERHO, METALS);
-  permittivity(findings, lineOf(&P.PIPEEPSI), "the inner insulator of the pipe", P.PIPEEPSI);
-  permeability(findings, lineOf(&P.PIPEMUI), "the inner insulator of the pipe", P.PIPEMUI);
-  if (P.PIPEOUTL != 1) return;
-  permittivity(findings, lineOf(&P.PIPEEPSO), "the outer insulator of the pipe", P.PIPEEPSO);
-  permeability(findings, lineOf(&P.PIPEMUO), "the outer insulator of the pipe", P.PIPEMUO);
-}
-
-void fourWire(Findings& findings) {
-  const FourWireRecord& F = RUNDATA.cable.fourWire;
-  resistivity(findings, lineOf(&F.FWRHO), "the four conductors", F.FWRHO, COPPERALUMINIUM);
-  permittivity(findings, lineOf(&F.FWEPSI), "the insulator", F.FWEPSI);
-  if (F.FWTTAPE > 0) permittivity(findings, lineOf(&F.FWEPST), "the tape", F.FWEPST);
-  if (F.FWTMANT > 0) permittivity(findings, lineOf(&F.FWEPSM), "the mantle", F.FWEPSM);
-}
-
-// Keys overruled by the sections of the cables.
-void overruled(Findings& findings) {
-  const int& said = RUNDATA.cable.pipe.PIPENIN;
-  const int there = cablesInPipe();
-  if (RUNDATA.cable.PIPEF && said != there) {
-    add(findings, std::max(lineOf(&said), headingLine("Pipe-Type Cable")), Kind::InnerCables,
-        std::to_string(said), std::to_string(there));
+  for (int n = NC; n >= 1; --n) {
+    if (std::find(C.CPHASE.data(), C.CPHASE.data() + C.NCOND, n) == C.CPHASE.data() + C.NCOND)
+      absent = n;
   }
-  for (const LayerFlag& flag : flagsWithoutLayer()) {
-    add(findings, cableLine(flag.target, flag.cable), Kind::AbsentLayer, flag.key,
-        std::to_string(flag.cable));
+  const std::string better =
+      absent == 0 ? std::string() : fmt::format("; node {} has no conductor", absent);
+  if (node < 1 || node > NC) {
+    add(findings, line, Kind::Node, nameOfWire(i), std::to_string(node),
+        fmt::format("but nodes are 1 to {}{}", NC, better));
+  } else if (twin != 0) {
+    add(findings, line, Kind::Node, nameOfWire(i), std::to_string(node),
+        fmt::format("as {} is{}", nameOfWire(twin), better));
   }
 }
 
@@ -176,30 +228,36 @@ void conductorRules(Findings& findings) {
   for (int i = 1; i <= C.NCOND; ++i) {
     oneWire(findings, i);
     for (int j = 1; j < i; ++j) twoWires(findings, j, i);
+    if (!isGroundWire(i)) bundleSpacing(findings, i);
   }
   if (RUNDATA.run.ISCABLE == OVERHEADLINE) wireAbove(findings);
 }
 
-void cableRules(Findings& findings) {
-  const CableTable& T = RUNDATA.cable;
-  if (RUNDATA.run.ISCABLE == FOURWIRECABLE) return fourWire(findings);
-  for (int n = 1; n <= T.NCABLE - T.overhead; ++n) {
-    const bool copied = READER.identicalCables && T.CB[n].CBPIPE != 0 && n != READER.masterCable;
-    if (!copied) oneCable(findings, n);
-    const Cable& C = T.CB[n];
-    if (C.CBPIPE == 0)
-      depth(findings, cablePositionLine(n), fmt::format("cable {}", n), C.CBOVHD, C.CBY);
+void nodeRules(Findings& findings) {
+  const ConductorTable& C = RUNDATA.cond;
+  const int there = mains(MAPMAIN) + mains(MAPKEPT);
+  if (there != RUNDATA.line.NC) {
+    const int line = std::max(lineOf(&RUNDATA.line.NC), 0);
+    return add(findings, line, Kind::NodeCount, std::to_string(RUNDATA.line.NC),
+               std::to_string(there));
   }
-  if (T.PIPEF) pipe(findings);
-  overruled(findings);
+  for (int i = 1; i <= C.NCOND; ++i) {
+    const int role = roleOfWire(i);
+    if (role == MAPMAIN || role == MAPKEPT) oneNode(findings, i);
+  }
 }
 
 void soilRules(Findings& findings) {
   const Ground& G = RUNDATA.ground;
   const double rho = G.GRTYPE ? 1 / G.GSIGLF : G.GRHO;
-  if (!SOILS.holds(rho))
-    add(findings, lineOf(G.GRTYPE ? &G.GSIGLF : &G.GRHO), Kind::Soil, number(rho));
-  permittivity(findings, lineOf(&G.GEPSR), "the soil", G.GEPSR);
+  if (!SOILS.holds(rho)) {
+    const std::string better =
+        G.GRTYPE ? fmt::format("; Low Frequency Ground Conductivity: {:.4g} would be", rho)
+                 : fmt::format("; GroundResistivity: {:.4g} would be", 1 / rho);
+    add(findings, lineOf(G.GRTYPE ? &G.GSIGLF : &G.GRHO), Kind::Soil, number(rho),
+        SOILS.holds(1 / rho) ? better : "");
+  }
+  permittivity(findings, lineOf(&G.GEPSR), "the soil", G.GEPSR, MOSTSOILPERMITTIVITY);
 }
 
 } // namespace lcp::companions

@@ -1,6 +1,8 @@
 #include "companions/check/line_rules.h"
 
+#include "companions/check/entered_rules.h"
 #include "companions/check/near_key.h"
+#include "companions/check/range_rules.h"
 #include "companions/check/traced.h"
 #include "companions/check/value_rules.h"
 
@@ -160,6 +162,8 @@ void noPlace(Findings& findings, const TracedLine& line) {
 
 void keyRules(Findings& findings, const TracedLine& line, bool wholeFile) {
   valueRules(findings, line);
+  rangeRules(findings, line);
+  enteredLine(findings, line);
   if (!line.key->needs.empty()) aheadOfNeed(findings, line, line.key->needs, wholeFile);
   leadingKey(findings, line, wholeFile);
   undone(findings, line, line.key->undoes);

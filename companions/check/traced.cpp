@@ -1,6 +1,7 @@
 #include "companions/check/traced.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace lcp::companions {
 
@@ -59,6 +60,25 @@ int positionLine(int section) {
   return sectionAt(section).heading;
 }
 
+int keyLine(std::string_view key, int section) {
+  int found = sectionAt(section).heading;
+  for (const TracedLine& line : TRACE->lines()) {
+    if (line.key != nullptr && line.key->text == key && line.section == section)
+      found = line.number;
+  }
+  return found;
+}
+
+int keyLineOfCable(std::string_view key, int cable) {
+  int found = 0;
+  for (const TracedLine& line : TRACE->lines()) {
+    if (line.key != nullptr && line.key->text == key && line.open.cable == cable &&
+        line.state == State::CoaxCable)
+      found = line.number;
+  }
+  return found;
+}
+
 int cablePositionLine(int cable) {
   int found = 0;
   for (const TracedLine& line : TRACE->lines()) {
@@ -66,6 +86,13 @@ int cablePositionLine(int cable) {
       found = line.number;
   }
   return found;
+}
+
+double numberAt(int line) {
+  double value = std::numeric_limits<double>::quiet_NaN();
+  if (line > 0 && TRACE->lines()[static_cast<std::size_t>(line - 1)].key != nullptr)
+    readReal(fieldOf(TRACE->lines()[static_cast<std::size_t>(line - 1)]), value);
+  return value;
 }
 
 int bundleLine(int section) {

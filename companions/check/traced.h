@@ -4,6 +4,7 @@
 #include "input/key_rows.h"
 #include "input/trace_store.h"
 
+#include <algorithm>
 #include <span>
 #include <string_view>
 
@@ -31,8 +32,22 @@ int lineOrHeading(const void* target, int section);
 // Number of the position list line of a section, or of its heading.
 int positionLine(int section);
 
+// Number of the last line of a section with this key, or its heading; and of such a key in one
+// cable, 0 if there is none.
+int keyLine(std::string_view key, int section);
+int keyLineOfCable(std::string_view key, int cable);
+inline int phaseLine(int section) {
+  return std::max(keyLine("Conductor Phase Information", section),
+                  keyLine("Ground Wire Phase Information", section));
+}
+inline int outerStrandLine(int section) { return keyLine("Number of Outer Strands", section); }
+inline int innerRadiusLine(int section) { return keyLine("Inner Radius", section); }
+
 // Number of the line with the position of a cable; 0 if there is none.
 int cablePositionLine(int cable);
+
+// The real of a line's key; NaN without one.
+double numberAt(int line);
 
 // Number of the line with the first offset or the spacing of a circuit's bundle, or of the heading.
 int bundleLine(int section);

@@ -15,10 +15,11 @@ struct Spelling {
 
 // Compared after blanks and the signs of products and powers are removed.
 constexpr Spelling SPELLINGS[] = {
-    {"ohms", "ohm"}, {"Ohms", "ohm"},  {"Ohm", "ohm"},   {"mhos", "S"},   {"mho", "S"},
-    {"Mho", "S"},    {"Siemens", "S"}, {"siemens", "S"}, {"metres", "m"}, {"meters", "m"},
-    {"metre", "m"},  {"meter", "m"},   {"seconds", "s"}, {"sec", "s"},    {"hz", "Hz"},
-    {"HZ", "Hz"},    {"sqmm", "mm2"},  {"percent", "%"}, {"KV", "kV"},    {"kv", "kV"},
+    {"Mohms", "Mohm"}, {"MOhm", "Mohm"}, {"megohm", "Mohm"}, {"Megohm", "Mohm"}, {"ohms", "ohm"},
+    {"Ohms", "ohm"},   {"Ohm", "ohm"},   {"mhos", "S"},      {"mho", "S"},       {"Mho", "S"},
+    {"Siemens", "S"},  {"siemens", "S"}, {"metres", "m"},    {"meters", "m"},    {"metre", "m"},
+    {"meter", "m"},    {"seconds", "s"}, {"sec", "s"},       {"hz", "Hz"},       {"HZ", "Hz"},
+    {"sqmm", "mm2"},   {"percent", "%"}, {"KV", "kV"},       {"kv", "kV"},
 };
 
 // Units that a pure number cannot have.
@@ -43,7 +44,7 @@ void respell(std::string& unit) {
     const std::size_t end = at + s.written.size();
     if (at == std::string::npos) continue;
     const bool starts = at == 0 || unit[at - 1] == '/';
-    const bool ends = end == unit.size() || unit[end] == '/' || s.meant == "ohm";
+    const bool ends = end == unit.size() || unit[end] == '/' || s.meant.ends_with("ohm");
     if (starts && ends) unit.replace(at, s.written.size(), s.meant);
   }
 }

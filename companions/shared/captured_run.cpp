@@ -4,6 +4,7 @@
 #include "base/stop.h"
 #include "companions/shared/whole_files.h"
 #include "input/reader.h"
+#include "input/reader_store.h"
 #include "run/lcpmain.h"
 #include "run/output_names.h"
 #include "store/rundata.h"
@@ -28,14 +29,32 @@ std::string contentOf(int descriptor) {
   return text;
 }
 
-void readDescription(const std::string& file, double length) {
+void openDescription(const std::string& file, double length) {
   RunControl& R = RUNDATA.run;
   flushDenormals();
   R.LINELEN = length;
   R.FNAME = file;
   chooseBaseName(R);
   R.FILESREAD = 1; // so that the reader resets the groups
+}
+
+void readDescription(const std::string& file, double length) {
+  openDescription(file, length);
   READTLDATA();
+}
+
+// Does the work in this process and discards its console output and error stream.
+void silently(const std::function<void()>& work) {
+  console::flush();
+  const int console = dup(STDOUT_FILENO), errors = dup(STDERR_FILENO);
+  const int nothing = open("/dev/null", O_WRONLY | O_CLOEXEC);
+  dup2(nothing, STDOUT_FILENO);
+  dup2(nothing, STDERR_FILENO);
+  work();
+  console::flush();
+  dup2(console, STDOUT_FILENO);
+  dup2(errors, STDERR_FILENO);
+  for (const int descriptor : {console, errors, nothing}) close(descriptor);
 }
 
 // Solves the length step that was read and ends the process, which is a child.
@@ -81,17 +100,19 @@ CapturedRun readInChild(const std::string& file, double length) {
 }
 
 void readHere(const std::string& file, double length) {
-  console::flush();
-  const int console = dup(STDOUT_FILENO), errors = dup(STDERR_FILENO);
-  const int nothing = open("/dev/null", O_WRONLY | O_CLOEXEC);
-  dup2(nothing, STDOUT_FILENO);
-  dup2(nothing, STDERR_FILENO);
-  readDescription(file, length);
+  silently([&] { readDescription(file, length); });
   SOLVEDATA.first.ISTATUS = true; // the first frequency prepares the geometry of this description
-  console::flush();
-  dup2(console, STDOUT_FILENO);
-  dup2(errors, STDERR_FILENO);
-  for (const int descriptor : {console, errors, nothing}) close(descriptor);
+}
+
+bool readLinesHere(const std::string& file, double length) {
+  const auto lines = [&] {
+    openDescription(file, length);
+    readLines();
+    closeReader();
+  };
+  if (runCaptured(lines).status != 0) return false;
+  silently(lines);
+  return true;
 }
 
 CapturedRun solveInChild(const std::string& file, double length, const std::string& model,

@@ -26,6 +26,10 @@ CapturedRun readInChild(const std::string& file, double length);
 // has accepted: a fatal error of the reader ends the process.
 void readHere(const std::string& file, double length);
 
+// Reads the lines of a file without the checks that follow the last line, for a file that these
+// checks refuse. Returns false, and reads nothing, if one of the lines ends the reader.
+bool readLinesHere(const std::string& file, double length);
+
 // Runs the program for one length, in m, in a child process, with the given names for model file
 // and report. Detail curve files and the component are not written.
 CapturedRun solveInChild(const std::string& file, double length, const std::string& model,

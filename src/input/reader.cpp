@@ -358,9 +358,13 @@ void openInput() {
 
 } // namespace
 
-void READTLDATA() {
+void readLines() {
   openInput();
   while (!READER.ended && nextLine()) takeLine();
+}
+
+void READTLDATA() {
+  readLines();
   noteWhatIsMissing();
   postReadPass();
   closeReader();

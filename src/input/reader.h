@@ -11,4 +11,7 @@ constexpr std::string_view UNKNOWNLINE = "Unknown Data Line Ignored: {}";
 // complete data, or ends the run with a message and exit status 1.
 void READTLDATA();
 
+// Reads the lines only, without the checks and the ordering that follow.
+void readLines();
+
 } // namespace lcp
