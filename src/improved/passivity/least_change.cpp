@@ -107,11 +107,15 @@ void weighBases(LeastChange& C) {
 
 // The matrices of a condition at one frequency.
 struct Condition {
+  double f = -1;
+  Half half = AGAINST;
   LineMatrix H, Yc, A, B; // A and B: I with H added and subtracted, in the order of the half
 };
 
 void formCondition(Condition& K, double f, Half half) {
   const Complex s(0, TWOPI * f);
+  K.f = f;
+  K.half = half;
   const double sign = half == AGAINST ? 1 : -1;
   propagationAt(ENFORCE.FRES, s, K.H);
   characteristicAt(s, false, K.Yc);
@@ -384,7 +388,7 @@ void rebaseLeastChange(LeastChange& C) {
 
 void addCuts(LeastChange& C, std::vector<NegativePoint> minima) {
   std::stable_sort(minima.begin(), minima.end(),
-                   [](const auto& a, const auto& b) { return a.value < b.value; });
+                   [](const auto& a, const auto& b) { return a.depth < b.depth; });
   if (minima.size() > NEWCUTS) minima.resize(NEWCUTS);
   for (const NegativePoint& m : minima) addCutsAt(C, m);
 }

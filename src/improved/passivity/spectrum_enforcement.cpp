@@ -42,23 +42,22 @@ void printScan(int n, const Spectrum& scan, const std::vector<NegativePoint>& po
     return;
   }
   const auto& worst = *std::min_element(
-      points.begin(), points.end(), [](const auto& a, const auto& b) { return a.value < b.value; });
-  console::print("    {:4}{:11}  {} S at {} Hz", n, points.size(), pointedField(worst.value, 14, 7),
-                 pointedField(worst.f, 14, 7));
+      points.begin(), points.end(), [](const auto& a, const auto& b) { return a.depth < b.depth; });
+  console::print("    {:4}{:11}  {} S at {} Hz", n, points.size(),
+                 pointedField(smallestEigenvalueAt(worst.f), 14, 7), pointedField(worst.f, 14, 7));
 }
 
 // Scans the current model: a rough scan, then a full one if that finds nothing.
 Spectrum scanModel() {
-  Spectrum scan = scanSpectrum(ENFORCE.FRES, spectrumRange(), Scan::Rough);
-  if (!negativePoints(scan).empty()) return scan;
-  return scanSpectrum(ENFORCE.FRES, spectrumRange(), Scan::Full);
+  Spectrum scan = scanSpectrum(spectrumRange(), Scan::Rough);
+  if (!scan.negative.empty()) return scan;
+  return scanSpectrum(spectrumRange(), Scan::Full);
 }
 
-// Distance of the model from passivity: the worst negative eigenvalue relative to the largest
-// there.
+// How far the model is from passive.
 double depthOf(const std::vector<NegativePoint>& points) {
   double depth = 0;
-  for (const NegativePoint& m : points) depth = std::max(depth, -m.value / m.size);
+  for (const NegativePoint& m : points) depth = std::max(depth, -m.depth);
   return depth;
 }
 
@@ -69,7 +68,7 @@ Result iterate(LeastChange& C, int& n, int most) {
   int since = 0;
   for (int i = 0; i <= most; ++i) {
     const Spectrum scan = scanModel();
-    const std::vector<NegativePoint> points = negativePoints(scan);
+    const std::vector<NegativePoint> points = negativeMinima(scan);
     printScan(n++, scan, points);
     if (points.empty()) return scan.resolved ? Result::Passive : Result::Unresolved;
     const double depth = depthOf(points);
@@ -180,7 +179,7 @@ void enforcePassivityImproved() {
 void checkPassivityImproved() {
   if (!fillStore()) return;
   const SpectrumRange range = spectrumRange();
-  const Spectrum scan = scanSpectrum(ENFORCE.FRES, range, Scan::Full);
+  const Spectrum scan = scanSpectrum(range, Scan::Full);
   const std::vector<NegativeBand> bands = negativeBands(scan);
   console::print(" Checking for Passivity Violations Between 0 Hz and {} Hz",
                  frequency(range.high));

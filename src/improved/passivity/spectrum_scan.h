@@ -3,26 +3,29 @@
 // It finds where the model in the enforcement store generates power.
 #pragma once
 
-#include "passivity/enforcement_store.h"
+#include "improved/passivity/wave_power.h"
 
 #include <vector>
 
 namespace lcp {
 
-// The halves into which equal ends split the nodal admittance, see passivity/nodal_admittance.
-enum Half { AGAINST, ALIKE, HALVES };
-
-// The spectrum at one frequency: smallest eigenvalue of each half and largest magnitude of all, S;
-// minus infinity if the model has no finite admittance.
+// A frequency at which the model has been looked at.
 struct SpectrumPoint {
   double f; // Hz
-  double smallest[HALVES];
-  double size;
+  bool negative[HALVES];
+};
+
+// A point where a half is negative.
+struct NegativePoint {
+  double f; // Hz
+  Half half;
+  double depth; // smallest eigenvalue of its test matrix, over the size of Yc; below 0
 };
 
 struct Spectrum {
-  std::vector<SpectrumPoint> points; // ascending, from 0 Hz
-  bool resolved = true; // false if the points ran out before every minimum was resolved
+  std::vector<SpectrumPoint> points;   // rising, from 0 Hz
+  std::vector<NegativePoint> negative; // those of a half rising
+  bool resolved = true;                // false when points ran out before all was decided
 };
 
 struct SpectrumRange {
@@ -33,28 +36,18 @@ struct SpectrumRange {
 // above it, extended to the range of the passivity options if that is wider.
 [[nodiscard]] SpectrumRange spectrumRange();
 
-// Hermitian parts of the halves at f, from the residues RES of H and the Yc of the store.
-[[nodiscard]] SpectrumPoint spectrumAt(const ResidueList& RES, double f);
-
-// Samples zero frequency and a grid that follows the travelling waves, and bisects every interval
-// that could hide a negative eigenvalue until it is resolved. A rough scan uses at most a tenth of
-// the points of a full one.
+// Looks at zero and at a grid that follows the travelling waves. A full scan halves every stretch
+// until what lies between its points is decided; a rough one takes some points in each period and
+// closes in on what it finds negative.
 enum class Scan { Rough, Full };
-[[nodiscard]] Spectrum scanSpectrum(const ResidueList& RES, SpectrumRange range, Scan how);
+[[nodiscard]] Spectrum scanSpectrum(SpectrumRange range, Scan how);
 
-// Whether an eigenvalue of this half is negative by more than the rounding of its matrix.
-[[nodiscard]] bool isNegative(const SpectrumPoint& p, Half half);
+// The minima among the negative points, and points between them where a stretch is wide.
+[[nodiscard]] std::vector<NegativePoint> negativeMinima(const Spectrum& spectrum);
 
-// A point at which a half is negative.
-struct NegativePoint {
-  double f; // Hz
-  Half half;
-  double value; // S
-  double size;  // largest magnitude of an eigenvalue at that frequency, S
-};
-
-// The minima among the negative points, and points between them where a negative interval is wide.
-[[nodiscard]] std::vector<NegativePoint> negativePoints(const Spectrum& spectrum);
+// The smallest eigenvalue of the Hermitian parts of both halves at f, S; minus infinity where the
+// model has no finite admittance.
+[[nodiscard]] double smallestEigenvalueAt(double f);
 
 // A range of points with a negative eigenvalue in either half.
 struct NegativeBand {

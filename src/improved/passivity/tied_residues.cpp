@@ -1,7 +1,6 @@
 #include "improved/passivity/tied_residues.h"
 
 #include "base/constants.h"
-#include "fit/partial_fractions.h"
 #include "kernels/lapack.h"
 
 #include <cmath>
@@ -16,31 +15,12 @@ constexpr double DAMPING = 1e-8;
 
 std::size_t at(int i) { return static_cast<std::size_t>(i); }
 
-bool isReal(const TiedBasis& B, std::size_t m) { return B.pole[m].imag() == 0; }
-
-// Whether pole m is the second of a pair: pairs follow a real pole or a complete pair.
-bool isSecond(const TiedBasis& B, std::size_t m) {
-  std::size_t first = m;
-  while (first > 0 && !isReal(B, first - 1)) --first;
-  return !isReal(B, m) && (m - first) % 2 == 1;
-}
-
-// Unscaled values at s of the basis functions of real unknowns, see partial_fractions.h.
-Complexes plainBasis(const TiedBasis& B, Complex s) {
-  Complexes phi(at(B.N), 1.0);
+// Pairs start behind a real pole or a whole pair.
+void classify(TiedBasis& B) {
   for (std::size_t m = 0; m < B.pole.size(); ++m) {
-    const Complex p = B.pole[m];
-    const Complex delay = std::exp(-s * B.tau[m]);
-    if (isReal(B, m)) {
-      phi[m] = delay * poleTerm(s, p);
-    } else if (isSecond(B, m)) {
-      const Complex first = B.pole[m - 1];
-      phi[m] = delay * Complex(0, 1) * (poleTerm(s, first) - poleTerm(s, std::conj(first)));
-    } else {
-      phi[m] = delay * (poleTerm(s, p) + poleTerm(s, std::conj(p)));
-    }
+    const bool second = m > 0 && B.kind[m - 1] == PAIRFIRST;
+    B.kind.push_back(B.pole[m].imag() == 0 ? REALPOLE : second ? PAIRSECOND : PAIRFIRST);
   }
-  return phi;
 }
 
 Complex unconjugated(const Complexes& a, const Complexes& b) {
@@ -65,6 +45,7 @@ TiedBasis propagationBasis() {
     B.tau.push_back(E.FTAU[m]);
   }
   B.N = E.TOTORD;
+  classify(B);
   return B;
 }
 
@@ -75,6 +56,7 @@ TiedBasis admittanceBasis() {
   B.tau.assign(B.pole.size(), 0);
   B.constant = true;
   B.N = E.ENY + 1;
+  classify(B);
   return B;
 }
 
@@ -95,6 +77,28 @@ void whiten(TiedBasis& B, const std::vector<double>& f, const std::vector<double
     G(j, j) += DAMPING;
   }
   DPOTRF(G, B.N);
+}
+
+// Those of real unknowns, see the basis of the fits.
+Complexes plainBasis(const TiedBasis& B, Complex s) {
+  Complexes phi(at(B.N), 1.0);
+  double tau = 0;
+  Complex delay = 1;
+  for (std::size_t m = 0; m < B.pole.size(); ++m) {
+    if (B.tau[m] != tau) { // poles of a group stand side by side
+      tau = B.tau[m];
+      delay = std::exp(-s * tau);
+    }
+    const Complex p = B.pole[m];
+    if (B.kind[m] == REALPOLE) {
+      phi[m] = delay * poleTerm(s, p);
+    } else if (B.kind[m] == PAIRFIRST) {
+      const Complex first = poleTerm(s, p), second = poleTerm(s, std::conj(p));
+      phi[m] = delay * (first + second);
+      phi[m + 1] = delay * Complex(0, 1) * (first - second);
+    }
+  }
+  return phi;
 }
 
 Complexes basisAt(const TiedBasis& B, Complex s) {
@@ -139,8 +143,8 @@ std::vector<double> changeOf(const TiedBasis& B, const std::vector<RankOneRow>& 
 }
 
 Complex residueChange(const TiedBasis& B, const std::vector<double>& x, std::size_t m) {
-  if (isReal(B, m)) return x[m];
-  return isSecond(B, m) ? Complex(x[m - 1], -x[m]) : Complex(x[m], x[m + 1]);
+  if (B.kind[m] == REALPOLE) return x[m];
+  return B.kind[m] == PAIRSECOND ? Complex(x[m - 1], -x[m]) : Complex(x[m], x[m + 1]);
 }
 
 } // namespace lcp

@@ -19,6 +19,7 @@
 // independent of the order of the matrices and the number of poles.
 #pragma once
 
+#include "fit/partial_fractions.h"
 #include "passivity/enforcement_store.h"
 
 #include <vector>
@@ -28,11 +29,12 @@ namespace lcp {
 using Complexes = std::vector<Complex>;
 
 struct TiedBasis {
-  Complexes pole;            // rad/s; the two of a pair are adjacent
-  std::vector<double> tau;   // delay of each pole, s
-  bool constant = false;     // whether a constant term follows the poles
-  int N = 0;                 // number of basis functions
-  std::vector<double> scale; // reciprocal norm of each basis function
+  Complexes pole;            // rad/s; the two of a pair side by side
+  std::vector<int> kind;     // of each: REALPOLE, PAIRFIRST, PAIRSECOND
+  std::vector<double> tau;   // delay of each, s
+  bool constant = false;     // a constant term behind the poles
+  int N = 0;                 // basis functions
+  std::vector<double> scale; // 1 over the norm of each
   std::vector<double> U;     // factor of G of the scaled basis, N by N, upper triangle in columns
 };
 
@@ -43,7 +45,8 @@ struct TiedBasis {
 // Sets scale and U from frequencies, Hz, and their weights.
 void whiten(TiedBasis& B, const std::vector<double>& f, const std::vector<double>& weight);
 
-// The whitened basis at s.
+// The basis at s: as it is, and whitened.
+[[nodiscard]] Complexes plainBasis(const TiedBasis& B, Complex s);
 [[nodiscard]] Complexes basisAt(const TiedBasis& B, Complex s);
 
 // A condition Re(l^T dF q) >= b or = b on a change of F at one frequency.
