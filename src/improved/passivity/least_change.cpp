@@ -107,18 +107,34 @@ void weighBases(LeastChange& C) {
 
 // The matrices of a condition at one frequency.
 struct Condition {
-  double f = -1;
+  double f = -1; // Hz; below 0 before the first
   Half half = AGAINST;
   LineMatrix H, Yc, A, B; // A and B: I with H added and subtracted, in the order of the half
+  LineMatrix dH, dYc;     // changes from the base
 };
 
-void formCondition(Condition& K, double f, Half half) {
-  const Complex s(0, TWOPI * f);
+// F of the model at hand, and its change from the base.
+void formFunction(const std::vector<RealLanes>& now, const std::vector<RealLanes>& base,
+                  const Complexes& phi, CView F, CView change) {
+  const int n = ENFORCE.NC;
+  PlanarMatrix present(n), before(n);
+  addWeighted(present, now, phi);
+  addWeighted(before, base, phi);
+  present.copyTo(F);
+  for (int c = 1; c <= n; ++c) {
+    for (int r = 1; r <= n; ++r) change(r, c) = present(r, c) - before(r, c);
+  }
+}
+
+void formCondition(Condition& K, const LeastChange& C, double f, Half half) {
+  if (f != K.f) {
+    const Complex s(0, TWOPI * f);
+    formFunction(C.model.H, C.base.H, plainBasis(C.ofH, s), K.H, K.dH);
+    formFunction(C.model.Yc, C.base.Yc, plainBasis(C.ofYc, s), K.Yc, K.dYc);
+  }
+  const double sign = half == AGAINST ? 1 : -1;
   K.f = f;
   K.half = half;
-  const double sign = half == AGAINST ? 1 : -1;
-  propagationAt(ENFORCE.FRES, s, K.H);
-  characteristicAt(s, false, K.Yc);
   for (int c = 1; c <= ENFORCE.NC; ++c) {
     for (int r = 1; r <= ENFORCE.NC; ++r) {
       K.A(r, c) = (r == c ? 1.0 : 0.0) + sign * K.H(r, c);
@@ -174,7 +190,8 @@ void addCutsAt(LeastChange& C, const NegativePoint& m) {
   static LineMatrix M;
   static ModeReals W;
   const int n = ENFORCE.NC;
-  formCondition(K, m.f, m.half);
+  K.f = -1;
+  formCondition(K, C, m.f, m.half);
   formWavePower(K, M);
   ZHEEVECTORS(M, W.data(), n);
   for (int j = 1; j <= n; ++j) {
@@ -194,14 +211,7 @@ double rowTimes(const RankOneRow& row, CConstView dF) {
   return product(conjugated(row.l), times(dF, row.q)).real();
 }
 
-// The change of H and of Yc from the base at s.
-void changeOfH(Complex s, CView dH) {
-  static LineMatrix base;
-  propagationAt(ENFORCE.FRES, s, dH);
-  propagationAt(BASE.H, s, base);
-  addTimes(dH, -1.0, base, ENFORCE.NC);
-}
-
+// The change of Yc at s.
 void changeOfYc(const YcTerms& base, Complex s, CView dY) {
   const EnforcementStore& E = ENFORCE;
   for (int c = 1; c <= E.NC; ++c) {
@@ -213,24 +223,19 @@ void changeOfYc(const YcTerms& base, Complex s, CView dY) {
   }
 }
 
-// Adds a cut as a condition on the total change of H and Yc.
-void addRow(LeastChange& C, const Cut& cut) {
-  static Condition K;
-  static LineMatrix change;
+// A cut as conditions on the whole change of H and Yc.
+void addRow(LeastChange& C, const Condition& K, const Cut& cut) {
   const Complex s(0, TWOPI * cut.f);
-  formCondition(K, cut.f, cut.half);
   const Complexes a = adjointTimes(K.A, cut.x), b = adjointTimes(K.B, cut.x);
   const Complexes Yb = times(K.Yc, b), Ya = adjointTimes(K.Yc, a);
   const double sign = cut.half == AGAINST ? 2 : -2;
   RankOneRow ofH{conjugated(cut.x), Yb, basisAt(C.ofH, s)}, ofYc;
   for (std::size_t i = 0; i < Yb.size(); ++i) ofH.q[i] = sign * (Yb[i] - Ya[i]);
-  changeOfH(s, change);
-  double bound = rowTimes(ofH, change) - 2 * product(a, Yb).real();
+  double bound = rowTimes(ofH, K.dH) - 2 * product(a, Yb).real();
   if (C.freeYc) {
     ofYc = {conjugated(a), b, basisAt(C.ofYc, s)};
     for (Complex& z : ofYc.q) z *= 2;
-    changeOfYc(BASE.Yc, s, change);
-    bound += rowTimes(ofYc, change);
+    bound += rowTimes(ofYc, K.dYc);
   }
   const double size = 2 * length(a) * largestElement(K.Yc) * length(b);
   C.rowsH.push_back(ofH);
@@ -238,7 +243,17 @@ void addRow(LeastChange& C, const Cut& cut) {
   C.program.b.push_back(bound + C.margin * size);
 }
 
-// Adds the elements at zero frequency that must not change.
+// Cuts of one frequency and half stand side by side.
+void addCutRows(LeastChange& C) {
+  static Condition K;
+  K.f = -1;
+  for (const Cut& cut : C.cuts) {
+    if (cut.f != K.f || cut.half != K.half) formCondition(K, C, cut.f, cut.half);
+    addRow(C, K, cut);
+  }
+}
+
+// Elements at zero frequency that do not move.
 void addFixedValues(LeastChange& C) {
   const int n = ENFORCE.NC;
   const auto unit = [&](int i) {
@@ -312,26 +327,30 @@ void startRows(LeastChange& C) {
   C.program.equalities = static_cast<int>(C.program.b.size());
 }
 
-double rowProduct(const LeastChange& C, std::size_t i, std::size_t j) {
-  double m = 0;
-  if (!C.rowsH[i].l.empty() && !C.rowsH[j].l.empty())
-    m += rowProduct(C.rowsH[i], C.rowsH[j], false);
-  if (!C.rowsYc[i].l.empty() && !C.rowsYc[j].l.empty())
-    m += rowProduct(C.rowsYc[i], C.rowsYc[j], true);
-  return m;
-}
-
-// Forms the program. The scalar products of rows that stayed are taken from the last program.
+// The products of the rows that stayed are those of the last program.
 void formProgram(LeastChange& C) {
-  for (const Cut& cut : C.cuts) addRow(C, cut);
-  const std::size_t n = C.program.b.size(), known = C.known;
+  addCutRows(C);
+  const std::size_t n = C.program.b.size(), known = C.known, ports = at(ENFORCE.NC);
   const std::vector<double> last = std::move(C.program.M);
   std::vector<double>& M = C.program.M;
-  C.program.n = static_cast<int>(n);
-  M.assign(n * n, 0);
+  PackedRows H{false, ports, at(C.ofH.N)}, Yc{true, ports, at(C.ofYc.N)};
   for (std::size_t i = 0; i < n; ++i) {
-    for (std::size_t j = 0; j <= i; ++j)
-      M[i * n + j] = M[j * n + i] = i < known ? last[i * known + j] : rowProduct(C, i, j);
+    H.add(C.rowsH[i]);
+    if (C.freeYc) Yc.add(C.rowsYc[i]);
+  }
+  C.program.n = static_cast<int>(n);
+  M.assign(n * n + LANES, 0); // a whole group fits behind the last row
+  for (std::size_t i = n; i-- > 0;) {
+    double* row = M.data() + i * n;
+    if (i < known) {
+      std::copy_n(last.data() + i * known, known, row);
+      continue;
+    }
+    addRowProducts(C.rowsH[i], H, i + 1, row);
+    if (C.freeYc) addRowProducts(C.rowsYc[i], Yc, i + 1, row);
+  }
+  for (std::size_t i = 0; i < n; ++i) {
+    for (std::size_t j = i + 1; j < n; ++j) M[i * n + j] = M[j * n + i];
   }
 }
 
@@ -383,6 +402,7 @@ void restartLeastChange(LeastChange& C, bool freeYc) {
 void rebaseLeastChange(LeastChange& C) {
   copyResidues(BASE.H, ENFORCE.FRES);
   keepYc(BASE.Yc);
+  C.model = C.base = packModel();
   startRows(C);
 }
 
@@ -398,6 +418,7 @@ bool solveLeastChange(LeastChange& C) {
   const LeastVector found = leastVector(C.program);
   applyToH(C, found.multiplier);
   if (C.freeYc) applyToYc(C, found.multiplier);
+  C.model = packModel();
   dropIdleCuts(C, found.multiplier);
   keepActiveRows(C, found.multiplier);
   C.margin = std::min(C.margin * MARGINGROWTH, MOSTMARGIN);

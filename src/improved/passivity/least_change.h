@@ -22,8 +22,9 @@ struct Cut {
 // The data of the programs of one enforcement.
 struct LeastChange {
   TiedBasis ofH, ofYc;
-  bool freeYc = false; // whether Yc may change as well as H
-  double margin = 0;   // value to which cuts are raised, relative to their terms
+  bool freeYc = false;     // Yc changes as well as H
+  double margin = 0;       // to which cuts are lifted, of the size of their terms
+  PackedModel model, base; // as it stands, and what changes count from
   std::vector<Cut> cuts;
   std::vector<RankOneRow> rowsH, rowsYc; // of the program: equalities, rows kept, cuts
   LeastVectorProgram program;

@@ -23,16 +23,42 @@ void classify(TiedBasis& B) {
   }
 }
 
-Complex unconjugated(const Complexes& a, const Complexes& b) {
-  Complex sum = 0;
-  for (std::size_t i = 0; i < a.size(); ++i) sum += a[i] * b[i];
+// The products of z with each lane, with and without conjugates, summed.
+struct TwoProducts {
+  StoredLanes plain, turned;
+
+  void add(Complex z, const StoredLanes& a) {
+    const double re = z.real(), im = z.imag();
+    const Lanes rere = a.re * re, imim = a.im * im, reim = a.im * re, imre = a.re * im;
+    plain.re += rere - imim;
+    plain.im += reim + imre;
+    turned.re += rere + imim;
+    turned.im += imre - reim;
+  }
+};
+
+inline TwoProducts products(const Complexes& z, const StoredLanes* a) {
+  TwoProducts sum;
+  for (std::size_t i = 0; i < z.size(); ++i) sum.add(z[i], a[i]);
   return sum;
 }
 
-Complex conjugated(const Complexes& a, const Complexes& b) {
-  Complex sum = 0;
-  for (std::size_t i = 0; i < a.size(); ++i) sum += a[i] * std::conj(b[i]);
-  return sum;
+inline TwoProducts operator*(const TwoProducts& a, const TwoProducts& b) {
+  return {a.plain * b.plain, a.turned * b.turned};
+}
+
+// Adds those of the row with a group of others.
+inline void addGroupProducts(const RankOneRow& row, const StoredLanes* l, const PackedRows& others,
+                             double* sums) {
+  const StoredLanes* q = l + others.n;
+  TwoProducts F = products(row.l, l) * products(row.q, q);
+  if (others.symmetric) {
+    const TwoProducts crossed = products(row.l, q) * products(row.q, l);
+    F = {0.5 * (F.plain + crossed.plain), 0.5 * (F.turned + crossed.turned)};
+  }
+  const TwoProducts all = F * products(row.phi, q + others.n);
+  const Lanes sum = 0.5 * (all.plain.re + all.turned.re);
+  for (int lane = 0; lane < LANES; ++lane) sums[lane] += sum[lane];
 }
 
 } // namespace
@@ -112,14 +138,25 @@ Complexes basisAt(const TiedBasis& B, Complex s) {
   return phi;
 }
 
-double rowProduct(const RankOneRow& a, const RankOneRow& b, bool symmetric) {
-  Complex plain = unconjugated(a.l, b.l) * unconjugated(a.q, b.q);
-  Complex turned = conjugated(a.l, b.l) * conjugated(a.q, b.q);
-  if (symmetric) {
-    plain = 0.5 * (plain + unconjugated(a.l, b.q) * unconjugated(a.q, b.l));
-    turned = 0.5 * (turned + conjugated(a.l, b.q) * conjugated(a.q, b.l));
+void PackedRows::add(const RankOneRow& row) {
+  const std::size_t group = 2 * n + N, lane = rows % LANES;
+  if (lane == 0) elements.resize(elements.size() + group);
+  StoredLanes* to = elements.data() + elements.size() - group;
+  for (const Complexes* part : {&row.l, &row.q, &row.phi}) {
+    for (std::size_t i = 0; i < part->size(); ++i) to[i].set(static_cast<int>(lane), (*part)[i]);
+    to += part == &row.phi ? N : n;
   }
-  return 0.5 * (plain * unconjugated(a.phi, b.phi) + turned * conjugated(a.phi, b.phi)).real();
+  ++rows;
+}
+
+LCP_WIDTHS("avx2")
+void addRowProducts(const RankOneRow& row, const PackedRows& others, std::size_t count,
+                    double* products) {
+  if (row.l.empty()) return;
+  const std::size_t group = 2 * others.n + others.N;
+  const StoredLanes* l = others.elements.data();
+  for (std::size_t first = 0; first < count; first += LANES, l += group)
+    addGroupProducts(row, l, others, products + first);
 }
 
 std::vector<double> changeOf(const TiedBasis& B, const std::vector<RankOneRow>& rows,

@@ -20,6 +20,7 @@
 #pragma once
 
 #include "fit/partial_fractions.h"
+#include "improved/passivity/planar_matrix.h"
 #include "passivity/enforcement_store.h"
 
 #include <vector>
@@ -55,8 +56,20 @@ struct RankOneRow {
   Complexes phi;  // whitened basis at that frequency
 };
 
-// Scalar product of two rows; for symmetric changes that of their symmetric parts.
-[[nodiscard]] double rowProduct(const RankOneRow& a, const RankOneRow& b, bool symmetric);
+// Rows in groups of LANES, a lane each, element by element.
+struct PackedRows {
+  bool symmetric;   // changes are, and rows count with their symmetric parts
+  std::size_t n, N; // length of l and q, and of phi
+  std::size_t rows = 0;
+  std::vector<StoredLanes> elements{}; // of each group those of l, q and phi
+
+  void add(const RankOneRow& row);
+};
+
+// Adds the scalar products of the row with the first of the others, so many, to products, which has
+// room for whole groups.
+void addRowProducts(const RankOneRow& row, const PackedRows& others, std::size_t count,
+                    double* products);
 
 // The changes x of element (r,c) for y = sum of u_i times row i, in the order of the basis.
 [[nodiscard]] std::vector<double> changeOf(const TiedBasis& B, const std::vector<RankOneRow>& rows,
