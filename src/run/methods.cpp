@@ -50,4 +50,13 @@ void runPassivityCheck() { improvedPassivity() ? checkPassivityImproved() : PASS
 bool enforcementChangesYc() { return improvedPassivity(); }
 bool checksOnGrid() { return !improvedPassivity(); }
 
+std::string_view passivityRemedy() {
+  if (!RUNDATA.passivity.PITERSET)
+    return "Maximum iterations for passivity asks for its mending, Improved Passivity : 1 for one "
+           "at "
+           "all frequencies";
+  if (!improvedPassivity()) return "Improved Passivity : 1 mends it at all frequencies";
+  return "fits of more poles, or a larger Maximum relative error for passivity, can mend it";
+}
+
 } // namespace lcp

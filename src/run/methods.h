@@ -3,6 +3,8 @@
 
 #include "modal/lost_modes.h"
 
+#include <string_view>
+
 namespace lcp {
 
 // Constants, eigenvalues and eigenvectors at every step of the grid.
@@ -23,7 +25,8 @@ void runSeriesFit();
 // Passivity enforcement, between the fits of the phase model and its file, and passivity check.
 void runEnforcement();
 void runPassivityCheck();
-bool enforcementChangesYc(); // in addition to H
-bool checksOnGrid();         // only on the frequencies of the passivity options
+bool enforcementChangesYc();        // beside H
+bool checksOnGrid();                // on the frequencies of the passivity options alone
+std::string_view passivityRemedy(); // what mends a phase model that generates power
 
 } // namespace lcp

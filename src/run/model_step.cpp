@@ -12,6 +12,7 @@
 #include "output/model_file.h"
 #include "output/output_file.h"
 #include "output/phase_model_file.h"
+#include "passivity/quick_look.h"
 #include "run/methods.h"
 #include "store/rundata.h"
 
@@ -46,6 +47,7 @@ void FITDRIVE(TextFile& file) {
   CHECKDELAYS();
   writePhaseModel(file);
   if (P.PFLOSET && !P.PITERSET) runPassivityCheck();
+  warnOfPower(passivityRemedy());
 }
 
 // Steps that can end the run because of its data, done before the file is created.
