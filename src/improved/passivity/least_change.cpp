@@ -75,34 +75,44 @@ double largestElement(CConstView A) {
   return largest;
 }
 
+struct WeighedFrequencies {
+  std::vector<double> f;      // Hz
+  std::vector<double> weight; // of each
+
+  void add(double hertz, double w) {
+    f.push_back(hertz);
+    weight.push_back(w);
+  }
+};
+
 // The frequencies of the fit, and some below and above them.
-std::vector<double> weighedFrequencies() {
+WeighedFrequencies weighedFrequencies(double outside) {
   const FrequencyGrid& G = SOLVEDATA.grid;
   const auto [low, high] = std::minmax({G.WFREQ[1] / TWOPI, G.WFREQ[G.NFUSE] / TWOPI});
-  std::vector<double> f; // ascending
-  for (int k = POINTSOUTSIDE; k >= 1; --k)
-    f.push_back(low * std::pow(OUTSIDE, -static_cast<double>(k) / POINTSOUTSIDE));
-  for (int k = 1; k <= G.NFUSE; ++k) f.push_back(G.WFREQ[k] / TWOPI);
-  for (int k = 1; k <= POINTSOUTSIDE; ++k)
-    f.push_back(high * std::pow(OUTSIDE, static_cast<double>(k) / POINTSOUTSIDE));
-  std::sort(f.begin(), f.end());
-  return f;
+  WeighedFrequencies all;
+  for (int k = 1; k <= G.NFUSE; ++k) all.add(G.WFREQ[k] / TWOPI, 1);
+  for (int k = 1; k <= POINTSOUTSIDE; ++k) {
+    const double step = std::pow(OUTSIDE, static_cast<double>(k) / POINTSOUTSIDE);
+    all.add(low / step, outside);
+    all.add(high * step, outside);
+  }
+  return all;
 }
 
-// Weights a change relative to H and Yc at its frequency.
-void weighBases(LeastChange& C) {
+// A change counts relative to H and Yc at its frequency.
+void weighBases(LeastChange& C, double outside) {
   static LineMatrix F;
-  const std::vector<double> f = weighedFrequencies();
+  const WeighedFrequencies all = weighedFrequencies(outside);
   std::vector<double> ofH, ofYc;
-  for (const double hertz : f) {
-    const Complex s(0, TWOPI * hertz);
+  for (std::size_t k = 0; k < all.f.size(); ++k) {
+    const Complex s(0, TWOPI * all.f[k]);
     propagationAt(ENFORCE.FORIG, s, F);
-    ofH.push_back(std::pow(std::max(largestElement(F), SMALLH), -2));
+    ofH.push_back(all.weight[k] * std::pow(std::max(largestElement(F), SMALLH), -2));
     characteristicAt(s, false, F);
-    ofYc.push_back(std::pow(largestElement(F), -2));
+    ofYc.push_back(all.weight[k] * std::pow(largestElement(F), -2));
   }
-  whiten(C.ofH, f, ofH);
-  whiten(C.ofYc, f, ofYc);
+  whiten(C.ofH, all.f, ofH);
+  whiten(C.ofYc, all.f, ofYc);
 }
 
 // The matrices of a condition at one frequency.
@@ -381,12 +391,12 @@ void applyToYc(const LeastChange& C, const std::vector<double>& u) {
 
 } // namespace
 
-LeastChange startLeastChange() {
+LeastChange startLeastChange(double outside) {
   LeastChange C;
   C.ofH = propagationBasis();
   C.ofYc = admittanceBasis();
   keepYc(FITTEDYC);
-  weighBases(C);
+  weighBases(C, outside);
   restartLeastChange(C, false);
   return C;
 }

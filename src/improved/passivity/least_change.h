@@ -31,9 +31,9 @@ struct LeastChange {
   std::size_t known = 0; // number of leading rows whose scalar products are known
 };
 
-// Starts from the filled enforcement store: bases and weights of the fit frequencies. Only H is
-// free.
-[[nodiscard]] LeastChange startLeastChange();
+// From the enforcement store as it was filled: bases, and weights of the frequencies of the fit and
+// of a decade outside it, there times a factor. H alone is free.
+[[nodiscard]] LeastChange startLeastChange(double outside);
 
 // Restores the store and sets which terms are free from now on; the cuts are kept.
 void restartLeastChange(LeastChange& C, bool freeYc);

@@ -9,6 +9,7 @@
 #include "fit/fit_console.h"
 #include "fit/fit_store.h"
 #include "improved/passivity/least_change.h"
+#include "improved/passivity/reserve_poles.h"
 #include "passivity/enforcement.h"
 #include "passivity/nodal_admittance.h"
 #include "passivity/passivity_check.h"
@@ -25,16 +26,91 @@ namespace lcp {
 
 namespace {
 
-constexpr int PROGRAMS = 3; // quadratic programs per requested iteration
-constexpr int FROMFIT = 4;  // programs that look for the least change from the fit itself
-constexpr int PATIENCE = 4; // programs with H alone that may bring no improvement
+constexpr int PROGRAMS = 3;    // quadratic programs for each iteration that is asked for
+constexpr int FROMFIT = 4;     // programs that look for the least change from the fit itself
+constexpr int PATIENCE = 4;    // programs with H alone that may bring nothing
+constexpr double LOST = 4;     // times the wish: an error that ends an attempt before the last
+constexpr double LITTLE = 1.1; // times the error of a fit above its wish that a change may leave
+constexpr double LIGHT = 0.01; // weight of changes outside the band, where those inside cost much
+constexpr double NOLIMIT = std::numeric_limits<double>::infinity();
+constexpr double LEASTWISH = 1e-6; // per cent
+constexpr int MANY = 24;           // conductors beyond which the last attempts take too long
 
-enum class Result { Passive, Negative, Unresolved };
+enum class Result { Passive, Negative, Unresolved, Lost };
 
-struct Outcome {
-  Result result;
-  double changeOfYc; // percent
+// What an attempt may change.
+struct Attempt {
+  std::string_view heading;
+  bool freeYc;
+  Reserve reserve;
+  double outside; // weight of changes outside the band
 };
+
+constexpr Attempt attempts[] = {
+    {"", false, {0, 0}, 1},
+    {"    H alone is not enough: Yc as well", true, {0, 0}, 1},
+    {"    Changes outside the band count less", true, {0, 0}, LIGHT},
+    {"    One more pole of Yc and each group of H above the band", true, {0, 1}, 1},
+};
+
+// The same with values at zero frequency that stay.
+constexpr Attempt heldAttempts[] = {
+    {"", false, {0, 0}, 1},
+    {"    One more pole of Yc and H below the band, for the values at 0 Hz", true, {1, 0}, 1},
+    {"    Changes outside the band count less", true, {1, 0}, LIGHT},
+    {"    One more pole of Yc and each group of H above the band as well", true, {1, 1}, 1},
+};
+
+// The passive model that exceeds the wish least.
+struct Best {
+  bool found = false;
+  double excess = 0;
+  PoleCounts counts;
+  KeptModel model;
+};
+
+double largestDifference(CConstView a, CConstView b) {
+  double largest = 0;
+  for (int c = 1; c <= ENFORCE.NC; ++c) {
+    for (int r = 1; r <= ENFORCE.NC; ++r) largest = std::max(largest, std::abs(a(r, c) - b(r, c)));
+  }
+  return largest;
+}
+
+double largestElement(CConstView a) {
+  static const LineMatrix zero{};
+  return largestDifference(a, zero);
+}
+
+// Errors of the model at hand against the line, as fractions.
+struct LineErrors {
+  double H = 0, Yc = 0; // Yc: of its largest magnitude
+};
+
+LineErrors errorsOfModel() {
+  static LineMatrix model, line;
+  const FrequencyGrid& G = SOLVEDATA.grid;
+  LineErrors err;
+  double peak = 0;
+  for (int k = 1; k <= G.NFUSE; ++k) {
+    const Complex s(0, G.WFREQ[k]);
+    propagationAt(ENFORCE.FRES, s, model);
+    SOLVEDATA.second.HST.load(k, line, ENFORCE.NC);
+    err.H = std::max(err.H, largestDifference(model, line));
+    characteristicAt(s, false, model);
+    SOLVEDATA.second.YCST.load(k, line, ENFORCE.NC);
+    err.Yc = std::max(err.Yc, largestDifference(model, line));
+    peak = std::max(peak, largestElement(line));
+  }
+  if (peak > 0) err.Yc /= peak;
+  return err;
+}
+
+double wishOfH() { return std::max(RUNDATA.fit.ERRA, LEASTWISH) * PERCENT; }
+double wishOfYc() { return std::max(RUNDATA.fit.ERRY, LEASTWISH) * PERCENT; }
+
+// How far errors exceed their wishes: 1 where they just meet them.
+double excess(const LineErrors& err) { return std::max(err.H / wishOfH(), err.Yc / wishOfYc()); }
 
 void printScan(int n, const Spectrum& scan, const std::vector<NegativePoint>& points) {
   if (points.empty()) {
@@ -61,9 +137,9 @@ double depthOf(const std::vector<NegativePoint>& points) {
   return depth;
 }
 
-// Iterates until the model is passive, `most` programs are solved, or H alone brings no
-// improvement; n counts the scans.
-Result iterate(LeastChange& C, int& n, int most) {
+// Until the model is passive, so many programs are solved, H alone brings nothing, or the errors
+// exceed their wishes by more than allowed; n counts the scans.
+Result iterate(LeastChange& C, int& n, int most, double allowed) {
   double best = std::numeric_limits<double>::infinity();
   int since = 0;
   for (int i = 0; i <= most; ++i) {
@@ -75,6 +151,7 @@ Result iterate(LeastChange& C, int& n, int most) {
     since = depth < best ? 0 : since + 1;
     best = std::min(depth, best);
     if (i == most || (since > PATIENCE && !C.freeYc)) break;
+    if (i > 0 && excess(errorsOfModel()) > allowed) return Result::Lost;
     if (i >= FROMFIT) rebaseLeastChange(C);
     addCuts(C, points);
     if (!solveLeastChange(C) && !C.freeYc) break;
@@ -94,19 +171,56 @@ void printHeading() {
   console::line("    before      points");
 }
 
-Outcome enforce() {
+// The store from FITMODEL; false, with a message, for a model that it does not take.
+bool fillStore() {
+  PASSSETY();
+  PASSSETH();
+  if (ENFORCE.TOTORD <= MAXORDER) return true;
+  console::print(" Improved Passivity takes transfer functions of order {} at most.", MAXORDER);
+  return false;
+}
+
+void note(Best& best, double reached) {
+  if (best.found && !(reached < best.excess)) return;
+  best = {true, reached, countPoles(), keepModel()};
+}
+
+// One attempt from the model as fitted.
+Result attempt(const Attempt& A, const PoleCounts& fitted, int& n, int most, double allowed) {
+  setPoleCounts(fitted);
+  addReserve(A.reserve);
+  if (!fillStore()) return Result::Negative;
+  if (!A.heading.empty()) console::line(A.heading);
+  LeastChange C = startLeastChange(A.outside);
+  restartLeastChange(C, A.freeYc);
+  return iterate(C, n, most, allowed);
+}
+
+// Attempts until one is passive and holds the wishes; else the best one. FITMODEL has the poles of
+// the one that is taken, and the store its residues.
+Result enforce() {
   const int most = PROGRAMS * std::max(RUNDATA.passivity.PMAXIT, 0);
-  const FrequencyGrid& G = SOLVEDATA.grid;
-  int n = 0;
-  LeastChange C = startLeastChange();
-  const Result result = iterate(C, n, most);
-  if (result != Result::Negative || most == 0) return {result, 0};
-  console::line("    H alone is not enough: Yc as well");
-  restartLeastChange(C, true);
-  const Result further = iterate(C, n, most);
-  const double change = INPERCENT * changeOfAdmittance(G.WFREQ, G.NFUSE);
-  console::print("  Maximum change of Yc  {} %", change);
-  return {further, change};
+  const PoleCounts fitted = countPoles();
+  const double target = std::max(1.0, LITTLE * excess(errorsOfModel()));
+  const bool held = RUNDATA.fit.DCCORR > 0;
+  Best best;
+  Result last = Result::Negative;
+  int n = 0, tried = 0;
+  for (const Attempt& A : held ? heldAttempts : attempts) {
+    if (tried++ > 1 && ENFORCE.NC > MANY) break;
+    last = attempt(A, fitted, n, most, tried < 4 ? LOST * target : NOLIMIT);
+    const double reached = excess(errorsOfModel());
+    if (last == Result::Passive) note(best, reached);
+    if ((last == Result::Passive && reached <= target) || most == 0) break;
+  }
+  if (!best.found) {
+    setPoleCounts(fitted);
+    return last;
+  }
+  setPoleCounts(best.counts);
+  (void)fillStore();
+  putBack(best.model);
+  return Result::Passive;
 }
 
 void keepFit(std::string_view why) {
@@ -133,29 +247,36 @@ void takeModel() {
   if (RUNDATA.fit.WDETAIL) renewFittedCurves();
 }
 
-// Decides whether the model in the store is used.
-void decide(const Outcome& outcome) {
-  const double change = PASSERR();
-  const double allowed = RUNDATA.passivity.PMAXERR;
-  if (outcome.result == Result::Unresolved) {
-    keepFit("a scan did not resolve every minimum");
-  } else if (outcome.result == Result::Negative) {
-    keepFit("negative eigenvalues are left");
-  } else if (!(change <= allowed && outcome.changeOfYc <= allowed)) {
-    keepFit("H or Yc moved by more than the error allowed");
-  } else {
-    if (change > 0) takeModel();
-    console::line(ENFORCEDLINE);
-  }
+// A change must not cost what the fit met.
+void reportErrors() {
+  const LineErrors err = errorsOfModel();
+  console::print("  Error of the written model  {:.4g} % of H, {:.4g} % of Yc", INPERCENT * err.H,
+                 INPERCENT * err.Yc);
+  warnOfMiss("H as written", err.H, wishOfH());
+  warnOfMiss("Yc as written", err.Yc, wishOfYc());
 }
 
-// Returns false, with a message, for a model that exceeds the enforcement store.
-bool fillStore() {
-  PASSSETY();
-  PASSSETH();
-  if (ENFORCE.TOTORD <= MAXORDER) return true;
-  console::print(" Improved Passivity takes transfer functions of order {} at most.", MAXORDER);
-  return false;
+// What becomes of the model in the store.
+void decide(Result result, const PoleCounts& fitted) {
+  const FrequencyGrid& G = SOLVEDATA.grid;
+  const double allowed = RUNDATA.passivity.PMAXERR;
+  const double ofH = PASSERR();
+  const double ofYc = INPERCENT * changeOfAdmittance(G.WFREQ, G.NFUSE);
+  if (ofYc > 0) console::print("  Maximum change of Yc  {} %", ofYc);
+  const bool passive = result == Result::Passive;
+  if (passive && ofH <= allowed && ofYc <= allowed) {
+    if (ofH > 0 || ofYc > 0) takeModel();
+    console::line(ENFORCEDLINE);
+    reportErrors();
+    return;
+  }
+  setPoleCounts(fitted);
+  if (passive) {
+    keepFit("H or Yc moved by more than the error allowed");
+  } else {
+    keepFit(result == Result::Unresolved ? "a scan did not resolve every minimum"
+                                         : "negative eigenvalues are left");
+  }
 }
 
 std::string frequency(double f) { return scientificField(f, 10, 3); }
@@ -171,7 +292,8 @@ void enforcePassivityImproved() {
   ENFORCE.NS = SOLVEDATA.grid.NFUSE;
   for (int k = 1; k <= ENFORCE.NS; ++k) ENFORCE.FFIT[k] = SOLVEDATA.grid.WFREQ[k] / SINGLETWOPI;
   printHeading();
-  decide(enforce());
+  const PoleCounts fitted = countPoles();
+  decide(enforce(), fitted);
   console::print(" Time elapsed  {}  [sec]",
                  static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC);
 }
