@@ -19,6 +19,7 @@
 
 #include <algorithm>
 #include <ctime>
+#include <iterator>
 #include <limits>
 #include <string>
 
@@ -30,11 +31,12 @@ constexpr int PROGRAMS = 3;    // quadratic programs for each iteration that is 
 constexpr int FROMFIT = 4;     // programs that look for the least change from the fit itself
 constexpr int PATIENCE = 4;    // programs with H alone that may bring nothing
 constexpr double LOST = 4;     // times the wish: an error that ends an attempt before the last
+constexpr double FARLOST = 40; // ... with many conductors
 constexpr double LITTLE = 1.1; // times the error of a fit above its wish that a change may leave
 constexpr double LIGHT = 0.01; // weight of changes outside the band, where those inside cost much
 constexpr double NOLIMIT = std::numeric_limits<double>::infinity();
 constexpr double LEASTWISH = 1e-6; // per cent
-constexpr int MANY = 24;           // conductors beyond which the last attempts take too long
+constexpr int MANY = 12;           // conductors beyond which the first passive model is taken
 
 enum class Result { Passive, Negative, Unresolved, Lost };
 
@@ -196,22 +198,24 @@ Result attempt(const Attempt& A, const PoleCounts& fitted, int& n, int most, dou
   return iterate(C, n, most, allowed);
 }
 
-// Attempts until one is passive and holds the wishes; else the best one. FITMODEL has the poles of
+// Attempts until one is passive and holds the wishes, with many conductors until one is passive;
+// else the best one. FITMODEL has the poles of
 // the one that is taken, and the store its residues.
 Result enforce() {
   const int most = PROGRAMS * std::max(RUNDATA.passivity.PMAXIT, 0);
   const PoleCounts fitted = countPoles();
   const double target = std::max(1.0, LITTLE * excess(errorsOfModel()));
-  const bool held = RUNDATA.fit.DCCORR > 0;
+  const bool held = RUNDATA.fit.DCCORR > 0, many = ENFORCE.NC > MANY;
   Best best;
   Result last = Result::Negative;
   int n = 0, tried = 0;
   for (const Attempt& A : held ? heldAttempts : attempts) {
-    if (tried++ > 1 && ENFORCE.NC > MANY) break;
-    last = attempt(A, fitted, n, most, tried < 4 ? LOST * target : NOLIMIT);
+    const bool final = ++tried == std::ssize(attempts);
+    if (tried > 2 && many) break;
+    last = attempt(A, fitted, n, most, many ? FARLOST * target : final ? NOLIMIT : LOST * target);
     const double reached = excess(errorsOfModel());
     if (last == Result::Passive) note(best, reached);
-    if ((last == Result::Passive && reached <= target) || most == 0) break;
+    if ((last == Result::Passive && (many || reached <= target)) || most == 0) break;
   }
   if (!best.found) {
     setPoleCounts(fitted);
