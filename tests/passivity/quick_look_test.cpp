@@ -3,6 +3,8 @@
 
 #include "base/constants.h"
 #include "support/propagation_case.h"
+#include "support/scratch.h"
+#include "support/whole_run.h"
 
 #include <gtest/gtest.h>
 
@@ -52,4 +54,41 @@ TEST(QuickLook, PassesOverWhatHasNoInverseOrNoValues) {
   setClosedForm(2, a, 0, 0); // a fit that is void
   FITMODEL.YD(1, 1) = FITMODEL.YD(2, 2) = 0;
   EXPECT_EQ(lookForPower().value, 0);
+}
+
+// A coarse fit, looked at as it is, and behind an enforcement at all frequencies.
+TEST(QuickLook, SpeaksOnceOnTheErrorStreamAndNotOfAModelThatIsMended) {
+  const std::string line = R"(Line Summary
+{
+Number of Conductors: 1
+}
+Line Constants Tower
+{
+Circuit
+{
+Conductors: 1
+Conductor Phase Information: 1
+DCResistance: 0.05
+Radius: 0.015
+P1 : 0 20
+}
+}
+Frequency Dep. (Phase) Model Options
+{
+Weighting Factor 1: 1
+Weighting Factor 2: 1
+Weighting Factor 3: 1
+Maximum Fitting Error (%) for Surge Admittance: 5
+Maximum Fitting Error (%) for Attenuation Constant: 5
+)";
+  const ProgramRun fitted = runLine(line + "}\n", "10000");
+  const ProgramRun mended = runLine(line + "Maximum iterations for passivity: 9\n"
+                                           "Maximum relative error for passivity: 50\n}\n"
+                                           "Numerical Options\n{\nImproved Passivity : 1\n}\n",
+                                    "10000");
+  EXPECT_NE(fitted.power.find(" S at "), std::string::npos);
+  EXPECT_EQ(fitted.console.find("generates power"), std::string::npos);
+  EXPECT_EQ(fitted.status, 0);
+  EXPECT_NE(mended.console.find("Error of the written model"), std::string::npos);
+  EXPECT_EQ(mended.power, "");
 }

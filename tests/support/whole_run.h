@@ -31,8 +31,9 @@ namespace lcp::test {
 struct ProgramRun {
   int status = -1;                          // exit status; -1 when a signal ended the run
   std::string console;                      // standard output
-  std::string errors;                       // standard error
+  std::string errors;                       // standard error, but for power
   std::map<std::string, std::string> files; // files that are new or changed, by relative path
+  std::string power;                        // what it says of a model that generates power
 };
 
 // Runs the program in the directory; a signal ends it at the time limit.
