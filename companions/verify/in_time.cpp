@@ -6,10 +6,10 @@
 #include "companions/shared/captured_run.h"
 #include "companions/shared/direct_line.h"
 #include "companions/shared/growth.h"
+#include "companions/shared/progress.h"
 #include "store/rundata.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
@@ -27,20 +27,7 @@ constexpr double STEPSOFADELAY = 10;
 constexpr double HIGHEST = 1e8; // Hz, up to which growth is looked for
 constexpr double SLOW = 1000;   // s to grow e-fold that a simulation does not see
 constexpr int HALVINGS = 6;     // of a step that lets a model grow
-constexpr double QUIET = 2;     // s without a word
 constexpr double BEYOND = 30;   // band of the exact line over that of the transforms
-
-// Lines about the course on the error stream, once it takes longer.
-class Progress {
-public:
-  void note(std::string_view what) const {
-    const std::chrono::duration<double> passed = std::chrono::steady_clock::now() - start;
-    if (passed.count() > QUIET) fmt::print(stderr, "corvo-verify: {} ...\n", what);
-  }
-
-private:
-  std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
-};
 
 double shortestDelay(const ModelFile& file, double length) {
   std::vector<double> delays = file.H.delays;
@@ -267,7 +254,7 @@ double recommendedStep(const ModelFile& file, double length) {
 
 InTime checkInTime(const ModelFile& file, double length, const TimeOptions& options,
                    const Limits& limits) {
-  const Progress progress;
+  const Progress progress(options.program);
   InTime all;
   const TransientSetup setup = setupOf(file, length, options);
   const TransientSetup direct = directSetup(setup, options);

@@ -156,10 +156,14 @@ function addPassivity(passivity) {
 
 // ---- verdicts
 
-const PLACES = [["poles", "poles"], ["delay", "delays"], ["step", "delays"], ["passivity", "passivity"], ["modes", "modes"], ["line", "constants"], ["Yc", "Yc"], ["H", "H"],
+const PLACES = [["in time", "time"], ["growth", "time"], ["poles", "poles"], ["delay", "delays"], ["step", "delays"], ["passivity", "passivity"], ["modes", "modes"], ["line", "constants"], ["Yc", "Yc"], ["H", "H"],
   ["Zc", "Zc-fit"], ["Z", "Z-fit"], ["T", "delays"], ["R", "modes"], ["shunt", "constants"], ["series", "constants"]];
 
+const chipOf = (word, text) => make("span", { class: `chip ${word}` }, text);
+
 function placeOf(finding) {
+  const simulated = finding.subject === "in time" && document.getElementById("case-" + finding.where.split(",")[0]);
+  if (simulated) return simulated.id;
   const found = PLACES.find(([subject, id]) => finding.subject.startsWith(subject) && document.getElementById(id));
   return found ? found[1] : finding.subject === "Zc" ? "Zc" : "constants";
 }
@@ -172,12 +176,11 @@ function toldFinding(f) {
 function addVerdicts(section) {
   const count = (word) => data.verdicts.filter((f) => f.verdict === word).length;
   const order = { bad: 0, doubtful: 1, good: 2, undefined: 3 };
-  const chip = (word, text = word) => make("span", { class: `chip ${word}` }, text);
-  section.append(make("div", { class: "sum" }, ...["bad", "doubtful", "good"].map((word) => chip(word, `${count(word)} ${word}`))));
+  section.append(make("div", { class: "sum" }, ...["bad", "doubtful", "good"].map((word) => chipOf(word, `${count(word)} ${word}`))));
   const rows = [...data.verdicts].sort((a, b) => order[a.verdict] - order[b.verdict]).map((f) => {
     const id = placeOf(f), element = (f.where.match(/\(\d+,\d+\)|mode \d+/) || [])[0];
     const link = make("a", { href: "#" + id, onclick: () => document.getElementById(id).choose?.(element) }, f.subject);
-    return [chip(f.verdict || "told", f.verdict || "info"), link, f.where, toldFinding(f), f.frequency ? toldFrequency(f.frequency) : ""];
+    return [chipOf(f.verdict || "told", f.verdict || "info"), link, f.where, toldFinding(f), f.frequency ? toldFrequency(f.frequency) : ""];
   });
   const list = table(["Verdict", "Quantity", "Where", "Value", "At"], rows, "verdicts");
   for (const row of list.querySelectorAll("tr")) row.children[2].classList.add("where");
@@ -212,6 +215,7 @@ function addLine() {
     if (data.delays.length) addDelays(fit, data.delays);
   }
   if (data.passivity) addPassivity(data.passivity);
+  addInTime(data.inTime);
   addVerdicts(verdicts);
   addSection("console", "Console").append(make("details", { class: "console" }, make("summary", {}, "What the run printed"), make("pre", {}, data.console)));
 }
