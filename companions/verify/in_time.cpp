@@ -23,6 +23,7 @@ constexpr double DCUNTIL = 25;       // of the other cases' time
 constexpr double FRONTSTEPS = 16;    // exact points of a front
 constexpr double LEASTPOINTS = 4000; // of a case
 constexpr double DCFRONT = 1e-3;     // of the time: a direct voltage rises at least so slowly
+constexpr double DCSTEPS = 1e4;      // at most, ten along the front, when no step is given
 constexpr double STEPSOFADELAY = 10;
 constexpr double HIGHEST = 1e8; // Hz, up to which growth is looked for
 constexpr double SLOW = 1000;   // s to grow e-fold that a simulation does not see
@@ -51,6 +52,7 @@ TransientSetup setupOf(const ModelFile& file, double length, const TimeOptions& 
 TransientSetup directSetup(TransientSetup S, const TimeOptions& options) {
   if (options.until == 0) S.until *= DCUNTIL;
   S.front = std::max(S.front, DCFRONT * S.until);
+  if (options.step == 0 && S.step < S.until / DCSTEPS) S.step = S.until / DCSTEPS;
   return S;
 }
 
@@ -121,7 +123,7 @@ Finding modelFinding(const CaseCurves& C, double peak, const Limits& limits) {
   return f;
 }
 
-Finding stepFinding(const CaseCurves& C, double peak, double step, const Limits& limits) {
+Finding stepFinding(const CaseCurves& C, double peak, const Limits& limits) {
   const Difference d = differenceOf(C.stepped, C.functions, peak);
   Finding f{"in time", fmt::format("{}, of the step", C.row.name)};
   f.value = 100 * d.most;
@@ -130,7 +132,7 @@ Finding stepFinding(const CaseCurves& C, double peak, double step, const Limits&
   f.verdict = limits.judge("step", f.value);
   if (f.verdict == Verdict::GOOD || !std::isfinite(f.value)) return f;
   // The error falls with the square of the step.
-  const double enough = step * std::sqrt(limits.doubtfulAbove("step") / f.value);
+  const double enough = C.step * std::sqrt(limits.doubtfulAbove("step") / f.value);
   f.words += fmt::format("; a step of some {:.2g} us is good", 1e6 * enough);
   return f;
 }
@@ -282,7 +284,7 @@ InTime checkInTime(const ModelFile& file, double length, const TimeOptions& opti
   for (const CaseCurves& C : all.curves) {
     const double peak = peakOf(C.line);
     all.findings.push_back(modelFinding(C, peak, limits));
-    all.findings.push_back(stepFinding(C, peak, setup.step, limits));
+    all.findings.push_back(stepFinding(C, peak, limits));
   }
   return all;
 }
