@@ -105,23 +105,24 @@ Json dataOf(const std::string& description, double length) {
                {"facts", factsOf(description, S.model, length)},
                {"console", S.console},
                {"geometry", geometryOf()}};
-  progress.note("computing the line");
-  const Survey survey = surveyLine(S.model, length);
-  data["constants"] = Json::array({constantsOf(survey)});
-  data["modes"] = Json::array({modesOf(survey, S.model)});
-  if (const Json fit = fitsOf(survey, S.model); !fit.is_null()) data["fit"].push_back(fit);
+  data["reported"] = RUNDATA.display.DISPFREQ;
+  data["sequences"] = sequencesOf(length);
   data["poles"] = polesOf(S.model);
+  const KeptConstants kept;
   data["delays"] = delaysOf(S.model, length);
-  progress.note("looking for what is not passive");
-  data["passivity"] = passivityOf(S.model, S.before);
   progress.note("comparing the model with the line");
   std::vector<Finding> findings = verified(S.model, length, {});
+  progress.note("drawing the curves");
+  const Survey survey = surveyLine(S.model, length, findings);
+  data["constants"] = Json::array({constantsOf(survey)});
+  data["modes"] = Json::array({modesOf(survey)});
+  if (const Json fit = fitsOf(survey); !fit.is_null()) data["fit"].push_back(fit);
+  progress.note("looking for what is not passive");
+  data["passivity"] = passivityOf(S.model, S.before);
   progress.note("simulating");
   data["inTime"] = inTimeOf(S.model, length, findings);
   data["verdicts"] =
       Json::parse(asJson(findings, nameOf(S.model.kind), S.model.n, length, {}))["findings"];
-  data["reported"] = RUNDATA.display.DISPFREQ;
-  data["sequences"] = sequencesOf(length);
   return data;
 }
 

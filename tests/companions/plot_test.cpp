@@ -196,7 +196,7 @@ TEST(Page, CurvesAreThoseOfTheLineAndItsModel) {
   for (const auto& c : curves) {
     const ModelFile file = fileOf(c.kind);
     const Survey survey = surveyLine(file, LENGTH);
-    const Json page = c.kind == ModelKind::Bergeron ? modesOf(survey, file) : fitsOf(survey, file);
+    const Json page = c.kind == ModelKind::Bergeron ? modesOf(survey) : fitsOf(survey);
     const std::vector<double> f = unpacked(page["f"]);
     ASSERT_GT(f.size(), 100U);
     for (const Json& F : page["functions"]) {

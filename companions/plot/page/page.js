@@ -88,7 +88,8 @@ function addFunction(host, c, set) {
   part.append(box);
   host.append(part);
   part.choose = (name) => {
-    const i = c.elements.findIndex((e) => e.name === name);
+    const across = (name || "").replace(/\((\d+),(\d+)\)/, "($2,$1)"); // of a symmetric matrix only one half is here
+    const i = [name, across].map((n) => c.elements.findIndex((e) => e.name === n)).find((at) => at >= 0) ?? -1;
     if (i < 0 || state.shown.includes(i)) return;
     state.shown = [...state.shown.slice(0, 2), i];
     picked.boxes.forEach(([b], k) => { b.checked = state.shown.includes(k); });
