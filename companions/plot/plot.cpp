@@ -94,6 +94,25 @@ Json inTimeOf(const ModelFile& model, double length, std::vector<Finding>& findi
   return {{"cases", timeCurvesOf(found.curves)}};
 }
 
+// All that compares the model with the line over frequency; returns its findings. The constants of
+// the line are computed once. A simulation can need those of another earth return, so that it comes
+// later.
+std::vector<Finding> addCurves(Json& data, const Solved& S, double length,
+                               const Progress& progress) {
+  const KeptConstants kept;
+  data["delays"] = delaysOf(S.model, length);
+  progress.note("comparing the model with the line");
+  std::vector<Finding> findings = verified(S.model, length, {});
+  progress.note("drawing the curves");
+  const Survey survey = surveyLine(S.model, length, findings);
+  data["constants"] = Json::array({constantsOf(survey)});
+  data["modes"] = Json::array({modesOf(survey)});
+  if (const Json fit = fitsOf(survey); !fit.is_null()) data["fit"].push_back(fit);
+  progress.note("looking for what is not passive");
+  data["passivity"] = passivityOf(S.model, S.before);
+  return findings;
+}
+
 Json dataOf(const std::string& description, double length) {
   const Progress progress(PLOT.name);
   const Solved S = solved(description, length);
@@ -108,17 +127,7 @@ Json dataOf(const std::string& description, double length) {
   data["reported"] = RUNDATA.display.DISPFREQ;
   data["sequences"] = sequencesOf(length);
   data["poles"] = polesOf(S.model);
-  const KeptConstants kept;
-  data["delays"] = delaysOf(S.model, length);
-  progress.note("comparing the model with the line");
-  std::vector<Finding> findings = verified(S.model, length, {});
-  progress.note("drawing the curves");
-  const Survey survey = surveyLine(S.model, length, findings);
-  data["constants"] = Json::array({constantsOf(survey)});
-  data["modes"] = Json::array({modesOf(survey)});
-  if (const Json fit = fitsOf(survey); !fit.is_null()) data["fit"].push_back(fit);
-  progress.note("looking for what is not passive");
-  data["passivity"] = passivityOf(S.model, S.before);
+  std::vector<Finding> findings = addCurves(data, S, length, progress);
   progress.note("simulating");
   data["inTime"] = inTimeOf(S.model, length, findings);
   data["verdicts"] =
