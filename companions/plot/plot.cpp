@@ -13,6 +13,7 @@
 #include "companions/shared/scratch.h"
 #include "companions/shared/verdicts.h"
 #include "companions/shared/whole_files.h"
+#include "companions/verify/remedies.h"
 #include "companions/verify/verify.h"
 #include "store/rundata.h"
 
@@ -130,6 +131,7 @@ Json dataOf(const std::string& description, double length) {
   std::vector<Finding> findings = addCurves(data, S, length, progress);
   progress.note("simulating");
   data["inTime"] = inTimeOf(S.model, length, findings);
+  addRemedies(findings);
   data["verdicts"] =
       Json::parse(asJson(findings, nameOf(S.model.kind), S.model.n, length, {}))["findings"];
   return data;

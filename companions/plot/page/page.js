@@ -170,8 +170,9 @@ function placeOf(finding) {
 }
 
 function toldFinding(f) {
-  if (f.words) return f.words;
-  return told(f.value, 4) + (f.unit ? " " + f.unit : "") + (f.rms === undefined ? "" : `, rms ${told(f.rms, 3)} ${f.unit || ""}`);
+  const remedy = f.remedy ? `; try ${f.remedy}` : "";
+  if (f.words) return f.words + remedy;
+  return remedy ? toldFinding({ ...f, remedy: "" }) + remedy : told(f.value, 4) + (f.unit ? " " + f.unit : "") + (f.rms === undefined ? "" : `, rms ${told(f.rms, 3)} ${f.unit || ""}`);
 }
 
 function addVerdicts(section) {
@@ -183,9 +184,14 @@ function addVerdicts(section) {
     const link = make("a", { href: "#" + id, onclick: () => document.getElementById(id).choose?.(element) }, f.subject);
     return [chipOf(f.verdict || "told", f.verdict || "info"), link, f.where, toldFinding(f), f.frequency ? toldFrequency(f.frequency) : ""];
   });
-  const list = table(["Verdict", "Quantity", "Where", "Value", "At"], rows, "verdicts");
-  for (const row of list.querySelectorAll("tr")) row.children[2].classList.add("where");
-  section.append(list);
+  const listOf = (some) => {
+    const list = table(["Verdict", "Quantity", "Where", "Value", "At"], some, "verdicts");
+    for (const row of list.querySelectorAll("tr")) row.children[2].classList.add("where");
+    return list;
+  };
+  const wrong = count("bad") + count("doubtful");
+  if (wrong) section.append(listOf(rows.slice(0, wrong)));
+  section.append(make("details", { class: "rest" }, make("summary", {}, `${rows.length - wrong} that are good or for information`), listOf(rows.slice(wrong))));
 }
 
 function addSequences(host) {
