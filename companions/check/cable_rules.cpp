@@ -78,9 +78,10 @@ void places(Findings& findings, int n) {
   const Cable& C = T.CB[n];
   const int line = cablePositionLine(n);
   for (int m = 1; m < n; ++m) {
-    if (T.CB[m].CBPIPE == C.CBPIPE)
+    if (T.CB[m].CBPIPE == C.CBPIPE) {
       overlap(findings, line, fmt::format("cable {} and cable {}", n, m), placeOf(C),
               placeOf(T.CB[m]));
+    }
   }
   if (C.CBPIPE == 0) {
     depth(findings, line, fmt::format("cable {}", n), C.CBOVHD, C.CBY, C.radius());
@@ -128,6 +129,7 @@ int groupLine(int n) { return std::max(keyLineOfCable("Cable Group", n), cablePo
 
 std::string listOf(const std::vector<int>& cables) {
   std::vector<std::string> numbers;
+  numbers.reserve(cables.size());
   for (const int n : cables) numbers.push_back(std::to_string(n));
   return fmt::format("{} {}", cables.size() == 1 ? "cable" : "cables", joined(numbers, ", "));
 }
@@ -236,9 +238,10 @@ void overruled(Findings& findings) {
     add(findings, std::max(lineOf(&said), headingOfPipe()), Kind::InnerCables, std::to_string(said),
         std::to_string(there));
   }
-  for (const LayerFlag& flag : flagsWithoutLayer())
+  for (const LayerFlag& flag : flagsWithoutLayer()) {
     add(findings, cableLine(flag.target, flag.cable), Kind::AbsentLayer, flag.key,
         std::to_string(flag.cable));
+  }
 }
 
 } // namespace

@@ -167,20 +167,4 @@ Json packed(const Frequencies& at, std::vector<Functions> all, const Room& room)
   return {{"f", packedNumbers(f)}, {"fit", fit}, {"functions", functions}};
 }
 
-std::vector<Element> elementsOf(const std::vector<Matrix>& line, const std::vector<Matrix>& model,
-                                bool symmetric) {
-  const Matrix& first = line.empty() ? model.front() : line.front();
-  std::vector<Element> elements;
-  for (std::size_t i = 0; i < first.rows; ++i) {
-    for (std::size_t j = symmetric ? i : 0; j < first.columns; ++j) {
-      Element e;
-      e.name = fmt::format("({},{})", i + 1, j + 1);
-      for (const Matrix& M : line) e.line.push_back(M(i, j));
-      for (const Matrix& M : model) e.model.push_back(M(i, j));
-      elements.push_back(std::move(e));
-    }
-  }
-  return elements;
-}
-
 } // namespace lcp::companions

@@ -50,8 +50,4 @@ Json packed(const Frequencies& at, std::vector<Functions> all, const Room& room)
 // 0; NaN stays NaN.
 std::string packedNumbers(std::span<const double> values);
 
-// Elements of matrices over frequency: all, or the upper triangle of symmetric ones.
-std::vector<Element> elementsOf(const std::vector<Matrix>& line, const std::vector<Matrix>& model,
-                                bool symmetric);
-
 } // namespace lcp::companions

@@ -6,11 +6,14 @@
 #include "companions/plot/geometry.h"
 #include "companions/plot/page.h"
 #include "companions/plot/survey.h"
+#include "companions/plot/time_curves.h"
 #include "companions/shared/arguments.h"
 #include "companions/shared/captured_run.h"
+#include "companions/shared/progress.h"
 #include "companions/shared/scratch.h"
 #include "companions/shared/verdicts.h"
 #include "companions/shared/whole_files.h"
+#include "companions/verify/remedies.h"
 #include "companions/verify/verify.h"
 #include "store/rundata.h"
 
@@ -31,6 +34,8 @@ constexpr Program PLOT = {"corvo-plot",
                           0,
                           1,
                           OPTIONS};
+
+constexpr std::size_t MOSTSIMULATED = 12; // conductors
 
 // Results of the run: console, model, and model before enforcement.
 struct Solved {
@@ -74,7 +79,43 @@ Json factsOf(const std::string& description, const ModelFile& model, double leng
   return facts;
 }
 
+// Simulations of the model, with their findings added to the others.
+Json inTimeOf(const ModelFile& model, double length, std::vector<Finding>& findings) {
+  if (RUNDATA.run.fromTable())
+    return {{"note", "A table of Y and Z says nothing at complex frequencies: no simulation."}};
+  if (model.n > MOSTSIMULATED)
+    return {{"note", fmt::format("Not simulated: {} conductors take minutes. corvo-verify --time "
+                                 "does it.",
+                                 model.n)}};
+  TimeOptions options;
+  options.program = PLOT.name;
+  for (const CaseRow& row : TRANSIENTCASES) options.cases.push_back(row.which);
+  const InTime found = checkInTime(model, length, options, {});
+  findings.insert(findings.end(), found.findings.begin(), found.findings.end());
+  return {{"cases", timeCurvesOf(found.curves)}};
+}
+
+// All that compares the model with the line over frequency; returns its findings. The constants of
+// the line are computed once. A simulation can need those of another earth return, so that it comes
+// later.
+std::vector<Finding> addCurves(Json& data, const Solved& S, double length,
+                               const Progress& progress) {
+  const KeptConstants kept;
+  data["delays"] = delaysOf(S.model, length);
+  progress.note("comparing the model with the line");
+  std::vector<Finding> findings = verified(S.model, length, {});
+  progress.note("drawing the curves");
+  const Survey survey = surveyLine(S.model, length, findings);
+  data["constants"] = Json::array({constantsOf(survey)});
+  data["modes"] = Json::array({modesOf(survey)});
+  if (const Json fit = fitsOf(survey); !fit.is_null()) data["fit"].push_back(fit);
+  progress.note("looking for what is not passive");
+  data["passivity"] = passivityOf(S.model, S.before);
+  return findings;
+}
+
 Json dataOf(const std::string& description, double length) {
+  const Progress progress(PLOT.name);
   const Solved S = solved(description, length);
   if (!S.model.trouble.empty()) giveUp(PLOT.name, "the model file: " + S.model.trouble);
   const std::string_view name = RUNDATA.line.LNAME.text();
@@ -84,18 +125,15 @@ Json dataOf(const std::string& description, double length) {
                {"facts", factsOf(description, S.model, length)},
                {"console", S.console},
                {"geometry", geometryOf()}};
-  const Survey survey = surveyLine(S.model, length);
-  data["constants"] = Json::array({constantsOf(survey)});
-  data["modes"] = Json::array({modesOf(survey, S.model)});
-  if (const Json fit = fitsOf(survey, S.model); !fit.is_null()) data["fit"].push_back(fit);
-  data["poles"] = polesOf(S.model);
-  data["delays"] = delaysOf(S.model, length);
-  data["passivity"] = passivityOf(S.model, S.before);
-  const std::vector<Finding> findings = verified(S.model, length, {});
-  data["verdicts"] =
-      Json::parse(asJson(findings, nameOf(S.model.kind), S.model.n, length, {}))["findings"];
   data["reported"] = RUNDATA.display.DISPFREQ;
   data["sequences"] = sequencesOf(length);
+  data["poles"] = polesOf(S.model);
+  std::vector<Finding> findings = addCurves(data, S, length, progress);
+  progress.note("simulating");
+  data["inTime"] = inTimeOf(S.model, length, findings);
+  addRemedies(findings);
+  data["verdicts"] =
+      Json::parse(asJson(findings, nameOf(S.model.kind), S.model.n, length, {}))["findings"];
   return data;
 }
 

@@ -11,10 +11,16 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <optional>
+#include <unordered_map>
 
 namespace lcp::companions {
 
 namespace {
+
+constexpr std::size_t MOSTKEPT = 2'500'000; // elements, 40 MB
+
+std::optional<std::unordered_map<double, LinePoint>> keptPoints;
 
 CView view(Matrix& A) { return {A.elements.data(), static_cast<int>(A.rows)}; }
 
@@ -53,11 +59,7 @@ Matrix scaled(Matrix A, const std::vector<Complex>& factors) {
   return A;
 }
 
-} // namespace
-
-std::size_t lineOrder() { return static_cast<std::size_t>(RUNDATA.line.NC); }
-
-LinePoint constantsOf(double f) {
+LinePoint computedAt(double f) {
   if (RUNDATA.run.DATAFMT == ROUTEMANUAL) { // for data entered by hand
     MANLINE(SOLVEDATA.first.YMAT, SOLVEDATA.first.ZMAT, f, MANUALMATRICES);
   } else {
@@ -66,6 +68,10 @@ LinePoint constantsOf(double f) {
   return {f, cornerOf(SOLVEDATA.first.YMAT, lineOrder()),
           cornerOf(SOLVEDATA.first.ZMAT, lineOrder())};
 }
+
+} // namespace
+
+std::size_t lineOrder() { return static_cast<std::size_t>(RUNDATA.line.NC); }
 
 std::vector<bool> phaseConductors(std::size_t n) {
   std::vector<bool> phase(n, true);
@@ -77,6 +83,18 @@ std::vector<bool> phaseConductors(std::size_t n) {
     phase[i] = core;
   }
   return phase;
+}
+
+KeptConstants::KeptConstants() { keptPoints.emplace(); }
+KeptConstants::~KeptConstants() { keptPoints.reset(); }
+
+LinePoint constantsOf(double f) {
+  if (!keptPoints) return computedAt(f);
+  if (const auto known = keptPoints->find(f); known != keptPoints->end()) return known->second;
+  LinePoint point = computedAt(f);
+  if ((keptPoints->size() + 1) * 2 * point.Y.elements.size() < MOSTKEPT)
+    keptPoints->emplace(f, point);
+  return point;
 }
 
 LineModes modesOf(const LinePoint& point) {

@@ -37,6 +37,16 @@ std::size_t lineOrder();
 // program at this frequency ends the process.
 LinePoint constantsOf(double f);
 
+// While it lives, constantsOf answers from what it has computed before, as far as a limit of memory
+// allows. Neither the description nor the stores of the program may change or be read meanwhile.
+class KeptConstants {
+public:
+  KeptConstants();
+  KeptConstants(const KeptConstants&) = delete;
+  KeptConstants& operator=(const KeptConstants&) = delete;
+  ~KeptConstants();
+};
+
 // Modes of Y Z at a point, in the order of LAPACK.
 // Which of the n conductors are phases: the cores of a cable system, all conductors of another one.
 // Only after the constants were computed once.

@@ -22,7 +22,7 @@ constexpr std::array<CaseRow, 5> TRANSIENTCASES = {{
     {TransientCase::Step, "step", "a step on the first phase, far end open: its voltages"},
     {TransientCase::Short, "short", "sources on all phases into a short: its currents"},
     {TransientCase::Ground, "ground",
-     "the same, first phase to ground, others open: their voltages"},
+     "sources on all phases, far end of the first grounded: voltages of the others"},
     {TransientCase::Dc, "dc", "direct voltage on the first phase into a short: its current"},
 }};
 

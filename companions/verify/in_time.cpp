@@ -6,10 +6,10 @@
 #include "companions/shared/captured_run.h"
 #include "companions/shared/direct_line.h"
 #include "companions/shared/growth.h"
+#include "companions/shared/progress.h"
 #include "store/rundata.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
@@ -23,24 +23,12 @@ constexpr double DCUNTIL = 25;       // of the other cases' time
 constexpr double FRONTSTEPS = 16;    // exact points of a front
 constexpr double LEASTPOINTS = 4000; // of a case
 constexpr double DCFRONT = 1e-3;     // of the time: a direct voltage rises at least so slowly
+constexpr double DCSTEPS = 1e4;      // at most, ten along the front, when no step is given
 constexpr double STEPSOFADELAY = 10;
 constexpr double HIGHEST = 1e8; // Hz, up to which growth is looked for
 constexpr double SLOW = 1000;   // s to grow e-fold that a simulation does not see
 constexpr int HALVINGS = 6;     // of a step that lets a model grow
-constexpr double QUIET = 2;     // s without a word
 constexpr double BEYOND = 30;   // band of the exact line over that of the transforms
-
-// Lines about the course on the error stream, once it takes longer.
-class Progress {
-public:
-  void note(std::string_view what) const {
-    const std::chrono::duration<double> passed = std::chrono::steady_clock::now() - start;
-    if (passed.count() > QUIET) fmt::print(stderr, "corvo-verify: {} ...\n", what);
-  }
-
-private:
-  std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
-};
 
 double shortestDelay(const ModelFile& file, double length) {
   std::vector<double> delays = file.H.delays;
@@ -64,6 +52,7 @@ TransientSetup setupOf(const ModelFile& file, double length, const TimeOptions& 
 TransientSetup directSetup(TransientSetup S, const TimeOptions& options) {
   if (options.until == 0) S.until *= DCUNTIL;
   S.front = std::max(S.front, DCFRONT * S.until);
+  if (options.step == 0 && S.step < S.until / DCSTEPS) S.step = S.until / DCSTEPS;
   return S;
 }
 
@@ -134,7 +123,7 @@ Finding modelFinding(const CaseCurves& C, double peak, const Limits& limits) {
   return f;
 }
 
-Finding stepFinding(const CaseCurves& C, double peak, double step, const Limits& limits) {
+Finding stepFinding(const CaseCurves& C, double peak, const Limits& limits) {
   const Difference d = differenceOf(C.stepped, C.functions, peak);
   Finding f{"in time", fmt::format("{}, of the step", C.row.name)};
   f.value = 100 * d.most;
@@ -143,7 +132,7 @@ Finding stepFinding(const CaseCurves& C, double peak, double step, const Limits&
   f.verdict = limits.judge("step", f.value);
   if (f.verdict == Verdict::GOOD || !std::isfinite(f.value)) return f;
   // The error falls with the square of the step.
-  const double enough = step * std::sqrt(limits.doubtfulAbove("step") / f.value);
+  const double enough = C.step * std::sqrt(limits.doubtfulAbove("step") / f.value);
   f.words += fmt::format("; a step of some {:.2g} us is good", 1e6 * enough);
   return f;
 }
@@ -267,7 +256,7 @@ double recommendedStep(const ModelFile& file, double length) {
 
 InTime checkInTime(const ModelFile& file, double length, const TimeOptions& options,
                    const Limits& limits) {
-  const Progress progress;
+  const Progress progress(options.program);
   InTime all;
   const TransientSetup setup = setupOf(file, length, options);
   const TransientSetup direct = directSetup(setup, options);
@@ -295,7 +284,7 @@ InTime checkInTime(const ModelFile& file, double length, const TimeOptions& opti
   for (const CaseCurves& C : all.curves) {
     const double peak = peakOf(C.line);
     all.findings.push_back(modelFinding(C, peak, limits));
-    all.findings.push_back(stepFinding(C, peak, setup.step, limits));
+    all.findings.push_back(stepFinding(C, peak, limits));
   }
   return all;
 }

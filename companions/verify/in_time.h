@@ -7,15 +7,17 @@
 #include "companions/shared/verdicts.h"
 
 #include <nlohmann/json_fwd.hpp>
+#include <string_view>
 #include <vector>
 
 namespace lcp::companions {
 
 struct TimeOptions {
   std::vector<TransientCase> cases;
-  double step = 0;  // s; 0 for a tenth of the shortest delay
-  double front = 0; // s; 0 for 50 us
-  double until = 0; // s; 0 for a period of the steady state frequency
+  double step = 0;                           // s; 0 for a tenth of the shortest delay
+  double front = 0;                          // s; 0 for 50 us
+  double until = 0;                          // s; 0 for a period of the steady state frequency
+  std::string_view program = "corvo-verify"; // in notes on the error stream
 };
 
 // A case as curves, at steps of time: exact, of the model's functions, and as simulated.

@@ -5,7 +5,9 @@
 #include "companions/plot/geometry.h"
 #include "companions/plot/page.h"
 #include "companions/plot/plot.h"
+#include "companions/plot/sheets.h"
 #include "companions/plot/survey.h"
+#include "companions/plot/time_curves.h"
 #include "companions/shared/captured_run.h"
 #include "companions/shared/direct_line.h"
 #include "companions/shared/fit_ranges.h"
@@ -93,6 +95,42 @@ TEST(Page, IsNoFileThatItIsMadeFrom) {
   }
   EXPECT_EQ(plotted(sources[1], curve), 2);
   for (const auto& source : sources) EXPECT_EQ(plotted(source, scratch.file("page")), 0);
+}
+
+// Straight lines between the kept points: the kinks of a ramp, a spike, and no more than allowed.
+TEST(Page, TimesAreThoseThatStraightLinesNeed) {
+  std::vector<double> ramp(1001), spike(1001, 0.0), wave(1001);
+  for (std::size_t k = 0; k < ramp.size(); ++k) {
+    ramp[k] = std::clamp(static_cast<double>(k) - 400, 0.0, 200.0);
+    wave[k] = std::sin(0.5 * static_cast<double>(k));
+  }
+  spike[777] = 1e-9; // of its own height
+  EXPECT_EQ(keptOf({ramp, spike}, 1e-3, 500),
+            (std::vector<std::size_t>{0, 400, 600, 776, 777, 778, 1000}));
+  EXPECT_EQ(keptOf({wave}, 1e-3, 50).size(), 50U);
+}
+
+// Of twelve conductors the diagonal, the first row and column, and what a finding names.
+TEST(Page, LargeMatricesKeepWhatVerdictsName) {
+  Finding named("Yc", "between them (9,7)");
+  const std::vector<Place> half = placesOf(12, true, {named}), all = placesOf(12, false, {named});
+  EXPECT_EQ(half.size(), 12U + 11U + 1U);
+  EXPECT_EQ(all.size(), 12U + 2 * 11U + 1U);
+  EXPECT_EQ(std::count(half.begin(), half.end(), Place{6, 8}), 1);
+  EXPECT_EQ(std::count(all.begin(), all.end(), Place{8, 6}), 1);
+  EXPECT_EQ(placesOf(8, true, {}).size(), 36U);
+}
+
+// Kept constants are those computed anew, also when another frequency came between.
+TEST(Page, KeptConstantsAreTheSame) {
+  lcp::RUNDATA.resetInput();
+  readHere(CORVO_TEST_DATA "/../examples/singlecore.cbi", 1e4);
+  const LinePoint anew = constantsOf(700);
+  const KeptConstants kept;
+  constantsOf(700);
+  constantsOf(5e4);
+  EXPECT_EQ(constantsOf(700).Z.elements, anew.Z.elements);
+  EXPECT_NE(constantsOf(5e4).Z.elements, anew.Z.elements);
 }
 
 // The sheaths of these cables are kept; their sequence values are those with the sheaths grounded.
@@ -208,7 +246,7 @@ TEST(Page, CurvesAreThoseOfTheLineAndItsModel) {
   for (const auto& c : curves) {
     const ModelFile file = fileOf(c.kind);
     const Survey survey = surveyLine(file, LENGTH);
-    const Json page = c.kind == ModelKind::Bergeron ? modesOf(survey, file) : fitsOf(survey, file);
+    const Json page = c.kind == ModelKind::Bergeron ? modesOf(survey) : fitsOf(survey);
     const std::vector<double> f = unpacked(page["f"]);
     ASSERT_GT(f.size(), 100U);
     EXPECT_EQ(std::adjacent_find(f.begin(), f.end(), std::greater_equal<>()), f.end());

@@ -13,6 +13,7 @@ function make(name, attributes = {}, ...children) {
   return element;
 }
 
+const DASHES = { model: [6, 4], stepped: [1.5, 3] };
 const styleOf = (name) => getComputedStyle(document.documentElement).getPropertyValue(name).trim();
 const colourOf = (series) => styleOf("--s" + (series.colour % 8));
 
@@ -56,7 +57,7 @@ function seriesOptions(spec) {
   for (const s of spec.series) {
     options[s.name] = {
       color: colourOf(s), strokeWidth: s.marks === "cross" ? 0 : s.style === "under" ? 4 : 1.7,
-      strokePattern: s.style === "model" ? [6, 4] : null,
+      strokePattern: DASHES[s.style] || null,
       drawPoints: Boolean(s.marks), ...(s.marks && { drawPointCallback: drawMark(s.marks) }),
       ...(s.style === "under" && { plotter: pale }),
     };
@@ -158,7 +159,7 @@ function onKey(chart, event) {
 }
 
 function swatch(series) {
-  const dash = series.style === "model" ? "stroke-dasharray='5 3'" : "", wide = series.style === "under";
+  const dash = DASHES[series.style] ? `stroke-dasharray='${DASHES[series.style].join(" ")}'` : "", wide = series.style === "under";
   const span = make("span", { "aria-hidden": "true" });
   const mark = series.marks === "cross" ? "<path d='M 6 0 l 8 8 m 0 -8 l -8 8'" : "<path d='M 0 4 h 20'";
   span.innerHTML = `<svg width="20" height="8">${mark} ${dash}
@@ -226,7 +227,7 @@ function asPicture(chart) {
     ctx.strokeStyle = colourOf(s);
     ctx.lineWidth = 2;
     ctx.globalAlpha = chart.shown[i] ? 1 : 0.3;
-    ctx.setLineDash(s.style === "model" ? [5, 3] : []);
+    ctx.setLineDash(DASHES[s.style] || []);
     ctx.beginPath();
     ctx.moveTo(x, y - 4);
     ctx.lineTo(x + 20, y - 4);

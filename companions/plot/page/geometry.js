@@ -93,8 +93,60 @@ function text(x, y, words, pixel, attributes = {}) {
   return svg("text", { x, y, "font-size": (attributes.size || 12) * pixel, ...attributes }, words);
 }
 
-// Circles of the layers, outermost first; sectors instead of a core for a four-wire cable.
-function rings(body, cx, cy) {
+const THIN = ["sheath", "armour", "outside", "pipe"];
+
+// A distance between two points at the same height, or above each other, with its ends marked.
+function dimension(x1, y1, x2, y2, pixel) {
+  const group = svg("g", { "aria-hidden": "true" }, svg("line", { class: "dimension", x1, y1, x2, y2 })), flat = y1 === y2;
+  for (const [x, y] of [[x1, y1], [x2, y2]])
+    group.append(svg("line", { class: "dimension", x1: flat ? x : x - 4 * pixel, x2: flat ? x : x + 4 * pixel, y1: flat ? y - 4 * pixel : y, y2: flat ? y + 4 * pixel : y }));
+  const words = `${told(Math.hypot(x2 - x1, y2 - y1), 4)} m`;
+  group.append(flat ? text((x1 + x2) / 2, y1 - 4 * pixel, words, pixel, { class: "soft halo", "text-anchor": "middle", size: 11 })
+    : text(x1 - 6 * pixel, (y1 + y2) / 2 + 4 * pixel, words, pixel, { class: "soft halo", "text-anchor": "end", size: 11 }));
+  return group;
+}
+
+// Heights of the levels beside the wires, and the distances between neighbours of a level below it.
+function heights(way, b, pixel) {
+  const group = svg("g"), centres = bundles(way.wires || []), levels = [...new Set(centres.map((w) => w.y))].sort((p, q) => p - q);
+  const left = Math.min(...centres.map((w) => w.x));
+  levels.forEach((y, k) => {
+    const x = left - (24 + 58 * k) * pixel, level = centres.filter((w) => w.y === y).sort((p, q) => p.x - q.x);
+    if (x > b.left + 100 * pixel) group.append(dimension(x, 0, x, -y, pixel));
+    level.slice(1).forEach((w, i) => {
+      if (w.x - level[i].x > ROOM * pixel) group.append(dimension(level[i].x, 20 * pixel - y, w.x, 20 * pixel - y, pixel));
+    });
+  });
+  return group;
+}
+
+// Cables in groups within which names and distances would overlap.
+const ROOM = 40; // pixels
+function groupsOf(cables, pixel) {
+  const groups = [];
+  for (const c of cables.filter((one) => !one.inside)) {
+    const near = groups.filter((g) => g.some((o) => Math.hypot(o.x - c.x, o.y - c.y) < ROOM * pixel));
+    for (const g of near) groups.splice(groups.indexOf(g), 1);
+    groups.push([...near.flat(), c]);
+  }
+  return groups.map((g) => g.sort((p, q) => p.x - q.x || q.y - p.y));
+}
+
+// Distances between neighbours of the same depth.
+function spacings(cables, pixel, below) {
+  const group = svg("g");
+  for (const y of new Set(cables.map((c) => c.y))) {
+    const row = cables.filter((c) => c.y === y).sort((p, q) => p.x - q.x);
+    row.slice(1).forEach((c, i) => {
+      if (c.x - row[i].x > ROOM * pixel) group.append(dimension(row[i].x, below - y, c.x, below - y, pixel));
+    });
+  }
+  return group;
+}
+
+// Circles of the layers, outermost first; sectors instead of a core for a four-wire cable. A metal
+// layer is at least a pixel wide.
+function rings(body, cx, cy, pixel) {
   const group = svg("g");
   for (const ring of [...body.rings].sort((a, b) => b.outer - a.outer)) {
     const sectors = body.sectors && ring.kind === "core";
@@ -107,6 +159,8 @@ function rings(body, cx, cy) {
     } else if (ring.inner > 0 && ring === body.rings[0]) {
       one.append(svg("circle", { class: "ring hollow", cx, cy, r: ring.inner }));
     }
+    if (THIN.includes(ring.kind) && ring.inner > 0 && ring.outer - ring.inner < 1.5 * pixel && body.r > 12 * pixel)
+      one.append(svg("circle", { class: `thin ${ring.kind}`, cx, cy, r: ring.inner + 0.75 * pixel }));
     group.append(tells(one, { ...body.facts, ...ring.facts }));
   }
   return group;
@@ -134,9 +188,7 @@ function depths(bodies, pixel) {
     if (c.inside || seen.has(c.y)) continue;
     seen.add(c.y);
     const x = c.x - Math.max(c.r, 5 * pixel) - 10 * pixel;
-    group.append(svg("line", { class: "tick", x1: x, x2: x, y1: 0, y2: -c.y }));
-    for (const y of [0, -c.y]) group.append(svg("line", { class: "tick", x1: x - 4 * pixel, x2: x + 4 * pixel, y1: y, y2: y }));
-    group.append(text(x - 7 * pixel, -c.y / 2 + 4 * pixel, `${told(Math.abs(c.y), 4)} m`, pixel, { class: "halo", "text-anchor": "end" }));
+    group.append(dimension(x, 0, x, -c.y, pixel));
   }
   return group;
 }
@@ -147,13 +199,18 @@ function drawWay(picture, way) {
   picture.setAttribute("viewBox", `${b.left} ${-b.high} ${b.right - b.left} ${b.high - b.low}`);
   picture.replaceChildren(svg("title", {}, "Cross-section of the right-of-way, to scale"),
     svg("rect", { class: "earth", x: b.left, y: 0, width: b.right - b.left, height: ground }),
-    svg("line", { class: "surface", x1: b.left, x2: b.right, y1: 0, y2: 0 }), towers(way), scales(b, pixel), depths(bodies, pixel));
+    svg("line", { class: "surface", x1: b.left, x2: b.right, y1: 0, y2: 0 }), towers(way), scales(b, pixel), depths(bodies, pixel),
+    ...((way.wires || []).length ? [heights(way, b, pixel)] : []));
   for (const body of bodies) {
-    const group = svg("g", { class: "cable" }, rings(body, body.x, -body.y));
-    if (!body.inside) group.append(svg("circle", { class: "spot", cx: body.x, cy: -body.y, r: Math.max(body.r, 4 * pixel), "pointer-events": "none" }),
-      text(body.x + Math.max(body.r, 4 * pixel) + 6 * pixel, -body.y + 4 * pixel, body.label, pixel, { class: "halo" }));
+    const group = svg("g", { class: "cable" }, rings(body, body.x, -body.y, pixel));
+    if (!body.inside) group.append(svg("circle", { class: "spot", cx: body.x, cy: -body.y, r: Math.max(body.r, 4 * pixel), "pointer-events": "none" }));
     picture.append(group);
   }
+  for (const group of groupsOf(bodies, pixel)) {
+    const last = group.at(-1), x = last.x + Math.max(last.r, 4 * pixel) + 6 * pixel;
+    picture.append(text(x, -last.y + 4 * pixel, group.map((c) => c.label).join(", "), pixel, { class: "halo" }));
+  }
+  picture.append(spacings(bodies.filter((c) => !c.inside), pixel, Math.max(...bodies.map((c) => c.r), 0) + 22 * pixel));
   for (const wire of way.wires || []) picture.append(wireMarks(wire, pixel));
   for (const wire of way.wires || []) {
     const near = (way.wires || []).filter((w) => w.bundle === wire.bundle), right = Math.max(...near.map((w) => w.x));
@@ -170,13 +227,22 @@ function lens(title, x, y, r, size, ...content) {
   return make("div", { class: size > 200 ? "large" : false }, make("h3", {}, title), picture);
 }
 
-function lenses(way) {
-  const all = [];
+// Cables that lie too near to each other for the picture above, to scale.
+function groupLens(group) {
+  const [x, y] = ["x", "y"].map((axis) => (Math.min(...group.map((c) => c[axis])) + Math.max(...group.map((c) => c[axis]))) / 2);
+  const r = Math.max(...group.map((c) => Math.hypot(c.x - x, c.y - y) + c.r)), pixel = (2.5 * r) / 300, out = Math.max(...group.map((c) => c.r));
+  return lens(`Arrangement of cables ${group.map((c) => c.label).join(", ")}`, x, -y, r, 300, ...group.map((c) => rings(c, c.x, -c.y, pixel)),
+    ...group.map((c) => text(c.x, -c.y - c.r - 5 * pixel, c.label, pixel, { class: "halo", "text-anchor": "middle", "font-weight": 600 })),
+    spacings(group, pixel, out + 22 * pixel));
+}
+
+function lenses(way, pixel) {
+  const all = groupsOf(way.cables || [], pixel).filter((g) => g.length > 1).map((g) => groupLens(g));
   if (way.pipe) {
     const inside = (way.cables || []).filter((c) => c.inside);
-    all.push(lens("The pipe", way.pipe.x, -way.pipe.y, way.pipe.r, 300, rings(way.pipe, way.pipe.x, -way.pipe.y), ...inside.map((c) => rings(c, c.x, -c.y))));
+    all.push(lens("The pipe", way.pipe.x, -way.pipe.y, way.pipe.r, 300, rings(way.pipe, way.pipe.x, -way.pipe.y, way.pipe.r / 120), ...inside.map((c) => rings(c, c.x, -c.y, way.pipe.r / 120))));
   }
-  for (const c of way.cables || []) all.push(lens(c.sectors ? "Four-wire cable" : `Cable ${c.label}`, c.x, -c.y, c.r, c.sectors ? 300 : 196, rings(c, c.x, -c.y)));
+  for (const c of way.cables || []) all.push(lens(c.sectors ? "Four-wire cable" : `Cable ${c.label}`, c.x, -c.y, c.r, c.sectors ? 300 : 196, rings(c, c.x, -c.y, c.r / 78)));
   const shown = new Set();
   for (const main of way.wires || []) {
     const own = way.wires.filter((w) => w.bundle === main.bundle), kind = circuitClass(main);
@@ -208,7 +274,7 @@ function keyOf(way) {
 function addGeometry(host, way) {
   if (way.note) return host.append(make("p", { class: "none" }, way.note));
   const picture = svg("svg", { class: "way", role: "group", "aria-label": "Cross-section of the right-of-way, to scale" });
-  const enlarged = lenses(way);
+  const b = boundsOf(way, 2.4), enlarged = lenses(way, (b.right - b.left) / 1200);
   host.append(make("figure", {}, picture, keyOf(way),
     ...(enlarged.length ? [make("div", { class: "lenses" }, ...enlarged)] : []),
     make("figcaption", {}, "To scale. Pointing at a body, or moving to it by the tabulator key, tells what it is.")));

@@ -88,7 +88,8 @@ function addFunction(host, c, set) {
   part.append(box);
   host.append(part);
   part.choose = (name) => {
-    const i = c.elements.findIndex((e) => e.name === name);
+    const across = (name || "").replace(/\((\d+),(\d+)\)/, "($2,$1)"); // of a symmetric matrix only one half is here
+    const i = [name, across].map((n) => c.elements.findIndex((e) => e.name === n)).find((at) => at >= 0) ?? -1;
     if (i < 0 || state.shown.includes(i)) return;
     state.shown = [...state.shown.slice(0, 2), i];
     picked.boxes.forEach(([b], k) => { b.checked = state.shown.includes(k); });
@@ -156,32 +157,41 @@ function addPassivity(passivity) {
 
 // ---- verdicts
 
-const PLACES = [["poles", "poles"], ["delay", "delays"], ["step", "delays"], ["passivity", "passivity"], ["modes", "modes"], ["line", "constants"], ["Yc", "Yc"], ["H", "H"],
+const PLACES = [["in time", "time"], ["growth", "time"], ["poles", "poles"], ["delay", "delays"], ["step", "delays"], ["passivity", "passivity"], ["modes", "modes"], ["line", "constants"], ["Yc", "Yc"], ["H", "H"],
   ["Zc", "Zc-fit"], ["Z", "Z-fit"], ["T", "delays"], ["R", "modes"], ["shunt", "constants"], ["series", "constants"]];
 
+const chipOf = (word, text) => make("span", { class: `chip ${word}` }, text);
+
 function placeOf(finding) {
+  const simulated = finding.subject === "in time" && document.getElementById("case-" + finding.where.split(",")[0]);
+  if (simulated) return simulated.id;
   const found = PLACES.find(([subject, id]) => finding.subject.startsWith(subject) && document.getElementById(id));
   return found ? found[1] : finding.subject === "Zc" ? "Zc" : "constants";
 }
 
 function toldFinding(f) {
-  if (f.words) return f.words;
-  return told(f.value, 4) + (f.unit ? " " + f.unit : "") + (f.rms === undefined ? "" : `, rms ${told(f.rms, 3)} ${f.unit || ""}`);
+  const remedy = f.remedy ? `; try ${f.remedy}` : "";
+  if (f.words) return f.words + remedy;
+  return remedy ? toldFinding({ ...f, remedy: "" }) + remedy : told(f.value, 4) + (f.unit ? " " + f.unit : "") + (f.rms === undefined ? "" : `, rms ${told(f.rms, 3)} ${f.unit || ""}`);
 }
 
 function addVerdicts(section) {
   const count = (word) => data.verdicts.filter((f) => f.verdict === word).length;
   const order = { bad: 0, doubtful: 1, good: 2, undefined: 3 };
-  const chip = (word, text = word) => make("span", { class: `chip ${word}` }, text);
-  section.append(make("div", { class: "sum" }, ...["bad", "doubtful", "good"].map((word) => chip(word, `${count(word)} ${word}`))));
+  section.append(make("div", { class: "sum" }, ...["bad", "doubtful", "good"].map((word) => chipOf(word, `${count(word)} ${word}`))));
   const rows = [...data.verdicts].sort((a, b) => order[a.verdict] - order[b.verdict]).map((f) => {
     const id = placeOf(f), element = (f.where.match(/\(\d+,\d+\)|mode \d+/) || [])[0];
     const link = make("a", { href: "#" + id, onclick: () => document.getElementById(id).choose?.(element) }, f.subject);
-    return [chip(f.verdict || "told", f.verdict || "info"), link, f.where, toldFinding(f), f.frequency ? toldFrequency(f.frequency) : ""];
+    return [chipOf(f.verdict || "told", f.verdict || "info"), link, f.where, toldFinding(f), f.frequency ? toldFrequency(f.frequency) : ""];
   });
-  const list = table(["Verdict", "Quantity", "Where", "Value", "At"], rows, "verdicts");
-  for (const row of list.querySelectorAll("tr")) row.children[2].classList.add("where");
-  section.append(list);
+  const listOf = (some) => {
+    const list = table(["Verdict", "Quantity", "Where", "Value", "At"], some, "verdicts");
+    for (const row of list.querySelectorAll("tr")) row.children[2].classList.add("where");
+    return list;
+  };
+  const wrong = count("bad") + count("doubtful");
+  if (wrong) section.append(listOf(rows.slice(0, wrong)));
+  section.append(make("details", { class: "rest" }, make("summary", {}, `${rows.length - wrong} that are good or for information`), listOf(rows.slice(wrong))));
 }
 
 function addSequences(host) {
@@ -212,6 +222,7 @@ function addLine() {
     if (data.delays.length) addDelays(fit, data.delays);
   }
   if (data.passivity) addPassivity(data.passivity);
+  addInTime(data.inTime);
   addVerdicts(verdicts);
   addSection("console", "Console").append(make("details", { class: "console" }, make("summary", {}, "What the run printed"), make("pre", {}, data.console)));
 }
