@@ -57,10 +57,12 @@ TEST(Page, ThinningKeepsWhatStandsOut) {
   EXPECT_EQ(set["fit"], Json::array({17}));
 }
 
-TEST(Page, WiresHang) {
+TEST(Page, WiresHangAndMatricesAreShownOnce) {
   readHere(CORVO_TEST_DATA "/../examples/line500kv_phase.cvi", 1e4);
   EXPECT_EQ(geometryOf()["wires"][0]["facts"]["At mid-span"],
             "y = 15.225 m"); // 28 m, half a bundle more, 13 m of sag less
+  EXPECT_EQ(placesOf(3, true, {}).size(), 6U);
+  EXPECT_EQ(placesOf(3, false, {}).size(), 9U);
 }
 
 TEST(Page, IsNoFileThatItIsMadeFrom) {
