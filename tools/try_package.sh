@@ -96,10 +96,9 @@ examples() { # through every program, with and without /proc; compares the files
       diff <(sed 's#/tmp/runs/##' "$root/tmp/runs/$made") "$work/here/$made" || fail "$made differs"
     done
     run 0 corvo-check "/tmp/runs/$name"
-    # A model may be bad, but not for another reason than in the build.
+    # A Bergeron model of a cable has one real transformation, too far off at its ends.
     verdict=0
-    "$build/companions/corvo-verify" "$work/here/$name" /length 10000 > /dev/null || verdict=$?
-    [[ $verdict -le 1 ]] || fail "corvo-verify compares nothing of $name"
+    [[ $name != fourwire.cbi && $name != pipetype.cbi ]] || verdict=1
     run "$verdict" corvo-verify "/tmp/runs/$name" /length 10000
     run 0 corvo-plot "/tmp/runs/$name" /length 10000
     [[ -s $root/tmp/runs/${name%.*}.html ]] || fail "no page of $name"

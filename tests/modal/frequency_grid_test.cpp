@@ -40,7 +40,7 @@ std::string smallTable(const std::vector<double>& frequencies) {
 } // namespace
 
 TEST(FrequencyGrid, LaysTheFitRangeWithFivePointsBelow) {
-  RUNDATA.resetInput();
+  RUNDATA = {};
   RUNDATA.model.MODEL = ModelKind::Phase;
   RUNDATA.fit.CONSTT = false;
   layGrid();
