@@ -5,7 +5,7 @@
 
 namespace lcp::companions {
 
-// Over the run store behind the reader.
+// Uses the run store after the reader.
 void earthRules(Findings& findings);
 
 } // namespace lcp::companions

@@ -1,4 +1,4 @@
-// Two errors are told apart: that of the model, its functions against the line, and that of the
+// There are two errors: that of the model, its functions against the line, and that of the
 // step, the stepped model against its own functions. The first stays however small the step is.
 #include "companions/verify/in_time.h"
 

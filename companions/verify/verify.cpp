@@ -151,7 +151,7 @@ int stepsAsked(const Arguments& given) {
   return static_cast<int>(steps);
 }
 
-// The cases that are asked for, by name; all of them without a name.
+// The case with the name given; all cases without a name.
 TimeOptions timeOptions(const Arguments& given) {
   TimeOptions options;
   const std::string_view name = given.valueOr("--case", "");

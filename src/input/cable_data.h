@@ -9,7 +9,7 @@ namespace lcp {
 void deriveCableData();
 
 // Appends each physical conductor to the cables as a bare aerial cable, and moves circuit,
-// transposition and role of the conductors behind those of the cables' own conductors. NC becomes
+// transposition and role of the conductors after the cables' own conductors. NC becomes
 // the total number of conductors. A table that would overflow ends the run with a message and exit
 // status 1.
 void convertOverheadConductors();

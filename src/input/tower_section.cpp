@@ -210,7 +210,7 @@ void circuitRule(const KeyRow& key, Got got) {
 }
 
 // Resets an entry after the counted ones to its defaults, so that a group of no conductors leaves
-// no values behind.
+// no values after it.
 void clearEntry(int i) {
   static const ConductorTable fresh;
   if (!CondReals().holds(i)) return;

@@ -8,7 +8,7 @@ namespace lcp {
 
 struct BetweenStore {
   int NB;          // frequencies between points
-  int BELOW;       // behind them, of phase functions, frequencies below the points
+  int BELOW;       // after them, for phase functions, frequencies below the points
   FreqCurve WFREQ; // rad/s
 
   // The sampling routine called last determines which of these are filled.

@@ -21,7 +21,7 @@ namespace {
 constexpr int PASSES = 4;           // of relaxed vector fitting
 constexpr int STEPS = 15;           // of the poles
 constexpr int FLATTENINGS = 4;      // of the deviations
-constexpr int FLATSTEPS = 3;        // of the poles behind each
+constexpr int FLATSTEPS = 3;        // of the poles after each
 constexpr double WITHINREACH = 1.6; // error over the target that flattening may mend
 constexpr double LEASTPART = 0.25;  // of the mean deviation that counts
 constexpr double BELOWWEIGHT = 8;   // of the frequencies below the band
@@ -69,7 +69,7 @@ double errorBetween(const MatrixFit& Q, const MatrixSamples& F, int N) {
 
 PoleFrame frameOf(const MatrixFit& Q) { return {true, Q.E != nullptr, Q.DC != nullptr, false}; }
 
-// Points of the fit with their weights, and behind them the frequencies below.
+// Points of the fit with their weights, and after them the frequencies below.
 void laySamples() {
   const FrequencyGrid& G = SOLVEDATA.grid;
   const int below = std::min(BETWEEN.BELOW, MAXFREQ - G.NFUSE);

@@ -28,7 +28,7 @@ namespace {
 constexpr double SEENJUMP = 0.2; // of the largest error of H that is allowed: a jump to warn of
 
 // Adds the real pole that takes up the difference to the DC values. False when that lifts the error
-// above the one asked for.
+// above the one requested.
 bool closeAtZero(const MatrixFit& Q, const RealMatrix& DC, double TARGET, MatrixFitResult& fit) {
   const double a = dcPole(slowestOf(Q.P, fit.N));
   const int N = fit.N + 1;
@@ -71,8 +71,8 @@ MatrixFit admittance(const RealMatrix* DC) {
           nullptr};
 }
 
-// Where a pole of its own spoils the fit behind it, the fit has to know of the DC values; the error
-// of one that spoils it as well, and is left out.
+// Where a pole of its own spoils the finished fit, the DC values become conditions of the fit; the
+// error of one that spoils it as well, and is left out.
 double correctAdmittance(const AdmittanceWish& wish, const RealMatrix& YDC, MatrixFitResult& fit) {
   const int limit = std::min(wish.limit, NPMAX);
   if (closeAtZero(admittance(nullptr), YDC, wish.target, fit)) return 0.0;

@@ -34,7 +34,7 @@ constexpr double DOUBLE = 0.1;  // imaginary over real part
 // A derivative column times an unknown of the basis times a factor: a part of dB/dt x.
 struct Term {
   int column;  // of the derivatives, from 1
-  int unknown; // behind those of the basis one for each group, of its delay
+  int unknown; // after those of the basis one for each group, of its delay
   double factor;
 };
 
@@ -213,7 +213,7 @@ void takeStep(const PoleTargets& T, const PoleSet& from, PoleSet& to) {
 }
 
 // One step that lowers the squares that are left; false when there is none. The columns of the set
-// stand projected before and behind it.
+// projected before and after it.
 bool stepOn(const PoleTargets& T, const PoleFrame& frame, PoleSet& S, double& left,
             double& lambda) {
   formNormal(T, frame, S);

@@ -10,7 +10,7 @@
 
 namespace lcp {
 
-// Moves the poles and, if asked for, the delays of the set by at most so many steps. Returns the
+// Moves the poles and, on request, the delays of the set by at most so many steps. Returns the
 // root of the mean square that is left, over samples and elements.
 double MOVEPOLES(const PoleTargets& T, const PoleFrame& frame, int steps, PoleSet& S);
 

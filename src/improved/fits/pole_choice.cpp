@@ -1,5 +1,5 @@
 // A pole more is looked for among real poles and pairs at places spread over the frequencies, in
-// each group: the one whose columns, behind those of the set, take most off what is left
+// each group: the one whose columns, added to those of the set, take most off what is left
 // (orthogonal matching pursuit). What a pole is worth follows from its unknowns x and the inverse V
 // of B^T B: the squares without it are x^2 / V more, with blocks of two for a pair.
 #include "improved/fits/pole_choice.h"

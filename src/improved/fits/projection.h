@@ -1,5 +1,5 @@
 // What a model with given poles and delays leaves of its targets: residues by linear least squares,
-// and the columns behind them that steps of the poles, and trials of others, are found from.
+// and the further columns that steps of the poles, and trials of others, are found from.
 #pragma once
 
 #include "fit/partial_fractions.h"
@@ -69,7 +69,7 @@ void putOther(const PoleTargets& T, const PoleFrame& frame, double tau, const Co
               Complex atZero, int c);
 void takeBasisOutOfOthers();
 
-// As FINDRESIDUES for what was projected; behind them, for each group, what its delay multiplies:
+// As FINDRESIDUES for what was projected; then, for each group, what its delay multiplies:
 // the sum of the factors of s phi at high frequencies.
 RView formUnknowns(const PoleSet& S);
 

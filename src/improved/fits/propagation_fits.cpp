@@ -34,7 +34,7 @@ constexpr int MOSTSAMPLES = 320;     // that poles are moved by
 constexpr double FARBELOW = 1e-6;    // of the lowest frequency: as good as zero
 constexpr double HEAVY = 30;         // weight of a value that has to be met
 constexpr double BELOWWEIGHT = 100;  // of a frequency below the band
-constexpr double AIM = 0.97;         // of the error asked for
+constexpr double AIM = 0.97;         // of the error requested
 constexpr double AIMENFORCED = 0.75; // before an enforcement
 constexpr double NEARUNIT = 0.3;     // distance of H from the unit matrix that counts as near
 constexpr double MOSTNEAR = 8;       // weight of a point by it
@@ -362,7 +362,7 @@ double valueAtZero(int r, int c) {
   return sum;
 }
 
-// Adds the pole to group 1. False when that lifts the error above the one asked for.
+// Adds the pole to group 1. False when that lifts the error above the one requested.
 bool closeAtZero(const PropagationWish& wish, PhaseFit& fit) {
   const double a = dcPole(slowestPole());
   const int m = FITMODEL.NH[1] + 1;
@@ -387,8 +387,8 @@ PhaseFit fitPropagation(const PropagationWish& wish, int& stay) {
   return fit;
 }
 
-// Where a pole of its own spoils the fit behind it, the fit has to know of the DC values; the error
-// of one that spoils it as well, and is left out.
+// Where a pole of its own spoils the finished fit, the DC values become conditions of the fit; the
+// error of one that spoils it as well, and is left out.
 double correctPropagation(const PropagationWish& wish, int& stay, PhaseFit& fit) {
   const double allowed = std::max(wish.ERRA * PERCENT, fit.MAXERR);
   if (closeAtZero(wish, fit)) return 0.0;

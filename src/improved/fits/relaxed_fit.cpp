@@ -6,7 +6,7 @@
 // is their number, weighted by the size of F over it. A constant of 1 instead pulls poles to where
 // they were when sigma is far from 1.
 //
-// The unknowns r, D, E of each function go first: what is left of its columns F phi and F behind
+// The unknowns r, D, E of each function go first: what is left of its columns F phi and F after
 // those of phi is brought to a triangle, and the triangles of all functions stand below each other.
 #include "improved/fits/relaxed_fit.h"
 
@@ -52,7 +52,7 @@ int formShared(const PoleTargets& T, const PoleFrame& frame, double tau, int N,
   return columns;
 }
 
-// The columns F phi and F of target i behind the shared ones.
+// The columns F phi and F of target i, after the shared ones.
 void formScaled(const PoleTargets& T, int shared, int N, const PoleTable& P, int i) {
   const Complex* F = const_cast<PoleTargets&>(T).F.samples(i);
   for (int m = 1; m <= N; ++m) {

@@ -18,12 +18,12 @@ struct SampleColumns {
 };
 
 // Modified Gram-Schmidt: of the first `pivots` columns each gets unit length and is taken out of
-// the columns behind it up to `all`; R(c, j) is what column c had of column j. A column that the
-// ones before it span becomes 0, with a 0 in its R(j, j). What is left of the columns behind the
+// the columns after it up to `all`; R(c, j) is what column c had of column j. A column that the
+// ones before it span becomes 0, with a 0 in its R(j, j). What is left of the columns after the
 // pivots stands at right angles to all of them.
 void bringToRightAngles(SampleColumns& A, int pivots, int all, RView R);
 
-// The same for the columns from first to last alone, behind pivots that stand.
+// The same for the columns from first to last alone, after pivots that stay.
 void takePivotsOut(SampleColumns& A, int pivots, int first, int last, RView R);
 
 // The factors x of the pivots that give what was taken out of column c; 0 for one that became 0.

@@ -349,7 +349,7 @@ void formProgram(LeastChange& C) {
     if (C.freeYc) Yc.add(C.rowsYc[i]);
   }
   C.program.n = static_cast<int>(n);
-  M.assign(n * n + LANES, 0); // a whole group fits behind the last row
+  M.assign(n * n + LANES, 0); // room for a whole group after the last row
   for (std::size_t i = n; i-- > 0;) {
     double* row = M.data() + i * n;
     if (i < known) {

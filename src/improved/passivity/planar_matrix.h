@@ -1,5 +1,5 @@
 // Small complex matrices with real and imaginary parts apart, so that columns go through the vector
-// unit: products, Cholesky factors and what is behind them.
+// unit: products, Cholesky factors and solutions with them.
 #pragma once
 
 #include "base/matrix.h"

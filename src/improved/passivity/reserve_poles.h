@@ -21,10 +21,10 @@ struct PoleCounts {
 
 [[nodiscard]] PoleCounts countPoles(); // of FITMODEL
 
-// What is behind so many poles in FITMODEL goes.
+// Removes all poles of FITMODEL after the first so many.
 void setPoleCounts(const PoleCounts& counts);
 
-// Puts poles behind those of FITMODEL. Where there is no room there is none more.
+// Appends poles to those of FITMODEL, as far as there is room.
 void addReserve(const Reserve& reserve);
 
 // Residues and constant term of the enforcement store.

@@ -27,7 +27,7 @@ namespace lcp {
 
 namespace {
 
-constexpr int PROGRAMS = 3;    // quadratic programs for each iteration that is asked for
+constexpr int PROGRAMS = 3;    // quadratic programs per requested iteration
 constexpr int FROMFIT = 4;     // programs that look for the least change from the fit itself
 constexpr int PATIENCE = 4;    // programs with H alone that may bring nothing
 constexpr double LOST = 4;     // times the wish: an error that ends an attempt before the last

@@ -15,7 +15,7 @@ constexpr double DAMPING = 1e-8;
 
 std::size_t at(int i) { return static_cast<std::size_t>(i); }
 
-// Pairs start behind a real pole or a whole pair.
+// A pair starts after a real pole or a whole pair.
 void classify(TiedBasis& B) {
   for (std::size_t m = 0; m < B.pole.size(); ++m) {
     const bool second = m > 0 && B.kind[m - 1] == PAIRFIRST;

@@ -33,7 +33,7 @@ struct TiedBasis {
   Complexes pole;            // rad/s; the two of a pair side by side
   std::vector<int> kind;     // of each: REALPOLE, PAIRFIRST, PAIRSECOND
   std::vector<double> tau;   // delay of each, s
-  bool constant = false;     // a constant term behind the poles
+  bool constant = false;     // a constant term after the poles
   int N = 0;                 // basis functions
   std::vector<double> scale; // 1 over the norm of each
   std::vector<double> U;     // factor of G of the scaled basis, N by N, upper triangle in columns
