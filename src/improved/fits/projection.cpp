@@ -125,7 +125,8 @@ void beginTargets(PoleTargets& T, int NS, const FreqCurve& WFREQ, const FreqCurv
 void addTarget(PoleTargets& T, int element, const Complex* F, double atZero) {
   const int turn = (element - 1) / T.count;
   const int i = (element - 1 + SPREAD * turn) % T.count + 1;
-  const double sign = (element * 2654435761u >> 16 & 1) != 0 && turn > 0 ? -1 : 1;
+  const double sign =
+      (static_cast<unsigned>(element) * 2654435761U >> 16 & 1) != 0 && turn > 0 ? -1 : 1;
   Complex* to = T.F.samples(i);
   for (int k = 1; k <= T.NS; ++k) to[k - 1] += sign * T.WFIT[k] * (F[k - 1] - atZero);
 }
