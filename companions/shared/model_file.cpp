@@ -76,12 +76,6 @@ void skipFlags(Lines& in) {
   while (in.peek() == "NOINT" || in.peek() == "INFLENGTH") in.next();
 }
 
-Matrix one(Complex value) {
-  Matrix m(1, 1);
-  m(0, 0) = value;
-  return m;
-}
-
 // ---- PI
 
 void readBranch(Lines& in, std::string_view line, ModelFile& f) {
@@ -176,9 +170,9 @@ Rational readFunction(Lines& in) {
   Rational F;
   const std::string_view head = in.next();
   const std::size_t n = countField(in, head, 2, 4, MOSTPOLES);
-  F.D = one(field(in, head, 9, 20));
+  F.D = oneByOne(field(in, head, 9, 20));
   F.poles = readChunks(in, n);
-  for (const Complex& R : readChunks(in, n)) F.residues.push_back(one(R));
+  for (const Complex& R : readChunks(in, n)) F.residues.push_back(oneByOne(R));
   return F;
 }
 

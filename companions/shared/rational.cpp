@@ -12,6 +12,12 @@ void addTimes(Matrix& sum, const Matrix& term, Complex factor) {
 
 } // namespace
 
+Matrix oneByOne(Complex z) {
+  Matrix m(1, 1);
+  m(0, 0) = z;
+  return m;
+}
+
 Matrix Rational::at(Complex s) const {
   Matrix F = D;
   if (!E.elements.empty()) addTimes(F, E, s);

@@ -22,6 +22,8 @@ struct Matrix {
   const Complex& operator()(std::size_t i, std::size_t j) const { return elements[j * rows + i]; }
 };
 
+Matrix oneByOne(Complex z);
+
 struct Rational {
   Matrix D, E; // no rows if the function has no such term
   std::vector<Complex> poles;

@@ -132,19 +132,24 @@ NodalHalves bergeronHalves(const BergeronFile& B, Complex s, Stepping how) {
 }
 
 NodalHalves piHalves(const ModelFile& file, Complex s) {
-  Matrix shunt(file.n, file.n);
+  const PiMatrices pi = piMatrices(file, s);
+  return {pi.shunt, combined(pi.shunt, 2, inverse(pi.series))};
+}
+
+} // namespace
+
+PiMatrices piMatrices(const ModelFile& file, Complex s) {
+  PiMatrices pi{Matrix(file.n, file.n), combined(file.pi.R, s, file.pi.L)};
   for (std::size_t j = 0; j < file.n; ++j) {
     for (std::size_t i = 0; i < file.n; ++i) {
       const double R = file.pi.shuntR(i, j).real();
       const Complex y = s * MICRO * file.pi.shuntC(i, j) + (R == 0 ? 0.0 : 1 / R);
-      shunt(i, i) += y;
-      if (i != j) shunt(i, j) = -y;
+      pi.shunt(i, i) += y;
+      if (i != j) pi.shunt(i, j) = -y;
     }
   }
-  return {shunt, combined(shunt, 2, inverse(combined(file.pi.R, s, file.pi.L)))};
+  return pi;
 }
-
-} // namespace
 
 PhaseFunctions lineFunctions(const ContinuedLine& line, Complex s, double length) {
   return waves(line.at(s), length, false);

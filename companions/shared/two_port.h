@@ -26,6 +26,12 @@ PhaseFunctions lineFunctions(const ContinuedLine& line, Complex s, double length
 PhaseFunctions modelFunctions(const ModelFile& file, Complex s, double length, Stepping how);
 bool hasFunctions(const ModelFile& file);
 
+// The circuit of a PI file at s: shunt admittance of one end, S, and series impedance, ohm.
+struct PiMatrices {
+  Matrix shunt, series;
+};
+PiMatrices piMatrices(const ModelFile& file, Complex s);
+
 // Nodal admittances of both ends, driven alike and against each other, of any model.
 NodalHalves modelHalves(const ModelFile& file, Complex s, double length, Stepping how);
 

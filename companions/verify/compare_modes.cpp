@@ -9,6 +9,7 @@
 #include "companions/shared/fit_ranges.h"
 #include "companions/shared/followed_modes.h"
 #include "companions/shared/nodal_scan.h"
+#include "companions/shared/two_port.h"
 #include "store/rundata.h"
 
 #include <algorithm>
@@ -20,7 +21,6 @@ namespace lcp::companions {
 
 namespace {
 
-constexpr double MICRO = 1e-6;
 constexpr double ROUNDING = 1e-18; // of squares of unit vectors in a file with 15 digits
 constexpr double CLOSER = 1e-6;    // relative; distances closer than this are equal
 
@@ -117,23 +117,13 @@ struct PiDeviation {
 };
 
 PiDeviation piAt(const ModelFile& file, double length, double f) {
-  const Complex s(0, TWOPI * f);
   const LinePoint point = constantsOf(f);
   const PhaseFunctions line = phaseFunctionsOf(point, modesOf(point), length);
   const auto [alike, against] = nodalHalves(line.Yc, line.H);
   Matrix series = combined(against, -1, alike); // twice the series admittance
   for (Complex& e : series.elements) e *= 0.5;
-  Matrix shunt(file.n, file.n), Z = file.pi.R;
-  for (std::size_t j = 0; j < file.n; ++j) {
-    for (std::size_t i = 0; i < file.n; ++i) {
-      const double R = file.pi.shuntR(i, j).real();
-      const Complex y = s * MICRO * file.pi.shuntC(i, j) + (R == 0 ? 0.0 : 1 / R);
-      shunt(i, i) += y;
-      if (i != j) shunt(i, j) = -y;
-      Z(i, j) += s * file.pi.L(i, j);
-    }
-  }
-  return {offBy(shunt, alike), offBy(Z, inverse(series))};
+  const PiMatrices pi = piMatrices(file, Complex(0, TWOPI * f));
+  return {offBy(pi.shunt, alike), offBy(pi.series, inverse(series))};
 }
 
 } // namespace

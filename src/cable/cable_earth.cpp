@@ -138,7 +138,8 @@ struct EarthCall {
   Table<EarthValue, MOSTKEPT> values;
 };
 
-// The exact integrals, used in place of any formula. A missed accuracy is reported once a solve.
+// The exact integrals, used in place of any formula. The first missed accuracy of a solve is
+// reported.
 bool TOLD = false;
 
 void tellMissed(double w, const Body& i, const Body& j, const Estimated& E) {

@@ -13,7 +13,7 @@ namespace lcp {
 
 constexpr int ROWVALUES = 403; // numbers per line of a curve file
 
-// The files of a solve are opened once, with their headings, and stay open until their rows are
+// The files of a solve are opened with their headings and stay open until their rows are
 // written; if the run ends before that, heading and rows so far remain. They are optional: a file
 // that cannot be written, or whose values are not finite, is reported on the console in one line
 // per solve and left empty, and the run continues.

@@ -2,8 +2,8 @@
 // computed along a path.
 //
 // Pairs of conductors share one integral if their sums of heights and their distances agree to
-// 1.5e-11 m, which is common with bundles and symmetric towers. A hash table, built once a solve,
-// finds them.
+// 1.5e-11 m, which is common with bundles and symmetric towers. A hash table, built at the first
+// frequency, finds them.
 #include "overhead/exact_earth.h"
 
 #include "base/big_store.h"

@@ -40,7 +40,8 @@ Estimated EXACTCARSON(Complex p, double H, double x);
 
 // All pairs of a line of n conductors; each distinct geometry is solved once. PREPAREEXACT runs at
 // the first frequency of a solve, SOLVEEXACT at every frequency; EXACTTERM then returns the term of
-// a pair. The first integral that misses EXACTLIMIT is reported on the error stream, once a solve.
+// a pair. The first integral that misses EXACTLIMIT is reported on the error stream, one line per
+// solve.
 void PREPAREEXACT(int n);
 void SOLVEEXACT(double w);
 Complex EXACTTERM(int i, int j);

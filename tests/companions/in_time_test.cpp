@@ -16,12 +16,6 @@ using namespace lcp::test;
 
 namespace {
 
-Matrix oneByOne(Complex z) {
-  Matrix m(1, 1);
-  m(0, 0) = z;
-  return m;
-}
-
 // One conductor with constant values per metre: ohm, ohm and ohm m at 50 Hz.
 ContinuedLine constantLine(double R, double X, double XC, double length, double until) {
   readHere(description(fmt::format(

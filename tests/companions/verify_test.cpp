@@ -31,12 +31,6 @@ using namespace lcp::test;
 
 namespace {
 
-Matrix oneByOne(Complex z) {
-  Matrix m(1, 1);
-  m(0, 0) = z;
-  return m;
-}
-
 // Conductance D in parallel with R / (s + a) at both ends of a line that transmits nothing: the
 // nodal admittance is that network, whose real part at w is D + R a / (w^2 + a^2).
 ModelFile networkOf(double D, double R, double a) {
@@ -257,7 +251,7 @@ TEST(Verify, FindsChangesInAModelFile) {
   EXPECT_EQ(ofY->verdict, Verdict::BAD);
 }
 
-// Verdicts, curves and what they are told for a script.
+// Verdicts for a person, verdicts and curves for a script.
 TEST(Verify, SimulatesTheModelOnRequest) {
   const std::string line = CORVO_EXAMPLES "/line500kv_phase.cvi /length 100000 --time ";
   const auto [status, text] = verify(line + "--case step --step 2e-6 --until 2e-3 --json");
